@@ -1,0 +1,91 @@
+#ifndef PLATFORM_AQE_I_UNDIRECTEDGRAPH_H
+#define PLATFORM_AQE_I_UNDIRECTEDGRAPH_H
+
+#include "AUT_RefPtr.h"
+#include "QEENGINE_EXPORT.h"
+#include "amd_id.h"
+
+#include <vector>
+
+/// A weighted undirected multigraph whose nodes and edges are named by ids.
+///
+/// Parallel edges are different edges and give different paths and trees. An edge whose two ends
+/// are one node is kept as an edge, and is in no path and no tree. Weights are not negative; sums
+/// that do not fit an int are reported as the largest int. Ids that are not in the graph are
+/// harmless in every query. Output vectors are appended to, never cleared; weights are replaced.
+/// Every answer depends only on the nodes, edges and weights, never on
+/// the order in which they were added: ties end in the order of the ids.
+///
+/// One graph is used by one thread at a time, also for reading.
+class QEENGINE_EXPORT AQE_I_UndirectedGraph
+{
+public:
+    virtual ~AQE_I_UndirectedGraph();
+
+    /// Makes an empty graph.
+    [[nodiscard]] static AUT_RefPtr<AQE_I_UndirectedGraph> Create();
+
+    /// Adds the node. A node that is there already stays as it is.
+    virtual void AddNode(const amd_id& node) = 0;
+
+    /// Adds an edge between two nodes, which are added where they are missing. An edge that is
+    /// there already keeps its ends and its weight. A negative weight counts as 0; `flag` is
+    /// reserved for callers and has no effect.
+    virtual void AddEdge(const amd_id& edge, const amd_id& end1, const amd_id& end2, int weight,
+                         int flag) = 0;
+
+    /// Changes the weight of an edge; nothing happens when there is no such edge.
+    virtual void SetEdgeWeight(const amd_id& edge, int weight) = 0;
+
+    /// Adds up the weights of the given edges, counting repeated ones each time. An id that is no
+    /// edge counts 0.
+    virtual int GetPathWeight(const std::vector<amd_id>& edges) = 0;
+
+    /// Appends the edges at `node` in id order, a self-loop once.
+    virtual void GetNodeEdges(const amd_id& node, std::vector<amd_id>& edges) = 0;
+
+    /// Appends all edges in id order.
+    virtual void GetEdges(std::vector<amd_id>& edges) = 0;
+
+    /// Tells whether every node can be reached from every other. A graph of one node or none is
+    /// connected.
+    virtual bool IsConnected() = 0;
+
+    /// Appends the edges of a least-weight path in walking order and sets `weight` to its weight.
+    /// From a node to itself the path is empty and weighs 0. When there is no path, or an end is
+    /// not in the graph, nothing is appended and `weight` is -1.
+    virtual void GetShortestPath(const amd_id& from, const amd_id& to, std::vector<amd_id>& edges,
+                                 int& weight) = 0;
+
+    /// Appends the edges of a minimum spanning tree in id order (of each connected part, when
+    /// there are several) and sets `weight` to its weight.
+    virtual void GetMinimumSpanningTree(std::vector<amd_id>& edges, int& weight) = 0;
+
+    /// Connects the given nodes by a tree of least-weight paths grown from the first of them.
+    /// Appends the tree's nodes and edges, both in the order in which the tree grew, so that the
+    /// k-th edge reaches node k + 1; only given nodes are leaves. `weight` becomes the tree's
+    /// weight. Given nodes that cannot be reached stay outside, and
+    /// when none can be, or there is only one, there are no edges.
+    virtual void GetShortestPathTree(const std::vector<amd_id>& nodes,
+                                     std::vector<amd_id>& nodesOut, std::vector<amd_id>& edgesOut,
+                                     int& weight) = 0;
+
+    /// Appends the spanning trees of the graph, each once, in order of weight, equal
+    /// weights in an order that ends in the edges' ids. At the bound of the implementation the
+    /// list ends; no tree outside it is lighter than one in it. A graph that is not connected has
+    /// none.
+    virtual void GetPaths(std::vector<std::vector<amd_id>>& paths) = 0;
+
+    /// Appends all trees of least weight that connect the given nodes, up to the bound of the
+    /// implementation, sets `weight` to that weight and gives true. When the nodes cannot be
+    /// connected, nothing is appended, `weight` is -1 and the result false. Repeated nodes
+    /// count once; one node alone is connected by the empty tree of weight 0.
+    virtual bool GetCheapestTrees(const std::vector<amd_id>& nodes,
+                                  std::vector<std::vector<amd_id>>& trees, int& weight) = 0;
+
+    /// Appends the edges of the first of the cheapest trees; nothing when the nodes cannot be
+    /// connected.
+    virtual void GetTreeEdges(const std::vector<amd_id>& nodes, std::vector<amd_id>& edgesOut) = 0;
+};
+
+#endif
