@@ -1,0 +1,37 @@
+#ifndef PLATFORM_AQE_EXPRESSIONNODE_H
+#define PLATFORM_AQE_EXPRESSIONNODE_H
+
+#include "I18NString.h"
+#include "QEENGINE_EXPORT.h"
+#include "amd_id.h"
+
+#include <vector>
+
+class AQE_I_ExpressionVisitor;
+
+/// One node of a parsed expression.
+class QEENGINE_EXPORT AQE_ExpressionNode
+{
+public:
+    virtual ~AQE_ExpressionNode();
+
+    /// Gives the kind of node; 10 is a reference to a metadata object.
+    [[nodiscard]] virtual int GetNodeType() const = 0;
+    /// Gives the operands in order. The nodes stay the expression's.
+    [[nodiscard]] virtual std::vector<AQE_ExpressionNode*> GetChildren() const = 0;
+    /// Gives the names of a reference in order: qualifier, query subject, item.
+    [[nodiscard]] virtual std::vector<I18NString> GetNamePath() const = 0;
+    /// Gives the object that a reference leads to; the empty id for other nodes.
+    [[nodiscard]] virtual amd_id GetReferencedId() const = 0;
+    /// Gives the query subject or shortcut through which a reference reaches its item.
+    [[nodiscard]] virtual amd_id GetQuerySubjectId() const = 0;
+    /// Replaces the names of a reference.
+    virtual void SetNamePath(const std::vector<I18NString>& names) = 0;
+    /// Points a reference at another query subject or shortcut; its names stay.
+    virtual void SetQuerySubjectId(const amd_id& id) = 0;
+
+    /// Hands the node to the visitor.
+    void Accept(AQE_I_ExpressionVisitor& visitor) const;
+};
+
+#endif
