@@ -1,0 +1,58 @@
+#include "AQE_JoinCache.h"
+
+AQE_JoinCache::AQE_JoinCache() = default;
+
+AQE_JoinCache::~AQE_JoinCache() = default;
+
+bool AQE_JoinCache::GetJoinInfo(const amd_id& joinId, QEjoinInfo& info) const
+{
+    const auto found = mJoinInfos.find(joinId);
+    if (found == mJoinInfos.end())
+        return false;
+    info = found->second;
+    return true;
+}
+
+void AQE_JoinCache::CacheJoinInfo(const amd_id& joinId, QEjoinInfo& info)
+{
+    mJoinInfos[joinId] = info;
+}
+
+bool AQE_JoinCache::GetJoinPath(const std::vector<amd_id>& querySubjects,
+                                const std::vector<amd_id>& favouredJoins,
+                                const std::vector<amd_id>& requiredJoins,
+                                std::vector<amd_id>& path) const
+{
+    const auto found = mJoinPaths.find(MakeKey(querySubjects, favouredJoins, requiredJoins));
+    if (found == mJoinPaths.end())
+        return false;
+    path = found->second;
+    return true;
+}
+
+void AQE_JoinCache::CacheJoinPath(const std::vector<amd_id>& querySubjects,
+                                  const std::vector<amd_id>& favouredJoins,
+                                  const std::vector<amd_id>& requiredJoins,
+                                  const std::vector<amd_id>& path)
+{
+    mJoinPaths[MakeKey(querySubjects, favouredJoins, requiredJoins)] = path;
+}
+
+std::vector<std::vector<amd_id>> AQE_JoinCache::GetAllJoinPaths()
+{
+    std::vector<std::vector<amd_id>> paths;
+    paths.reserve(mJoinPaths.size());
+    for (const auto& [key, path] : mJoinPaths)
+        paths.push_back(path);
+    return paths;
+}
+
+AQE_JoinCache::JoinPathKey AQE_JoinCache::MakeKey(const std::vector<amd_id>& querySubjects,
+                                                  const std::vector<amd_id>& favouredJoins,
+                                                  const std::vector<amd_id>& requiredJoins)
+{
+    JoinPathKey key(querySubjects.begin(), querySubjects.end());
+    key.insert(favouredJoins.begin(), favouredJoins.end());
+    key.insert(requiredJoins.begin(), requiredJoins.end());
+    return key;
+}
