@@ -1,0 +1,7 @@
+#include "Engine/Expression/ReferenceResolver.h"
+
+namespace qe::expression {
+
+ReferenceResolver::~ReferenceResolver() = default;
+
+} // namespace qe::expression
