@@ -1,0 +1,79 @@
+#include "AQE_I_Refiner.h"
+
+#include "AQE_JoinCache.h"
+#include "AQE_RequestContext.h"
+#include "JoinReader.h"
+#include "TypedLookup.h"
+#include "amdi_filter.h"
+#include "amdi_shortcut.h"
+#include "amdi_specFilter.h"
+
+#include <set>
+
+namespace {
+
+AQE_JoinCache* FindJoinCache(const AQE_RequestContext* context)
+{
+    return context == nullptr ? nullptr : context->GetJoinCache();
+}
+
+template <typename T>
+bool ReadFilter(amdi_gateway& gateway, IdClass kind, AQE_I_Refiner::QEFilterInfo& info)
+{
+    const auto* const filter = qe::LookUp<T>(gateway, info.filterId, kind);
+    if (filter == nullptr)
+        return false;
+    I18NString condition = filter->GetExpressionText();
+    info.name = filter->GetName();
+    info.expression = condition;
+    return true;
+}
+
+} // namespace
+
+AQE_I_Refiner::~AQE_I_Refiner() = default;
+
+bool AQE_I_Refiner::GetJoinInfo(amdi_gateway* gateway, AQE_RequestContext* context,
+                                const amd_id& joinId, QEjoinInfo& info)
+{
+    // The caller may name the join by a field of the record that is about to be filled.
+    const amd_id id = joinId;
+    if (const AQE_JoinCache* cache = FindJoinCache(context);
+        cache != nullptr && cache->GetJoinInfo(id, info))
+        return true;
+    if (!qe::ReadJoin(*gateway, id, info))
+        return false;
+    if (AQE_JoinCache* cache = FindJoinCache(context); cache != nullptr)
+        cache->CacheJoinInfo(id, info);
+    return true;
+}
+
+bool AQE_I_Refiner::GetFilterInfo(amdi_gateway* gateway, const amd_id& filterId, QEFilterInfo& info,
+                                  const I18NLocale& /*locale*/)
+{
+    if (filterId.classCode != IdClassFilter && filterId.classCode != IdClassSpecFilter)
+        return false;
+    info.filterId = filterId;
+    return info.filterId.classCode == IdClassSpecFilter
+               ? ReadFilter<amdi_specFilter>(*gateway, IdClassSpecFilter, info)
+               : ReadFilter<amdi_filter>(*gateway, IdClassFilter, info);
+}
+
+amd_id AQE_I_Refiner::GetRefQuerySubject(amdi_gateway* gateway, const amd_id& id,
+                                         std::vector<amd_id>* shortcuts,
+                                         std::vector<amd_id>* shortcutParents)
+{
+    amd_id current = id;
+    std::set<amd_id> visited;
+    while (current.classCode == IdClassShortcut) {
+        const auto* const shortcut = qe::LookUp<amdi_shortcut>(*gateway, current, IdClassShortcut);
+        if (shortcut == nullptr || !visited.insert(current).second)
+            return {};
+        if (shortcuts != nullptr)
+            shortcuts->push_back(current);
+        if (shortcutParents != nullptr)
+            shortcutParents->push_back(shortcut->GetParentId());
+        current = shortcut->GetReferencedId();
+    }
+    return current.classCode == IdClassQuerySubject ? current : amd_id{};
+}
