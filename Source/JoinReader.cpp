@@ -14,9 +14,9 @@ namespace {
 using CardinalityRange = BMT_I_Association::CardinalityRange;
 using QEjoinInfo = AQE_I_Refiner::QEjoinInfo;
 
-amd_id Resolve(amdi_gateway& gateway, const amd_id& id)
+amd_id Resolve(amdi_gateway* gateway, const amd_id& id)
 {
-    return AQE_I_Refiner::GetRefQuerySubject(&gateway, id, nullptr, nullptr);
+    return AQE_I_Refiner::GetRefQuerySubject(gateway, id, nullptr, nullptr);
 }
 
 CardinalityRange ConvertSpecCardinality(const AQE_I_QuerySpecJoin::CardinalityRange& range)
@@ -45,7 +45,7 @@ CardinalityRange ConvertRelationship136Cardinality(const CardinalityRange& range
             ConvertRelationship136Cardinality(range.maximum)};
 }
 
-bool ReadSpecJoin(amdi_gateway& gateway, const amd_id& joinId, QEjoinInfo& info)
+bool ReadSpecJoin(amdi_gateway* gateway, const amd_id& joinId, QEjoinInfo& info)
 {
     const auto* const join = LookUp<AQE_I_QuerySpecJoin>(gateway, joinId, IdClassSpecJoin);
     if (join == nullptr)
@@ -62,7 +62,7 @@ bool ReadSpecJoin(amdi_gateway& gateway, const amd_id& joinId, QEjoinInfo& info)
 }
 
 /// Reads a relationship of either kind; the cardinalities come as the object gives them.
-bool ReadRelationship(amdi_gateway& gateway, const amd_id& joinId, IdClass kind,
+bool ReadRelationship(amdi_gateway* gateway, const amd_id& joinId, IdClass kind,
                       AQE_I_Refiner::EEdgeType edgeType, QEjoinInfo& info)
 {
     const auto* const relationship = LookUp<amdi_relationship>(gateway, joinId, kind);
@@ -89,7 +89,7 @@ bool ReadRelationship(amdi_gateway& gateway, const amd_id& joinId, IdClass kind,
 
 /// Follows a chain of relationship shortcuts to its relationship. The chain must end: no record
 /// of what was passed is kept.
-const amdi_relationship* FindReferencedRelationship(amdi_gateway& gateway, const amd_id& joinId)
+const amdi_relationship* FindReferencedRelationship(amdi_gateway* gateway, const amd_id& joinId)
 {
     amd_id current = joinId;
     while (current.classCode == IdClassRelationshipShortcut) {
@@ -104,7 +104,7 @@ const amdi_relationship* FindReferencedRelationship(amdi_gateway& gateway, const
 
 /// Tells whether the shortcut names its ends the other way round than the relationship does. The
 /// ends of a self-join cannot be told apart and stay.
-bool AreEndsReversed(amdi_gateway& gateway, const amd_id& relationshipLeft,
+bool AreEndsReversed(amdi_gateway* gateway, const amd_id& relationshipLeft,
                      const amd_id& relationshipRight, const QEjoinInfo& shortcutEnds)
 {
     const amd_id left = Resolve(gateway, relationshipLeft);
@@ -115,7 +115,7 @@ bool AreEndsReversed(amdi_gateway& gateway, const amd_id& relationshipLeft,
            Resolve(gateway, shortcutEnds.rightQuerySubject) == left;
 }
 
-bool ReadRelationshipShortcut(amdi_gateway& gateway, const amd_id& joinId, QEjoinInfo& info)
+bool ReadRelationshipShortcut(amdi_gateway* gateway, const amd_id& joinId, QEjoinInfo& info)
 {
     const auto* const shortcut =
         LookUp<amdi_relationshipShortcut>(gateway, joinId, IdClassRelationshipShortcut);
@@ -147,7 +147,7 @@ bool ReadRelationshipShortcut(amdi_gateway& gateway, const amd_id& joinId, QEjoi
 
 } // namespace
 
-bool ReadJoin(amdi_gateway& gateway, const amd_id& joinId, QEjoinInfo& info)
+bool ReadJoin(amdi_gateway* gateway, const amd_id& joinId, QEjoinInfo& info)
 {
     switch (joinId.classCode) {
     case IdClassSpecJoin:

@@ -18,7 +18,7 @@ AQE_JoinCache* FindJoinCache(const AQE_RequestContext* context)
 }
 
 template <typename T>
-bool ReadFilter(amdi_gateway& gateway, IdClass kind, AQE_I_Refiner::QEFilterInfo& info)
+bool ReadFilter(amdi_gateway* gateway, IdClass kind, AQE_I_Refiner::QEFilterInfo& info)
 {
     const auto* const filter = qe::LookUp<T>(gateway, info.filterId, kind);
     if (filter == nullptr)
@@ -41,7 +41,7 @@ bool AQE_I_Refiner::GetJoinInfo(amdi_gateway* gateway, AQE_RequestContext* conte
     if (const AQE_JoinCache* cache = FindJoinCache(context);
         cache != nullptr && cache->GetJoinInfo(id, info))
         return true;
-    if (!qe::ReadJoin(*gateway, id, info))
+    if (!qe::ReadJoin(gateway, id, info))
         return false;
     if (AQE_JoinCache* cache = FindJoinCache(context); cache != nullptr)
         cache->CacheJoinInfo(id, info);
@@ -55,8 +55,8 @@ bool AQE_I_Refiner::GetFilterInfo(amdi_gateway* gateway, const amd_id& filterId,
         return false;
     info.filterId = filterId;
     return info.filterId.classCode == IdClassSpecFilter
-               ? ReadFilter<amdi_specFilter>(*gateway, IdClassSpecFilter, info)
-               : ReadFilter<amdi_filter>(*gateway, IdClassFilter, info);
+               ? ReadFilter<amdi_specFilter>(gateway, IdClassSpecFilter, info)
+               : ReadFilter<amdi_filter>(gateway, IdClassFilter, info);
 }
 
 amd_id AQE_I_Refiner::GetRefQuerySubject(amdi_gateway* gateway, const amd_id& id,
@@ -66,7 +66,7 @@ amd_id AQE_I_Refiner::GetRefQuerySubject(amdi_gateway* gateway, const amd_id& id
     amd_id current = id;
     std::set<amd_id> visited;
     while (current.classCode == IdClassShortcut) {
-        const auto* const shortcut = qe::LookUp<amdi_shortcut>(*gateway, current, IdClassShortcut);
+        const auto* const shortcut = qe::LookUp<amdi_shortcut>(gateway, current, IdClassShortcut);
         if (shortcut == nullptr || !visited.insert(current).second)
             return {};
         if (shortcuts != nullptr)
