@@ -7,6 +7,8 @@
 #include "amdi_relationship.h"
 #include "amdi_relationshipShortcut.h"
 
+#include <utility>
+
 namespace qe {
 
 namespace {
@@ -138,10 +140,9 @@ bool ReadRelationshipShortcut(amdi_gateway* gateway, const amd_id& joinId, QEjoi
     // The ends now stand as the relationship has them, and so do its cardinalities.
     info.leftCardinality = relationship->GetLeftCardinality();
     info.rightCardinality = relationship->GetRightCardinality();
-    info.expression = ReplaceEndReferences(
-        gateway,
-        {relationshipLeft, info.leftQuerySubject, relationshipRight, info.rightQuerySubject},
-        info.expression);
+    const EndReplacement ends{relationshipLeft, info.leftQuerySubject, relationshipRight,
+                              info.rightQuerySubject};
+    info.expression = ReplaceEndReferences(*gateway, ends, info.expression);
     return true;
 }
 
