@@ -1,0 +1,25 @@
+option(QEREFINER_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
+option(QEREFINER_BUILD_TOOLS "Build the command-line tool" ${PROJECT_IS_TOP_LEVEL})
+option(QEREFINER_BUILD_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
+option(QEREFINER_BUILD_BENCHMARKS "Build the benchmarks" OFF)
+option(QEREFINER_WARNINGS_AS_ERRORS "Treat warnings in this project's own code as errors" OFF)
+option(QEREFINER_COVERAGE "Count executed lines (for gcov)" OFF)
+set(QEREFINER_SANITIZERS "" CACHE STRING "Sanitizers to build with, such as address,undefined")
+
+set(QEREFINER_PLATFORM_TARGET qeengine CACHE STRING
+  "Target that supplies the platform: its include directories hold the Platform headers")
+set(QEREFINER_PLATFORM_PROJECT "" CACHE FILEPATH
+  "CMake file that defines QEREFINER_PLATFORM_TARGET, when that is not qeengine")
+set(QEREFINER_DATA_DIR "${PROJECT_SOURCE_DIR}/../shared/data" CACHE PATH
+  "Folder of the published data sets; tests that need it are skipped where it is absent")
+
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Build type" FORCE)
+endif()
+
+include(GNUInstallDirs)
+
+if(PROJECT_IS_TOP_LEVEL)
+  set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+  set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+endif()

@@ -1,0 +1,44 @@
+# Settings that every target of this project has and none of its consumers gets.
+function(qe_configure_target target)
+  target_compile_features(${target} PRIVATE cxx_std_20)
+  set_target_properties(${target} PROPERTIES
+    CXX_EXTENSIONS OFF
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+  target_compile_options(${target} PRIVATE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+    -Woverloaded-virtual -Wold-style-cast -Wcast-qual -Wformat=2
+    $<$<BOOL:${QEREFINER_WARNINGS_AS_ERRORS}>:-Werror>)
+  if(QEREFINER_SANITIZERS)
+    # Types that one library declares and the other defines have no common type information, which
+    # the check of the dynamic type would need.
+    target_compile_options(${target} PRIVATE
+      -fsanitize=${QEREFINER_SANITIZERS} -fno-sanitize=vptr -fno-sanitize-recover=all
+      -fno-omit-frame-pointer)
+    target_link_options(${target} PRIVATE -fsanitize=${QEREFINER_SANITIZERS} -fno-sanitize=vptr)
+  endif()
+  if(QEREFINER_COVERAGE)
+    target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic)
+    target_link_options(${target} PRIVATE --coverage)
+  endif()
+endfunction()
+
+# A shared library `name` whose units are compiled once, in the object library `name`_objects.
+# Tests link the objects to reach what the library hides.
+function(qe_add_library name)
+  add_library(${name}_objects OBJECT)
+  qe_configure_target(${name}_objects)
+  set_target_properties(${name}_objects PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    LINKER_LANGUAGE CXX)
+
+  add_library(${name} SHARED)
+  add_library(qerefiner::${name} ALIAS ${name})
+  qe_configure_target(${name})
+  set_target_properties(${name} PROPERTIES
+    LINKER_LANGUAGE CXX
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR})
+  target_compile_features(${name} INTERFACE cxx_std_20)
+  target_link_libraries(${name} PRIVATE ${name}_objects)
+endfunction()
