@@ -130,13 +130,12 @@ private:
     void AddShortcutJoins();
     void AvoidJoins(const Ids& avoidedJoins);
 
-    void GrowPairwise();
-    void GrowWithLibrary();
+    void GrowUnlessConnected(EShortcutUse shortcutUse);
+    void GetShortestPathTree();
+    void GetShortestPathTreeOfLibrary();
     void CollectSpanningTreeEntities();
     void AddTreeEdge(const amd_id& join, const qe::JoinEnds& ends, int weight);
     void CloseTree(EShortcutUse shortcutUse);
-    [[nodiscard]] qe::JoinEnds GetEndsAt(const amd_id& entity, const amd_id& join,
-                                         EShortcutUse shortcutUse) const;
     void CheapestTreesStep();
     void ShortestPathsBetween(const Ids& firstSet, const Ids& secondSet, std::vector<Ids>& paths,
                               int& minWeight);
