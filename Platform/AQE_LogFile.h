@@ -5,6 +5,11 @@
 #include "QEENGINE_EXPORT.h"
 
 #include <cstdint>
+#include <memory>
+
+namespace qe {
+class LogTarget;
+} // namespace qe
 
 /// A writer's way to the diagnostic log. Opening one costs little: where entries go, and from
 /// which level on they are wanted, is looked up once.
@@ -32,7 +37,10 @@ public:
 private:
     I18NString mName;
     I18NString mTitle;
-    int mLevel;
+    std::uint32_t mComponent;
+    std::uint32_t mMessage;
+    int mLevel = 0;
+    std::shared_ptr<qe::LogTarget> mTarget;
 };
 
 #endif

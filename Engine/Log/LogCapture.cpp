@@ -1,0 +1,30 @@
+#include "LogCapture.h"
+
+#include "CaptureLogTarget.h"
+#include "LogDestination.h"
+
+#include <utility>
+
+namespace qe {
+
+LogCapture::LogCapture(int level) : LogCapture(level, Sink())
+{}
+
+LogCapture::LogCapture(int level, Sink sink)
+    : mTarget(std::make_shared<CaptureLogTarget>(std::move(sink)))
+{
+    LogDestination::Get().AddCapture(level, mTarget);
+}
+
+LogCapture::~LogCapture()
+{
+    LogDestination::Get().RemoveCapture(mTarget);
+    mTarget->Close();
+}
+
+std::vector<LogEntry> LogCapture::GetEntries() const
+{
+    return mTarget->GetEntries();
+}
+
+} // namespace qe

@@ -1,0 +1,38 @@
+#include "SettingsReader.h"
+
+#include "AQE_LogFile.h"
+#include "QERes.h"
+#include "SettingsFile.h"
+#include "SettingsRegistry.h"
+
+namespace qe {
+namespace {
+
+constexpr int problemLevel = 1;
+
+} // namespace
+
+SettingsReader::SettingsReader() : mTable(SettingsFile::Get().GetTable())
+{}
+
+int SettingsReader::GetInt(const I18NString& section, const I18NString& key, int defaultValue) const
+{
+    if (const std::optional<int> value = SettingsRegistry::Get().Find(section, key))
+        return *value;
+    if (mTable->values.empty())
+        return defaultValue;
+    return mTable->Find(MakeSettingName(section.View(), key.View())).value_or(defaultValue);
+}
+
+void SettingsReader::ReportProblems() const
+{
+    if (mTable->problems.empty())
+        return;
+    AQE_LogFile log(QERes::getString(340), problemLevel, 0, 0, "Settings");
+    if (log.GetLogLevel() < problemLevel)
+        return;
+    for (const SettingsProblem& problem : SettingsFile::Get().TakeUnreported(mTable->problems))
+        log.Log(problemLevel, ToText(problem) + '\n');
+}
+
+} // namespace qe

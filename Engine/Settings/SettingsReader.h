@@ -1,0 +1,30 @@
+#ifndef ENGINE_SETTINGS_SETTINGSREADER_H
+#define ENGINE_SETTINGS_SETTINGSREADER_H
+
+#include "I18NString.h"
+#include "SettingsTable.h"
+
+#include <memory>
+
+namespace qe {
+
+/// Reads settings from the host, and else from the settings file as it was when the reader was
+/// made.
+class SettingsReader
+{
+public:
+    SettingsReader();
+
+    [[nodiscard]] int GetInt(const I18NString& section, const I18NString& key,
+                             int defaultValue) const;
+
+    /// Writes those problems of the file to the log that are not there yet.
+    void ReportProblems() const;
+
+private:
+    std::shared_ptr<const SettingsTable> mTable;
+};
+
+} // namespace qe
+
+#endif
