@@ -47,10 +47,6 @@ public:
 private:
     using JoinPathKey = std::set<amd_id>;
 
-    static JoinPathKey MakeKey(const std::vector<amd_id>& querySubjects,
-                               const std::vector<amd_id>& favouredJoins,
-                               const std::vector<amd_id>& requiredJoins);
-
     std::map<amd_id, QEjoinInfo> mJoinInfos;
     std::map<JoinPathKey, std::vector<amd_id>> mJoinPaths;
 };

@@ -1,5 +1,19 @@
 #include "AQE_JoinCache.h"
 
+namespace {
+
+std::set<amd_id> MakeKey(const std::vector<amd_id>& querySubjects,
+                         const std::vector<amd_id>& favouredJoins,
+                         const std::vector<amd_id>& requiredJoins)
+{
+    std::set<amd_id> key(querySubjects.begin(), querySubjects.end());
+    key.insert(favouredJoins.begin(), favouredJoins.end());
+    key.insert(requiredJoins.begin(), requiredJoins.end());
+    return key;
+}
+
+} // namespace
+
 AQE_JoinCache::AQE_JoinCache() = default;
 
 AQE_JoinCache::~AQE_JoinCache() = default;
@@ -45,14 +59,4 @@ std::vector<std::vector<amd_id>> AQE_JoinCache::GetAllJoinPaths()
     for (const auto& [key, path] : mJoinPaths)
         paths.push_back(path);
     return paths;
-}
-
-AQE_JoinCache::JoinPathKey AQE_JoinCache::MakeKey(const std::vector<amd_id>& querySubjects,
-                                                  const std::vector<amd_id>& favouredJoins,
-                                                  const std::vector<amd_id>& requiredJoins)
-{
-    JoinPathKey key(querySubjects.begin(), querySubjects.end());
-    key.insert(favouredJoins.begin(), favouredJoins.end());
-    key.insert(requiredJoins.begin(), requiredJoins.end());
-    return key;
 }

@@ -29,6 +29,9 @@ install(FILES
   "${PROJECT_BINARY_DIR}/qerefinerConfigVersion.cmake"
   DESTINATION "${packageDir}")
 
+# An installed tree can be moved: the pkg-config files find the prefix from where they lie.
+file(RELATIVE_PATH pcPrefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+string(REGEX REPLACE "/$" "" pcPrefix "${pcPrefix}")
 set(pcRequires "")
 if(withEngine)
   set(pcRequires "Requires: qeengine = ${PROJECT_VERSION}")

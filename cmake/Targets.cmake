@@ -39,6 +39,5 @@ function(qe_add_library name)
     LINKER_LANGUAGE CXX
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR})
-  target_compile_features(${name} INTERFACE cxx_std_20)
   target_link_libraries(${name} PRIVATE ${name}_objects)
 endfunction()

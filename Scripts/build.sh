@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# Configures and builds one preset, and proves that each public header compiles on its own.
+# Usage: Scripts/build.sh [PRESET]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+preset=${1:-release}
+if command -v ccache >/dev/null; then
+  export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER:-ccache}
+  # Lets ccache keep what is built from a precompiled header.
+  export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS:-pch_defines,time_macros}
+fi
+cmake --preset "$preset"
+cmake --build --preset "$preset" --target all --target all_verify_interface_header_sets

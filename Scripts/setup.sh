@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Installs what building and testing need and this Debian machine lacks.
+# Usage: Scripts/setup.sh [package...]    further packages are installed as well
+set -euo pipefail
+
+packages=(
+  g++ clang clang-format clang-tidy cmake ninja-build pkg-config binutils git
+  libgtest-dev libgmock-dev libbenchmark-dev
+  libinih-dev nlohmann-json3-dev libcli11-dev libsqlite3-dev sqlite3 graphviz
+  "$@"
+)
+
+missing=()
+for package in "${packages[@]}"; do
+  status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
+  [ "$status" = installed ] || missing+=("$package")
+done
+if [ ${#missing[@]} -eq 0 ]; then
+  exit 0
+fi
+
+asRoot=()
+if [ "$(id -u)" -ne 0 ]; then
+  asRoot=(sudo)
+fi
+echo "Installing: ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+"${asRoot[@]}" apt-get update --quiet
+"${asRoot[@]}" apt-get install --quiet --yes --no-install-recommends "${missing[@]}"
