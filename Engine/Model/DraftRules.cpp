@@ -1,0 +1,179 @@
+#include "Engine/Model/DraftRules.h"
+
+#include "Engine/Model/ChainWalk.h"
+#include "Engine/Model/NameLookup.h"
+
+#include <algorithm>
+#include <map>
+#include <string>
+#include <tuple>
+
+namespace qe::model {
+
+namespace {
+
+/// The place within which the name of a draft must be its own.
+amd_id NameScope(const ObjectDraft& draft)
+{
+    switch (draft.classCode) {
+    case IdClassNamespace:
+        return {};
+    case IdClassFolder:
+    case IdClassQueryItem:
+        return draft.record.parent;
+    default:
+        return draft.record.space;
+    }
+}
+
+/// Query subjects share their names with shortcuts, model filters with query filters.
+std::int32_t NameClass(std::int32_t classCode)
+{
+    if (classCode == IdClassShortcut)
+        return IdClassQuerySubject;
+    return classCode == IdClassSpecFilter ? IdClassFilter : classCode;
+}
+
+bool IsBound(std::int32_t bound)
+{
+    return bound == BMT_I_Association::CardinalityZero ||
+           bound == BMT_I_Association::CardinalityOne ||
+           bound == BMT_I_Association::CardinalityMany;
+}
+
+bool IsRange(const CardinalityRange& range)
+{
+    const bool knownOrUnknown =
+        (IsBound(range.minimum) || range.minimum == BMT_I_Association::CardinalityUnknown) &&
+        (IsBound(range.maximum) || range.maximum == BMT_I_Association::CardinalityUnknown);
+    return knownOrUnknown && (range.maximum == BMT_I_Association::CardinalityUnknown ||
+                              range.minimum <= range.maximum);
+}
+
+void CheckEnd(std::size_t position, EAspect aspect, const amd_id& end, const ObjectTable& table,
+              ProblemList& problems)
+{
+    const ObjectRecord* object = table.Find(end);
+    if (object == nullptr)
+        return;
+    const std::string title = aspect == EAspect::LeftEnd ? "left end" : "right end";
+    if (!IsSubjectClass(end.classCode)) {
+        problems.Add(position, aspect,
+                     "has a " + title + " that is neither query subject nor shortcut: " +
+                         std::string(ClassTitle(end.classCode)) + " \"" + object->name + '"');
+        return;
+    }
+    // A chain without end is told where the chain is.
+    const amd_id target = table.GetTarget(end);
+    if (target != amd_id() && target.classCode != IdClassQuerySubject) {
+        problems.Add(position, aspect,
+                     "has a " + title + " that does not lead to a query subject: shortcut \"" +
+                         object->name + "\" stands for a " +
+                         std::string(ClassTitle(target.classCode)));
+    }
+}
+
+} // namespace
+
+void CheckNames(const std::vector<ObjectDraft>& drafts, ProblemList& problems)
+{
+    for (std::size_t i = 0; i < drafts.size(); ++i) {
+        if (drafts[i].record.name.empty())
+            problems.Add(i, EAspect::Name, "has no name");
+    }
+}
+
+void CheckUniqueNames(const std::vector<ObjectDraft>& drafts, const std::vector<bool>& inTable,
+                      ProblemList& problems)
+{
+    std::map<std::tuple<std::int32_t, amd_id, std::string_view>, std::size_t> owners;
+    for (std::size_t i = 0; i < drafts.size(); ++i) {
+        const ObjectDraft& draft = drafts[i];
+        if (!inTable[i] || draft.record.name.empty() || IsJoinClass(draft.classCode))
+            continue;
+        const auto [owner, isNew] = owners.emplace(
+            std::tuple(NameClass(draft.classCode), NameScope(draft), draft.record.name), i);
+        if (!isNew) {
+            const ObjectDraft& first = drafts[owner->second];
+            problems.Add(i, EAspect::Name,
+                         "has the name of another object beside it: " +
+                             std::string(ClassTitle(first.classCode)) + ' ' +
+                             ToText(first.record.id));
+        }
+    }
+}
+
+void BreakHolderCircles(std::vector<ObjectDraft>& drafts, const ObjectTable& table,
+                        ProblemList& problems)
+{
+    const ChainWalk walk(table, [](const ObjectRecord& record) { return record.parent; });
+    for (std::size_t i = 0; i < drafts.size(); ++i) {
+        const EChain chain = walk.Classify(drafts[i].record.id);
+        if (!IsContainerClass(drafts[i].classCode) || chain == EChain::Ends)
+            continue;
+        problems.Add(i, EAspect::Parent,
+                     chain == EChain::Circle ? "has holders that run in a circle"
+                                             : "lies too deep: more than 1000 holders");
+        drafts[i].record.parent = {};
+    }
+}
+
+amd_id SpaceAround(const ObjectTable& table, const amd_id& holder)
+{
+    const ObjectRecord* record = table.Find(holder);
+    while (record != nullptr && record->id.classCode != IdClassNamespace)
+        record = table.Find(record->parent);
+    return record == nullptr ? amd_id() : record->id;
+}
+
+void CheckCardinalities(const std::vector<ObjectDraft>& drafts, ProblemList& problems)
+{
+    for (std::size_t i = 0; i < drafts.size(); ++i) {
+        const std::int32_t classCode = drafts[i].classCode;
+        if (classCode != IdClassRelationship && classCode != IdClassSpecJoin)
+            continue;
+        if (!IsRange(drafts[i].record.leftCardinality))
+            problems.Add(i, EAspect::LeftCardinality,
+                         "has a cardinality at its left end that is no range");
+        if (!IsRange(drafts[i].record.rightCardinality))
+            problems.Add(i, EAspect::RightCardinality,
+                         "has a cardinality at its right end that is no range");
+    }
+}
+
+void CheckTargets(const std::vector<ObjectDraft>& drafts, const ObjectTable& table,
+                  ProblemList& problems)
+{
+    const ChainWalk walk(table, [](const ObjectRecord& record) { return record.referenced; });
+    for (std::size_t i = 0; i < drafts.size(); ++i) {
+        const ObjectDraft& draft = drafts[i];
+        const amd_id& referenced = draft.record.referenced;
+        if (referenced == amd_id())
+            continue;
+        if (draft.classCode == IdClassRelationshipShortcut &&
+            referenced.classCode != IdClassRelationship &&
+            referenced.classCode != IdClassRelationshipShortcut) {
+            problems.Add(i, EAspect::Target,
+                         "must stand for a relationship of class 102 or a relationship shortcut, "
+                         "not for " +
+                             ToText(referenced));
+            continue;
+        }
+        const EChain chain = walk.Classify(draft.record.id);
+        if (chain == EChain::Circle)
+            problems.Add(i, EAspect::Target, "has a chain of shortcuts that runs in a circle");
+        else if (chain == EChain::TooLong)
+            problems.Add(i, EAspect::Target, "stands behind a chain of more than 1000 shortcuts");
+    }
+}
+
+void CheckEnds(const std::vector<ObjectDraft>& drafts, const ObjectTable& table,
+               ProblemList& problems)
+{
+    for (std::size_t i = 0; i < drafts.size(); ++i) {
+        CheckEnd(i, EAspect::LeftEnd, drafts[i].record.left, table, problems);
+        CheckEnd(i, EAspect::RightEnd, drafts[i].record.right, table, problems);
+    }
+}
+
+} // namespace qe::model

@@ -1,0 +1,47 @@
+#ifndef ENGINE_MODEL_DRAFTRULES_H
+#define ENGINE_MODEL_DRAFTRULES_H
+
+#include "Engine/Model/ObjectDraft.h"
+#include "Engine/Model/ObjectTable.h"
+#include "Engine/Model/ProblemList.h"
+
+#include <vector>
+
+namespace qe::model {
+
+/// What no model may break. Each check tells its problems and goes on.
+
+/// Chains of holders, of shortcuts and of relationship shortcuts are never longer than this.
+inline constexpr std::size_t MaximumChain = 1000;
+
+/// Refuses empty names.
+void CheckNames(const std::vector<ObjectDraft>& drafts, ProblemList& problems);
+
+/// Refuses a name that an earlier object has where one name must stand for one object: namespaces
+/// in the whole model, folders in their holder, items in their query subject, subjects and
+/// filters in their namespace. Drafts whose id is not their own are left out.
+void CheckUniqueNames(const std::vector<ObjectDraft>& drafts, const std::vector<bool>& inTable,
+                      ProblemList& problems);
+
+/// Refuses holders that hold themselves, and puts what is in such a circle at the top.
+void BreakHolderCircles(std::vector<ObjectDraft>& drafts, const ObjectTable& table,
+                        ProblemList& problems);
+
+/// Gives the nearest namespace among `holder` and its holders, or the empty id.
+[[nodiscard]] amd_id SpaceAround(const ObjectTable& table, const amd_id& holder);
+
+/// Refuses cardinalities of relationships and query joins that are no ranges.
+void CheckCardinalities(const std::vector<ObjectDraft>& drafts, ProblemList& problems);
+
+/// Refuses chains of shortcuts or relationship shortcuts that run in a circle, and relationship
+/// shortcuts that stand for anything but a relationship of class 102.
+void CheckTargets(const std::vector<ObjectDraft>& drafts, const ObjectTable& table,
+                  ProblemList& problems);
+
+/// Refuses ends that do not lead to a query subject.
+void CheckEnds(const std::vector<ObjectDraft>& drafts, const ObjectTable& table,
+               ProblemList& problems);
+
+} // namespace qe::model
+
+#endif

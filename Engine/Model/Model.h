@@ -1,0 +1,94 @@
+#ifndef ENGINE_MODEL_MODEL_H
+#define ENGINE_MODEL_MODEL_H
+
+#include "Engine/Model/NameLookup.h"
+#include "Engine/Model/ObjectTable.h"
+#include "I18NLocale.h"
+#include "QEENGINE_EXPORT.h"
+#include "amd_id.h"
+
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class amdi_object;
+
+namespace qe::model {
+
+/// A metadata model that never changes; ModelBuilder makes it. Every end of a join leads to a
+/// query subject, and no chain of holders, shortcuts or relationship shortcuts runs in a circle.
+///
+/// Any number of threads may read one model. What its operations point to lives as long as the
+/// model. Lists come in ascending order of ids. Lookups by id or exact name are binary searches.
+class QEENGINE_EXPORT Model
+{
+public:
+    /// Takes a checked table; use ModelBuilder.
+    Model(ObjectTable table, std::string locale);
+    Model(const Model&) = delete;
+    Model& operator=(const Model&) = delete;
+    ~Model();
+
+    /// Gives what the model knows of the object, or null when there is none with that id.
+    [[nodiscard]] const ObjectRecord* Find(const amd_id& id) const { return mTable.Find(id); }
+    /// Gives the object as the refiner sees it, or null.
+    [[nodiscard]] amdi_object* GetObject(const amd_id& id) const;
+
+    [[nodiscard]] std::span<const ObjectRecord> GetRecords() const { return mTable.GetRecords(); }
+    /// Gives the objects of one class.
+    [[nodiscard]] std::span<const amd_id> GetIds(std::int32_t classCode) const;
+    /// Gives all query subjects and shortcuts to query subjects.
+    [[nodiscard]] std::span<const amd_id> GetSubjects() const { return mSubjects; }
+    /// Gives the joins of all kinds.
+    [[nodiscard]] std::span<const amd_id> GetJoins() const { return mJoins; }
+    /// Gives the objects that `holder` directly holds, whatever their class; the empty id gives
+    /// those at the top.
+    [[nodiscard]] std::span<const amd_id> GetChildren(const amd_id& holder) const;
+    /// Gives the items of a query subject, or of the one that a shortcut stands for.
+    [[nodiscard]] std::span<const amd_id> GetItems(const amd_id& subject) const;
+
+    /// Gives the object that `id` finally stands for: itself, unless it is a shortcut or
+    /// relationship shortcut. The empty id when there is no such object.
+    [[nodiscard]] amd_id GetTarget(const amd_id& id) const { return mTable.GetTarget(id); }
+    /// Gives the nearest namespace around the object, or the empty id.
+    [[nodiscard]] amd_id GetNamespace(const amd_id& id) const;
+    /// Gives the locale of the object or of its nearest holder that has one, else the model's.
+    [[nodiscard]] I18NLocale GetLocale(const amd_id& id) const;
+
+    /// Gives the name by which expressions refer to the object, in parts: namespace, query
+    /// subject and item as far as they apply.
+    [[nodiscard]] QualifiedName GetQualifiedName(const amd_id& id) const;
+    /// Finds objects by the names that people write; see NameLookup::Match.
+    [[nodiscard]] std::vector<amd_id> FindByName(EFamily family, const QualifiedName& name) const;
+    /// Reads the name with ParseQualifiedName. A name with dots in it is found without brackets
+    /// too.
+    [[nodiscard]] std::vector<amd_id> FindByName(EFamily family, std::string_view name) const;
+    /// Gives the names that a wrong one was probably meant to be, best first.
+    [[nodiscard]] std::vector<std::string> SuggestNames(EFamily family,
+                                                        std::string_view name) const;
+    /// Gives the one object of exactly that name within its scope; see NameLookup::FindExact.
+    [[nodiscard]] amd_id FindExact(EFamily family, const amd_id& scope,
+                                   std::string_view name) const;
+
+private:
+    void ListIds();
+
+    ObjectTable mTable;
+    std::string mLocale;
+    NameLookup mNames;
+    /// The objects, at the positions of their records.
+    std::vector<std::unique_ptr<amdi_object>> mObjects;
+    /// All ids, by class, then id.
+    std::vector<amd_id> mIdsByClass;
+    /// All ids, by holder, then id, with the holders beside them.
+    std::vector<amd_id> mChildren;
+    std::vector<amd_id> mHolders;
+    std::vector<amd_id> mSubjects;
+    std::vector<amd_id> mJoins;
+};
+
+} // namespace qe::model
+
+#endif

@@ -1,0 +1,133 @@
+#include "Engine/Model/NameLookup.h"
+
+#include "Engine/Model/NearestNames.h"
+
+#include <algorithm>
+
+namespace qe::model {
+
+namespace {
+
+/// Holders deeper than this are not looked at, so that a circle of holders ends the walk.
+constexpr int MaximumHolders = 1000;
+
+amd_id ScopeOf(const ObjectRecord& record)
+{
+    switch (FamilyOf(record.id.classCode)) {
+    case EFamily::Container:
+        return {};
+    case EFamily::Item:
+        return record.parent;
+    default:
+        return record.space;
+    }
+}
+
+} // namespace
+
+NameLookup::NameLookup(const ObjectTable& table) : mTable(&table)
+{
+    std::array<std::vector<NameIndex::Entry>, FamilyCount> entries;
+    for (const ObjectRecord& record : table.GetRecords()) {
+        const auto family = static_cast<std::size_t>(FamilyOf(record.id.classCode));
+        entries[family].push_back({{}, record.name, ScopeOf(record), record.id});
+    }
+    for (std::size_t family = 0; family < FamilyCount; ++family)
+        mIndexes[family] = NameIndex(std::move(entries[family]));
+}
+
+amd_id NameLookup::FindExact(EFamily family, const amd_id& scope, std::string_view name) const
+{
+    return IndexOf(family).Find(scope, name);
+}
+
+std::vector<amd_id> NameLookup::Match(EFamily family, const QualifiedName& name) const
+{
+    std::vector<amd_id> found = Match(family, name, ECase::Exact);
+    return found.empty() ? Match(family, name, ECase::Folded) : found;
+}
+
+std::vector<amd_id> NameLookup::Match(EFamily family, const QualifiedName& name,
+                                      ECase letterCase) const
+{
+    if (name.empty())
+        return {};
+    if (family == EFamily::Item && name.size() > 1)
+        return MatchItems(name, letterCase);
+    std::vector<amd_id> found;
+    for (const NameIndex::Entry& entry : IndexOf(family).FindFolded(name.back())) {
+        if ((letterCase == ECase::Folded || entry.name == name.back()) &&
+            HoldersMatch(entry.id, name, letterCase))
+            found.push_back(entry.id);
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+std::vector<amd_id> NameLookup::MatchItems(const QualifiedName& name, ECase letterCase) const
+{
+    std::vector<amd_id> found;
+    const QualifiedName subjectName(name.begin(), name.end() - 1);
+    for (const amd_id& subject : Match(EFamily::Subject, subjectName, letterCase)) {
+        const amd_id target = mTable->GetTarget(subject);
+        for (const NameIndex::Entry& entry :
+             IndexOf(EFamily::Item).FindFolded(target, name.back())) {
+            if (letterCase == ECase::Folded || entry.name == name.back())
+                found.push_back(entry.id);
+        }
+    }
+    std::sort(found.begin(), found.end());
+    found.erase(std::unique(found.begin(), found.end()), found.end());
+    return found;
+}
+
+bool NameLookup::HoldersMatch(const amd_id& id, const QualifiedName& name, ECase letterCase) const
+{
+    std::size_t open = name.size() - 1;
+    const ObjectRecord* object = mTable->Find(id);
+    for (int depth = 0; open > 0 && object != nullptr && depth < MaximumHolders; ++depth) {
+        object = mTable->Find(object->parent);
+        if (object == nullptr)
+            break;
+        const std::string& wanted = name[open - 1];
+        if (letterCase == ECase::Exact ? object->name == wanted
+                                       : FoldCase(object->name) == FoldCase(wanted))
+            --open;
+    }
+    return open == 0;
+}
+
+std::vector<std::string> NameLookup::Suggest(EFamily family, const QualifiedName& name) const
+{
+    std::vector<std::string_view> names;
+    if (name.size() <= 1) {
+        IndexOf(family).CollectNames(names);
+        return NearestNames(name.empty() ? "" : name.back(), names);
+    }
+    std::vector<std::string> qualified;
+    for (const ObjectRecord& record : mTable->GetRecords()) {
+        if (FamilyOf(record.id.classCode) == family)
+            qualified.push_back(ToText(GetQualifiedName(record.id)));
+    }
+    names.assign(qualified.begin(), qualified.end());
+    return NearestNames(ToText(name), names);
+}
+
+QualifiedName NameLookup::GetQualifiedName(const amd_id& id) const
+{
+    QualifiedName name;
+    const ObjectRecord* object = mTable->Find(id);
+    for (int depth = 0; object != nullptr && depth < MaximumHolders; ++depth) {
+        name.push_back(object->name);
+        const bool bySpace =
+            !IsContainerClass(object->id.classCode) && object->id.classCode != IdClassQueryItem;
+        // Namespaces are unique in the whole model: what holds them need not be told.
+        if (object->id.classCode == IdClassNamespace)
+            break;
+        object = mTable->Find(bySpace ? object->space : object->parent);
+    }
+    std::reverse(name.begin(), name.end());
+    return name;
+}
+
+} // namespace qe::model

@@ -1,0 +1,95 @@
+#include "Engine/Model/NearestNames.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace qe::model {
+
+namespace {
+
+/// Tells whether the two bytes are a capital letter between U+00C0 and U+00DE; the
+/// multiplication sign among them is none.
+bool IsLatin1Capital(unsigned char first, unsigned char second)
+{
+    return first == 0xC3 && second >= 0x80 && second <= 0x9E && second != 0x97;
+}
+
+} // namespace
+
+std::string FoldCase(std::string_view text)
+{
+    std::string folded(text);
+    unsigned char previous = 0;
+    for (char& letter : folded) {
+        const auto byte = static_cast<unsigned char>(letter);
+        if ((byte >= 'A' && byte <= 'Z') || IsLatin1Capital(previous, byte))
+            letter = static_cast<char>(byte + 0x20);
+        previous = byte;
+    }
+    return folded;
+}
+
+std::size_t EditDistance(std::string_view left, std::string_view right, std::size_t limit)
+{
+    if (left.size() > right.size())
+        std::swap(left, right);
+    const std::size_t beyond = limit + 1;
+    if (right.size() - left.size() > limit)
+        return beyond;
+
+    std::vector<std::size_t> beforeLast(left.size() + 1, beyond);
+    std::vector<std::size_t> last(left.size() + 1);
+    std::vector<std::size_t> current(left.size() + 1);
+    for (std::size_t i = 0; i <= left.size(); ++i)
+        last[i] = i;
+    for (std::size_t j = 1; j <= right.size(); ++j) {
+        // Cells further than `limit` from the diagonal cannot be part of a short way.
+        const std::size_t from = j > limit ? j - limit : 0;
+        const std::size_t to = std::min(left.size(), j + limit);
+        std::fill(current.begin(), current.end(), beyond);
+        if (from == 0)
+            current[0] = j;
+        std::size_t least = current[0];
+        for (std::size_t i = std::max<std::size_t>(from, 1); i <= to; ++i) {
+            const bool same = left[i - 1] == right[j - 1];
+            std::size_t cost = last[i - 1] + (same ? 0 : 1);
+            cost = std::min({cost, last[i] + 1, current[i - 1] + 1});
+            if (i > 1 && j > 1 && left[i - 1] == right[j - 2] && left[i - 2] == right[j - 1])
+                cost = std::min(cost, beforeLast[i - 2] + 1);
+            current[i] = cost;
+            least = std::min(least, cost);
+        }
+        // A swap reaches two rows back, hence the look at the row before.
+        if (least > limit && *std::min_element(last.begin(), last.end()) > limit)
+            return beyond;
+        beforeLast.swap(last);
+        last.swap(current);
+    }
+    return last[left.size()];
+}
+
+std::vector<std::string> NearestNames(std::string_view wrong,
+                                      const std::vector<std::string_view>& candidates,
+                                      std::size_t count)
+{
+    const std::string folded = FoldCase(wrong);
+    const std::size_t limit = std::max<std::size_t>(1, folded.size() / 3);
+    std::vector<std::pair<std::size_t, std::string_view>> near;
+    for (const std::string_view candidate : candidates) {
+        const std::size_t longer = std::max(candidate.size(), folded.size());
+        if (longer - std::min(candidate.size(), folded.size()) > limit)
+            continue;
+        const std::size_t distance = EditDistance(folded, FoldCase(candidate), limit);
+        if (distance <= limit)
+            near.emplace_back(distance, candidate);
+    }
+    std::sort(near.begin(), near.end());
+    near.erase(std::unique(near.begin(), near.end()), near.end());
+
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < near.size() && i < count; ++i)
+        names.emplace_back(near[i].second);
+    return names;
+}
+
+} // namespace qe::model

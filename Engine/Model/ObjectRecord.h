@@ -1,0 +1,84 @@
+#ifndef ENGINE_MODEL_OBJECTRECORD_H
+#define ENGINE_MODEL_OBJECTRECORD_H
+
+#include "BMT_I_Association.h"
+#include "IdClass.h"
+#include "QEENGINE_EXPORT.h"
+#include "amd_id.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace qe::model {
+
+/// The class of namespaces, beside the classes that the metadata layer shares with the refiner.
+inline constexpr std::int32_t IdClassNamespace = 800001;
+
+using CardinalityRange = BMT_I_Association::CardinalityRange;
+
+inline constexpr CardinalityRange ZeroToOne{BMT_I_Association::CardinalityZero,
+                                            BMT_I_Association::CardinalityOne};
+inline constexpr CardinalityRange OneToOne{BMT_I_Association::CardinalityOne,
+                                           BMT_I_Association::CardinalityOne};
+inline constexpr CardinalityRange ZeroToMany{BMT_I_Association::CardinalityZero,
+                                             BMT_I_Association::CardinalityMany};
+inline constexpr CardinalityRange OneToMany{BMT_I_Association::CardinalityOne,
+                                            BMT_I_Association::CardinalityMany};
+
+/// Everything that a model knows of one object. Fields that the object's class does not use keep
+/// their defaults.
+struct ObjectRecord
+{
+    amd_id id;
+    std::string name;
+    /// What users see; the builder sets it to the name where none was given.
+    std::string displayName;
+    /// The holder: folder, namespace or, for an item, its query subject; empty at the top.
+    amd_id parent;
+    /// The nearest namespace around the object; empty outside all namespaces.
+    amd_id space;
+    /// The object's own locale; empty: the holder's locale holds.
+    std::string locale;
+    /// Query subject: the table or view that it reads. Join, filter: the condition.
+    std::string text;
+    /// Shortcut, relationship shortcut: what it stands for.
+    amd_id referenced;
+    /// Shortcut: 0 is the ordinary kind.
+    std::int32_t shortcutKind = 0;
+    /// Join, relationship shortcut: the ends.
+    amd_id left;
+    amd_id right;
+    /// Join: the cardinalities at the ends. A relationship of class 136 keeps numbers of its own.
+    CardinalityRange leftCardinality;
+    CardinalityRange rightCardinality;
+};
+
+/// Tells what the objects of a class are called in messages, such as "query subject".
+[[nodiscard]] QEENGINE_EXPORT std::string_view ClassTitle(std::int32_t classCode);
+
+[[nodiscard]] constexpr bool IsContainerClass(std::int32_t classCode)
+{
+    return classCode == IdClassFolder || classCode == IdClassNamespace;
+}
+
+/// Query subjects and shortcuts: what may stand at the end of a join.
+[[nodiscard]] constexpr bool IsSubjectClass(std::int32_t classCode)
+{
+    return classCode == IdClassQuerySubject || classCode == IdClassShortcut;
+}
+
+[[nodiscard]] constexpr bool IsJoinClass(std::int32_t classCode)
+{
+    return classCode == IdClassRelationship || classCode == IdClassRelationship136 ||
+           classCode == IdClassRelationshipShortcut || classCode == IdClassSpecJoin;
+}
+
+[[nodiscard]] constexpr bool IsFilterClass(std::int32_t classCode)
+{
+    return classCode == IdClassFilter || classCode == IdClassSpecFilter;
+}
+
+} // namespace qe::model
+
+#endif

@@ -1,0 +1,34 @@
+#ifndef ENGINE_MODEL_OBJECTTABLE_H
+#define ENGINE_MODEL_OBJECTTABLE_H
+
+#include "Engine/Model/ObjectRecord.h"
+#include "QEENGINE_EXPORT.h"
+
+#include <span>
+#include <vector>
+
+namespace qe::model {
+
+/// The records of a model in ascending order of their ids.
+class QEENGINE_EXPORT ObjectTable
+{
+public:
+    ObjectTable() = default;
+    /// Takes records in any order; each id occurs once.
+    explicit ObjectTable(std::vector<ObjectRecord> records);
+
+    /// Gives the record with that id, or null. Costs a binary search.
+    [[nodiscard]] const ObjectRecord* Find(const amd_id& id) const;
+    [[nodiscard]] std::span<const ObjectRecord> GetRecords() const { return mRecords; }
+
+    /// Gives the object that `id` finally stands for: follows shortcuts and relationship
+    /// shortcuts to their end. Gives the empty id when the chain breaks or never ends.
+    [[nodiscard]] amd_id GetTarget(const amd_id& id) const;
+
+private:
+    std::vector<ObjectRecord> mRecords;
+};
+
+} // namespace qe::model
+
+#endif

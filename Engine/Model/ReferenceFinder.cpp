@@ -1,0 +1,104 @@
+#include "Engine/Model/ReferenceFinder.h"
+
+#include <algorithm>
+#include <string>
+
+namespace qe::model {
+
+namespace {
+
+/// Suggestions read all names: a model full of wrong names gets them for the first ones only.
+constexpr int MaximumSuggestions = 100;
+
+std::string AspectTitle(EAspect aspect)
+{
+    switch (aspect) {
+    case EAspect::Parent:
+        return "holder";
+    case EAspect::LeftEnd:
+        return "left end";
+    case EAspect::RightEnd:
+        return "right end";
+    default:
+        return "target";
+    }
+}
+
+} // namespace
+
+amd_id ReferenceFinder::Find(std::size_t position, const ObjectDraft& draft,
+                             const Reference& reference, const Wanted& wanted)
+{
+    const std::string title = AspectTitle(wanted.aspect);
+    if (reference.IsEmpty()) {
+        if (wanted.aspect != EAspect::Parent)
+            mProblems->Add(position, wanted.aspect, "has no " + title);
+        return {};
+    }
+    if (!reference.IsByName()) {
+        if (mTable->Find(reference.GetId()) != nullptr)
+            return reference.GetId();
+        mProblems->Add(position, wanted.aspect,
+                       "has a " + title +
+                           " that is not in the model: " + ToText(reference.GetId()));
+        return {};
+    }
+    const std::vector<amd_id> found = Match(draft, reference.GetName(), wanted.families);
+    if (found.size() == 1)
+        return found.front();
+    if (found.empty()) {
+        mProblems->Add(position, wanted.aspect,
+                       "has a " + title + " that is not in the model: \"" + reference.GetName() +
+                           '"',
+                       Suggest(reference.GetName(), wanted.families));
+        return {};
+    }
+    std::vector<std::string> names;
+    for (const amd_id& id : found)
+        names.push_back(ToText(mNames.GetQualifiedName(id)));
+    mProblems->Add(position, wanted.aspect,
+                   "has a " + title + " that can mean several objects: \"" + reference.GetName() +
+                       '"',
+                   std::move(names));
+    return {};
+}
+
+amd_id ReferenceFinder::TryFind(const ObjectDraft& draft, const Reference& reference,
+                                const std::vector<EFamily>& families) const
+{
+    if (!reference.IsByName())
+        return mTable->Find(reference.GetId()) != nullptr ? reference.GetId() : amd_id();
+    const std::vector<amd_id> found = Match(draft, reference.GetName(), families);
+    return found.size() == 1 ? found.front() : amd_id();
+}
+
+std::vector<amd_id> ReferenceFinder::Match(const ObjectDraft& draft, const std::string& name,
+                                           const std::vector<EFamily>& families) const
+{
+    std::vector<amd_id> found;
+    for (std::size_t i = 0; i < families.size() && found.empty(); ++i) {
+        for (const QualifiedName& parts : {ParseQualifiedName(name), QualifiedName{name}}) {
+            if (found.empty())
+                found = mNames.Match(families[i], parts);
+            // A shortcut often has the name of what it stands for.
+            found.erase(std::remove(found.begin(), found.end(), draft.record.id), found.end());
+        }
+    }
+    std::vector<amd_id> nearby;
+    std::copy_if(found.begin(), found.end(), std::back_inserter(nearby),
+                 [&](const amd_id& id) { return mTable->Find(id)->space == draft.record.space; });
+    return nearby.size() == 1 ? nearby : found;
+}
+
+std::vector<std::string> ReferenceFinder::Suggest(const std::string& name,
+                                                  const std::vector<EFamily>& families)
+{
+    std::vector<std::string> names;
+    if (++mSuggestions > MaximumSuggestions)
+        return names;
+    for (std::size_t i = 0; i < families.size() && names.empty(); ++i)
+        names = mNames.Suggest(families[i], ParseQualifiedName(name));
+    return names;
+}
+
+} // namespace qe::model

@@ -1,0 +1,54 @@
+#ifndef ENGINE_MODEL_REFERENCEFINDER_H
+#define ENGINE_MODEL_REFERENCEFINDER_H
+
+#include "Engine/Model/ModelError.h"
+#include "Engine/Model/NameLookup.h"
+#include "Engine/Model/ObjectDraft.h"
+#include "Engine/Model/ObjectTable.h"
+#include "Engine/Model/ProblemList.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace qe::model {
+
+/// Finds the objects that drafts refer to. Refers to the table and the list of problems.
+class ReferenceFinder
+{
+public:
+    /// What a reference is for, and the families in which a name is looked for; the first family
+    /// that has it wins.
+    struct Wanted
+    {
+        EAspect aspect;
+        std::vector<EFamily> families;
+    };
+
+    ReferenceFinder(const ObjectTable& table, ProblemList& problems)
+        : mTable(&table), mNames(table), mProblems(&problems)
+    {}
+
+    /// Gives the id of the object, or the empty id when there is not exactly one; then the
+    /// problem is told. A missing holder is none.
+    [[nodiscard]] amd_id Find(std::size_t position, const ObjectDraft& draft,
+                              const Reference& reference, const Wanted& wanted);
+
+    /// Does the same without telling problems.
+    [[nodiscard]] amd_id TryFind(const ObjectDraft& draft, const Reference& reference,
+                                 const std::vector<EFamily>& families) const;
+
+private:
+    [[nodiscard]] std::vector<amd_id> Match(const ObjectDraft& draft, const std::string& name,
+                                            const std::vector<EFamily>& families) const;
+    [[nodiscard]] std::vector<std::string> Suggest(const std::string& name,
+                                                   const std::vector<EFamily>& families);
+
+    const ObjectTable* mTable;
+    NameLookup mNames;
+    ProblemList* mProblems;
+    int mSuggestions = 0;
+};
+
+} // namespace qe::model
+
+#endif
