@@ -1,6 +1,7 @@
 #include "Engine/Model/Model.h"
 
 #include "Engine/Model/MetadataObject.h"
+#include "Engine/Model/NameLookup.h"
 #include "amdi_object.h"
 
 #include <algorithm>
@@ -10,7 +11,9 @@
 namespace qe::model {
 
 Model::Model(ObjectTable table, std::string locale)
-    : mTable(std::move(table)), mLocale(std::move(locale)), mNames(mTable)
+    : mTable(std::move(table)),
+      mLocale(std::move(locale)),
+      mNames(std::make_unique<NameLookup>(mTable))
 {
     mObjects.reserve(mTable.GetRecords().size());
     for (const ObjectRecord& record : mTable.GetRecords())
@@ -94,12 +97,12 @@ I18NLocale Model::GetLocale(const amd_id& id) const
 
 QualifiedName Model::GetQualifiedName(const amd_id& id) const
 {
-    return mNames.GetQualifiedName(id);
+    return mNames->GetQualifiedName(id);
 }
 
 std::vector<amd_id> Model::FindByName(EFamily family, const QualifiedName& name) const
 {
-    return mNames.Match(family, name);
+    return mNames->Match(family, name);
 }
 
 std::vector<amd_id> Model::FindByName(EFamily family, std::string_view name) const
@@ -110,12 +113,12 @@ std::vector<amd_id> Model::FindByName(EFamily family, std::string_view name) con
 
 std::vector<std::string> Model::SuggestNames(EFamily family, std::string_view name) const
 {
-    return mNames.Suggest(family, ParseQualifiedName(name));
+    return mNames->Suggest(family, ParseQualifiedName(name));
 }
 
 amd_id Model::FindExact(EFamily family, const amd_id& scope, std::string_view name) const
 {
-    return mNames.FindExact(family, scope, name);
+    return mNames->FindExact(family, scope, name);
 }
 
 } // namespace qe::model

@@ -1,10 +1,11 @@
 #ifndef ENGINE_MODEL_MODEL_H
 #define ENGINE_MODEL_MODEL_H
 
-#include "Engine/Model/NameLookup.h"
-#include "Engine/Model/ObjectTable.h"
+#include "Family.h"
 #include "I18NLocale.h"
+#include "ObjectTable.h"
 #include "QEENGINE_EXPORT.h"
+#include "QualifiedName.h"
 #include "amd_id.h"
 
 #include <memory>
@@ -16,6 +17,8 @@
 class amdi_object;
 
 namespace qe::model {
+
+class NameLookup;
 
 /// A metadata model that never changes; ModelBuilder makes it. Every end of a join leads to a
 /// query subject, and no chain of holders, shortcuts or relationship shortcuts runs in a circle.
@@ -60,7 +63,10 @@ public:
     /// Gives the name by which expressions refer to the object, in parts: namespace, query
     /// subject and item as far as they apply.
     [[nodiscard]] QualifiedName GetQualifiedName(const amd_id& id) const;
-    /// Finds objects by the names that people write; see NameLookup::Match.
+    /// Finds objects by a name as people write it, in id order. The last part is the object's own
+    /// name, the parts before it name holders of it, from outer to inner; any holder may be left
+    /// out. An item is also reached through the shortcuts to its query subject. Objects that match
+    /// letter by letter rule out those that match only when letter case is put aside.
     [[nodiscard]] std::vector<amd_id> FindByName(EFamily family, const QualifiedName& name) const;
     /// Reads the name with ParseQualifiedName. A name with dots in it is found without brackets
     /// too.
@@ -68,7 +74,10 @@ public:
     /// Gives the names that a wrong one was probably meant to be, best first.
     [[nodiscard]] std::vector<std::string> SuggestNames(EFamily family,
                                                         std::string_view name) const;
-    /// Gives the one object of exactly that name within its scope; see NameLookup::FindExact.
+    /// Gives the one object of exactly that name in the scope: a subject, join or filter of
+    /// the namespace `scope` (empty: outside all namespaces), an item of the query subject
+    /// `scope`, a namespace or folder anywhere (`scope` empty). Gives the empty id when there is
+    /// none; of several, the one with the least id.
     [[nodiscard]] amd_id FindExact(EFamily family, const amd_id& scope,
                                    std::string_view name) const;
 
@@ -77,7 +86,7 @@ private:
 
     ObjectTable mTable;
     std::string mLocale;
-    NameLookup mNames;
+    std::unique_ptr<const NameLookup> mNames;
     /// The objects, at the positions of their records.
     std::vector<std::unique_ptr<amdi_object>> mObjects;
     /// All ids, by class, then id.
