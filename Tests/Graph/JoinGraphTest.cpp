@@ -1,0 +1,210 @@
+#include "Graph/GraphText.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qe::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// "5: a-b b-c", or "-1: " when there is no path.
+std::string FindPath(const GraphText& graph, const std::string& from, const std::string& to)
+{
+    std::vector<amd_id> edges;
+    int weight = 0;
+    graph.Get().GetShortestPath(graph.Id(from), graph.Id(to), edges, weight);
+    return std::to_string(weight) + ": " + graph.Write(edges);
+}
+
+std::string FindTree(const GraphText& graph, std::string_view names)
+{
+    std::vector<amd_id> nodes;
+    std::vector<amd_id> edges;
+    int weight = 0;
+    graph.Get().GetShortestPathTree(graph.Ids(names), nodes, edges, weight);
+    return std::to_string(weight) + ": " + graph.Write(nodes) + " | " + graph.Write(edges);
+}
+
+std::vector<std::string> ListPaths(const GraphText& graph)
+{
+    std::vector<std::vector<amd_id>> paths;
+    graph.Get().GetPaths(paths);
+    return graph.Write(paths);
+}
+
+std::optional<int> FindCheapest(const GraphText& graph, std::string_view names,
+                                std::vector<std::string>& trees)
+{
+    std::vector<std::vector<amd_id>> found;
+    int weight = 0;
+    const bool isConnected = graph.Get().GetCheapestTrees(graph.Ids(names), found, weight);
+    trees = graph.Write(found);
+    EXPECT_EQ(isConnected, weight != -1);
+    return isConnected ? std::optional(weight) : std::nullopt;
+}
+
+struct PathCase
+{
+    const char* name;
+    const char* graph;
+    const char* from;
+    const char* to;
+    const char* expected;
+};
+
+class ShortestPath : public testing::TestWithParam<PathCase>
+{};
+
+TEST_P(ShortestPath, IsTheExpectedOne)
+{
+    const GraphText graph(GetParam().graph);
+    EXPECT_EQ(FindPath(graph, GetParam().from, GetParam().to), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Shapes, ShortestPath,
+    testing::Values(PathCase{"Chain", "a-b:17 b-c:11", "c", "a", "28: b-c a-b"},
+                    PathCase{"Itself", "a-b:1", "b", "b", "0: "},
+                    PathCase{"UnknownTarget", "a-b:1", "a", "x", "-1: "},
+                    PathCase{"UnknownBoth", "a-b:1", "x", "x", "-1: "},
+                    PathCase{"TwoComponents", "a-b:1 c-d:1", "a", "d", "-1: "},
+                    PathCase{"EdgeIdIsNoNode", "a-b:1", "a", "a-b", "-1: "},
+                    PathCase{"ParallelEdges", "a-b:5 a-b:3 a-b:3", "a", "b", "3: a-b#2"},
+                    PathCase{"SelfLoopOfWeightZero", "a-a:0 a-b:2 b-b:0", "a", "b", "2: a-b"},
+                    PathCase{"RingPassesTheNodeSettledFirst", "a-b:2 b-d:1 a-c:1 c-d:2", "a", "d",
+                             "3: a-c c-d"},
+                    PathCase{"WeightZero", "a-b:0 b-c:0 a-c:0", "a", "c", "0: a-c"},
+                    PathCase{"AvoidedJoinIsFinite", "a-b:8888", "a", "b", "8888: a-b"},
+                    PathCase{"NegativeCountsZero", "a-b:-5 b-c:2", "a", "c", "2: a-b b-c"},
+                    PathCase{"SumSaturates", "a-b:2147483647 b-c:2147483647", "a", "c",
+                             "2147483647: a-b b-c"},
+                    PathCase{"SaturatedSumsStillDiffer",
+                             "a-b:2147483647 b-c:2147483647 a-d:2147483647 d-c:2147483646", "a",
+                             "c", "2147483647: a-d d-c"}),
+    [](const auto& info) { return info.param.name; });
+
+TEST(JoinGraph, PresentNodesAndEdgesStayAsTheyAre)
+{
+    GraphText text("a-b:5 b-c:7");
+    AQE_I_UndirectedGraph& graph = text.Get();
+    const amd_id edge = text.Id("a-b");
+    const amd_id stranger(0, 100, 77);
+    graph.AddEdge(edge, text.Id("c"), stranger, 1, 0);
+    EXPECT_TRUE(graph.IsConnected()) << "the ends of an edge that is there are not added";
+    EXPECT_EQ(FindPath(text, "a", "b"), "5: a-b");
+
+    graph.SetEdgeWeight(edge, 9);
+    graph.AddEdge(edge, text.Id("a"), text.Id("b"), 1, 0);
+    graph.SetEdgeWeight(stranger, 3);
+    EXPECT_EQ(graph.GetPathWeight({edge, edge, text.Id("b-c"), text.Id("a"), stranger}), 25);
+
+    std::vector<amd_id> edges{stranger};
+    graph.GetEdges(edges);
+    EXPECT_THAT(edges, ElementsAre(stranger, edge, text.Id("b-c")));
+    graph.AddNode(stranger);
+    EXPECT_FALSE(graph.IsConnected());
+}
+
+TEST(JoinGraph, NodeEdgesAreInIdOrderAndCountALoopOnce)
+{
+    const GraphText text("a-b:1 a-a:1 c-a:1 b-c:1 a-b:1 a-a:1");
+    std::vector<amd_id> edges;
+    text.Get().GetNodeEdges(text.Id("a"), edges);
+    text.Get().GetNodeEdges(text.Id("x"), edges);
+    EXPECT_EQ(text.Write(edges), "a-b a-a c-a a-b#2 a-a#2");
+}
+
+TEST(JoinGraph, MinimumSpanningTreeCoversEachPart)
+{
+    const GraphText text("a-b:3 b-c:1 a-c:3 d-d:0 e-f:2 e-f:1");
+    std::vector<amd_id> edges;
+    int weight = 0;
+    text.Get().GetMinimumSpanningTree(edges, weight);
+    EXPECT_EQ(text.Write(edges), "a-b b-c e-f#2");
+    EXPECT_EQ(weight, 5);
+}
+
+TEST(JoinGraph, ShortestPathTreeGrowsFromTheFirstNode)
+{
+    const GraphText text("a-m:1 m-b:1 m-c:1 b-c:1 c-d:1 x-y:1 a-b:3");
+    EXPECT_EQ(FindTree(text, "a b c"), "3: a m b c | a-m m-b m-c");
+    EXPECT_EQ(FindTree(text, "c a b"), "3: c m a b | m-c a-m b-c");
+    EXPECT_EQ(FindTree(text, "a y unknown a b a"), "2: a m b | a-m m-b");
+    EXPECT_EQ(FindTree(text, "a x"), "0: a | ");
+    EXPECT_EQ(FindTree(text, "unknown a b"), "0:  | ");
+    EXPECT_EQ(FindTree(text, ""), "0:  | ");
+}
+
+TEST(JoinGraph, PathsAreTheSpanningTreesInOrderOfWeight)
+{
+    EXPECT_THAT(ListPaths(GraphText("a-b:1 b-c:1 a-c:2 b-c:1 c-c:0")),
+                ElementsAre("a-b b-c", "a-b b-c#2", "a-b a-c", "b-c a-c", "a-c b-c#2"));
+    EXPECT_THAT(ListPaths(GraphText("lone")), ElementsAre(""));
+    EXPECT_THAT(ListPaths(GraphText("a-b:1 c")), IsEmpty());
+    EXPECT_THAT(ListPaths(GraphText("")), IsEmpty());
+}
+
+TEST(JoinGraph, PathsOfALargeGraphEndAtTheBoundWithTheLightest)
+{
+    // A ring of 3,000 edges of weight 8888, each of the first 300 with a twin that is 1 to 300
+    // heavier: trees leave out one pair or single edge, and take twins.
+    std::string ring;
+    for (int i = 0; i < 3000; ++i) {
+        const std::string ends =
+            'n' + std::to_string(i) + "-n" + std::to_string((i + 1) % 3000) + ':';
+        ring += ends + "8888 ";
+        if (i < 300)
+            ring += ends + std::to_string(8889 + i) + ' ';
+    }
+    const GraphText text(ring);
+    std::vector<std::vector<amd_id>> paths;
+    text.Get().GetPaths(paths);
+    ASSERT_EQ(paths.size(), 1000U);
+    // 2,700 single edges and 300 pairs can be left out at no cost.
+    for (const std::vector<amd_id>& path : paths)
+        ASSERT_EQ(text.Get().GetPathWeight(path), 2999 * 8888);
+    EXPECT_LT(paths[0], paths[1]);
+    EXPECT_LT(paths[998], paths[999]);
+}
+
+TEST(JoinGraph, CheapestTreesAreWalkedFromTheFirstNode)
+{
+    const GraphText text("c-b:1 a-c:1 b-a:2 b-a:2 a-a:0 x-y:1 y-z:1");
+    std::vector<std::string> trees;
+    EXPECT_EQ(FindCheapest(text, "b a", trees), 2);
+    EXPECT_THAT(trees, testing::UnorderedElementsAre("b-a", "b-a#2", "c-b a-c"));
+    EXPECT_EQ(FindCheapest(text, "a b b a", trees), 2);
+    EXPECT_THAT(trees, testing::UnorderedElementsAre("b-a", "b-a#2", "a-c c-b"));
+
+    EXPECT_EQ(FindCheapest(text, "a a", trees), 0);
+    EXPECT_THAT(trees, ElementsAre(""));
+    EXPECT_EQ(FindCheapest(text, "a x", trees), std::nullopt);
+    EXPECT_EQ(FindCheapest(text, "a unknown", trees), std::nullopt);
+    EXPECT_EQ(FindCheapest(text, "unknown", trees), std::nullopt);
+    EXPECT_THAT(trees, IsEmpty());
+
+    std::vector<amd_id> edges = text.Ids("a");
+    text.Get().GetTreeEdges(text.Ids("z x"), edges);
+    text.Get().GetTreeEdges(text.Ids("z a"), edges);
+    EXPECT_EQ(text.Write(edges), "a y-z x-y");
+}
+
+TEST(JoinGraph, SumsOfManyWeightsSaturate)
+{
+    const GraphText text("a-b:2147483647 b-c:2147483647 c-a:1");
+    EXPECT_EQ(text.Get().GetPathWeight(std::vector<amd_id>(1000, text.Id("a-b"))),
+              std::numeric_limits<int>::max());
+    std::vector<std::string> trees;
+    EXPECT_EQ(FindCheapest(text, "a b c", trees), std::numeric_limits<int>::max());
+    EXPECT_EQ(trees.size(), 2U);
+}
+
+} // namespace
+} // namespace qe::test
