@@ -149,8 +149,10 @@ TEST_P(JoinGraphProperty, BoundKeepsTheFirstSpanningTrees)
         for (std::size_t bound = 1; bound < 12; ++bound) {
             graph::SpanningTrees trees(storage.GetView(), bound);
             for (std::size_t i = 0; i < std::min(bound, count); ++i) {
+                const std::optional<std::vector<graph::EdgeIndex>> next = trees.GetNext();
+                ASSERT_TRUE(next);
                 Ids tree;
-                for (const graph::EdgeIndex edge : *trees.GetNext())
+                for (const graph::EdgeIndex edge : *next)
                     tree.push_back(storage.GetEdgeId(edge));
                 ASSERT_EQ(tree, SmallGraph::GetEdgeIds(forests[i])) << "bound " << bound;
             }

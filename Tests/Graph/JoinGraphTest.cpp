@@ -88,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(
                     PathCase{"SaturatedSumsStillDiffer",
                              "a-b:2147483647 b-c:2147483647 a-d:2147483647 d-c:2147483646", "a",
                              "c", "2147483647: a-d d-c"}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST(JoinGraph, PresentNodesAndEdgesStayAsTheyAre)
 {
