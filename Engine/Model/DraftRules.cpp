@@ -86,13 +86,14 @@ void CheckNames(const std::vector<ObjectDraft>& drafts, ProblemList& problems)
 void CheckUniqueNames(const std::vector<ObjectDraft>& drafts, const std::vector<bool>& inTable,
                       ProblemList& problems)
 {
-    std::map<std::tuple<std::int32_t, amd_id, std::string_view>, std::size_t> owners;
+    using NameKey = std::tuple<std::int32_t, amd_id, std::string_view>;
+    std::map<NameKey, std::size_t> owners;
     for (std::size_t i = 0; i < drafts.size(); ++i) {
         const ObjectDraft& draft = drafts[i];
         if (!inTable[i] || draft.record.name.empty() || IsJoinClass(draft.classCode))
             continue;
-        const auto [owner, isNew] = owners.emplace(
-            std::tuple(NameClass(draft.classCode), NameScope(draft), draft.record.name), i);
+        const NameKey key(NameClass(draft.classCode), NameScope(draft), draft.record.name);
+        const auto [owner, isNew] = owners.emplace(key, i);
         if (!isNew) {
             const ObjectDraft& first = drafts[owner->second];
             problems.Add(i, EAspect::Name,
