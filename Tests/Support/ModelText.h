@@ -51,10 +51,7 @@ class ModelText
 public:
     explicit ModelText(std::string_view text);
 
-    [[nodiscard]] const std::shared_ptr<const qe::model::Model>& GetModel() const
-    {
-        return mModel;
-    }
+    [[nodiscard]] const std::shared_ptr<const qe::model::Model>& GetModel() const { return mModel; }
     /// Gives the gateway into the model, which lives as long as this object.
     [[nodiscard]] qe::model::ModelGateway& GetGateway() const { return *mGateway; }
 

@@ -150,9 +150,9 @@ void ModelTextParser::ParseArrow(const std::string& left, const std::string& kin
         throw std::invalid_argument("not a known join with two ends: " + right);
     const amd_id first = Subject(names[0]);
     const amd_id second = Subject(names[1]);
-    mJoins[name.name] = mBuilder.AddRelationshipShortcut(
-        mHolder, name.name, {mJoins[target], first, second},
-        Numbered(name, IdClassRelationshipShortcut));
+    mJoins[name.name] =
+        mBuilder.AddRelationshipShortcut(mHolder, name.name, {mJoins[target], first, second},
+                                         Numbered(name, IdClassRelationshipShortcut));
 }
 
 void ModelTextParser::ParseJoin(const std::string& left, const std::string& ends,

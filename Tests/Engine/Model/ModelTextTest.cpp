@@ -56,8 +56,7 @@ TEST(ModelTextTest, ReadsEveryOtherStatement)
         namespace Other
         Region
     )");
-    EXPECT_EQ(model.Names(model.Subjects()),
-              "Orders, Customer, Returns, Region, Bill To, Payer");
+    EXPECT_EQ(model.Names(model.Subjects()), "Orders, Customer, Returns, Region, Bill To, Payer");
     EXPECT_EQ(model.Names(model.Joins()), "rc, rb");
     EXPECT_EQ(model.Id("Payer"), amd_id(0, IdClassShortcut, 9));
 
