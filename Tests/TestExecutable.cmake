@@ -24,7 +24,7 @@ function(qe_add_test name)
 
   add_executable(${name} ${arg_SOURCES})
   qe_configure_target(${name})
-  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/Tests")
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE qe_test_main ${arg_LIBRARIES})
   target_precompile_headers(${name} REUSE_FROM qe_test_main)
   gtest_discover_tests(${name}

@@ -1,6 +1,6 @@
 #include "LogDestination.h"
 
-#include "Settings/SettingsReader.h"
+#include "Engine/Settings/SettingsReader.h"
 #include "StreamLogTarget.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 // Compares the graph with exhaustive search on small random multigraphs.
 
-#include "Graph/SmallGraph.h"
+#include "Tests/Graph/SmallGraph.h"
 
 #include "Engine/Graph/GraphStorage.h"
 #include "Engine/Graph/SpanningTrees.h"

@@ -1,4 +1,4 @@
-#include "Graph/GraphText.h"
+#include "Tests/Graph/GraphText.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "Graph/SmallGraph.h"
+#include "Tests/Graph/SmallGraph.h"
 
 #include <algorithm>
 #include <array>
