@@ -1,0 +1,67 @@
+#ifndef ENGINE_GRAPH_STEINER_BLOCKSEARCH_H
+#define ENGINE_GRAPH_STEINER_BLOCKSEARCH_H
+
+#include "Engine/Graph/Steiner/DualAscent.h"
+#include "Engine/Graph/Steiner/FlatNetwork.h"
+#include "Engine/Graph/Steiner/LocalSearch.h"
+#include "Engine/Graph/Steiner/Network.h"
+#include "Engine/Graph/Steiner/SteinerSolver.h"
+#include "Engine/Graph/Steiner/TreeFamily.h"
+#include "Engine/Graph/Steiner/TreeGrower.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace qe::graph {
+
+class Budget;
+
+/// Searches one block: bounds its optimum from both sides, sheds what the bounds exclude, and
+/// finds all lightest trees of what is left.
+class BlockSearch
+{
+public:
+    /// Takes the block and a weight that some tree of it is known not to exceed.
+    BlockSearch(Network& block, std::uint64_t knownWeight, Budget& budget);
+
+    /// Looks for a light tree and a good bound, and removes from the block the edges that the
+    /// two exclude. Answers how many; the block is to be searched through another object then.
+    std::size_t Shed();
+
+    /// The least weight known by now.
+    [[nodiscard]] std::uint64_t GetKnownWeight() const { return mKnownWeight; }
+
+    /// What is known at the end of the search of one block.
+    struct Outcome
+    {
+        std::uint64_t weight;
+        std::uint64_t lowerBound;
+        ECount countProof;
+    };
+    /// Finds all lightest trees of the block, or one tree when the budget runs out, and adds
+    /// them to the family.
+    Outcome Search(TreeFamily& family);
+
+private:
+    void FindTree(std::uint32_t start, std::span<const std::uint8_t> isUsable);
+    void Ascend(std::uint32_t root);
+    template <std::size_t Words>
+    Outcome SearchWith(TreeFamily& family);
+    Outcome AnswerTree(TreeFamily& family, const std::vector<std::uint32_t>& edges,
+                       std::uint64_t weight, std::uint64_t lowerBound) const;
+
+    Network& mBlock;
+    Budget& mBudget;
+    FlatNetwork mNetwork;
+    TreeGrower mGrower;
+    DualAscent mAscent;
+    std::uint64_t mKnownWeight;
+    std::uint64_t mLowerBound = 0;
+    std::uint32_t mBestRoot = 0;
+    SteinerTree mTree;
+};
+
+} // namespace qe::graph
+
+#endif

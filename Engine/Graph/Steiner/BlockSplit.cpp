@@ -1,0 +1,144 @@
+#include "Engine/Graph/Steiner/BlockSplit.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace qe::graph {
+
+namespace {
+
+class BlockSplit
+{
+public:
+    explicit BlockSplit(const Network& network)
+        : mNetwork(network), mVisits(network.GetNodeLimit())
+    {}
+
+    std::vector<Network> Run();
+
+private:
+    struct Visit
+    {
+        std::uint32_t order = 0;
+        std::uint32_t low = 0;
+        std::uint32_t next = Network::kNone;
+        std::uint32_t entry = Network::kNone;
+        std::uint32_t firstEdge = 0;
+        bool isTerminal = false;
+        bool leadsToTerminal = false;
+        std::uint32_t local = Network::kNone;
+    };
+
+    void Enter(std::uint32_t node, std::uint32_t half);
+    void Follow(std::uint32_t half);
+    void Leave(std::uint32_t node);
+    void Emit(std::uint32_t firstEdge);
+
+    const Network& mNetwork;
+    std::vector<Visit> mVisits;
+    std::vector<std::uint32_t> mPath;
+    std::vector<std::uint32_t> mEdges;
+    std::vector<Network> mBlocks;
+    std::uint32_t mOrder = 0;
+};
+
+std::vector<Network> BlockSplit::Run()
+{
+    std::uint32_t root = 0;
+    while (!mNetwork.IsTerminal(root))
+        ++root;
+    Enter(root, Network::kNone);
+    while (!mPath.empty()) {
+        Visit& visit = mVisits[mPath.back()];
+        if (visit.next == Network::kNone) {
+            Leave(mPath.back());
+            continue;
+        }
+        const std::uint32_t half = visit.next;
+        visit.next = mNetwork.GetNext(half);
+        Follow(half);
+    }
+    return std::move(mBlocks);
+}
+
+void BlockSplit::Enter(std::uint32_t node, std::uint32_t half)
+{
+    Visit& visit = mVisits[node];
+    visit.order = ++mOrder;
+    visit.low = visit.order;
+    visit.next = mNetwork.GetFirst(node);
+    visit.entry = half;
+    visit.firstEdge = static_cast<std::uint32_t>(mEdges.size());
+    visit.isTerminal = mNetwork.IsTerminal(node);
+    visit.leadsToTerminal = visit.isTerminal;
+    if (half != Network::kNone)
+        mEdges.push_back(half / 2);
+    mPath.push_back(node);
+}
+
+void BlockSplit::Follow(std::uint32_t half)
+{
+    Visit& visit = mVisits[mPath.back()];
+    if (half == (visit.entry ^ 1U))
+        return;
+    const std::uint32_t target = mNetwork.GetTarget(half);
+    const std::uint32_t order = mVisits[target].order;
+    if (order == 0) {
+        Enter(target, half);
+    } else if (order < visit.order) {
+        mEdges.push_back(half / 2);
+        visit.low = std::min(visit.low, order);
+    }
+}
+
+void BlockSplit::Leave(std::uint32_t node)
+{
+    mPath.pop_back();
+    if (mPath.empty())
+        return;
+    const Visit& visit = mVisits[node];
+    Visit& parent = mVisits[mPath.back()];
+    parent.low = std::min(parent.low, visit.low);
+    parent.leadsToTerminal |= visit.leadsToTerminal;
+    if (visit.low < parent.order)
+        return;
+    if (visit.leadsToTerminal) {
+        // The parent separates terminals below from the root, so every tree contains it.
+        parent.isTerminal = true;
+        Emit(visit.firstEdge);
+    }
+    mEdges.resize(visit.firstEdge);
+}
+
+void BlockSplit::Emit(std::uint32_t firstEdge)
+{
+    std::vector<std::uint32_t> nodes;
+    for (std::size_t place = firstEdge; place < mEdges.size(); ++place) {
+        for (const std::uint32_t half : {2 * mEdges[place], 2 * mEdges[place] + 1})
+            nodes.push_back(mNetwork.GetOrigin(half));
+    }
+    std::sort(nodes.begin(), nodes.end());
+    nodes.erase(std::unique(nodes.begin(), nodes.end()), nodes.end());
+    Network block(static_cast<std::uint32_t>(nodes.size()), mNetwork.GetStrands());
+    for (std::uint32_t local = 0; local < nodes.size(); ++local) {
+        mVisits[nodes[local]].local = local;
+        if (mVisits[nodes[local]].isTerminal)
+            block.MakeTerminal(local);
+    }
+    for (std::size_t place = firstEdge; place < mEdges.size(); ++place) {
+        const std::uint32_t edge = mEdges[place];
+        block.AppendEdge(mVisits[mNetwork.GetOrigin(2 * edge)].local,
+                         mVisits[mNetwork.GetOrigin(2 * edge + 1)].local,
+                         mNetwork.GetWeight(edge), mNetwork.GetStrand(edge));
+    }
+    mBlocks.push_back(std::move(block));
+}
+
+} // namespace
+
+std::vector<Network> SplitIntoBlocks(const Network& network)
+{
+    return BlockSplit(network).Run();
+}
+
+} // namespace qe::graph

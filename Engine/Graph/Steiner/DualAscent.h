@@ -1,0 +1,81 @@
+#ifndef ENGINE_GRAPH_STEINER_DUALASCENT_H
+#define ENGINE_GRAPH_STEINER_DUALASCENT_H
+
+#include "Engine/Graph/Steiner/FlatNetwork.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace qe::graph {
+
+class Budget;
+
+/// Listens to the cuts that a dual ascent raises.
+class CutObserver
+{
+public:
+    virtual ~CutObserver() = default;
+    /// Takes a set of nodes without the root, that every tree must enter for the terminals in
+    /// it, and the price that all arcs into it have just been charged.
+    virtual void Raise(std::span<const std::uint32_t> nodes, std::uint64_t price) = 0;
+};
+
+/// Proves a lower bound for the weight of every tree, by raising prices on directed cuts.
+///
+/// A tree hung up at the root enters every set of nodes that contains a terminal but not the
+/// root. Wong's dual ascent (1984) finds such a set that can be reached only by arcs with some
+/// weight left, charges the least of it to all of them, and goes on until every terminal can be
+/// reached from the root by arcs with nothing left. The charges add up to the bound; what is
+/// left, the reduced weights, tells by how much more a tree weighs at least when it uses an arc.
+/// Small sets go first (Poggi de Aragao, Uchoa and Werneck 2001), ties go to the smaller
+/// terminal.
+class DualAscent
+{
+public:
+    explicit DualAscent(const FlatNetwork& network);
+
+    /// Runs with the given root and replaces what was known. Stops early, with a bound that is
+    /// valid but weaker, when the budget runs out.
+    void Run(std::uint32_t root, Budget& budget, CutObserver* observer = nullptr);
+
+    [[nodiscard]] std::uint32_t GetRoot() const { return mRoot; }
+    [[nodiscard]] std::uint64_t GetBound() const { return mBound; }
+    /// Answers the reduced weight of going along the half-edge.
+    [[nodiscard]] std::uint64_t GetReduced(std::uint32_t half) const { return mReduced[half]; }
+
+private:
+    enum class EOutcome
+    {
+        Finished,
+        Paused,
+    };
+    struct Entry
+    {
+        std::uint64_t size;
+        std::uint32_t terminal;
+        friend auto operator<=>(const Entry&, const Entry&) = default;
+    };
+
+    EOutcome Ascend(std::uint32_t terminal, std::uint64_t sizeLimit, std::uint64_t& size,
+                    CutObserver* observer);
+    bool Spread(std::uint32_t terminal);
+    void RaiseCut(CutObserver* observer);
+
+    const FlatNetwork& mNetwork;
+    std::uint32_t mRoot = 0;
+    std::uint64_t mBound = 0;
+    std::vector<std::uint64_t> mReduced;
+    std::vector<std::uint8_t> mIsActive;
+    /// The set at hand: its nodes, how many of them have been spread from, and the half-edges
+    /// that lead into it with some weight left.
+    std::vector<std::uint32_t> mSet;
+    std::size_t mSpread = 0;
+    std::vector<std::uint32_t> mEntering;
+    std::vector<std::uint32_t> mStamps;
+    std::uint32_t mStamp = 0;
+};
+
+} // namespace qe::graph
+
+#endif

@@ -1,0 +1,43 @@
+#include "Engine/Graph/Steiner/LabelTable.h"
+
+namespace qe::graph {
+
+namespace {
+
+constexpr std::size_t kFirstSize = 256;
+
+} // namespace
+
+LabelTable::LabelTable() : mSlots(kFirstSize) {}
+
+std::size_t LabelTable::FindSlot(std::uint64_t key) const
+{
+    const std::size_t mask = mSlots.size() - 1;
+    std::size_t slot = ((key * 0x9E3779B97F4A7C15U) >> 24) & mask;
+    while (mSlots[slot].label != kNone && mSlots[slot].key != key)
+        slot = (slot + 1) & mask;
+    return slot;
+}
+
+std::uint32_t LabelTable::Add(const Label& label)
+{
+    const std::uint64_t key = GetKey(label.node, label.set);
+    const std::uint32_t number = GetCount();
+    mSlots[FindSlot(key)] = {key, number};
+    mLabels.push_back(label);
+    if (2 * mLabels.size() > mSlots.size())
+        Grow();
+    return number;
+}
+
+void LabelTable::Grow()
+{
+    const std::size_t size = 2 * mSlots.size();
+    mSlots = std::vector<Slot>(size);
+    for (std::uint32_t number = 0; number < GetCount(); ++number) {
+        const std::uint64_t key = GetKey(mLabels[number].node, mLabels[number].set);
+        mSlots[FindSlot(key)] = {key, number};
+    }
+}
+
+} // namespace qe::graph

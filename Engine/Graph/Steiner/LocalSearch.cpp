@@ -1,0 +1,105 @@
+#include "Engine/Graph/Steiner/LocalSearch.h"
+
+#include "Engine/Graph/Steiner/Budget.h"
+
+#include <algorithm>
+
+namespace qe::graph {
+
+namespace {
+
+constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+} // namespace
+
+LocalSearch::LocalSearch(const FlatNetwork& network, TreeGrower& grower)
+    : mNetwork(network), mGrower(grower), mEdgesAt(network.GetNodeCount())
+{}
+
+void LocalSearch::Improve(SteinerTree& tree, const Budget& budget, double share)
+{
+    for (bool isImproved = true; isImproved;) {
+        isImproved = false;
+        CutIntoPaths(tree);
+        for (std::uint32_t path = 0; path < mPathEnds.size(); ++path) {
+            if (budget.IsSpent(share))
+                return;
+            if (TryWithout(tree, kNone, path)) {
+                isImproved = true;
+                CutIntoPaths(tree);
+            }
+        }
+        const std::vector<std::uint32_t> nodes = mTreeNodes;
+        for (const std::uint32_t node : nodes) {
+            if (budget.IsSpent(share))
+                return;
+            if (IsKey(node) && !mNetwork.IsTerminal(node) && TryWithout(tree, node, kNone)) {
+                isImproved = true;
+                CutIntoPaths(tree);
+            }
+        }
+    }
+}
+
+bool LocalSearch::IsKey(std::uint32_t node) const
+{
+    return mEdgesAt[node].size() > 2 || (mNetwork.IsTerminal(node) && !mEdgesAt[node].empty());
+}
+
+void LocalSearch::CutIntoPaths(const SteinerTree& tree)
+{
+    for (const std::uint32_t node : mTreeNodes)
+        mEdgesAt[node].clear();
+    mTreeNodes.clear();
+    for (std::uint32_t place = 0; place < tree.edges.size(); ++place) {
+        for (const std::uint32_t side : {0U, 1U}) {
+            const std::uint32_t node = mNetwork.GetOrigin(2 * tree.edges[place] + side);
+            if (mEdgesAt[node].empty())
+                mTreeNodes.push_back(node);
+            mEdgesAt[node].push_back(place);
+        }
+    }
+    std::sort(mTreeNodes.begin(), mTreeNodes.end());
+    mPathOfEdge.assign(tree.edges.size(), kNone);
+    mPathEnds.clear();
+    for (const std::uint32_t node : mTreeNodes) {
+        for (const std::uint32_t place : mEdgesAt[node]) {
+            if (IsKey(node) && mPathOfEdge[place] == kNone)
+                WalkPath(tree, node, place);
+        }
+    }
+}
+
+void LocalSearch::WalkPath(const SteinerTree& tree, std::uint32_t node, std::uint32_t place)
+{
+    const auto path = static_cast<std::uint32_t>(mPathEnds.size());
+    const std::uint32_t start = node;
+    for (;;) {
+        mPathOfEdge[place] = path;
+        const std::uint32_t edge = tree.edges[place];
+        const std::uint32_t end1 = mNetwork.GetOrigin(2 * edge);
+        node = end1 == node ? mNetwork.GetOrigin(2 * edge + 1) : end1;
+        if (IsKey(node))
+            break;
+        place = mEdgesAt[node][mEdgesAt[node][0] == place ? 1 : 0];
+    }
+    mPathEnds.emplace_back(start, node);
+}
+
+bool LocalSearch::TryWithout(SteinerTree& tree, std::uint32_t key, std::uint32_t path)
+{
+    mKept.clear();
+    for (std::uint32_t place = 0; place < tree.edges.size(); ++place) {
+        const std::uint32_t ofEdge = mPathOfEdge[place];
+        const auto [end1, end2] = mPathEnds[ofEdge];
+        if (ofEdge != path && end1 != key && end2 != key)
+            mKept.push_back(tree.edges[place]);
+    }
+    SteinerTree other = mGrower.Regrow(mKept, mNetwork.GetTerminals().front());
+    if (other.weight >= tree.weight)
+        return false;
+    tree = std::move(other);
+    return true;
+}
+
+} // namespace qe::graph

@@ -1,0 +1,45 @@
+#ifndef ENGINE_GRAPH_STEINER_LOCALSEARCH_H
+#define ENGINE_GRAPH_STEINER_LOCALSEARCH_H
+
+#include "Engine/Graph/Steiner/TreeGrower.h"
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace qe::graph {
+
+class Budget;
+
+/// Improves a tree by exchanges (Uchoa and Werneck 2010, in a plain form).
+///
+/// Key nodes are the terminals and the nodes where at least three tree edges meet; the paths
+/// between them cut the tree into pieces. An exchange takes out one such path, or a key node that
+/// is no terminal with all its paths, and grows the remaining parts together again.
+class LocalSearch
+{
+public:
+    LocalSearch(const FlatNetwork& network, TreeGrower& grower);
+
+    /// Applies exchanges until none helps, or more than `share` of the time is gone.
+    void Improve(SteinerTree& tree, const Budget& budget, double share);
+
+private:
+    void CutIntoPaths(const SteinerTree& tree);
+    void WalkPath(const SteinerTree& tree, std::uint32_t node, std::uint32_t place);
+    [[nodiscard]] bool IsKey(std::uint32_t node) const;
+    bool TryWithout(SteinerTree& tree, std::uint32_t key, std::uint32_t path);
+
+    const FlatNetwork& mNetwork;
+    TreeGrower& mGrower;
+    /// Positions in the tree of the edges at each node of it.
+    std::vector<std::vector<std::uint32_t>> mEdgesAt;
+    std::vector<std::uint32_t> mTreeNodes;
+    std::vector<std::uint32_t> mPathOfEdge;
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> mPathEnds;
+    std::vector<std::uint32_t> mKept;
+};
+
+} // namespace qe::graph
+
+#endif

@@ -1,0 +1,25 @@
+#ifndef ENGINE_GRAPH_STEINER_SATURATED_H
+#define ENGINE_GRAPH_STEINER_SATURATED_H
+
+#include <cstdint>
+#include <limits>
+
+namespace qe::graph {
+
+/// The count that stands for "this many or more", and the weight that stands for "not reached".
+inline constexpr std::uint64_t kSaturated = std::numeric_limits<std::uint64_t>::max();
+
+[[nodiscard]] inline std::uint64_t SaturatingAdd(std::uint64_t left, std::uint64_t right)
+{
+    return left > kSaturated - right ? kSaturated : left + right;
+}
+
+[[nodiscard]] inline std::uint64_t SaturatingMultiply(std::uint64_t left, std::uint64_t right)
+{
+    std::uint64_t product = 0;
+    return __builtin_mul_overflow(left, right, &product) ? kSaturated : product;
+}
+
+} // namespace qe::graph
+
+#endif

@@ -1,0 +1,185 @@
+#include "Engine/Graph/Steiner/SteinerSolver.h"
+
+#include "Engine/Graph/Steiner/BlockSearch.h"
+#include "Engine/Graph/Steiner/BlockSplit.h"
+#include "Engine/Graph/Steiner/Budget.h"
+#include "Engine/Graph/Steiner/DegreeReduction.h"
+#include "Engine/Graph/Steiner/NetworkBuilder.h"
+#include "Engine/Graph/Steiner/Saturated.h"
+#include "Engine/Graph/Steiner/TreeFamily.h"
+#include "Engine/Graph/Steiner/ZeroGroups.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace qe::graph {
+
+namespace {
+
+/// Trees with edges of weight 0 are counted one by one, so their count stops this far beyond
+/// those that are listed.
+constexpr std::uint64_t kCountedBeyondList = 100000;
+
+/// A network that still is to be searched, and a weight that some tree of it does not exceed.
+struct OpenNetwork
+{
+    Network network;
+    std::uint64_t knownWeight;
+};
+
+class SteinerSolver
+{
+public:
+    SteinerSolver(const GraphView& graph, std::vector<NodeIndex> terminals,
+                  const SteinerLimits& limits)
+        : mGraph(graph), mTerminals(std::move(terminals)), mLimits(limits),
+          mBudget(limits.time, limits.memory), mFamily(mStrands)
+    {}
+
+    SteinerResult Solve();
+
+private:
+    void Reduce(OpenNetwork open);
+    void SearchBlock(OpenNetwork open);
+    void ListTrees();
+    void ListTreesThrough(ZeroGroups& zeroGroups);
+    void SortTrees();
+
+    const GraphView& mGraph;
+    std::vector<NodeIndex> mTerminals;
+    const SteinerLimits& mLimits;
+    Budget mBudget;
+    StrandPool mStrands;
+    TreeFamily mFamily;
+    std::vector<OpenNetwork> mOpen;
+    SteinerResult mResult;
+};
+
+SteinerResult SteinerSolver::Solve()
+{
+    ZeroGroups zeroGroups(mGraph, mTerminals);
+    std::optional<Network> network =
+        BuildNetwork(mGraph, mTerminals, zeroGroups.GetGroups(), mStrands);
+    if (!network)
+        return mResult;
+    mResult.connected = true;
+    mOpen.push_back({std::move(*network), kSaturated});
+    while (!mOpen.empty()) {
+        OpenNetwork open = std::move(mOpen.back());
+        mOpen.pop_back();
+        Reduce(std::move(open));
+    }
+    if (zeroGroups.GetGroups().empty())
+        ListTrees();
+    else
+        ListTreesThrough(zeroGroups);
+    SortTrees();
+    return std::move(mResult);
+}
+
+/// Takes out what degrees and cut nodes decide, and has the blocks searched.
+void SteinerSolver::Reduce(OpenNetwork open)
+{
+    Network& network = open.network;
+    const std::size_t fixedBefore = network.GetFixedStrands().size();
+    const std::uint64_t weightBefore = network.GetFixedWeight();
+    ReduceDegrees(network);
+    for (std::size_t place = fixedBefore; place < network.GetFixedStrands().size(); ++place)
+        mFamily.AddStrand(network.GetFixedStrands()[place]);
+    const std::uint64_t fixedWeight = network.GetFixedWeight() - weightBefore;
+    mResult.weight += fixedWeight;
+    mResult.lowerBound += fixedWeight;
+    if (open.knownWeight != kSaturated)
+        open.knownWeight -= fixedWeight;
+    if (network.GetTerminalCount() <= 1)
+        return;
+    std::vector<Network> blocks = SplitIntoBlocks(network);
+    if (blocks.size() == 1) {
+        SearchBlock({std::move(blocks.front()), open.knownWeight});
+        return;
+    }
+    for (std::size_t block = blocks.size(); block-- > 0;)
+        mOpen.push_back({std::move(blocks[block]), kSaturated});
+}
+
+void SteinerSolver::SearchBlock(OpenNetwork open)
+{
+    BlockSearch search(open.network, open.knownWeight, mBudget);
+    const std::uint32_t edgesBefore = open.network.GetEdgeCount();
+    const std::size_t shed = search.Shed();
+    if (20 * shed > edgesBefore && !mBudget.IsExhausted()) {
+        open.knownWeight = search.GetKnownWeight();
+        mOpen.push_back(std::move(open));
+        return;
+    }
+    const BlockSearch::Outcome outcome = search.Search(mFamily);
+    mResult.weight += outcome.weight;
+    mResult.lowerBound += outcome.lowerBound;
+    if (outcome.weight != outcome.lowerBound)
+        mResult.proof = EProof::BestFound;
+    if (outcome.countProof == ECount::AtLeast)
+        mResult.countProof = ECount::AtLeast;
+}
+
+void SteinerSolver::ListTrees()
+{
+    mResult.count = mFamily.GetCount();
+    if (mResult.count == kSaturated)
+        mResult.countProof = ECount::AtLeast;
+    const std::uint64_t listed = std::min<std::uint64_t>(mResult.count, mLimits.maximumTrees);
+    for (std::uint64_t rank = 0; rank < listed; ++rank) {
+        if (rank > 0 && mBudget.IsExhausted())
+            break;
+        mResult.trees.push_back(mFamily.GetTree(rank));
+    }
+}
+
+/// Lists every tree over the groups with every way to run through the groups.
+void SteinerSolver::ListTreesThrough(ZeroGroups& zeroGroups)
+{
+    const std::uint64_t most = mLimits.maximumTrees + kCountedBeyondList;
+    const auto take = [this, most](const std::vector<EdgeIndex>& tree) {
+        if (mResult.trees.size() < mLimits.maximumTrees)
+            mResult.trees.push_back(tree);
+        ++mResult.count;
+        return mResult.count < most ? ZeroGroups::EStep::Continue : ZeroGroups::EStep::Stop;
+    };
+    for (std::uint64_t rank = 0; rank < mFamily.GetCount(); ++rank) {
+        const std::vector<EdgeIndex> outer = mFamily.GetTree(rank);
+        const ZeroGroups::EStep step = zeroGroups.ForEachTree(outer, mBudget, take);
+        if (step == ZeroGroups::EStep::Stop || mBudget.IsExhausted()) {
+            mResult.countProof = ECount::AtLeast;
+            return;
+        }
+    }
+}
+
+void SteinerSolver::SortTrees()
+{
+    std::sort(mResult.trees.begin(), mResult.trees.end(),
+              [](const std::vector<EdgeIndex>& left, const std::vector<EdgeIndex>& right) {
+                  return left.size() != right.size() ? left.size() < right.size() : left < right;
+              });
+}
+
+} // namespace
+
+SteinerResult FindCheapestTrees(const GraphView& graph, std::span<const NodeIndex> terminals,
+                                const SteinerLimits& limits)
+{
+    std::vector<NodeIndex> distinct(terminals.begin(), terminals.end());
+    std::sort(distinct.begin(), distinct.end());
+    distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
+    SteinerResult result;
+    if (!distinct.empty() && distinct.back().value >= graph.GetNodeCount())
+        return result;
+    if (distinct.size() > 1)
+        return SteinerSolver(graph, std::move(distinct), limits).Solve();
+    result.connected = true;
+    result.count = 1;
+    if (limits.maximumTrees > 0)
+        result.trees.emplace_back();
+    return result;
+}
+
+} // namespace qe::graph

@@ -1,0 +1,150 @@
+#include "Engine/Graph/Steiner/SubsetProgramme.h"
+
+#include "Engine/Graph/Steiner/Budget.h"
+#include "Engine/Graph/Steiner/Saturated.h"
+
+#include <algorithm>
+#include <functional>
+
+namespace qe::graph {
+
+template <std::size_t Words>
+SubsetProgramme<Words>::SubsetProgramme(const FlatNetwork& network, std::uint32_t root,
+                                        const RestBound<Words>& bound, std::uint64_t knownWeight,
+                                        Budget& budget)
+    : mNetwork(network), mRest(bound), mBudget(budget), mRoot(root), mLimit(knownWeight),
+      mSettledAt(network.GetNodeCount())
+{
+    for (const std::uint32_t terminal : network.GetTerminals()) {
+        if (terminal != root)
+            mAll.Add(bound.GetBit(terminal));
+    }
+}
+
+template <std::size_t Words>
+typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Run()
+{
+    for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
+        if (terminal != mRoot)
+            Offer(terminal, Intern(Set::Single(mRest.GetBit(terminal))), 0);
+    }
+    std::size_t charged = 0;
+    while (!mQueue.empty()) {
+        const QueueEntry entry = mQueue.front();
+        mBound = std::min(entry.key, mLimit);
+        if (entry.key > mLimit)
+            break;
+        if (mBudget.IsExhausted())
+            return EOutcome::Exhausted;
+        std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
+        mQueue.pop_back();
+        const Label& label = mLabels.Get(entry.label);
+        if (!label.isSettled && label.weight + label.rest == entry.key)
+            Settle(entry.label);
+        const std::size_t bytes = mLabels.GetBytes() + mQueue.capacity() * sizeof(QueueEntry) +
+                                  mSetInfos.capacity() * (sizeof(SetInfo) + sizeof(Set) + 8) +
+                                  mLabels.GetCount() * (sizeof(Set) + 8);
+        mBudget.Charge(bytes - charged);
+        charged = bytes;
+    }
+    mBound = mLimit;
+    return EOutcome::Solved;
+}
+
+template <std::size_t Words>
+std::uint32_t SubsetProgramme<Words>::Intern(const Set& set)
+{
+    const std::uint32_t number = mSets.Intern(set);
+    if (number == mSetInfos.size())
+        mSetInfos.push_back({mRest.GetSetPart(set), kSaturated});
+    return number;
+}
+
+template <std::size_t Words>
+void SubsetProgramme<Words>::Offer(std::uint32_t node, std::uint32_t set, std::uint64_t weight)
+{
+    const SetInfo& info = mSetInfos[set];
+    if (weight > info.cap || weight + info.rest > mLimit)
+        return;
+    std::uint32_t number = mLabels.Find(node, set);
+    if (number != LabelTable::kNone) {
+        Label& label = mLabels.Get(number);
+        if (label.isSettled || weight >= label.weight)
+            return;
+        label.weight = weight;
+    } else {
+        const std::uint64_t rest = info.rest + mRest.GetNodePart(node, mSets.Get(set));
+        if (weight + rest > mLimit)
+            return;
+        number = mLabels.Add({node, set, weight, rest});
+    }
+    mQueue.push_back({weight + mLabels.Get(number).rest, number});
+    std::push_heap(mQueue.begin(), mQueue.end(), std::greater<>());
+}
+
+template <std::size_t Words>
+void SubsetProgramme<Words>::Settle(std::uint32_t number)
+{
+    mLabels.Get(number).isSettled = true;
+    const Label label = mLabels.Get(number);
+    SetInfo& info = mSetInfos[label.set];
+    if (label.weight > info.cap)
+        return;
+    const Set set = mSets.Get(label.set);
+    const std::uint32_t bit = mRest.GetBit(label.node);
+    const bool isOutside =
+        label.node == mRoot || (mNetwork.IsTerminal(label.node) && !set.Contains(bit));
+    if (isOutside)
+        info.cap = label.weight;
+    if (label.node == mRoot && set == mAll) {
+        mLimit = label.weight;
+        return;
+    }
+    if (!isOutside)
+        GrowFrom(label);
+    JoinAt(label);
+    mSettledAt[label.node].sets.push_back(set);
+    mSettledAt[label.node].labels.push_back(number);
+}
+
+template <std::size_t Words>
+void SubsetProgramme<Words>::GrowFrom(const Label& label)
+{
+    for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(label.node))
+        Offer(arc.target, label.set, label.weight + arc.weight);
+}
+
+template <std::size_t Words>
+void SubsetProgramme<Words>::JoinAt(const Label& label)
+{
+    const Set set = mSets.Get(label.set);
+    const Settled& settled = mSettledAt[label.node];
+    for (std::size_t place = 0; place < settled.sets.size(); ++place) {
+        if (set.Intersects(settled.sets[place]))
+            continue;
+        const std::uint64_t weight = label.weight + mLabels.Get(settled.labels[place]).weight;
+        if (weight <= mLimit)
+            Offer(label.node, Intern(set.Union(settled.sets[place])), weight);
+    }
+}
+
+template <std::size_t Words>
+std::uint32_t SubsetProgramme<Words>::FindSettled(std::uint32_t node, const Set& set) const
+{
+    const std::uint32_t number = mSets.Find(set);
+    return number == SetTable<Words>::kNone ? LabelTable::kNone : FindSettled(node, number);
+}
+
+template <std::size_t Words>
+std::uint32_t SubsetProgramme<Words>::FindSettled(std::uint32_t node, std::uint32_t set) const
+{
+    const std::uint32_t label = mLabels.Find(node, set);
+    return label != LabelTable::kNone && mLabels.Get(label).isSettled ? label : LabelTable::kNone;
+}
+
+template class SubsetProgramme<1>;
+template class SubsetProgramme<2>;
+template class SubsetProgramme<4>;
+template class SubsetProgramme<8>;
+
+} // namespace qe::graph

@@ -1,0 +1,116 @@
+#ifndef ENGINE_GRAPH_STEINER_SUBSETPROGRAMME_H
+#define ENGINE_GRAPH_STEINER_SUBSETPROGRAMME_H
+
+#include "Engine/Graph/Steiner/LabelTable.h"
+#include "Engine/Graph/Steiner/RestBound.h"
+#include "Engine/Graph/Steiner/SetTable.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace qe::graph {
+
+class Budget;
+
+/// The exact search: the programme over terminal sets of Dreyfus and Wagner (1971) and Erickson,
+/// Monma and Veinott (1987), in best-first order with a lower bound for the rest (Hougardy,
+/// Silvanus and Vygen 2017).
+///
+/// A label stands for the lightest partial tree that joins a terminal set to a node. The search
+/// settles labels by weight plus bound, grows each along the edges of its node and joins it with
+/// the settled labels there whose sets it does not meet. It starts from the single terminals,
+/// hangs the whole tree up at the root, and goes on until everything queued is above the
+/// optimum: so the labels of every lightest tree are settled, with exact weights, and counting
+/// can follow. Nothing grows out of the root, nor out of a terminal that is not in the set.
+///
+/// A label is cut off when it weighs more than a partial tree that joins the same set to a
+/// terminal outside it: joining there instead would be lighter. All cuts are strict, so none
+/// loses a lightest tree.
+///
+/// The time is at most O(3^k n + 2^k (n log n + m)) for k terminals beside the root, n nodes and
+/// m edges; the bound makes it far less as a rule.
+template <std::size_t Words>
+class SubsetProgramme
+{
+public:
+    using Set = TerminalSet<Words>;
+
+    /// Takes a weight that some tree has.
+    SubsetProgramme(const FlatNetwork& network, std::uint32_t root, const RestBound<Words>& bound,
+                    std::uint64_t knownWeight, Budget& budget);
+
+    enum class EOutcome
+    {
+        Solved,
+        Exhausted,
+    };
+    EOutcome Run();
+
+    /// Answers the weight that no tree is below: the optimum once solved.
+    [[nodiscard]] std::uint64_t GetBound() const { return mBound; }
+
+    [[nodiscard]] const FlatNetwork& GetNetwork() const { return mNetwork; }
+    [[nodiscard]] std::uint32_t GetRoot() const { return mRoot; }
+    [[nodiscard]] std::uint32_t GetBit(std::uint32_t node) const { return mRest.GetBit(node); }
+    [[nodiscard]] const LabelTable& GetLabels() const { return mLabels; }
+    [[nodiscard]] const Set& GetSet(std::uint32_t number) const { return mSets.Get(number); }
+    /// Answers the settled label of the node and set, or LabelTable::kNone.
+    [[nodiscard]] std::uint32_t FindSettled(std::uint32_t node, const Set& set) const;
+    [[nodiscard]] std::uint32_t FindSettled(std::uint32_t node, std::uint32_t set) const;
+    /// Answers the settled labels of the node.
+    [[nodiscard]] std::span<const std::uint32_t> GetSettled(std::uint32_t node) const
+    {
+        return mSettledAt[node].labels;
+    }
+    /// Answers their sets, in the same order.
+    [[nodiscard]] std::span<const Set> GetSettledSets(std::uint32_t node) const
+    {
+        return mSettledAt[node].sets;
+    }
+    /// Answers the set of all terminals but the root.
+    [[nodiscard]] const Set& GetAll() const { return mAll; }
+
+private:
+    struct Settled
+    {
+        std::vector<Set> sets;
+        std::vector<std::uint32_t> labels;
+    };
+    struct QueueEntry
+    {
+        std::uint64_t key;
+        std::uint32_t label;
+        friend auto operator<=>(const QueueEntry&, const QueueEntry&) = default;
+    };
+    struct SetInfo
+    {
+        std::uint64_t rest;
+        /// Least weight at which a terminal outside the set was joined.
+        std::uint64_t cap;
+    };
+
+    void Offer(std::uint32_t node, std::uint32_t set, std::uint64_t weight);
+    void Settle(std::uint32_t number);
+    void GrowFrom(const Label& label);
+    void JoinAt(const Label& label);
+    std::uint32_t Intern(const Set& set);
+
+    const FlatNetwork& mNetwork;
+    const RestBound<Words>& mRest;
+    Budget& mBudget;
+    std::uint32_t mRoot;
+    std::uint64_t mLimit;
+    std::uint64_t mBound = 0;
+    Set mAll;
+    SetTable<Words> mSets;
+    std::vector<SetInfo> mSetInfos;
+    LabelTable mLabels;
+    std::vector<Settled> mSettledAt;
+    std::vector<QueueEntry> mQueue;
+};
+
+} // namespace qe::graph
+
+#endif
