@@ -99,8 +99,8 @@ int Run(const std::string& folder, const KnownAnswer& known, int pipeEnd)
     getrusage(RUSAGE_SELF, &usage);
     const std::string verdict = Judge(result, known);
     std::printf("%-4s %6u %6u %4zu %9llu %20llu %8.3f %8.3f %6ld %7.2f %s\n", known.name.c_str(),
-                graph->View().GetNodeCount(), graph->View().GetEdgeCount(),
-                graph->terminals.size(), static_cast<unsigned long long>(result.weight),
+                graph->View().GetNodeCount(), graph->View().GetEdgeCount(), graph->terminals.size(),
+                static_cast<unsigned long long>(result.weight),
                 static_cast<unsigned long long>(result.count), valueSeconds, listSeconds,
                 usage.ru_maxrss / 1024, valueSeconds / known.seconds, verdict.c_str());
     std::fflush(stdout);

@@ -1,11 +1,10 @@
 #include "Engine/Graph/Steiner/SteinerSolver.h"
+#include "Graph/SmallGraph.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <limits>
-#include <numeric>
+#include <ostream>
 #include <random>
-#include <sstream>
 #include <string>
 #include <tuple>
 
@@ -13,31 +12,31 @@ namespace qe::graph {
 
 namespace {
 
+using test::SmallGraph;
 using Tree = std::vector<EdgeIndex>;
 
+bool IsListedBefore(const Tree& left, const Tree& right)
+{
+    return std::tuple(left.size(), left) < std::tuple(right.size(), right);
+}
+
 /// Owns what a GraphView looks at.
-class GraphFixture
+class FrozenGraph
 {
 public:
-    GraphFixture(std::uint32_t nodeCount, std::vector<Edge> edges)
-        : mEdges(std::move(edges)), mFirstArc(nodeCount + 1)
+    FrozenGraph(std::size_t nodeCount, const std::vector<Edge>& edges)
+        : mEdges(edges), mFirstArc(1, 0)
     {
-        std::vector<std::vector<Arc>> arcs(nodeCount);
-        for (std::uint32_t index = 0; index < mEdges.size(); ++index) {
-            const auto [end1, end2, weight] = mEdges[index];
-            if (end1 == end2)
-                continue;
-            arcs[end1.value].push_back({end2, {index}});
-            arcs[end2.value].push_back({end1, {index}});
-        }
         for (std::uint32_t node = 0; node < nodeCount; ++node) {
-            mArcs.insert(mArcs.end(), arcs[node].begin(), arcs[node].end());
-            mFirstArc[node + 1] = static_cast<std::uint32_t>(mArcs.size());
+            for (std::uint32_t index = 0; index < mEdges.size(); ++index) {
+                const auto [end1, end2, weight] = mEdges[index];
+                if (end1 != end2 && (end1.value == node || end2.value == node))
+                    mArcs.push_back({end1.value == node ? end2 : end1, {index}});
+            }
+            mFirstArc.push_back(static_cast<std::uint32_t>(mArcs.size()));
         }
     }
-    // NOLINTNEXTLINE: a view by design
     [[nodiscard]] GraphView View() const { return {mEdges, mFirstArc, mArcs}; }
-    [[nodiscard]] const std::vector<Edge>& GetEdges() const { return mEdges; }
 
 private:
     std::vector<Edge> mEdges;
@@ -45,118 +44,36 @@ private:
     std::vector<Arc> mArcs;
 };
 
-std::string Describe(const GraphFixture& graph, const std::vector<NodeIndex>& terminals)
+NodeIndex Node(std::size_t node)
 {
-    std::ostringstream text;
-    for (const Edge& edge : graph.GetEdges())
-        text << edge.end1.value << '-' << edge.end2.value << ':' << edge.weight << ' ';
-    text << "terminals";
-    for (const NodeIndex terminal : terminals)
-        text << ' ' << terminal.value;
-    return text.str();
+    return {static_cast<std::uint32_t>(node)};
 }
 
-/// Says whether the edges are a tree that touches all terminals and has no other leaves.
-bool IsSteinerTree(const GraphFixture& graph, const Tree& tree,
-                   const std::vector<NodeIndex>& terminals)
+FrozenGraph Freeze(const SmallGraph& graph)
 {
-    const std::uint32_t nodeCount = graph.View().GetNodeCount();
-    std::vector<std::uint32_t> parts(nodeCount);
-    std::vector<std::uint32_t> degrees(nodeCount, 0);
-    std::iota(parts.begin(), parts.end(), 0U);
-    const auto find = [&](std::uint32_t node) {
-        while (parts[node] != node)
-            node = parts[node] = parts[parts[node]];
-        return node;
-    };
-    for (const EdgeIndex index : tree) {
-        const Edge& edge = graph.GetEdges()[index.value];
-        if (find(edge.end1.value) == find(edge.end2.value))
-            return false;
-        parts[find(edge.end1.value)] = find(edge.end2.value);
-        ++degrees[edge.end1.value];
-        ++degrees[edge.end2.value];
-    }
-    std::size_t touched = 0;
-    for (std::uint32_t node = 0; node < nodeCount; ++node) {
-        const bool isTerminal =
-            std::find(terminals.begin(), terminals.end(), NodeIndex{node}) != terminals.end();
-        if (isTerminal ? find(node) != find(terminals.front().value) : degrees[node] == 1)
-            return false;
-        touched += isTerminal || degrees[node] > 0 ? 1U : 0U;
-    }
-    return touched == tree.size() + 1;
+    std::vector<Edge> edges;
+    for (const auto& [end1, end2, weight] : graph.edges)
+        edges.push_back({Node(end1), Node(end2), static_cast<std::uint32_t>(weight)});
+    return {graph.nodeCount, edges};
 }
 
-std::uint64_t Weigh(const GraphFixture& graph, const Tree& tree)
+SteinerResult SearchExhaustively(const SmallGraph& graph, const std::vector<std::size_t>& terminals)
 {
-    std::uint64_t weight = 0;
-    for (const EdgeIndex edge : tree)
-        weight += graph.GetEdges()[edge.value].weight;
-    return weight;
+    SteinerResult result;
+    const std::optional<SmallGraph::Trees> found = graph.FindCheapestTrees(terminals);
+    if (!found)
+        return result;
+    result.connected = true;
+    result.weight = static_cast<std::uint64_t>(found->weight);
+    result.lowerBound = result.weight;
+    result.count = found->trees.size();
+    for (const SmallGraph::EdgeSet& tree : found->trees) {
+        result.trees.emplace_back();
+        for (const std::size_t edge : tree)
+            result.trees.back().push_back({static_cast<std::uint32_t>(edge)});
+    }
+    return result;
 }
-
-/// Tries every subset of the edges.
-SteinerResult SearchExhaustively(const GraphFixture& graph,
-                                 const std::vector<NodeIndex>& terminals)
-{
-    SteinerResult best;
-    const std::size_t edgeCount = graph.GetEdges().size();
-    for (std::uint64_t subset = 0; subset < std::uint64_t{1} << edgeCount; ++subset) {
-        Tree tree;
-        for (std::uint32_t edge = 0; edge < edgeCount; ++edge) {
-            if (((subset >> edge) & 1U) != 0)
-                tree.push_back({edge});
-        }
-        const std::uint64_t weight = Weigh(graph, tree);
-        if ((best.connected && weight > best.weight) || !IsSteinerTree(graph, tree, terminals))
-            continue;
-        if (!best.connected || weight < best.weight)
-            best.trees.clear();
-        best.connected = true;
-        best.weight = weight;
-        best.trees.push_back(tree);
-    }
-    best.count = best.trees.size();
-    best.lowerBound = best.weight;
-    std::sort(best.trees.begin(), best.trees.end(), [](const Tree& left, const Tree& right) {
-        return std::tuple(left.size(), left) < std::tuple(right.size(), right);
-    });
-    return best;
-}
-
-class RandomGraphs
-{
-public:
-    explicit RandomGraphs(std::uint32_t seed) : mRandom(seed) {}
-
-    std::uint32_t Draw(std::uint32_t below) { return static_cast<std::uint32_t>(mRandom()) % below; }
-
-    /// Draws a multigraph with self-loops.
-    GraphFixture DrawGraph(std::uint32_t nodeCount, std::uint32_t edgeCount,
-                           const std::vector<std::uint32_t>& weights)
-    {
-        std::vector<Edge> edges;
-        for (std::uint32_t edge = 0; edge < edgeCount; ++edge) {
-            const auto count = static_cast<std::uint32_t>(weights.size());
-            edges.push_back({{Draw(nodeCount)}, {Draw(nodeCount)}, weights[Draw(count)]});
-        }
-        return {nodeCount, edges};
-    }
-
-    std::vector<NodeIndex> DrawTerminals(std::uint32_t nodeCount, std::uint32_t count)
-    {
-        std::vector<NodeIndex> terminals;
-        for (std::uint32_t place = 0; place < count; ++place)
-            terminals.push_back({Draw(nodeCount)});
-        return terminals;
-    }
-
-    std::mt19937& Engine() { return mRandom; }
-
-private:
-    std::mt19937 mRandom;
-};
 
 void ExpectEqual(const SteinerResult& found, const SteinerResult& expected)
 {
@@ -169,55 +86,77 @@ void ExpectEqual(const SteinerResult& found, const SteinerResult& expected)
     EXPECT_TRUE(found.trees == expected.trees);
 }
 
-struct WeightRow
+struct Draw
 {
     const char* name;
-    std::vector<std::uint32_t> weights;
+    std::vector<int> weights;
+    std::size_t edgesAtLeast;
+    std::size_t edgesAtMost;
     std::uint32_t rounds;
 };
 
-class SteinerDifferential : public testing::TestWithParam<WeightRow>
-{};
+void PrintTo(const Draw& draw, std::ostream* out)
+{
+    *out << draw.name;
+}
+
+class SteinerDifferential : public testing::TestWithParam<Draw>
+{
+protected:
+    std::size_t Below(std::size_t count) { return mRandom() % count; }
+
+    SmallGraph DrawGraph()
+    {
+        const Draw& draw = GetParam();
+        SmallGraph graph;
+        graph.nodeCount = 2 + Below(6);
+        std::size_t count = draw.edgesAtLeast + Below(draw.edgesAtMost - draw.edgesAtLeast + 1);
+        for (; count > 0; --count)
+            graph.edges.push_back({Below(graph.nodeCount), Below(graph.nodeCount),
+                                   draw.weights[Below(draw.weights.size())]});
+        return graph;
+    }
+
+    std::mt19937 mRandom{20240611};
+};
 
 TEST_P(SteinerDifferential, FindsExactlyTheTreesOfExhaustiveSearch)
 {
-    RandomGraphs random(20240611);
     for (std::uint32_t round = 0; round < GetParam().rounds && !HasFailure(); ++round) {
-        const std::uint32_t nodeCount = 2 + random.Draw(7);
-        const GraphFixture graph =
-            random.DrawGraph(nodeCount, random.Draw(13), GetParam().weights);
-        std::vector<NodeIndex> terminals =
-            random.DrawTerminals(nodeCount, 1 + random.Draw(nodeCount + 1));
-        SCOPED_TRACE(Describe(graph, terminals));
-        const SteinerResult expected = SearchExhaustively(graph, terminals);
-        ExpectEqual(FindCheapestTrees(graph.View(), terminals, {}), expected);
-        std::shuffle(terminals.begin(), terminals.end(), random.Engine());
-        ExpectEqual(FindCheapestTrees(graph.View(), terminals, {}), expected);
-        if (expected.count < 2)
-            continue;
+        const SmallGraph graph = DrawGraph();
+        const FrozenGraph frozen = Freeze(graph);
+        std::vector<std::size_t> numbers(1 + Below(graph.nodeCount + 1));
+        std::vector<NodeIndex> terminals;
+        for (std::size_t& number : numbers) {
+            number = Below(graph.nodeCount);
+            terminals.push_back(Node(number));
+        }
+        SCOPED_TRACE(testing::PrintToString(graph) + testing::PrintToString(numbers));
+        const SteinerResult expected = SearchExhaustively(graph, numbers);
+        ExpectEqual(FindCheapestTrees(frozen.View(), terminals, {}), expected);
+
         SteinerLimits few;
         few.maximumTrees = expected.count / 2;
-        const SteinerResult cut = FindCheapestTrees(graph.View(), terminals, few);
+        const SteinerResult cut = FindCheapestTrees(frozen.View(), terminals, few);
         EXPECT_EQ(cut.count, expected.count);
         EXPECT_EQ(cut.trees.size(), few.maximumTrees);
         EXPECT_TRUE(std::includes(expected.trees.begin(), expected.trees.end(), cut.trees.begin(),
-                                  cut.trees.end(), [](const Tree& left, const Tree& right) {
-                                      return std::tuple(left.size(), left) <
-                                             std::tuple(right.size(), right);
-                                  }));
+                                  cut.trees.end(), IsListedBefore));
+        std::shuffle(terminals.begin(), terminals.end(), mRandom);
+        terminals.push_back(terminals.front());
+        EXPECT_TRUE(FindCheapestTrees(frozen.View(), terminals, few).trees == cut.trees);
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Weights, SteinerDifferential,
-                         testing::Values(WeightRow{"Unit", {1}, 1500},
-                                         WeightRow{"Few", {1, 2, 3}, 1500},
-                                         WeightRow{"OfTables",
-                                                   {1, 2, 3, 5, 7, 11, 17, 8888},
-                                                   1500},
-                                         WeightRow{"WithZero", {0, 0, 1, 2}, 1500},
-                                         WeightRow{"OnlyZero", {0}, 200},
-                                         WeightRow{"Huge", {4294967295U, 4294967294U}, 300}),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Draws, SteinerDifferential,
+    testing::Values(Draw{"SparseUnit", {1}, 0, 10, 1000}, Draw{"DenseUnit", {1}, 10, 13, 400},
+                    Draw{"SparseFew", {1, 2, 3}, 0, 10, 1000},
+                    Draw{"DenseFew", {1, 2, 3}, 10, 13, 400},
+                    Draw{"OfTables", {1, 2, 3, 5, 7, 11, 17, 8888}, 4, 12, 1000},
+                    Draw{"NearlyEqual", {999, 1000, 1001, 2000}, 8, 13, 400},
+                    Draw{"WithZero", {0, 0, 1, 2}, 4, 12, 1000}, Draw{"OnlyZero", {0}, 0, 12, 300}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 } // namespace
 

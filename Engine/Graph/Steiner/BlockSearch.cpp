@@ -14,18 +14,23 @@ namespace qe::graph {
 namespace {
 
 /// Number of terminals that trees are grown from and ascents are rooted at.
-constexpr std::size_t kStarts = 4;
+constexpr std::size_t Starts = 4;
 
 /// Share of the time after which the local search is cut short.
-constexpr double kLocalSearchShare = 0.1;
+constexpr double LocalSearchShare = 0.1;
 
 } // namespace
 
 BlockSearch::BlockSearch(Network& block, std::uint64_t knownWeight, Budget& budget)
-    : mBlock(block), mBudget(budget), mNetwork(block), mGrower(mNetwork), mAscent(mNetwork),
-      mKnownWeight(knownWeight), mBestRoot(mNetwork.GetTerminals().front())
+    : mBlock(block),
+      mBudget(budget),
+      mNetwork(block),
+      mGrower(mNetwork),
+      mAscent(mNetwork),
+      mKnownWeight(knownWeight),
+      mBestRoot(mNetwork.GetTerminals().front())
 {
-    mTree.weight = kSaturated;
+    mTree.weight = Saturated;
 }
 
 void BlockSearch::FindTree(std::uint32_t start, std::span<const std::uint8_t> isUsable)
@@ -47,8 +52,7 @@ void BlockSearch::Ascend(std::uint32_t root)
     }
     std::vector<std::uint8_t> isUsable(mNetwork.GetEdgeCount());
     for (std::uint32_t edge = 0; edge < mNetwork.GetEdgeCount(); ++edge) {
-        isUsable[edge] =
-            mAscent.GetReduced(2 * edge) == 0 || mAscent.GetReduced(2 * edge + 1) == 0;
+        isUsable[edge] = mAscent.GetReduced(2 * edge) == 0 || mAscent.GetReduced(2 * edge + 1) == 0;
     }
     if (!mBudget.IsExhausted())
         FindTree(root, isUsable);
@@ -59,12 +63,12 @@ std::size_t BlockSearch::Shed()
     const std::span<const std::uint32_t> terminals = mNetwork.GetTerminals();
     std::vector<std::uint8_t> isDispensable(mNetwork.GetEdgeCount());
     FindTree(terminals.front(), {});
-    const std::size_t starts = std::min(kStarts, terminals.size());
+    const std::size_t starts = std::min(Starts, terminals.size());
     for (std::size_t start = 0; start < starts && !mBudget.IsExhausted(); ++start) {
         Ascend(terminals[start * terminals.size() / starts]);
         MarkDispensable(mNetwork, mAscent, mKnownWeight, isDispensable);
     }
-    LocalSearch(mNetwork, mGrower).Improve(mTree, mBudget, kLocalSearchShare);
+    LocalSearch(mNetwork, mGrower).Improve(mTree, mBudget, LocalSearchShare);
     mKnownWeight = std::min(mKnownWeight, mTree.weight);
     MarkDispensable(mNetwork, mAscent, mKnownWeight, isDispensable);
     std::size_t count = 0;
@@ -80,13 +84,13 @@ std::size_t BlockSearch::Shed()
 BlockSearch::Outcome BlockSearch::Search(TreeFamily& family)
 {
     const std::size_t count = mNetwork.GetTerminals().size() - 1;
-    if (count <= TerminalSet<1>::kCapacity)
+    if (count <= TerminalSet<1>::Capacity)
         return SearchWith<1>(family);
-    if (count <= TerminalSet<2>::kCapacity)
+    if (count <= TerminalSet<2>::Capacity)
         return SearchWith<2>(family);
-    if (count <= TerminalSet<4>::kCapacity)
+    if (count <= TerminalSet<4>::Capacity)
         return SearchWith<4>(family);
-    if (count <= TerminalSet<8>::kCapacity)
+    if (count <= TerminalSet<8>::Capacity)
         return SearchWith<8>(family);
     return AnswerTree(family, mTree.edges, mTree.weight, mLowerBound);
 }

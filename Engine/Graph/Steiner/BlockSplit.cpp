@@ -10,8 +10,7 @@ namespace {
 class BlockSplit
 {
 public:
-    explicit BlockSplit(const Network& network)
-        : mNetwork(network), mVisits(network.GetNodeLimit())
+    explicit BlockSplit(const Network& network) : mNetwork(network), mVisits(network.GetNodeLimit())
     {}
 
     std::vector<Network> Run();
@@ -21,12 +20,12 @@ private:
     {
         std::uint32_t order = 0;
         std::uint32_t low = 0;
-        std::uint32_t next = Network::kNone;
-        std::uint32_t entry = Network::kNone;
+        std::uint32_t next = Network::None;
+        std::uint32_t entry = Network::None;
         std::uint32_t firstEdge = 0;
         bool isTerminal = false;
         bool leadsToTerminal = false;
-        std::uint32_t local = Network::kNone;
+        std::uint32_t local = Network::None;
     };
 
     void Enter(std::uint32_t node, std::uint32_t half);
@@ -47,10 +46,10 @@ std::vector<Network> BlockSplit::Run()
     std::uint32_t root = 0;
     while (!mNetwork.IsTerminal(root))
         ++root;
-    Enter(root, Network::kNone);
+    Enter(root, Network::None);
     while (!mPath.empty()) {
         Visit& visit = mVisits[mPath.back()];
-        if (visit.next == Network::kNone) {
+        if (visit.next == Network::None) {
             Leave(mPath.back());
             continue;
         }
@@ -71,7 +70,7 @@ void BlockSplit::Enter(std::uint32_t node, std::uint32_t half)
     visit.firstEdge = static_cast<std::uint32_t>(mEdges.size());
     visit.isTerminal = mNetwork.IsTerminal(node);
     visit.leadsToTerminal = visit.isTerminal;
-    if (half != Network::kNone)
+    if (half != Network::None)
         mEdges.push_back(half / 2);
     mPath.push_back(node);
 }
@@ -128,8 +127,8 @@ void BlockSplit::Emit(std::uint32_t firstEdge)
     for (std::size_t place = firstEdge; place < mEdges.size(); ++place) {
         const std::uint32_t edge = mEdges[place];
         block.AppendEdge(mVisits[mNetwork.GetOrigin(2 * edge)].local,
-                         mVisits[mNetwork.GetOrigin(2 * edge + 1)].local,
-                         mNetwork.GetWeight(edge), mNetwork.GetStrand(edge));
+                         mVisits[mNetwork.GetOrigin(2 * edge + 1)].local, mNetwork.GetWeight(edge),
+                         mNetwork.GetStrand(edge));
     }
     mBlocks.push_back(std::move(block));
 }

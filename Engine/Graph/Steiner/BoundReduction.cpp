@@ -13,8 +13,8 @@ void MarkDispensable(const FlatNetwork& network, const DualAscent& ascent, std::
     const std::vector<std::uint64_t> fromRoot = GetReducedFromRoot(network, ascent);
     const std::vector<std::uint64_t> toTerminal = GetReducedToTerminal(network, ascent);
     const auto getBound = [&](std::uint32_t half) {
-        const std::uint64_t way = SaturatingAdd(fromRoot[network.GetOrigin(half)],
-                                                toTerminal[network.GetTarget(half)]);
+        const std::uint64_t way =
+            SaturatingAdd(fromRoot[network.GetOrigin(half)], toTerminal[network.GetTarget(half)]);
         return SaturatingAdd(way, ascent.GetReduced(half) + ascent.GetBound());
     };
     for (std::uint32_t edge = 0; edge < network.GetEdgeCount(); ++edge) {

@@ -10,7 +10,7 @@ namespace qe::graph {
 
 namespace {
 
-constexpr std::uint32_t kNone = 0xFFFFFFFF;
+constexpr std::uint32_t None = 0xFFFFFFFF;
 
 } // namespace
 
@@ -23,7 +23,7 @@ DerivationBuilder<Words>::DerivationBuilder(const SubsetProgramme<Words>& progra
 template <std::size_t Words>
 typename DerivationBuilder<Words>::EOutcome DerivationBuilder<Words>::Build(DerivationGraph& graph)
 {
-    mItemOfLabel.assign(mProgramme.GetLabels().GetCount(), kNone);
+    mItemOfLabel.assign(mProgramme.GetLabels().GetCount(), None);
     const std::uint32_t whole =
         Visit(mProgramme.FindSettled(mProgramme.GetRoot(), mProgramme.GetAll()));
     if (!Collect())
@@ -49,9 +49,9 @@ typename DerivationBuilder<Words>::EOutcome DerivationBuilder<Words>::Build(Deri
 template <std::size_t Words>
 std::uint32_t DerivationBuilder<Words>::Visit(std::uint32_t label)
 {
-    if (mItemOfLabel[label] == kNone) {
+    if (mItemOfLabel[label] == None) {
         mItemOfLabel[label] = static_cast<std::uint32_t>(mItems.size());
-        mItems.push_back({label, 0, 0, 0, 0, kNone, kNone});
+        mItems.push_back({label, 0, 0, 0, 0, None, None});
     }
     return mItemOfLabel[label];
 }
@@ -74,9 +74,9 @@ bool DerivationBuilder<Words>::Collect()
             Visit(mJoins[item.firstJoin + join].others);
         }
         // The graph to be filled takes about as much again.
-        const std::size_t bytes = 2 * (mItems.capacity() * sizeof(Item) +
-                                       mSteps.capacity() * sizeof(Step) +
-                                       mJoins.capacity() * sizeof(Join));
+        const std::size_t bytes =
+            2 * (mItems.capacity() * sizeof(Item) + mSteps.capacity() * sizeof(Step) +
+                 mJoins.capacity() * sizeof(Join));
         mBudget.Charge(bytes - charged);
         charged = bytes;
     }
@@ -97,7 +97,7 @@ void DerivationBuilder<Words>::FindSteps(Item& item)
         if (network.IsTerminal(arc.target) && !set.Contains(mProgramme.GetBit(arc.target)))
             continue;
         const std::uint32_t below = mProgramme.FindSettled(arc.target, label.set);
-        if (below == LabelTable::kNone)
+        if (below == LabelTable::None)
             continue;
         if (mProgramme.GetLabels().Get(below).weight + arc.weight == label.weight)
             mSteps.push_back({arc.half / 2, below});
@@ -122,9 +122,8 @@ void DerivationBuilder<Words>::FindJoins(Item& item)
         const std::uint64_t weight = labels.Get(settled[place]).weight;
         if (weight > label.weight)
             continue;
-        const std::uint32_t others =
-            mProgramme.FindSettled(label.node, set.Without(sets[place]));
-        if (others != LabelTable::kNone && labels.Get(others).weight + weight == label.weight)
+        const std::uint32_t others = mProgramme.FindSettled(label.node, set.Without(sets[place]));
+        if (others != LabelTable::None && labels.Get(others).weight + weight == label.weight)
             mJoins.push_back({settled[place], others});
     }
     item.joinCount = static_cast<std::uint32_t>(mJoins.size()) - item.firstJoin;
@@ -142,7 +141,7 @@ void DerivationBuilder<Words>::AddParts(Item& item, DerivationGraph& graph) cons
         graph.AddStep(mStrands[step.edge], mItems[mItemOfLabel[step.label]].part);
     }
     item.part = graph.AddPart();
-    graph.AddJoin(item.branch, DerivationGraph::kNone);
+    graph.AddJoin(item.branch, DerivationGraph::None);
     for (std::uint32_t place = 0; place < item.joinCount; ++place) {
         const Join& join = mJoins[item.firstJoin + place];
         graph.AddJoin(mItems[mItemOfLabel[join.branch]].branch,
@@ -156,7 +155,7 @@ void DerivationBuilder<Words>::AppendOneTree(std::vector<std::uint32_t>& edges)
     std::vector<std::uint32_t> open{
         mProgramme.FindSettled(mProgramme.GetRoot(), mProgramme.GetAll())};
     while (!open.empty()) {
-        Item item{open.back(), 0, 0, 0, 0, kNone, kNone};
+        Item item{open.back(), 0, 0, 0, 0, None, None};
         open.pop_back();
         if (mProgramme.GetLabels().Get(item.label).weight == 0)
             continue;

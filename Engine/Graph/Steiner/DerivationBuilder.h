@@ -78,7 +78,7 @@ private:
     std::vector<Item> mItems;
     std::vector<Step> mSteps;
     std::vector<Join> mJoins;
-    std::uint32_t mWhole = DerivationGraph::kNone;
+    std::uint32_t mWhole = DerivationGraph::None;
 };
 
 } // namespace qe::graph

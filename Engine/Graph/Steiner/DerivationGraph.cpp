@@ -14,25 +14,25 @@ std::uint32_t DerivationGraph::AddPart()
 
 void DerivationGraph::AddStep(StrandIndex strand, std::uint32_t part)
 {
-    AddChoice(strand.value, part, kNone);
+    AddChoice(strand.value, part, None);
 }
 
 void DerivationGraph::AddJoin(std::uint32_t first, std::uint32_t second)
 {
-    AddChoice(kNone, first, second);
+    AddChoice(None, first, second);
 }
 
 void DerivationGraph::AddEmpty()
 {
-    AddChoice(kNone, kNone, kNone);
+    AddChoice(None, None, None);
 }
 
 void DerivationGraph::AddChoice(std::uint32_t strand, std::uint32_t first, std::uint32_t second)
 {
-    std::uint64_t count = strand == kNone ? 1 : mStrands->GetCount({strand});
-    if (first != kNone)
+    std::uint64_t count = strand == None ? 1 : mStrands->GetCount({strand});
+    if (first != None)
         count = SaturatingMultiply(count, GetCount(first));
-    if (second != kNone)
+    if (second != None)
         count = SaturatingMultiply(count, GetCount(second));
     if (count == 0)
         return;
@@ -51,17 +51,17 @@ void DerivationGraph::AppendEdges(std::uint32_t part, std::uint64_t rank,
         while (number >= mChoices[place].count)
             number -= mChoices[place++].count;
         const Choice& choice = mChoices[place];
-        if (choice.strand != kNone) {
+        if (choice.strand != None) {
             const std::uint64_t count = mStrands->GetCount({choice.strand});
             mStrands->AppendEdges({choice.strand}, number % count, edges);
             number /= count;
         }
-        if (choice.second != kNone) {
+        if (choice.second != None) {
             const std::uint64_t count = GetCount(choice.second);
             open.emplace_back(choice.second, number % count);
             number /= count;
         }
-        if (choice.first != kNone)
+        if (choice.first != None)
             open.emplace_back(choice.first, number);
     }
 }

@@ -17,7 +17,7 @@ namespace qe::graph {
 class DerivationGraph
 {
 public:
-    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+    static constexpr std::uint32_t None = 0xFFFFFFFF;
 
     explicit DerivationGraph(const StrandPool& strands) : mStrands(&strands) {}
 
@@ -25,7 +25,7 @@ public:
     std::uint32_t AddPart();
     /// Adds a way to make the part begun last: through a strand and one part.
     void AddStep(StrandIndex strand, std::uint32_t part);
-    /// Adds a way to make the part begun last: from two parts; `second` may be kNone.
+    /// Adds a way to make the part begun last: from two parts; `second` may be None.
     void AddJoin(std::uint32_t first, std::uint32_t second);
     /// Adds the way to make the part begun last from nothing.
     void AddEmpty();

@@ -29,7 +29,7 @@ void DualAscent::Run(std::uint32_t root, Budget& budget, CutObserver* observer)
     while (!queue.empty() && !budget.IsExhausted()) {
         Entry entry = queue.top();
         queue.pop();
-        const std::uint64_t limit = queue.empty() ? kSaturated : queue.top().size;
+        const std::uint64_t limit = queue.empty() ? Saturated : queue.top().size;
         if (Ascend(entry.terminal, limit, entry.size, observer) == EOutcome::Paused)
             queue.push(entry);
         else
@@ -47,7 +47,7 @@ DualAscent::EOutcome DualAscent::Ascend(std::uint32_t terminal, std::uint64_t si
     mEntering.clear();
     // A set somewhat above the limit is raised all the same: it was just built, and building it
     // again costs more than the order is worth.
-    const std::uint64_t eagerLimit = sizeLimit == kSaturated ? kSaturated : sizeLimit * 5 / 4;
+    const std::uint64_t eagerLimit = sizeLimit == Saturated ? Saturated : sizeLimit * 5 / 4;
     for (bool isFirst = true;; isFirst = false) {
         if (!Spread(terminal))
             return EOutcome::Finished;
@@ -87,7 +87,7 @@ bool DualAscent::Spread(std::uint32_t terminal)
 
 void DualAscent::RaiseCut(CutObserver* observer)
 {
-    std::uint64_t price = kSaturated;
+    std::uint64_t price = Saturated;
     for (const std::uint32_t half : mEntering)
         price = std::min(price, mReduced[half]);
     mBound += price;

@@ -4,17 +4,18 @@ namespace qe::graph {
 
 namespace {
 
-constexpr std::size_t kFirstSize = 256;
+constexpr std::size_t FirstSize = 256;
 
 } // namespace
 
-LabelTable::LabelTable() : mSlots(kFirstSize) {}
+LabelTable::LabelTable() : mSlots(FirstSize)
+{}
 
 std::size_t LabelTable::FindSlot(std::uint64_t key) const
 {
     const std::size_t mask = mSlots.size() - 1;
     std::size_t slot = ((key * 0x9E3779B97F4A7C15U) >> 24) & mask;
-    while (mSlots[slot].label != kNone && mSlots[slot].key != key)
+    while (mSlots[slot].label != None && mSlots[slot].key != key)
         slot = (slot + 1) & mask;
     return slot;
 }

@@ -23,11 +23,11 @@ struct Label
 class LabelTable
 {
 public:
-    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+    static constexpr std::uint32_t None = 0xFFFFFFFF;
 
     LabelTable();
 
-    /// Answers the number of the label, or kNone.
+    /// Answers the number of the label, or None.
     [[nodiscard]] std::uint32_t Find(std::uint32_t node, std::uint32_t set) const
     {
         return mSlots[FindSlot(GetKey(node, set))].label;
@@ -50,7 +50,7 @@ private:
     struct Slot
     {
         std::uint64_t key = 0;
-        std::uint32_t label = kNone;
+        std::uint32_t label = None;
     };
 
     [[nodiscard]] static std::uint64_t GetKey(std::uint32_t node, std::uint32_t set)

@@ -8,7 +8,7 @@ namespace qe::graph {
 
 namespace {
 
-constexpr std::uint32_t kNone = 0xFFFFFFFF;
+constexpr std::uint32_t None = 0xFFFFFFFF;
 
 } // namespace
 
@@ -24,7 +24,7 @@ void LocalSearch::Improve(SteinerTree& tree, const Budget& budget, double share)
         for (std::uint32_t path = 0; path < mPathEnds.size(); ++path) {
             if (budget.IsSpent(share))
                 return;
-            if (TryWithout(tree, kNone, path)) {
+            if (TryWithout(tree, None, path)) {
                 isImproved = true;
                 CutIntoPaths(tree);
             }
@@ -33,7 +33,7 @@ void LocalSearch::Improve(SteinerTree& tree, const Budget& budget, double share)
         for (const std::uint32_t node : nodes) {
             if (budget.IsSpent(share))
                 return;
-            if (IsKey(node) && !mNetwork.IsTerminal(node) && TryWithout(tree, node, kNone)) {
+            if (IsKey(node) && !mNetwork.IsTerminal(node) && TryWithout(tree, node, None)) {
                 isImproved = true;
                 CutIntoPaths(tree);
             }
@@ -60,11 +60,11 @@ void LocalSearch::CutIntoPaths(const SteinerTree& tree)
         }
     }
     std::sort(mTreeNodes.begin(), mTreeNodes.end());
-    mPathOfEdge.assign(tree.edges.size(), kNone);
+    mPathOfEdge.assign(tree.edges.size(), None);
     mPathEnds.clear();
     for (const std::uint32_t node : mTreeNodes) {
         for (const std::uint32_t place : mEdgesAt[node]) {
-            if (IsKey(node) && mPathOfEdge[place] == kNone)
+            if (IsKey(node) && mPathOfEdge[place] == None)
                 WalkPath(tree, node, place);
         }
     }

@@ -15,8 +15,8 @@ void Network::MakeTerminal(std::uint32_t node)
 void Network::Link(std::uint32_t half, std::uint32_t origin)
 {
     Node& node = mNodes[origin];
-    mHalves[half] = {origin, node.first, kNone};
-    if (node.first != kNone)
+    mHalves[half] = {origin, node.first, None};
+    if (node.first != None)
         mHalves[node.first].previous = half;
     node.first = half;
     ++node.degree;
@@ -26,11 +26,11 @@ void Network::Unlink(std::uint32_t half)
 {
     const Half& what = mHalves[half];
     Node& node = mNodes[what.origin];
-    if (what.previous == kNone)
+    if (what.previous == None)
         node.first = what.next;
     else
         mHalves[what.previous].next = what.next;
-    if (what.next != kNone)
+    if (what.next != None)
         mHalves[what.next].previous = what.previous;
     --node.degree;
 }
@@ -56,11 +56,11 @@ std::uint32_t Network::FindEdge(std::uint32_t end1, std::uint32_t end2) const
 {
     if (GetDegree(end1) > GetDegree(end2))
         return FindEdge(end2, end1);
-    for (std::uint32_t half = GetFirst(end1); half != kNone; half = GetNext(half)) {
+    for (std::uint32_t half = GetFirst(end1); half != None; half = GetNext(half)) {
         if (GetTarget(half) == end2)
             return half / 2;
     }
-    return kNone;
+    return None;
 }
 
 void Network::MergeInto(std::uint32_t edge, std::uint64_t weight, StrandIndex strand)
@@ -76,7 +76,7 @@ void Network::MergeEdge(std::uint32_t end1, std::uint32_t end2, std::uint64_t we
                         StrandIndex strand)
 {
     const std::uint32_t edge = FindEdge(end1, end2);
-    if (edge == kNone)
+    if (edge == None)
         AppendEdge(end1, end2, weight, strand);
     else
         MergeInto(edge, weight, strand);
@@ -98,7 +98,7 @@ void Network::Contract(std::uint32_t half)
     mFixedStrands.push_back(GetStrand(half / 2));
     mFixedWeight += GetWeight(half / 2);
     RemoveEdge(half / 2);
-    while (GetFirst(from) != kNone) {
+    while (GetFirst(from) != None) {
         const std::uint32_t moved = GetFirst(from);
         const std::uint32_t target = GetTarget(moved);
         const NetworkEdge edge = mEdges[moved / 2];

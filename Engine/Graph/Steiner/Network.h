@@ -19,7 +19,7 @@ namespace qe::graph {
 class Network
 {
 public:
-    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+    static constexpr std::uint32_t None = 0xFFFFFFFF;
 
     Network(std::uint32_t nodeCount, StrandPool& strands);
 
@@ -43,7 +43,7 @@ public:
     [[nodiscard]] std::uint64_t GetWeight(std::uint32_t edge) const { return mEdges[edge].weight; }
     [[nodiscard]] StrandIndex GetStrand(std::uint32_t edge) const { return mEdges[edge].strand; }
 
-    /// Answers the first half-edge that leaves the node, or kNone.
+    /// Answers the first half-edge that leaves the node, or None.
     [[nodiscard]] std::uint32_t GetFirst(std::uint32_t node) const { return mNodes[node].first; }
     [[nodiscard]] std::uint32_t GetNext(std::uint32_t half) const { return mHalves[half].next; }
     [[nodiscard]] std::uint32_t GetOrigin(std::uint32_t half) const { return mHalves[half].origin; }
@@ -74,7 +74,7 @@ public:
 private:
     struct Node
     {
-        std::uint32_t first = kNone;
+        std::uint32_t first = None;
         std::uint32_t degree = 0;
         bool isTerminal = false;
     };

@@ -11,7 +11,7 @@ class NetworkBuilder
 {
 public:
     NetworkBuilder(const GraphView& graph, std::span<const std::uint32_t> groups)
-        : mGraph(graph), mGroups(groups), mLocal(graph.GetNodeCount(), Network::kNone)
+        : mGraph(graph), mGroups(groups), mLocal(graph.GetNodeCount(), Network::None)
     {}
 
     bool Collect(std::span<const NodeIndex> terminals);
@@ -34,7 +34,7 @@ private:
 
     const GraphView& mGraph;
     std::span<const std::uint32_t> mGroups;
-    /// Number of each node in the network; kNone for what is left out.
+    /// Number of each node in the network; None for what is left out.
     std::vector<std::uint32_t> mLocal;
     std::vector<std::uint32_t> mReached;
     std::vector<std::uint32_t> mFirstLink;
@@ -47,14 +47,14 @@ bool NetworkBuilder::Collect(std::span<const NodeIndex> terminals)
     mLocal[terminals.front().value] = 0;
     for (std::size_t next = 0; next < mReached.size(); ++next) {
         for (const Arc& arc : mGraph.GetArcs({mReached[next]})) {
-            if (mLocal[arc.target.value] == Network::kNone) {
+            if (mLocal[arc.target.value] == Network::None) {
                 mLocal[arc.target.value] = 0;
                 mReached.push_back(arc.target.value);
             }
         }
     }
     for (const NodeIndex terminal : terminals) {
-        if (mLocal[terminal.value] == Network::kNone)
+        if (mLocal[terminal.value] == Network::None)
             return false;
     }
     return true;
@@ -66,7 +66,7 @@ void NetworkBuilder::Peel(std::span<const NodeIndex> terminals)
     for (const std::uint32_t node : mReached)
         degrees[node] = static_cast<std::uint32_t>(mGraph.GetArcs({node}).size());
     for (const NodeIndex terminal : terminals)
-        degrees[terminal.value] = Network::kNone;
+        degrees[terminal.value] = Network::None;
     std::vector<std::uint32_t> open;
     for (const std::uint32_t node : mReached) {
         if (degrees[node] == 1)
@@ -75,10 +75,10 @@ void NetworkBuilder::Peel(std::span<const NodeIndex> terminals)
     while (!open.empty()) {
         const std::uint32_t node = open.back();
         open.pop_back();
-        mLocal[node] = Network::kNone;
+        mLocal[node] = Network::None;
         for (const Arc& arc : mGraph.GetArcs({node})) {
             const std::uint32_t target = arc.target.value;
-            if (mLocal[target] != Network::kNone && --degrees[target] == 1)
+            if (mLocal[target] != Network::None && --degrees[target] == 1)
                 open.push_back(target);
         }
     }
@@ -88,7 +88,7 @@ std::uint32_t NetworkBuilder::Number()
 {
     std::uint32_t count = 0;
     for (std::uint32_t node = 0; node < mGraph.GetNodeCount(); ++node) {
-        if (mLocal[node] == Network::kNone)
+        if (mLocal[node] == Network::None)
             continue;
         const std::uint32_t group = GetGroup(node);
         mLocal[node] = group == node ? count++ : mLocal[group];
@@ -105,7 +105,7 @@ void NetworkBuilder::SortLinks(std::uint32_t count)
         const Edge& edge = mGraph.GetEdge({index});
         const std::uint32_t end1 = mLocal[edge.end1.value];
         const std::uint32_t end2 = mLocal[edge.end2.value];
-        if (end1 == Network::kNone || end2 == Network::kNone || end1 == end2)
+        if (end1 == Network::None || end2 == Network::None || end1 == end2)
             continue;
         links.emplace_back(std::min(end1, end2), Link{std::max(end1, end2), index});
         ++mFirstLink[std::min(end1, end2) + 1];

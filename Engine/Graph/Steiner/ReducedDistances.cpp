@@ -39,7 +39,7 @@ void Spread(const FlatNetwork& network, const DualAscent& ascent, std::uint32_t 
 
 std::vector<std::uint64_t> GetReducedFromRoot(const FlatNetwork& network, const DualAscent& ascent)
 {
-    std::vector<std::uint64_t> distances(network.GetNodeCount(), kSaturated);
+    std::vector<std::uint64_t> distances(network.GetNodeCount(), Saturated);
     Queue queue;
     distances[ascent.GetRoot()] = 0;
     queue.emplace(0, ascent.GetRoot());
@@ -50,7 +50,7 @@ std::vector<std::uint64_t> GetReducedFromRoot(const FlatNetwork& network, const 
 std::vector<std::uint64_t> GetReducedToTerminal(const FlatNetwork& network,
                                                 const DualAscent& ascent)
 {
-    std::vector<std::uint64_t> distances(network.GetNodeCount(), kSaturated);
+    std::vector<std::uint64_t> distances(network.GetNodeCount(), Saturated);
     Queue queue;
     for (const std::uint32_t terminal : network.GetTerminals()) {
         if (terminal == ascent.GetRoot())

@@ -10,12 +10,12 @@ class DualAscent;
 class FlatNetwork;
 
 /// Answers for each node the reduced weight of the lightest way from the root to it, and
-/// kSaturated where there is none. One run of Dijkstra's algorithm, as below.
+/// Saturated where there is none. One run of Dijkstra's algorithm, as below.
 [[nodiscard]] std::vector<std::uint64_t> GetReducedFromRoot(const FlatNetwork& network,
                                                             const DualAscent& ascent);
 
 /// Answers for each node the reduced weight of the lightest way from it to a terminal that is
-/// not the root, and kSaturated where there is none.
+/// not the root, and Saturated where there is none.
 [[nodiscard]] std::vector<std::uint64_t> GetReducedToTerminal(const FlatNetwork& network,
                                                               const DualAscent& ascent);
 

@@ -6,14 +6,13 @@ namespace qe::graph {
 
 namespace {
 
-constexpr std::uint32_t kNone = 0xFFFFFFFF;
+constexpr std::uint32_t None = 0xFFFFFFFF;
 
 } // namespace
 
 template <std::size_t Words>
 RestBound<Words>::RestBound(const FlatNetwork& network, std::uint32_t root)
-    : mBits(network.GetNodeCount(), kNone), mLast(network.GetNodeCount(), kNone),
-      mNetwork(network)
+    : mBits(network.GetNodeCount(), None), mLast(network.GetNodeCount(), None), mNetwork(network)
 {
     std::uint32_t bit = 0;
     for (const std::uint32_t terminal : network.GetTerminals()) {
@@ -27,7 +26,7 @@ void RestBound<Words>::Raise(std::span<const std::uint32_t> nodes, std::uint64_t
 {
     Set terminals;
     for (const std::uint32_t node : nodes) {
-        if (mBits[node] != kNone)
+        if (mBits[node] != None)
             terminals.Add(mBits[node]);
     }
     const std::uint32_t set = mSets.Intern(terminals);
@@ -35,7 +34,7 @@ void RestBound<Words>::Raise(std::span<const std::uint32_t> nodes, std::uint64_t
     mPrices[set] += price;
     for (const std::uint32_t node : nodes) {
         const std::uint32_t last = mLast[node];
-        if (last != kNone && mRaised[last].set == set) {
+        if (last != None && mRaised[last].set == set) {
             mRaised[last].price += price;
             continue;
         }

@@ -31,7 +31,7 @@ public:
     /// Packs what was raised for the search; needs the reduced weights of the finished ascent.
     void Finish(const DualAscent& ascent);
 
-    /// Answers the number of a terminal that is not the root, else kNone.
+    /// Answers the number of a terminal that is not the root, else None.
     [[nodiscard]] std::uint32_t GetBit(std::uint32_t node) const { return mBits[node]; }
 
     /// Answers what the terminals that are not in the set demand, wherever the node lies.

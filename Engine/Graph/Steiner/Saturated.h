@@ -7,17 +7,17 @@
 namespace qe::graph {
 
 /// The count that stands for "this many or more", and the weight that stands for "not reached".
-inline constexpr std::uint64_t kSaturated = std::numeric_limits<std::uint64_t>::max();
+inline constexpr std::uint64_t Saturated = std::numeric_limits<std::uint64_t>::max();
 
 [[nodiscard]] inline std::uint64_t SaturatingAdd(std::uint64_t left, std::uint64_t right)
 {
-    return left > kSaturated - right ? kSaturated : left + right;
+    return left > Saturated - right ? Saturated : left + right;
 }
 
 [[nodiscard]] inline std::uint64_t SaturatingMultiply(std::uint64_t left, std::uint64_t right)
 {
     std::uint64_t product = 0;
-    return __builtin_mul_overflow(left, right, &product) ? kSaturated : product;
+    return __builtin_mul_overflow(left, right, &product) ? Saturated : product;
 }
 
 } // namespace qe::graph

@@ -18,7 +18,7 @@ namespace {
 
 /// Trees with edges of weight 0 are counted one by one, so their count stops this far beyond
 /// those that are listed.
-constexpr std::uint64_t kCountedBeyondList = 100000;
+constexpr std::uint64_t CountedBeyondList = 100000;
 
 /// A network that still is to be searched, and a weight that some tree of it does not exceed.
 struct OpenNetwork
@@ -32,8 +32,11 @@ class SteinerSolver
 public:
     SteinerSolver(const GraphView& graph, std::vector<NodeIndex> terminals,
                   const SteinerLimits& limits)
-        : mGraph(graph), mTerminals(std::move(terminals)), mLimits(limits),
-          mBudget(limits.time, limits.memory), mFamily(mStrands)
+        : mGraph(graph),
+          mTerminals(std::move(terminals)),
+          mLimits(limits),
+          mBudget(limits.time, limits.memory),
+          mFamily(mStrands)
     {}
 
     SteinerResult Solve();
@@ -63,7 +66,7 @@ SteinerResult SteinerSolver::Solve()
     if (!network)
         return mResult;
     mResult.connected = true;
-    mOpen.push_back({std::move(*network), kSaturated});
+    mOpen.push_back({std::move(*network), Saturated});
     while (!mOpen.empty()) {
         OpenNetwork open = std::move(mOpen.back());
         mOpen.pop_back();
@@ -89,7 +92,7 @@ void SteinerSolver::Reduce(OpenNetwork open)
     const std::uint64_t fixedWeight = network.GetFixedWeight() - weightBefore;
     mResult.weight += fixedWeight;
     mResult.lowerBound += fixedWeight;
-    if (open.knownWeight != kSaturated)
+    if (open.knownWeight != Saturated)
         open.knownWeight -= fixedWeight;
     if (network.GetTerminalCount() <= 1)
         return;
@@ -99,7 +102,7 @@ void SteinerSolver::Reduce(OpenNetwork open)
         return;
     }
     for (std::size_t block = blocks.size(); block-- > 0;)
-        mOpen.push_back({std::move(blocks[block]), kSaturated});
+        mOpen.push_back({std::move(blocks[block]), Saturated});
 }
 
 void SteinerSolver::SearchBlock(OpenNetwork open)
@@ -124,7 +127,7 @@ void SteinerSolver::SearchBlock(OpenNetwork open)
 void SteinerSolver::ListTrees()
 {
     mResult.count = mFamily.GetCount();
-    if (mResult.count == kSaturated)
+    if (mResult.count == Saturated)
         mResult.countProof = ECount::AtLeast;
     const std::uint64_t listed = std::min<std::uint64_t>(mResult.count, mLimits.maximumTrees);
     for (std::uint64_t rank = 0; rank < listed; ++rank) {
@@ -137,7 +140,7 @@ void SteinerSolver::ListTrees()
 /// Lists every tree over the groups with every way to run through the groups.
 void SteinerSolver::ListTreesThrough(ZeroGroups& zeroGroups)
 {
-    const std::uint64_t most = mLimits.maximumTrees + kCountedBeyondList;
+    const std::uint64_t most = mLimits.maximumTrees + CountedBeyondList;
     const auto take = [this, most](const std::vector<EdgeIndex>& tree) {
         if (mResult.trees.size() < mLimits.maximumTrees)
             mResult.trees.push_back(tree);

@@ -12,7 +12,11 @@ template <std::size_t Words>
 SubsetProgramme<Words>::SubsetProgramme(const FlatNetwork& network, std::uint32_t root,
                                         const RestBound<Words>& bound, std::uint64_t knownWeight,
                                         Budget& budget)
-    : mNetwork(network), mRest(bound), mBudget(budget), mRoot(root), mLimit(knownWeight),
+    : mNetwork(network),
+      mRest(bound),
+      mBudget(budget),
+      mRoot(root),
+      mLimit(knownWeight),
       mSettledAt(network.GetNodeCount())
 {
     for (const std::uint32_t terminal : network.GetTerminals()) {
@@ -56,7 +60,7 @@ std::uint32_t SubsetProgramme<Words>::Intern(const Set& set)
 {
     const std::uint32_t number = mSets.Intern(set);
     if (number == mSetInfos.size())
-        mSetInfos.push_back({mRest.GetSetPart(set), kSaturated});
+        mSetInfos.push_back({mRest.GetSetPart(set), Saturated});
     return number;
 }
 
@@ -67,7 +71,7 @@ void SubsetProgramme<Words>::Offer(std::uint32_t node, std::uint32_t set, std::u
     if (weight > info.cap || weight + info.rest > mLimit)
         return;
     std::uint32_t number = mLabels.Find(node, set);
-    if (number != LabelTable::kNone) {
+    if (number != LabelTable::None) {
         Label& label = mLabels.Get(number);
         if (label.isSettled || weight >= label.weight)
             return;
@@ -132,14 +136,14 @@ template <std::size_t Words>
 std::uint32_t SubsetProgramme<Words>::FindSettled(std::uint32_t node, const Set& set) const
 {
     const std::uint32_t number = mSets.Find(set);
-    return number == SetTable<Words>::kNone ? LabelTable::kNone : FindSettled(node, number);
+    return number == SetTable<Words>::None ? LabelTable::None : FindSettled(node, number);
 }
 
 template <std::size_t Words>
 std::uint32_t SubsetProgramme<Words>::FindSettled(std::uint32_t node, std::uint32_t set) const
 {
     const std::uint32_t label = mLabels.Find(node, set);
-    return label != LabelTable::kNone && mLabels.Get(label).isSettled ? label : LabelTable::kNone;
+    return label != LabelTable::None && mLabels.Get(label).isSettled ? label : LabelTable::None;
 }
 
 template class SubsetProgramme<1>;

@@ -56,7 +56,7 @@ public:
     [[nodiscard]] std::uint32_t GetBit(std::uint32_t node) const { return mRest.GetBit(node); }
     [[nodiscard]] const LabelTable& GetLabels() const { return mLabels; }
     [[nodiscard]] const Set& GetSet(std::uint32_t number) const { return mSets.Get(number); }
-    /// Answers the settled label of the node and set, or LabelTable::kNone.
+    /// Answers the settled label of the node and set, or LabelTable::None.
     [[nodiscard]] std::uint32_t FindSettled(std::uint32_t node, const Set& set) const;
     [[nodiscard]] std::uint32_t FindSettled(std::uint32_t node, std::uint32_t set) const;
     /// Answers the settled labels of the node.

@@ -14,7 +14,7 @@ struct TerminalSet
 {
     std::array<std::uint64_t, Words> words{};
 
-    static constexpr std::uint32_t kCapacity = 64 * Words;
+    static constexpr std::uint32_t Capacity = 64 * Words;
 
     [[nodiscard]] static TerminalSet Single(std::uint32_t bit)
     {

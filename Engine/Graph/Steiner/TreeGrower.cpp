@@ -8,10 +8,14 @@
 namespace qe::graph {
 
 TreeGrower::TreeGrower(const FlatNetwork& network)
-    : mNetwork(network), mDistances(network.GetNodeCount(), kSaturated),
-      mEntries(network.GetNodeCount()), mWishes(network.GetNodeCount()),
-      mIsInTree(network.GetNodeCount()), mIsKept(network.GetEdgeCount()),
-      mParts(network.GetNodeCount()), mDegrees(network.GetNodeCount())
+    : mNetwork(network),
+      mDistances(network.GetNodeCount(), Saturated),
+      mEntries(network.GetNodeCount()),
+      mWishes(network.GetNodeCount()),
+      mIsInTree(network.GetNodeCount()),
+      mIsKept(network.GetEdgeCount()),
+      mParts(network.GetNodeCount()),
+      mDegrees(network.GetNodeCount())
 {
     for (const std::uint32_t terminal : network.GetTerminals())
         mWishes[terminal] = 1;
@@ -67,7 +71,7 @@ void TreeGrower::Connect(std::uint32_t start, std::span<const std::uint8_t> isUs
 
 void TreeGrower::Push(std::uint64_t distance, std::uint32_t node, std::uint32_t entry)
 {
-    if (mDistances[node] == kSaturated)
+    if (mDistances[node] == Saturated)
         mTouched.push_back(node);
     mDistances[node] = distance;
     mEntries[node] = entry;
@@ -121,7 +125,7 @@ void TreeGrower::Absorb(std::uint32_t node)
 void TreeGrower::Reset()
 {
     for (const std::uint32_t node : mTouched) {
-        mDistances[node] = kSaturated;
+        mDistances[node] = Saturated;
         mIsInTree[node] = 0;
     }
     mTouched.clear();
