@@ -1,5 +1,5 @@
 #include "Engine/Graph/Steiner/SteinerSolver.h"
-#include "Graph/SmallGraph.h"
+#include "Tests/Graph/SmallGraph.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
