@@ -3,12 +3,15 @@
 #include "AQE_JoinCache.h"
 #include "AQE_RequestContext.h"
 #include "JoinReader.h"
+#include "Refiner.h"
 #include "TypedLookup.h"
 #include "amdi_filter.h"
 #include "amdi_shortcut.h"
 #include "amdi_specFilter.h"
 
 #include <set>
+
+template class AUT_RefPtr<AQE_I_Refiner>;
 
 namespace {
 
@@ -32,6 +35,16 @@ bool ReadFilter(amdi_gateway* gateway, IdClass kind, AQE_I_Refiner::QEFilterInfo
 } // namespace
 
 AQE_I_Refiner::~AQE_I_Refiner() = default;
+
+AUT_RefPtr<AQE_I_Refiner> AQE_I_Refiner::Create(amdi_gateway* gateway,
+                                                AQE_I_PathSelector* pathSelector,
+                                                AQE_Governors* governors,
+                                                AQE_RequestContext* requestContext,
+                                                bool useFactTableCount, bool useStraightestPath)
+{
+    return AUT_RefPtr<AQE_I_Refiner>(new AQE_Refiner(
+        gateway, pathSelector, governors, requestContext, useFactTableCount, useStraightestPath));
+}
 
 bool AQE_I_Refiner::GetJoinInfo(amdi_gateway* gateway, AQE_RequestContext* context,
                                 const amd_id& joinId, QEjoinInfo& info)
