@@ -1,7 +1,5 @@
 #include "Engine/Model/ChainWalk.h"
 
-#include "Engine/Model/DraftRules.h"
-
 #include <limits>
 
 namespace qe::model {

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <map>
+#include <string>
 #include <utility>
 
 namespace qe::model {
@@ -49,6 +50,8 @@ private:
     void PlaceContainers();
     /// Finds the holders and namespaces of all other objects.
     void PlaceObjects();
+    /// Refuses the holder that was found for a draft when objects of that class hold no such.
+    void CheckHolder(std::size_t position, const ObjectTable& table);
     /// Finds ends and targets.
     void FollowReferences();
     [[nodiscard]] ObjectTable MakeTable() const;
@@ -123,7 +126,24 @@ void DraftCompiler::PlaceContainers()
         lastRound = placed.empty();
         open.swap(left);
     }
+    const ObjectTable table = MakeTable();
+    for (std::size_t i = 0; i < mDrafts.size(); ++i)
+        CheckHolder(i, table);
     BreakHolderCircles(mDrafts, MakeTable(), mProblems);
+}
+
+void DraftCompiler::CheckHolder(std::size_t position, const ObjectTable& table)
+{
+    ObjectDraft& draft = mDrafts[position];
+    const amd_id holder = draft.record.parent;
+    const bool fits = draft.classCode == IdClassQueryItem ? holder.classCode == IdClassQuerySubject
+                                                          : IsContainerClass(holder.classCode);
+    if (holder == amd_id() || fits)
+        return;
+    mProblems.Add(position, EAspect::Parent,
+                  "cannot be held by the " + std::string(ClassTitle(holder.classCode)) + " \"" +
+                      table.Find(holder)->name + '"');
+    draft.record.parent = {};
 }
 
 void DraftCompiler::PlaceObjects()
@@ -135,6 +155,7 @@ void DraftCompiler::PlaceObjects()
         if (!IsContainerClass(draft.classCode) && draft.classCode != IdClassQueryItem) {
             draft.record.parent =
                 finder.Find(i, draft, draft.holder, {EAspect::Parent, {EFamily::Container}});
+            CheckHolder(i, containers);
         }
         draft.record.space = SpaceAround(containers, draft.record.parent);
     }
@@ -144,11 +165,12 @@ void DraftCompiler::PlaceObjects()
         ObjectDraft& draft = mDrafts[i];
         if (draft.classCode != IdClassQueryItem)
             continue;
+        if (draft.holder.IsEmpty())
+            mProblems.Add(i, EAspect::Parent, "has no holder");
         draft.record.parent =
             subjectFinder.Find(i, draft, draft.holder, {EAspect::Parent, {EFamily::Subject}});
-        if (draft.record.parent.classCode != IdClassQuerySubject)
-            mProblems.Add(i, EAspect::Parent, "is not held by a query subject");
-        else if (const ObjectRecord* subject = subjects.Find(draft.record.parent))
+        CheckHolder(i, subjects);
+        if (const ObjectRecord* subject = subjects.Find(draft.record.parent))
             draft.record.space = subject->space;
     }
 }

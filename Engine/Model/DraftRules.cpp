@@ -64,12 +64,13 @@ void CheckEnd(std::size_t position, EAspect aspect, const amd_id& end, const Obj
         return;
     }
     // A chain without end is told where the chain is.
-    const amd_id target = table.GetTarget(end);
-    if (target != amd_id() && target.classCode != IdClassQuerySubject) {
+    const ObjectRecord* target = table.Find(table.GetTarget(end));
+    if (target != nullptr && target->id.classCode != IdClassQuerySubject) {
         problems.Add(position, aspect,
                      "has a " + title + " that does not lead to a query subject: shortcut \"" +
-                         object->name + "\" stands for a " +
-                         std::string(ClassTitle(target.classCode)));
+                         object->name + "\" stands for " +
+                         std::string(ClassTitle(target->id.classCode)) + " \"" + target->name +
+                         '"');
     }
 }
 
@@ -113,8 +114,9 @@ void BreakHolderCircles(std::vector<ObjectDraft>& drafts, const ObjectTable& tab
         if (!IsContainerClass(drafts[i].classCode) || chain == EChain::Ends)
             continue;
         problems.Add(i, EAspect::Parent,
-                     chain == EChain::Circle ? "has holders that run in a circle"
-                                             : "lies too deep: more than 1000 holders");
+                     chain == EChain::Circle
+                         ? "has holders that run in a circle"
+                         : "lies too deep: more than " + std::to_string(MaximumChain) + " holders");
         drafts[i].record.parent = {};
     }
 }
@@ -164,7 +166,9 @@ void CheckTargets(const std::vector<ObjectDraft>& drafts, const ObjectTable& tab
         if (chain == EChain::Circle)
             problems.Add(i, EAspect::Target, "has a chain of shortcuts that runs in a circle");
         else if (chain == EChain::TooLong)
-            problems.Add(i, EAspect::Target, "stands behind a chain of more than 1000 shortcuts");
+            problems.Add(i, EAspect::Target,
+                         "stands behind a chain of more than " + std::to_string(MaximumChain) +
+                             " shortcuts");
     }
 }
 

@@ -11,9 +11,6 @@ namespace qe::model {
 
 /// What no model may break. Each check tells its problems and goes on.
 
-/// Chains of holders, of shortcuts and of relationship shortcuts are never longer than this.
-inline constexpr std::size_t MaximumChain = 1000;
-
 /// Refuses empty names.
 void CheckNames(const std::vector<ObjectDraft>& drafts, ProblemList& problems);
 

@@ -66,7 +66,8 @@ public:
     /// Finds objects by a name as people write it, in id order. The last part is the object's own
     /// name, the parts before it name holders of it, from outer to inner; any holder may be left
     /// out. An item is also reached through the shortcuts to its query subject. Objects that match
-    /// letter by letter rule out those that match only when letter case is put aside.
+    /// letter by letter rule out those that match only when letter case is put aside; then an
+    /// object whose qualified name this is rules out those of which it leaves holders out.
     [[nodiscard]] std::vector<amd_id> FindByName(EFamily family, const QualifiedName& name) const;
     /// Reads the name with ParseQualifiedName. A name with dots in it is found without brackets
     /// too.

@@ -3,13 +3,11 @@
 #include "Engine/Model/NearestNames.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace qe::model {
 
 namespace {
-
-/// Holders deeper than this are not looked at, so that a circle of holders ends the walk.
-constexpr int MaximumHolders = 1000;
 
 amd_id ScopeOf(const ObjectRecord& record)
 {
@@ -21,6 +19,20 @@ amd_id ScopeOf(const ObjectRecord& record)
     default:
         return record.space;
     }
+}
+
+bool SameName(const std::string& left, const std::string& right, NameLookup::ECase letterCase)
+{
+    return letterCase == NameLookup::ECase::Exact ? left == right
+                                                  : FoldCase(left) == FoldCase(right);
+}
+
+bool SameNames(const QualifiedName& left, const QualifiedName& right, NameLookup::ECase letterCase)
+{
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [letterCase](const std::string& one, const std::string& other) {
+                          return SameName(one, other, letterCase);
+                      });
 }
 
 } // namespace
@@ -44,7 +56,16 @@ amd_id NameLookup::FindExact(EFamily family, const amd_id& scope, std::string_vi
 std::vector<amd_id> NameLookup::Match(EFamily family, const QualifiedName& name) const
 {
     std::vector<amd_id> found = Match(family, name, ECase::Exact);
-    return found.empty() ? Match(family, name, ECase::Folded) : found;
+    ECase letterCase = ECase::Exact;
+    if (found.empty()) {
+        found = Match(family, name, ECase::Folded);
+        letterCase = ECase::Folded;
+    }
+    std::vector<amd_id> complete;
+    std::copy_if(found.begin(), found.end(), std::back_inserter(complete), [&](const amd_id& id) {
+        return SameNames(GetQualifiedName(id), name, letterCase);
+    });
+    return complete.empty() ? found : complete;
 }
 
 std::vector<amd_id> NameLookup::Match(EFamily family, const QualifiedName& name,
@@ -85,13 +106,12 @@ bool NameLookup::HoldersMatch(const amd_id& id, const QualifiedName& name, ECase
 {
     std::size_t open = name.size() - 1;
     const ObjectRecord* object = mTable->Find(id);
-    for (int depth = 0; open > 0 && object != nullptr && depth < MaximumHolders; ++depth) {
+    for (std::size_t depth = 0; open > 0 && object != nullptr && depth <= MaximumChain; ++depth) {
         object = mTable->Find(object->parent);
         if (object == nullptr)
             break;
         const std::string& wanted = name[open - 1];
-        if (letterCase == ECase::Exact ? object->name == wanted
-                                       : FoldCase(object->name) == FoldCase(wanted))
+        if (SameName(object->name, wanted, letterCase))
             --open;
     }
     return open == 0;
@@ -117,7 +137,7 @@ QualifiedName NameLookup::GetQualifiedName(const amd_id& id) const
 {
     QualifiedName name;
     const ObjectRecord* object = mTable->Find(id);
-    for (int depth = 0; object != nullptr && depth < MaximumHolders; ++depth) {
+    for (std::size_t depth = 0; object != nullptr && depth <= MaximumChain; ++depth) {
         name.push_back(object->name);
         const bool bySpace =
             !IsContainerClass(object->id.classCode) && object->id.classCode != IdClassQueryItem;

@@ -18,6 +18,12 @@ namespace qe::model {
 class NameLookup
 {
 public:
+    enum class ECase : std::uint8_t
+    {
+        Exact,
+        Folded,
+    };
+
     explicit NameLookup(const ObjectTable& table);
 
     /// See Model::FindExact.
@@ -36,12 +42,6 @@ public:
     [[nodiscard]] QualifiedName GetQualifiedName(const amd_id& id) const;
 
 private:
-    enum class ECase : std::uint8_t
-    {
-        Exact,
-        Folded,
-    };
-
     [[nodiscard]] const NameIndex& IndexOf(EFamily family) const
     {
         return mIndexes[static_cast<std::size_t>(family)];

@@ -11,8 +11,8 @@
 namespace qe::model {
 
 /// Names another object of the model: by its id, or by name as people write it ("Orders",
-/// "Sales.Orders"). Of several objects that a name fits, the one in the namespace of the object
-/// that refers to it is meant. The default reference names nothing.
+/// "Sales.Orders"; see Model::FindByName). Of several objects that a name fits, the one in the
+/// namespace of the object that refers to it is meant. The default reference names nothing.
 class Reference
 {
 public:

@@ -23,8 +23,7 @@ const ObjectRecord* ObjectTable::Find(const amd_id& id) const
 amd_id ObjectTable::GetTarget(const amd_id& id) const
 {
     const ObjectRecord* record = Find(id);
-    // A chain longer than the table has met some object twice.
-    for (std::size_t steps = 0; record != nullptr && steps <= mRecords.size(); ++steps) {
+    for (std::size_t steps = 0; record != nullptr && steps <= MaximumChain; ++steps) {
         if (record->id.classCode != IdClassShortcut &&
             record->id.classCode != IdClassRelationshipShortcut)
             return record->id;

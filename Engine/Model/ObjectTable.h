@@ -4,10 +4,15 @@
 #include "ObjectRecord.h"
 #include "QEENGINE_EXPORT.h"
 
+#include <cstddef>
 #include <span>
 #include <vector>
 
 namespace qe::model {
+
+/// An object has at most this many holders around it, and as many shortcuts before what it stands
+/// for.
+inline constexpr std::size_t MaximumChain = 100;
 
 /// The records of a model in ascending order of their ids.
 class QEENGINE_EXPORT ObjectTable
@@ -22,7 +27,8 @@ public:
     [[nodiscard]] std::span<const ObjectRecord> GetRecords() const { return mRecords; }
 
     /// Gives the object that `id` finally stands for: follows shortcuts and relationship
-    /// shortcuts to their end. Gives the empty id when the chain breaks or never ends.
+    /// shortcuts to their end. Gives the empty id when the chain breaks or is longer
+    /// than MaximumChain.
     [[nodiscard]] amd_id GetTarget(const amd_id& id) const;
 
 private:

@@ -1,0 +1,295 @@
+#include "Engine/Model/ModelBuilder.h"
+
+#include "Engine/Model/Model.h"
+#include "Engine/Model/ModelError.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <random>
+#include <set>
+
+namespace qe::model {
+namespace {
+
+using testing::ElementsAre;
+
+/// A namespace "S" with the query subjects A and B, the item A.I and the relationship "r".
+class ModelBuilderTest : public testing::Test
+{
+protected:
+    ModelBuilder mBuilder;
+    amd_id mSpace = mBuilder.AddNamespace("S");
+    amd_id mA = mBuilder.AddQuerySubject(mSpace, "A");
+    amd_id mB = mBuilder.AddQuerySubject(mSpace, "B");
+    amd_id mItem = mBuilder.AddItem(mA, "I");
+    amd_id mRelationship = mBuilder.AddRelationship(mSpace, "r", {mA, OneToMany}, {mB});
+};
+
+TEST_F(ModelBuilderTest, NumbersEachClassInOrderAroundTakenIds)
+{
+    mBuilder.Reserve(amd_id(0, IdClassQuerySubject, 4));
+    EXPECT_EQ(mBuilder.AddQuerySubject(mSpace, "C"), amd_id(0, IdClassQuerySubject, 3));
+    EXPECT_EQ(mBuilder.AddQuerySubject(mSpace, "D"), amd_id(0, IdClassQuerySubject, 5));
+    const amd_id given(-3, IdClassQuerySubject, 6);
+    EXPECT_EQ(mBuilder.AddQuerySubject(mSpace, "E", {.id = given}), given);
+    EXPECT_EQ(mBuilder.AddQuerySubject(mSpace, "F"), amd_id(0, IdClassQuerySubject, 6));
+    EXPECT_THAT(mBuilder.Build()->GetIds(IdClassQuerySubject),
+                ElementsAre(given, mA, mB, amd_id(0, IdClassQuerySubject, 3),
+                            amd_id(0, IdClassQuerySubject, 5), amd_id(0, IdClassQuerySubject, 6)));
+}
+
+TEST_F(ModelBuilderTest, FollowsNamesToObjectsAddedLater)
+{
+    // "A" alone means the A of the namespace of the object that says it; a shortcut never means
+    // itself; holders may be named before they are added.
+    const amd_id join = mBuilder.AddRelationship("T.Deep.Deeper", "s", {"A"}, {"S.A"});
+    const amd_id item = mBuilder.AddItem("Own.Name", "J");
+    mBuilder.AddFolder("T.Deep", "Deeper");
+    mBuilder.AddFolder("T", "Deep");
+    const amd_id other = mBuilder.AddNamespace("T");
+    const amd_id shortcut = mBuilder.AddShortcut(other, "A", {"A"});
+    const amd_id named = mBuilder.AddQuerySubject(other, "Own.Name");
+    const amd_id relationshipShortcut =
+        mBuilder.AddRelationshipShortcut(other, "r", {"S.r", "T.A", "B"});
+
+    const auto model = mBuilder.Build();
+    EXPECT_EQ(model->Find(join)->left, shortcut);
+    EXPECT_EQ(model->Find(join)->right, mA);
+    EXPECT_EQ(model->Find(join)->space, other);
+    EXPECT_EQ(model->Find(item)->parent, named);
+    EXPECT_EQ(model->Find(item)->space, other);
+    EXPECT_EQ(model->GetTarget(shortcut), mA);
+    EXPECT_EQ(model->GetTarget(relationshipShortcut), mRelationship);
+    EXPECT_EQ(model->Find(relationshipShortcut)->right, mB);
+}
+
+TEST_F(ModelBuilderTest, BuildsAgainAfterMoreWasAdded)
+{
+    const auto first = mBuilder.Build();
+    const amd_id wrong = mBuilder.AddFolder("X", "Holder is missing");
+    EXPECT_THROW(static_cast<void>(mBuilder.Build()), ModelError);
+    mBuilder.AddNamespace("X");
+    EXPECT_NE(mBuilder.Build()->Find(wrong), nullptr);
+    EXPECT_EQ(first->Find(wrong), nullptr);
+}
+
+/// What one mistake on top of the fixture's model is told as.
+struct Refusal
+{
+    const char* what;
+    void (*mistake)(ModelBuilder&);
+    EAspect aspect;
+    const char* text;
+};
+
+const amd_id Space(0, IdClassNamespace, 1);
+const amd_id SubjectA(0, IdClassQuerySubject, 1);
+
+const Refusal Refusals[] = {
+    {"id of another class",
+     [](ModelBuilder& b) { b.AddFolder(Space, "F", {.id = amd_id(0, IdClassFilter, 1)}); },
+     EAspect::Id, "folder \"F\" cannot have the id 114:1: its class is 99, its number not 0"},
+    {"id without number",
+     [](ModelBuilder& b) { b.AddFolder(Space, "F", {.id = amd_id(1, IdClassFolder, 0)}); },
+     EAspect::Id, "folder \"F\" cannot have the id 99:0: its class is 99, its number not 0"},
+    {"id twice", [](ModelBuilder& b) { b.AddQuerySubject(Space, "C", {.id = SubjectA}); },
+     EAspect::Id, "query subject \"C\" has the id 100:1 of another object, \"A\""},
+    {"no name", [](ModelBuilder& b) { b.AddFolder(Space, ""); }, EAspect::Name,
+     "folder 99:1 has no name"},
+    {"query subject and shortcut of one name",
+     [](ModelBuilder& b) { b.AddShortcut(Space, "A", {"B"}); }, EAspect::Name,
+     "shortcut \"A\" has the name of another object beside it: query subject 100:1"},
+    {"folders do not keep subjects of one name apart",
+     [](ModelBuilder& b) { b.AddQuerySubject(b.AddFolder(Space, "F"), "A"); }, EAspect::Name,
+     "query subject \"A\" has the name of another object beside it: query subject 100:1"},
+    {"item twice", [](ModelBuilder& b) { b.AddItem("A", "I"); }, EAspect::Name,
+     "item \"I\" has the name of another object beside it: item 101:1"},
+    {"namespace twice, one inside the other", [](ModelBuilder& b) { b.AddNamespace(Space, "S"); },
+     EAspect::Name, "namespace \"S\" has the name of another object beside it: namespace 800001:1"},
+    {"unknown holder", [](ModelBuilder& b) { b.AddQuerySubject("Z", "C"); }, EAspect::Parent,
+     "query subject \"C\" has a holder that is not in the model: \"Z\"; nearest: S"},
+    {"holder that holds itself",
+     [](ModelBuilder& b) { b.AddFolder(amd_id(0, IdClassFolder, 1), "F"); }, EAspect::Parent,
+     "folder \"F\" has holders that run in a circle"},
+    {"query subject as holder", [](ModelBuilder& b) { b.AddFolder(SubjectA, "F"); },
+     EAspect::Parent, "folder \"F\" cannot be held by the query subject \"A\""},
+    {"item of a shortcut",
+     [](ModelBuilder& b) { b.AddItem(b.AddShortcut(Space, "C", {"A"}), "J"); }, EAspect::Parent,
+     "item \"J\" cannot be held by the shortcut \"C\""},
+    {"item of nothing", [](ModelBuilder& b) { b.AddItem(Top, "J"); }, EAspect::Parent,
+     "item \"J\" has no holder"},
+    {"no target", [](ModelBuilder& b) { b.AddShortcut(Space, "C", {}); }, EAspect::Target,
+     "shortcut \"C\" has no target"},
+    {"unknown target",
+     [](ModelBuilder& b) { b.AddShortcut(Space, "C", {amd_id(0, IdClassQuerySubject, 99)}); },
+     EAspect::Target, "shortcut \"C\" has a target that is not in the model: 100:99"},
+    {"shortcut to itself",
+     [](ModelBuilder& b) { b.AddShortcut(Space, "C", {amd_id(0, IdClassShortcut, 1)}); },
+     EAspect::Target, "shortcut \"C\" has a chain of shortcuts that runs in a circle"},
+    {"relationship shortcut to itself",
+     [](ModelBuilder& b) {
+         b.AddRelationshipShortcut(Space, "t",
+                                   {amd_id(0, IdClassRelationshipShortcut, 1), "A", "B"});
+     },
+     EAspect::Target, "relationship shortcut \"t\" has a chain of shortcuts that runs in a circle"},
+    {"relationship shortcut to class 136",
+     [](ModelBuilder& b) {
+         b.AddRelationship136(Space, "q", {"A"}, {"B"});
+         b.AddRelationshipShortcut(Space, "t", {"q", "A", "B"});
+     },
+     EAspect::Target,
+     "relationship shortcut \"t\" must stand for a relationship of class 102 or a relationship "
+     "shortcut, not for 136:1"},
+    {"no end", [](ModelBuilder& b) { b.AddSpecJoin("t", {"A"}, {}); }, EAspect::RightEnd,
+     "join of the query \"t\" has no right end"},
+    {"unknown end, letter case aside",
+     [](ModelBuilder& b) { b.AddRelationship(Space, "t", {"a"}, {"s.bb"}); }, EAspect::RightEnd,
+     "relationship \"t\" has a right end that is not in the model: \"s.bb\"; nearest: S.B"},
+    {"end that is a folder",
+     [](ModelBuilder& b) { b.AddRelationship136(Space, "t", {Space}, {"B"}); }, EAspect::LeftEnd,
+     "relationship \"t\" has a left end that is neither query subject nor shortcut: namespace "
+     "\"S\""},
+    {"end that leads to an item",
+     [](ModelBuilder& b) {
+         b.AddShortcut(Space, "C", {"A.I"});
+         b.AddSpecJoin("t", {"C"}, {"B"});
+     },
+     EAspect::LeftEnd,
+     "join of the query \"t\" has a left end that does not lead to a query subject: shortcut "
+     "\"C\" stands for item \"I\""},
+    {"end that can mean two subjects",
+     [](ModelBuilder& b) {
+         b.AddQuerySubject(b.AddNamespace("T"), "A");
+         b.AddSpecJoin("t", {"A"}, {"B"});
+     },
+     EAspect::LeftEnd,
+     "join of the query \"t\" has a left end that can mean several objects: \"A\"; nearest: S.A, "
+     "T.A"},
+    {"unknown bound",
+     [](ModelBuilder& b) {
+         b.AddRelationship(Space, "t", {"A", {10, 13}}, {"B"});
+     },
+     EAspect::LeftCardinality,
+     "relationship \"t\" has a cardinality at its left end that is no range"},
+    {"bounds the wrong way round",
+     [](ModelBuilder& b) {
+         b.AddSpecJoin("t", {"A"}, {"B", {12, 11}});
+     },
+     EAspect::RightCardinality,
+     "join of the query \"t\" has a cardinality at its right end that is no range"},
+};
+
+TEST(ModelBuilderRefusalTest, TellsEachMistake)
+{
+    for (const Refusal& refusal : Refusals) {
+        SCOPED_TRACE(refusal.what);
+        ModelBuilder builder;
+        const amd_id space = builder.AddNamespace("S");
+        builder.AddItem(builder.AddQuerySubject(space, "A"), "I");
+        builder.AddQuerySubject(space, "B");
+        refusal.mistake(builder);
+        try {
+            static_cast<void>(builder.Build());
+            ADD_FAILURE() << "was built";
+        } catch (const ModelError& error) {
+            EXPECT_STREQ(error.what(), refusal.text);
+            EXPECT_EQ(error.GetProblems().front().aspect, refusal.aspect);
+        }
+    }
+}
+
+TEST_F(ModelBuilderTest, TellsAllMistakesInTheOrderOfTheObjects)
+{
+    mBuilder.AddRelationship(mSpace, "t", {"X"}, {"Y", {3, 4}}, "", {.tag = 7});
+    mBuilder.AddShortcut(mSpace, "", {"X"}, {.tag = 8});
+    try {
+        static_cast<void>(mBuilder.Build());
+        FAIL() << "was built";
+    } catch (const ModelError& error) {
+        std::vector<std::pair<std::int64_t, EAspect>> told;
+        for (const ModelProblem& problem : error.GetProblems())
+            told.emplace_back(problem.tag, problem.aspect);
+        EXPECT_THAT(told,
+                    ElementsAre(std::pair(7, EAspect::LeftEnd), std::pair(7, EAspect::RightEnd),
+                                std::pair(7, EAspect::RightCardinality),
+                                std::pair(8, EAspect::Name), std::pair(8, EAspect::Target)));
+        EXPECT_EQ(error.GetProblems().back().object, 6U);
+    }
+}
+
+TEST_F(ModelBuilderTest, LimitsTheLengthOfChains)
+{
+    amd_id folder = mSpace;
+    amd_id shortcut = mA;
+    for (int i = 1; i <= 100; ++i) {
+        folder = mBuilder.AddFolder(folder, "F");
+        shortcut = mBuilder.AddShortcut(folder, "C" + std::to_string(i), {shortcut});
+    }
+    EXPECT_EQ(mBuilder.Build()->GetTarget(shortcut), mA);
+    mBuilder.AddFolder(folder, "F");
+    mBuilder.AddShortcut(folder, "C", {shortcut});
+    EXPECT_THROW(static_cast<void>(mBuilder.Build()), ModelError);
+}
+
+/// Follows `next` from the object; false when that does not end within the size of the model.
+bool ChainEnds(const Model& model, amd_id id, amd_id ObjectRecord::*next)
+{
+    std::set<amd_id> seen;
+    for (const ObjectRecord* record = model.Find(id); record != nullptr;
+         record = model.Find(record->*next)) {
+        if (!seen.insert(record->id).second)
+            return false;
+    }
+    return true;
+}
+
+TEST(ModelBuilderPropertyTest, WhatIsBuiltHasNoCirclesAndOnlySoundEnds)
+{
+    std::mt19937 random(4711);
+    int built = 0;
+    for (int round = 0; round < 1000; ++round) {
+        ModelBuilder builder;
+        const auto any = [&](std::int32_t classCode) {
+            return Reference(amd_id(0, classCode, static_cast<std::int32_t>(1 + random() % 3)));
+        };
+        const auto subject = [&] {
+            return any(random() % 3 != 0 ? IdClassQuerySubject : IdClassShortcut);
+        };
+        for (int i = 0; i < 3; ++i) {
+            const std::string name(1, static_cast<char>('a' + i));
+            const auto holder = [&] {
+                return i == 0 || random() % 4 == 0 ? Top : any(IdClassFolder);
+            };
+            builder.AddFolder(random() % 9 == 0 ? any(IdClassFolder) : holder(), name);
+            builder.AddQuerySubject(holder(), name);
+            builder.AddShortcut(holder(), name + name, {subject()});
+            builder.AddRelationship(holder(), name, {subject()}, {subject()});
+            builder.AddRelationshipShortcut(
+                holder(), name,
+                {any(random() % 2 == 0 ? IdClassRelationship : IdClassRelationshipShortcut),
+                 subject(), subject()});
+        }
+        std::shared_ptr<const Model> model;
+        try {
+            model = builder.Build();
+            ++built;
+        } catch (const ModelError&) {
+            continue;
+        }
+        for (const ObjectRecord& record : model->GetRecords()) {
+            ASSERT_TRUE(ChainEnds(*model, record.id, &ObjectRecord::parent));
+            ASSERT_TRUE(ChainEnds(*model, record.id, &ObjectRecord::referenced));
+            if (IsJoinClass(record.id.classCode)) {
+                ASSERT_EQ(model->GetTarget(record.id).classCode, IdClassRelationship);
+                ASSERT_EQ(model->GetTarget(record.left).classCode, IdClassQuerySubject);
+                ASSERT_EQ(model->GetTarget(record.right).classCode, IdClassQuerySubject);
+            }
+        }
+    }
+    EXPECT_GT(built, 100);
+    EXPECT_LT(built, 900);
+}
+
+} // namespace
+} // namespace qe::model
