@@ -1,5 +1,6 @@
 #include "LogDestination.h"
 
+#include "Engine/Settings/SettingsFile.h"
 #include "Engine/Settings/SettingsReader.h"
 #include "StreamLogTarget.h"
 
@@ -15,7 +16,8 @@ namespace {
 int ReadLevel() noexcept
 {
     try {
-        return std::max(0, SettingsReader().GetInt("Log", "Level", 0));
+        return std::max(
+            0, SettingsReader(SettingsFile::Get().GetLatestTable()).GetInt("Log", "Level", 0));
     } catch (...) {
         return 0;
     }

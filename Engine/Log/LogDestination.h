@@ -28,7 +28,8 @@ public:
 
     /// Gives the route of the innermost capture, else that of the settings: section "Log", key
     /// "Level" (default 0, off), to the file that the environment variable QEREFINER_LOG names,
-    /// or to standard error.
+    /// or to standard error. Logs are opened often, so the level follows the settings file only
+    /// when somebody opens the user configuration.
     [[nodiscard]] Route Open();
 
     /// Puts a capture in the place of what is there, until it is removed.

@@ -1,6 +1,8 @@
 #include "AUT_UserConfiguration.h"
 
-AUT_UserConfiguration::AUT_UserConfiguration()
+#include "SettingsFile.h"
+
+AUT_UserConfiguration::AUT_UserConfiguration() : mReader(qe::SettingsFile::Get().GetTable())
 {
     mReader.ReportProblems();
 }

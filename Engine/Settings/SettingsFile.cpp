@@ -50,11 +50,21 @@ std::shared_ptr<const SettingsTable> SettingsFile::GetTable()
 {
     Stamp stamp = MakeStamp(FindSettingsPath());
     const std::lock_guard lock(mMutex);
-    if (stamp != mStamp) {
+    if (mTable == nullptr || stamp != mStamp) {
         mTable = std::make_shared<const SettingsTable>(Read(stamp));
         mStamp = std::move(stamp);
     }
     return mTable;
+}
+
+std::shared_ptr<const SettingsTable> SettingsFile::GetLatestTable()
+{
+    {
+        const std::lock_guard lock(mMutex);
+        if (mTable != nullptr)
+            return mTable;
+    }
+    return GetTable();
 }
 
 std::vector<SettingsProblem>

@@ -30,6 +30,10 @@ public:
     /// the call costs one look at the file system.
     [[nodiscard]] std::shared_ptr<const SettingsTable> GetTable();
 
+    /// Gives the contents as they were read last, without a look at the file system after the
+    /// first time.
+    [[nodiscard]] std::shared_ptr<const SettingsTable> GetLatestTable();
+
     /// Gives those of the problems that were not given before, in their order.
     [[nodiscard]] std::vector<SettingsProblem>
     TakeUnreported(const std::vector<SettingsProblem>& problems);
@@ -54,7 +58,8 @@ private:
 
     std::mutex mMutex;
     Stamp mStamp;
-    std::shared_ptr<const SettingsTable> mTable = std::make_shared<SettingsTable>();
+    /// Null until the first look at the file.
+    std::shared_ptr<const SettingsTable> mTable;
     std::set<std::pair<std::string, int>> mReported;
 };
 

@@ -5,6 +5,8 @@
 #include "SettingsFile.h"
 #include "SettingsRegistry.h"
 
+#include <utility>
+
 namespace qe {
 namespace {
 
@@ -12,7 +14,8 @@ constexpr int problemLevel = 1;
 
 } // namespace
 
-SettingsReader::SettingsReader() : mTable(SettingsFile::Get().GetTable())
+SettingsReader::SettingsReader(std::shared_ptr<const SettingsTable> table)
+    : mTable(std::move(table))
 {}
 
 int SettingsReader::GetInt(const I18NString& section, const I18NString& key, int defaultValue) const

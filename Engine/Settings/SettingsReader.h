@@ -8,12 +8,12 @@
 
 namespace qe {
 
-/// Reads settings from the host, and else from the settings file as it was when the reader was
-/// made.
+/// Reads settings from the host, and else from the contents of the settings file that the reader
+/// was made with.
 class SettingsReader
 {
 public:
-    SettingsReader();
+    explicit SettingsReader(std::shared_ptr<const SettingsTable> table);
 
     [[nodiscard]] int GetInt(const I18NString& section, const I18NString& key,
                              int defaultValue) const;

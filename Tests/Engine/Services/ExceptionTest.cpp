@@ -1,5 +1,5 @@
+#include "Engine/Messages/MessageCatalogue.h"
 #include "HBNException.h"
-#include "Messages/MessageCatalogue.h"
 #include "ORVAssertError.h"
 #include "QERes.h"
 

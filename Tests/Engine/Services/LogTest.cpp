@@ -1,8 +1,9 @@
 #include "AQE_LogFile.h"
+#include "AUT_I_UserConfiguration.h"
 #include "AUT_LogException.h"
+#include "Engine/Log/LogCapture.h"
+#include "Engine/Settings/SettingsOverride.h"
 #include "HBNException.h"
-#include "Log/LogCapture.h"
-#include "Settings/SettingsOverride.h"
 #include "TemporaryFile.h"
 
 #include <cstdlib>
@@ -45,6 +46,16 @@ TEST_F(LogTest, NothingIsWrittenUntilALevelIsSet)
     log.Log(1, "lost");
     log.Log(0, "lost");
     EXPECT_EQ(mFile.Read(), "");
+}
+
+TEST_F(LogTest, LevelFollowsTheSettingsFileWhenTheConfigurationIsOpened)
+{
+    EXPECT_EQ(AQE_LogFile("Q").GetLogLevel(), 0);
+    const TemporaryFile settings("settings.ini");
+    settings.Write("[Log]\nLevel=4\n");
+    ::setenv("QEREFINER_SETTINGS", settings.GetPath().c_str(), 1);
+    EXPECT_EQ(AUT_I_UserConfiguration::Create(RootKeyUser)->GetInt("Log", "Level", 0), 4);
+    EXPECT_EQ(AQE_LogFile("Q").GetLogLevel(), 4);
 }
 
 TEST_F(LogTest, FileHoldsNameLevelTitleAndTextOfWantedEntries)

@@ -1,7 +1,7 @@
 #include "AUT_I_UserConfiguration.h"
-#include "Log/LogCapture.h"
-#include "Settings/SettingsFile.h"
-#include "Settings/SettingsOverride.h"
+#include "Engine/Log/LogCapture.h"
+#include "Engine/Settings/SettingsFile.h"
+#include "Engine/Settings/SettingsOverride.h"
 #include "TemporaryFile.h"
 
 #include <cstdlib>
