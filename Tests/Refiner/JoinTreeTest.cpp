@@ -5,11 +5,11 @@
 #include "AQE_I_QuerySubjectShortcutInfo.h"
 #include "AQE_I_Refiner.h"
 #include "AQE_JoinCache.h"
+#include "Engine/Log/LogCapture.h"
+#include "Engine/Settings/SettingsOverride.h"
 #include "HBNException.h"
-#include "Log/LogCapture.h"
 #include "ORVAssertError.h"
-#include "Settings/SettingsOverride.h"
-#include "Support/JoinGraphModel.h"
+#include "Tests/Support/JoinGraphModel.h"
 
 #include <gmock/gmock.h>
 

@@ -1,11 +1,11 @@
 #include "AQE_I_Refiner.h"
 #include "AQE_JoinCache.h"
 #include "AQE_RequestContext.h"
+#include "Engine/Settings/SettingsOverride.h"
 #include "I18NLocale.h"
 #include "IdClass.h"
 #include "ORVAssertError.h"
-#include "Settings/SettingsOverride.h"
-#include "Support/FakeGateway.h"
+#include "Tests/Support/FakeGateway.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "Support/FakeGateway.h"
+#include "Tests/Support/FakeGateway.h"
 
 #include "amdi_filter.h"
 #include "amdi_relationship.h"

@@ -3,7 +3,7 @@
 
 #include "AQE_I_QuerySpecJoin.h"
 #include "BMT_I_Association.h"
-#include "Expression/ReferenceResolver.h"
+#include "Engine/Expression/ReferenceResolver.h"
 #include "amd_id.h"
 #include "amdi_gateway.h"
 

@@ -1,4 +1,4 @@
-#include "Support/JoinGraphModel.h"
+#include "Tests/Support/JoinGraphModel.h"
 
 #include "AQE_I_Refiner.h"
 #include "AQE_JoinCache.h"

@@ -2,7 +2,7 @@
 #define TESTS_SUPPORT_JOINGRAPHMODEL_H
 
 #include "AQE_RequestContext.h"
-#include "Support/FakeGateway.h"
+#include "Tests/Support/FakeGateway.h"
 #include "amd_id.h"
 
 #include <map>
