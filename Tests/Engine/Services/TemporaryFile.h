@@ -13,7 +13,8 @@ class TemporaryFile
 {
 public:
     explicit TemporaryFile(const std::string& name)
-        : mPath(std::filesystem::temp_directory_path() / (name + '.' + std::to_string(::getpid())))
+        : mPath(std::filesystem::temp_directory_path() /
+                (name + '.' + std::to_string(::getpid()) + '.' + std::to_string(++mMade)))
     {}
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
@@ -34,6 +35,8 @@ public:
     [[nodiscard]] std::string GetPath() const { return mPath.string(); }
 
 private:
+    /// Keeps the files of one process apart.
+    inline static int mMade = 0;
     std::filesystem::path mPath;
 };
 
