@@ -1,8 +1,10 @@
 #include "Engine/Graph/IdIndex.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <iterator>
-#include <tuple>
+#include <limits>
 #include <utility>
 
 namespace qe::graph {
@@ -39,16 +41,59 @@ bool IsSameId(const IdIndex::Entry& left, const IdIndex::Entry& right)
     return left.domainAndClass == right.domainAndClass && left.number == right.number;
 }
 
-bool IsIdAndSlotLess(const IdIndex::Entry& left, const IdIndex::Entry& right)
+constexpr unsigned BytesOfId = 12;
+
+// Counts from the least significant byte.
+std::uint8_t GetByte(const IdIndex::Entry& entry, unsigned byte)
 {
-    return std::tie(left.domainAndClass, left.number, left.slot) <
-           std::tie(right.domainAndClass, right.number, right.slot);
+    const std::uint64_t word = byte < 4 ? std::uint64_t{entry.number} >> 8U * byte
+                                        : entry.domainAndClass >> 8U * (byte - 4);
+    return static_cast<std::uint8_t>(word);
 }
 
+void SortByByte(std::vector<IdIndex::Entry>& entries, unsigned byte,
+                std::vector<IdIndex::Entry>& space)
+{
+    std::array<std::size_t, 256> next{};
+    for (const IdIndex::Entry& entry : entries)
+        ++next[GetByte(entry, byte)];
+    if (next[GetByte(entries.front(), byte)] == entries.size())
+        return;
+    std::size_t total = 0;
+    for (std::size_t& count : next)
+        total += std::exchange(count, total);
+    space.resize(entries.size());
+    for (const IdIndex::Entry& entry : entries)
+        space[next[GetByte(entry, byte)]++] = entry;
+    entries.swap(space);
+}
+
+// Sorts by id and leaves equal ids in their order. The ids of one model differ in few bytes, so
+// that many are sorted fastest byte by byte.
+void SortById(std::vector<IdIndex::Entry>& entries)
+{
+    constexpr std::size_t FewestToCount = 512;
+    if (entries.size() < FewestToCount) {
+        std::stable_sort(entries.begin(), entries.end(), IsIdLess);
+        return;
+    }
+    std::vector<IdIndex::Entry> space;
+    for (unsigned byte = 0; byte < BytesOfId; ++byte)
+        SortByByte(entries, byte, space);
+}
+
+// Finds the entry by halving without a branch that would have to be guessed: loading a graph
+// looks up both ends of every edge.
 const IdIndex::Entry* FindIn(const std::vector<IdIndex::Entry>& run, const IdIndex::Entry& key)
 {
-    const auto at = std::lower_bound(run.begin(), run.end(), key, IsIdLess);
-    return at != run.end() && IsSameId(*at, key) ? &*at : nullptr;
+    const IdIndex::Entry* first = run.data();
+    for (std::size_t count = run.size(); count > 1;) {
+        const std::size_t half = count / 2;
+        const auto isBehind = static_cast<std::size_t>(!IsIdLess(key, first[half]));
+        first += isBehind * half;
+        count -= half;
+    }
+    return !run.empty() && IsSameId(*first, key) ? first : nullptr;
 }
 
 } // namespace
@@ -65,19 +110,34 @@ std::vector<std::uint32_t> IdIndex::Add(std::span<const amd_id> ids)
     run.reserve(ids.size());
     for (const amd_id& id : ids)
         run.push_back(MakeEntry(id, static_cast<std::uint32_t>(run.size())));
-    if (!std::is_sorted(run.begin(), run.end(), IsIdAndSlotLess))
-        std::sort(run.begin(), run.end(), IsIdAndSlotLess);
+    SortById(run);
     run.erase(std::unique(run.begin(), run.end(), IsSameId), run.end());
     DropKnown(run);
-
-    std::vector<std::uint32_t> places;
-    places.reserve(run.size());
-    for (Entry& entry : run)
-        places.push_back(std::exchange(entry.slot, mCount++));
+    const std::vector<std::uint32_t> places = AssignSlots(run, ids.size());
     if (!run.empty())
         mRuns.push_back(std::move(run));
     while (mRuns.size() > 1 && mRuns[mRuns.size() - 2].size() <= 2 * mRuns.back().size())
         MergeLastTwoRuns();
+    return places;
+}
+
+// Turns the places in the entries into slots, given in the order of the places.
+std::vector<std::uint32_t> IdIndex::AssignSlots(Run& run, std::size_t placeCount)
+{
+    constexpr std::uint32_t NoSlot = std::numeric_limits<std::uint32_t>::max();
+    std::vector<std::uint32_t> slotOfPlace(placeCount, NoSlot);
+    for (const Entry& entry : run)
+        slotOfPlace[entry.slot] = 0;
+    std::vector<std::uint32_t> places;
+    places.reserve(run.size());
+    for (std::uint32_t place = 0; place < placeCount; ++place) {
+        if (slotOfPlace[place] == NoSlot)
+            continue;
+        slotOfPlace[place] = mCount++;
+        places.push_back(place);
+    }
+    for (Entry& entry : run)
+        entry.slot = slotOfPlace[entry.slot];
     return places;
 }
 

@@ -3,6 +3,7 @@
 
 #include "amd_id.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -30,8 +31,8 @@ public:
 
     [[nodiscard]] std::uint32_t GetCount() const { return mCount; }
 
-    /// Gives a slot to each id that has none yet, in ascending order of those ids. Returns, in
-    /// the order of the new slots, where each of them stands first in `ids`.
+    /// Gives a slot to each id that has none yet, in the order in which they stand. Returns, in
+    /// that order, where each of them stands first in `ids`.
     std::vector<std::uint32_t> Add(std::span<const amd_id> ids);
 
     [[nodiscard]] std::optional<std::uint32_t> FindSlot(const amd_id& id) const;
@@ -47,6 +48,7 @@ private:
     using Run = std::vector<Entry>;
 
     void DropKnown(Run& run) const;
+    std::vector<std::uint32_t> AssignSlots(Run& run, std::size_t placeCount);
     void MergeLastTwoRuns();
 
     std::vector<Run> mRuns;

@@ -1,5 +1,8 @@
 #include "Tests/Graph/GraphText.h"
 
+#include "LogCapture.h"
+#include "SettingsOverride.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -194,6 +197,37 @@ TEST(JoinGraph, CheapestTreesAreWalkedFromTheFirstNode)
     text.Get().GetTreeEdges(text.Ids("z x"), edges);
     text.Get().GetTreeEdges(text.Ids("z a"), edges);
     EXPECT_EQ(text.Write(edges), "a y-z x-y");
+}
+
+struct NoticeCase
+{
+    int bound;
+    int level;
+    std::size_t listed;
+    std::vector<std::string> notices;
+};
+
+TEST(JoinGraph, TreesBeyondTheBoundAreCountedInTheLog)
+{
+    const GraphText text("a-b:1 a-b:1 a-b:1 a-b:2");
+    const std::vector<NoticeCase> cases{
+        {3, 1, 3, {}},
+        {2, 1, 2, {"Cheapest trees: listed 2 of 3, weight 1"}},
+        {2, 0, 2, {}},
+        {0, 7, 1, {"Cheapest trees: listed 1 of 3, weight 1"}},
+    };
+    for (const NoticeCase& row : cases) {
+        SCOPED_TRACE(testing::Message() << "bound " << row.bound << ", level " << row.level);
+        const SettingsOverride bound("JoinGraph", "CheapestTreesBound", row.bound);
+        const LogCapture log(row.level);
+        std::vector<std::string> trees;
+        EXPECT_EQ(FindCheapest(text, "a b", trees), 1);
+        EXPECT_EQ(trees.size(), row.listed);
+        std::vector<std::string> notices;
+        for (const LogEntry& entry : log.GetEntries())
+            notices.push_back(entry.text.ToStdString());
+        EXPECT_EQ(notices, row.notices);
+    }
 }
 
 TEST(JoinGraph, SumsOfManyWeightsSaturate)

@@ -41,7 +41,7 @@ struct Subset
 
 SmallGraph SmallGraph::Draw(std::mt19937& random, std::size_t maximumEdges)
 {
-    constexpr std::array Weights{1, 2, 3, 5, 7, 11, 17, 8888};
+    constexpr std::array Weights{0, 1, 2, 3, 5, 7, 11, 17, 8888};
     const auto draw = [&random](std::size_t count) { return random() % count; };
     SmallGraph graph;
     graph.nodeCount = 1 + draw(MostNodes);
