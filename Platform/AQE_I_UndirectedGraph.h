@@ -13,8 +13,13 @@
 /// are one node is kept as an edge, and is in no path and no tree. Weights are not negative; sums
 /// that do not fit an int are reported as the largest int. Ids that are not in the graph are
 /// harmless in every query. Output vectors are appended to, never cleared; weights are replaced.
-/// Every answer depends only on the nodes, edges and weights, never on
-/// the order in which they were added: ties end in the order of the ids.
+/// Every answer depends only on the nodes, edges and weights, never on the order in which they
+/// were added: ties end in the order of the ids.
+///
+/// Adding is noted down, and the first query after it sorts it in; so filling a graph costs about
+/// as much as sorting its ids, and adding to it in small steps O(log m) a step. Queries that walk
+/// the graph renumber it in O(n + m) when nodes or edges have come since; a changed weight does
+/// not make them do so.
 ///
 /// One graph is used by one thread at a time, also for reading.
 class QEENGINE_EXPORT AQE_I_UndirectedGraph
@@ -38,7 +43,7 @@ public:
     virtual void SetEdgeWeight(const amd_id& edge, int weight) = 0;
 
     /// Adds up the weights of the given edges, counting repeated ones each time. An id that is no
-    /// edge counts 0.
+    /// edge counts 0. O(log m) for each, whatever was added before.
     virtual int GetPathWeight(const std::vector<amd_id>& edges) = 0;
 
     /// Appends the edges at `node` in id order, a self-loop once.
@@ -54,32 +59,61 @@ public:
     /// Appends the edges of a least-weight path in walking order and sets `weight` to its weight.
     /// From a node to itself the path is empty and weighs 0. When there is no path, or an end is
     /// not in the graph, nothing is appended and `weight` is -1.
+    ///
+    /// Of several such paths it is the one that comes to each of its nodes from the neighbour that
+    /// is nearest to `from`, of equally near ones the one with the lowest id, and there by the
+    /// edge with the lowest id. Edges of weight 0 can make a neighbour equally near that is not
+    /// reached before the node itself; such a one does not count.
+    ///
+    /// The first path from a node takes O((n + m) log n). The paths to all other nodes are then
+    /// remembered until the graph changes, or those from many other nodes (64 MiB of them) have
+    /// been asked for since.
     virtual void GetShortestPath(const amd_id& from, const amd_id& to, std::vector<amd_id>& edges,
                                  int& weight) = 0;
 
     /// Appends the edges of a minimum spanning tree in id order (of each connected part, when
-    /// there are several) and sets `weight` to its weight.
+    /// there are several) and sets `weight` to its weight. Of several minimum trees it is the one
+    /// whose edges, in id order, come first. O(m log m).
     virtual void GetMinimumSpanningTree(std::vector<amd_id>& edges, int& weight) = 0;
 
     /// Connects the given nodes by a tree of least-weight paths grown from the first of them.
     /// Appends the tree's nodes and edges, both in the order in which the tree grew, so that the
     /// k-th edge reaches node k + 1; only given nodes are leaves. `weight` becomes the tree's
-    /// weight. Given nodes that cannot be reached stay outside, and
-    /// when none can be, or there is only one, there are no edges.
+    /// weight. Given nodes that cannot be reached stay outside, and when none can be, or there is
+    /// only one, there are no edges. When the first is not in the graph, there are no nodes
+    /// either.
+    ///
+    /// The tree holds for every other given node the path that GetShortestPath tells from the
+    /// first node to it; these paths are added in the order in which the nodes are given.
     virtual void GetShortestPathTree(const std::vector<amd_id>& nodes,
                                      std::vector<amd_id>& nodesOut, std::vector<amd_id>& edgesOut,
                                      int& weight) = 0;
 
-    /// Appends the spanning trees of the graph, each once, in order of weight, equal
-    /// weights in an order that ends in the edges' ids. At the bound of the implementation the
-    /// list ends; no tree outside it is lighter than one in it. A graph that is not connected has
-    /// none.
+    /// Appends the spanning trees of the graph, each once and with its edges in id order. They
+    /// stand in order of weight, and where that is equal, in the order of their edges, compared
+    /// one after the other. After 1,000 trees the list ends; those are the first 1,000 in this
+    /// order, so no tree outside is lighter than one inside. A graph that is not connected has
+    /// none, nor has one without nodes; one node alone has the empty tree.
+    ///
+    /// O(m log m) for the first tree, then little more for each than for writing it down.
     virtual void GetPaths(std::vector<std::vector<amd_id>>& paths) = 0;
 
-    /// Appends all trees of least weight that connect the given nodes, up to the bound of the
-    /// implementation, sets `weight` to that weight and gives true. When the nodes cannot be
-    /// connected, nothing is appended, `weight` is -1 and the result false. Repeated nodes
-    /// count once; one node alone is connected by the empty tree of weight 0.
+    /// Appends all trees of least weight that connect the given nodes, sets `weight` to that
+    /// weight and gives true. Only given nodes are leaves of a tree. When the nodes cannot be
+    /// connected, because there is no way or one of them is not in the graph, nothing is
+    /// appended, `weight` is -1 and the result false. Repeated nodes count once; one node alone
+    /// is connected by the empty tree of weight 0, and so is none.
+    ///
+    /// Trees stand in order of their number of edges, then of their edges in id order, compared
+    /// one after the other; neither which are listed nor how they stand depends on the order of
+    /// the given nodes. The edges of a tree are listed as walked from the first given node: each
+    /// is the lowest by id of those that touch the node or an edge before it.
+    ///
+    /// The user's settings (section "JoinGraph") limit the list to "CheapestTreesBound" trees
+    /// (1,000), and the search to "CheapestTreesSeconds" (10) and "CheapestTreesMegabytes"
+    /// (1,024) of working memory. Where there are more trees, the log tells their number. Where
+    /// the search ran out of time or memory, one good tree is the answer, and the log tells its
+    /// weight and the weight below which it is proven that there is none.
     virtual bool GetCheapestTrees(const std::vector<amd_id>& nodes,
                                   std::vector<std::vector<amd_id>>& trees, int& weight) = 0;
 

@@ -1,7 +1,7 @@
 #include "Tests/Graph/GraphText.h"
 
-#include "LogCapture.h"
-#include "SettingsOverride.h"
+#include "Engine/Log/LogCapture.h"
+#include "Engine/Settings/SettingsOverride.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
