@@ -1,4 +1,4 @@
-#include "InputError.h"
+#include "Tools/InputError.h"
 
 #include <utility>
 

@@ -3,9 +3,9 @@
 #include "AQE_Governors.h"
 #include "AQE_I_QuerySubjectShortcutInfo.h"
 #include "AQE_I_Refiner.h"
-#include "Settings/SettingsOverride.h"
-#include "Support/CountingGateway.h"
-#include "Support/JoinGraphModel.h"
+#include "Engine/Settings/SettingsOverride.h"
+#include "Tests/Support/CountingGateway.h"
+#include "Tests/Support/JoinGraphModel.h"
 
 #include <gmock/gmock.h>
 
