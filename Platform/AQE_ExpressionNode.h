@@ -19,15 +19,20 @@ public:
     [[nodiscard]] virtual int GetNodeType() const = 0;
     /// Gives the operands in order. The nodes stay the expression's.
     [[nodiscard]] virtual std::vector<AQE_ExpressionNode*> GetChildren() const = 0;
-    /// Gives the names of a reference in order: qualifier, query subject, item.
+    /// Gives the names of a reference in order: qualifier, query subject, item. Other nodes have
+    /// none.
     [[nodiscard]] virtual std::vector<I18NString> GetNamePath() const = 0;
-    /// Gives the object that a reference leads to; the empty id for other nodes.
+    /// Gives the object that a reference leads to; the empty id for other nodes and for
+    /// references to names that are not known.
     [[nodiscard]] virtual amd_id GetReferencedId() const = 0;
-    /// Gives the query subject or shortcut through which a reference reaches its item.
+    /// Gives the query subject or shortcut through which a reference reaches its item; the empty
+    /// id where GetReferencedId gives it.
     [[nodiscard]] virtual amd_id GetQuerySubjectId() const = 0;
-    /// Replaces the names of a reference.
+    /// Replaces the names of a reference, with which it will be written. Does nothing to other
+    /// nodes, and leaves the ids alone.
     virtual void SetNamePath(const std::vector<I18NString>& names) = 0;
-    /// Points a reference at another query subject or shortcut; its names stay.
+    /// Points a reference at another query subject or shortcut; its names stay. Does nothing to
+    /// other nodes.
     virtual void SetQuerySubjectId(const amd_id& id) = 0;
 
     /// Hands the node to the visitor.

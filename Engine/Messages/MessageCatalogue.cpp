@@ -19,7 +19,8 @@ constexpr std::array<CatalogueEntry, 10> catalogue{{
     {0xA9E143D7, "Query subject shortcuts"},
     {0xA9E29A41, "The query subjects are not all joined, so the query contains a cross product. "
                  "User classes: {1}"},
-    {0xA9E5E001, "The expression has a syntax error at {1}: expected {2}, found {3}."},
+    {0xA9E5E001, "The expression has a syntax error at {1}: expected {2}, found {3}. It was read "
+                 "for: {4}"},
     {0xA9E60195, "Joins between shortcuts and the query subjects they stand for"},
     {0xA9E9BA5B, "The cardinality at the right end of a join is neither one nor many."},
     {0xA9EBF43B, "The cardinality at the left end of a join is neither one nor many."},

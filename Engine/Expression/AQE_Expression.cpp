@@ -1,0 +1,68 @@
+#include "AQE_Expression.h"
+
+#include "AUT_LogException.h"
+#include "Engine/Expression/MarkupRemover.h"
+#include "Engine/Expression/ParsedExpression.h"
+#include "Engine/Expression/Parser.h"
+#include "Engine/Expression/PositionCounter.h"
+#include "HBNException.h"
+#include "amdi_gateway.h"
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+namespace {
+
+using namespace qe::expression;
+
+constexpr char sourcePath[] = "Engine/Expression/AQE_Expression";
+constexpr std::uint32_t syntaxErrorMessage = 0xA9E5E001;
+constexpr int severity = 1;
+constexpr int syntaxErrorCode = 1;
+
+void RaiseSyntaxError(const I18NString& text, const ParseFailure& failure,
+                      const I18NString& context)
+{
+    const TextPosition position = PositionCounter(text.View()).MoveTo(failure.offset);
+    const std::string place =
+        "line " + std::to_string(position.line) + ", column " + std::to_string(position.column);
+    HBNException exception(severity, syntaxErrorCode);
+    HBNAddMessages(exception, syntaxErrorMessage, 4, place, failure.expected, failure.found,
+                   context, "", "");
+    const int line = __LINE__ + 1;
+    AUT_LogException(exception, sourcePath, line);
+    ORV_THROW(exception, sourcePath, line, "QE");
+}
+
+void ResolveReferences(const std::vector<PlacedReference>& references, amdi_gateway* gateway)
+{
+    auto* const resolver = dynamic_cast<ReferenceResolver*>(gateway);
+    if (resolver == nullptr)
+        return;
+    for (const PlacedReference& reference : references) {
+        if (reference.names.size() < 2)
+            continue;
+        if (const auto target = resolver->ResolveReference(reference.names))
+            reference.node->SetTarget(*target);
+    }
+}
+
+} // namespace
+
+AQE_Expression::~AQE_Expression() = default;
+
+I18NString AQE_Expression::GetUntaggedExpression(const I18NString& text)
+{
+    return MarkupRemover(text.View()).Run().GetText();
+}
+
+AQE_Expression* AQE_Expression::Create(const I18NString& text, amdi_gateway* gateway,
+                                       const I18NString& context, const I18NLocale&)
+{
+    ParseResult result = Parse(text.View());
+    if (result.failure)
+        RaiseSyntaxError(text, *result.failure, context);
+    ResolveReferences(result.references, gateway);
+    return new ParsedExpression(std::move(result.root));
+}

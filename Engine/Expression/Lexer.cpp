@@ -1,0 +1,148 @@
+#include "Engine/Expression/Lexer.h"
+
+#include "Engine/Expression/Characters.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace qe::expression {
+
+namespace {
+
+struct Spelling
+{
+    std::string_view text;
+    ETokenKind kind;
+};
+
+constexpr std::array<Spelling, 9> keywords{{{"and", ETokenKind::And},
+                                            {"or", ETokenKind::Or},
+                                            {"not", ETokenKind::Not},
+                                            {"in", ETokenKind::In},
+                                            {"like", ETokenKind::Like},
+                                            {"escape", ETokenKind::Escape},
+                                            {"between", ETokenKind::Between},
+                                            {"is", ETokenKind::Is},
+                                            {"null", ETokenKind::Null}}};
+
+/// A symbol stands before those that it begins with.
+constexpr std::array<Spelling, 16> symbols{{{"<>", ETokenKind::NotEqual},
+                                            {"!=", ETokenKind::NotEqual},
+                                            {"<=", ETokenKind::LessOrEqual},
+                                            {">=", ETokenKind::GreaterOrEqual},
+                                            {"||", ETokenKind::Concatenate},
+                                            {"<", ETokenKind::Less},
+                                            {">", ETokenKind::Greater},
+                                            {"=", ETokenKind::Equal},
+                                            {"+", ETokenKind::Plus},
+                                            {"-", ETokenKind::Minus},
+                                            {"*", ETokenKind::Times},
+                                            {"/", ETokenKind::Divide},
+                                            {"(", ETokenKind::LeftParenthesis},
+                                            {")", ETokenKind::RightParenthesis},
+                                            {",", ETokenKind::Comma},
+                                            {".", ETokenKind::Dot}}};
+
+constexpr char ToLower(char c) noexcept
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+} // namespace
+
+ETokenKind KeywordOf(std::string_view word) noexcept
+{
+    const auto sameLetter = [](char left, char right) { return ToLower(left) == right; };
+    for (const Spelling& keyword : keywords)
+        if (std::equal(word.begin(), word.end(), keyword.text.begin(), keyword.text.end(),
+                       sameLetter))
+            return keyword.kind;
+    return ETokenKind::Word;
+}
+
+std::size_t FindEndOfQuoted(std::string_view text, std::size_t offset, char close) noexcept
+{
+    std::size_t end = text.find(close, offset + 1);
+    while (end != std::string_view::npos && end + 1 < text.size() && text[end + 1] == close)
+        end = text.find(close, end + 2);
+    return end == std::string_view::npos ? end : end + 1;
+}
+
+Token Lexer::Next()
+{
+    while (mOffset < mText.size() && IsBlank(mText[mOffset]))
+        ++mOffset;
+    if (mOffset == mText.size())
+        return Take(ETokenKind::End, 0);
+    const char c = mText[mOffset];
+    if (c == '[')
+        return TakeQuoted(']', ETokenKind::BracketedName, ETokenKind::OpenName);
+    if (c == '\'')
+        return TakeQuoted('\'', ETokenKind::String, ETokenKind::OpenString);
+    if (IsWordStart(c))
+        return TakeWord();
+    if (IsDigit(c) || (c == '.' && IsDigitAt(mOffset + 1)))
+        return TakeNumber();
+    return TakeSymbol();
+}
+
+Token Lexer::Take(ETokenKind kind, std::size_t length)
+{
+    const std::size_t offset = std::exchange(mOffset, mOffset + length);
+    return {kind, mText.substr(offset, length), offset};
+}
+
+Token Lexer::TakeQuoted(char close, ETokenKind closed, ETokenKind open)
+{
+    const std::size_t end = FindEndOfQuoted(mText, mOffset, close);
+    if (end == std::string_view::npos)
+        return Take(open, mText.size() - mOffset);
+    return Take(closed, end - mOffset);
+}
+
+Token Lexer::TakeWord()
+{
+    std::size_t end = mOffset + 1;
+    while (end < mText.size() && IsWordPart(mText[end]))
+        ++end;
+    return Take(KeywordOf(mText.substr(mOffset, end - mOffset)), end - mOffset);
+}
+
+Token Lexer::TakeNumber()
+{
+    std::size_t end = SkipDigits(mOffset);
+    if (end < mText.size() && mText[end] == '.')
+        end = SkipDigits(end + 1);
+    if (end < mText.size() && ToLower(mText[end]) == 'e') {
+        std::size_t exponent = end + 1;
+        if (exponent < mText.size() && (mText[exponent] == '+' || mText[exponent] == '-'))
+            ++exponent;
+        if (IsDigitAt(exponent))
+            end = SkipDigits(exponent);
+    }
+    return Take(ETokenKind::Number, end - mOffset);
+}
+
+Token Lexer::TakeSymbol()
+{
+    const std::string_view rest = mText.substr(mOffset);
+    for (const Spelling& symbol : symbols)
+        if (rest.substr(0, symbol.text.size()) == symbol.text)
+            return Take(symbol.kind, symbol.text.size());
+    return Take(ETokenKind::Unknown, 1);
+}
+
+std::size_t Lexer::SkipDigits(std::size_t offset) const
+{
+    while (IsDigitAt(offset))
+        ++offset;
+    return offset;
+}
+
+bool Lexer::IsDigitAt(std::size_t offset) const
+{
+    return offset < mText.size() && IsDigit(mText[offset]);
+}
+
+} // namespace qe::expression

@@ -1,0 +1,45 @@
+#ifndef ENGINE_EXPRESSION_LEXER_H
+#define ENGINE_EXPRESSION_LEXER_H
+
+#include "Engine/Expression/Token.h"
+
+#include <cstddef>
+#include <string_view>
+
+namespace qe::expression {
+
+/// Cuts an expression into tokens. Any bytes will do; those above 0x7F count as letters, so that
+/// names may be written in any script. Keywords are known in any case.
+class Lexer
+{
+public:
+    /// `text` must outlive the lexer.
+    explicit Lexer(std::string_view text) : mText(text) {}
+
+    /// Gives the next token; at the end of the text End, again and again.
+    [[nodiscard]] Token Next();
+
+private:
+    [[nodiscard]] Token Take(ETokenKind kind, std::size_t length);
+    [[nodiscard]] Token TakeQuoted(char close, ETokenKind closed, ETokenKind open);
+    [[nodiscard]] Token TakeWord();
+    [[nodiscard]] Token TakeNumber();
+    [[nodiscard]] Token TakeSymbol();
+    [[nodiscard]] std::size_t SkipDigits(std::size_t offset) const;
+    [[nodiscard]] bool IsDigitAt(std::size_t offset) const;
+
+    std::string_view mText;
+    std::size_t mOffset = 0;
+};
+
+/// Gives the keyword that `word` is, in any case, or Word.
+[[nodiscard]] ETokenKind KeywordOf(std::string_view word) noexcept;
+
+/// Gives the offset behind the bracketed name or string that begins at `offset`, whose closing
+/// mark, doubled, stands for itself; npos when it is not closed.
+[[nodiscard]] std::size_t FindEndOfQuoted(std::string_view text, std::size_t offset,
+                                          char close) noexcept;
+
+} // namespace qe::expression
+
+#endif

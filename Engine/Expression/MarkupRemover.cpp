@@ -1,0 +1,124 @@
+#include "Engine/Expression/MarkupRemover.h"
+
+#include "Engine/Expression/Characters.h"
+#include "Engine/Expression/Lexer.h"
+
+#include <utility>
+
+namespace qe::expression {
+
+namespace {
+
+constexpr std::string_view lessEntity = "&lt;";
+constexpr std::string_view greaterEntity = "&gt;";
+
+/// Groups the bytes that make another token when they come to stand side by side.
+int JoinClass(char c)
+{
+    if (IsWordPart(c) || c == '.')
+        return 1;
+    if (std::string_view("<>=!|").find(c) != std::string_view::npos)
+        return 2;
+    if (c == '\'')
+        return 3;
+    return c == ']' ? 4 : 0;
+}
+
+bool WouldJoin(char left, char right)
+{
+    return JoinClass(left) != 0 && JoinClass(left) == JoinClass(right);
+}
+
+bool EndsOperand(ETokenKind kind)
+{
+    switch (kind) {
+    case ETokenKind::BracketedName:
+    case ETokenKind::OpenName:
+    case ETokenKind::String:
+    case ETokenKind::OpenString:
+    case ETokenKind::Number:
+    case ETokenKind::Word:
+    case ETokenKind::Null:
+    case ETokenKind::RightParenthesis:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+MarkupRemover::MarkupRemover(std::string_view text) : mText(text)
+{}
+
+UntaggedText MarkupRemover::Run()
+{
+    NoteClosingTags();
+    for (std::size_t offset = 0; offset < mText.size();) {
+        const Tag tag = ReadTag(mText, offset);
+        if (IsMarkup(tag)) {
+            offset = tag.end;
+            mGap = true;
+        } else {
+            offset = CopyPiece(offset);
+        }
+    }
+    mResult.Append({}, mText.size());
+    return std::move(mResult);
+}
+
+std::size_t MarkupRemover::CopyPiece(std::size_t offset)
+{
+    const std::string_view rest = mText.substr(offset);
+    for (const std::string_view entity : {lessEntity, greaterEntity}) {
+        if (rest.substr(0, entity.size()) == entity) {
+            Emit(entity == lessEntity ? "<" : ">", offset);
+            mOperandBefore = false;
+            return offset + entity.size();
+        }
+    }
+    if (IsBlank(rest.front())) {
+        Emit(rest.substr(0, 1), offset);
+        return offset + 1;
+    }
+    const Token token = Lexer(rest).Next();
+    Emit(token.text, offset);
+    mOperandBefore = EndsOperand(token.kind);
+    return offset + token.text.size();
+}
+
+bool MarkupRemover::IsMarkup(const Tag& tag) const
+{
+    if (tag.shape != ETagShape::Bare)
+        return tag.shape != ETagShape::None;
+    if (!mOperandBefore)
+        return true;
+    const auto closing = mLastClosing.find(tag.name);
+    return closing != mLastClosing.end() && closing->second > tag.end;
+}
+
+void MarkupRemover::NoteClosingTags()
+{
+    for (std::size_t offset = 0; offset < mText.size();) {
+        const Tag tag = ReadTag(mText, offset);
+        if (tag.shape == ETagShape::Closing)
+            mLastClosing[tag.name] = tag.end;
+        if (tag.shape != ETagShape::None)
+            offset = tag.end;
+        else if (IsBlank(mText[offset]))
+            ++offset;
+        else
+            offset += Lexer(mText.substr(offset)).Next().text.size();
+    }
+}
+
+void MarkupRemover::Emit(std::string_view piece, std::size_t sourceOffset)
+{
+    const std::string& written = mResult.GetText();
+    if (mGap && !written.empty() && WouldJoin(written.back(), piece.front()))
+        mResult.Append(" ", sourceOffset);
+    mGap = false;
+    mResult.Append(piece, sourceOffset);
+}
+
+} // namespace qe::expression

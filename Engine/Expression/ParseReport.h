@@ -1,0 +1,39 @@
+#ifndef ENGINE_EXPRESSION_PARSEREPORT_H
+#define ENGINE_EXPRESSION_PARSEREPORT_H
+
+#include "Engine/Expression/SyntaxError.h"
+#include "Engine/Expression/TextPosition.h"
+#include "I18NString.h"
+#include "QEENGINE_EXPORT.h"
+
+#include <optional>
+#include <vector>
+
+namespace qe::expression {
+
+/// A reference as it stands in a text.
+struct NamedReference
+{
+    /// The names without brackets.
+    std::vector<I18NString> names;
+    /// Where the reference begins.
+    TextPosition position;
+};
+
+/// What a text says, before any name is looked up.
+struct ParseReport
+{
+    /// The references in reading order; when there is an error, those before it.
+    std::vector<NamedReference> references;
+    /// Why the text is no expression; nothing when it is one.
+    std::optional<SyntaxError> error;
+};
+
+/// Reads a condition as it is stored, with or without markup, so that a loader can check it and
+/// the names in it. Positions are those in `text` itself, markup included. Raises no exception
+/// for text that is no expression; takes linear time.
+[[nodiscard]] QEENGINE_EXPORT ParseReport FindReferences(const I18NString& text);
+
+} // namespace qe::expression
+
+#endif

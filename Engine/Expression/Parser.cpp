@@ -1,0 +1,318 @@
+#include "Engine/Expression/Parser.h"
+
+#include "Engine/Expression/InfixRule.h"
+#include "Engine/Expression/Lexer.h"
+
+#include <exception>
+#include <utility>
+
+namespace qe::expression {
+
+namespace {
+
+class SyntaxFailure : public std::exception
+{
+public:
+    explicit SyntaxFailure(ParseFailure failure) : mFailure(std::move(failure)) {}
+
+    [[nodiscard]] const char* what() const noexcept override { return mFailure.expected.c_str(); }
+    [[nodiscard]] const ParseFailure& Get() const noexcept { return mFailure; }
+
+private:
+    ParseFailure mFailure;
+};
+
+using NodePointer = std::unique_ptr<Node>;
+
+class Parser
+{
+public:
+    explicit Parser(std::string_view text) : mLexer(text), mCurrent(mLexer.Next()) {}
+
+    NodePointer ParseAll();
+    std::vector<PlacedReference> TakeReferences() { return std::move(mReferences); }
+
+private:
+    /// Counts one level of nesting for as long as it lives.
+    class Nesting
+    {
+    public:
+        explicit Nesting(Parser& parser);
+        Nesting(const Nesting&) = delete;
+        Nesting& operator=(const Nesting&) = delete;
+        ~Nesting() { --mParser.mNesting; }
+
+    private:
+        Parser& mParser;
+    };
+
+    NodePointer ParseExpression(EPrecedence loosest);
+    NodePointer ParseInfix(NodePointer left, ENodeKind kind);
+    NodePointer ParsePredicate(NodePointer left);
+    void ParseBetween(Node& between);
+    NodePointer ParseNested(ENodeKind kind, EPrecedence loosest);
+    void ParseList(Node& parent);
+    NodePointer ParseOperand();
+    NodePointer ParseParenthesis();
+    NodePointer ParseReference();
+    NodePointer ParseNameOrCall();
+
+    [[nodiscard]] EPrecedence PrecedenceAfterOperand() const;
+    [[nodiscard]] bool Is(ETokenKind kind) const { return mCurrent.kind == kind; }
+    Token Advance() { return std::exchange(mCurrent, mLexer.Next()); }
+    bool Accept(ETokenKind kind);
+    void Expect(ETokenKind kind, const char* expected);
+    [[noreturn]] void Fail(std::string expected) const;
+
+    Lexer mLexer;
+    Token mCurrent;
+    std::vector<PlacedReference> mReferences;
+    int mNesting = 0;
+};
+
+Parser::Nesting::Nesting(Parser& parser) : mParser(parser)
+{
+    if (parser.mNesting == maximumNesting)
+        parser.Fail("no more than " + std::to_string(maximumNesting) + " levels of nesting");
+    ++parser.mNesting;
+}
+
+NodePointer Parser::ParseAll()
+{
+    NodePointer root = ParseExpression(EPrecedence::Or);
+    Expect(ETokenKind::End, "an operator or the end of the text");
+    return root;
+}
+
+/// Parses operators that bind at least as tightly as `loosest`. After each the next one must
+/// bind more loosely, since rows of one precedence are taken in one go and predicates do not
+/// associate.
+NodePointer Parser::ParseExpression(EPrecedence loosest)
+{
+    const bool negated = Is(ETokenKind::Not) && loosest <= EPrecedence::Not;
+    NodePointer left = negated ? ParseNested(ENodeKind::Not, EPrecedence::Not) : ParseOperand();
+    EPrecedence last = negated ? EPrecedence::Not : EPrecedence::Primary;
+    for (;;) {
+        const EPrecedence next = PrecedenceAfterOperand();
+        if (next < loosest || next >= last)
+            return left;
+        const InfixRule* const rule = FindInfixRule(mCurrent.kind);
+        left = rule == nullptr ? ParsePredicate(std::move(left))
+                               : ParseInfix(std::move(left), rule->node);
+        last = next;
+    }
+}
+
+/// Gives Primary where no operator follows.
+EPrecedence Parser::PrecedenceAfterOperand() const
+{
+    if (const InfixRule* const rule = FindInfixRule(mCurrent.kind))
+        return PrecedenceOf(rule->node);
+    switch (mCurrent.kind) {
+    case ETokenKind::Not:
+    case ETokenKind::In:
+    case ETokenKind::Like:
+    case ETokenKind::Between:
+    case ETokenKind::Is:
+        return EPrecedence::Predicate;
+    default:
+        return EPrecedence::Primary;
+    }
+}
+
+NodePointer Parser::ParseInfix(NodePointer left, ENodeKind kind)
+{
+    NodePointer row = std::move(left);
+    if (row->GetKind() != kind || kind == ENodeKind::Comparison) {
+        auto parent = std::make_unique<Node>(kind);
+        parent->AddOperand(std::move(row));
+        row = std::move(parent);
+    }
+    const EPrecedence operands = TighterThan(PrecedenceOf(kind));
+    for (const InfixRule* rule = FindInfixRule(mCurrent.kind);
+         rule != nullptr && rule->node == kind; rule = FindInfixRule(mCurrent.kind)) {
+        Advance();
+        row->AddOperator(rule->op);
+        NodePointer right = ParseExpression(operands);
+        if (right->GetKind() == kind && IsAssociative(kind))
+            row->Absorb(*right);
+        else
+            row->AddOperand(std::move(right));
+        if (kind == ENodeKind::Comparison)
+            break;
+    }
+    return row;
+}
+
+NodePointer Parser::ParsePredicate(NodePointer left)
+{
+    constexpr EPrecedence operands = TighterThan(EPrecedence::Predicate);
+    bool negated = Accept(ETokenKind::Not);
+    if (negated && !Is(ETokenKind::In) && !Is(ETokenKind::Like) && !Is(ETokenKind::Between))
+        Fail("IN, LIKE or BETWEEN");
+    const Token keyword = Advance();
+    NodePointer predicate;
+    const auto begin = [&predicate, &left](ENodeKind kind) {
+        predicate = std::make_unique<Node>(kind);
+        predicate->AddOperand(std::move(left));
+    };
+    switch (keyword.kind) {
+    case ETokenKind::In:
+        begin(ENodeKind::In);
+        Expect(ETokenKind::LeftParenthesis, "'('");
+        ParseList(*predicate);
+        break;
+    case ETokenKind::Like:
+        begin(ENodeKind::Like);
+        predicate->AddOperand(ParseExpression(operands));
+        if (Accept(ETokenKind::Escape))
+            predicate->AddOperand(ParseExpression(operands));
+        break;
+    case ETokenKind::Between:
+        begin(ENodeKind::Between);
+        ParseBetween(*predicate);
+        break;
+    default:
+        begin(ENodeKind::IsNull);
+        negated = Accept(ETokenKind::Not);
+        Expect(ETokenKind::Null, negated ? "NULL" : "NULL or NOT NULL");
+        break;
+    }
+    if (negated)
+        predicate->AddOperator(EOperator::Not);
+    return predicate;
+}
+
+void Parser::ParseBetween(Node& between)
+{
+    constexpr EPrecedence operands = TighterThan(EPrecedence::Predicate);
+    between.AddOperand(ParseExpression(operands));
+    Expect(ETokenKind::And, "an operator or AND");
+    between.AddOperand(ParseExpression(operands));
+}
+
+NodePointer Parser::ParseNested(ENodeKind kind, EPrecedence loosest)
+{
+    const Nesting nesting(*this);
+    Advance();
+    auto parent = std::make_unique<Node>(kind);
+    parent->AddOperand(ParseExpression(loosest));
+    return parent;
+}
+
+/// Parses what follows an opening parenthesis: one or more expressions.
+void Parser::ParseList(Node& parent)
+{
+    const Nesting nesting(*this);
+    do {
+        parent.AddOperand(ParseExpression(EPrecedence::Or));
+    } while (Accept(ETokenKind::Comma));
+    Expect(ETokenKind::RightParenthesis, "an operator, ',' or ')'");
+}
+
+NodePointer Parser::ParseOperand()
+{
+    switch (mCurrent.kind) {
+    case ETokenKind::Minus:
+        return ParseNested(ENodeKind::Negation, EPrecedence::Negation);
+    case ETokenKind::LeftParenthesis:
+        return ParseParenthesis();
+    case ETokenKind::BracketedName:
+        return ParseReference();
+    case ETokenKind::String:
+        return std::make_unique<Node>(ENodeKind::String, GetValue(Advance()));
+    case ETokenKind::Number:
+        return std::make_unique<Node>(ENodeKind::Number, std::string(Advance().text));
+    case ETokenKind::Null:
+        return std::make_unique<Node>(ENodeKind::Name, std::string(Advance().text));
+    case ETokenKind::Word:
+        return ParseNameOrCall();
+    case ETokenKind::OpenName:
+        Fail("a name that ends in ']'");
+    case ETokenKind::OpenString:
+        Fail("a text that ends in a single quote");
+    default:
+        Fail("an operand");
+    }
+}
+
+NodePointer Parser::ParseParenthesis()
+{
+    const Nesting nesting(*this);
+    Advance();
+    NodePointer inner = ParseExpression(EPrecedence::Or);
+    Expect(ETokenKind::RightParenthesis, "an operator or ')'");
+    return inner;
+}
+
+NodePointer Parser::ParseReference()
+{
+    const std::size_t offset = mCurrent.offset;
+    std::vector<I18NString> names;
+    do {
+        if (Is(ETokenKind::OpenName))
+            Fail("a name that ends in ']'");
+        if (!Is(ETokenKind::BracketedName) || mCurrent.text.size() == 2)
+            Fail("a name between brackets");
+        names.emplace_back(GetValue(Advance()));
+    } while (Accept(ETokenKind::Dot));
+    auto reference = std::make_unique<ReferenceNode>(names);
+    mReferences.push_back({reference.get(), std::move(names), offset});
+    return reference;
+}
+
+NodePointer Parser::ParseNameOrCall()
+{
+    std::string name(Advance().text);
+    while (Accept(ETokenKind::Dot)) {
+        if (!Is(ETokenKind::Word) && KeywordOf(mCurrent.text) == ETokenKind::Word)
+            Fail("a name");
+        name += '.';
+        name += Advance().text;
+    }
+    if (!Accept(ETokenKind::LeftParenthesis))
+        return std::make_unique<Node>(ENodeKind::Name, std::move(name));
+    auto call = std::make_unique<Node>(ENodeKind::Call, std::move(name));
+    if (!Accept(ETokenKind::RightParenthesis))
+        ParseList(*call);
+    return call;
+}
+
+bool Parser::Accept(ETokenKind kind)
+{
+    const bool found = Is(kind);
+    if (found)
+        Advance();
+    return found;
+}
+
+void Parser::Expect(ETokenKind kind, const char* expected)
+{
+    if (!Accept(kind))
+        Fail(expected);
+}
+
+void Parser::Fail(std::string expected) const
+{
+    throw SyntaxFailure({mCurrent.offset, std::move(expected), Describe(mCurrent)});
+}
+
+} // namespace
+
+ParseResult Parse(std::string_view text)
+{
+    Parser parser(text);
+    ParseResult result;
+    try {
+        result.root = parser.ParseAll();
+        result.references = parser.TakeReferences();
+    } catch (const SyntaxFailure& failure) {
+        result.references = parser.TakeReferences();
+        for (PlacedReference& reference : result.references)
+            reference.node = nullptr;
+        result.failure = failure.Get();
+    }
+    return result;
+}
+
+} // namespace qe::expression

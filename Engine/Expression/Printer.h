@@ -1,0 +1,38 @@
+#ifndef ENGINE_EXPRESSION_PRINTER_H
+#define ENGINE_EXPRESSION_PRINTER_H
+
+#include "Engine/Expression/Node.h"
+
+#include <string>
+
+namespace qe::expression {
+
+/// Writes trees as text that Parse reads back as the same tree, with parentheses only where the
+/// tree would change without them. Keywords are written in capitals, "<>" for every unequal
+/// sign; literals and names without brackets as they were read.
+class Printer
+{
+public:
+    /// Appends to `out`, which must outlive the printer.
+    explicit Printer(std::string& out) : mOut(out) {}
+
+    /// Writes any node. Of a node that is not of this library, a reference is written from its
+    /// names and anything else as its children.
+    void Print(const AQE_ExpressionNode& node);
+
+private:
+    void PrintReference(const AQE_ExpressionNode& reference);
+    void PrintNode(const Node& node);
+    void PrintOperand(const Node& operand, EPrecedence loosest);
+    void PrintInfix(const Node& node);
+    void PrintNegation(const Node& node);
+    void PrintPredicate(const Node& node);
+    void PrintList(const Node& node, std::size_t first);
+    void PrintQuoted(std::string_view value, char open, char close);
+
+    std::string& mOut;
+};
+
+} // namespace qe::expression
+
+#endif

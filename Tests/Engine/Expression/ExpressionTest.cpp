@@ -1,0 +1,224 @@
+#include "AQE_Expression.h"
+
+#include "Engine/Expression/ReferenceResolver.h"
+#include "HBNException.h"
+#include "Tests/Engine/Expression/ExpressionInvariants.h"
+#include "amdi_gateway.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+struct PrintCase
+{
+    const char* text;
+    const char* printed;
+};
+
+TEST(Expression, IsWrittenInOneFormWithFewParentheses)
+{
+    const PrintCase cases[] = {
+        {"[ns] . [qs].\n[it]=1", "[ns].[qs].[it] = 1"},
+        {"[a]]b].[c[d].[ ''<x>]", "[a]]b].[c[d].[ ''<x>]"},
+        {"[Größe].[名前]='été'", "[Größe].[名前] = 'été'"},
+        {"a!=b or c<>d", "a <> b OR c <> d"},
+        {"'it''s' || ''||'a]b'", "'it''s' || '' || 'a]b'"},
+        {".5 + 5. + 1.5E-3 - 007", ".5 + 5. + 1.5E-3 - 007"},
+        {"a oR b AnD c or d", "a OR b AND c OR d"},
+        {"((a or b)) and (c and (d and e)) and (f or g)",
+         "(a OR b) AND c AND d AND e AND (f OR g)"},
+        {"(not (a = b)) and not (c and d)", "NOT a = b AND NOT (c AND d)"},
+        {"(not a) = b", "(NOT a) = b"},
+        {"not(not(a))", "NOT NOT a"},
+        {"(a=b)=(c<d)", "(a = b) = (c < d)"},
+        {"((a-b)-c)-(d-(e+f))", "a - b - c - (d - (e + f))"},
+        {"(a*b)/c*(d/e)+(f*g)", "a * b / c * (d / e) + f * g"},
+        {"(a+b)*-(c-d)", "(a + b) * -(c - d)"},
+        {"--(-1)", "- - -1"},
+        {"(a||b)||(c||(d+e))||(f=g)", "a || b || c || d + e || (f = g)"},
+        {"a||b=c+d", "a || b = c + d"},
+        {"x_1.f$ ( (a), (b or c) ,g())", "x_1.f$(a, b OR c, g())"},
+        {"a in(1,('x'),(b))", "a IN (1, 'x', b)"},
+        {"(a not in (1)) and not (a in (1))", "a NOT IN (1) AND NOT a IN (1)"},
+        {"a not like ('x'||b) escape ('!')", "a NOT LIKE 'x' || b ESCAPE '!'"},
+        {"a like 'x%' and b", "a LIKE 'x%' AND b"},
+        {"a+1 between (b) and (c) and d not between e and (f and g)",
+         "a + 1 BETWEEN b AND c AND d NOT BETWEEN e AND (f AND g)"},
+        {"a is null or (b is not null) or null", "a IS NULL OR b IS NOT NULL OR null"},
+        {"(a is null) is null", "(a IS NULL) IS NULL"},
+        {"[one]", "[one]"},
+        {"[a].[b].[c].[d].[e]", "[a].[b].[c].[d].[e]"},
+    };
+    for (const auto& [text, printed] : cases) {
+        EXPECT_EQ(PrintTree(*ParseText(text)), printed) << text;
+        EXPECT_EQ(FindBrokenInvariant(text), "") << text;
+    }
+}
+
+TEST(Expression, TellsGroupsApartThatMeanDifferentThings)
+{
+    const PrintCase cases[] = {{"a - b - c", "a - (b - c)"},
+                               {"a / b * c", "a / (b * c)"},
+                               {"a OR b AND c", "(a OR b) AND c"},
+                               {"NOT a = b", "(NOT a) = b"},
+                               {"-a + b", "-(a + b)"},
+                               {"a NOT IN (b)", "NOT a IN (b)"},
+                               {"a < b", "a <= b"},
+                               {"'a'", "a"},
+                               {"[a].[b]", "[a.b]"},
+                               {"[a].[b]", "[a].[b].[b]"},
+                               {"1.0", "1"},
+                               {"f(a)", "g(a)"}};
+    for (const auto& [left, right] : cases) {
+        EXPECT_NE(DescribeTree(*ParseText(left)), DescribeTree(*ParseText(right))) << left;
+        EXPECT_EQ(PrintTree(*ParseText(left)), left);
+        EXPECT_EQ(PrintTree(*ParseText(right)), right);
+    }
+}
+
+struct ErrorCase
+{
+    const char* text;
+    const char* place;
+    const char* expected;
+    const char* found;
+};
+
+TEST(Expression, RefusesOtherTextWithPlaceAndExpectation)
+{
+    const char* const operand = "an operand";
+    const char* const end = "an operator or the end of the text";
+    const ErrorCase cases[] = {
+        {"", "line 1, column 1", operand, "the end of the text"},
+        {"a =", "line 1, column 4", operand, "the end of the text"},
+        {"a\n= 'é' b", "line 2, column 7", end, "\"b\""},
+        {"a = b = c", "line 1, column 7", end, "\"=\""},
+        {"not a = b = c", "line 1, column 11", end, "\"=\""},
+        {"a is null = b", "line 1, column 11", end, "\"=\""},
+        {"a = not b", "line 1, column 5", operand, "\"not\""},
+        {"(a", "line 1, column 3", "an operator or ')'", "the end of the text"},
+        {"f(a b)", "line 1, column 5", "an operator, ',' or ')'", "\"b\""},
+        {"a in 1", "line 1, column 6", "'('", "\"1\""},
+        {"a in ()", "line 1, column 7", operand, "\")\""},
+        {"a not = b", "line 1, column 7", "IN, LIKE or BETWEEN", "\"=\""},
+        {"a not is null", "line 1, column 7", "IN, LIKE or BETWEEN", "\"is\""},
+        {"a between 1 or 2", "line 1, column 13", "an operator or AND", "\"or\""},
+        {"a is 1", "line 1, column 6", "NULL or NOT NULL", "\"1\""},
+        {"a is not 1", "line 1, column 10", "NULL", "\"1\""},
+        {"[a].[]", "line 1, column 5", "a name between brackets", "\"[]\""},
+        {"[a].b", "line 1, column 5", "a name between brackets", "\"b\""},
+        {"a.[b]", "line 1, column 3", "a name", "\"[b]\""},
+        {"[a].[b", "line 1, column 5", "a name that ends in ']'", "\"[b\""},
+        {"[a]] = 1", "line 1, column 1", "a name that ends in ']'", "\"[a]] = 1\""},
+        {"a = 'it''s", "line 1, column 5", "a text that ends in a single quote", "\"'it''s\""},
+        {"1.2.3", "line 1, column 4", end, "\".3\""},
+        {"1,5", "line 1, column 2", end, "\",\""},
+        {"a & b", "line 1, column 3", end, "\"&\""},
+        {"a 'ééééééééééééééééééééé", "line 1, column 3", end, "\"'ééééééééééééééééééé...\""},
+    };
+    for (const auto& [text, place, expected, found] : cases) {
+        try {
+            ADD_FAILURE() << text << " reads as " << DescribeTree(*ParseText(text));
+        } catch (const HBNException& exception) {
+            ASSERT_EQ(exception.GetMessages().size(), 1U);
+            const HBNMessage& message = exception.GetMessages().front();
+            EXPECT_EQ(exception.GetSeverity(), 1);
+            EXPECT_EQ(message.GetNumber(), 0xA9E5E001U);
+            std::vector<std::string> parameters;
+            for (const ORVMessageParm& parameter : message.GetParameters())
+                parameters.push_back(parameter.GetText().ToStdString());
+            EXPECT_THAT(parameters, ElementsAre(place, expected, found, "test")) << text;
+            EXPECT_EQ(exception.GetLocation().file, "Engine/Expression/AQE_Expression");
+            EXPECT_EQ(exception.GetComponent(), "QE");
+            EXPECT_THAT(exception.what(), HasSubstr(place));
+        }
+    }
+}
+
+TEST(Expression, BoundsNestingButNotLength)
+{
+    const PrintCase nests[] = {{"(", ")"}, {"f(", ")"}, {"NOT ", ""}, {"- ", ""}, {"1 IN (", ")"}};
+    for (const auto& [open, close] : nests) {
+        const auto nest = [open = open, close = close](int depth) {
+            std::string text;
+            for (int i = 0; i < depth; ++i)
+                text += open;
+            text += "1 ";
+            for (int i = 0; i < depth; ++i)
+                text += close;
+            return text;
+        };
+        EXPECT_EQ(FindBrokenInvariant(nest(200)), "") << open;
+        EXPECT_NO_THROW((void)ParseText(nest(200))) << open;
+        EXPECT_THROW((void)ParseText(nest(201)), HBNException) << open;
+        EXPECT_THROW((void)ParseText(nest(100000)), HBNException) << open;
+    }
+    for (const char* const op : {" AND ", " OR ", " + ", " - ", " * ", " || ", ", "}) {
+        std::string text = "1 IN (a";
+        for (int i = 0; i < 50000; ++i)
+            text += std::string(op) + 'a';
+        text += ')';
+        EXPECT_EQ(PrintTree(*ParseText(text)), text) << op;
+    }
+}
+
+class NamingGateway : public amdi_gateway, public qe::expression::ReferenceResolver
+{
+public:
+    amdi_object* GetObject(const amd_id&) override { return nullptr; }
+    I18NLocale GetLocale(const amd_id&) override { return {}; }
+    amd_id GetQualifierId(amd_id) override { return {}; }
+
+    std::optional<qe::expression::ResolvedReference>
+    ResolveReference(const std::vector<I18NString>& names) override
+    {
+        const auto found = mKnown.find(names);
+        if (found == mKnown.end())
+            return std::nullopt;
+        return found->second;
+    }
+
+    std::map<std::vector<I18NString>, qe::expression::ResolvedReference> mKnown;
+};
+
+TEST(Expression, ResolvesReferencesThroughTheGatewayAndIsRetargeted)
+{
+    const amd_id item(0, 101, 7);
+    const amd_id subject(0, 100, 3);
+    const amd_id shortcut(0, 109, 4);
+    NamingGateway gateway;
+    gateway.mKnown[{"ns", "s", "i"}] = {item, subject};
+    gateway.mKnown[{"ns", "short]cut", "i"}] = {item, shortcut};
+    gateway.mKnown[{"one"}] = {item, subject};
+    const std::unique_ptr<AQE_Expression> tree(AQE_Expression::Create(
+        "[ns].[s].[i] = f([ns].[short]]cut].[i]) AND [ns].[S].[i] IN (1, [one])", &gateway, "",
+        I18NLocale()));
+
+    const auto references = CollectReferences(*tree);
+    ASSERT_EQ(references.size(), 4U);
+    const amd_id expected[][2] = {{item, subject}, {item, shortcut}, {{}, {}}, {{}, {}}};
+    for (std::size_t i = 0; i < references.size(); ++i) {
+        EXPECT_EQ(references[i]->GetReferencedId(), expected[i][0]) << i;
+        EXPECT_EQ(references[i]->GetQuerySubjectId(), expected[i][1]) << i;
+    }
+    EXPECT_THAT(references[1]->GetNamePath(),
+                ElementsAre(I18NString("ns"), I18NString("short]cut"), I18NString("i")));
+
+    references[0]->SetQuerySubjectId(shortcut);
+    references[0]->SetNamePath({"n]s", "new"});
+    tree->SetNamePath({"x"});
+    tree->SetQuerySubjectId(subject);
+    EXPECT_EQ(references[0]->GetQuerySubjectId(), shortcut);
+    EXPECT_EQ(references[0]->GetReferencedId(), item);
+    EXPECT_EQ(PrintTree(*tree),
+              "[n]]s].[new] = f([ns].[short]]cut].[i]) AND [ns].[S].[i] IN (1, [one])");
+    EXPECT_EQ(tree->GetQuerySubjectId(), amd_id());
+}
+
+} // namespace
