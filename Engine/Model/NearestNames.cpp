@@ -59,8 +59,8 @@ std::size_t EditDistance(std::string_view left, std::string_view right, std::siz
             current[i] = cost;
             least = std::min(least, cost);
         }
-        // A swap reaches two rows back, hence the look at the row before.
-        if (least > limit && *std::min_element(last.begin(), last.end()) > limit)
+        // A swap reaches two rows back, but costs more than is left there too.
+        if (least > limit)
             return beyond;
         beforeLast.swap(last);
         last.swap(current);
