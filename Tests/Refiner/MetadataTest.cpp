@@ -1,7 +1,6 @@
 #include "AQE_I_Refiner.h"
 #include "AQE_JoinCache.h"
 #include "AQE_RequestContext.h"
-#include "Engine/Settings/SettingsOverride.h"
 #include "I18NLocale.h"
 #include "IdClass.h"
 #include "ORVAssertError.h"
@@ -337,18 +336,6 @@ TEST(JoinCache, MergesTheListsOfARequest)
     EXPECT_THAT(cache.GetAllJoinPaths(),
                 ElementsAre(ElementsAre(a), ElementsAre(join, join), ElementsAre(b)))
         << "ordered by key; a prefix comes first";
-}
-
-TEST(EdgeWeights, FollowTheModeThatWasReadFirst)
-{
-    const qe::SettingsOverride mode("General Options", "FFJoins", 0);
-    std::vector<int> weights;
-    for (int type = 0; type < 6; ++type)
-        weights.push_back(
-            AQE_I_Refiner::GetEdgeWeightForType(static_cast<AQE_I_Refiner::EEdgeType>(type)));
-    EXPECT_THAT(weights, ElementsAre(1, 1, 5, 2, 11, 8888));
-    qe::SettingsOverride::Set("General Options", "FFJoins", 3);
-    EXPECT_EQ(AQE_I_Refiner::GetFFJoinsMode(), 0);
 }
 
 TEST(EdgeWeights, ReportUnknownTypes)
