@@ -117,6 +117,7 @@ TEST(FactFinder, TellsFactsAndDimensionsInOrder)
         {"F>D G>D F>D", "FG", "D", 'F', "D/D"},
         {"F>D F-H H>E", "F", "F", 'H', "DE/DE"},
         {"F>D H-D D>E", "F", "F", 'F', "DH/DEH"},
+        {"F>A A-B C-D A-D", "F", "F", 'F', "ABDC/ABDC"},
         // Of two nodes the one that is a dimension is kept, whichever side of the join it is on.
         {"A>X F>B A-B", "F", "F", 'F', "BA/BXA"},
         {"A>X F>B B-A", "F", "F", 'F', "BA/BXA"},
@@ -168,6 +169,12 @@ TEST(FactFinder, KeepsTheJoinThatClosesACycle)
     AQE_FactFinder loop;
     EXPECT_EQ(AddJoins(loop, "A>A"), CycleError);
     EXPECT_EQ(Facts(loop) + Dimensions(loop, 'A'), "AA/A");
+
+    // The circle leads through what G had as a dimension before the merge.
+    AQE_FactFinder merged;
+    EXPECT_EQ(AddJoins(merged, "F>A G>B A-B B>G"), CycleError);
+    AQE_FactFinder ownDimension;
+    EXPECT_EQ(AddJoins(ownDimension, "F>D F-D D>E"), CycleError);
 }
 
 TEST(FactFinder, EndsOnNodesThatAreTheirOwnParents)

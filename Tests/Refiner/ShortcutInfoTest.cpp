@@ -104,12 +104,19 @@ TEST(ShortcutInfo, JoinsTheMembersOfEachGroup)
         {"a join to the target moves the shortcut to it",
          "folder B; T; folder A; S -> T; T >- S; folder C; R -> T", "S, R", "T-S", "T-S T-R S-R",
          "T-R"},
+        {"the target is the key wherever it lies",
+         "folder A; U; folder B; T; folder A; S -> T; folder C; R -> T", "R, S", "", "T-S T-R S-R",
+         "T-S T-R S-R"},
         {"a join across folders moves a shortcut to the least one",
          "folder A; T; folder C; S -> T; folder B; R -> T; Z -> T; S >- R", "Z, S, R", "S-R",
          "T-S T-R T-Z S-R S-Z R-Z", "T-R T-Z R-Z"},
-        {"a join within a folder moves nothing",
-         "folder A; T; folder B; S -> T; R -> T; S >- R; folder C; Z -> T", "S, R, Z", "S-R",
-         "T-S T-R T-Z S-R S-Z R-Z", "T-R T-Z R-Z"},
+        {"a join within a folder moves nothing, nor does its folder count",
+         "folder A; T; folder B; S -> T; R -> T; S >- R; folder C; Y -> T; folder D; X -> T; X >- "
+         "Y",
+         "S, R, X, Y", "S-R, X-Y", "T-S T-R T-Y T-X S-R S-Y S-X R-Y R-X Y-X", "T-R T-X R-X"},
+        {"a join between references to two targets moves nothing",
+         "folder A; T; U; folder B; R -> U; Q -> T; folder C; S -> T; S >- R", "S, R, Q", "S-R",
+         "T-Q T-S Q-S U-R", "T-Q T-S Q-S U-R"},
         {"joins to shortcuts that nobody asked for move nothing",
          "folder A; T; folder B; S -> T; folder C; R -> S; R >- S", "R", "R-S", "T-S T-R S-R",
          "T-S T-R S-R"},
@@ -214,6 +221,7 @@ TEST(ShortcutInfo, DumpsAndLogsItsGroups)
                              "Orders(100:1) <1:1--1:1> New(109:2)\n"
                              "Orders(100:1) <1:1--1:1> Far(109:3)\n"
                              "New(109:2) <1:1--1:1> Far(109:3)\n";
+    const std::size_t callsWithLog = request.gateway.GetCallCount();
     EXPECT_EQ(request.Dump(), dump);
 
     const std::vector<qe::LogEntry> entries = log.GetEntries();
@@ -226,6 +234,12 @@ TEST(ShortcutInfo, DumpsAndLogsItsGroups)
     EXPECT_EQ(entries[1].level, 11);
     EXPECT_EQ(entries[1].component, 0xA9E143D7U);
     EXPECT_EQ(entries[1].message, 0xA9E60195U);
+
+    const qe::LogCapture quiet(10);
+    Request unlogged(ThreeFolders, ByContainer);
+    unlogged.Build("Orders, Old, New, Far");
+    EXPECT_THAT(quiet.GetEntries(), testing::IsEmpty());
+    EXPECT_LT(unlogged.gateway.GetCallCount(), callsWithLog);
 
     request.gateway.Hide(request.names.Id("Orders"));
     EXPECT_THAT(request.Dump(), testing::HasSubstr("\n(100:1) <-- New(109:2)"));
