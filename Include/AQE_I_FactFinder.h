@@ -37,7 +37,8 @@ public:
     virtual void AddJoin(amd_id joinId, amd_id left, int leftMax, amd_id right, int rightMax) = 0;
 
     /// Appends the dimensions of the query subject that are not yet in `dimensions`: its own, and
-    /// with `recursive` those of its dimensions, depth first. An unknown id has none.
+    /// with `recursive` those of its dimensions, depth first. An unknown id has none; a null
+    /// `dimensions` takes nothing.
     virtual void GetDimensions(amd_id id, std::vector<amd_id>* dimensions, bool recursive) = 0;
 
     /// Appends the facts, in the order in which they became facts.
