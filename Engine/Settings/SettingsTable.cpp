@@ -46,10 +46,11 @@ IniLine ReadLine(const std::string& text)
     return line;
 }
 
-bool IsSectionLine(std::string_view text)
+/// Gives the first character that is not blank; 0 when there is none.
+char FindFirstCharacter(std::string_view text)
 {
-    const std::size_t first = text.find_first_not_of(" \t");
-    return first != std::string_view::npos && text[first] == '[';
+    const std::size_t first = text.find_first_not_of(" \t\r");
+    return first == std::string_view::npos ? '\0' : text[first];
 }
 
 std::optional<int> ToInt(std::string_view text)
@@ -72,7 +73,11 @@ public:
     void Read(const std::string& line)
     {
         ++mLine;
-        if (IsSectionLine(line))
+        const char first = FindFirstCharacter(line);
+        // The reader would take the end of a long comment for a line of its own.
+        if (first == ';' || first == '#')
+            return;
+        if (first == '[')
             ReadSection(line);
         else
             ReadSetting(line);

@@ -37,20 +37,24 @@ TEST_F(SettingsTest, MalformedLinesAreLeftOutAndTheRestHolds)
                 "[General Options]\r\n"
                 "  FFJoins = 2 ; inline\r\n"
                 "    Indented: +5\n"
-                "# comment\n"
+                "# comment " +
+                std::string(300, '=') +
                 "\n"
+                "FFJOINS = 3\n"
                 "no value here\n"
                 "Word = three\n"
                 "Fraction = 1.5\n"
                 "Big = 2147483648\n"
                 "Small = -2147483648\n"
+                "Signs = +-5\n"
                 "Empty =\n"
                 "= 3\n" +
-                std::string(300, 'x') + " = 1\n" + std::string("Zero\0=1\n", 8) +
-                "FFJOINS = 1\n"
+                "FFJoins = 4 ; " + std::string(184, 'x') + "FFJoins = 5\n" +
+                std::string("FFJoins = 7\0 1\n", 15) +
+                "NEWALGO = 1\n"
                 "[Broken\n"
                 "NewAlgo = 0\n"
-                "[Log]\n"
+                "[Log]\n\n"
                 "Last = 9");
     const struct
     {
@@ -58,16 +62,17 @@ TEST_F(SettingsTest, MalformedLinesAreLeftOutAndTheRestHolds)
         const char* key;
         int value;
     } cases[] = {
-        {"General Options", "FFJoins", 1},
-        {"general options", "ffjoins", 1},
+        {"General Options", "FFJoins", 3},
+        {"general options", "ffjoins", 3},
         {"General Options", "Indented", 5},
         {"General Options", "Small", std::numeric_limits<int>::min()},
         {"General Options", "Word", -7},
         {"General Options", "Fraction", -7},
         {"General Options", "Big", -7},
+        {"General Options", "Signs", -7},
         {"General Options", "Empty", -7},
         {"General Options", "", -7},
-        {"General Options", "NewAlgo", -7},
+        {"General Options", "NewAlgo", 1},
         {"Broken", "NewAlgo", -7},
         {"", "NewAlgo", -7},
         {"Log", "Last", 9},
@@ -81,7 +86,7 @@ TEST_F(SettingsTest, MalformedLinesAreLeftOutAndTheRestHolds)
         EXPECT_EQ(problem.path, mFile.GetPath());
         lines.push_back(problem.line);
     }
-    EXPECT_THAT(lines, ElementsAre(7, 8, 9, 10, 12, 13, 14, 15, 17));
+    EXPECT_THAT(lines, ElementsAre(7, 8, 9, 10, 12, 13, 14, 15, 16, 18));
     EXPECT_EQ(ToText(qe::GetSettingsProblems()[1]),
               mFile.GetPath() +
                   ":8: the value of \"Word\" is no whole number that fits: \"three\"");
