@@ -8,6 +8,9 @@
 #include "Engine/Graph/Steiner/SubsetProgramme.h"
 
 #include <algorithm>
+#include <array>
+#include <limits>
+#include <optional>
 
 namespace qe::graph {
 
@@ -15,6 +18,15 @@ namespace {
 
 /// Number of terminals that trees are grown from and ascents are rooted at.
 constexpr std::size_t Starts = 4;
+
+/// How many ascents bound a search, and after how many settled labels more of them pay.
+struct Effort
+{
+    std::size_t ascents;
+    std::size_t mostSettled;
+};
+constexpr std::array Efforts{Effort{2, 3000}, Effort{8, 30000},
+                             Effort{32, std::numeric_limits<std::size_t>::max()}};
 
 /// Share of the time after which the local search is cut short.
 constexpr double LocalSearchShare = 0.1;
@@ -41,39 +53,61 @@ void BlockSearch::FindTree(std::uint32_t start, std::span<const std::uint8_t> is
     mKnownWeight = std::min(mKnownWeight, mTree.weight);
 }
 
-/// Bounds the optimum from below with the given root, and from above by a tree grown along
-/// edges that the ascent has used up.
-void BlockSearch::Ascend(std::uint32_t root)
+/// Bounds the optimum from below with the given root, guided or not, and marks what the bound
+/// excludes.
+void BlockSearch::Ascend(std::uint32_t root, std::span<const std::uint32_t> guide)
 {
-    mAscent.Run(root, mBudget);
+    mAscent.Run(root, guide, mBudget);
     if (mAscent.GetBound() > mLowerBound) {
         mLowerBound = mAscent.GetBound();
         mBestRoot = root;
     }
+    if (!mBudget.IsExhausted())
+        FindTreeAlongAscent();
+    MarkDispensable(mNetwork, mAscent, mKnownWeight, mIsDispensable);
+}
+
+/// Bounds the optimum from above by a tree grown along edges that the last ascent has used up.
+void BlockSearch::FindTreeAlongAscent()
+{
     std::vector<std::uint8_t> isUsable(mNetwork.GetEdgeCount());
     for (std::uint32_t edge = 0; edge < mNetwork.GetEdgeCount(); ++edge) {
         isUsable[edge] = mAscent.GetReduced(2 * edge) == 0 || mAscent.GetReduced(2 * edge + 1) == 0;
     }
-    if (!mBudget.IsExhausted())
-        FindTree(root, isUsable);
+    FindTree(mAscent.GetRoot(), isUsable);
+}
+
+/// Answers the best root and others spread over the terminals.
+std::vector<std::uint32_t> BlockSearch::ChooseRoots(std::size_t most) const
+{
+    const std::span<const std::uint32_t> terminals = mNetwork.GetTerminals();
+    std::vector<std::uint32_t> roots{mBestRoot};
+    const std::size_t count = std::min(most, terminals.size());
+    for (std::size_t place = 0; place < count && roots.size() < count; ++place) {
+        const std::uint32_t root = terminals[place * terminals.size() / count];
+        if (root != mBestRoot)
+            roots.push_back(root);
+    }
+    return roots;
 }
 
 std::size_t BlockSearch::Shed()
 {
     const std::span<const std::uint32_t> terminals = mNetwork.GetTerminals();
-    std::vector<std::uint8_t> isDispensable(mNetwork.GetEdgeCount());
+    mIsDispensable.assign(mNetwork.GetEdgeCount(), 0);
     FindTree(terminals.front(), {});
     const std::size_t starts = std::min(Starts, terminals.size());
-    for (std::size_t start = 0; start < starts && !mBudget.IsExhausted(); ++start) {
-        Ascend(terminals[start * terminals.size() / starts]);
-        MarkDispensable(mNetwork, mAscent, mKnownWeight, isDispensable);
-    }
+    for (std::size_t start = 0; start < starts && !mBudget.IsExhausted(); ++start)
+        Ascend(terminals[start * terminals.size() / starts], {});
     LocalSearch(mNetwork, mGrower).Improve(mTree, mBudget, LocalSearchShare);
     mKnownWeight = std::min(mKnownWeight, mTree.weight);
-    MarkDispensable(mNetwork, mAscent, mKnownWeight, isDispensable);
+    for (std::size_t start = 0; start < starts && !mBudget.IsExhausted(); ++start) {
+        const std::vector<std::uint32_t> guide = mTree.edges;
+        Ascend(terminals[start * terminals.size() / starts], guide);
+    }
     std::size_t count = 0;
     for (std::uint32_t edge = 0; edge < mNetwork.GetEdgeCount(); ++edge) {
-        if (isDispensable[edge] == 0)
+        if (mIsDispensable[edge] == 0)
             continue;
         mBlock.RemoveEdge(mNetwork.GetNetworkEdge(edge));
         ++count;
@@ -83,7 +117,7 @@ std::size_t BlockSearch::Shed()
 
 BlockSearch::Outcome BlockSearch::Search(TreeFamily& family)
 {
-    const std::size_t count = mNetwork.GetTerminals().size() - 1;
+    const std::size_t count = mNetwork.GetTerminals().size();
     if (count <= TerminalSet<1>::Capacity)
         return SearchWith<1>(family);
     if (count <= TerminalSet<2>::Capacity)
@@ -104,24 +138,48 @@ BlockSearch::Outcome BlockSearch::AnswerTree(TreeFamily& family,
     return {weight, std::min(weight, lowerBound), ECount::AtLeast};
 }
 
+/// Adds bounds until there are so many, or every terminal was root twice: every other root is
+/// guided, and the second round changes places.
+template <std::size_t Words>
+void BlockSearch::AddBounds(std::size_t most, std::vector<RestBound<Words>>& bounds)
+{
+    const std::vector<std::uint32_t> roots = ChooseRoots(most);
+    most = std::min(most, 2 * roots.size());
+    while (bounds.size() < most && !mBudget.IsExhausted()) {
+        const std::size_t round = bounds.size() / roots.size();
+        const std::size_t place = bounds.size() % roots.size();
+        std::vector<std::uint32_t> guide;
+        if ((round + place) % 2 == 0)
+            guide = mTree.edges;
+        RestBound<Words>& bound = bounds.emplace_back(mNetwork, mBestRoot);
+        mAscent.Run(roots[place], guide, mBudget, &bound);
+        bound.Finish(mAscent);
+        mLowerBound = std::max(mLowerBound, mAscent.GetBound());
+    }
+}
+
 template <std::size_t Words>
 BlockSearch::Outcome BlockSearch::SearchWith(TreeFamily& family)
 {
-    RestBound<Words> rest(mNetwork, mBestRoot);
-    mAscent.Run(mBestRoot, mBudget, &rest);
-    rest.Finish(mAscent);
-    mLowerBound = std::max(mLowerBound, mAscent.GetBound());
-    SubsetProgramme<Words> programme(mNetwork, mBestRoot, rest, mKnownWeight, mBudget);
-    if (programme.Run() == SubsetProgramme<Words>::EOutcome::Exhausted) {
-        return AnswerTree(family, mTree.edges, mTree.weight,
-                          std::max(mLowerBound, programme.GetBound()));
+    std::vector<RestBound<Words>> bounds;
+    std::optional<SubsetProgramme<Words>> programme;
+    auto outcome = SubsetProgramme<Words>::EOutcome::Paused;
+    for (const Effort& effort : Efforts) {
+        if (outcome != SubsetProgramme<Words>::EOutcome::Paused)
+            break;
+        AddBounds(effort.ascents, bounds);
+        programme.emplace(mNetwork, mBestRoot, bounds, mKnownWeight, mBudget);
+        outcome = programme->Run(effort.mostSettled);
+        mLowerBound = std::max(mLowerBound, programme->GetBound());
     }
+    if (outcome == SubsetProgramme<Words>::EOutcome::Exhausted)
+        return AnswerTree(family, mTree.edges, mTree.weight, mLowerBound);
     std::vector<StrandIndex> strands;
     for (std::uint32_t edge = 0; edge < mNetwork.GetEdgeCount(); ++edge)
         strands.push_back(mBlock.GetStrand(mNetwork.GetNetworkEdge(edge)));
-    const std::uint64_t weight = programme.GetBound();
+    const std::uint64_t weight = programme->GetBound();
     DerivationGraph graph(mBlock.GetStrands());
-    DerivationBuilder<Words> builder(programme, strands, mBudget);
+    DerivationBuilder<Words> builder(*programme, strands, mBudget);
     if (builder.Build(graph) == DerivationBuilder<Words>::EOutcome::Exhausted) {
         std::vector<std::uint32_t> edges;
         builder.AppendOneTree(edges);

@@ -5,6 +5,7 @@
 #include "Engine/Graph/Steiner/FlatNetwork.h"
 #include "Engine/Graph/Steiner/LocalSearch.h"
 #include "Engine/Graph/Steiner/Network.h"
+#include "Engine/Graph/Steiner/RestBound.h"
 #include "Engine/Graph/Steiner/SteinerSolver.h"
 #include "Engine/Graph/Steiner/TreeFamily.h"
 #include "Engine/Graph/Steiner/TreeGrower.h"
@@ -45,7 +46,11 @@ public:
 
 private:
     void FindTree(std::uint32_t start, std::span<const std::uint8_t> isUsable);
-    void Ascend(std::uint32_t root);
+    void Ascend(std::uint32_t root, std::span<const std::uint32_t> guide);
+    void FindTreeAlongAscent();
+    [[nodiscard]] std::vector<std::uint32_t> ChooseRoots(std::size_t most) const;
+    template <std::size_t Words>
+    void AddBounds(std::size_t most, std::vector<RestBound<Words>>& bounds);
     template <std::size_t Words>
     Outcome SearchWith(TreeFamily& family);
     Outcome AnswerTree(TreeFamily& family, const std::vector<std::uint32_t>& edges,
@@ -60,6 +65,7 @@ private:
     std::uint64_t mLowerBound = 0;
     std::uint32_t mBestRoot = 0;
     SteinerTree mTree;
+    std::vector<std::uint8_t> mIsDispensable;
 };
 
 } // namespace qe::graph

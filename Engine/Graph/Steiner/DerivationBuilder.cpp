@@ -112,20 +112,15 @@ void DerivationBuilder<Words>::FindJoins(Item& item)
     const LabelTable& labels = mProgramme.GetLabels();
     const Label& label = labels.Get(item.label);
     const Set& set = mProgramme.GetSet(label.set);
-    const std::uint32_t lowest = set.GetLowest();
-    const std::span<const Set> sets = mProgramme.GetSettledSets(label.node);
-    const std::span<const std::uint32_t> settled = mProgramme.GetSettled(label.node);
     item.firstJoin = static_cast<std::uint32_t>(mJoins.size());
-    for (std::size_t place = 0; place < sets.size(); ++place) {
-        if (!sets[place].Contains(lowest) || !sets[place].IsSubsetOf(set) || sets[place] == set)
-            continue;
-        const std::uint64_t weight = labels.Get(settled[place]).weight;
-        if (weight > label.weight)
-            continue;
-        const std::uint32_t others = mProgramme.FindSettled(label.node, set.Without(sets[place]));
-        if (others != LabelTable::None && labels.Get(others).weight + weight == label.weight)
-            mJoins.push_back({settled[place], others});
-    }
+    using Entry = typename NodeLabels<Words>::Entry;
+    mProgramme.GetSettled(label.node).ForEachPart(set, [&](const Entry& branch) {
+        if (branch.weight > label.weight)
+            return;
+        const std::uint32_t others = mProgramme.FindSettled(label.node, set.Without(branch.set));
+        if (others != LabelTable::None && labels.Get(others).weight + branch.weight == label.weight)
+            mJoins.push_back({branch.label, others});
+    });
     item.joinCount = static_cast<std::uint32_t>(mJoins.size()) - item.firstJoin;
 }
 

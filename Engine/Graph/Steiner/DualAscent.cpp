@@ -9,13 +9,22 @@
 
 namespace qe::graph {
 
+namespace {
+
+/// What one needless entry of the guiding tree into a set weighs against the set's size.
+constexpr std::uint64_t GuidePenalty = 1U << 20;
+
+} // namespace
+
 DualAscent::DualAscent(const FlatNetwork& network)
     : mNetwork(network), mIsActive(network.GetNodeCount()), mStamps(network.GetNodeCount())
 {}
 
-void DualAscent::Run(std::uint32_t root, Budget& budget, CutObserver* observer)
+void DualAscent::Run(std::uint32_t root, std::span<const std::uint32_t> guide, Budget& budget,
+                     CutObserver* observer)
 {
     mRoot = root;
+    SetGuide(guide);
     mBound = 0;
     mReduced.resize(mNetwork.GetHalfCount());
     for (std::uint32_t half = 0; half < mNetwork.GetHalfCount(); ++half)
@@ -29,16 +38,47 @@ void DualAscent::Run(std::uint32_t root, Budget& budget, CutObserver* observer)
     while (!queue.empty() && !budget.IsExhausted()) {
         Entry entry = queue.top();
         queue.pop();
-        const std::uint64_t limit = queue.empty() ? Saturated : queue.top().size;
-        if (Ascend(entry.terminal, limit, entry.size, observer) == EOutcome::Paused)
+        const std::uint64_t limit = queue.empty() ? Saturated : queue.top().cost;
+        if (Ascend(entry.terminal, limit, entry.cost, observer) == EOutcome::Paused)
             queue.push(entry);
         else
             mIsActive[entry.terminal] = 0;
     }
 }
 
-DualAscent::EOutcome DualAscent::Ascend(std::uint32_t terminal, std::uint64_t sizeLimit,
-                                        std::uint64_t& size, CutObserver* observer)
+/// Turns the edges of the guiding tree away from the root.
+void DualAscent::SetGuide(std::span<const std::uint32_t> guide)
+{
+    mIsGuide.assign(mNetwork.GetHalfCount(), 0);
+    for (const std::uint32_t edge : guide) {
+        mIsGuide[2 * edge] = 1;
+        mIsGuide[2 * edge + 1] = 1;
+    }
+    if (guide.empty())
+        return;
+    mSet.assign(1, mRoot);
+    for (std::size_t place = 0; place < mSet.size(); ++place) {
+        for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(mSet[place])) {
+            if (mIsGuide[arc.half] == 0)
+                continue;
+            mIsGuide[arc.half ^ 1U] = 0;
+            mSet.push_back(arc.target);
+        }
+    }
+}
+
+/// Answers what raising the set at hand costs in later chances.
+std::uint64_t DualAscent::GetCost() const
+{
+    std::uint64_t crossings = 0;
+    for (const std::uint32_t half : mEntering)
+        crossings += mIsGuide[half];
+    const std::uint64_t detours = crossings > 1 ? crossings - 1 : 0;
+    return detours * GuidePenalty + mEntering.size();
+}
+
+DualAscent::EOutcome DualAscent::Ascend(std::uint32_t terminal, std::uint64_t costLimit,
+                                        std::uint64_t& cost, CutObserver* observer)
 {
     ++mStamp;
     mStamps[terminal] = mStamp;
@@ -47,17 +87,17 @@ DualAscent::EOutcome DualAscent::Ascend(std::uint32_t terminal, std::uint64_t si
     mEntering.clear();
     // A set somewhat above the limit is raised all the same: it was just built, and building it
     // again costs more than the order is worth.
-    const std::uint64_t eagerLimit = sizeLimit == Saturated ? Saturated : sizeLimit * 5 / 4;
+    const std::uint64_t eagerLimit = costLimit == Saturated ? Saturated : costLimit * 5 / 4;
     for (bool isFirst = true;; isFirst = false) {
         if (!Spread(terminal))
             return EOutcome::Finished;
         std::erase_if(mEntering, [this](std::uint32_t half) {
             return mStamps[mNetwork.GetOrigin(half)] == mStamp;
         });
-        size = mEntering.size();
-        if (size == 0)
+        if (mEntering.empty())
             return EOutcome::Finished;
-        if (size > (isFirst ? sizeLimit : eagerLimit))
+        cost = GetCost();
+        if (cost > (isFirst ? costLimit : eagerLimit))
             return EOutcome::Paused;
         RaiseCut(observer);
     }

@@ -37,7 +37,11 @@ public:
 
     /// Runs with the given root and replaces what was known. Stops early, with a bound that is
     /// valid but weaker, when the budget runs out.
-    void Run(std::uint32_t root, Budget& budget, CutObserver* observer = nullptr);
+    ///
+    /// A light tree, when given, guides the ascent: where its bound is tight, every set that pays
+    /// is entered by a lightest tree once, so sets that the given tree enters more often wait.
+    void Run(std::uint32_t root, std::span<const std::uint32_t> guide, Budget& budget,
+             CutObserver* observer = nullptr);
 
     [[nodiscard]] std::uint32_t GetRoot() const { return mRoot; }
     [[nodiscard]] std::uint64_t GetBound() const { return mBound; }
@@ -52,13 +56,15 @@ private:
     };
     struct Entry
     {
-        std::uint64_t size;
+        std::uint64_t cost;
         std::uint32_t terminal;
         friend auto operator<=>(const Entry&, const Entry&) = default;
     };
 
-    EOutcome Ascend(std::uint32_t terminal, std::uint64_t sizeLimit, std::uint64_t& size,
+    EOutcome Ascend(std::uint32_t terminal, std::uint64_t costLimit, std::uint64_t& cost,
                     CutObserver* observer);
+    void SetGuide(std::span<const std::uint32_t> guide);
+    [[nodiscard]] std::uint64_t GetCost() const;
     bool Spread(std::uint32_t terminal);
     void RaiseCut(CutObserver* observer);
 
@@ -67,6 +73,8 @@ private:
     std::uint64_t mBound = 0;
     std::vector<std::uint64_t> mReduced;
     std::vector<std::uint8_t> mIsActive;
+    /// Half-edges by which the guiding tree leads away from the root.
+    std::vector<std::uint8_t> mIsGuide;
     /// The set at hand: its nodes, how many of them have been spread from, and the half-edges
     /// that lead into it with some weight left.
     std::vector<std::uint32_t> mSet;

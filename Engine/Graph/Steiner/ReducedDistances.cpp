@@ -47,6 +47,17 @@ std::vector<std::uint64_t> GetReducedFromRoot(const FlatNetwork& network, const 
     return distances;
 }
 
+std::vector<std::uint64_t> GetReducedTo(const FlatNetwork& network, const DualAscent& ascent,
+                                        std::uint32_t target)
+{
+    std::vector<std::uint64_t> distances(network.GetNodeCount(), Saturated);
+    Queue queue;
+    distances[target] = 0;
+    queue.emplace(0, target);
+    Spread(network, ascent, 1, queue, distances);
+    return distances;
+}
+
 std::vector<std::uint64_t> GetReducedToTerminal(const FlatNetwork& network,
                                                 const DualAscent& ascent)
 {

@@ -14,6 +14,11 @@ class FlatNetwork;
 [[nodiscard]] std::vector<std::uint64_t> GetReducedFromRoot(const FlatNetwork& network,
                                                             const DualAscent& ascent);
 
+/// Answers for each node the reduced weight of the lightest way from it to the given one, and
+/// Saturated where there is none.
+[[nodiscard]] std::vector<std::uint64_t>
+GetReducedTo(const FlatNetwork& network, const DualAscent& ascent, std::uint32_t target);
+
 /// Answers for each node the reduced weight of the lightest way from it to a terminal that is
 /// not the root, and Saturated where there is none.
 [[nodiscard]] std::vector<std::uint64_t> GetReducedToTerminal(const FlatNetwork& network,

@@ -11,14 +11,15 @@ constexpr std::uint32_t None = 0xFFFFFFFF;
 } // namespace
 
 template <std::size_t Words>
-RestBound<Words>::RestBound(const FlatNetwork& network, std::uint32_t root)
-    : mBits(network.GetNodeCount(), None), mLast(network.GetNodeCount(), None), mNetwork(network)
+RestBound<Words>::RestBound(const FlatNetwork& network, std::uint32_t searchRoot)
+    : mNetwork(network),
+      mSearchRoot(searchRoot),
+      mBits(network.GetNodeCount(), None),
+      mLast(network.GetNodeCount(), None)
 {
     std::uint32_t bit = 0;
-    for (const std::uint32_t terminal : network.GetTerminals()) {
-        if (terminal != root)
-            mBits[terminal] = bit++;
-    }
+    for (const std::uint32_t terminal : network.GetTerminals())
+        mBits[terminal] = bit++;
 }
 
 template <std::size_t Words>
@@ -46,10 +47,15 @@ void RestBound<Words>::Raise(std::span<const std::uint32_t> nodes, std::uint64_t
 template <std::size_t Words>
 void RestBound<Words>::Finish(const DualAscent& ascent)
 {
-    mWays = GetReducedFromRoot(mNetwork, ascent);
+    mRootBit = mBits[ascent.GetRoot()];
+    mWaysFromRoot = GetReducedFromRoot(mNetwork, ascent);
+    mWaysToSearchRoot = GetReducedTo(mNetwork, ascent, mSearchRoot);
+    mTotals.assign(mNetwork.GetNodeCount(), 0);
     mFirst.assign(mNetwork.GetNodeCount() + 1, 0);
-    for (const NumberedCharge& raised : mRaised)
+    for (const NumberedCharge& raised : mRaised) {
         ++mFirst[raised.node + 1];
+        mTotals[raised.node] += raised.price;
+    }
     for (std::uint32_t node = 0; node < mNetwork.GetNodeCount(); ++node)
         mFirst[node + 1] += mFirst[node];
     std::vector<std::uint32_t> place(mFirst.begin(), mFirst.end() - 1);

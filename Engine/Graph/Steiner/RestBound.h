@@ -10,42 +10,45 @@
 
 namespace qe::graph {
 
-/// Bounds what is missing when a partial tree joins some terminals to a node.
+/// Bounds what is missing when a partial tree joins some terminals to a node, by one dual ascent.
 ///
-/// The rest of the tree, seen from the root, must reach the node and all other terminals. So it
-/// enters every cut of a dual ascent that holds the node or one of those terminals, and pays its
-/// price; and it contains a way from the root to the node, which pays the reduced weights. The
-/// bound is consistent: growing along an edge, or joining two partial trees, never lowers the
-/// weight so far plus the bound. So a best-first search settles each partial tree once.
+/// The rest of the tree connects the node and all other terminals, among them the search's root.
+/// When the ascent's root is there too, then the rest, seen from it, enters every cut that holds
+/// the node or one of those terminals, and contains a way to the node that pays the reduced
+/// weights. When the ascent's root is joined already, the rest, seen from the node, enters every
+/// cut that holds another terminal but not the node, and contains a way to the search's root.
+///
+/// The bound is consistent: growing along an edge, or joining two partial trees, never lowers
+/// the weight so far plus the bound. So a best-first search settles each partial tree once, also
+/// with the greatest of several such bounds.
 template <std::size_t Words>
 class RestBound : public CutObserver
 {
 public:
     using Set = TerminalSet<Words>;
 
-    /// Takes the root that the terminals are numbered without.
-    RestBound(const FlatNetwork& network, std::uint32_t root);
+    /// Takes the root of the search.
+    RestBound(const FlatNetwork& network, std::uint32_t searchRoot);
 
     void Raise(std::span<const std::uint32_t> nodes, std::uint64_t price) override;
 
     /// Packs what was raised for the search; needs the reduced weights of the finished ascent.
     void Finish(const DualAscent& ascent);
 
-    /// Answers the number of a terminal that is not the root, else None.
-    [[nodiscard]] std::uint32_t GetBit(std::uint32_t node) const { return mBits[node]; }
-
     /// Answers what the terminals that are not in the set demand, wherever the node lies.
     [[nodiscard]] std::uint64_t GetSetPart(const Set& set) const;
 
-    /// Answers what the node demands beyond that.
-    [[nodiscard]] std::uint64_t GetNodePart(std::uint32_t node, const Set& set) const
+    /// Answers the bound, from the part that the set demands.
+    [[nodiscard]] std::uint64_t Get(std::uint32_t node, const Set& set, std::uint64_t setPart) const
     {
-        std::uint64_t bound = mWays[node];
+        std::uint64_t joined = 0;
         for (std::uint32_t place = mFirst[node]; place < mFirst[node + 1]; ++place) {
             if (mCharges[place].set.IsSubsetOf(set))
-                bound += mCharges[place].price;
+                joined += mCharges[place].price;
         }
-        return bound;
+        if (!set.Contains(mRootBit))
+            return setPart + joined + mWaysFromRoot[node];
+        return setPart + joined - mTotals[node] + mWaysToSearchRoot[node];
     }
 
 private:
@@ -61,6 +64,10 @@ private:
         std::uint64_t price;
     };
 
+    const FlatNetwork& mNetwork;
+    std::uint32_t mSearchRoot;
+    /// The number that the ascent's root has among the terminals.
+    std::uint32_t mRootBit = 0;
     std::vector<std::uint32_t> mBits;
     SetTable<Words> mSets;
     std::vector<std::uint64_t> mPrices;
@@ -69,9 +76,10 @@ private:
     std::vector<std::uint32_t> mLast;
     std::vector<std::uint32_t> mFirst;
     std::vector<Charge> mCharges;
-    /// Reduced weight of the way from the root to each node.
-    std::vector<std::uint64_t> mWays;
-    const FlatNetwork& mNetwork;
+    /// Sum of the charges at each node.
+    std::vector<std::uint64_t> mTotals;
+    std::vector<std::uint64_t> mWaysFromRoot;
+    std::vector<std::uint64_t> mWaysToSearchRoot;
 };
 
 } // namespace qe::graph

@@ -10,29 +10,33 @@ namespace qe::graph {
 
 template <std::size_t Words>
 SubsetProgramme<Words>::SubsetProgramme(const FlatNetwork& network, std::uint32_t root,
-                                        const RestBound<Words>& bound, std::uint64_t knownWeight,
-                                        Budget& budget)
+                                        std::span<const RestBound<Words>> bounds,
+                                        std::uint64_t knownWeight, Budget& budget)
     : mNetwork(network),
-      mRest(bound),
+      mRestBounds(bounds),
       mBudget(budget),
       mRoot(root),
       mLimit(knownWeight),
+      mBits(network.GetNodeCount()),
       mSettledAt(network.GetNodeCount())
 {
+    std::uint32_t bit = 0;
     for (const std::uint32_t terminal : network.GetTerminals()) {
+        mBits[terminal] = bit++;
         if (terminal != root)
-            mAll.Add(bound.GetBit(terminal));
+            mAll.Add(mBits[terminal]);
     }
 }
 
 template <std::size_t Words>
-typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Run()
+typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Run(std::size_t mostSettled)
 {
     for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
         if (terminal != mRoot)
-            Offer(terminal, Intern(Set::Single(mRest.GetBit(terminal))), 0);
+            Offer(terminal, Intern(Set::Single(mBits[terminal])), 0);
     }
     std::size_t charged = 0;
+    std::size_t settled = 0;
     while (!mQueue.empty()) {
         const QueueEntry entry = mQueue.front();
         mBound = std::min(entry.key, mLimit);
@@ -40,11 +44,15 @@ typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Run()
             break;
         if (mBudget.IsExhausted())
             return EOutcome::Exhausted;
+        if (settled > mostSettled)
+            return EOutcome::Paused;
         std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
         mQueue.pop_back();
         const Label& label = mLabels.Get(entry.label);
-        if (!label.isSettled && label.weight + label.rest == entry.key)
+        if (!label.isSettled && label.weight + label.rest == entry.key) {
             Settle(entry.label);
+            ++settled;
+        }
         const std::size_t bytes = mLabels.GetBytes() + mQueue.capacity() * sizeof(QueueEntry) +
                                   mSetInfos.capacity() * (sizeof(SetInfo) + sizeof(Set) + 8) +
                                   mLabels.GetCount() * (sizeof(Set) + 8);
@@ -59,9 +67,28 @@ template <std::size_t Words>
 std::uint32_t SubsetProgramme<Words>::Intern(const Set& set)
 {
     const std::uint32_t number = mSets.Intern(set);
-    if (number == mSetInfos.size())
-        mSetInfos.push_back({mRest.GetSetPart(set), Saturated});
+    if (number < mSetInfos.size())
+        return number;
+    std::uint64_t least = 0;
+    for (const RestBound<Words>& bound : mRestBounds) {
+        mSetParts.push_back(bound.GetSetPart(set));
+        least = std::max(least, mSetParts.back());
+    }
+    mSetInfos.push_back({mRestBounds.size() == 1 ? least : 0, Saturated});
     return number;
+}
+
+/// Answers the greatest bound, or the first one that is above the limit.
+template <std::size_t Words>
+std::uint64_t SubsetProgramme<Words>::GetRest(std::uint32_t node, std::uint32_t set,
+                                              std::uint64_t limit) const
+{
+    std::uint64_t rest = 0;
+    for (std::size_t bound = 0; bound < mRestBounds.size() && rest <= limit; ++bound) {
+        const std::uint64_t setPart = mSetParts[set * mRestBounds.size() + bound];
+        rest = std::max(rest, mRestBounds[bound].Get(node, mSets.Get(set), setPart));
+    }
+    return rest;
 }
 
 template <std::size_t Words>
@@ -77,7 +104,7 @@ void SubsetProgramme<Words>::Offer(std::uint32_t node, std::uint32_t set, std::u
             return;
         label.weight = weight;
     } else {
-        const std::uint64_t rest = info.rest + mRest.GetNodePart(node, mSets.Get(set));
+        const std::uint64_t rest = GetRest(node, set, mLimit - weight);
         if (weight + rest > mLimit)
             return;
         number = mLabels.Add({node, set, weight, rest});
@@ -95,9 +122,8 @@ void SubsetProgramme<Words>::Settle(std::uint32_t number)
     if (label.weight > info.cap)
         return;
     const Set set = mSets.Get(label.set);
-    const std::uint32_t bit = mRest.GetBit(label.node);
-    const bool isOutside =
-        label.node == mRoot || (mNetwork.IsTerminal(label.node) && !set.Contains(bit));
+    const bool isOutside = label.node == mRoot ||
+                           (mNetwork.IsTerminal(label.node) && !set.Contains(mBits[label.node]));
     if (isOutside)
         info.cap = label.weight;
     if (label.node == mRoot && set == mAll) {
@@ -106,9 +132,7 @@ void SubsetProgramme<Words>::Settle(std::uint32_t number)
     }
     if (!isOutside)
         GrowFrom(label);
-    JoinAt(label);
-    mSettledAt[label.node].sets.push_back(set);
-    mSettledAt[label.node].labels.push_back(number);
+    JoinAt(label, number);
 }
 
 template <std::size_t Words>
@@ -119,17 +143,17 @@ void SubsetProgramme<Words>::GrowFrom(const Label& label)
 }
 
 template <std::size_t Words>
-void SubsetProgramme<Words>::JoinAt(const Label& label)
+void SubsetProgramme<Words>::JoinAt(const Label& label, std::uint32_t number)
 {
     const Set set = mSets.Get(label.set);
-    const Settled& settled = mSettledAt[label.node];
-    for (std::size_t place = 0; place < settled.sets.size(); ++place) {
-        if (set.Intersects(settled.sets[place]))
-            continue;
-        const std::uint64_t weight = label.weight + mLabels.Get(settled.labels[place]).weight;
-        if (weight <= mLimit)
-            Offer(label.node, Intern(set.Union(settled.sets[place])), weight);
-    }
+    NodeLabels<Words>& settled = mSettledAt[label.node];
+    settled.ForEachDisjoint(set, mAll, [&](const typename NodeLabels<Words>::Entry& other) {
+        const std::uint64_t weight = label.weight + other.weight;
+        const Set joined = set.Union(other.set);
+        if (weight <= mLimit && settled.Improves(joined, weight))
+            Offer(label.node, Intern(joined), weight);
+    });
+    settled.Add({set, label.weight, number}, mAll);
 }
 
 template <std::size_t Words>

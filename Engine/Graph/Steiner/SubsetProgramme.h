@@ -2,6 +2,7 @@
 #define ENGINE_GRAPH_STEINER_SUBSETPROGRAMME_H
 
 #include "Engine/Graph/Steiner/LabelTable.h"
+#include "Engine/Graph/Steiner/NodeLabels.h"
 #include "Engine/Graph/Steiner/RestBound.h"
 #include "Engine/Graph/Steiner/SetTable.h"
 
@@ -37,47 +38,41 @@ class SubsetProgramme
 public:
     using Set = TerminalSet<Words>;
 
-    /// Takes a weight that some tree has.
-    SubsetProgramme(const FlatNetwork& network, std::uint32_t root, const RestBound<Words>& bound,
-                    std::uint64_t knownWeight, Budget& budget);
+    /// Takes at least one bound for this root, and a weight that some tree has.
+    SubsetProgramme(const FlatNetwork& network, std::uint32_t root,
+                    std::span<const RestBound<Words>> bounds, std::uint64_t knownWeight,
+                    Budget& budget);
 
     enum class EOutcome
     {
         Solved,
+        Paused,
         Exhausted,
     };
-    EOutcome Run();
+    /// Searches until the optimum is known, the given number of labels is settled, or the budget
+    /// runs out.
+    EOutcome Run(std::size_t mostSettled);
 
     /// Answers the weight that no tree is below: the optimum once solved.
     [[nodiscard]] std::uint64_t GetBound() const { return mBound; }
 
     [[nodiscard]] const FlatNetwork& GetNetwork() const { return mNetwork; }
     [[nodiscard]] std::uint32_t GetRoot() const { return mRoot; }
-    [[nodiscard]] std::uint32_t GetBit(std::uint32_t node) const { return mRest.GetBit(node); }
+    [[nodiscard]] std::uint32_t GetBit(std::uint32_t node) const { return mBits[node]; }
     [[nodiscard]] const LabelTable& GetLabels() const { return mLabels; }
     [[nodiscard]] const Set& GetSet(std::uint32_t number) const { return mSets.Get(number); }
     /// Answers the settled label of the node and set, or LabelTable::None.
     [[nodiscard]] std::uint32_t FindSettled(std::uint32_t node, const Set& set) const;
     [[nodiscard]] std::uint32_t FindSettled(std::uint32_t node, std::uint32_t set) const;
     /// Answers the settled labels of the node.
-    [[nodiscard]] std::span<const std::uint32_t> GetSettled(std::uint32_t node) const
+    [[nodiscard]] const NodeLabels<Words>& GetSettled(std::uint32_t node) const
     {
-        return mSettledAt[node].labels;
-    }
-    /// Answers their sets, in the same order.
-    [[nodiscard]] std::span<const Set> GetSettledSets(std::uint32_t node) const
-    {
-        return mSettledAt[node].sets;
+        return mSettledAt[node];
     }
     /// Answers the set of all terminals but the root.
     [[nodiscard]] const Set& GetAll() const { return mAll; }
 
 private:
-    struct Settled
-    {
-        std::vector<Set> sets;
-        std::vector<std::uint32_t> labels;
-    };
     struct QueueEntry
     {
         std::uint64_t key;
@@ -86,28 +81,34 @@ private:
     };
     struct SetInfo
     {
+        /// Least rest that any node leaves.
         std::uint64_t rest;
         /// Least weight at which a terminal outside the set was joined.
         std::uint64_t cap;
     };
 
     void Offer(std::uint32_t node, std::uint32_t set, std::uint64_t weight);
+    [[nodiscard]] std::uint64_t GetRest(std::uint32_t node, std::uint32_t set,
+                                        std::uint64_t limit) const;
     void Settle(std::uint32_t number);
     void GrowFrom(const Label& label);
-    void JoinAt(const Label& label);
+    void JoinAt(const Label& label, std::uint32_t number);
     std::uint32_t Intern(const Set& set);
 
     const FlatNetwork& mNetwork;
-    const RestBound<Words>& mRest;
+    std::span<const RestBound<Words>> mRestBounds;
     Budget& mBudget;
     std::uint32_t mRoot;
     std::uint64_t mLimit;
     std::uint64_t mBound = 0;
+    std::vector<std::uint32_t> mBits;
     Set mAll;
     SetTable<Words> mSets;
     std::vector<SetInfo> mSetInfos;
+    /// For each set what each bound says of it alone.
+    std::vector<std::uint64_t> mSetParts;
     LabelTable mLabels;
-    std::vector<Settled> mSettledAt;
+    std::vector<NodeLabels<Words>> mSettledAt;
     std::vector<QueueEntry> mQueue;
 };
 
