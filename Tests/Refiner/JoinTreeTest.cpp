@@ -406,8 +406,9 @@ TEST(CrossProductGovernor, CountsThePositionOfSubjectsWithoutObject)
     AQE_Governors governors{2, 0};
     const amd_id unknown{0, 100, 99};
     try {
-        AQE_JoinTree(&model.gateway, {unknown, model["B"].front()}, {}, {}, model.GetNodes(),
-                     model.GetJoins(), &governors, nullptr, nullptr, nullptr, false, {});
+        const AQE_JoinTree tree(&model.gateway, {unknown, model["B"].front()}, {}, {},
+                                model.GetNodes(), model.GetJoins(), &governors, nullptr, nullptr,
+                                nullptr, false, {});
         ADD_FAILURE();
     } catch (const HBNException& error) {
         EXPECT_EQ(error.GetMessages().at(0).GetParameters().at(0).GetText(), ", B");
