@@ -38,6 +38,8 @@ function(qe_add_library name)
   set_target_properties(${name} PROPERTIES
     LINKER_LANGUAGE CXX
     VERSION ${PROJECT_VERSION}
-    SOVERSION ${PROJECT_VERSION_MAJOR})
+    SOVERSION ${PROJECT_VERSION_MAJOR}
+    # An installed library finds its sibling wherever the tree lies.
+    INSTALL_RPATH "$ORIGIN")
   target_link_libraries(${name} PRIVATE ${name}_objects)
 endfunction()

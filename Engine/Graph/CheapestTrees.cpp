@@ -64,7 +64,7 @@ SteinerLimits ReadCheapestTreesLimits()
 
 SteinerResult SearchCheapestTrees(const GraphView& graph, std::span<const NodeIndex> nodes)
 {
-    const SteinerResult result = FindCheapestTrees(graph, nodes, ReadCheapestTreesLimits());
+    SteinerResult result = FindCheapestTrees(graph, nodes, ReadCheapestTreesLimits());
     if (result.connected)
         LogShortfall(result);
     return result;
