@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <limits>
 #include <optional>
 #include <string>
@@ -228,6 +229,37 @@ TEST(JoinGraph, TreesBeyondTheBoundAreCountedInTheLog)
             notices.push_back(entry.text.ToStdString());
         EXPECT_EQ(notices, row.notices);
     }
+}
+
+TEST(JoinGraph, ExceededBudgetIsToldInTheLogWithWeightAndBound)
+{
+    // A cube of eight dimensions, half of whose corners are to be connected, no two of them
+    // neighbours.
+    std::string cube;
+    std::string names;
+    for (unsigned i = 0; i < 256; ++i) {
+        const std::string node = 'n' + std::to_string(i);
+        for (unsigned bit = 1; bit < 256; bit *= 2) {
+            if ((i & bit) == 0)
+                cube += node + "-n" + std::to_string(i | bit) + ":17 ";
+        }
+        if (std::popcount(i) % 2 == 0)
+            names += node + ' ';
+    }
+    const GraphText text(cube);
+    const SettingsOverride seconds("JoinGraph", "CheapestTreesSeconds", 1);
+    const SettingsOverride megabytes("JoinGraph", "CheapestTreesMegabytes", 1);
+    const LogCapture log(1);
+    std::vector<std::string> trees;
+    const std::optional<int> weight = FindCheapest(text, names, trees);
+    ASSERT_TRUE(weight);
+    ASSERT_EQ(trees.size(), 1U);
+    EXPECT_EQ(text.Get().GetPathWeight(text.Ids(trees.front())), weight);
+    ASSERT_EQ(log.GetEntries().size(), 1U);
+    EXPECT_THAT(log.GetEntries().front().text.ToStdString(),
+                testing::MatchesRegex("Cheapest trees: budget exceeded, weight " +
+                                      std::to_string(*weight) +
+                                      ", lower bound [0-9]+, not proven"));
 }
 
 TEST(JoinGraph, SumsOfManyWeightsSaturate)
