@@ -29,7 +29,8 @@ bool AQE_JoinCache::GetJoinInfo(const amd_id& joinId, QEjoinInfo& info) const
 
 void AQE_JoinCache::CacheJoinInfo(const amd_id& joinId, QEjoinInfo& info)
 {
-    mJoinInfos[joinId] = info;
+    // Copied first: when memory runs out the cache must not be left with half a join.
+    mJoinInfos.insert_or_assign(joinId, QEjoinInfo(info));
 }
 
 bool AQE_JoinCache::GetJoinPath(const std::vector<amd_id>& querySubjects,
@@ -49,7 +50,8 @@ void AQE_JoinCache::CacheJoinPath(const std::vector<amd_id>& querySubjects,
                                   const std::vector<amd_id>& requiredJoins,
                                   const std::vector<amd_id>& path)
 {
-    mJoinPaths[MakeKey(querySubjects, favouredJoins, requiredJoins)] = path;
+    mJoinPaths.insert_or_assign(MakeKey(querySubjects, favouredJoins, requiredJoins),
+                                std::vector<amd_id>(path));
 }
 
 std::vector<std::vector<amd_id>> AQE_JoinCache::GetAllJoinPaths()
