@@ -196,6 +196,8 @@ bool AQE_Refiner::GetJoinTreeJoins(amdi_gateway* gateway, const Ids& querySubjec
 {
     const AQE_JoinTree tree(gateway, querySubjects, favouredJoins, requiredJoins, nodes, joins,
                             governors, requestContext, avoidedJoins, mShortcutInfo);
-    tree.GetTreeJoins(treeJoins);
+    Ids found;
+    tree.GetTreeJoins(found);
+    Append(treeJoins, found);
     return !treeJoins.empty();
 }
