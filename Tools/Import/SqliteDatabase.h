@@ -1,0 +1,88 @@
+#ifndef TOOLS_IMPORT_SQLITEDATABASE_H
+#define TOOLS_IMPORT_SQLITEDATABASE_H
+
+#include <cstdint>
+#include <filesystem>
+#include <list>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace qe::tool {
+
+/// What SQLite says about a statement or file.
+class SqliteError : public std::runtime_error
+{
+public:
+    /// Takes the byte of the statement that is wrong; -1 when the fault is nowhere in it.
+    SqliteError(const std::string& text, int offset) : std::runtime_error(text), mOffset(offset) {}
+
+    [[nodiscard]] int GetOffset() const noexcept { return mOffset; }
+
+private:
+    int mOffset;
+};
+
+/// An open SQLite database. What runs in it can neither reach other files nor run on for ever:
+/// statements that take too many steps end in an error.
+class SqliteDatabase
+{
+public:
+    /// Opens a file, only to read it. Raises a SqliteError when that cannot be done.
+    [[nodiscard]] static SqliteDatabase OpenFile(const std::filesystem::path& path);
+    /// Makes an empty database in memory.
+    [[nodiscard]] static SqliteDatabase OpenMemory();
+
+    /// Runs the first statement of `script` and gives what follows it; the empty text when there
+    /// was none. Raises a SqliteError when the statement is wrong.
+    std::string_view ExecuteFirst(std::string_view script);
+
+    [[nodiscard]] sqlite3* GetHandle() const { return mHandle.get(); }
+
+private:
+    struct Closer
+    {
+        void operator()(sqlite3* handle) const;
+    };
+
+    SqliteDatabase(const std::string& name, int flags);
+
+    std::unique_ptr<sqlite3, Closer> mHandle;
+    std::unique_ptr<std::int64_t> mSteps;
+};
+
+/// The rows that a statement gives, one after the other.
+class SqliteQuery
+{
+public:
+    /// Raises a SqliteError when the statement is wrong.
+    SqliteQuery(const SqliteDatabase& database, std::string_view statement);
+
+    /// Gives the n-th parameter, counted from 1, a text.
+    SqliteQuery& Bind(int parameter, std::string_view text);
+    /// Goes on to the next row; false when there is none.
+    [[nodiscard]] bool Next();
+    /// Gives a column of the row, counted from 0; the empty text for null.
+    [[nodiscard]] std::string GetText(int column) const;
+    [[nodiscard]] std::int64_t GetNumber(int column) const;
+    [[nodiscard]] bool IsNull(int column) const;
+
+private:
+    struct Finalizer
+    {
+        void operator()(sqlite3_stmt* statement) const;
+    };
+
+    sqlite3* mDatabase;
+    /// What the parameters refer to; a list, whose elements stay where they are.
+    std::list<std::string> mTexts;
+    std::unique_ptr<sqlite3_stmt, Finalizer> mStatement;
+};
+
+} // namespace qe::tool
+
+#endif
