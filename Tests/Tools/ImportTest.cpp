@@ -70,7 +70,7 @@ CREATE TABLE person (person_id INTEGER PRIMARY KEY, boss REFERENCES person, depu
 CREATE TABLE badge (person_id INTEGER PRIMARY KEY REFERENCES person(person_id));
 CREATE TABLE "or]der" (
   order_day INT NOT NULL REFERENCES DAY, ship_day REFERENCES day(DAY_ID),
-  branch TEXT, number INT, lost REFERENCES nowhere, wrong REFERENCES day(nothing),
+  branch TEXT, number INT, lost REFERENCES nowhere, wrong REFERENCES day(nope),
   again REFERENCES day, FOREIGN KEY (again) REFERENCES day,
   FOREIGN KEY (branch, number) REFERENCES account);
 CREATE VIEW late AS SELECT order_day FROM "or]der" WHERE ship_day > order_day;

@@ -7,7 +7,7 @@ namespace qe::tool {
 namespace {
 
 constexpr int kStepsBetweenChecks = 1'000'000;
-constexpr std::int64_t kMostChecks = 500;
+constexpr std::int64_t kMostChecks = 200;
 
 int CountSteps(void* checks)
 {
@@ -22,6 +22,11 @@ int CountSteps(void* checks)
 }
 
 } // namespace
+
+void StatementFinalizer::operator()(sqlite3_stmt* statement) const
+{
+    sqlite3_finalize(statement);
+}
 
 void SqliteDatabase::Closer::operator()(sqlite3* handle) const
 {
@@ -56,28 +61,18 @@ SqliteDatabase SqliteDatabase::OpenMemory()
 
 std::string_view SqliteDatabase::ExecuteFirst(std::string_view script)
 {
-    sqlite3_stmt* statement = nullptr;
+    sqlite3_stmt* prepared = nullptr;
     const char* rest = nullptr;
-    const int prepared = sqlite3_prepare_v2(mHandle.get(), script.data(),
-                                            static_cast<int>(script.size()), &statement, &rest);
-    if (prepared != SQLITE_OK)
+    if (sqlite3_prepare_v2(mHandle.get(), script.data(), static_cast<int>(script.size()), &prepared,
+                           &rest) != SQLITE_OK)
         Fail(mHandle.get());
-    int stepped = SQLITE_DONE;
-    while (statement != nullptr && (stepped = sqlite3_step(statement)) == SQLITE_ROW)
-        continue;
-    const bool isWrong = statement != nullptr && stepped != SQLITE_DONE;
-    if (isWrong) {
-        const SqliteError error(sqlite3_errmsg(mHandle.get()), -1);
-        sqlite3_finalize(statement);
-        throw error;
-    }
-    sqlite3_finalize(statement);
+    const Statement statement(prepared);
+    int result = statement == nullptr ? SQLITE_DONE : SQLITE_ROW;
+    while (result == SQLITE_ROW)
+        result = sqlite3_step(prepared);
+    if (result != SQLITE_DONE)
+        Fail(mHandle.get());
     return script.substr(static_cast<std::size_t>(rest - script.data()));
-}
-
-void SqliteQuery::Finalizer::operator()(sqlite3_stmt* statement) const
-{
-    sqlite3_finalize(statement);
 }
 
 SqliteQuery::SqliteQuery(const SqliteDatabase& database, std::string_view statement)

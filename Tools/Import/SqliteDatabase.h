@@ -27,6 +27,13 @@ private:
     int mOffset;
 };
 
+struct StatementFinalizer
+{
+    void operator()(sqlite3_stmt* statement) const;
+};
+
+using Statement = std::unique_ptr<sqlite3_stmt, StatementFinalizer>;
+
 /// An open SQLite database. What runs in it can neither reach other files nor run on for ever:
 /// statements that take too many steps end in an error.
 class SqliteDatabase
@@ -72,15 +79,10 @@ public:
     [[nodiscard]] bool IsNull(int column) const;
 
 private:
-    struct Finalizer
-    {
-        void operator()(sqlite3_stmt* statement) const;
-    };
-
     sqlite3* mDatabase;
     /// What the parameters refer to; a list, whose elements stay where they are.
     std::list<std::string> mTexts;
-    std::unique_ptr<sqlite3_stmt, Finalizer> mStatement;
+    Statement mStatement;
 };
 
 } // namespace qe::tool
