@@ -7,4 +7,4 @@ Scripts/setup.sh
 mkdir -p build
 echo "Building (the messages go to build/demo.log) ..."
 Scripts/build.sh release >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
-build/release/bin/read_joins
+build/release/bin/find_join_path

@@ -42,4 +42,9 @@ function(qe_add_library name)
     # An installed library finds its sibling wherever the tree lies.
     INSTALL_RPATH "$ORIGIN")
   target_link_libraries(${name} PRIVATE ${name}_objects)
+  # A platform from elsewhere may live in the program that loads the refiner, and sanitizers leave
+  # their own functions to the program.
+  if(QEREFINER_PLATFORM_TARGET STREQUAL "qeengine" AND NOT QEREFINER_SANITIZERS)
+    target_link_options(${name} PRIVATE LINKER:--no-undefined)
+  endif()
 endfunction()
