@@ -61,11 +61,20 @@ void CrossProductGovernor::CheckCheapestTrees(const std::vector<amd_id>& subject
         Warn();
 }
 
+I18NString CrossProductGovernor::GetPairNames(const amd_id& first, const amd_id& second) const
+{
+    const auto getName = [this](const amd_id& id) {
+        const amdi_object* const object = FindObject(id);
+        return object == nullptr ? I18NString() : object->GetName();
+    };
+    return getName(first) + QERes::getString(kSeparatorText) + getName(second);
+}
+
 I18NString CrossProductGovernor::JoinSubjectNames(const std::vector<amd_id>& subjects) const
 {
     I18NString names;
     for (std::size_t position = 0; position < subjects.size(); ++position) {
-        const amdi_object* const object = mGateway->GetObject(subjects[position]);
+        const amdi_object* const object = FindObject(subjects[position]);
         if (object == nullptr)
             continue;
         if (position > 0)
@@ -75,6 +84,11 @@ I18NString CrossProductGovernor::JoinSubjectNames(const std::vector<amd_id>& sub
         names += displayName;
     }
     return names;
+}
+
+const amdi_object* CrossProductGovernor::FindObject(const amd_id& id) const
+{
+    return mGateway == nullptr ? nullptr : mGateway->GetObject(id);
 }
 
 void CrossProductGovernor::Warn() const

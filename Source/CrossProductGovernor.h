@@ -9,6 +9,7 @@
 
 class AQE_RequestContext;
 class amdi_gateway;
+class amdi_object;
 struct AQE_Governors;
 
 namespace qe {
@@ -33,11 +34,15 @@ public:
     /// forbid a cross product warns here, and a user setting can switch the check off.
     void CheckCheapestTrees(const std::vector<amd_id>& subjects) const;
 
+    /// Gives the names of two subjects.
+    [[nodiscard]] I18NString GetPairNames(const amd_id& first, const amd_id& second) const;
+
     /// Gives the display names of the subjects. An id without an object adds no name, but its
     /// position counts for the separators.
     [[nodiscard]] I18NString JoinSubjectNames(const std::vector<amd_id>& subjects) const;
 
 private:
+    [[nodiscard]] const amdi_object* FindObject(const amd_id& id) const;
     void Warn() const;
     void RaiseUnlessHarmless(const NamesText& names, int sourceLine) const;
     [[nodiscard]] I18NString GetUserClasses() const;

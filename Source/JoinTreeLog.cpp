@@ -41,7 +41,7 @@ void JoinTreeLog::Write(std::string_view text)
 
 I18NString JoinTreeLog::GetName(const amd_id& id) const
 {
-    const amdi_object* const object = mGateway->GetObject(id);
+    const amdi_object* const object = mGateway == nullptr ? nullptr : mGateway->GetObject(id);
     return object == nullptr ? I18NString() : object->GetName();
 }
 
