@@ -5,6 +5,7 @@
 #include "PathRanking.h"
 #include "Tests/Support/CountingGateway.h"
 #include "Tests/Support/ModelText.h"
+#include "Tests/Support/RecordingSelector.h"
 
 #include <gmock/gmock.h>
 
@@ -16,23 +17,10 @@ using qe::JoinInfoReader;
 using qe::RankingCriteria;
 using qe::WeightedPath;
 using qe::test::CountingGateway;
+using qe::test::Descriptors;
 using qe::test::ModelText;
 using testing::ElementsAre;
-using Descriptors = std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>;
 using Texts = std::vector<std::string>;
-
-/// Writes each descriptor as "joins: rank weight".
-Texts ToTexts(const ModelText& model, const Descriptors& descriptors)
-{
-    Texts texts;
-    for (const auto& descriptor : descriptors) {
-        std::vector<amd_id> path{{0, 1, 1}};
-        descriptor->GetJoinPath(path);
-        texts.push_back(model.Names(path) + ": " + std::to_string(descriptor->GetRank()) + " " +
-                        std::to_string(descriptor->GetComputedWeight()));
-    }
-    return texts;
-}
 
 struct Candidate
 {

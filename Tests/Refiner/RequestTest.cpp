@@ -14,6 +14,8 @@
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <optional>
+#include <stdexcept>
 
 namespace {
 
@@ -189,10 +191,27 @@ TEST(JoinPath, ExemptsFavouredAndRequiredJoinsFromTheFolderDistance)
     request.JoinPath("A, B");
     EXPECT_EQ(request.selector.GetShown(request.model),
               (Texts{"query: 1 17000", "ab: 0 17002", "twin: 0 17002"}));
-    request.selector.Clear();
     Request favouring(model);
     favouring.JoinPath("A, B", "ab, twin");
     EXPECT_EQ(favouring.selector.GetShown(favouring.model), (Texts{"ab: 0 2000", "twin: 0 2000"}));
+}
+
+TEST(JoinPath, CountsFoldersAfterTheSettingFailedToAnswer)
+{
+    int reads = 0;
+    qe::SettingsOverride::SetProvider(
+        [&](const I18NString&, const I18NString& key) -> std::optional<int> {
+            if (key == "AdjustWeightByFolder" && ++reads > 0)
+                throw std::runtime_error("no settings");
+            return std::nullopt;
+        });
+    Request request(kSales);
+    EXPECT_THROW(request.JoinPath("Orders, Region"), std::runtime_error);
+    EXPECT_EQ(request.JoinPath("Orders, Region"), "oc, cr");
+    EXPECT_EQ(request.selector.GetShown(request.model),
+              (Texts{"oc, cr: 1 34000", "occ, cr: 1 34000", "os, sr: 0 34002"}));
+    EXPECT_EQ(reads, 1) << "asked once in the life of a process";
+    qe::SettingsOverride::SetProvider({});
 }
 
 TEST(JoinPath, IsRememberedForTheRequest)
@@ -419,17 +438,6 @@ TEST(Between, GivesTheLightestPathsWithTheirEnds)
     // One join found from both of its ends: the first pair counts, whichever copy is chosen.
     request.selector.Choose(1);
     EXPECT_EQ(request.Between("A, X", "X, A"), "ax / 17 / A, X");
-}
-
-TEST(Between, IgnoresStraightness)
-{
-    // A path between two subjects branches only where a join leads back to where it starts.
-    const char* const model = "A >- B : 1ab; B >- C : bc; A >- X : ax; X >- C : xc";
-    Request request(model, false, true);
-    request.Between("A", "C");
-    Request plain(model, false, false);
-    plain.Between("A", "C");
-    EXPECT_EQ(request.selector.GetShown(request.model), plain.selector.GetShown(plain.model));
 }
 
 TEST(Refiner, WorksWithNothingGiven)

@@ -11,13 +11,28 @@
 
 namespace qe::test {
 
+using Descriptors = std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>;
+
+/// Writes each descriptor as "joins: rank weight".
+[[nodiscard]] inline std::vector<std::string> ToTexts(const ModelText& model,
+                                                      const Descriptors& descriptors)
+{
+    std::vector<std::string> texts;
+    for (const auto& descriptor : descriptors) {
+        std::vector<amd_id> path{amd_id(0, 1, 1)};
+        descriptor->GetJoinPath(path);
+        texts.push_back(model.Names(path) + ": " + std::to_string(descriptor->GetRank()) + " " +
+                        std::to_string(descriptor->GetComputedWeight()));
+    }
+    return texts;
+}
+
 /// Chooses the position it was told to, the first at the start, and keeps the descriptors that it
 /// was shown last.
 class RecordingSelector : public AQE_I_PathSelector
 {
 public:
-    std::uint32_t
-    SelectPath(const std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>& descriptors) override
+    std::uint32_t SelectPath(const Descriptors& descriptors) override
     {
         ++mCallCount;
         mShown = descriptors;
@@ -29,24 +44,15 @@ public:
     }
 
     void Choose(std::uint32_t index) { mChoice = index; }
-    void Clear() { mShown.clear(); }
     [[nodiscard]] int GetCallCount() const { return mCallCount; }
 
-    /// Writes each descriptor as "joins: rank weight".
     [[nodiscard]] std::vector<std::string> GetShown(const ModelText& model) const
     {
-        std::vector<std::string> texts;
-        for (const auto& descriptor : mShown) {
-            std::vector<amd_id> path;
-            descriptor->GetJoinPath(path);
-            texts.push_back(model.Names(path) + ": " + std::to_string(descriptor->GetRank()) + " " +
-                            std::to_string(descriptor->GetComputedWeight()));
-        }
-        return texts;
+        return ToTexts(model, mShown);
     }
 
 private:
-    std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>> mShown;
+    Descriptors mShown;
     std::uint32_t mChoice = 0;
     int mCallCount = 0;
 };
