@@ -37,7 +37,8 @@ struct AnswerJoin
     std::string condition{};
     BMT_I_Association::CardinalityRange leftCardinality{};
     BMT_I_Association::CardinalityRange rightCardinality{};
-    /// What its kind weighs, before it is favoured, required or avoided.
+    /// What it weighs in the graph that was searched: by its kind, or by being favoured, required
+    /// or avoided.
     int weight = 0;
 };
 
@@ -46,12 +47,14 @@ struct Alternative
 {
     std::vector<amd_id> joins{};
     int weight = 0;
-    /// The facts that the path touches, a many-to-many join counting as one-to-one.
-    int factTables = 0;
+    /// The facts that the path touches, a many-to-many join counting as one-to-one; nothing when
+    /// facts and dimensions cannot be told apart.
+    std::optional<int> factTables{};
     int manyToManyJoins = 0;
     /// How often the path branches: 0 for a chain.
     int branches = 0;
-    int rank = 0;
+    /// 100 for weight 0, 0 for the heaviest; nothing for what was not ranked.
+    std::optional<int> rank{};
 };
 
 /// What tells the chosen path from the next best.
@@ -130,7 +133,8 @@ struct Answer
     std::vector<amd_id> path{};
     /// The weight of the path as it was ranked; nothing when there is none or it was not weighed.
     std::optional<int> weight{};
-    /// The ranked candidates, best first; a single one too.
+    /// The candidates, best first; a single one too. Several that were put before the selector are
+    /// ranked; the best paths, which nobody chooses among, stand in the refiner's order.
     std::vector<Alternative> alternatives{};
     std::optional<std::size_t> chosen{};
     ECriterion criterion = ECriterion::None;

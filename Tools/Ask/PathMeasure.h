@@ -1,0 +1,19 @@
+#ifndef TOOLS_ASK_PATHMEASURE_H
+#define TOOLS_ASK_PATHMEASURE_H
+
+#include "Tools/Ask/Answer.h"
+#include "Tools/Ask/Question.h"
+
+namespace qe::tool {
+
+/// Makes an alternative of a path: its weight is the sum of those of its joins, and it has no
+/// rank. Joins that the answer does not know count for nothing.
+[[nodiscard]] Alternative MeasurePath(const Answer& answer, const std::vector<amd_id>& path);
+
+/// Tells what made the first of the ranked alternatives the first: the first criterion in which
+/// the next best is worse.
+[[nodiscard]] ECriterion FindCriterion(const Answer& answer, const RankingChoice& ranking);
+
+} // namespace qe::tool
+
+#endif
