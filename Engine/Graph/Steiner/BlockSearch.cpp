@@ -19,14 +19,9 @@ namespace {
 /// Number of terminals that trees are grown from and ascents are rooted at.
 constexpr std::size_t Starts = 4;
 
-/// How many ascents bound a search, and after how many settled labels more of them pay.
-struct Effort
-{
-    std::size_t ascents;
-    std::size_t mostSettled;
-};
-constexpr std::array Efforts{Effort{2, 3000}, Effort{8, 30000},
-                             Effort{32, std::numeric_limits<std::size_t>::max()}};
+/// The first of these is tried before the block is bounded thoroughly.
+constexpr std::array Efforts{BlockSearch::Effort{2, 2000}, BlockSearch::Effort{8, 30000},
+                             BlockSearch::Effort{32, std::numeric_limits<std::size_t>::max()}};
 
 /// Share of the time after which the local search is cut short.
 constexpr double LocalSearchShare = 0.1;
@@ -40,7 +35,8 @@ BlockSearch::BlockSearch(Network& block, std::uint64_t knownWeight, Budget& budg
       mGrower(mNetwork),
       mAscent(mNetwork),
       mKnownWeight(knownWeight),
-      mBestRoot(mNetwork.GetTerminals().front())
+      mBestRoot(mNetwork.GetTerminals().front()),
+      mIsDispensable(mNetwork.GetEdgeCount(), 0)
 {
     mTree.weight = Saturated;
 }
@@ -91,10 +87,16 @@ std::vector<std::uint32_t> BlockSearch::ChooseRoots(std::size_t most) const
     return roots;
 }
 
-std::size_t BlockSearch::Shed()
+std::size_t BlockSearch::ShedFast(std::size_t round)
 {
     const std::span<const std::uint32_t> terminals = mNetwork.GetTerminals();
-    mIsDispensable.assign(mNetwork.GetEdgeCount(), 0);
+    Ascend(terminals[round % terminals.size()], {});
+    return RemoveDispensable();
+}
+
+std::size_t BlockSearch::ShedThoroughly()
+{
+    const std::span<const std::uint32_t> terminals = mNetwork.GetTerminals();
     FindTree(terminals.front(), {});
     const std::size_t starts = std::min(Starts, terminals.size());
     for (std::size_t start = 0; start < starts && !mBudget.IsExhausted(); ++start)
@@ -105,28 +107,51 @@ std::size_t BlockSearch::Shed()
         const std::vector<std::uint32_t> guide = mTree.edges;
         Ascend(terminals[start * terminals.size() / starts], guide);
     }
+    return RemoveDispensable();
+}
+
+/// Removes from the block what is marked and still there.
+std::size_t BlockSearch::RemoveDispensable()
+{
     std::size_t count = 0;
     for (std::uint32_t edge = 0; edge < mNetwork.GetEdgeCount(); ++edge) {
-        if (mIsDispensable[edge] == 0)
+        const std::uint32_t blockEdge = mNetwork.GetNetworkEdge(edge);
+        if (mIsDispensable[edge] == 0 || !mBlock.HasEdge(blockEdge))
             continue;
-        mBlock.RemoveEdge(mNetwork.GetNetworkEdge(edge));
+        mBlock.RemoveEdge(blockEdge);
         ++count;
     }
     return count;
 }
 
+std::optional<BlockSearch::Outcome> BlockSearch::SearchFast(TreeFamily& family)
+{
+    return SearchWithin(family, std::span(Efforts).first(1));
+}
+
 BlockSearch::Outcome BlockSearch::Search(TreeFamily& family)
+{
+    const std::optional<Outcome> outcome = SearchWithin(family, std::span(Efforts).subspan(1));
+    if (outcome)
+        return *outcome;
+    if (mTree.weight == Saturated)
+        FindTree(mNetwork.GetTerminals().front(), {});
+    return AnswerTree(family, mTree.edges, mTree.weight, mLowerBound);
+}
+
+std::optional<BlockSearch::Outcome> BlockSearch::SearchWithin(TreeFamily& family,
+                                                              std::span<const Effort> efforts)
 {
     const std::size_t count = mNetwork.GetTerminals().size();
     if (count <= TerminalSet<1>::Capacity)
-        return SearchWith<1>(family);
+        return SearchWith<1>(family, efforts);
     if (count <= TerminalSet<2>::Capacity)
-        return SearchWith<2>(family);
+        return SearchWith<2>(family, efforts);
     if (count <= TerminalSet<4>::Capacity)
-        return SearchWith<4>(family);
+        return SearchWith<4>(family, efforts);
     if (count <= TerminalSet<8>::Capacity)
-        return SearchWith<8>(family);
-    return AnswerTree(family, mTree.edges, mTree.weight, mLowerBound);
+        return SearchWith<8>(family, efforts);
+    return std::nullopt;
 }
 
 BlockSearch::Outcome BlockSearch::AnswerTree(TreeFamily& family,
@@ -153,18 +178,19 @@ void BlockSearch::AddBounds(std::size_t most, std::vector<RestBound<Words>>& bou
             guide = mTree.edges;
         RestBound<Words>& bound = bounds.emplace_back(mNetwork, mBestRoot);
         mAscent.Run(roots[place], guide, mBudget, &bound);
-        bound.Finish(mAscent);
+        bound.Finish(mAscent, mKnownWeight);
         mLowerBound = std::max(mLowerBound, mAscent.GetBound());
     }
 }
 
 template <std::size_t Words>
-BlockSearch::Outcome BlockSearch::SearchWith(TreeFamily& family)
+std::optional<BlockSearch::Outcome> BlockSearch::SearchWith(TreeFamily& family,
+                                                            std::span<const Effort> efforts)
 {
     std::vector<RestBound<Words>> bounds;
     std::optional<SubsetProgramme<Words>> programme;
     auto outcome = SubsetProgramme<Words>::EOutcome::Paused;
-    for (const Effort& effort : Efforts) {
+    for (const Effort& effort : efforts) {
         if (outcome != SubsetProgramme<Words>::EOutcome::Paused)
             break;
         AddBounds(effort.ascents, bounds);
@@ -172,8 +198,8 @@ BlockSearch::Outcome BlockSearch::SearchWith(TreeFamily& family)
         outcome = programme->Run(effort.mostSettled);
         mLowerBound = std::max(mLowerBound, programme->GetBound());
     }
-    if (outcome == SubsetProgramme<Words>::EOutcome::Exhausted)
-        return AnswerTree(family, mTree.edges, mTree.weight, mLowerBound);
+    if (outcome != SubsetProgramme<Words>::EOutcome::Solved)
+        return std::nullopt;
     std::vector<StrandIndex> strands;
     for (std::uint32_t edge = 0; edge < mNetwork.GetEdgeCount(); ++edge)
         strands.push_back(mBlock.GetStrand(mNetwork.GetNetworkEdge(edge)));
@@ -186,7 +212,7 @@ BlockSearch::Outcome BlockSearch::SearchWith(TreeFamily& family)
         return AnswerTree(family, edges, weight, weight);
     }
     family.AddDerivations(std::move(graph), builder.GetWhole());
-    return {weight, weight, ECount::Exact};
+    return Outcome{weight, weight, ECount::Exact};
 }
 
 } // namespace qe::graph

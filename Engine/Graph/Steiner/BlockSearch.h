@@ -12,6 +12,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <vector>
 
 namespace qe::graph {
@@ -27,8 +29,11 @@ public:
     BlockSearch(Network& block, std::uint64_t knownWeight, Budget& budget);
 
     /// Looks for a light tree and a good bound, and removes from the block the edges that the
-    /// two exclude. Answers how many; the block is to be searched through another object then.
-    std::size_t Shed();
+    /// two exclude. Answers how many; when they are many, the block is best reduced and searched
+    /// through another object. `round` counts those objects.
+    std::size_t ShedFast(std::size_t round);
+    /// Does the same with more care.
+    std::size_t ShedThoroughly();
 
     /// The least weight known by now.
     [[nodiscard]] std::uint64_t GetKnownWeight() const { return mKnownWeight; }
@@ -40,9 +45,19 @@ public:
         std::uint64_t lowerBound;
         ECount countProof;
     };
+    /// Finds all lightest trees of the block, and adds them to the family, if that takes few
+    /// steps.
+    std::optional<Outcome> SearchFast(TreeFamily& family);
     /// Finds all lightest trees of the block, or one tree when the budget runs out, and adds
     /// them to the family.
     Outcome Search(TreeFamily& family);
+
+    /// How many ascents bound a search, and after how many settled labels it is given up.
+    struct Effort
+    {
+        std::size_t ascents;
+        std::size_t mostSettled;
+    };
 
 private:
     void FindTree(std::uint32_t start, std::span<const std::uint8_t> isUsable);
@@ -51,8 +66,10 @@ private:
     [[nodiscard]] std::vector<std::uint32_t> ChooseRoots(std::size_t most) const;
     template <std::size_t Words>
     void AddBounds(std::size_t most, std::vector<RestBound<Words>>& bounds);
+    std::optional<Outcome> SearchWithin(TreeFamily& family, std::span<const Effort> efforts);
     template <std::size_t Words>
-    Outcome SearchWith(TreeFamily& family);
+    std::optional<Outcome> SearchWith(TreeFamily& family, std::span<const Effort> efforts);
+    std::size_t RemoveDispensable();
     Outcome AnswerTree(TreeFamily& family, const std::vector<std::uint32_t>& edges,
                        std::uint64_t weight, std::uint64_t lowerBound) const;
 

@@ -17,8 +17,8 @@ using Queue = std::priority_queue<QueueEntry, std::vector<QueueEntry>, std::grea
 
 /// Spreads from what is queued; `flip` is 0 to walk with the half-edges and 1 to walk against
 /// them.
-void Spread(const FlatNetwork& network, const DualAscent& ascent, std::uint32_t flip, Queue& queue,
-            std::vector<std::uint64_t>& distances)
+void Spread(const FlatNetwork& network, const DualAscent& ascent, std::uint32_t flip,
+            std::uint64_t most, Queue& queue, std::vector<std::uint64_t>& distances)
 {
     while (!queue.empty()) {
         const auto [distance, node] = queue.top();
@@ -27,7 +27,7 @@ void Spread(const FlatNetwork& network, const DualAscent& ascent, std::uint32_t 
             continue;
         for (const FlatNetwork::Arc& arc : network.GetArcs(node)) {
             const std::uint64_t next = distance + ascent.GetReduced(arc.half ^ flip);
-            if (next >= distances[arc.target])
+            if (next > most || next >= distances[arc.target])
                 continue;
             distances[arc.target] = next;
             queue.emplace(next, arc.target);
@@ -37,31 +37,32 @@ void Spread(const FlatNetwork& network, const DualAscent& ascent, std::uint32_t 
 
 } // namespace
 
-std::vector<std::uint64_t> GetReducedFromRoot(const FlatNetwork& network, const DualAscent& ascent)
+std::vector<std::uint64_t> GetReducedFromRoot(const FlatNetwork& network, const DualAscent& ascent,
+                                              std::uint64_t most)
 {
-    std::vector<std::uint64_t> distances(network.GetNodeCount(), Saturated);
+    std::vector<std::uint64_t> distances(network.GetNodeCount(), Unreached);
     Queue queue;
     distances[ascent.GetRoot()] = 0;
     queue.emplace(0, ascent.GetRoot());
-    Spread(network, ascent, 0, queue, distances);
+    Spread(network, ascent, 0, most, queue, distances);
     return distances;
 }
 
 std::vector<std::uint64_t> GetReducedTo(const FlatNetwork& network, const DualAscent& ascent,
-                                        std::uint32_t target)
+                                        std::uint32_t target, std::uint64_t most)
 {
-    std::vector<std::uint64_t> distances(network.GetNodeCount(), Saturated);
+    std::vector<std::uint64_t> distances(network.GetNodeCount(), Unreached);
     Queue queue;
     distances[target] = 0;
     queue.emplace(0, target);
-    Spread(network, ascent, 1, queue, distances);
+    Spread(network, ascent, 1, most, queue, distances);
     return distances;
 }
 
 std::vector<std::uint64_t> GetReducedToTerminal(const FlatNetwork& network,
-                                                const DualAscent& ascent)
+                                                const DualAscent& ascent, std::uint64_t most)
 {
-    std::vector<std::uint64_t> distances(network.GetNodeCount(), Saturated);
+    std::vector<std::uint64_t> distances(network.GetNodeCount(), Unreached);
     Queue queue;
     for (const std::uint32_t terminal : network.GetTerminals()) {
         if (terminal == ascent.GetRoot())
@@ -69,7 +70,7 @@ std::vector<std::uint64_t> GetReducedToTerminal(const FlatNetwork& network,
         distances[terminal] = 0;
         queue.emplace(0, terminal);
     }
-    Spread(network, ascent, 1, queue, distances);
+    Spread(network, ascent, 1, most, queue, distances);
     return distances;
 }
 

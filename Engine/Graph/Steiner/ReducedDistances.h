@@ -10,19 +10,20 @@ class DualAscent;
 class FlatNetwork;
 
 /// Answers for each node the reduced weight of the lightest way from the root to it, and
-/// Saturated where there is none. One run of Dijkstra's algorithm, as below.
-[[nodiscard]] std::vector<std::uint64_t> GetReducedFromRoot(const FlatNetwork& network,
-                                                            const DualAscent& ascent);
+/// Unreached where that is above `most`. One run of Dijkstra's algorithm as far as that, as below.
+[[nodiscard]] std::vector<std::uint64_t>
+GetReducedFromRoot(const FlatNetwork& network, const DualAscent& ascent, std::uint64_t most);
 
 /// Answers for each node the reduced weight of the lightest way from it to the given one, and
-/// Saturated where there is none.
-[[nodiscard]] std::vector<std::uint64_t>
-GetReducedTo(const FlatNetwork& network, const DualAscent& ascent, std::uint32_t target);
+/// Unreached where that is above `most`.
+[[nodiscard]] std::vector<std::uint64_t> GetReducedTo(const FlatNetwork& network,
+                                                      const DualAscent& ascent,
+                                                      std::uint32_t target, std::uint64_t most);
 
 /// Answers for each node the reduced weight of the lightest way from it to a terminal that is
-/// not the root, and Saturated where there is none.
-[[nodiscard]] std::vector<std::uint64_t> GetReducedToTerminal(const FlatNetwork& network,
-                                                              const DualAscent& ascent);
+/// not the root, and Unreached where that is above `most`.
+[[nodiscard]] std::vector<std::uint64_t>
+GetReducedToTerminal(const FlatNetwork& network, const DualAscent& ascent, std::uint64_t most);
 
 } // namespace qe::graph
 

@@ -45,11 +45,13 @@ void RestBound<Words>::Raise(std::span<const std::uint32_t> nodes, std::uint64_t
 }
 
 template <std::size_t Words>
-void RestBound<Words>::Finish(const DualAscent& ascent)
+void RestBound<Words>::Finish(const DualAscent& ascent, std::uint64_t knownWeight)
 {
     mRootBit = mBits[ascent.GetRoot()];
-    mWaysFromRoot = GetReducedFromRoot(mNetwork, ascent);
-    mWaysToSearchRoot = GetReducedTo(mNetwork, ascent, mSearchRoot);
+    // A way dearer than this is in no lightest tree.
+    const std::uint64_t slack = knownWeight - ascent.GetBound();
+    mWaysFromRoot = GetReducedFromRoot(mNetwork, ascent, slack);
+    mWaysToSearchRoot = GetReducedTo(mNetwork, ascent, mSearchRoot, slack);
     mTotals.assign(mNetwork.GetNodeCount(), 0);
     mFirst.assign(mNetwork.GetNodeCount() + 1, 0);
     for (const NumberedCharge& raised : mRaised) {

@@ -32,8 +32,9 @@ public:
 
     void Raise(std::span<const std::uint32_t> nodes, std::uint64_t price) override;
 
-    /// Packs what was raised for the search; needs the reduced weights of the finished ascent.
-    void Finish(const DualAscent& ascent);
+    /// Packs what was raised for the search; needs the reduced weights of the finished ascent,
+    /// and a weight that some tree has.
+    void Finish(const DualAscent& ascent, std::uint64_t knownWeight);
 
     /// Answers what the terminals that are not in the set demand, wherever the node lies.
     [[nodiscard]] std::uint64_t GetSetPart(const Set& set) const;

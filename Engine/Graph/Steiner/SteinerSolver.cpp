@@ -25,6 +25,8 @@ struct OpenNetwork
 {
     Network network;
     std::uint64_t knownWeight;
+    /// How often its block was looked at before.
+    std::size_t round;
 };
 
 class SteinerSolver
@@ -44,6 +46,7 @@ public:
 private:
     void Reduce(OpenNetwork open);
     void SearchBlock(OpenNetwork open);
+    bool IsWorthReducing(std::size_t shed, std::size_t edgesBefore);
     void ListTrees();
     void ListTreesThrough(ZeroGroups& zeroGroups);
     void SortTrees();
@@ -66,7 +69,7 @@ SteinerResult SteinerSolver::Solve()
     if (!network)
         return mResult;
     mResult.connected = true;
-    mOpen.push_back({std::move(*network), Saturated});
+    mOpen.push_back({std::move(*network), Saturated, 0});
     while (!mOpen.empty()) {
         OpenNetwork open = std::move(mOpen.back());
         mOpen.pop_back();
@@ -98,30 +101,43 @@ void SteinerSolver::Reduce(OpenNetwork open)
         return;
     std::vector<Network> blocks = SplitIntoBlocks(network);
     if (blocks.size() == 1) {
-        SearchBlock({std::move(blocks.front()), open.knownWeight});
+        SearchBlock({std::move(blocks.front()), open.knownWeight, open.round});
         return;
     }
     for (std::size_t block = blocks.size(); block-- > 0;)
-        mOpen.push_back({std::move(blocks[block]), Saturated});
+        mOpen.push_back({std::move(blocks[block]), Saturated, 0});
 }
 
 void SteinerSolver::SearchBlock(OpenNetwork open)
 {
     BlockSearch search(open.network, open.knownWeight, mBudget);
     const std::uint32_t edgesBefore = open.network.GetEdgeCount();
-    const std::size_t shed = search.Shed();
-    if (20 * shed > edgesBefore && !mBudget.IsExhausted()) {
+    std::size_t shed = search.ShedFast(open.round);
+    std::optional<BlockSearch::Outcome> outcome;
+    if (!IsWorthReducing(shed, edgesBefore))
+        outcome = search.SearchFast(mFamily);
+    if (!outcome && !IsWorthReducing(shed, edgesBefore))
+        shed += search.ShedThoroughly();
+    if (!outcome && IsWorthReducing(shed, edgesBefore)) {
         open.knownWeight = search.GetKnownWeight();
+        ++open.round;
         mOpen.push_back(std::move(open));
         return;
     }
-    const BlockSearch::Outcome outcome = search.Search(mFamily);
-    mResult.weight += outcome.weight;
-    mResult.lowerBound += outcome.lowerBound;
-    if (outcome.weight != outcome.lowerBound)
+    if (!outcome)
+        outcome = search.Search(mFamily);
+    mResult.weight += outcome->weight;
+    mResult.lowerBound += outcome->lowerBound;
+    if (outcome->weight != outcome->lowerBound)
         mResult.proof = EProof::BestFound;
-    if (outcome.countProof == ECount::AtLeast)
+    if (outcome->countProof == ECount::AtLeast)
         mResult.countProof = ECount::AtLeast;
+}
+
+/// Says whether so much was shed that the reductions may find more.
+bool SteinerSolver::IsWorthReducing(std::size_t shed, std::size_t edgesBefore)
+{
+    return 20 * shed > edgesBefore && !mBudget.IsExhausted();
 }
 
 void SteinerSolver::ListTrees()
