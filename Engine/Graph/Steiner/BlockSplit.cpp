@@ -113,22 +113,25 @@ void BlockSplit::Emit(std::uint32_t firstEdge)
 {
     std::vector<std::uint32_t> nodes;
     for (std::size_t place = firstEdge; place < mEdges.size(); ++place) {
-        for (const std::uint32_t half : {2 * mEdges[place], 2 * mEdges[place] + 1})
-            nodes.push_back(mNetwork.GetOrigin(half));
+        for (const std::uint32_t half : {2 * mEdges[place], 2 * mEdges[place] + 1}) {
+            const std::uint32_t node = mNetwork.GetOrigin(half);
+            if (mVisits[node].local != Network::None)
+                continue;
+            mVisits[node].local = static_cast<std::uint32_t>(nodes.size());
+            nodes.push_back(node);
+        }
     }
-    std::sort(nodes.begin(), nodes.end());
-    nodes.erase(std::unique(nodes.begin(), nodes.end()), nodes.end());
     Network block(static_cast<std::uint32_t>(nodes.size()), mNetwork.GetStrands());
-    for (std::uint32_t local = 0; local < nodes.size(); ++local) {
-        mVisits[nodes[local]].local = local;
-        if (mVisits[nodes[local]].isTerminal)
-            block.MakeTerminal(local);
-    }
     for (std::size_t place = firstEdge; place < mEdges.size(); ++place) {
         const std::uint32_t edge = mEdges[place];
         block.AppendEdge(mVisits[mNetwork.GetOrigin(2 * edge)].local,
                          mVisits[mNetwork.GetOrigin(2 * edge + 1)].local, mNetwork.GetWeight(edge),
                          mNetwork.GetStrand(edge));
+    }
+    for (const std::uint32_t node : nodes) {
+        if (mVisits[node].isTerminal)
+            block.MakeTerminal(mVisits[node].local);
+        mVisits[node].local = Network::None;
     }
     mBlocks.push_back(std::move(block));
 }
