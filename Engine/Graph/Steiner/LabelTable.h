@@ -15,6 +15,9 @@ struct Label
     std::uint64_t weight;
     /// Lower bound for what is missing to a whole tree.
     std::uint64_t rest;
+    /// Whether the partial tree is known to be a single branch: the terminal itself, or begun by
+    /// one edge.
+    bool isBranch = false;
     /// Once settled, the weight is least.
     bool isSettled = false;
 };

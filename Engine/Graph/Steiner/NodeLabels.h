@@ -26,6 +26,7 @@ public:
         Set set;
         std::uint64_t weight;
         std::uint32_t label;
+        bool isBranch;
     };
 
     /// Adds a label whose set is within `all`.

@@ -36,8 +36,11 @@ public:
     /// and a weight that some tree has.
     void Finish(const DualAscent& ascent, std::uint64_t knownWeight);
 
-    /// Answers what the terminals that are not in the set demand, wherever the node lies.
+    /// Answers what the terminals that are not in the set demand.
     [[nodiscard]] std::uint64_t GetSetPart(const Set& set) const;
+
+    /// Says whether that is a bound by itself, wherever the node lies.
+    [[nodiscard]] bool IsBoundAlone(const Set& set) const { return !set.Contains(mRootBit); }
 
     /// Answers the bound, from the part that the set demands.
     [[nodiscard]] std::uint64_t Get(std::uint32_t node, const Set& set, std::uint64_t setPart) const

@@ -33,7 +33,7 @@ typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Run(std::size_
 {
     for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
         if (terminal != mRoot)
-            Offer(terminal, Intern(Set::Single(mBits[terminal])), 0);
+            Offer(terminal, Intern(Set::Single(mBits[terminal])), 0, EOrigin::Grown);
     }
     std::size_t charged = 0;
     std::size_t settled = 0;
@@ -72,9 +72,10 @@ std::uint32_t SubsetProgramme<Words>::Intern(const Set& set)
     std::uint64_t least = 0;
     for (const RestBound<Words>& bound : mRestBounds) {
         mSetParts.push_back(bound.GetSetPart(set));
-        least = std::max(least, mSetParts.back());
+        if (bound.IsBoundAlone(set))
+            least = std::max(least, mSetParts.back());
     }
-    mSetInfos.push_back({mRestBounds.size() == 1 ? least : 0, Saturated});
+    mSetInfos.push_back({least, Saturated});
     return number;
 }
 
@@ -92,22 +93,29 @@ std::uint64_t SubsetProgramme<Words>::GetRest(std::uint32_t node, std::uint32_t 
 }
 
 template <std::size_t Words>
-void SubsetProgramme<Words>::Offer(std::uint32_t node, std::uint32_t set, std::uint64_t weight)
+void SubsetProgramme<Words>::Offer(std::uint32_t node, std::uint32_t set, std::uint64_t weight,
+                                   EOrigin origin)
 {
     const SetInfo& info = mSetInfos[set];
     if (weight > info.cap || weight + info.rest > mLimit)
         return;
+    const bool isBranch = origin == EOrigin::Grown;
     std::uint32_t number = mLabels.Find(node, set);
     if (number != LabelTable::None) {
         Label& label = mLabels.Get(number);
-        if (label.isSettled || weight >= label.weight)
+        if (label.isSettled || weight > label.weight)
             return;
+        if (weight == label.weight) {
+            label.isBranch |= isBranch;
+            return;
+        }
         label.weight = weight;
+        label.isBranch = isBranch;
     } else {
         const std::uint64_t rest = GetRest(node, set, mLimit - weight);
         if (weight + rest > mLimit)
             return;
-        number = mLabels.Add({node, set, weight, rest});
+        number = mLabels.Add({node, set, weight, rest, isBranch});
     }
     mQueue.push_back({weight + mLabels.Get(number).rest, number});
     std::push_heap(mQueue.begin(), mQueue.end(), std::greater<>());
@@ -139,7 +147,7 @@ template <std::size_t Words>
 void SubsetProgramme<Words>::GrowFrom(const Label& label)
 {
     for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(label.node))
-        Offer(arc.target, label.set, label.weight + arc.weight);
+        Offer(arc.target, label.set, label.weight + arc.weight, EOrigin::Grown);
 }
 
 template <std::size_t Words>
@@ -148,12 +156,14 @@ void SubsetProgramme<Words>::JoinAt(const Label& label, std::uint32_t number)
     const Set set = mSets.Get(label.set);
     NodeLabels<Words>& settled = mSettledAt[label.node];
     settled.ForEachDisjoint(set, mAll, [&](const typename NodeLabels<Words>::Entry& other) {
+        if (!(set.IsLower(other.set) ? label.isBranch : other.isBranch))
+            return;
         const std::uint64_t weight = label.weight + other.weight;
         const Set joined = set.Union(other.set);
         if (weight <= mLimit && settled.Improves(joined, weight))
-            Offer(label.node, Intern(joined), weight);
+            Offer(label.node, Intern(joined), weight, EOrigin::Joined);
     });
-    settled.Add({set, label.weight, number}, mAll);
+    settled.Add({set, label.weight, number, label.isBranch}, mAll);
 }
 
 template <std::size_t Words>

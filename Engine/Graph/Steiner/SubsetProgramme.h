@@ -26,6 +26,9 @@ class Budget;
 /// optimum: so the labels of every lightest tree are settled, with exact weights, and counting
 /// can follow. Nothing grows out of the root, nor out of a terminal that is not in the set.
 ///
+/// Two labels are joined only when the one with the smallest terminal is a single branch; every
+/// partial tree with several branches comes about so, by taking them off in that order.
+///
 /// A label is cut off when it weighs more than a partial tree that joins the same set to a
 /// terminal outside it: joining there instead would be lighter. All cuts are strict, so none
 /// loses a lightest tree.
@@ -87,7 +90,13 @@ private:
         std::uint64_t cap;
     };
 
-    void Offer(std::uint32_t node, std::uint32_t set, std::uint64_t weight);
+    /// How a partial tree came about.
+    enum class EOrigin
+    {
+        Grown,
+        Joined,
+    };
+    void Offer(std::uint32_t node, std::uint32_t set, std::uint64_t weight, EOrigin origin);
     [[nodiscard]] std::uint64_t GetRest(std::uint32_t node, std::uint32_t set,
                                         std::uint64_t limit) const;
     void Settle(std::uint32_t number);

@@ -72,6 +72,16 @@ struct TerminalSet
                static_cast<std::uint32_t>(std::countr_zero(words[word]));
     }
 
+    /// Says whether the smallest number of the two sets, which are not empty, is in this one.
+    [[nodiscard]] bool IsLower(const TerminalSet& other) const
+    {
+        std::size_t word = 0;
+        while ((words[word] | other.words[word]) == 0)
+            ++word;
+        const std::uint64_t both = words[word] | other.words[word];
+        return (words[word] & both & (~both + 1)) != 0;
+    }
+
     [[nodiscard]] std::uint32_t GetSize() const
     {
         std::uint32_t size = 0;
@@ -90,7 +100,13 @@ struct TerminalSet
         return hash;
     }
 
-    friend bool operator==(const TerminalSet&, const TerminalSet&) = default;
+    friend bool operator==(const TerminalSet& left, const TerminalSet& right)
+    {
+        std::uint64_t difference = 0;
+        for (std::size_t word = 0; word < Words; ++word)
+            difference |= left.words[word] ^ right.words[word];
+        return difference == 0;
+    }
 };
 
 } // namespace qe::graph
