@@ -4,6 +4,7 @@
 #include "HBNException.h"
 #include "MainObjectPathSelector.h"
 #include "Tools/Ask/FunctionSelector.h"
+#include "Tools/Ask/KeyChoice.h"
 #include "Tools/Ask/LogNotices.h"
 #include "Tools/Ask/PathMeasure.h"
 #include "Tools/Ask/Request.h"
@@ -210,7 +211,9 @@ std::uint32_t Asking::Select(const Descriptors& descriptors)
     mAnswer.criterion = FindCriterion(mAnswer, ranking);
 
     std::uint32_t choice = 0;
-    if (mQuestion.selector.kind == ESelector::MainObject)
+    if (mQuestion.selector.kind == ESelector::Keys)
+        choice = static_cast<std::uint32_t>(ChooseByKeys(mAnswer));
+    else if (mQuestion.selector.kind == ESelector::MainObject)
         choice = SelectByMainObject(descriptors);
     else if (mQuestion.selector.kind == ESelector::Ask)
         choice = static_cast<std::uint32_t>(mQuestion.selector.choose(mAnswer));

@@ -37,6 +37,8 @@ enum class ESelector : std::uint8_t
 {
     /// The best-ranked path is taken.
     First,
+    /// Of the paths of least weight, the one that the keys speak for is taken.
+    Keys,
     /// The first path with a main object is taken.
     MainObject,
     /// SelectorChoice::choose is asked.
@@ -48,7 +50,7 @@ using ChooseAlternative = std::function<std::size_t(const Answer& soFar)>;
 
 struct SelectorChoice
 {
-    ESelector kind = ESelector::First;
+    ESelector kind = ESelector::Keys;
     /// Main object: it has no optional ends, and none is reached through one.
     bool checkOptional = false;
     /// Main object: only the subjects of the question may be it.
