@@ -1,0 +1,20 @@
+#ifndef TOOLS_OUTPUT_DISPLAYTEXT_H
+#define TOOLS_OUTPUT_DISPLAYTEXT_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace qe::tool {
+
+/// Makes any text harmless to show on one line of a terminal: control characters, characters that
+/// change the direction of writing or break lines, and bytes that are no UTF-8 become escapes such
+/// as "\n", "\u{202E}" and "\xFF". All other text stays as it is.
+[[nodiscard]] std::string ToDisplayText(std::string_view text);
+
+/// Counts the columns that a text from ToDisplayText takes, wide letters as two.
+[[nodiscard]] std::size_t DisplayWidth(std::string_view text);
+
+} // namespace qe::tool
+
+#endif

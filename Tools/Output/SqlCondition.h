@@ -1,0 +1,23 @@
+#ifndef TOOLS_OUTPUT_SQLCONDITION_H
+#define TOOLS_OUTPUT_SQLCONDITION_H
+
+#include "Engine/Model/ModelGateway.h"
+#include "Tools/Ask/Answer.h"
+#include "Tools/Output/SqlTables.h"
+
+#include <string>
+
+namespace qe::tool {
+
+/// Writes the join's condition in SQL, its references as columns of the tables. A reference to
+/// what an end stands for means that end; where both ends stand for the same and only one of them
+/// is named, the second half of the references means the other.
+///
+/// Throws InputError when there is no condition, or it cannot be read, or it refers to what the
+/// statement has no table for.
+[[nodiscard]] std::string WriteSqlCondition(model::ModelGateway& gateway, const SqlTables& tables,
+                                            const AnswerJoin& join);
+
+} // namespace qe::tool
+
+#endif
