@@ -26,6 +26,26 @@ constexpr std::array Efforts{BlockSearch::Effort{2, 2000}, BlockSearch::Effort{8
 /// Share of the time after which the local search is cut short.
 constexpr double LocalSearchShare = 0.1;
 
+/// How the search for a light tree is made to run ahead: by how many ascents it is bounded, how
+/// much of the gap between the bounds is added to them, and after how many labels it is given up.
+constexpr std::size_t DiveAscents = 4;
+constexpr double DiveInflation = 0.8;
+constexpr std::size_t DiveLabels = 30000;
+
+/// Calls with the number of words that so many terminals take, when they are not too many.
+template <typename Call>
+void WithWords(std::size_t terminals, const Call& call)
+{
+    if (terminals <= TerminalSet<1>::Capacity)
+        call(std::integral_constant<std::size_t, 1>());
+    else if (terminals <= TerminalSet<2>::Capacity)
+        call(std::integral_constant<std::size_t, 2>());
+    else if (terminals <= TerminalSet<4>::Capacity)
+        call(std::integral_constant<std::size_t, 4>());
+    else if (terminals <= TerminalSet<8>::Capacity)
+        call(std::integral_constant<std::size_t, 8>());
+}
+
 } // namespace
 
 BlockSearch::BlockSearch(Network& block, std::uint64_t knownWeight, Budget& budget)
@@ -107,6 +127,8 @@ std::size_t BlockSearch::ShedThoroughly()
         const std::vector<std::uint32_t> guide = mTree.edges;
         Ascend(terminals[start * terminals.size() / starts], guide);
     }
+    if (!mBudget.IsExhausted())
+        WithWords(terminals.size(), [this](auto words) { Dive<words>(); });
     return RemoveDispensable();
 }
 
@@ -142,16 +164,36 @@ BlockSearch::Outcome BlockSearch::Search(TreeFamily& family)
 std::optional<BlockSearch::Outcome> BlockSearch::SearchWithin(TreeFamily& family,
                                                               std::span<const Effort> efforts)
 {
-    const std::size_t count = mNetwork.GetTerminals().size();
-    if (count <= TerminalSet<1>::Capacity)
-        return SearchWith<1>(family, efforts);
-    if (count <= TerminalSet<2>::Capacity)
-        return SearchWith<2>(family, efforts);
-    if (count <= TerminalSet<4>::Capacity)
-        return SearchWith<4>(family, efforts);
-    if (count <= TerminalSet<8>::Capacity)
-        return SearchWith<8>(family, efforts);
-    return std::nullopt;
+    std::optional<Outcome> outcome;
+    WithWords(mNetwork.GetTerminals().size(),
+              [&](auto words) { outcome = SearchWith<words>(family, efforts); });
+    return outcome;
+}
+
+/// Looks for a lighter tree by an exact search that is made to run ahead.
+template <std::size_t Words>
+void BlockSearch::Dive()
+{
+    if (mKnownWeight <= mLowerBound)
+        return;
+    std::vector<RestBound<Words>> bounds;
+    AddBounds(DiveAscents, bounds);
+    SubsetProgramme<Words> programme(mNetwork, mBestRoot, bounds, mKnownWeight, mBudget);
+    const double gap = static_cast<double>(mKnownWeight - mLowerBound);
+    const double inflation = DiveInflation * gap / static_cast<double>(mLowerBound);
+    if (programme.Dive(inflation, DiveLabels) != SubsetProgramme<Words>::EOutcome::Solved)
+        return;
+    std::vector<std::uint32_t> edges;
+    DerivationBuilder<Words>(programme, {}, mBudget).AppendOneTree(edges);
+    std::sort(edges.begin(), edges.end());
+    edges.erase(std::unique(edges.begin(), edges.end()), edges.end());
+    SteinerTree tree = mGrower.Regrow(edges, mBestRoot);
+    LocalSearch(mNetwork, mGrower).Improve(tree, mBudget, LocalSearchShare);
+    if (tree.weight >= mTree.weight)
+        return;
+    mTree = std::move(tree);
+    mKnownWeight = std::min(mKnownWeight, mTree.weight);
+    MarkDispensable(mNetwork, mAscent, mKnownWeight, mIsDispensable);
 }
 
 BlockSearch::Outcome BlockSearch::AnswerTree(TreeFamily& family,

@@ -69,6 +69,8 @@ private:
     std::optional<Outcome> SearchWithin(TreeFamily& family, std::span<const Effort> efforts);
     template <std::size_t Words>
     std::optional<Outcome> SearchWith(TreeFamily& family, std::span<const Effort> efforts);
+    template <std::size_t Words>
+    void Dive();
     std::size_t RemoveDispensable();
     Outcome AnswerTree(TreeFamily& family, const std::vector<std::uint32_t>& edges,
                        std::uint64_t weight, std::uint64_t lowerBound) const;

@@ -31,6 +31,15 @@ std::uint32_t LabelTable::Add(const Label& label)
     return number;
 }
 
+std::size_t LabelTable::GetBytes() const
+{
+    const std::size_t labels = mLabels.capacity() * sizeof(Label);
+    const std::size_t slots = mSlots.capacity() * sizeof(Slot);
+    const bool areLabelsNearlyFull = mLabels.size() > mLabels.capacity() / 8 * 7;
+    const bool areSlotsNearlyFull = 2 * mLabels.size() > mSlots.size() / 8 * 7;
+    return (areLabelsNearlyFull ? 3 * labels : labels) + (areSlotsNearlyFull ? 3 * slots : slots);
+}
+
 void LabelTable::Grow()
 {
     const std::size_t size = 2 * mSlots.size();

@@ -44,10 +44,8 @@ public:
     {
         return static_cast<std::uint32_t>(mLabels.size());
     }
-    [[nodiscard]] std::size_t GetBytes() const
-    {
-        return mLabels.capacity() * sizeof(Label) + mSlots.capacity() * sizeof(Slot);
-    }
+    /// Answers the bytes taken; when the table is about to grow, those taken while it does.
+    [[nodiscard]] std::size_t GetBytes() const;
 
 private:
     struct Slot

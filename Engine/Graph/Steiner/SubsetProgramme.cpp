@@ -31,36 +31,81 @@ SubsetProgramme<Words>::SubsetProgramme(const FlatNetwork& network, std::uint32_
 template <std::size_t Words>
 typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Run(std::size_t mostSettled)
 {
-    for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
-        if (terminal != mRoot)
-            Offer(terminal, Intern(Set::Single(mBits[terminal])), 0, EOrigin::Grown);
-    }
-    std::size_t charged = 0;
-    std::size_t settled = 0;
-    while (!mQueue.empty()) {
-        const QueueEntry entry = mQueue.front();
-        mBound = std::min(entry.key, mLimit);
-        if (entry.key > mLimit)
+    OfferTerminals();
+    for (std::size_t settled = 0; !mQueue.empty();) {
+        mBound = std::min(mQueue.front().key, mLimit);
+        if (mQueue.front().key > mLimit)
             break;
         if (mBudget.IsExhausted())
             return EOutcome::Exhausted;
         if (settled > mostSettled)
             return EOutcome::Paused;
-        std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
-        mQueue.pop_back();
-        const Label& label = mLabels.Get(entry.label);
-        if (!label.isSettled && label.weight + label.rest == entry.key) {
-            Settle(entry.label);
-            ++settled;
-        }
-        const std::size_t bytes = mLabels.GetBytes() + mQueue.capacity() * sizeof(QueueEntry) +
-                                  mSetInfos.capacity() * (sizeof(SetInfo) + sizeof(Set) + 8) +
-                                  mLabels.GetCount() * (sizeof(Set) + 8);
-        mBudget.Charge(bytes - charged);
-        charged = bytes;
+        settled += SettleNext() ? 1U : 0U;
+        ChargeMemory();
     }
     mBound = mLimit;
     return EOutcome::Solved;
+}
+
+template <std::size_t Words>
+typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Dive(double inflation,
+                                                                       std::size_t mostSettled)
+{
+    mInflation = inflation;
+    OfferTerminals();
+    for (std::size_t settled = 0; !mQueue.empty() && settled <= mostSettled;) {
+        if (mBudget.IsExhausted())
+            return EOutcome::Exhausted;
+        settled += SettleNext() ? 1U : 0U;
+        ChargeMemory();
+        if (FindSettled(mRoot, mAll) != LabelTable::None)
+            return EOutcome::Solved;
+    }
+    return EOutcome::Paused;
+}
+
+template <std::size_t Words>
+void SubsetProgramme<Words>::OfferTerminals()
+{
+    for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
+        if (terminal != mRoot)
+            Offer(terminal, Intern(Set::Single(mBits[terminal])), 0, EOrigin::Grown);
+    }
+}
+
+/// Takes the first entry from the queue and settles its label, unless a later entry did.
+template <std::size_t Words>
+bool SubsetProgramme<Words>::SettleNext()
+{
+    const QueueEntry entry = mQueue.front();
+    std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
+    mQueue.pop_back();
+    const Label& label = mLabels.Get(entry.label);
+    if (label.isSettled || label.weight + label.rest != entry.key)
+        return false;
+    Settle(entry.label);
+    return true;
+}
+
+template <std::size_t Words>
+void SubsetProgramme<Words>::ChargeMemory()
+{
+    // Lists that double when they are full take up to three times their contents meanwhile.
+    constexpr std::size_t Doubling = 3;
+    constexpr std::size_t SetBytes = sizeof(SetInfo) + sizeof(Set) + 2 * sizeof(std::uint32_t);
+    const std::size_t perSet = SetBytes + mRestBounds.size() * sizeof(std::uint64_t);
+    const std::size_t bytes = mLabels.GetBytes() + Doubling * mQueue.size() * sizeof(QueueEntry) +
+                              Doubling * mSetInfos.size() * perSet +
+                              2 * mSettledCount * sizeof(typename NodeLabels<Words>::Entry);
+    mBudget.Release(mCharged);
+    mBudget.Charge(bytes);
+    mCharged = bytes;
+}
+
+template <std::size_t Words>
+SubsetProgramme<Words>::~SubsetProgramme()
+{
+    mBudget.Release(mCharged);
 }
 
 template <std::size_t Words>
@@ -115,7 +160,8 @@ void SubsetProgramme<Words>::Offer(std::uint32_t node, std::uint32_t set, std::u
         const std::uint64_t rest = GetRest(node, set, mLimit - weight);
         if (weight + rest > mLimit)
             return;
-        number = mLabels.Add({node, set, weight, rest, isBranch});
+        const auto inflation = static_cast<std::uint64_t>(static_cast<double>(rest) * mInflation);
+        number = mLabels.Add({node, set, weight, rest + inflation, isBranch});
     }
     mQueue.push_back({weight + mLabels.Get(number).rest, number});
     std::push_heap(mQueue.begin(), mQueue.end(), std::greater<>());
@@ -164,6 +210,7 @@ void SubsetProgramme<Words>::JoinAt(const Label& label, std::uint32_t number)
             Offer(label.node, Intern(joined), weight, EOrigin::Joined);
     });
     settled.Add({set, label.weight, number, label.isBranch}, mAll);
+    ++mSettledCount;
 }
 
 template <std::size_t Words>

@@ -45,6 +45,9 @@ public:
     SubsetProgramme(const FlatNetwork& network, std::uint32_t root,
                     std::span<const RestBound<Words>> bounds, std::uint64_t knownWeight,
                     Budget& budget);
+    SubsetProgramme(const SubsetProgramme&) = delete;
+    SubsetProgramme& operator=(const SubsetProgramme&) = delete;
+    ~SubsetProgramme();
 
     enum class EOutcome
     {
@@ -55,6 +58,11 @@ public:
     /// Searches until the optimum is known, the given number of labels is settled, or the budget
     /// runs out.
     EOutcome Run(std::size_t mostSettled);
+
+    /// Looks for one light tree only, with the bound for the rest made greater by that factor, so
+    /// that the search runs ahead to whole trees. Solved means that it found one; then the labels
+    /// derive that tree, and need not be exact.
+    EOutcome Dive(double inflation, std::size_t mostSettled);
 
     /// Answers the weight that no tree is below: the optimum once solved.
     [[nodiscard]] std::uint64_t GetBound() const { return mBound; }
@@ -99,7 +107,10 @@ private:
     void Offer(std::uint32_t node, std::uint32_t set, std::uint64_t weight, EOrigin origin);
     [[nodiscard]] std::uint64_t GetRest(std::uint32_t node, std::uint32_t set,
                                         std::uint64_t limit) const;
+    void OfferTerminals();
     void Settle(std::uint32_t number);
+    bool SettleNext();
+    void ChargeMemory();
     void GrowFrom(const Label& label);
     void JoinAt(const Label& label, std::uint32_t number);
     std::uint32_t Intern(const Set& set);
@@ -110,6 +121,7 @@ private:
     std::uint32_t mRoot;
     std::uint64_t mLimit;
     std::uint64_t mBound = 0;
+    double mInflation = 0;
     std::vector<std::uint32_t> mBits;
     Set mAll;
     SetTable<Words> mSets;
@@ -119,6 +131,8 @@ private:
     LabelTable mLabels;
     std::vector<NodeLabels<Words>> mSettledAt;
     std::vector<QueueEntry> mQueue;
+    std::size_t mSettledCount = 0;
+    std::size_t mCharged = 0;
 };
 
 } // namespace qe::graph
