@@ -188,10 +188,11 @@ bool ContentWriter::LeadsTo(const Record& from, const amd_id& to,
             continue;
         if (found.size() == 1)
             return found.front() == to;
-        const auto isNear = [&](const amd_id& id) {
-            return mModel->GetNamespace(id) == from.space;
-        };
-        return isNear(to) && std::count_if(found.begin(), found.end(), isNear) == 1;
+        found.erase(std::remove_if(
+                        found.begin(), found.end(),
+                        [&](const amd_id& id) { return mModel->GetNamespace(id) != from.space; }),
+                    found.end());
+        return found.size() == 1 && found.front() == to;
     }
     return false;
 }

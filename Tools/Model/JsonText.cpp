@@ -51,6 +51,15 @@ public:
         }
     }
 
+    /// Gives the pointer to the value that comes next.
+    [[nodiscard]] std::string GetNextPointer() const
+    {
+        std::string pointer = GetPointer();
+        if (!mLevels.empty() && mLevels.back().isList)
+            pointer = ChildPointer(pointer.substr(0, pointer.rfind('/')), mLevels.back().elements);
+        return pointer;
+    }
+
 private:
     struct Level
     {
@@ -119,7 +128,8 @@ json ParseJson(std::string_view text, const std::string& fileName, FileProblems&
         const std::size_t offset = error.byte == 0 ? 0 : error.byte - 1;
         throw InputError({{PlaceOf(text, offset, fileName), Reason(error.what())}});
     } catch (const json::exception& error) {
-        throw InputError({{fileName, Reason(error.what())}});
+        // A number that no number type holds.
+        throw InputError({{fileName + '#' + walk.GetNextPointer(), Reason(error.what())}});
     }
 }
 
