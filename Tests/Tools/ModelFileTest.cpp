@@ -2,6 +2,7 @@
 
 #include "Engine/Model/Model.h"
 #include "Engine/Model/ModelBuilder.h"
+#include "Tests/Tools/SchemaCheck.h"
 #include "Tools/InputError.h"
 #include "Tools/InputFile.h"
 
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <filesystem>
 #include <random>
 #include <set>
 #include <sstream>
@@ -220,6 +222,37 @@ TEST(ModelFileTest, WrittenModelsAreReadAsTheyWere)
         ASSERT_EQ(Describe(read), Describe(model));
         ASSERT_EQ(WriteModelText(read), text);
     }
+}
+
+/// Gives the texts of the models among the examples.
+std::vector<std::string> ExampleModels()
+{
+    std::vector<std::string> texts;
+    for (const auto& entry :
+         std::filesystem::recursive_directory_iterator(QEREFINER_SOURCE_DIR "/Examples")) {
+        if (entry.path().extension() != ".json")
+            continue;
+        std::string text = ReadInputFile(entry.path());
+        if (text.find("\"subjects\"") != std::string::npos)
+            texts.push_back(std::move(text));
+    }
+    return texts;
+}
+
+TEST(ModelFileTest, SchemaAcceptsWhatIsReadAndWritten)
+{
+    test::SchemaCheck check;
+    check.Add(WorkedModel());
+    for (unsigned seed = 0; seed < 40; ++seed)
+        check.Add(WriteModelText(RandomModel(seed).Make()));
+    for (const std::string& text : ExampleModels()) {
+        EXPECT_NO_THROW(static_cast<void>(ReadModelText(text, "example")));
+        check.Add(text);
+    }
+    const auto refused = check.FindRefused();
+    if (!refused)
+        GTEST_SKIP() << "python3-jsonschema is not installed";
+    EXPECT_THAT(*refused, testing::IsEmpty());
 }
 
 TEST(ModelFileTest, NoMutationIsHalfAccepted)

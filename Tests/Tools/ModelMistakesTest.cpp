@@ -1,4 +1,5 @@
 #include "Tests/Engine/Services/TemporaryFile.h"
+#include "Tests/Tools/SchemaCheck.h"
 #include "Tools/InputError.h"
 #include "Tools/Model/ModelFile.h"
 #include "Tools/Model/OpenModel.h"
@@ -69,16 +70,15 @@ TEST(ModelMistakesTest, SyntaxHasLineAndColumn)
     });
 }
 
-TEST(ModelMistakesTest, ContentHasPointers)
+/// Mistakes that a schema can see.
+std::vector<Mistake> ContentMistakes()
 {
-    ExpectMistakes({
+    return {
         {"no object", "[]", "m#: must be an object, not a list"},
         {"version", R"({"version": 2})", "m#/version: must be 1: 2"},
         {"unknown key", R"({"namespace": [], "a/~b\n": 1})",
          "m#/a~1~0b\\u000a: key is unknown: \"a/~b\\u000a\"\n"
          "m#/namespace: key is unknown: \"namespace\" (did you mean namespaces?)"},
-        {"key given twice", R"({"folders": [{"name": "F", "id": 1, "name": "G"}]})",
-         "m#/folders/0/name: key is given twice: \"name\""},
         {"types",
          R"({"locale": 1, "subjects": {}, "userClasses": [null], "governors": [],
              "filters": [{"name": true, "condition": {}}], "folders": [7]})",
@@ -127,7 +127,28 @@ TEST(ModelMistakesTest, ContentHasPointers)
          "two numbers, not a number\n"
          "m#/relationships/1/leftCardinality: relationship \"s\" has a cardinality at its left end "
          "that is no range"},
+    };
+}
+
+TEST(ModelMistakesTest, ContentHasPointers)
+{
+    ExpectMistakes(ContentMistakes());
+    ExpectMistakes({
+        {"key given twice", R"({"folders": [{"name": "F", "id": 1, "name": "G"}]})",
+         "m#/folders/0/name: key is given twice: \"name\""},
     });
+}
+
+TEST(ModelMistakesTest, SchemaRefusesThemToo)
+{
+    const std::vector<Mistake> mistakes = ContentMistakes();
+    test::SchemaCheck check;
+    for (const Mistake& mistake : mistakes)
+        check.Add(mistake.text);
+    const auto refused = check.FindRefused();
+    if (!refused)
+        GTEST_SKIP() << "python3-jsonschema is not installed";
+    EXPECT_EQ(refused->size(), mistakes.size()) << testing::PrintToString(*refused);
 }
 
 TEST(ModelMistakesTest, NamesAreComparedWithTheModel)
