@@ -114,10 +114,13 @@ std::set<std::pair<std::string, std::string>> KeysOf(const qe::model::Model& mod
         const auto references = qe::expression::FindReferences(model.Find(id)->text).references;
         std::vector<std::string> columns;
         for (const auto& reference : references) {
-            const auto subjects = model.FindByName(qe::model::EFamily::Subject,
-                                                   {"retail", reference.names.at(1).ToStdString()});
+            std::vector<std::string> names;
+            for (const I18NString& name : reference.names)
+                names.push_back(name.ToStdString());
+            const auto subjects =
+                model.FindByName(qe::model::EFamily::Subject, {names.at(0), names.at(1)});
             const amd_id table = model.GetTarget(subjects.at(0));
-            columns.push_back(model.Find(table)->text + "." + reference.names.at(2).ToStdString());
+            columns.push_back(model.Find(table)->text + "." + names.at(2));
         }
         for (std::size_t i = 0; i + 1 < columns.size(); i += 2)
             keys.emplace(columns[i], columns[i + 1]);
