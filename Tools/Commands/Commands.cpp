@@ -1,11 +1,13 @@
+#include "Tools/Commands/BatchCommand.h"
 #include "Tools/Commands/Command.h"
+#include "Tools/Commands/EvaluateCommand.h"
 
 namespace qe::tool {
 
 void AddCommands(CLI::App& app, CommandContext& context)
 {
-    static_cast<void>(app);
-    static_cast<void>(context);
+    AddBatchCommand(app, context);
+    AddEvaluateCommand(app, context);
 }
 
 } // namespace qe::tool
