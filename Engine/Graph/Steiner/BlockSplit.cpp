@@ -32,6 +32,7 @@ private:
     void Follow(std::uint32_t half);
     void Leave(std::uint32_t node);
     void Emit(std::uint32_t firstEdge);
+    void SortNodes(std::vector<std::uint32_t>& nodes) const;
 
     const Network& mNetwork;
     std::vector<Visit> mVisits;
@@ -109,6 +110,21 @@ void BlockSplit::Leave(std::uint32_t node)
     mEdges.resize(visit.firstEdge);
 }
 
+/// Sorts the nodes of a block, which are marked; going through all nodes is the faster way to do
+/// so when it has most of them.
+void BlockSplit::SortNodes(std::vector<std::uint32_t>& nodes) const
+{
+    if (nodes.size() < mVisits.size() / 8) {
+        std::sort(nodes.begin(), nodes.end());
+        return;
+    }
+    nodes.clear();
+    for (std::uint32_t node = 0; node < mVisits.size(); ++node) {
+        if (mVisits[node].local != Network::None)
+            nodes.push_back(node);
+    }
+}
+
 void BlockSplit::Emit(std::uint32_t firstEdge)
 {
     std::vector<std::uint32_t> nodes;
@@ -117,10 +133,13 @@ void BlockSplit::Emit(std::uint32_t firstEdge)
             const std::uint32_t node = mNetwork.GetOrigin(half);
             if (mVisits[node].local != Network::None)
                 continue;
-            mVisits[node].local = static_cast<std::uint32_t>(nodes.size());
+            mVisits[node].local = 0;
             nodes.push_back(node);
         }
     }
+    SortNodes(nodes);
+    for (std::uint32_t local = 0; local < nodes.size(); ++local)
+        mVisits[nodes[local]].local = local;
     Network block(static_cast<std::uint32_t>(nodes.size()), mNetwork.GetStrands());
     for (std::size_t place = firstEdge; place < mEdges.size(); ++place) {
         const std::uint32_t edge = mEdges[place];

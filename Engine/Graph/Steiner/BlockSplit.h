@@ -11,7 +11,7 @@ namespace qe::graph {
 ///
 /// Each lightest tree of the network is one lightest tree of every block, in any combination.
 /// Blocks without a terminal beyond their cut node are dropped. The blocks come with nodes
-/// numbered anew and without fixed strands, in a fixed order. Hopcroft and
+/// numbered anew in ascending order and without fixed strands, in a fixed order. Hopcroft and
 /// Tarjan (1973), linear time.
 [[nodiscard]] std::vector<Network> SplitIntoBlocks(const Network& network);
 
