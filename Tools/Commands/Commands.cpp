@@ -1,5 +1,7 @@
+#include "Tools/Commands/BatchCommand.h"
 #include "Tools/Commands/CheckCommand.h"
 #include "Tools/Commands/Command.h"
+#include "Tools/Commands/EvaluateCommand.h"
 
 #include <array>
 
@@ -8,9 +10,7 @@ namespace qe::tool {
 namespace {
 
 /// In the order of the help.
-constexpr std::array kCommands{
-    AddCheckCommand,
-};
+constexpr std::array kCommands{AddBatchCommand, AddCheckCommand, AddEvaluateCommand};
 
 } // namespace
 
