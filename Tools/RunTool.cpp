@@ -1,5 +1,6 @@
 #include "Tools/RunTool.h"
 
+#include "Tools/Commands/Diagnostics.h"
 #include "Tools/InputError.h"
 
 #include <CLI/CLI.hpp>
@@ -39,7 +40,7 @@ EExitCode RunTool(const std::vector<std::string>& arguments, CommandContext& con
         AddCommands(app, context);
         return Parse(app, arguments, context);
     } catch (const InputError& error) {
-        context.error << error.what() << '\n';
+        WriteProblems(context.error, error);
         return EExitCode::UnreadableInput;
     } catch (const std::exception& error) {
         context.error << "qerefine: internal error: " << error.what() << '\n';

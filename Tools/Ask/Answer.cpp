@@ -74,6 +74,8 @@ std::string_view ToText(ECriterion criterion)
         return "join names";
     case ECriterion::Order:
         return "order";
+    case ECriterion::Keys:
+        return "keys";
     case ECriterion::Selector:
         return "selector";
     }

@@ -71,6 +71,8 @@ enum class ECriterion : std::uint8_t
     JoinNames,
     /// Equally good, with the same join names; it was found first.
     Order,
+    /// Among equally cheap ones, the keys speak for it.
+    Keys,
     /// The selector's own rule.
     Selector,
 };

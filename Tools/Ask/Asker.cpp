@@ -9,6 +9,7 @@
 #include "Tools/Ask/PathMeasure.h"
 #include "Tools/Ask/Request.h"
 #include "Tools/Ask/SubjectGroups.h"
+#include "Tools/Ask/SubjectName.h"
 #include "Tools/Model/ToolModel.h"
 
 #include <algorithm>
@@ -219,8 +220,9 @@ std::uint32_t Asking::Select(const Descriptors& descriptors)
         choice = static_cast<std::uint32_t>(mQuestion.selector.choose(mAnswer));
     if (choice < mAnswer.alternatives.size())
         mAnswer.chosen = choice;
+    const bool isKeyChoice = mQuestion.selector.kind == ESelector::Keys;
     if (choice != 0 || mQuestion.selector.kind == ESelector::Ask)
-        mAnswer.criterion = ECriterion::Selector;
+        mAnswer.criterion = isKeyChoice ? ECriterion::Keys : ECriterion::Selector;
     return choice;
 }
 
@@ -333,16 +335,9 @@ void Asking::MentionSubject(const amd_id& subject)
 {
     if (mAnswer.subjects.count(subject) != 0)
         return;
-    const model::ObjectRecord* const record = mModel.Find(subject);
-    if (record == nullptr)
-        return;
-    const bool isUnique =
-        mModel.FindByName(model::EFamily::Subject, model::QualifiedName{record->name}).size() == 1;
-    mAnswer.subjects.emplace(
-        subject,
-        AnswerSubject{subject,
-                      isUnique ? record->name : model::ToText(mModel.GetQualifiedName(subject)),
-                      mModel.GetTarget(subject)});
+    if (mModel.Find(subject) != nullptr)
+        mAnswer.subjects.emplace(subject, AnswerSubject{subject, SubjectName(mModel, subject),
+                                                        mModel.GetTarget(subject)});
 }
 
 } // namespace

@@ -56,7 +56,7 @@ struct CommandContext
 /// callback writes to the streams of the context and sets its exit code, and may throw InputError,
 /// CLI::ValidationError or anything else: RunTool turns it into a diagnostic and an exit code.
 ///
-/// Both arguments outlive the parsing. Every command is listed in Commands.cpp.
+/// Both arguments outlive the parsing. Commands.cpp calls each once.
 using AddCommand = void (*)(CLI::App& app, CommandContext& context);
 
 /// Adds all commands.

@@ -1,23 +1,25 @@
+#include "Tools/Commands/AskCommands.h"
 #include "Tools/Commands/BatchCommand.h"
 #include "Tools/Commands/CheckCommand.h"
 #include "Tools/Commands/Command.h"
 #include "Tools/Commands/EvaluateCommand.h"
-
-#include <array>
+#include "Tools/Commands/ReportCommands.h"
 
 namespace qe::tool {
 
-namespace {
-
-/// In the order of the help.
-constexpr std::array kCommands{AddBatchCommand, AddCheckCommand, AddEvaluateCommand};
-
-} // namespace
-
+// The order is that of the help.
 void AddCommands(CLI::App& app, CommandContext& context)
 {
-    for (const AddCommand add : kCommands)
-        add(app, context);
+    AddPathCommand(app, context);
+    AddBestCommand(app, context);
+    AddSubjectsCommand(app, context);
+    AddBetweenCommand(app, context);
+    AddTreeCommand(app, context);
+    AddFactsCommand(app, context);
+    AddShortcutsCommand(app, context);
+    AddBatchCommand(app, context);
+    AddCheckCommand(app, context);
+    AddEvaluateCommand(app, context);
 }
 
 } // namespace qe::tool

@@ -17,6 +17,28 @@ std::string Count(std::size_t count, const char* singular, const char* plural)
     return std::to_string(count) + ' ' + (count == 1 ? singular : plural);
 }
 
+std::string JoinTitle(const Answer& answer, const amd_id& join)
+{
+    const AnswerJoin* const known = answer.FindJoin(join);
+    return known == nullptr || known->name.empty() ? ToText(join) : known->name;
+}
+
+std::string FactsText(const Alternative& alternative)
+{
+    std::string text = alternative.factTables ? std::to_string(*alternative.factTables) : "?";
+    if (alternative.manyToManyJoins > 0)
+        text += '+' + std::to_string(alternative.manyToManyJoins) + " m:n";
+    return text;
+}
+
+std::string PathText(const Answer& answer, const Alternative& alternative)
+{
+    std::string text;
+    for (const amd_id& join : alternative.joins)
+        text += (text.empty() ? "" : ", ") + JoinTitle(answer, join);
+    return text;
+}
+
 class TextAnswerWriter
 {
 public:
@@ -31,14 +53,11 @@ private:
     void WriteHeadline();
     void WriteSubjects();
     void WriteJoins(const Ids& path);
-    void WriteAlternatives();
+    void WriteCandidates();
     void WriteSeparation();
     void WriteRemarks();
 
     [[nodiscard]] std::string Join(const Ids& subjects) const;
-    [[nodiscard]] std::string JoinTitle(const amd_id& join) const;
-    [[nodiscard]] std::string FactsText(const Alternative& alternative) const;
-    [[nodiscard]] std::string PathText(const Alternative& alternative) const;
     [[nodiscard]] bool AsksForSeveral() const
     {
         return mQuestion.operation == EOperation::BestPaths ||
@@ -60,7 +79,7 @@ void TextAnswerWriter::Write()
         WriteJoins(mAnswer.path);
     else if (mAnswer.bestPaths.size() == 1)
         WriteJoins(mAnswer.bestPaths.front());
-    WriteAlternatives();
+    WriteCandidates();
     WriteSeparation();
     WriteRemarks();
 }
@@ -102,43 +121,19 @@ void TextAnswerWriter::WriteJoins(const Ids& path)
         mOut << "  " << ++number << ". " << ToDisplayText(mAnswer.NameOf(join->left)) << ' '
              << ToText(join->leftCardinality) << " -- " << ToText(join->rightCardinality) << ' '
              << ToDisplayText(mAnswer.NameOf(join->right)) << '\n';
-        mOut << "     " << ToDisplayText(JoinTitle(id)) << " (" << JoinKindTitle(id) << ", weight "
-             << join->weight << ")\n";
+        mOut << "     " << ToDisplayText(JoinTitle(mAnswer, id)) << " (" << JoinKindTitle(id)
+             << ", weight " << join->weight << ")\n";
         if (!join->condition.empty())
             mOut << "     on " << ToDisplayText(join->condition) << '\n';
     }
 }
 
-void TextAnswerWriter::WriteAlternatives()
+void TextAnswerWriter::WriteCandidates()
 {
-    if (mAnswer.alternatives.empty() || (AsksForSeveral() && mAnswer.bestPaths.size() == 1))
+    if (mAnswer.alternatives.empty())
         return;
-    using EAlign = TextTable::EAlign;
-    TextTable table({{"", EAlign::Left},
-                     {"#", EAlign::Right},
-                     {"weight", EAlign::Right},
-                     {"facts", EAlign::Right},
-                     {"branches", EAlign::Right},
-                     {"rank", EAlign::Right},
-                     {"joins", EAlign::Left}});
-    const auto addRow = [&](std::size_t index) {
-        const Alternative& alternative = mAnswer.alternatives[index];
-        table.AddRow({mAnswer.chosen == index ? "*" : "", std::to_string(index + 1),
-                      std::to_string(alternative.weight), FactsText(alternative),
-                      std::to_string(alternative.branches),
-                      alternative.rank ? std::to_string(*alternative.rank) : "-",
-                      PathText(alternative)});
-    };
-    const std::size_t shown = std::min(mMaximum, mAnswer.alternatives.size());
-    for (std::size_t index = 0; index < shown; ++index)
-        addRow(index);
-    if (mAnswer.chosen && *mAnswer.chosen >= shown)
-        addRow(*mAnswer.chosen);
-    mOut << '\n' << Count(mAnswer.alternatives.size(), "candidate", "candidates");
-    if (shown < mAnswer.alternatives.size())
-        mOut << ", the first " << shown << " of them";
     mOut << '\n';
-    table.Write(mOut, "  ");
+    WriteAlternatives(mOut, mAnswer, mMaximum);
     if (mAnswer.criterion != ECriterion::None)
         mOut << "Decided by: " << ToText(mAnswer.criterion) << '\n';
     if (mAnswer.mainObject.IsValid())
@@ -181,34 +176,42 @@ std::string TextAnswerWriter::Join(const Ids& subjects) const
     return text;
 }
 
-std::string TextAnswerWriter::JoinTitle(const amd_id& join) const
-{
-    const AnswerJoin* const known = mAnswer.FindJoin(join);
-    return known == nullptr || known->name.empty() ? ToText(join) : known->name;
-}
-
-std::string TextAnswerWriter::FactsText(const Alternative& alternative) const
-{
-    std::string text = alternative.factTables ? std::to_string(*alternative.factTables) : "?";
-    if (alternative.manyToManyJoins > 0)
-        text += '+' + std::to_string(alternative.manyToManyJoins) + " m:n";
-    return text;
-}
-
-std::string TextAnswerWriter::PathText(const Alternative& alternative) const
-{
-    std::string text;
-    for (const amd_id& join : alternative.joins)
-        text += (text.empty() ? "" : ", ") + JoinTitle(join);
-    return text;
-}
-
 } // namespace
 
 void WriteText(std::ostream& out, const Question& question, const Answer& answer,
                std::size_t maximumAlternatives)
 {
     TextAnswerWriter(out, question, answer, maximumAlternatives).Write();
+}
+
+void WriteAlternatives(std::ostream& out, const Answer& answer, std::size_t maximumAlternatives)
+{
+    using EAlign = TextTable::EAlign;
+    TextTable table({{"", EAlign::Left},
+                     {"#", EAlign::Right},
+                     {"weight", EAlign::Right},
+                     {"facts", EAlign::Right},
+                     {"branches", EAlign::Right},
+                     {"rank", EAlign::Right},
+                     {"joins", EAlign::Left}});
+    const auto addRow = [&](std::size_t index) {
+        const Alternative& alternative = answer.alternatives[index];
+        table.AddRow({answer.chosen == index ? "*" : "", std::to_string(index + 1),
+                      std::to_string(alternative.weight), FactsText(alternative),
+                      std::to_string(alternative.branches),
+                      alternative.rank ? std::to_string(*alternative.rank) : "-",
+                      PathText(answer, alternative)});
+    };
+    const std::size_t shown = std::min(maximumAlternatives, answer.alternatives.size());
+    for (std::size_t index = 0; index < shown; ++index)
+        addRow(index);
+    if (answer.chosen && *answer.chosen >= shown)
+        addRow(*answer.chosen);
+    out << Count(answer.alternatives.size(), "candidate", "candidates");
+    if (shown < answer.alternatives.size())
+        out << ", the first " << shown << " of them";
+    out << '\n';
+    table.Write(out, "  ");
 }
 
 } // namespace qe::tool

@@ -15,6 +15,9 @@ namespace qe::tool {
 void WriteText(std::ostream& out, const Question& question, const Answer& answer,
                std::size_t maximumAlternatives);
 
+/// Writes the table of the alternatives alone.
+void WriteAlternatives(std::ostream& out, const Answer& answer, std::size_t maximumAlternatives);
+
 } // namespace qe::tool
 
 #endif

@@ -1,0 +1,17 @@
+#include "Tools/Ask/SubjectName.h"
+
+#include "Engine/Model/Model.h"
+
+namespace qe::tool {
+
+std::string SubjectName(const model::Model& model, const amd_id& subject)
+{
+    const model::ObjectRecord* const record = model.Find(subject);
+    if (record == nullptr)
+        return ToText(subject);
+    const bool isUnique =
+        model.FindByName(model::EFamily::Subject, model::QualifiedName{record->name}).size() == 1;
+    return isUnique ? record->name : model::ToText(model.GetQualifiedName(subject));
+}
+
+} // namespace qe::tool

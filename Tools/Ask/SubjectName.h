@@ -1,0 +1,19 @@
+#ifndef TOOLS_ASK_SUBJECTNAME_H
+#define TOOLS_ASK_SUBJECTNAME_H
+
+#include "amd_id.h"
+
+#include <string>
+
+namespace qe::model {
+class Model;
+}
+
+namespace qe::tool {
+
+/// Gives the name of a subject of the model, with its holders when others have the same name.
+[[nodiscard]] std::string SubjectName(const model::Model& model, const amd_id& subject);
+
+} // namespace qe::tool
+
+#endif

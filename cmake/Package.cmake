@@ -1,0 +1,17 @@
+# `cpack` in the build folder makes a .deb and a .tar.gz of what is installed.
+set(CPACK_PACKAGE_NAME "qerefiner")
+set(CPACK_PACKAGE_VENDOR "The join path refiner's developers")
+set(CPACK_PACKAGE_CONTACT "The join path refiner's developers <maintainers@qerefiner.example>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
+set(CPACK_PACKAGE_INSTALL_DIRECTORY "qerefiner")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_GENERATOR "DEB;TGZ")
+set(CPACK_PACKAGE_FILE_NAME "qerefiner-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR}")
+set(CPACK_PACKAGING_INSTALL_PREFIX "/usr")
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION "database")
+# The two libraries of this package depend on each other; the others come from Debian.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
+include(CPack)
