@@ -51,9 +51,7 @@ TEST_P(CollectedRequests, AreAnsweredOrRefusedWithTheReason)
 {
     for (const ReportRequest& request : mRequests) {
         SCOPED_TRACE(request.id);
-        Question question;
-        question.subjects = request.subjects;
-        const Answer answer = Ask(ModelOf(request.database), question);
+        const Answer answer = Ask(ModelOf(request.database), request.question);
         EXPECT_FALSE(answer.error) << answer.error->text;
 
         if (request.comparison == "unreachable") {

@@ -1,11 +1,11 @@
 #include "Tests/Tools/ReportRequest.h"
 
 #include "Engine/Expression/ParseReport.h"
+#include "Tools/Batch/QuestionReader.h"
 
 #include <algorithm>
 #include <cctype>
 #include <fstream>
-#include <nlohmann/json.hpp>
 
 namespace qe::test {
 
@@ -40,10 +40,10 @@ std::vector<ReportRequest> ReadRequests(const std::filesystem::path& path)
     std::vector<ReportRequest> requests;
     std::ifstream file(path);
     for (std::string line; std::getline(file, line);) {
-        const nlohmann::json json = nlohmann::json::parse(line);
+        const tool::Json json = tool::ParseJsonLine(line);
         ReportRequest request{
-            json.at("id"), json.at("db"), json.at("subjects"), {}, json.value("case", "")};
-        for (const nlohmann::json& pair : json.at("joins"))
+            json.at("id"), json.at("db"), tool::ReadQuestion(json, {}), {}, json.value("case", "")};
+        for (const tool::Json& pair : json.at("joins"))
             SetEqual(request.joins, pair.at(0), pair.at(1));
         requests.push_back(std::move(request));
     }

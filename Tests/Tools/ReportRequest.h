@@ -2,6 +2,7 @@
 #define TESTS_TOOLS_REPORTREQUEST_H
 
 #include "Tools/Ask/Answer.h"
+#include "Tools/Ask/Question.h"
 
 #include <filesystem>
 #include <set>
@@ -19,7 +20,7 @@ struct ReportRequest
 {
     std::string id;
     std::string database;
-    std::vector<std::string> subjects;
+    tool::Question question;
     EqualColumns joins;
     /// How the person's joins compare with the smallest sets of declared keys.
     std::string comparison;

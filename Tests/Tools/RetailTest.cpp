@@ -66,9 +66,7 @@ protected:
     /// Gives the report's statement with the joins that the refiner finds in the model.
     static std::string RefinedStatement(const ToolModel& model, const ReportRequest& report)
     {
-        Question question;
-        question.subjects = report.subjects;
-        const Answer answer = Ask(model, question);
+        const Answer answer = Ask(model, report.question);
         EXPECT_FALSE(answer.error) << answer.error->text;
         std::string statement = StatementOf(report);
         const std::size_t from = statement.find("\nFROM ") + 1;
