@@ -34,7 +34,7 @@ public:
         PlaceObjects();
         CheckUniqueNames(mDrafts, mInTable, mProblems);
         FollowReferences();
-        const ObjectTable table = MakeTable();
+        ObjectTable table = MakeTable();
         CheckCardinalities(mDrafts, mProblems);
         CheckTargets(mDrafts, table, mProblems);
         CheckEnds(mDrafts, table, mProblems);

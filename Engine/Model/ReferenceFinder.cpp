@@ -54,6 +54,7 @@ amd_id ReferenceFinder::Find(std::size_t position, const ObjectDraft& draft,
         return {};
     }
     std::vector<std::string> names;
+    names.reserve(found.size());
     for (const amd_id& id : found)
         names.push_back(ToText(mNames.GetQualifiedName(id)));
     mProblems->Add(position, wanted.aspect,
