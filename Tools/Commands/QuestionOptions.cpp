@@ -2,6 +2,7 @@
 
 #include "Tools/Commands/Command.h"
 #include "Tools/Commands/PathPrompt.h"
+#include "Tools/InputError.h"
 #include "Tools/Model/OpenModel.h"
 #include "Tools/Output/DisplayText.h"
 
@@ -32,6 +33,16 @@ CLI::Validator NumberOf(const std::map<std::string, T>& values)
     return CLI::CheckedTransformer(values).description("");
 }
 
+std::string DescribeWrongSetting(const std::string& text)
+{
+    try {
+        static_cast<void>(ParseSetting(text));
+        return {};
+    } catch (const InputError& error) {
+        return error.what();
+    }
+}
+
 } // namespace
 
 void QuestionOptions::AddModel(CLI::App& command)
@@ -50,6 +61,7 @@ void QuestionOptions::AddModel(CLI::App& command)
         ->group("Model");
     AddNames(command, "--set", mSettings, "SECTION/KEY=NUMBER",
              "User setting, such as \"General Options/NewAlgo=0\"")
+        ->check(CLI::Validator(DescribeWrongSetting, ""))
         ->group("Model");
 }
 

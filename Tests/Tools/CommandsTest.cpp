@@ -1,0 +1,137 @@
+#include "Engine/Settings/SettingsOverride.h"
+#include "Tools/RunTool.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <unistd.h>
+
+namespace {
+
+using namespace qe::tool;
+using testing::HasSubstr;
+using testing::Not;
+
+struct ToolRun
+{
+    EExitCode code = EExitCode::Answered;
+    std::string output;
+    std::string error;
+};
+
+/// The tool on a schema of a few tables.
+class CommandsTest : public testing::Test
+{
+protected:
+    CommandsTest()
+        : mSchema(std::filesystem::temp_directory_path() /
+                  ("commands-" + std::to_string(getpid()) + ".sql"))
+    {
+        std::ofstream(mSchema) << R"(
+            CREATE TABLE region(id INTEGER PRIMARY KEY, name TEXT);
+            CREATE TABLE customer(id INTEGER PRIMARY KEY, region_id REFERENCES region(id));
+            CREATE TABLE orders(id INTEGER PRIMARY KEY,
+                                bill_to INTEGER NOT NULL REFERENCES customer(id),
+                                ship_to INTEGER NOT NULL REFERENCES customer(id));
+            CREATE TABLE budget(id INTEGER PRIMARY KEY);)";
+    }
+    ~CommandsTest() override { std::filesystem::remove(mSchema); }
+
+    /// Runs the tool; "@" stands for the schema.
+    ToolRun RunWith(std::vector<std::string> arguments, const std::string& typed = {}) const
+    {
+        for (std::string& argument : arguments) {
+            if (argument == "@")
+                argument = mSchema.string();
+        }
+        std::istringstream input(typed);
+        std::ostringstream output;
+        std::ostringstream error;
+        CommandContext context{input, output, error};
+        if (!typed.empty())
+            context.terminal.input = Terminal::EStream::Terminal;
+        const EExitCode code = RunTool(arguments, context);
+        return {code, output.str(), error.str()};
+    }
+
+private:
+    std::filesystem::path mSchema;
+};
+
+TEST_F(CommandsTest, ExitCodesTellHowItEnded)
+{
+    struct Case
+    {
+        std::vector<std::string> arguments;
+        EExitCode code;
+    };
+    const Case cases[] = {
+        {{"path", "@", "Orders", "region"}, EExitCode::Answered},
+        {{"best", "@", "orders", "region", "--format", "json"}, EExitCode::Answered},
+        {{"subjects", "@", "orders", "region"}, EExitCode::Answered},
+        {{"between", "@", "--from", "orders", "--to", "region", "--all"}, EExitCode::Answered},
+        {{"tree", "@", "orders", "region"}, EExitCode::Answered},
+        {{"facts", "@"}, EExitCode::Answered},
+        {{"facts", "@", "orders", "region", "--format", "json"}, EExitCode::Answered},
+        {{"shortcuts", "@", "--roles", "shortcuts"}, EExitCode::Answered},
+        {{"--help"}, EExitCode::Answered},
+        {{"--version"}, EExitCode::Answered},
+        {{"path", "@", "orders", "budget"}, EExitCode::NotConnected},
+        {{"subjects", "@", "orders", "budget"}, EExitCode::NotConnected},
+        {{"facts", "@", "orders", "budget"}, EExitCode::NotConnected},
+        {{}, EExitCode::WrongUsage},
+        {{"path", "@"}, EExitCode::WrongUsage},
+        {{"path", "@", "orders", "--nonsense"}, EExitCode::WrongUsage},
+        {{"path", "@", "oders", "region"}, EExitCode::WrongUsage},
+        {{"path", "@", "orders", "region", "--cross-product", "7"}, EExitCode::WrongUsage},
+        {{"path", "@", "orders", "region", "--selector", "ask"}, EExitCode::WrongUsage},
+        {{"path", "@", "orders", "region", "--set", "NewAlgo"}, EExitCode::WrongUsage},
+        {{"path", "/no/such/file", "a", "b"}, EExitCode::UnreadableInput},
+        {{"path", "@", "orders", "budget", "--cross-product", "deny"}, EExitCode::LibraryError},
+    };
+    for (const Case& entry : cases) {
+        const ToolRun run = RunWith(entry.arguments);
+        EXPECT_EQ(static_cast<int>(run.code), static_cast<int>(entry.code))
+            << testing::PrintToString(entry.arguments) << run.error;
+        EXPECT_TRUE(entry.code < EExitCode::WrongUsage || !run.error.empty());
+    }
+    EXPECT_THAT(RunWith({"path", "@", "oders", "region"}).error, HasSubstr("did you mean orders"));
+}
+
+TEST_F(CommandsTest, EveryCommandShowsAnExample)
+{
+    const std::string commands = RunWith({"--help"}).output;
+    for (const char* command :
+         {"path", "best", "subjects", "between", "tree", "facts", "shortcuts"}) {
+        EXPECT_THAT(commands, HasSubstr(command));
+        EXPECT_THAT(RunWith({command, "--help"}).output,
+                    HasSubstr(std::string("Example:\n  qerefine ") + command));
+    }
+}
+
+TEST_F(CommandsTest, OptionsReachTheQuestion)
+{
+    const std::vector<std::string> ask{"path", "@", "orders", "region", "--format", "sql"};
+    const auto with = [&ask](std::vector<std::string> more) {
+        more.insert(more.begin(), ask.begin(), ask.end());
+        return more;
+    };
+    EXPECT_THAT(RunWith(with({"--favour", "orders-customer (ship_to)"})).output,
+                HasSubstr("\"ship_to\""));
+    EXPECT_THAT(RunWith(with({"--without-join", "orders-customer (bill_to)"})).output,
+                HasSubstr("\"ship_to\""));
+    EXPECT_THAT(RunWith(with({"--start", "region"})).output,
+                HasSubstr("FROM \"region\"\n  LEFT OUTER JOIN \"customer\""));
+    EXPECT_THAT(RunWith(with({"--inner", "--select"})).output, Not(HasSubstr("OUTER")));
+
+    const ToolRun chosen = RunWith(with({"--selector", "ask"}), "9\nx\n2\n");
+    EXPECT_THAT(chosen.output, HasSubstr("\"ship_to\""));
+    EXPECT_THAT(chosen.error, HasSubstr("Choose 1 to 2 [1]: "));
+    EXPECT_THAT(RunWith(with({"--set", "General Options/NewAlgo=0"})).output,
+                HasSubstr("FROM \"orders\""));
+    qe::SettingsOverride::Clear("General Options", "NewAlgo");
+}
+
+} // namespace
