@@ -79,11 +79,11 @@ public:
 
     virtual ~AQE_I_Refiner();
 
-    /// Makes a refiner. Nothing is checked: any pointer may be null; without a gateway no join can
-    /// be read, without a selector the best-ranked path is taken, without governors nothing is
-    /// forbidden, without a context nothing is cached. `useFactTableCount` ranks paths of equal
-    /// weight by how many fact tables they touch, `useStraightestPath` then by how little they
-    /// branch (in ComputeJoinPath only).
+    /// Makes a refiner. Nothing is checked: any pointer may be null; without a gateway only joins
+    /// in the join cache can be read, without a selector the best-ranked path is taken, without
+    /// governors nothing is forbidden, without a context nothing is cached. `useFactTableCount`
+    /// ranks paths of equal weight by how many fact tables they touch, `useStraightestPath` then by
+    /// how little they branch (in ComputeJoinPath only).
     [[nodiscard]] static AUT_RefPtr<AQE_I_Refiner>
     Create(amdi_gateway* gateway, AQE_I_PathSelector* pathSelector, AQE_Governors* governors,
            AQE_RequestContext* requestContext, bool useFactTableCount, bool useStraightestPath);
@@ -91,6 +91,7 @@ public:
     /// Reads a join of class 102, 110, 136 or 300005 into `info`, from the request's join cache
     /// when it is there, otherwise from the gateway, and then keeps it in the cache. Gives false
     /// when the join cannot be read; `info` may then be partly filled. `context` may be null.
+    /// A chain of relationship shortcuts has to end: nothing stops one that runs in a circle.
     [[nodiscard]] static bool GetJoinInfo(amdi_gateway* gateway, AQE_RequestContext* context,
                                           const amd_id& joinId, QEjoinInfo& info);
 

@@ -19,12 +19,13 @@ namespace qe {
 
 /// Grows a tree that connects some nodes of a graph, the entities, by merging shortest paths.
 ///
-/// Every node carries a label: 0 outside the tree, and otherwise the same number as the nodes of
-/// its connected piece. Shortest paths between all pairs of entities wait in the order in which
-/// they were found; the cheapest one whose ends carry different labels is merged next, the one
-/// found first among equals. The nodes on a merged path become entities too, with shortest paths
-/// from the entities of other pieces. The growth ends when all entities carry one label, or when
-/// no path is left.
+/// Every node carries a label: 0 outside the tree, and otherwise the number of its connected
+/// piece. When pieces merge, their entities take the new number; a node between them that is no
+/// entity keeps its old one until a path passes it again. Shortest paths between all pairs of
+/// entities wait in the order in which they were found; the cheapest one whose ends carry different
+/// labels is merged next, the one found first among equals. The nodes on a merged path become
+/// entities too, with shortest paths from the entities of other pieces. The growth ends when all
+/// entities carry one label, or when no path is left.
 ///
 /// This approximates a minimum Steiner tree by shortest paths (Kou, Markowsky and Berman 1981,
 /// with the intermediate nodes as further terminals). For n entities it asks for n(n-1)/2 shortest

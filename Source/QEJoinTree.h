@@ -31,6 +31,8 @@ struct AQE_Governors;
 /// and must outlive the tree; governors, request context and shortcut information may be null.
 /// When subjects or nodes are empty nothing is built, and the accessors tell of an empty tree.
 /// Exceptions of the gateway pass through, and so does the error of the cross-product governor.
+/// An ORVAssertError is raised when the pairwise algorithm has to close the tree at a join that it
+/// cannot read, as synthetic shortcut joins are.
 class AQE_JoinTree
 {
 public:
@@ -38,7 +40,8 @@ public:
     using EndPair = std::pair<amd_id, amd_id>;
 
     /// Connects the subjects. With `connectivityOnly` the result is nothing but the joins of one
-    /// cheapest tree in the graph as the metadata gives it.
+    /// cheapest tree; favoured, required and avoided joins and synthetic shortcut joins then do
+    /// not count.
     AQE_JoinTree(amdi_gateway* gateway, const Ids& subjects, const Ids& favouredJoins,
                  const Ids& requiredJoins, const Ids& nodes, const Ids& joins,
                  AQE_Governors* governors, AQE_RequestContext* requestContext,
@@ -60,6 +63,7 @@ public:
     /// Finds all least-weight paths from a member of the first set to a member of the second that
     /// use no avoided join. Appends them to `resultPaths`, replaces `resultPairs` by their ends,
     /// and sets `resultWeight` to their weight, or to the unreachable distance when there is none.
+    /// All three stay as they are when a set, the nodes or the joins are empty.
     AQE_JoinTree(amdi_gateway* gateway, const Ids& firstSet, const Ids& avoidedJoins,
                  const Ids& secondSet, const Ids& furtherAvoidedJoins, const Ids& favouredJoins,
                  const Ids& requiredJoins, const Ids& nodes, const Ids& joins,
@@ -83,15 +87,15 @@ public:
     /// Appends the joins of the tree graph.
     void GetTreeJoins(Ids& joins) const;
 
-    /// Gives the weight of a path in the graph that it was found in; -1 when the cheapest-trees
-    /// search found nothing.
+    /// Gives the weight of a path: in the full graph when the cheapest-trees algorithm was on, and
+    /// -1 when that has no path; otherwise in the tree graph.
     [[nodiscard]] int GetPathWeight(const Ids& path) const;
 
     /// Replaces `joins` by the result of the connectivity-only use.
     void GetConnectingJoins(Ids& joins) const;
 
     /// Gives the candidate join paths. Those of the cheapest-trees search replace `paths`; those
-    /// of the pairwise algorithm are appended.
+    /// of the other ways are appended.
     void GetJoinPaths(std::vector<Ids>& paths) const;
 
 private:
