@@ -4,7 +4,6 @@
 #include "AQE_I_QuerySubjectShortcutInfo.h"
 #include "AQE_I_Refiner.h"
 #include "Engine/Settings/SettingsOverride.h"
-#include "Tests/Support/CountingGateway.h"
 #include "Tests/Support/JoinGraphModel.h"
 
 #include <gmock/gmock.h>
@@ -12,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <limits>
 #include <map>
 #include <memory>
@@ -338,13 +336,10 @@ TEST(JoinTreeProperty, CheapestTreesAreAllThereAre)
     }
 }
 
-TEST(JoinTreeProperty, PairwiseGrowthConnectsWhateverCanBeConnected)
+TEST(JoinTreeProperty, PairwiseGrowthConnectsWithinTheBoundOfItsPaper)
 {
     const SettingsOverride newAlgo("General Options", "NewAlgo", 0);
     CaseMaker maker(20262);
-    int compared = 0;
-    double excess = 0;
-    double worst = 1;
     for (int round = 0; round < 2000; ++round) {
         const RandomCase random = MakeCase(maker, EShortcuts::None);
         if (random.subjects.empty())
@@ -376,17 +371,12 @@ TEST(JoinTreeProperty, PairwiseGrowthConnectsWhateverCanBeConnected)
             EXPECT_TRUE(pieces.AreOne(terminals));
             lightest = std::min(lightest, weight);
         }
-        EXPECT_GE(lightest, optimum.weight);
-        const double ratio = double(lightest) / optimum.weight;
-        excess += ratio;
-        worst = std::max(worst, ratio);
-        ++compared;
+        const int count =
+            static_cast<int>(std::set<amd_id>(terminals.begin(), terminals.end()).size());
+        EXPECT_LE(lightest * count, 2 * (count - 1) * optimum.weight) << "the bound of the paper";
         if (HasFailure())
             return;
     }
-    std::printf("pairwise growth over %d requests: on average %.4f times the optimum, at worst "
-                "%.2f times\n",
-                compared, excess / compared, worst);
 }
 
 TEST(JoinTreeProperty, TwoSetSearchAgreesWithAllPairs)
@@ -429,30 +419,6 @@ TEST(JoinTreeProperty, TwoSetSearchAgreesWithAllPairs)
         }
         if (HasFailure())
             return;
-    }
-}
-
-TEST(JoinTreeProperty, WhatTheGatewayThrowsAtAnyCallPassesThrough)
-{
-    JoinGraphModel model("s>A s-B A-C B-C C-D x=C-D");
-    AQE_Governors governors{1, 0};
-    for (const int newAlgo : {0, 1}) {
-        const SettingsOverride setting("General Options", "NewAlgo", newAlgo);
-        std::size_t call = 1;
-        for (bool isOver = false; !isOver; ++call) {
-            qe::test::CountingGateway gateway(model.gateway);
-            const std::unique_ptr<AQE_I_QuerySubjectShortcutInfo> shortcutInfo(
-                AQE_I_QuerySubjectShortcutInfo::Create(&gateway, &governors, nullptr));
-            gateway.FailAtCall(call);
-            try {
-                const AQE_JoinTree tree(&gateway, model["B D"], model["x"], model["A-C"],
-                                        model.GetNodes(), model.GetJoins(), &governors, nullptr,
-                                        nullptr, newAlgo == 0 ? nullptr : shortcutInfo.get(), false,
-                                        model["A"]);
-                isOver = true;
-            } catch (const qe::test::GatewayFailure&) {}
-        }
-        EXPECT_GT(call, 10U) << "the request reads every join";
     }
 }
 

@@ -308,6 +308,9 @@ TEST_F(RelationshipShortcuts, FollowChainsThatEndAtARelationship)
     ASSERT_TRUE(AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, outer, info));
     EXPECT_EQ(info.leftQuerySubject, kOrders);
     EXPECT_EQ(info.name, "110:2");
+    gateway.AddRelationshipShortcut(outer, kJoinShortcut, {}, {});
+    EXPECT_TRUE(AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, outer, info))
+        << "ends of a relationship shortcut are not checked";
 
     const amd_id cheap{0, IdClassRelationship136, 1};
     gateway.AddRelationship(cheap, {kOrders, kCustomer, "a = b"});
