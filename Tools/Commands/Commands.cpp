@@ -3,6 +3,7 @@
 #include "Tools/Commands/CheckCommand.h"
 #include "Tools/Commands/Command.h"
 #include "Tools/Commands/EvaluateCommand.h"
+#include "Tools/Commands/ImportCommand.h"
 #include "Tools/Commands/ReportCommands.h"
 
 namespace qe::tool {
@@ -20,6 +21,7 @@ void AddCommands(CLI::App& app, CommandContext& context)
     AddBatchCommand(app, context);
     AddCheckCommand(app, context);
     AddEvaluateCommand(app, context);
+    AddImportCommand(app, context);
 }
 
 } // namespace qe::tool
