@@ -65,12 +65,12 @@ void AddSource(CLI::App& command, CommandContext& context, const Import& import)
 void AddImportCommand(CLI::App& app, CommandContext& context)
 {
     CLI::App* const command =
-        app.add_subcommand("import", "make a model file of a database or of its DDL");
+        app.add_subcommand("import", "Makes a model file of a database or of its DDL.");
     command->require_subcommand(1);
     command->footer("Example:\n  qerefine import sqlite shop.db --roles -o shop.json");
 
     CLI::App* const sqlite =
-        command->add_subcommand("sqlite", "read an SQLite database, which stays as it is");
+        command->add_subcommand("sqlite", "Reads an SQLite database, which stays as it is.");
     sqlite->footer("Example:\n  qerefine import sqlite shop.db --roles -o shop.json");
     AddSource(*sqlite, context, [](const ImportArguments& arguments, const ImportOptions& options) {
         return ImportSqlite(arguments.files.front(), options);
@@ -78,7 +78,7 @@ void AddImportCommand(CLI::App& app, CommandContext& context)
     sqlite->get_option("FILE")->expected(1);
 
     CLI::App* const sql = command->add_subcommand(
-        "sql", "read files of DDL, run one after the other in an empty database in memory");
+        "sql", "Reads files of DDL, run one after the other in an empty database in memory.");
     sql->footer("Example:\n  qerefine import sql tables.sql keys.sql > shop.json");
     AddSource(*sql, context, [](const ImportArguments& arguments, const ImportOptions& options) {
         return ImportSql({arguments.files.begin(), arguments.files.end()}, options);
