@@ -94,9 +94,10 @@ TEST(PairwiseGrowth, MergesTheCheapestPathAndAmongEqualsThatOfTheEarlierPair)
 
 TEST(PairwiseGrowth, JoinsNewNodesInsteadOfGoingAllTheWay)
 {
-    // C is nearer to the node in the middle of A and B than to either of them.
-    EXPECT_THAT(Paths("A-M:3 M-B:3 M-C:4 A-C:8 B-C:8", {"A B C"}, EGrowth::Pairwise),
-                testing::Contains("A-M M-B M-C"));
+    // C is nearest to M, the node in the middle of A and B, but from A and B it is nearer not to
+    // pass over M; N is reached only by starting from M.
+    EXPECT_THAT(Paths("A-M:4 M-B:4 M-N:3 N-C:3 A-C:9 B-C:9", {"A B C"}, EGrowth::Pairwise).front(),
+                "A-M M-B M-N N-C");
 }
 
 TEST(PairwiseGrowth, ClosesTheTreeWithEveryJoinAmongItsSubjects)
