@@ -190,6 +190,9 @@ TEST(AskTest, OtherOperationsAnswerToo)
     EXPECT_EQ(NamesOf(between, between.path), "rc cr");
     ASSERT_EQ(between.endPairs.size(), 1U);
     EXPECT_EQ(between.NameOf(between.endPairs.front().second), "Region");
+    question.subjects = {"Orders"};
+    EXPECT_EQ(Ask(model, question).alternatives.front().weight, 17) << "to the shipper";
+    question.subjects = {"Returns"};
     question.avoidedJoins = {"rc"};
     EXPECT_FALSE(Ask(model, question).connected);
 }

@@ -210,6 +210,11 @@ std::uint32_t Asking::Select(const Descriptors& descriptors)
     // Between two sets how straight a path is plays no part.
     ranking.useStraightestPath &= mQuestion.operation == EOperation::Path;
     mAnswer.criterion = FindCriterion(mAnswer, ranking);
+    // Between two sets the ranking has no weights of its own and counts -1 for each join.
+    for (Alternative& alternative : mAnswer.alternatives) {
+        if (alternative.weight < 0)
+            alternative.weight = MeasurePath(mAnswer, alternative.joins).weight;
+    }
 
     std::uint32_t choice = 0;
     if (mQuestion.selector.kind == ESelector::Keys)
