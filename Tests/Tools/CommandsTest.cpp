@@ -76,6 +76,9 @@ TEST_F(CommandsTest, ExitCodesTellHowItEnded)
         {{"facts", "@"}, EExitCode::Answered},
         {{"facts", "@", "orders", "region", "--format", "json"}, EExitCode::Answered},
         {{"shortcuts", "@", "--roles", "shortcuts"}, EExitCode::Answered},
+        {{"import", "sql", "@", "@.missing"}, EExitCode::UnreadableInput},
+        {{"import", "sqlite", "@"}, EExitCode::UnreadableInput},
+        {{"import", "@"}, EExitCode::WrongUsage},
         {{"--help"}, EExitCode::Answered},
         {{"--version"}, EExitCode::Answered},
         {{"path", "@", "orders", "budget"}, EExitCode::NotConnected},
@@ -100,11 +103,26 @@ TEST_F(CommandsTest, ExitCodesTellHowItEnded)
     EXPECT_THAT(RunWith({"path", "@", "oders", "region"}).error, HasSubstr("did you mean orders"));
 }
 
+TEST_F(CommandsTest, ImportWritesTheModelThatAnswersLikeItsSource)
+{
+    const ToolRun imported = RunWith({"import", "sql", "@", "--roles"});
+    EXPECT_EQ(imported.code, EExitCode::Answered) << imported.error;
+    const auto file =
+        std::filesystem::temp_directory_path() / ("model-" + std::to_string(getpid()) + ".json");
+    std::ofstream(file) << imported.output;
+    const ToolRun asked = RunWith({"path", file.string(), "customer (ship_to)", "region"});
+    std::filesystem::remove(file);
+    EXPECT_THAT(asked.output, HasSubstr("orders-customer (ship_to)"));
+    EXPECT_EQ(
+        asked.output,
+        RunWith({"path", "@", "customer (ship_to)", "region", "--roles", "shortcuts"}).output);
+}
+
 TEST_F(CommandsTest, EveryCommandShowsAnExample)
 {
     const std::string commands = RunWith({"--help"}).output;
-    for (const char* command :
-         {"path", "best", "subjects", "between", "tree", "facts", "shortcuts"}) {
+    for (const char* command : {"path", "best", "subjects", "between", "tree", "facts", "shortcuts",
+                                "import", "batch", "evaluate", "check"}) {
         EXPECT_THAT(commands, HasSubstr(command));
         EXPECT_THAT(RunWith({command, "--help"}).output,
                     HasSubstr(std::string("Example:\n  qerefine ") + command));

@@ -63,7 +63,7 @@ void AddEvaluateCommand(CLI::App& app, CommandContext& context)
     options->file.AddTo(*command);
     command->add_option("--format", options->format, "How the shares are written")
         ->type_name("text|json")
-        ->check(CLI::IsMember({"text", "json"}))
+        ->check(CLI::IsMember(std::vector<std::string>{"text", "json"}).description(""))
         ->capture_default_str();
     command->add_flag("--list", options->isListing,
                       "Tell each request that was not answered the same");

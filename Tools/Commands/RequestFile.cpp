@@ -19,7 +19,7 @@ void RequestFileOptions::AddTo(CLI::App& command)
                     "For databases and DDL: make shortcuts for tables that "
                     "another one refers to several times")
         ->type_name("plain|shortcuts")
-        ->check(CLI::IsMember({"plain", "shortcuts"}));
+        ->check(CLI::IsMember(std::vector<std::string>{"plain", "shortcuts"}).description(""));
     command.add_option("--set", settings, "User setting, such as \"General Options/NewAlgo=0\"")
         ->type_name("SECTION/KEY=NUMBER")
         ->allow_extra_args(false);

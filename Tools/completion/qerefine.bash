@@ -6,7 +6,10 @@ _qerefine_values()
     local values=
     case $1 in
     --format) values=$(_qerefine_formats "$2") ;;
-    --roles) values='plain shortcuts' ;;
+    --roles)
+        [[ $2 != import ]] || return 1
+        values='plain shortcuts'
+        ;;
     --selector) values='keys first main-object ask' ;;
     --cross-product) values='allow warn deny' ;;
     --grouping) values='target container' ;;
@@ -30,6 +33,10 @@ _qerefine()
         mapfile -t COMPREPLY < <(compgen -W \
             "--help --version $("${COMP_WORDS[0]}" --help 2>/dev/null |
                 sed -n '/^Subcommands:/,$s/^  \([a-z]\{1,\}\) .*/\1/p')" -- "$current")
+        return
+    fi
+    if [[ $command == import ]] && ((COMP_CWORD == 2)); then
+        mapfile -t COMPREPLY < <(compgen -W 'sqlite sql --help' -- "$current")
         return
     fi
     _qerefine_values "${COMP_WORDS[COMP_CWORD - 1]}" "$command" "$current" && return
