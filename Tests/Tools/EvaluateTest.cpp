@@ -138,12 +138,23 @@ TEST(KeyChoice, NeverTakesAHeavierPath)
         alternative.weight = weight;
         answer.alternatives.push_back(alternative);
     };
-    EXPECT_EQ(ChooseByKeys(answer), 0U);
+    const auto choose = [&answer] {
+        const KeyChoice choice = ChooseByKeys(answer);
+        return std::to_string(choice.position) + (choice.isClear ? " clear" : "");
+    };
+    EXPECT_EQ(choose(), "0");
     add(1, "[a].[b].[old key] = [a].[c].[key]", 17);
+    EXPECT_EQ(choose(), "0");
     add(2, "[a].[b].[key] = [a].[c].[key]", 18);
-    EXPECT_EQ(ChooseByKeys(answer), 0U);
+    EXPECT_EQ(choose(), "0");
     answer.alternatives[1].weight = 17;
-    EXPECT_EQ(ChooseByKeys(answer), 1U);
+    EXPECT_EQ(choose(), "1 clear");
+    add(3, "[a].[b].[key] = [a].[c].[key]", 17);
+    EXPECT_EQ(choose(), "1");
+    std::swap(answer.alternatives[0], answer.alternatives[1]);
+    EXPECT_EQ(choose(), "0");
+    answer.alternatives.pop_back();
+    EXPECT_EQ(choose(), "0 clear");
 }
 
 const char* const kShop = R"(

@@ -217,17 +217,21 @@ std::uint32_t Asking::Select(const Descriptors& descriptors)
     }
 
     std::uint32_t choice = 0;
-    if (mQuestion.selector.kind == ESelector::Keys)
-        choice = static_cast<std::uint32_t>(ChooseByKeys(mAnswer));
-    else if (mQuestion.selector.kind == ESelector::MainObject)
+    bool isKeyChoice = false;
+    if (mQuestion.selector.kind == ESelector::Keys) {
+        const KeyChoice byKeys = ChooseByKeys(mAnswer);
+        choice = static_cast<std::uint32_t>(byKeys.position);
+        isKeyChoice = byKeys.isClear || choice != 0;
+    } else if (mQuestion.selector.kind == ESelector::MainObject)
         choice = SelectByMainObject(descriptors);
     else if (mQuestion.selector.kind == ESelector::Ask)
         choice = static_cast<std::uint32_t>(mQuestion.selector.choose(mAnswer));
     if (choice < mAnswer.alternatives.size())
         mAnswer.chosen = choice;
-    const bool isKeyChoice = mQuestion.selector.kind == ESelector::Keys;
-    if (choice != 0 || mQuestion.selector.kind == ESelector::Ask)
-        mAnswer.criterion = isKeyChoice ? ECriterion::Keys : ECriterion::Selector;
+    if (isKeyChoice)
+        mAnswer.criterion = ECriterion::Keys;
+    else if (choice != 0 || mQuestion.selector.kind == ESelector::Ask)
+        mAnswer.criterion = ECriterion::Selector;
     return choice;
 }
 

@@ -25,6 +25,8 @@ struct KeyMeasure
         optionalJoins += other.optionalJoins;
     }
 
+    friend bool operator==(const KeyMeasure&, const KeyMeasure&) = default;
+
     [[nodiscard]] bool IsBetterThan(const KeyMeasure& other) const
     {
         return std::tie(differingWords, other.pairs, optionalJoins) <
@@ -116,29 +118,29 @@ std::vector<std::string> SplitWords(std::string_view name)
     return words;
 }
 
-std::size_t ChooseByKeys(const Answer& answer)
+KeyChoice ChooseByKeys(const Answer& answer)
 {
     std::map<amd_id, KeyMeasure> joins;
     for (const auto& [id, join] : answer.joinsById)
         joins.emplace(id, Measure(join));
 
-    std::size_t best = 0;
-    KeyMeasure least;
-    for (std::size_t index = 0; index < answer.alternatives.size(); ++index) {
-        const Alternative& alternative = answer.alternatives[index];
+    std::vector<KeyMeasure> measures;
+    for (const Alternative& alternative : answer.alternatives) {
         if (alternative.weight != answer.alternatives.front().weight)
             break;
-        KeyMeasure measure;
+        KeyMeasure& measure = measures.emplace_back();
         for (const amd_id& id : alternative.joins) {
             if (const auto found = joins.find(id); found != joins.end())
                 measure.Add(found->second);
         }
-        if (index == 0 || measure.IsBetterThan(least)) {
-            best = index;
-            least = measure;
-        }
     }
-    return best;
+    const auto best = std::min_element(
+        measures.begin(), measures.end(),
+        [](const KeyMeasure& left, const KeyMeasure& right) { return left.IsBetterThan(right); });
+    if (measures.size() < 2)
+        return {};
+    return {static_cast<std::size_t>(best - measures.begin()),
+            std::count(measures.begin(), measures.end(), *best) == 1};
 }
 
 } // namespace qe::tool
