@@ -1,0 +1,189 @@
+#include "Tools/Draw/DotWriter.h"
+
+#include "Tools/Draw/Picture.h"
+#include "Tools/Output/DisplayText.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace qe::tool {
+
+namespace {
+
+/// Blue and vermilion are told apart by everybody.
+constexpr const char* kChosenColour = "#0072B2";
+constexpr const char* kAlternativeColour = "#D55E00";
+constexpr const char* kContextColour = "#767676";
+
+/// Names of joins longer than this only stand in the tooltip.
+constexpr std::size_t kLongestEdgeLabel = 60;
+/// With more joins, those beside the answer have no cardinalities.
+constexpr std::size_t kManyEdges = 60;
+
+const char* ShapeOf(PictureNode::EKind kind)
+{
+    switch (kind) {
+    case PictureNode::EKind::Fact:
+        return "shape=box peripheries=2";
+    case PictureNode::EKind::Dimension:
+        return "shape=box style=\"rounded,filled\"";
+    case PictureNode::EKind::Shortcut:
+        return "shape=note";
+    case PictureNode::EKind::Plain:
+        break;
+    }
+    return "shape=box";
+}
+
+const char* LookOf(PictureNode::ERole role)
+{
+    switch (role) {
+    case PictureNode::ERole::Asked:
+        return "penwidth=3 fillcolor=\"#DCEBF5\" color=\"#0072B2\" fontname=\"Helvetica-Bold\" "
+               "class=\"asked\"";
+    case PictureNode::ERole::OnPath:
+        return "penwidth=2 color=\"#0072B2\" class=\"onpath\"";
+    case PictureNode::ERole::Context:
+        break;
+    }
+    return "color=\"#767676\" fontcolor=\"#404040\" class=\"context\"";
+}
+
+std::string LookOf(const PictureEdge& edge)
+{
+    const std::string stands = edge.kind == PictureEdge::EKind::StandsFor ? ",dotted" : "";
+    switch (edge.role) {
+    case PictureEdge::ERole::Chosen:
+        return "style=\"bold" + stands + "\" penwidth=4.5 color=\"" + kChosenColour +
+               "\" fontcolor=\"#005A8C\" class=\"chosen\"";
+    case PictureEdge::ERole::Alternative:
+        return "style=\"dashed" + stands + "\" penwidth=2.2 color=\"" + kAlternativeColour +
+               "\" fontcolor=\"#A34700\" class=\"alternative\"";
+    case PictureEdge::ERole::Context:
+        break;
+    }
+    return "style=\"solid" + stands + "\" penwidth=0.9 color=\"" + kContextColour +
+           "\" fontcolor=\"#595959\" class=\"context\"";
+}
+
+void WriteNode(const Picture& picture, std::size_t position, std::ostream& out)
+{
+    const PictureNode& node = picture.nodes[position];
+    std::string label = QuoteForDot(node.name);
+    if (!node.target.empty()) {
+        label.pop_back();
+        label += "\\n\u2192 " + QuoteForDot(node.target).substr(1);
+    }
+    out << "  n" << position << " [id=\"n" << position << "\" label=" << label << ' '
+        << ShapeOf(node.kind) << ' ' << LookOf(node.role) << "]\n";
+}
+
+/// A name that only repeats the two ends tells nothing that the line does not.
+std::string EdgeLabel(const Picture& picture, const PictureEdge& edge)
+{
+    if (edge.role == PictureEdge::ERole::Context)
+        return {};
+    if (edge.kind == PictureEdge::EKind::StandsFor)
+        return "stands for";
+    const std::string& first = picture.nodes[edge.first].name;
+    const std::string& second = picture.nodes[edge.second].name;
+    for (const std::string& plain : {first + '-' + second, second + '-' + first}) {
+        if (edge.name == plain)
+            return {};
+        // Of "Orders-Day (shipped)" the part in parentheses tells the joins apart.
+        if (edge.name.compare(0, plain.size() + 1, plain + ' ') == 0)
+            return edge.name.substr(plain.size() + 1);
+    }
+    return edge.name.size() > kLongestEdgeLabel ? std::string() : edge.name;
+}
+
+void WriteEdge(const Picture& picture, std::size_t position, std::ostream& out)
+{
+    const PictureEdge& edge = picture.edges[position];
+    out << "  n" << edge.first << " -- n" << edge.second << " [id=\"e" << position << "\" "
+        << LookOf(edge);
+    const bool isContext = edge.role == PictureEdge::ERole::Context;
+    const bool hasEnds = !isContext || picture.edges.size() <= kManyEdges;
+    if (hasEnds && edge.kind == PictureEdge::EKind::Join)
+        out << " taillabel=" << QuoteForDot(edge.firstCardinality)
+            << " headlabel=" << QuoteForDot(edge.secondCardinality);
+    if (const std::string label = EdgeLabel(picture, edge); !label.empty())
+        out << " label=" << QuoteForDot(' ' + label + ' ');
+    if (!isContext)
+        out << " weight=4";
+    out << "]\n";
+}
+
+std::string Caption(const Picture& picture)
+{
+    const auto hasNode = [&picture](PictureNode::EKind kind) {
+        return std::any_of(picture.nodes.begin(), picture.nodes.end(),
+                           [kind](const PictureNode& node) { return node.kind == kind; });
+    };
+    const auto hasEdge = [&picture](PictureEdge::ERole role) {
+        return std::any_of(picture.edges.begin(), picture.edges.end(),
+                           [role](const PictureEdge& edge) { return edge.role == role; });
+    };
+    std::string text;
+    const auto add = [&text](bool isShown, const char* entry) {
+        if (isShown)
+            text += (text.empty() ? "" : "  \u00b7  ") + std::string(entry);
+    };
+    add(hasNode(PictureNode::EKind::Fact), "double border: fact");
+    add(hasNode(PictureNode::EKind::Dimension), "round corners: dimension");
+    add(hasNode(PictureNode::EKind::Shortcut), "folded corner: shortcut");
+    add(hasEdge(PictureEdge::ERole::Chosen), "thick line: chosen path");
+    add(hasEdge(PictureEdge::ERole::Alternative), "dashed line: equally cheap");
+    if (picture.nodes.size() < picture.subjects)
+        text += "\n" + std::to_string(picture.nodes.size()) + " of " +
+                std::to_string(picture.subjects) + " subjects are drawn";
+    return text;
+}
+
+std::string QuoteLines(const std::string& text)
+{
+    const std::size_t end = text.find('\n');
+    if (end == std::string::npos)
+        return QuoteForDot(text);
+    std::string first = QuoteForDot(text.substr(0, end));
+    first.pop_back();
+    return first + "\\n" + QuoteForDot(text.substr(end + 1)).substr(1);
+}
+
+} // namespace
+
+std::string QuoteForDot(std::string_view text)
+{
+    std::string quoted = "\"";
+    for (const char character : ToDisplayText(text)) {
+        if (character == '&')
+            quoted += "&amp;";
+        else {
+            if (character == '"' || character == '\\')
+                quoted += '\\';
+            quoted += character;
+        }
+    }
+    return quoted + '"';
+}
+
+std::string WriteDot(const Picture& picture)
+{
+    std::ostringstream out;
+    out << "graph joins {\n"
+           "  graph [rankdir=LR nodesep=0.35 ranksep=1.1 fontname=\"Helvetica\" fontsize=11 "
+           "labelloc=b bgcolor=\"white\" charset=\"UTF-8\" label="
+        << QuoteLines(Caption(picture))
+        << "]\n"
+           "  node [style=filled fillcolor=\"white\" fontname=\"Helvetica\" fontsize=13 "
+           "margin=\"0.14,0.07\" height=0.35]\n"
+           "  edge [fontname=\"Helvetica\" fontsize=10 labeldistance=1.9 labelangle=22]\n";
+    for (std::size_t i = 0; i < picture.nodes.size(); ++i)
+        WriteNode(picture, i, out);
+    for (std::size_t i = 0; i < picture.edges.size(); ++i)
+        WriteEdge(picture, i, out);
+    out << "}\n";
+    return out.str();
+}
+
+} // namespace qe::tool

@@ -1,0 +1,103 @@
+#ifndef TOOLS_DRAW_PICTURE_H
+#define TOOLS_DRAW_PICTURE_H
+
+#include "amd_id.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace qe::tool {
+
+struct AnswerJoin;
+
+/// A subject as it is drawn.
+struct PictureNode
+{
+    enum class EKind : std::uint8_t
+    {
+        /// Joined one-to-one only, or not at all.
+        Plain,
+        Fact,
+        Dimension,
+        Shortcut,
+    };
+    enum class ERole : std::uint8_t
+    {
+        Context,
+        OnPath,
+        /// The question names it.
+        Asked,
+    };
+
+    amd_id id;
+    std::string name{};
+    /// Shortcut: what it stands for.
+    std::string target{};
+    EKind kind = EKind::Plain;
+    ERole role = ERole::Context;
+};
+
+/// A join as it is drawn. The fact's end comes first where there is one.
+struct PictureEdge
+{
+    enum class ERole : std::uint8_t
+    {
+        Context,
+        /// On an alternative that is as cheap as the chosen path.
+        Alternative,
+        Chosen,
+    };
+    enum class EKind : std::uint8_t
+    {
+        Join,
+        /// Between a shortcut and what it stands for.
+        StandsFor,
+    };
+
+    amd_id id;
+    std::string name{};
+    /// Positions among the nodes.
+    std::size_t first = 0;
+    std::size_t second = 0;
+    std::string firstCardinality{};
+    std::string secondCardinality{};
+    EKind kind = EKind::Join;
+    ERole role = ERole::Context;
+};
+
+/// What is drawn, in id order.
+struct Picture
+{
+    std::vector<PictureNode> nodes{};
+    std::vector<PictureEdge> edges{};
+    /// How many subjects the model has in all.
+    std::size_t subjects = 0;
+};
+
+/// Makes the edge of a join, turned so that a "many" end comes first where the other is none.
+[[nodiscard]] PictureEdge MakePictureEdge(const AnswerJoin& join,
+                                          const std::map<amd_id, std::size_t>& positions);
+
+/// Tells facts from dimensions by the joins that are not drawn too: a dimension is the to-one end
+/// of a many-to-one join, a fact only the other.
+class FactMarks
+{
+public:
+    void Add(const AnswerJoin& join);
+    [[nodiscard]] PictureNode::EKind KindOf(const amd_id& subject) const;
+
+private:
+    enum class EMark : std::uint8_t
+    {
+        Fact,
+        Dimension,
+    };
+    std::map<amd_id, EMark> mMarks;
+};
+
+} // namespace qe::tool
+
+#endif
