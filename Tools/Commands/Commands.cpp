@@ -5,6 +5,7 @@
 #include "Tools/Commands/EvaluateCommand.h"
 #include "Tools/Commands/ImportCommand.h"
 #include "Tools/Commands/ReportCommands.h"
+#include "Tools/Commands/ShowCommand.h"
 
 namespace qe::tool {
 
@@ -22,6 +23,7 @@ void AddCommands(CLI::App& app, CommandContext& context)
     AddCheckCommand(app, context);
     AddEvaluateCommand(app, context);
     AddImportCommand(app, context);
+    AddShowCommand(app, context);
 }
 
 } // namespace qe::tool

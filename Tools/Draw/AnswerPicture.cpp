@@ -1,7 +1,9 @@
 #include "Tools/Draw/AnswerPicture.h"
 
+#include "Engine/Model/Model.h"
 #include "IdClass.h"
 #include "Tools/Ask/Answer.h"
+#include "Tools/Check/CheckedModel.h"
 
 #include <algorithm>
 #include <set>
@@ -15,14 +17,21 @@ using Ids = std::vector<amd_id>;
 class AnswerDrawing
 {
 public:
-    AnswerDrawing(const Answer& answer, const PictureLimits& limits)
-        : mAnswer(answer), mLimits(limits), mPaths(ListShownPaths(answer, limits.alternatives))
-    {}
+    AnswerDrawing(const ToolModel& model, const Answer& answer, const PictureLimits& limits)
+        : mModel(model),
+          mAnswer(answer),
+          mLimits(limits),
+          mPaths(ListShownPaths(answer, limits.alternatives)),
+          mJoins(answer.joinsById)
+    {
+        AddCandidateJoins();
+    }
 
     Picture Draw()
     {
         MarkAsked();
         MarkPaths();
+        TouchAlternatives();
         ChooseSubjects();
         Picture picture;
         picture.subjects = mAnswer.candidateNodes.size();
@@ -32,6 +41,29 @@ public:
     }
 
 private:
+    /// An answer only holds the joins that it mentions. Those between shortcuts and what they
+    /// stand for are numbered by request, so their ends tell whether one is known already.
+    void AddCandidateJoins()
+    {
+        const std::set<amd_id> nodes(mAnswer.candidateNodes.begin(), mAnswer.candidateNodes.end());
+        const std::set<amd_id> joins(mAnswer.candidateJoins.begin(), mAnswer.candidateJoins.end());
+        std::set<std::pair<amd_id, amd_id>> known;
+        for (const auto& [id, join] : mJoins)
+            known.emplace(join.left, join.right);
+        for (const CheckedJoin& checked : mModel.GetJoins()) {
+            AnswerJoin join = ToAnswerJoin(mModel, checked);
+            if (join.id.classCode == IdClassShortcutJoin) {
+                if (nodes.count(join.left) == 0 || nodes.count(join.right) == 0 ||
+                    known.count({join.left, join.right}) > 0)
+                    continue;
+                // Out of the way of the request's own numbers.
+                join.id.domain = -1;
+            } else if (joins.count(join.id) == 0)
+                continue;
+            mJoins.emplace(join.id, join);
+        }
+    }
+
     void MarkAsked()
     {
         for (const Ids* const list :
@@ -58,6 +90,18 @@ private:
         }
     }
 
+    /// Alternatives that cost more are not marked, but what they pass is drawn.
+    void TouchAlternatives()
+    {
+        const std::size_t count = std::min(mAnswer.alternatives.size(), mLimits.alternatives);
+        for (std::size_t i = 0; i < count; ++i) {
+            for (const amd_id& id : mAnswer.alternatives[i].joins) {
+                if (const AnswerJoin* const join = mAnswer.FindJoin(id))
+                    mTouched.insert({join->left, join->right});
+            }
+        }
+    }
+
     /// Takes all subjects of a small graph, else those touched and their nearest neighbours, those
     /// with most joins to them first.
     void ChooseSubjects()
@@ -68,7 +112,7 @@ private:
             return;
         }
         std::map<amd_id, int> contacts;
-        for (const auto& [id, join] : mAnswer.joinsById) {
+        for (const auto& [id, join] : mJoins) {
             const bool leftIsTouched = mTouched.count(join.left) > 0;
             if (leftIsTouched != (mTouched.count(join.right) > 0))
                 --contacts[leftIsTouched ? join.right : join.left];
@@ -86,15 +130,15 @@ private:
     void AddNodes(Picture& picture)
     {
         FactMarks marks;
-        for (const auto& [id, join] : mAnswer.joinsById)
+        for (const auto& [id, join] : mJoins)
             marks.Add(join);
         for (const amd_id& id : mDrawn) {
             PictureNode node;
             node.id = id;
-            node.name = mAnswer.NameOf(id);
+            node.name = NameOf(id);
             node.kind = marks.KindOf(id);
             if (node.kind == PictureNode::EKind::Shortcut)
-                node.target = TargetOf(id);
+                node.target = NameOf(mModel.GetModel().GetTarget(id));
             if (mAsked.count(id) > 0)
                 node.role = PictureNode::ERole::Asked;
             else if (mOnPath.count(id) > 0)
@@ -104,15 +148,15 @@ private:
         }
     }
 
-    [[nodiscard]] std::string TargetOf(const amd_id& shortcut) const
+    [[nodiscard]] std::string NameOf(const amd_id& subject) const
     {
-        const auto found = mAnswer.subjects.find(shortcut);
-        return found == mAnswer.subjects.end() ? "" : mAnswer.NameOf(found->second.target);
+        return mAnswer.subjects.count(subject) > 0 ? mAnswer.NameOf(subject)
+                                                   : mModel.NameOf(subject);
     }
 
     void AddEdges(Picture& picture) const
     {
-        for (const auto& [id, join] : mAnswer.joinsById) {
+        for (const auto& [id, join] : mJoins) {
             const auto role = mRoles.find(id);
             if (mDrawn.count(join.left) == 0 || mDrawn.count(join.right) == 0)
                 continue;
@@ -128,9 +172,12 @@ private:
         }
     }
 
+    CheckedModel mModel;
     const Answer& mAnswer;
     const PictureLimits& mLimits;
     std::vector<Ids> mPaths;
+    /// The joins of the candidate graph.
+    std::map<amd_id, AnswerJoin> mJoins;
     std::set<amd_id> mAsked;
     std::set<amd_id> mTouched;
     std::set<amd_id> mOnPath;
@@ -162,9 +209,9 @@ std::vector<Ids> ListShownPaths(const Answer& answer, std::size_t limit)
     return paths;
 }
 
-Picture DrawAnswer(const Answer& answer, const PictureLimits& limits)
+Picture DrawAnswer(const ToolModel& model, const Answer& answer, const PictureLimits& limits)
 {
-    return AnswerDrawing(answer, limits).Draw();
+    return AnswerDrawing(model, answer, limits).Draw();
 }
 
 } // namespace qe::tool

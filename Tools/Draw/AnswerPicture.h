@@ -6,6 +6,7 @@
 namespace qe::tool {
 
 struct Answer;
+struct ToolModel;
 
 /// How much of a candidate graph is drawn.
 struct PictureLimits
@@ -24,7 +25,8 @@ struct PictureLimits
                                                               std::size_t limit);
 
 /// Draws an answer in its candidate graph.
-[[nodiscard]] Picture DrawAnswer(const Answer& answer, const PictureLimits& limits);
+[[nodiscard]] Picture DrawAnswer(const ToolModel& model, const Answer& answer,
+                                 const PictureLimits& limits);
 
 } // namespace qe::tool
 

@@ -171,13 +171,13 @@ std::string WriteDot(const Picture& picture)
 {
     std::ostringstream out;
     out << "graph joins {\n"
-           "  graph [rankdir=LR nodesep=0.35 ranksep=1.1 fontname=\"Helvetica\" fontsize=11 "
+           "  graph [rankdir=LR nodesep=0.42 ranksep=1.1 fontname=\"Helvetica\" fontsize=11 "
            "labelloc=b bgcolor=\"white\" charset=\"UTF-8\" label="
         << QuoteLines(Caption(picture))
         << "]\n"
            "  node [style=filled fillcolor=\"white\" fontname=\"Helvetica\" fontsize=13 "
            "margin=\"0.14,0.07\" height=0.35]\n"
-           "  edge [fontname=\"Helvetica\" fontsize=10 labeldistance=1.9 labelangle=22]\n";
+           "  edge [fontname=\"Helvetica\" fontsize=10 labeldistance=2.4 labelangle=16]\n";
     for (std::size_t i = 0; i < picture.nodes.size(); ++i)
         WriteNode(picture, i, out);
     for (std::size_t i = 0; i < picture.edges.size(); ++i)

@@ -38,18 +38,6 @@ std::set<std::size_t> ChooseSubjects(const CheckedModel& model, const std::vecto
     return chosen;
 }
 
-AnswerJoin ToAnswerJoin(const CheckedModel& model, const CheckedJoin& join)
-{
-    return {join.id,
-            join.name,
-            model.GetSubjects()[join.left],
-            model.GetSubjects()[join.right],
-            join.condition,
-            join.leftCardinality,
-            join.rightCardinality,
-            join.weight};
-}
-
 } // namespace
 
 Picture DrawModel(const ToolModel& toolModel, const std::vector<amd_id>& around, std::size_t limit)

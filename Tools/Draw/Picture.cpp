@@ -2,19 +2,23 @@
 
 #include "IdClass.h"
 #include "Tools/Ask/Answer.h"
+#include "Tools/Check/CheckedModel.h"
 
 #include <utility>
 
 namespace qe::tool {
 
-namespace {
-
-bool IsMany(const BMT_I_Association::CardinalityRange& range)
+AnswerJoin ToAnswerJoin(const CheckedModel& model, const CheckedJoin& join)
 {
-    return range.maximum == BMT_I_Association::CardinalityMany;
+    return {join.id,
+            join.name,
+            model.GetSubjects()[join.left],
+            model.GetSubjects()[join.right],
+            join.condition,
+            join.leftCardinality,
+            join.rightCardinality,
+            join.weight};
 }
-
-} // namespace
 
 PictureEdge MakePictureEdge(const AnswerJoin& join, const std::map<amd_id, std::size_t>& positions)
 {

@@ -11,7 +11,9 @@
 
 namespace qe::tool {
 
+class CheckedModel;
 struct AnswerJoin;
+struct CheckedJoin;
 
 /// A subject as it is drawn.
 struct PictureNode
@@ -76,6 +78,9 @@ struct Picture
     /// How many subjects the model has in all.
     std::size_t subjects = 0;
 };
+
+/// Gives a join as answers have it.
+[[nodiscard]] AnswerJoin ToAnswerJoin(const CheckedModel& model, const CheckedJoin& join);
 
 /// Makes the edge of a join, turned so that a "many" end comes first where the other is none.
 [[nodiscard]] PictureEdge MakePictureEdge(const AnswerJoin& join,

@@ -17,7 +17,7 @@ Picture Draw(const FormatInput& input)
 {
     PictureLimits limits;
     limits.alternatives = input.options.maximumAlternatives;
-    return DrawAnswer(input.answer, limits);
+    return DrawAnswer(input.model, input.answer, limits);
 }
 
 std::string TitleOf(const PictureNode& node)

@@ -1,7 +1,9 @@
 #include "Tools/Output/Format.h"
 
+#include "Tools/Draw/PictureFormat.h"
 #include "Tools/Output/JsonAnswer.h"
 #include "Tools/Output/TextAnswer.h"
+#include "Tools/Page/Page.h"
 
 #include <array>
 #include <ostream>
@@ -34,11 +36,15 @@ void WriteSqlFormat(std::ostream& out, const FormatInput& input)
     out << sql << (isStatement ? "\n" : "");
 }
 
-constexpr std::array<Format, 3> kFormats{{
-    {"text", "for people", WriteTextFormat},
-    {"json", "for programs", WriteJsonFormat},
-    {"sql", "a FROM clause along the path", WriteSqlFormat},
-}};
+constexpr std::array kFormats{
+    Format{"text", "for people", WriteTextFormat},
+    Format{"json", "for programs", WriteJsonFormat},
+    Format{"sql", "a FROM clause along the path", WriteSqlFormat},
+    Format{"dot", "a graph for Graphviz", WriteDotFormat},
+    Format{"svg", "a picture, drawn by Graphviz", WriteSvgFormat},
+    Format{"png", "a picture, drawn by Graphviz", WritePngFormat},
+    Format{"html", "a page to look at and to choose in", WriteHtmlFormat},
+};
 
 } // namespace
 
