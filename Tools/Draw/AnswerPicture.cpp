@@ -154,21 +154,31 @@ private:
                                                    : mModel.NameOf(subject);
     }
 
+    /// Beside the answer, all joins between two subjects are one line, and a join of a subject
+    /// with itself is none: they would only hide the answer.
     void AddEdges(Picture& picture) const
     {
+        std::map<std::pair<amd_id, amd_id>, std::size_t> lines;
         for (const auto& [id, join] : mJoins) {
             const auto role = mRoles.find(id);
             if (mDrawn.count(join.left) == 0 || mDrawn.count(join.right) == 0)
                 continue;
-            // The shape of a shortcut tells already what it shares with its neighbours.
-            const bool joinsShortcuts = join.id.classCode == IdClassShortcutJoin &&
-                                        join.left.classCode == join.right.classCode;
-            if (joinsShortcuts && role == mRoles.end())
-                continue;
-            PictureEdge edge = MakePictureEdge(join, mPositions);
+            if (role == mRoles.end()) {
+                // The names of two shortcuts tell already what they stand for.
+                const bool joinsShortcuts = join.id.classCode == IdClassShortcutJoin &&
+                                            join.left.classCode == join.right.classCode;
+                if (join.left == join.right || joinsShortcuts)
+                    continue;
+                const auto [line, isNew] =
+                    lines.emplace(std::minmax(join.left, join.right), picture.edges.size());
+                if (!isNew) {
+                    ++picture.edges[line->second].joins;
+                    continue;
+                }
+            }
+            picture.edges.push_back(MakePictureEdge(join, mPositions));
             if (role != mRoles.end())
-                edge.role = role->second;
-            picture.edges.push_back(std::move(edge));
+                picture.edges.back().role = role->second;
         }
     }
 
@@ -194,7 +204,7 @@ std::vector<Ids> ListShownPaths(const Answer& answer, std::size_t limit)
     if (!answer.path.empty())
         paths.push_back(answer.path);
     const auto add = [&paths, limit](const Ids& path) {
-        if (paths.size() <= limit && std::find(paths.begin(), paths.end(), path) == paths.end())
+        if (paths.size() < limit && std::find(paths.begin(), paths.end(), path) == paths.end())
             paths.push_back(path);
     };
     for (const Ids& path : answer.bestPaths)

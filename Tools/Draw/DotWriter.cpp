@@ -82,7 +82,7 @@ void WriteNode(const Picture& picture, std::size_t position, std::ostream& out)
 std::string EdgeLabel(const Picture& picture, const PictureEdge& edge)
 {
     if (edge.role == PictureEdge::ERole::Context)
-        return {};
+        return edge.joins == 1 ? std::string() : std::to_string(edge.joins) + " joins";
     if (edge.kind == PictureEdge::EKind::StandsFor)
         return "stands for";
     const std::string& first = picture.nodes[edge.first].name;
@@ -103,7 +103,7 @@ void WriteEdge(const Picture& picture, std::size_t position, std::ostream& out)
     out << "  n" << edge.first << " -- n" << edge.second << " [id=\"e" << position << "\" "
         << LookOf(edge);
     const bool isContext = edge.role == PictureEdge::ERole::Context;
-    const bool hasEnds = !isContext || picture.edges.size() <= kManyEdges;
+    const bool hasEnds = !isContext || (edge.joins == 1 && picture.edges.size() <= kManyEdges);
     if (hasEnds && edge.kind == PictureEdge::EKind::Join)
         out << " taillabel=" << QuoteForDot(edge.firstCardinality)
             << " headlabel=" << QuoteForDot(edge.secondCardinality);

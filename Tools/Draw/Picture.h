@@ -68,6 +68,8 @@ struct PictureEdge
     std::string secondCardinality{};
     EKind kind = EKind::Join;
     ERole role = ERole::Context;
+    /// How many joins beside the answer the line stands for.
+    std::size_t joins = 1;
 };
 
 /// What is drawn, in id order.

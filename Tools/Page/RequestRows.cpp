@@ -23,6 +23,8 @@ std::string SelectorText(const SelectorChoice& selector)
     switch (selector.kind) {
     case ESelector::First:
         return "first";
+    case ESelector::Keys:
+        return "keys";
     case ESelector::Ask:
         return "the user";
     case ESelector::MainObject:

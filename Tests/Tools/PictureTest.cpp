@@ -1,0 +1,147 @@
+#include "Engine/Model/Model.h"
+#include "Engine/Model/ModelBuilder.h"
+#include "Tests/Support/ModelText.h"
+#include "Tests/Tools/HostileModel.h"
+#include "Tools/Ask/Asker.h"
+#include "Tools/Draw/AnswerPicture.h"
+#include "Tools/Draw/DotWriter.h"
+#include "Tools/Draw/ModelPicture.h"
+#include "Tools/InputError.h"
+#include "Tools/Model/ToolModel.h"
+#include "Tools/Output/Format.h"
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <sys/stat.h>
+
+namespace qe::tool {
+
+namespace {
+
+using test::ModelText;
+
+ToolModel MakeToolModel(const std::shared_ptr<const model::Model>& model)
+{
+    ToolModel toolModel;
+    toolModel.model = model;
+    return toolModel;
+}
+
+Question Connect(std::vector<std::string> subjects)
+{
+    Question question;
+    question.subjects = std::move(subjects);
+    return question;
+}
+
+std::string WriteAs(const char* format, const ToolModel& model, const Question& question)
+{
+    std::ostringstream out;
+    const Answer answer = Ask(model, question);
+    FindFormat(format)->write(out, {model, question, answer, {}});
+    return out.str();
+}
+
+bool HasGraphviz()
+{
+    return std::system("dot -V > /dev/null 2>&1") == 0;
+}
+
+/// Writes nodes as "Name" with a mark of their kind and role, edges with one of their role.
+std::string Summarize(const Picture& picture)
+{
+    std::string text;
+    for (const PictureNode& node : picture.nodes) {
+        text += node.name + " .FDS"[static_cast<std::size_t>(node.kind) + 1];
+        text += " +!"[static_cast<std::size_t>(node.role)];
+        text += ' ';
+    }
+    for (const PictureEdge& edge : picture.edges) {
+        text += "| " + picture.nodes[edge.first].name + ' ' + edge.firstCardinality +
+                " -~="[static_cast<std::size_t>(edge.role) + 1] + edge.secondCardinality + ' ' +
+                picture.nodes[edge.second].name + ' ';
+        if (edge.joins > 1)
+            text += 'x' + std::to_string(edge.joins) + ' ';
+    }
+    return text;
+}
+
+TEST(Pictures, MarkChosenAndEquallyCheapPaths)
+{
+    const ModelText text("F >- A; F >o-o B; D -< A; B >- D; F >- E; E >- F; S -> D");
+    const ToolModel model = MakeToolModel(text.GetModel());
+    EXPECT_EQ(Summarize(DrawAnswer(model, Ask(model, Connect({"F", "D"})), {})),
+              "FD! AD+ BD  DD! ED  SS  "
+              "| F 1..n=1..1 A | F 0..n~0..1 B | A 1..n=1..1 D | B 1..n~1..1 D "
+              "| F 1..n-1..1 E x2 | S 1..1-1..1 D ");
+}
+
+TEST(Pictures, ShowTheNeighbourhoodInALargeModel)
+{
+    std::string joins = "A >- B;";
+    for (int i = 0; i < 60; ++i)
+        joins += "A >- X" + std::to_string(i) + "; X" + std::to_string(i) + " >- Y;";
+    const ModelText text(joins + "B >- X7; B >- X9");
+    const ToolModel model = MakeToolModel(text.GetModel());
+    PictureLimits limits;
+    limits.neighbours = 3;
+    const Picture picture = DrawAnswer(model, Ask(model, Connect({"A", "B"})), limits);
+    std::string names;
+    for (const PictureNode& node : picture.nodes)
+        names += node.name + ' ';
+    // Those that touch the answer twice come first.
+    EXPECT_EQ(names, "A B X0 X7 X9 ");
+    EXPECT_NE(WriteDot(picture).find("5 of 63 subjects are drawn"), std::string::npos);
+    EXPECT_EQ(DrawModel(model, text.Ids("B"), 0).nodes.size(), 4U);
+    EXPECT_EQ(DrawModel(model, {}, 10).nodes.size(), 10U);
+    EXPECT_EQ(DrawModel(model, {}, 0).nodes.size(), 63U);
+}
+
+TEST(Pictures, TellWhatIsMissing)
+{
+    const std::string path = std::getenv("PATH");
+    setenv("PATH", "/nowhere", 1);
+    const ModelText text("A >- B");
+    try {
+        static_cast<void>(WriteAs("svg", MakeToolModel(text.GetModel()), Connect({"A", "B"})));
+        ADD_FAILURE() << "a picture without Graphviz";
+    } catch (const InputError& error) {
+        EXPECT_NE(std::string(error.what()).find("install Graphviz"), std::string::npos);
+    }
+    setenv("PATH", path.c_str(), 1);
+}
+
+TEST(HostileNames, StayWholeAndHarmless)
+{
+    if (!HasGraphviz())
+        GTEST_SKIP() << "Graphviz is not installed";
+    const test::HostileModel hostile;
+    const ToolModel model = MakeToolModel(hostile.model);
+    for (std::size_t i = 0; i < hostile.names.size(); ++i) {
+        const std::string& name = hostile.names[i];
+        SCOPED_TRACE(name);
+        const Question question = Connect({hostile.GetIdText(i), hostile.GetHubText()});
+        const std::string svg = WriteAs("svg", model, question);
+        const std::string html = WriteAs("html", model, question);
+        // Nothing that a name holds is markup, a control character or a mark of direction.
+        for (const std::string& text : {svg, html}) {
+            EXPECT_EQ(text.find("<b>"), std::string::npos);
+            EXPECT_EQ(text.find("<script>alert"), std::string::npos);
+        }
+        for (const std::string& text : {svg, html, WriteAs("dot", model, question)}) {
+            EXPECT_EQ(text.find("\u202E"), std::string::npos);
+            EXPECT_EQ(text.find_first_of("\x01\x1B\x7F"), std::string::npos);
+        }
+        EXPECT_NE(html.find(hostile.shownInMarkup[i]), std::string::npos);
+        EXPECT_NE(svg.find("<title>" + hostile.shownInMarkup[i] + "</title>"), std::string::npos);
+        // Both ends of the data script stand: nothing in it ends it early.
+        EXPECT_EQ(html.find("</script>", html.find("id=\"data\"")),
+                  html.find("</script>\n<script>\n"));
+        EXPECT_EQ(WriteAs("png", model, question).substr(1, 3), "PNG");
+    }
+}
+
+} // namespace
+
+} // namespace qe::tool
