@@ -118,7 +118,7 @@ TEST(OutputTest, TextTellsPathAlternativesAndWhatDecided)
      #  weight  facts  branches  rank  joins
   *  1      34      1         0     0  oc, cr
      2      34      1         0     0  os, sr
-Decided by: join names
+Decided by: keys
 )");
     EXPECT_THAT(Write("text", model, Connect({"Budget", "Region"})),
                 HasSubstr("The subjects cannot be connected. They fall into 2 groups:\n"
