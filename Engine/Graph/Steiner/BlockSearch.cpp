@@ -19,12 +19,18 @@ namespace {
 /// Number of terminals that trees are grown from and ascents are rooted at.
 constexpr std::size_t Starts = 4;
 
-/// The first of these is tried before the block is bounded thoroughly.
+/// The first of these is tried before the block is bounded thoroughly, the last after everything
+/// else.
 constexpr std::array Efforts{BlockSearch::Effort{2, 2000}, BlockSearch::Effort{8, 30000},
                              BlockSearch::Effort{32, std::numeric_limits<std::size_t>::max()}};
 
 /// Share of the time after which the local search is cut short.
 constexpr double LocalSearchShare = 0.1;
+
+/// Before the last effort, from how many terminals trees are grown and improved, and the share of
+/// the time after which that is cut short.
+constexpr std::size_t ManyStarts = 16;
+constexpr double ManyStartsShare = 0.2;
 
 /// How the search for a light tree is made to run ahead: by how many ascents it is bounded, how
 /// much of the gap between the bounds is added to them, and after how many labels it is given up.
@@ -151,9 +157,32 @@ std::optional<BlockSearch::Outcome> BlockSearch::SearchFast(TreeFamily& family)
     return SearchWithin(family, std::span(Efforts).first(1));
 }
 
+std::optional<BlockSearch::Outcome> BlockSearch::SearchSteadily(TreeFamily& family)
+{
+    return SearchWithin(family, std::span(Efforts).subspan(1, 1));
+}
+
+/// Grows trees from many terminals and improves each by itself.
+void BlockSearch::FindTreeFromManyStarts()
+{
+    const std::span<const std::uint32_t> terminals = mNetwork.GetTerminals();
+    const std::size_t starts = std::min(ManyStarts, terminals.size());
+    LocalSearch localSearch(mNetwork, mGrower);
+    for (std::size_t start = 0; start < starts && mKnownWeight > mLowerBound; ++start) {
+        if (mBudget.IsSpent(ManyStartsShare))
+            return;
+        SteinerTree tree = mGrower.Grow(terminals[start * terminals.size() / starts], {});
+        localSearch.Improve(tree, mBudget, ManyStartsShare);
+        if (tree.weight < mTree.weight)
+            mTree = std::move(tree);
+        mKnownWeight = std::min(mKnownWeight, mTree.weight);
+    }
+}
+
 BlockSearch::Outcome BlockSearch::Search(TreeFamily& family)
 {
-    const std::optional<Outcome> outcome = SearchWithin(family, std::span(Efforts).subspan(1));
+    FindTreeFromManyStarts();
+    const std::optional<Outcome> outcome = SearchWithin(family, std::span(Efforts).subspan(2));
     if (outcome)
         return *outcome;
     if (mTree.weight == Saturated)

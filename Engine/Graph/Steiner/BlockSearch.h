@@ -48,6 +48,8 @@ public:
     /// Finds all lightest trees of the block, and adds them to the family, if that takes few
     /// steps.
     std::optional<Outcome> SearchFast(TreeFamily& family);
+    /// Does the same with more steps.
+    std::optional<Outcome> SearchSteadily(TreeFamily& family);
     /// Finds all lightest trees of the block, or one tree when the budget runs out, and adds
     /// them to the family.
     Outcome Search(TreeFamily& family);
@@ -63,6 +65,7 @@ private:
     void FindTree(std::uint32_t start, std::span<const std::uint8_t> isUsable);
     void Ascend(std::uint32_t root, std::span<const std::uint32_t> guide);
     void FindTreeAlongAscent();
+    void FindTreeFromManyStarts();
     [[nodiscard]] std::vector<std::uint32_t> ChooseRoots(std::size_t most) const;
     template <std::size_t Words>
     void AddBounds(std::size_t most, std::vector<RestBound<Words>>& bounds);

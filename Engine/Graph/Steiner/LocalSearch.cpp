@@ -89,17 +89,63 @@ void LocalSearch::WalkPath(const SteinerTree& tree, std::uint32_t node, std::uin
 bool LocalSearch::TryWithout(SteinerTree& tree, std::uint32_t key, std::uint32_t path)
 {
     mKept.clear();
+    mStarts.clear();
+    mIsKept.assign(tree.edges.size(), 0);
     for (std::uint32_t place = 0; place < tree.edges.size(); ++place) {
         const std::uint32_t ofEdge = mPathOfEdge[place];
         const auto [end1, end2] = mPathEnds[ofEdge];
-        if (ofEdge != path && end1 != key && end2 != key)
+        if (ofEdge != path && end1 != key && end2 != key) {
             mKept.push_back(tree.edges[place]);
+            mIsKept[place] = 1;
+            continue;
+        }
+        for (const std::uint32_t end : {end1, end2}) {
+            if (end != key)
+                mStarts.push_back(end);
+        }
     }
-    SteinerTree other = mGrower.Regrow(mKept, mNetwork.GetTerminals().front());
+    SteinerTree other = mGrower.Regrow(mKept, ChooseStart(tree));
     if (other.weight >= tree.weight)
         return false;
     tree = std::move(other);
     return true;
+}
+
+/// Answers the start in the smallest part: the search for another way spreads least from there.
+std::uint32_t LocalSearch::ChooseStart(const SteinerTree& tree)
+{
+    std::sort(mStarts.begin(), mStarts.end());
+    mStarts.erase(std::unique(mStarts.begin(), mStarts.end()), mStarts.end());
+    std::uint32_t best = mStarts.front();
+    std::size_t least = tree.edges.size() + 1;
+    for (const std::uint32_t start : mStarts) {
+        const std::size_t size = CountPart(tree, start, least);
+        if (size < least) {
+            least = size;
+            best = start;
+        }
+    }
+    return best;
+}
+
+/// Answers how many kept edges hang together with the node, or `most` when there are more.
+std::size_t LocalSearch::CountPart(const SteinerTree& tree, std::uint32_t start, std::size_t most)
+{
+    std::size_t count = 0;
+    mOpen.assign(1, {start, None});
+    while (!mOpen.empty() && count < most) {
+        const auto [node, entry] = mOpen.back();
+        mOpen.pop_back();
+        for (const std::uint32_t place : mEdgesAt[node]) {
+            if (mIsKept[place] == 0 || place == entry)
+                continue;
+            const std::uint32_t end1 = mNetwork.GetOrigin(2 * tree.edges[place]);
+            const std::uint32_t end2 = mNetwork.GetOrigin(2 * tree.edges[place] + 1);
+            mOpen.emplace_back(end1 == node ? end2 : end1, place);
+            ++count;
+        }
+    }
+    return count;
 }
 
 } // namespace qe::graph

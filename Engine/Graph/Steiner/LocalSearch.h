@@ -3,6 +3,7 @@
 
 #include "Engine/Graph/Steiner/TreeGrower.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -29,6 +30,9 @@ private:
     void WalkPath(const SteinerTree& tree, std::uint32_t node, std::uint32_t place);
     [[nodiscard]] bool IsKey(std::uint32_t node) const;
     bool TryWithout(SteinerTree& tree, std::uint32_t key, std::uint32_t path);
+    [[nodiscard]] std::uint32_t ChooseStart(const SteinerTree& tree);
+    [[nodiscard]] std::size_t CountPart(const SteinerTree& tree, std::uint32_t start,
+                                        std::size_t most);
 
     const FlatNetwork& mNetwork;
     TreeGrower& mGrower;
@@ -37,7 +41,12 @@ private:
     std::vector<std::uint32_t> mTreeNodes;
     std::vector<std::uint32_t> mPathOfEdge;
     std::vector<std::pair<std::uint32_t, std::uint32_t>> mPathEnds;
+    /// What an exchange leaves of the tree, and the ends of what it takes out.
     std::vector<std::uint32_t> mKept;
+    std::vector<std::uint8_t> mIsKept;
+    std::vector<std::uint32_t> mStarts;
+    /// Nodes still to be counted from, each with the position of the edge that led there.
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> mOpen;
 };
 
 } // namespace qe::graph

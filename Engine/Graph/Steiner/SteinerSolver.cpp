@@ -4,6 +4,7 @@
 #include "Engine/Graph/Steiner/BlockSplit.h"
 #include "Engine/Graph/Steiner/Budget.h"
 #include "Engine/Graph/Steiner/DegreeReduction.h"
+#include "Engine/Graph/Steiner/DistanceReduction.h"
 #include "Engine/Graph/Steiner/NetworkBuilder.h"
 #include "Engine/Graph/Steiner/Saturated.h"
 #include "Engine/Graph/Steiner/TreeFamily.h"
@@ -20,6 +21,13 @@ namespace {
 /// those that are listed.
 constexpr std::uint64_t CountedBeyondList = 100000;
 
+/// Which reductions a network is worth.
+enum class EReductions
+{
+    Degrees,
+    Distances,
+};
+
 /// A network that still is to be searched, and a weight that some tree of it does not exceed.
 struct OpenNetwork
 {
@@ -27,6 +35,9 @@ struct OpenNetwork
     std::uint64_t knownWeight;
     /// How often its block was looked at before.
     std::size_t round;
+    EReductions reductions;
+    /// How many edges it had when it was last searched in vain; 0 when it never was.
+    std::uint32_t edgesTried;
 };
 
 class SteinerSolver
@@ -69,7 +80,7 @@ SteinerResult SteinerSolver::Solve()
     if (!network)
         return mResult;
     mResult.connected = true;
-    mOpen.push_back({std::move(*network), Saturated, 0});
+    mOpen.push_back({std::move(*network), Saturated, 0, EReductions::Degrees, 0});
     while (!mOpen.empty()) {
         OpenNetwork open = std::move(mOpen.back());
         mOpen.pop_back();
@@ -89,7 +100,10 @@ void SteinerSolver::Reduce(OpenNetwork open)
     Network& network = open.network;
     const std::size_t fixedBefore = network.GetFixedStrands().size();
     const std::uint64_t weightBefore = network.GetFixedWeight();
-    ReduceDegrees(network);
+    if (open.reductions == EReductions::Distances)
+        ReduceByDistances(network, mBudget);
+    else
+        ReduceDegrees(network);
     for (std::size_t place = fixedBefore; place < network.GetFixedStrands().size(); ++place)
         mFamily.AddStrand(network.GetFixedStrands()[place]);
     const std::uint64_t fixedWeight = network.GetFixedWeight() - weightBefore;
@@ -101,24 +115,39 @@ void SteinerSolver::Reduce(OpenNetwork open)
         return;
     std::vector<Network> blocks = SplitIntoBlocks(network);
     if (blocks.size() == 1) {
-        SearchBlock({std::move(blocks.front()), open.knownWeight, open.round});
+        SearchBlock({std::move(blocks.front()), open.knownWeight, open.round, open.reductions,
+                     open.edgesTried});
         return;
     }
     for (std::size_t block = blocks.size(); block-- > 0;)
-        mOpen.push_back({std::move(blocks[block]), Saturated, 0});
+        mOpen.push_back({std::move(blocks[block]), Saturated, 0, open.reductions, 0});
 }
 
 void SteinerSolver::SearchBlock(OpenNetwork open)
 {
     BlockSearch search(open.network, open.knownWeight, mBudget);
     const std::uint32_t edgesBefore = open.network.GetEdgeCount();
-    std::size_t shed = search.ShedFast(open.round);
+    std::size_t shed = 0;
     std::optional<BlockSearch::Outcome> outcome;
-    if (!IsWorthReducing(shed, edgesBefore))
-        outcome = search.SearchFast(mFamily);
+    const bool isTried =
+        open.edgesTried != 0 && !IsWorthReducing(open.edgesTried - edgesBefore, open.edgesTried);
+    if (!isTried) {
+        shed = search.ShedFast(open.round);
+        if (!IsWorthReducing(shed, edgesBefore))
+            outcome = search.SearchFast(mFamily);
+    }
     if (!outcome && !IsWorthReducing(shed, edgesBefore))
         shed += search.ShedThoroughly();
-    if (!outcome && IsWorthReducing(shed, edgesBefore)) {
+    bool isWorthAgain = IsWorthReducing(shed, edgesBefore);
+    if (!outcome && !isWorthAgain && !isTried) {
+        outcome = search.SearchSteadily(mFamily);
+        open.edgesTried = edgesBefore;
+    }
+    if (!outcome && !isWorthAgain && open.reductions == EReductions::Degrees) {
+        open.reductions = EReductions::Distances;
+        isWorthAgain = true;
+    }
+    if (!outcome && isWorthAgain) {
         open.knownWeight = search.GetKnownWeight();
         ++open.round;
         mOpen.push_back(std::move(open));

@@ -1,5 +1,6 @@
 #include "Engine/Graph/Steiner/TreeGrower.h"
 
+#include "Engine/Graph/DisjointSets.h"
 #include "Engine/Graph/Steiner/Saturated.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ TreeGrower::TreeGrower(const FlatNetwork& network)
       mWishes(network.GetNodeCount()),
       mIsInTree(network.GetNodeCount()),
       mIsKept(network.GetEdgeCount()),
-      mParts(network.GetNodeCount()),
+      mPlaces(network.GetNodeCount()),
       mDegrees(network.GetNodeCount())
 {
     for (const std::uint32_t terminal : network.GetTerminals())
@@ -132,15 +133,6 @@ void TreeGrower::Reset()
     mQueue.clear();
 }
 
-std::uint32_t TreeGrower::FindPart(std::uint32_t node)
-{
-    while (mParts[node] != node) {
-        mParts[node] = mParts[mParts[node]];
-        node = mParts[node];
-    }
-    return node;
-}
-
 /// Makes the tree a lightest spanning tree of the nodes that the grown edges touch.
 void TreeGrower::Span(SteinerTree& tree)
 {
@@ -152,10 +144,11 @@ void TreeGrower::Span(SteinerTree& tree)
     }
     std::sort(nodes.begin(), nodes.end());
     nodes.erase(std::unique(nodes.begin(), nodes.end()), nodes.end());
-    for (const std::uint32_t node : nodes) {
-        mParts[node] = node;
-        mIsInTree[node] = 1;
+    for (std::uint32_t place = 0; place < nodes.size(); ++place) {
+        mPlaces[nodes[place]] = place;
+        mIsInTree[nodes[place]] = 1;
     }
+    DisjointSets parts(static_cast<std::uint32_t>(nodes.size()));
     std::vector<QueueEntry>& candidates = mQueue;
     for (const std::uint32_t node : nodes) {
         for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
@@ -165,12 +158,9 @@ void TreeGrower::Span(SteinerTree& tree)
     }
     std::sort(candidates.begin(), candidates.end());
     for (const auto& [weight, edge] : candidates) {
-        const std::uint32_t part1 = FindPart(mNetwork.GetOrigin(2 * edge));
-        const std::uint32_t part2 = FindPart(mNetwork.GetOrigin(2 * edge + 1));
-        if (part1 == part2)
-            continue;
-        mParts[part1] = part2;
-        tree.edges.push_back(edge);
+        if (parts.Unite(mPlaces[mNetwork.GetOrigin(2 * edge)],
+                        mPlaces[mNetwork.GetOrigin(2 * edge + 1)]))
+            tree.edges.push_back(edge);
     }
     candidates.clear();
     for (const std::uint32_t node : nodes)

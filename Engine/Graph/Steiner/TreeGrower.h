@@ -46,7 +46,6 @@ private:
     void Span(SteinerTree& tree);
     void CutIdleLeaves(SteinerTree& tree);
     void Push(std::uint64_t distance, std::uint32_t node, std::uint32_t entry);
-    std::uint32_t FindPart(std::uint32_t node);
 
     const FlatNetwork& mNetwork;
     std::vector<std::uint64_t> mDistances;
@@ -61,7 +60,8 @@ private:
     std::vector<std::uint32_t> mOpen;
     std::vector<std::uint32_t> mEdges;
     std::size_t mMissing = 0;
-    std::vector<std::uint32_t> mParts;
+    /// Which of the nodes of the tree at hand the node is.
+    std::vector<std::uint32_t> mPlaces;
     std::vector<std::uint32_t> mDegrees;
 };
 

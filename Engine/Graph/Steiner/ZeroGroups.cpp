@@ -1,42 +1,34 @@
 #include "Engine/Graph/Steiner/ZeroGroups.h"
 
+#include "Engine/Graph/DisjointSets.h"
 #include "Engine/Graph/Steiner/Budget.h"
 
 #include <algorithm>
-#include <numeric>
 #include <tuple>
 
 namespace qe::graph {
 
-namespace {
-
-std::uint32_t FindGroup(std::vector<std::uint32_t>& groups, std::uint32_t node)
-{
-    while (groups[node] != node) {
-        groups[node] = groups[groups[node]];
-        node = groups[node];
-    }
-    return node;
-}
-
-} // namespace
-
 ZeroGroups::ZeroGroups(const GraphView& graph, std::span<const NodeIndex> terminals)
     : mGraph(graph), mTerminals(terminals)
 {
-    for (const Edge& edge : graph.GetEdges()) {
-        if (edge.weight != 0 || edge.end1 == edge.end2)
-            continue;
-        if (mGroups.empty()) {
-            mGroups.resize(graph.GetNodeCount());
-            std::iota(mGroups.begin(), mGroups.end(), 0U);
-        }
-        const std::uint32_t group1 = FindGroup(mGroups, edge.end1.value);
-        const std::uint32_t group2 = FindGroup(mGroups, edge.end2.value);
-        mGroups[std::max(group1, group2)] = std::min(group1, group2);
+    const auto isInside = [](const Edge& edge) {
+        return edge.weight == 0 && edge.end1 != edge.end2;
+    };
+    const std::span<const Edge> edges = graph.GetEdges();
+    if (std::none_of(edges.begin(), edges.end(), isInside))
+        return;
+    DisjointSets groups(graph.GetNodeCount());
+    for (const Edge& edge : edges) {
+        if (isInside(edge))
+            groups.Unite(edge.end1.value, edge.end2.value);
     }
-    for (std::uint32_t node = 0; node < mGroups.size(); ++node)
-        mGroups[node] = mGroups[mGroups[node]];
+    // Ascending order meets the smallest node of each group first.
+    std::vector<std::uint32_t> smallest(graph.GetNodeCount(), graph.GetNodeCount());
+    for (std::uint32_t node = 0; node < graph.GetNodeCount(); ++node) {
+        std::uint32_t& first = smallest[groups.Find(node)];
+        first = std::min(first, node);
+        mGroups.push_back(first);
+    }
 }
 
 ZeroGroups::EStep ZeroGroups::ForEachTree(std::span<const EdgeIndex> outer, Budget& budget,

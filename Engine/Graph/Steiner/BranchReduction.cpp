@@ -1,0 +1,160 @@
+#include "Engine/Graph/Steiner/BranchReduction.h"
+
+#include "Engine/Graph/Steiner/NearDistances.h"
+#include "Engine/Graph/Steiner/Network.h"
+#include "Engine/Graph/Steiner/Saturated.h"
+#include "Engine/Graph/Steiner/SpecialDistances.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <vector>
+
+namespace qe::graph {
+
+namespace {
+
+constexpr std::uint32_t MostEdges = 5;
+
+class BranchReduction
+{
+public:
+    BranchReduction(Network& network, const SpecialDistances& distances)
+        : mNetwork(network), mDistances(distances), mNear(network)
+    {}
+
+    std::size_t Run();
+
+private:
+    struct Spoke
+    {
+        std::uint32_t end;
+        std::uint64_t weight;
+        StrandIndex strand;
+    };
+
+    void Measure(std::uint32_t node);
+    [[nodiscard]] bool IsBranchless() const;
+    [[nodiscard]] std::uint64_t Span(std::uint32_t spokes) const;
+    [[nodiscard]] bool IsPassed(std::uint32_t spoke1, std::uint32_t spoke2) const
+    {
+        return mSpecial[spoke1][spoke2] >= mSpokes[spoke1].weight + mSpokes[spoke2].weight;
+    }
+    [[nodiscard]] std::uint32_t CountPassed() const;
+    void Bypass(std::uint32_t node);
+
+    Network& mNetwork;
+    const SpecialDistances& mDistances;
+    NearDistances mNear;
+    /// The edges of the node at hand, and the special distances of their other ends.
+    std::vector<Spoke> mSpokes;
+    std::array<std::array<std::uint64_t, MostEdges>, MostEdges> mSpecial{};
+};
+
+std::size_t BranchReduction::Run()
+{
+    std::size_t count = 0;
+    for (std::uint32_t node = 0; node < mNetwork.GetNodeLimit(); ++node) {
+        const std::uint32_t degree = mNetwork.GetDegree(node);
+        if (mNetwork.IsTerminal(node) || degree < 3 || degree > MostEdges)
+            continue;
+        Measure(node);
+        if (!IsBranchless() || CountPassed() > degree)
+            continue;
+        Bypass(node);
+        ++count;
+    }
+    return count;
+}
+
+void BranchReduction::Measure(std::uint32_t node)
+{
+    mSpokes.clear();
+    std::uint64_t heaviest = 0;
+    for (std::uint32_t half = mNetwork.GetFirst(node); half != Network::None;
+         half = mNetwork.GetNext(half)) {
+        const std::uint64_t weight = mNetwork.GetWeight(half / 2);
+        mSpokes.push_back({mNetwork.GetTarget(half), weight, mNetwork.GetStrand(half / 2)});
+        heaviest = std::max(heaviest, weight);
+    }
+    for (std::uint32_t left = 0; left + 1 < mSpokes.size(); ++left) {
+        mNear.Run(mSpokes[left].end, mSpokes[left].weight + heaviest);
+        for (std::uint32_t right = left + 1; right < mSpokes.size(); ++right) {
+            mSpecial[left][right] = mSpecial[right][left] =
+                std::min(mNear.Get(mSpokes[right].end),
+                         mDistances.GetBound(mSpokes[left].end, mSpokes[right].end));
+        }
+    }
+}
+
+bool BranchReduction::IsBranchless() const
+{
+    for (std::uint32_t spokes = 0; spokes < 1U << mSpokes.size(); ++spokes) {
+        std::uint64_t weight = 0;
+        for (std::uint32_t spoke = 0; spoke < mSpokes.size(); ++spoke)
+            weight += (spokes >> spoke & 1U) != 0 ? mSpokes[spoke].weight : 0;
+        if (std::popcount(spokes) >= 3 && Span(spokes) >= weight)
+            return false;
+    }
+    return true;
+}
+
+/// Answers the weight of a lightest tree that spans the other ends by special distances (Prim).
+std::uint64_t BranchReduction::Span(std::uint32_t spokes) const
+{
+    std::uint64_t weight = 0;
+    std::uint32_t joined = spokes & (~spokes + 1);
+    while (joined != spokes) {
+        std::uint64_t least = Saturated;
+        std::uint32_t next = 0;
+        for (std::uint32_t left = 0; left < mSpokes.size(); ++left) {
+            for (std::uint32_t right = 0; right < mSpokes.size(); ++right) {
+                const bool isLeaving =
+                    (joined >> left & 1U) != 0 && ((spokes & ~joined) >> right & 1U) != 0;
+                if (isLeaving && mSpecial[left][right] < least) {
+                    least = mSpecial[left][right];
+                    next = right;
+                }
+            }
+        }
+        weight += least;
+        joined |= 1U << next;
+    }
+    return weight;
+}
+
+std::uint32_t BranchReduction::CountPassed() const
+{
+    std::uint32_t count = 0;
+    for (std::uint32_t left = 0; left < mSpokes.size(); ++left) {
+        for (std::uint32_t right = left + 1; right < mSpokes.size(); ++right)
+            count += IsPassed(left, right) ? 1U : 0U;
+    }
+    return count;
+}
+
+void BranchReduction::Bypass(std::uint32_t node)
+{
+    while (mNetwork.GetFirst(node) != Network::None)
+        mNetwork.RemoveEdge(mNetwork.GetFirst(node) / 2);
+    for (std::uint32_t left = 0; left < mSpokes.size(); ++left) {
+        for (std::uint32_t right = left + 1; right < mSpokes.size(); ++right) {
+            if (!IsPassed(left, right))
+                continue;
+            const Spoke& first = mSpokes[left];
+            const Spoke& second = mSpokes[right];
+            mNetwork.MergeEdge(first.end, second.end, first.weight + second.weight,
+                               mNetwork.GetStrands().AddSeries(first.strand, second.strand));
+        }
+    }
+}
+
+} // namespace
+
+std::size_t BypassBranchless(Network& network, const SpecialDistances& distances)
+{
+    return BranchReduction(network, distances).Run();
+}
+
+} // namespace qe::graph
