@@ -19,18 +19,20 @@ namespace {
 /// Number of terminals that trees are grown from and ascents are rooted at.
 constexpr std::size_t Starts = 4;
 
-/// The first of these is tried before the block is bounded thoroughly, the last after everything
-/// else.
-constexpr std::array Efforts{BlockSearch::Effort{2, 2000}, BlockSearch::Effort{8, 30000},
-                             BlockSearch::Effort{32, std::numeric_limits<std::size_t>::max()}};
+/// The first of these is tried before the block is bounded thoroughly.
+constexpr std::array Efforts{BlockSearch::Effort{2, 2000}, BlockSearch::Effort{8, 30000}};
+
+/// Bounded by what the effort before was, and by more.
+constexpr std::array LastEfforts{BlockSearch::Effort{8, 0},
+                                 BlockSearch::Effort{32, std::numeric_limits<std::size_t>::max()}};
 
 /// Share of the time after which the local search is cut short.
 constexpr double LocalSearchShare = 0.1;
 
-/// Before the last effort, from how many terminals trees are grown and improved, and the share of
-/// the time after which that is cut short.
-constexpr std::size_t ManyStarts = 16;
-constexpr double ManyStartsShare = 0.2;
+/// When the search is given up, from how many terminals trees are grown and improved, and the
+/// share of its time after which that is cut short.
+constexpr std::size_t ManyStarts = 64;
+constexpr double ManyStartsShare = 1.05;
 
 /// How the search for a light tree is made to run ahead: by how many ascents it is bounded, how
 /// much of the gap between the bounds is added to them, and after how many labels it is given up.
@@ -159,7 +161,7 @@ std::optional<BlockSearch::Outcome> BlockSearch::SearchFast(TreeFamily& family)
 
 std::optional<BlockSearch::Outcome> BlockSearch::SearchSteadily(TreeFamily& family)
 {
-    return SearchWithin(family, std::span(Efforts).subspan(1, 1));
+    return SearchWithin(family, std::span(Efforts).subspan(1));
 }
 
 /// Grows trees from many terminals and improves each by itself.
@@ -168,7 +170,7 @@ void BlockSearch::FindTreeFromManyStarts()
     const std::span<const std::uint32_t> terminals = mNetwork.GetTerminals();
     const std::size_t starts = std::min(ManyStarts, terminals.size());
     LocalSearch localSearch(mNetwork, mGrower);
-    for (std::size_t start = 0; start < starts && mKnownWeight > mLowerBound; ++start) {
+    for (std::size_t start = 0; start < starts && mTree.weight > mLowerBound; ++start) {
         if (mBudget.IsSpent(ManyStartsShare))
             return;
         SteinerTree tree = mGrower.Grow(terminals[start * terminals.size() / starts], {});
@@ -181,12 +183,12 @@ void BlockSearch::FindTreeFromManyStarts()
 
 BlockSearch::Outcome BlockSearch::Search(TreeFamily& family)
 {
-    FindTreeFromManyStarts();
-    const std::optional<Outcome> outcome = SearchWithin(family, std::span(Efforts).subspan(2));
+    const std::optional<Outcome> outcome = SearchWithin(family, LastEfforts);
     if (outcome)
         return *outcome;
     if (mTree.weight == Saturated)
         FindTree(mNetwork.GetTerminals().front(), {});
+    FindTreeFromManyStarts();
     return AnswerTree(family, mTree.edges, mTree.weight, mLowerBound);
 }
 

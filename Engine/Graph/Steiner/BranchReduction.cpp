@@ -15,7 +15,7 @@ namespace qe::graph {
 
 namespace {
 
-constexpr std::uint32_t MostEdges = 5;
+constexpr std::uint32_t MostEdges = 3;
 
 class BranchReduction
 {

@@ -21,6 +21,9 @@ namespace {
 /// those that are listed.
 constexpr std::uint64_t CountedBeyondList = 100000;
 
+/// One part in so many of the time is kept back to improve the tree that is answered unproven.
+constexpr int ShareOfLastTree = 20;
+
 /// Which reductions a network is worth.
 enum class EReductions
 {
@@ -36,8 +39,6 @@ struct OpenNetwork
     /// How often its block was looked at before.
     std::size_t round;
     EReductions reductions;
-    /// How many edges it had when it was last searched in vain; 0 when it never was.
-    std::uint32_t edgesTried;
 };
 
 class SteinerSolver
@@ -48,7 +49,7 @@ public:
         : mGraph(graph),
           mTerminals(std::move(terminals)),
           mLimits(limits),
-          mBudget(limits.time, limits.memory),
+          mBudget(limits.time - limits.time / ShareOfLastTree, limits.memory),
           mFamily(mStrands)
     {}
 
@@ -58,6 +59,7 @@ private:
     void Reduce(OpenNetwork open);
     void SearchBlock(OpenNetwork open);
     bool IsWorthReducing(std::size_t shed, std::size_t edgesBefore);
+    bool IsWorthMeasuring(const OpenNetwork& open);
     void ListTrees();
     void ListTreesThrough(ZeroGroups& zeroGroups);
     void SortTrees();
@@ -80,7 +82,7 @@ SteinerResult SteinerSolver::Solve()
     if (!network)
         return mResult;
     mResult.connected = true;
-    mOpen.push_back({std::move(*network), Saturated, 0, EReductions::Degrees, 0});
+    mOpen.push_back({std::move(*network), Saturated, 0, EReductions::Degrees});
     while (!mOpen.empty()) {
         OpenNetwork open = std::move(mOpen.back());
         mOpen.pop_back();
@@ -115,37 +117,30 @@ void SteinerSolver::Reduce(OpenNetwork open)
         return;
     std::vector<Network> blocks = SplitIntoBlocks(network);
     if (blocks.size() == 1) {
-        SearchBlock({std::move(blocks.front()), open.knownWeight, open.round, open.reductions,
-                     open.edgesTried});
+        SearchBlock({std::move(blocks.front()), open.knownWeight, open.round, open.reductions});
         return;
     }
     for (std::size_t block = blocks.size(); block-- > 0;)
-        mOpen.push_back({std::move(blocks[block]), Saturated, 0, open.reductions, 0});
+        mOpen.push_back({std::move(blocks[block]), Saturated, 0, open.reductions});
 }
 
 void SteinerSolver::SearchBlock(OpenNetwork open)
 {
     BlockSearch search(open.network, open.knownWeight, mBudget);
     const std::uint32_t edgesBefore = open.network.GetEdgeCount();
-    std::size_t shed = 0;
+    std::size_t shed = search.ShedFast(open.round);
     std::optional<BlockSearch::Outcome> outcome;
-    const bool isTried =
-        open.edgesTried != 0 && !IsWorthReducing(open.edgesTried - edgesBefore, open.edgesTried);
-    if (!isTried) {
-        shed = search.ShedFast(open.round);
-        if (!IsWorthReducing(shed, edgesBefore))
-            outcome = search.SearchFast(mFamily);
-    }
+    if (!IsWorthReducing(shed, edgesBefore))
+        outcome = search.SearchFast(mFamily);
     if (!outcome && !IsWorthReducing(shed, edgesBefore))
         shed += search.ShedThoroughly();
     bool isWorthAgain = IsWorthReducing(shed, edgesBefore);
-    if (!outcome && !isWorthAgain && !isTried) {
+    if (!outcome && !isWorthAgain) {
         outcome = search.SearchSteadily(mFamily);
-        open.edgesTried = edgesBefore;
-    }
-    if (!outcome && !isWorthAgain && open.reductions == EReductions::Degrees) {
-        open.reductions = EReductions::Distances;
-        isWorthAgain = true;
+        if (!outcome && IsWorthMeasuring(open)) {
+            open.reductions = EReductions::Distances;
+            isWorthAgain = true;
+        }
     }
     if (!outcome && isWorthAgain) {
         open.knownWeight = search.GetKnownWeight();
@@ -167,6 +162,17 @@ void SteinerSolver::SearchBlock(OpenNetwork open)
 bool SteinerSolver::IsWorthReducing(std::size_t shed, std::size_t edgesBefore)
 {
     return 20 * shed > edgesBefore && !mBudget.IsExhausted();
+}
+
+/// Says whether the dearer reductions, not applied to it so far, find enough in a hard network.
+bool SteinerSolver::IsWorthMeasuring(const OpenNetwork& open)
+{
+    if (open.reductions == EReductions::Distances)
+        return false;
+    Network reduced = open.network;
+    ReduceByDistances(reduced, mBudget);
+    const std::uint32_t edges = open.network.GetEdgeCount();
+    return IsWorthReducing(edges - reduced.GetEdgeCount(), edges);
 }
 
 void SteinerSolver::ListTrees()
