@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstdint>
 #include <vector>
 
@@ -15,7 +14,7 @@ namespace qe::graph {
 
 namespace {
 
-constexpr std::uint32_t MostEdges = 3;
+constexpr std::uint32_t Spokes = 3;
 
 class BranchReduction
 {
@@ -36,12 +35,10 @@ private:
 
     void Measure(std::uint32_t node);
     [[nodiscard]] bool IsBranchless() const;
-    [[nodiscard]] std::uint64_t Span(std::uint32_t spokes) const;
     [[nodiscard]] bool IsPassed(std::uint32_t spoke1, std::uint32_t spoke2) const
     {
         return mSpecial[spoke1][spoke2] >= mSpokes[spoke1].weight + mSpokes[spoke2].weight;
     }
-    [[nodiscard]] std::uint32_t CountPassed() const;
     void Bypass(std::uint32_t node);
 
     Network& mNetwork;
@@ -49,18 +46,17 @@ private:
     NearDistances mNear;
     /// The edges of the node at hand, and the special distances of their other ends.
     std::vector<Spoke> mSpokes;
-    std::array<std::array<std::uint64_t, MostEdges>, MostEdges> mSpecial{};
+    std::array<std::array<std::uint64_t, Spokes>, Spokes> mSpecial{};
 };
 
 std::size_t BranchReduction::Run()
 {
     std::size_t count = 0;
     for (std::uint32_t node = 0; node < mNetwork.GetNodeLimit(); ++node) {
-        const std::uint32_t degree = mNetwork.GetDegree(node);
-        if (mNetwork.IsTerminal(node) || degree < 3 || degree > MostEdges)
+        if (mNetwork.IsTerminal(node) || mNetwork.GetDegree(node) != Spokes)
             continue;
         Measure(node);
-        if (!IsBranchless() || CountPassed() > degree)
+        if (!IsBranchless())
             continue;
         Bypass(node);
         ++count;
@@ -90,48 +86,11 @@ void BranchReduction::Measure(std::uint32_t node)
 
 bool BranchReduction::IsBranchless() const
 {
-    for (std::uint32_t spokes = 0; spokes < 1U << mSpokes.size(); ++spokes) {
-        std::uint64_t weight = 0;
-        for (std::uint32_t spoke = 0; spoke < mSpokes.size(); ++spoke)
-            weight += (spokes >> spoke & 1U) != 0 ? mSpokes[spoke].weight : 0;
-        if (std::popcount(spokes) >= 3 && Span(spokes) >= weight)
-            return false;
-    }
-    return true;
-}
-
-/// Answers the weight of a lightest tree that spans the other ends by special distances (Prim).
-std::uint64_t BranchReduction::Span(std::uint32_t spokes) const
-{
-    std::uint64_t weight = 0;
-    std::uint32_t joined = spokes & (~spokes + 1);
-    while (joined != spokes) {
-        std::uint64_t least = Saturated;
-        std::uint32_t next = 0;
-        for (std::uint32_t left = 0; left < mSpokes.size(); ++left) {
-            for (std::uint32_t right = 0; right < mSpokes.size(); ++right) {
-                const bool isLeaving =
-                    (joined >> left & 1U) != 0 && ((spokes & ~joined) >> right & 1U) != 0;
-                if (isLeaving && mSpecial[left][right] < least) {
-                    least = mSpecial[left][right];
-                    next = right;
-                }
-            }
-        }
-        weight += least;
-        joined |= 1U << next;
-    }
-    return weight;
-}
-
-std::uint32_t BranchReduction::CountPassed() const
-{
-    std::uint32_t count = 0;
-    for (std::uint32_t left = 0; left < mSpokes.size(); ++left) {
-        for (std::uint32_t right = left + 1; right < mSpokes.size(); ++right)
-            count += IsPassed(left, right) ? 1U : 0U;
-    }
-    return count;
+    const std::uint64_t a = mSpecial[0][1];
+    const std::uint64_t b = mSpecial[0][2];
+    const std::uint64_t c = mSpecial[1][2];
+    const std::uint64_t span = a + b + c - std::max({a, b, c});
+    return span < mSpokes[0].weight + mSpokes[1].weight + mSpokes[2].weight;
 }
 
 void BranchReduction::Bypass(std::uint32_t node)
