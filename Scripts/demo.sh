@@ -41,3 +41,8 @@ report=build/demo/report.sql
 } >"$report"
 printf '\n$ sqlite3 -box %s < %s\n' "$database" "$report"
 sqlite3 -box "$database" <"$report"
+
+picture=build/demo/report.svg
+qerefine path "${question[@]}" --format svg >"$picture"
+qerefine path "${question[@]}" --format html >build/demo/report.html
+printf '\nThe paths as a picture: %s\nTo choose among them: build/demo/report.html\n' "$picture"

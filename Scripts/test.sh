@@ -14,7 +14,7 @@ while [ $# -gt 0 ]; do
   case $1 in
     --preset) preset=${2:?--preset needs a name}; shift ;;
     --no-setup) setup=no ;;
-    --browser) extraPackages=(chromium) ;;
+    --browser) extraPackages=(chromium chromium-driver) ;;
     -h | --help) sed -n '2,/^set/{/^#/s/^# \?//p}' "$0"; exit 0 ;;
     *) break ;;
   esac
