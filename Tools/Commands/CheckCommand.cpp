@@ -75,7 +75,7 @@ void AddCheckCommand(CLI::App& app, CommandContext& context)
 {
     const auto arguments = std::make_shared<CheckArguments>();
     CLI::App* const command =
-        app.add_subcommand("check", "Tell what a modeller should know about a model first");
+        app.add_subcommand("check", "Tells what a modeller should know about a model first.");
     command->add_option("MODEL", arguments->model, "Model file, SQLite database or SQL file")
         ->required();
     command->add_option("--format", arguments->format, "text or json")
