@@ -11,7 +11,7 @@ AQE_LogFile::AQE_LogFile(const I18NString& name, int /*level*/, std::uint32_t co
                          std::uint32_t message, const I18NString& title)
     : mComponent(component), mMessage(message)
 {
-    qe::LogDestination::Route route = qe::LogDestination::Get().Open();
+    qe::LogRoute route = qe::LogDestination::Get().Open();
     mLevel = route.level;
     mTarget = std::move(route.target);
     if (mLevel == 0)

@@ -10,10 +10,10 @@ namespace qe {
 LogCapture::LogCapture(int level) : LogCapture(level, Sink())
 {}
 
-LogCapture::LogCapture(int level, Sink sink)
+LogCapture::LogCapture(int level, Sink sink, EOthers others)
     : mTarget(std::make_shared<CaptureLogTarget>(std::move(sink)))
 {
-    LogDestination::Get().AddCapture(level, mTarget);
+    LogDestination::Get().AddCapture(level, mTarget, others);
 }
 
 LogCapture::~LogCapture()

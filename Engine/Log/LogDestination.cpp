@@ -2,11 +2,13 @@
 
 #include "Engine/Settings/SettingsFile.h"
 #include "Engine/Settings/SettingsReader.h"
+#include "ForkLogTarget.h"
 #include "StreamLogTarget.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 namespace qe {
 namespace {
@@ -32,17 +34,30 @@ LogDestination& LogDestination::Get()
     return instance;
 }
 
-LogDestination::Route LogDestination::Open()
+LogRoute LogDestination::Open()
 {
-    {
-        const std::lock_guard lock(mMutex);
-        if (!mCaptures.empty())
-            return mCaptures.back();
+    std::vector<LogRoute> routes;
+    if (CollectCaptures(routes)) {
+        if (const int level = ReadLevel(); level > 0)
+            routes.push_back({level, OpenStream()});
     }
-    const int level = ReadLevel();
-    if (level == 0)
+    if (routes.empty())
         return {};
-    return {level, OpenStream()};
+    if (routes.size() == 1)
+        return routes.front();
+    std::reverse(routes.begin(), routes.end());
+    return ForkLogTarget::MakeRoute(std::move(routes));
+}
+
+bool LogDestination::CollectCaptures(std::vector<LogRoute>& routes)
+{
+    const std::lock_guard lock(mMutex);
+    for (auto capture = mCaptures.rbegin(); capture != mCaptures.rend(); ++capture) {
+        routes.push_back(capture->route);
+        if (capture->others == LogCapture::EOthers::Nothing)
+            return false;
+    }
+    return true;
 }
 
 std::shared_ptr<LogTarget> LogDestination::OpenStream()
@@ -55,16 +70,18 @@ std::shared_ptr<LogTarget> LogDestination::OpenStream()
     return mStream;
 }
 
-void LogDestination::AddCapture(int level, const std::shared_ptr<LogTarget>& target)
+void LogDestination::AddCapture(int level, const std::shared_ptr<LogTarget>& target,
+                                LogCapture::EOthers others)
 {
     const std::lock_guard lock(mMutex);
-    mCaptures.push_back({std::max(0, level), target});
+    mCaptures.push_back({{std::max(0, level), target}, others});
 }
 
 void LogDestination::RemoveCapture(const std::shared_ptr<LogTarget>& target)
 {
     const std::lock_guard lock(mMutex);
-    std::erase_if(mCaptures, [&target](const Route& route) { return route.target == target; });
+    std::erase_if(mCaptures,
+                  [&target](const Capture& capture) { return capture.route.target == target; });
 }
 
 } // namespace qe

@@ -1,7 +1,8 @@
 #ifndef ENGINE_LOG_LOGDESTINATION_H
 #define ENGINE_LOG_LOGDESTINATION_H
 
-#include "LogTarget.h"
+#include "LogCapture.h"
+#include "LogRoute.h"
 
 #include <memory>
 #include <mutex>
@@ -16,32 +17,35 @@ class StreamLogTarget;
 class LogDestination
 {
 public:
-    /// What a writer needs to know: the highest level that is wanted, 0 for none, and the target,
-    /// which is null when none is.
-    struct Route
-    {
-        int level = 0;
-        std::shared_ptr<LogTarget> target;
-    };
-
     [[nodiscard]] static LogDestination& Get();
 
-    /// Gives the route of the innermost capture, else that of the settings: section "Log", key
-    /// "Level" (default 0, off), to the file that the environment variable QEREFINER_LOG names,
-    /// or to standard error. Logs are opened often, so the level follows the settings file only
-    /// when somebody opens the user configuration.
-    [[nodiscard]] Route Open();
+    /// Gives the route of the innermost capture, together with those around it as far as captures
+    /// let others be told; else that of the settings: section "Log", key "Level" (default 0, off),
+    /// to the file that the environment variable QEREFINER_LOG names, or to standard error. Logs
+    /// are opened often, so the level follows the settings file only when somebody opens the user
+    /// configuration.
+    [[nodiscard]] LogRoute Open();
 
-    /// Puts a capture in the place of what is there, until it is removed.
-    void AddCapture(int level, const std::shared_ptr<LogTarget>& target);
+    /// Adds a capture inside those that are there, until it is removed.
+    void AddCapture(int level, const std::shared_ptr<LogTarget>& target,
+                    LogCapture::EOthers others);
     void RemoveCapture(const std::shared_ptr<LogTarget>& target);
 
 private:
+    struct Capture
+    {
+        LogRoute route;
+        LogCapture::EOthers others;
+    };
+
     LogDestination() = default;
+    /// Adds the routes of the captures that count, innermost first; tells whether the configured
+    /// destination counts too.
+    bool CollectCaptures(std::vector<LogRoute>& routes);
     std::shared_ptr<LogTarget> OpenStream();
 
     std::mutex mMutex;
-    std::vector<Route> mCaptures;
+    std::vector<Capture> mCaptures;
     std::shared_ptr<StreamLogTarget> mStream;
 };
 

@@ -1,3 +1,4 @@
+#include "Engine/Log/LogCapture.h"
 #include "Engine/Model/ModelBuilder.h"
 #include "Engine/Settings/SettingsOverride.h"
 #include "Tests/Support/ModelText.h"
@@ -217,6 +218,10 @@ TEST(AskTest, NoticesReachTheThreadThatAsked)
     EXPECT_EQ(notices[2], notices[0]);
     EXPECT_THAT(notices[1], IsEmpty());
     EXPECT_THAT(notices[3], IsEmpty());
+
+    const qe::LogCapture log(1);
+    EXPECT_EQ(Ask(model, Connect({"Orders", "Region"})).notices, notices[0]);
+    EXPECT_EQ(log.GetEntries().size(), 1U) << "notices do not keep the log from others";
 }
 
 } // namespace

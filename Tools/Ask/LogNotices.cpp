@@ -29,7 +29,8 @@ public:
         const std::lock_guard lock(mMutex);
         if (mListeners.empty())
             mCapture = std::make_unique<LogCapture>(
-                kNoticeLevel, [this](const LogEntry& entry) { Route(entry); });
+                kNoticeLevel, [this](const LogEntry& entry) { Route(entry); },
+                LogCapture::EOthers::Told);
         mListeners.emplace(std::this_thread::get_id(), &texts);
     }
 

@@ -9,7 +9,8 @@ namespace qe::tool {
 /// Gathers what the library logs for its users on this thread, such as that a list was cut, from
 /// its making to its end. Failures, which reach the caller anyway, are left out.
 ///
-/// The log belongs to the process: objects on several threads share one capture of it.
+/// The log belongs to the process: objects on several threads share one capture of it. It is
+/// written where the user wants it all the same.
 class LogNotices
 {
 public:

@@ -119,6 +119,30 @@ TEST_F(LogTest, InnermostCaptureCountsAndLateEntriesAreDropped)
     EXPECT_THAT(GetTexts(outer), testing::ElementsAre("outer", "outer again"));
 }
 
+TEST_F(LogTest, CapturesMayLetOthersBeToldEachUpToItsOwnLevel)
+{
+    const SettingsOverride level("Log", "Level", 2);
+    std::vector<std::string> seen;
+    const auto note = [&seen](const LogEntry& entry) { seen.push_back(entry.text.ToStdString()); };
+    const auto write = [] {
+        AQE_LogFile log("Q");
+        for (int wanted = 1; wanted <= log.GetLogLevel(); ++wanted)
+            log.Log(wanted, std::to_string(wanted));
+    };
+    const LogCapture beside(1, note, LogCapture::EOthers::Told);
+    write();
+    EXPECT_THAT(seen, testing::ElementsAre("1"));
+    EXPECT_EQ(mFile.Read(), "--- Q, level 1\n1\n--- Q, level 2\n2\n");
+    const LogCapture alone(3);
+    {
+        const LogCapture inner(4, note, LogCapture::EOthers::Told);
+        write();
+    }
+    EXPECT_THAT(GetTexts(alone), testing::ElementsAre("1", "2", "3"));
+    EXPECT_THAT(seen, testing::ElementsAre("1", "1", "2", "3", "4"));
+    EXPECT_EQ(mFile.Read(), "--- Q, level 1\n1\n--- Q, level 2\n2\n");
+}
+
 TEST_F(LogTest, SinkMayWriteToTheLogAndItsFailureReachesTheWriter)
 {
     std::vector<std::string> texts;
