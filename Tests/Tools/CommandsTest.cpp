@@ -35,7 +35,9 @@ protected:
             CREATE TABLE orders(id INTEGER PRIMARY KEY,
                                 bill_to INTEGER NOT NULL REFERENCES customer(id),
                                 ship_to INTEGER NOT NULL REFERENCES customer(id));
-            CREATE TABLE budget(id INTEGER PRIMARY KEY);)";
+            CREATE TABLE budget(id INTEGER PRIMARY KEY);
+            CREATE TABLE shop(id INTEGER PRIMARY KEY);
+            CREATE TABLE visit(shop_id INTEGER REFERENCES shop(id));)";
     }
     ~CommandsTest() override { std::filesystem::remove(mSchema); }
 
@@ -127,6 +129,14 @@ TEST_F(CommandsTest, EveryCommandShowsAnExample)
         EXPECT_THAT(RunWith({command, "--help"}).output,
                     HasSubstr(std::string("Example:\n  qerefine ") + command));
     }
+}
+
+TEST_F(CommandsTest, FactsSayWhenTheyShareNoDimension)
+{
+    EXPECT_THAT(RunWith({"facts", "@"}).output, HasSubstr("2 facts\n"));
+    EXPECT_THAT(RunWith({"facts", "@"}).output, HasSubstr("\nShared dimensions: none\n"));
+    EXPECT_THAT(RunWith({"facts", "@", "--format", "json"}).output,
+                HasSubstr("\"sharedDimensions\": []"));
 }
 
 TEST_F(CommandsTest, OptionsReachTheQuestion)

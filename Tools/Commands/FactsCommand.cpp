@@ -97,7 +97,9 @@ private:
             out << '\n';
         }
         if (report.facts.size() > 1)
-            out << "Shared dimensions: " << Join(model, report.sharedDimensions) << '\n';
+            out << "Shared dimensions: "
+                << (report.sharedDimensions.empty() ? "none" : Join(model, report.sharedDimensions))
+                << '\n';
         for (const FactReport::Problem& problem : report.problems)
             out << "Join " << ToDisplayText(model.Find(problem.join)->name) << ": "
                 << ToDisplayText(problem.text) << '\n';
