@@ -1,5 +1,6 @@
 #include "Tools/RunTool.h"
 
+#include "Tools/Commands/Commands.h"
 #include "Tools/Commands/Diagnostics.h"
 #include "Tools/InputError.h"
 

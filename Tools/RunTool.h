@@ -1,7 +1,7 @@
 #ifndef TOOLS_RUNTOOL_H
 #define TOOLS_RUNTOOL_H
 
-#include "Tools/Commands/Command.h"
+#include "Tools/Commands/CommandContext.h"
 
 #include <string>
 #include <vector>

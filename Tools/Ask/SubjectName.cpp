@@ -14,4 +14,14 @@ std::string SubjectName(const model::Model& model, const amd_id& subject)
     return isUnique ? record->name : model::ToText(model.GetQualifiedName(subject));
 }
 
+std::vector<std::string> SubjectNames(const model::Model& model,
+                                      const std::vector<amd_id>& subjects)
+{
+    std::vector<std::string> names;
+    names.reserve(subjects.size());
+    for (const amd_id& subject : subjects)
+        names.push_back(SubjectName(model, subject));
+    return names;
+}
+
 } // namespace qe::tool

@@ -1,7 +1,7 @@
 #include "Tools/Commands/AnswerOptions.h"
 
 #include "Tools/Ask/NameResolver.h"
-#include "Tools/Commands/Command.h"
+#include "Tools/Commands/CommandContext.h"
 #include "Tools/Model/ToolModel.h"
 #include "Tools/Output/DisplayText.h"
 

@@ -1,9 +1,9 @@
-#include "Tools/Commands/BatchCommand.h"
+#include "Tools/Commands/Commands.h"
 
 #include "Tools/Batch/Batch.h"
 #include "Tools/Batch/Interrupt.h"
 #include "Tools/Batch/ProgressBar.h"
-#include "Tools/Commands/Command.h"
+#include "Tools/Commands/CommandContext.h"
 #include "Tools/Commands/RequestFile.h"
 #include "Tools/Output/DisplayText.h"
 

@@ -1,8 +1,8 @@
-#include "Tools/Commands/CheckCommand.h"
+#include "Tools/Commands/Commands.h"
 
 #include "Tools/Check/CheckOutput.h"
 #include "Tools/Check/CheckReport.h"
-#include "Tools/Commands/Command.h"
+#include "Tools/Commands/CommandContext.h"
 #include "Tools/Model/OpenModel.h"
 
 #include <CLI/CLI.hpp>

@@ -1,11 +1,4 @@
-#include "Tools/Commands/AskCommands.h"
-#include "Tools/Commands/BatchCommand.h"
-#include "Tools/Commands/CheckCommand.h"
-#include "Tools/Commands/Command.h"
-#include "Tools/Commands/EvaluateCommand.h"
-#include "Tools/Commands/ImportCommand.h"
-#include "Tools/Commands/ReportCommands.h"
-#include "Tools/Commands/ShowCommand.h"
+#include "Tools/Commands/Commands.h"
 
 namespace qe::tool {
 

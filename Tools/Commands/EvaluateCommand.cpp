@@ -1,6 +1,6 @@
-#include "Tools/Commands/EvaluateCommand.h"
+#include "Tools/Commands/Commands.h"
 
-#include "Tools/Commands/Command.h"
+#include "Tools/Commands/CommandContext.h"
 #include "Tools/Commands/RequestFile.h"
 #include "Tools/Evaluate/EvaluationOutput.h"
 #include "Tools/Evaluate/Evaluator.h"

@@ -1,5 +1,6 @@
-#include "Tools/Commands/ImportCommand.h"
+#include "Tools/Commands/Commands.h"
 
+#include "Tools/Commands/CommandContext.h"
 #include "Tools/Import/SqlImport.h"
 #include "Tools/Import/SqliteImport.h"
 #include "Tools/InputError.h"

@@ -1,6 +1,6 @@
 #include "Tools/Commands/PathPrompt.h"
 
-#include "Tools/Commands/Command.h"
+#include "Tools/Commands/CommandContext.h"
 #include "Tools/Output/TextAnswer.h"
 
 #include <charconv>

@@ -1,6 +1,6 @@
 #include "Tools/Commands/QuestionOptions.h"
 
-#include "Tools/Commands/Command.h"
+#include "Tools/Commands/CommandContext.h"
 #include "Tools/Commands/PathPrompt.h"
 #include "Tools/InputError.h"
 #include "Tools/Model/OpenModel.h"
@@ -45,49 +45,49 @@ std::string DescribeWrongSetting(const std::string& text)
 
 } // namespace
 
-void QuestionOptions::AddModel(CLI::App& command)
+void QuestionOptions::AddModel()
 {
-    command
+    mCommand
         .add_option("MODEL", mModelPath,
                     "Model file (JSON), SQLite database or file of DDL statements")
         ->type_name("")
         ->required();
-    command
+    mCommand
         .add_option("--roles", mRoles,
                     "For databases and DDL: make shortcuts for tables that "
                     "another one refers to several times")
         ->type_name("plain|shortcuts")
         ->check(OneOf({"plain", "shortcuts"}))
         ->group("Model");
-    AddNames(command, "--set", mSettings, "SECTION/KEY=NUMBER",
+    AddNames(mCommand, "--set", mSettings, "SECTION/KEY=NUMBER",
              "User setting, such as \"General Options/NewAlgo=0\"")
         ->check(CLI::Validator(DescribeWrongSetting, ""))
         ->group("Model");
 }
 
-void QuestionOptions::AddSubjects(CLI::App& command, int minimum)
+void QuestionOptions::AddSubjects(int minimum)
 {
     CLI::Option* const subjects =
-        command.add_option("SUBJECT", mQuestion.subjects, "Query subjects and shortcuts");
+        mCommand.add_option("SUBJECT", mQuestion.subjects, "Query subjects and shortcuts");
     subjects->type_name("")->expected(minimum == 0 ? 0 : minimum, -1);
     if (minimum > 0)
         subjects->required();
 }
 
-void QuestionOptions::AddTwoSets(CLI::App& command)
+void QuestionOptions::AddTwoSets()
 {
-    AddNames(command, "--from", mQuestion.subjects, "SUBJECT", "Subject of the first set")
+    AddNames(mCommand, "--from", mQuestion.subjects, "SUBJECT", "Subject of the first set")
         ->required();
-    AddNames(command, "--to", mQuestion.secondSet, "SUBJECT", "Subject of the second set")
+    AddNames(mCommand, "--to", mQuestion.secondSet, "SUBJECT", "Subject of the second set")
         ->required();
 }
 
-void QuestionOptions::AddLists(CLI::App& command, ELists lists)
+void QuestionOptions::AddLists(ELists lists)
 {
     Restriction& restriction = mQuestion.restriction;
-    const auto add = [&command](const char* option, std::vector<std::string>& names,
-                                const char* kind, const char* description) {
-        AddNames(command, option, names, kind, description)->group("Joins and graph");
+    const auto add = [this](const char* option, std::vector<std::string>& names, const char* kind,
+                            const char* description) {
+        AddNames(mCommand, option, names, kind, description)->group("Joins and graph");
     };
     if (lists != ELists::Graph) {
         add("--favour", mQuestion.favouredJoins, "JOIN", "Make a join cheap");
@@ -101,28 +101,28 @@ void QuestionOptions::AddLists(CLI::App& command, ELists lists)
     add("--without-join", restriction.withoutJoins, "JOIN", "Never use a join");
 }
 
-void QuestionOptions::AddFavouredSubjects(CLI::App& command)
+void QuestionOptions::AddFavouredSubjects()
 {
-    AddNames(command, "--favour-subject", mQuestion.favouredSubjects, "SUBJECT",
+    AddNames(mCommand, "--favour-subject", mQuestion.favouredSubjects, "SUBJECT",
              "Make the joins of a subject cheaper")
         ->group("Joins and graph");
 }
 
-void QuestionOptions::AddRanking(CLI::App& command)
+void QuestionOptions::AddRanking()
 {
-    command
+    mCommand
         .add_flag("--no-fact-tables", mIgnoresFactTables,
                   "Do not rank equally cheap paths by their number of fact tables")
         ->group("Choice");
-    command
+    mCommand
         .add_flag("--straightest", mQuestion.ranking.useStraightestPath,
                   "Rank paths that branch less before others that are as good")
         ->group("Choice");
 }
 
-void QuestionOptions::AddSelector(CLI::App& command)
+void QuestionOptions::AddSelector()
 {
-    command
+    mCommand
         .add_option("--selector", mSelector,
                     "Who chooses: of the cheapest paths the one that keys speak for, the "
                     "best-ranked one, the "
@@ -130,17 +130,17 @@ void QuestionOptions::AddSelector(CLI::App& command)
         ->type_name("keys|first|main-object|ask")
         ->check(OneOf({"keys", "first", "main-object", "ask"}))
         ->group("Choice");
-    command
+    mCommand
         .add_flag("--check-optional", mQuestion.selector.checkOptional,
                   "A main object has no optional ends, and none is passed")
         ->group("Choice");
-    command
+    mCommand
         .add_flag("--any-main-object", mAnySubject,
                   "The main object may be any query subject of the path")
         ->group("Choice");
 }
 
-void QuestionOptions::AddGovernors(CLI::App& command)
+void QuestionOptions::AddGovernors()
 {
     static const std::map<std::string, std::int32_t> crossProducts{
         {"allow", 0}, {"warn", 1}, {"deny", 2}};
@@ -150,24 +150,32 @@ void QuestionOptions::AddGovernors(CLI::App& command)
         {"query", AQE_RequestContext::CommandTypeQuery},
         {"validate", AQE_RequestContext::CommandTypeValidate},
         {"describe", AQE_RequestContext::CommandTypeDescribe}};
-    command
+    mCommand
         .add_option("--cross-product", mQuestion.governors.crossProduct,
                     "What happens when subjects cannot be connected")
         ->transform(NumberOf(crossProducts))
         ->type_name("allow|warn|deny")
         ->group("Governors");
-    command
+    mCommand
         .add_option("--grouping", mQuestion.governors.grouping,
                     "Group shortcuts by what they stand for or by where they are kept")
         ->transform(NumberOf(groupings))
         ->type_name("target|container")
         ->group("Governors");
-    command
+    mCommand
         .add_option("--command-type", mQuestion.commandType,
                     "What the request is for; \"describe\" never fails for a cross product")
         ->transform(NumberOf(commandTypes))
         ->type_name("none|query|validate|describe")
         ->group("Governors");
+}
+
+void QuestionOptions::AddReportFormat()
+{
+    mCommand.add_option("--format", mReportFormat, "The form of the answer")
+        ->type_name("text|json")
+        ->check(OneOf({"text", "json"}))
+        ->group("Output");
 }
 
 ToolModel QuestionOptions::OpenModel(CommandContext& context)

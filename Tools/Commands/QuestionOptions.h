@@ -15,7 +15,7 @@ namespace qe::tool {
 
 struct CommandContext;
 
-/// The model and the question on a command line. The object outlives the parsing.
+/// The model and the question on the line of one command. The object outlives the parsing.
 class QuestionOptions
 {
 public:
@@ -30,21 +30,26 @@ public:
         Avoidance,
     };
 
-    explicit QuestionOptions(EOperation operation) { mQuestion.operation = operation; }
+    QuestionOptions(CLI::App& command, EOperation operation) : mCommand(command)
+    {
+        mQuestion.operation = operation;
+    }
     QuestionOptions(const QuestionOptions&) = delete;
     QuestionOptions& operator=(const QuestionOptions&) = delete;
 
     /// Adds MODEL and how it is read.
-    void AddModel(CLI::App& command);
+    void AddModel();
     /// Adds SUBJECT... behind it.
-    void AddSubjects(CLI::App& command, int minimum);
+    void AddSubjects(int minimum);
     /// Adds --from and --to.
-    void AddTwoSets(CLI::App& command);
-    void AddLists(CLI::App& command, ELists lists);
-    void AddFavouredSubjects(CLI::App& command);
-    void AddRanking(CLI::App& command);
-    void AddSelector(CLI::App& command);
-    void AddGovernors(CLI::App& command);
+    void AddTwoSets();
+    void AddLists(ELists lists);
+    void AddFavouredSubjects();
+    void AddRanking();
+    void AddSelector();
+    void AddGovernors();
+    /// Adds --format with the forms of a report.
+    void AddReportFormat();
 
     /// Applies the settings and opens the model. What reading it left out is told on the error
     /// stream.
@@ -53,14 +58,18 @@ public:
     /// throws CLI::ValidationError when nobody sits there.
     [[nodiscard]] Question MakeQuestion(CommandContext& context);
     void SetOperation(EOperation operation) { mQuestion.operation = operation; }
+    /// Tells whether the report is for programs.
+    [[nodiscard]] bool AsksForJson() const { return mReportFormat == "json"; }
 
 private:
+    CLI::App& mCommand;
     std::string mModelPath;
     std::string mRoles = "plain";
     std::vector<std::string> mSettings;
     bool mIgnoresFactTables = false;
     std::string mSelector = "keys";
     bool mAnySubject = false;
+    std::string mReportFormat = "text";
     Question mQuestion;
 };
 

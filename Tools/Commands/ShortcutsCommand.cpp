@@ -1,12 +1,11 @@
+#include "Tools/Commands/Commands.h"
+
 #include "AQE_I_QuerySubjectShortcutInfo.h"
 #include "Engine/Model/Model.h"
 #include "IdClass.h"
 #include "Tools/Ask/Request.h"
 #include "Tools/Ask/SubjectName.h"
-#include "Tools/Commands/Diagnostics.h"
-#include "Tools/Commands/QuestionOptions.h"
-#include "Tools/Commands/ReportCommands.h"
-#include "Tools/InputError.h"
+#include "Tools/Commands/QuestionCommand.h"
 #include "Tools/Output/DisplayText.h"
 #include "Tools/Output/JsonAnswer.h"
 
@@ -53,55 +52,42 @@ ShortcutReport MakeReport(const ToolModel& model, const Question& question)
     return report;
 }
 
-class ShortcutsCommand
+class ShortcutsCommand final : public QuestionCommand
 {
 public:
-    ShortcutsCommand(CLI::App& command, CommandContext& context)
-        : mContext(context), mOptions(EOperation::JoinedSubjects)
+    ShortcutsCommand(CLI::App& app, CommandContext& context)
+        : QuestionCommand(app, context, EOperation::JoinedSubjects,
+                          {"shortcuts",
+                           "Tells which shortcuts count as one, and the joins between them.",
+                           "qerefine shortcuts shop.json --grouping container"})
     {
-        mOptions.AddModel(command);
-        mOptions.AddLists(command, QuestionOptions::ELists::Graph);
-        mOptions.AddGovernors(command);
-        command.add_option("--format", mFormat, "The form of the answer")
-            ->type_name("text|json")
-            ->check(CLI::IsMember(std::vector<std::string>{"text", "json"}).description(""))
-            ->group("Output");
-    }
-
-    void Run()
-    {
-        const ToolModel model = mOptions.OpenModel(mContext);
-        try {
-            const ShortcutReport report = MakeReport(model, mOptions.MakeQuestion(mContext));
-            if (mFormat == "json")
-                WriteJson(*model.model, report);
-            else
-                WriteText(*model.model, report);
-        } catch (const InputError& error) {
-            WriteProblems(mContext.error, error);
-            mContext.exitCode = EExitCode::WrongUsage;
-        }
+        GetOptions().AddLists(QuestionOptions::ELists::Graph);
+        GetOptions().AddGovernors();
+        GetOptions().AddReportFormat();
     }
 
 private:
+    void Respond(const ToolModel& model) override
+    {
+        const ShortcutReport report = MakeReport(model, GetOptions().MakeQuestion(GetContext()));
+        if (GetOptions().AsksForJson())
+            GetContext().output << ToText(ToJson(*model.model, report), 2) << '\n';
+        else
+            WriteText(GetContext().output, *model.model, report);
+    }
+
     static std::string Show(const model::Model& model, const amd_id& subject)
     {
         return ToDisplayText(SubjectName(model, subject));
     }
 
-    void WriteText(const model::Model& model, const ShortcutReport& report)
+    static void WriteText(std::ostream& out, const model::Model& model,
+                          const ShortcutReport& report)
     {
-        std::ostream& out = mContext.output;
         out << report.groups.size() << (report.groups.size() == 1 ? " group\n" : " groups\n");
-        for (const auto& group : report.groups) {
-            out << "  " << Show(model, group.first) << ':';
-            const char* separator = " ";
-            for (const amd_id& member : group.second) {
-                out << separator << Show(model, member);
-                separator = ", ";
-            }
-            out << '\n';
-        }
+        for (const auto& [key, members] : report.groups)
+            out << "  " << Show(model, key) << ": " << ToDisplayList(SubjectNames(model, members))
+                << '\n';
         for (const amd_id& shortcut : report.ungrouped)
             out << "In no group: " << Show(model, shortcut) << " (stands for "
                 << Show(model, model.GetTarget(shortcut)) << ")\n";
@@ -112,44 +98,29 @@ private:
                 << " 1..1 -- 1..1 " << Show(model, join.rightQuerySubject) << '\n';
     }
 
-    void WriteJson(const model::Model& model, const ShortcutReport& report)
+    static Json ToJson(const model::Model& model, const ShortcutReport& report)
     {
-        const auto names = [&model](const std::vector<amd_id>& subjects) {
-            Json list = Json::array();
-            for (const amd_id& subject : subjects)
-                list.push_back(SubjectName(model, subject));
-            return list;
-        };
         Json groups = Json::array();
-        for (const auto& group : report.groups)
+        for (const auto& [key, members] : report.groups)
             groups.push_back(
-                {{"key", SubjectName(model, group.first)}, {"members", names(group.second)}});
+                {{"key", SubjectName(model, key)}, {"members", SubjectNames(model, members)}});
         Json joins = Json::array();
         for (const AQE_I_Refiner::QEjoinInfo& join : report.joins)
             joins.push_back({{"id", ToText(join.joinId)},
                              {"left", SubjectName(model, join.leftQuerySubject)},
                              {"right", SubjectName(model, join.rightQuerySubject)}});
-        const Json value{{"version", JsonAnswerVersion},
-                         {"groups", groups},
-                         {"ungrouped", names(report.ungrouped)},
-                         {"joins", joins}};
-        mContext.output << ToText(value, 2) << '\n';
+        return {{"version", JsonAnswerVersion},
+                {"groups", groups},
+                {"ungrouped", SubjectNames(model, report.ungrouped)},
+                {"joins", joins}};
     }
-
-    CommandContext& mContext;
-    QuestionOptions mOptions;
-    std::string mFormat = "text";
 };
 
 } // namespace
 
 void AddShortcutsCommand(CLI::App& app, CommandContext& context)
 {
-    CLI::App* const command = app.add_subcommand(
-        "shortcuts", "Tells which shortcuts count as one, and the joins between them.");
-    command->footer("Example:\n  qerefine shortcuts shop.json --grouping container");
-    const auto shortcuts = std::make_shared<ShortcutsCommand>(*command, context);
-    command->callback([shortcuts] { shortcuts->Run(); });
+    QuestionCommand::Attach(std::make_shared<ShortcutsCommand>(app, context));
 }
 
 } // namespace qe::tool

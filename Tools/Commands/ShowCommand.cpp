@@ -1,7 +1,7 @@
-#include "Tools/Commands/ShowCommand.h"
+#include "Tools/Commands/Commands.h"
 
 #include "Tools/Ask/NameResolver.h"
-#include "Tools/Commands/Command.h"
+#include "Tools/Commands/CommandContext.h"
 #include "Tools/Draw/DotWriter.h"
 #include "Tools/Draw/Graphviz.h"
 #include "Tools/Draw/ModelPicture.h"

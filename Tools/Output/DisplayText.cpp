@@ -116,6 +116,14 @@ std::string ToDisplayText(std::string_view text)
     return shown;
 }
 
+std::string ToDisplayList(const std::vector<std::string>& texts)
+{
+    std::string shown;
+    for (const std::string& text : texts)
+        shown += (shown.empty() ? "" : ", ") + ToDisplayText(text);
+    return texts.empty() ? "none" : shown;
+}
+
 std::size_t DisplayWidth(std::string_view text)
 {
     constexpr std::array<CodeRange, 2> kCombining{{{0x300, 0x36F}, {0xFE00, 0xFE0F}}};

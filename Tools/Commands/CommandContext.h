@@ -1,12 +1,8 @@
-#ifndef TOOLS_COMMANDS_COMMAND_H
-#define TOOLS_COMMANDS_COMMAND_H
+#ifndef TOOLS_COMMANDS_COMMANDCONTEXT_H
+#define TOOLS_COMMANDS_COMMANDCONTEXT_H
 
 #include <cstdint>
 #include <iosfwd>
-
-namespace CLI {
-class App;
-}
 
 namespace qe::tool {
 
@@ -51,16 +47,6 @@ struct CommandContext
     /// How the command ended; a command that only answered leaves it alone.
     EExitCode exitCode = EExitCode::Answered;
 };
-
-/// Adds one command to the tool: a subcommand with its options and a callback that runs it. The
-/// callback writes to the streams of the context and sets its exit code, and may throw InputError,
-/// CLI::ValidationError or anything else: RunTool turns it into a diagnostic and an exit code.
-///
-/// Both arguments outlive the parsing. Commands.cpp calls each once.
-using AddCommand = void (*)(CLI::App& app, CommandContext& context);
-
-/// Adds all commands.
-void AddCommands(CLI::App& app, CommandContext& context);
 
 } // namespace qe::tool
 
