@@ -37,7 +37,7 @@ protected:
                                 ship_to INTEGER NOT NULL REFERENCES customer(id));
             CREATE TABLE budget(id INTEGER PRIMARY KEY);
             CREATE TABLE shop(id INTEGER PRIMARY KEY);
-            CREATE TABLE visit(shop_id INTEGER REFERENCES shop(id));)";
+            CREATE TABLE "shop.visit"(shop_id INTEGER REFERENCES shop(id));)";
     }
     ~CommandsTest() override { std::filesystem::remove(mSchema); }
 
@@ -113,7 +113,10 @@ TEST_F(CommandsTest, ImportWritesTheModelThatAnswersLikeItsSource)
         std::filesystem::temp_directory_path() / ("model-" + std::to_string(getpid()) + ".json");
     std::ofstream(file) << imported.output;
     const ToolRun asked = RunWith({"path", file.string(), "customer (ship_to)", "region"});
+    const ToolRun dotted =
+        RunWith({"path", file.string(), "[shop.visit]", "shop", "--format", "sql"});
     std::filesystem::remove(file);
+    EXPECT_THAT(dotted.output, HasSubstr("FROM \"shop.visit\"\n"));
     EXPECT_THAT(asked.output, HasSubstr("orders-customer (ship_to)"));
     EXPECT_EQ(
         asked.output,

@@ -5,6 +5,7 @@
 #include "Tools/Import/SqliteImport.h"
 #include "Tools/InputError.h"
 #include "Tools/Model/ModelFile.h"
+#include "Tools/Output/DisplayText.h"
 
 #include <CLI/CLI.hpp>
 
@@ -41,7 +42,7 @@ void Run(const ImportArguments& arguments, const Import& import, CommandContext&
     const ERoles roles = arguments.roles ? ERoles::Shortcuts : ERoles::Plain;
     const ToolModel imported = import(arguments, ImportOptions{roles});
     for (const std::string& note : imported.notes)
-        context.error << "note: " << note << '\n';
+        context.error << "note: " << ToDisplayText(note) << '\n';
     const std::string text = WriteModelText(imported);
     if (arguments.output.empty())
         context.output << text;

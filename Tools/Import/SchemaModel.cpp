@@ -2,6 +2,7 @@
 
 #include "Engine/Model/Model.h"
 #include "Engine/Model/ModelBuilder.h"
+#include "Engine/Model/QualifiedName.h"
 
 #include <algorithm>
 #include <map>
@@ -70,7 +71,8 @@ private:
     void AddSubject(const SchemaTable& table)
     {
         model::ObjectOptions options;
-        options.source = table.name;
+        // One name, whatever dots are in it.
+        options.source = model::ToText({table.name});
         const amd_id subject = mBuilder.AddQuerySubject(mSpace, table.name, options);
         mSubjects[table.name] = subject;
         mSubjectNames.insert(table.name);
