@@ -45,11 +45,11 @@ std::string DescribePlace(const std::filesystem::path& path, std::string_view te
     return path.string() + ":" + std::to_string(line) + ":" + std::to_string(column);
 }
 
-/// Skips what may stand before a statement, so that its place is that of its first word.
-std::string_view SkipBlanks(std::string_view text)
+/// Skips what may stand before a statement, so that its place is that of its first word. Gives
+/// npos where none follows.
+std::size_t SkipBlanks(std::string_view text, std::size_t offset)
 {
-    const std::size_t first = text.find_first_not_of(" \t\r\n;");
-    return first == std::string_view::npos ? std::string_view() : text.substr(first);
+    return text.find_first_not_of(" \t\r\n;", offset);
 }
 
 void Execute(SqliteDatabase& database, const std::filesystem::path& path)
@@ -58,14 +58,13 @@ void Execute(SqliteDatabase& database, const std::filesystem::path& path)
     if (text.find('\0') != std::string::npos)
         throw InputError({{DescribePlace(path, text, text.find('\0')),
                            "a zero byte stands here; this is no file of SQL"}});
-    std::string_view rest = SkipBlanks(text);
-    while (!rest.empty()) {
+    std::size_t offset = SkipBlanks(text, 0);
+    while (offset != std::string::npos) {
         try {
-            rest = SkipBlanks(database.ExecuteFirst(rest));
+            offset = SkipBlanks(text, database.ExecuteFirst(text, offset));
         } catch (const SqliteError& error) {
             const auto inner = static_cast<std::size_t>(std::max(0, error.GetOffset()));
-            throw InputError(
-                {{DescribePlace(path, text, text.size() - rest.size() + inner), error.what()}});
+            throw InputError({{DescribePlace(path, text, offset + inner), error.what()}});
         }
     }
 }

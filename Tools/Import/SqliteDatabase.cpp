@@ -59,12 +59,13 @@ SqliteDatabase SqliteDatabase::OpenMemory()
     return SqliteDatabase(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
 }
 
-std::string_view SqliteDatabase::ExecuteFirst(std::string_view script)
+std::size_t SqliteDatabase::ExecuteFirst(const std::string& script, std::size_t offset)
 {
     sqlite3_stmt* prepared = nullptr;
     const char* rest = nullptr;
-    if (sqlite3_prepare_v2(mHandle.get(), script.data(), static_cast<int>(script.size()), &prepared,
-                           &rest) != SQLITE_OK)
+    // Of a text with a given length SQLite would copy all that follows the statement.
+    if (sqlite3_prepare_v2(mHandle.get(), script.c_str() + offset, -1, &prepared, &rest) !=
+        SQLITE_OK)
         Fail(mHandle.get());
     const Statement statement(prepared);
     int result = statement == nullptr ? SQLITE_DONE : SQLITE_ROW;
@@ -72,7 +73,7 @@ std::string_view SqliteDatabase::ExecuteFirst(std::string_view script)
         result = sqlite3_step(prepared);
     if (result != SQLITE_DONE)
         Fail(mHandle.get());
-    return script.substr(static_cast<std::size_t>(rest - script.data()));
+    return static_cast<std::size_t>(rest - script.c_str());
 }
 
 SqliteQuery::SqliteQuery(const SqliteDatabase& database, std::string_view statement)

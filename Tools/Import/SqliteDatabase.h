@@ -44,9 +44,10 @@ public:
     /// Makes an empty database in memory.
     [[nodiscard]] static SqliteDatabase OpenMemory();
 
-    /// Runs the first statement of `script` and gives what follows it; the empty text when there
-    /// was none. Raises a SqliteError when the statement is wrong.
-    std::string_view ExecuteFirst(std::string_view script);
+    /// Runs the first statement that stands in `script` from `offset` on, and gives the offset
+    /// behind it; the end of the script when there was none. Raises a SqliteError when the
+    /// statement is wrong.
+    std::size_t ExecuteFirst(const std::string& script, std::size_t offset);
 
     [[nodiscard]] sqlite3* GetHandle() const { return mHandle.get(); }
 
