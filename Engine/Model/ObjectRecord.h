@@ -30,28 +30,28 @@ inline constexpr CardinalityRange OneToMany{BMT_I_Association::CardinalityOne,
 /// their defaults.
 struct ObjectRecord
 {
-    amd_id id;
-    std::string name;
+    amd_id id{};
+    std::string name{};
     /// What users see; the builder sets it to the name where none was given.
-    std::string displayName;
+    std::string displayName{};
     /// The holder: folder, namespace or, for an item, its query subject; empty at the top.
-    amd_id parent;
+    amd_id parent{};
     /// The nearest namespace around the object; empty outside all namespaces.
-    amd_id space;
+    amd_id space{};
     /// The object's own locale; empty: the holder's locale holds.
-    std::string locale;
+    std::string locale{};
     /// Query subject: the table or view that it reads. Join, filter: the condition.
-    std::string text;
+    std::string text{};
     /// Shortcut, relationship shortcut: what it stands for.
-    amd_id referenced;
+    amd_id referenced{};
     /// Shortcut: 0 is the ordinary kind.
     std::int32_t shortcutKind = 0;
     /// Join, relationship shortcut: the ends.
-    amd_id left;
-    amd_id right;
+    amd_id left{};
+    amd_id right{};
     /// Join: the cardinalities at the ends. A relationship of class 136 keeps numbers of its own.
-    CardinalityRange leftCardinality;
-    CardinalityRange rightCardinality;
+    CardinalityRange leftCardinality{};
+    CardinalityRange rightCardinality{};
 };
 
 /// Tells what the objects of a class are called in messages, such as "query subject".

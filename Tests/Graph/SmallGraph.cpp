@@ -10,12 +10,12 @@ namespace qe::test {
 
 namespace {
 
-constexpr std::size_t MostNodes = 7;
+constexpr std::size_t MostNodes = 12;
 
 // A set of edges as bits, with what joining them makes of the nodes.
 struct Subset
 {
-    Subset(const SmallGraph& graph, std::uint32_t bits) : parts(graph.nodeCount)
+    Subset(const SmallGraph& graph, std::uint32_t bits)
     {
         std::iota(parts.begin(), parts.end(), std::size_t{0});
         for (std::size_t i = 0; i < graph.edges.size() && isForest; ++i) {
@@ -32,7 +32,7 @@ struct Subset
     }
 
     SmallGraph::EdgeSet edges;
-    std::vector<std::size_t> parts;
+    std::array<std::size_t, MostNodes> parts{};
     std::array<int, MostNodes> degrees{};
     bool isForest = true;
 };
@@ -44,7 +44,7 @@ SmallGraph SmallGraph::Draw(std::mt19937& random, std::size_t maximumEdges)
     constexpr std::array Weights{0, 1, 2, 3, 5, 7, 11, 17, 8888};
     const auto draw = [&random](std::size_t count) { return random() % count; };
     SmallGraph graph;
-    graph.nodeCount = 1 + draw(MostNodes);
+    graph.nodeCount = 1 + draw(7);
     const std::size_t edgeCount = draw(maximumEdges + 1);
     const std::size_t weightCount = 1 + draw(Weights.size());
     const std::size_t firstWeight = draw(Weights.size());

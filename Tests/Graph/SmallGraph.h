@@ -14,7 +14,8 @@
 
 namespace qe::test {
 
-/// A multigraph small enough to try every set of its edges. Index order is id order.
+/// A multigraph of up to twelve nodes, small enough to try every set of its edges. Index order is
+/// id order.
 struct SmallGraph
 {
     struct Edge

@@ -4,18 +4,17 @@
 #include "AQE_I_QuerySubjectShortcutInfo.h"
 #include "AQE_I_Refiner.h"
 #include "Engine/Settings/SettingsOverride.h"
+#include "Tests/Graph/SmallGraph.h"
 #include "Tests/Support/JoinGraphModel.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
 #include <map>
 #include <memory>
-#include <numeric>
 #include <random>
 #include <set>
 
@@ -23,6 +22,7 @@ namespace {
 
 using qe::SettingsOverride;
 using qe::test::JoinGraphModel;
+using qe::test::SmallGraph;
 using Ids = std::vector<amd_id>;
 using Paths = std::set<std::set<amd_id>>;
 
@@ -94,196 +94,125 @@ RandomCase MakeCase(CaseMaker& maker, EShortcuts shortcuts)
     RandomCase random;
     random.text = maker.MakeText(shortcuts);
     const JoinGraphModel model(random.text);
-    random.subjects = maker.Pick(model.GetNodes(), 4);
-    random.secondSet = maker.Pick(model.GetNodes(), 3);
-    random.favouredJoins = maker.Pick(model.GetJoins(), 2);
-    random.requiredJoins = maker.Pick(model.GetJoins(), maker.Below(2) * 2);
-    random.avoidedJoins = maker.Pick(model.GetJoins(), 2);
-    random.favouredSubjects = maker.Pick(model.GetNodes(), maker.Below(2) * 2);
+    random.subjects = maker.Pick(model.Subjects(), 4);
+    random.secondSet = maker.Pick(model.Subjects(), 3);
+    random.favouredJoins = maker.Pick(model.Joins(), 2);
+    random.requiredJoins = maker.Pick(model.Joins(), maker.Below(2) * 2);
+    random.avoidedJoins = maker.Pick(model.Joins(), 2);
+    random.favouredSubjects = maker.Pick(model.Subjects(), maker.Below(2) * 2);
     return random;
 }
-
-struct Edge
-{
-    amd_id id;
-    amd_id end1;
-    amd_id end2;
-    int weight;
-};
 
 bool Contains(const Ids& ids, const amd_id& id)
 {
     return std::find(ids.begin(), ids.end(), id) != ids.end();
 }
 
-/// The joins as the tree must see them, with what the request makes of their weights.
-std::vector<Edge> WeighJoins(JoinGraphModel& model, const RandomCase& random,
-                             AQE_I_QuerySubjectShortcutInfo* shortcutInfo, bool isTwoSet)
-{
-    std::vector<Edge> edges;
-    const auto isFavoured = [&](const amd_id& id) { return Contains(random.favouredSubjects, id); };
-    const auto standsForFavoured = [&](const amd_id& id) {
-        return id.classCode == 109 &&
-               isFavoured(AQE_I_Refiner::GetRefQuerySubject(&model.gateway, id, nullptr, nullptr));
-    };
-    for (const amd_id& join : model.GetJoins()) {
-        AQE_I_Refiner::QEjoinInfo info;
-        EXPECT_TRUE(AQE_I_Refiner::GetJoinInfo(&model.gateway, &model.context, join, info));
-        const amd_id& left = info.leftQuerySubject;
-        const amd_id& right = info.rightQuerySubject;
-        int favoured = isFavoured(left) + isFavoured(right);
-        if (favoured == 0)
-            favoured = standsForFavoured(left) + standsForFavoured(right);
-        int weight = info.weight;
-        if (weight > 3 && favoured > 0 && !isTwoSet)
-            weight = favoured == 2 ? 3 : 7;
-        if (Contains(random.favouredJoins, join) ||
-            (!isTwoSet && Contains(random.requiredJoins, join)))
-            weight = 2;
-        if (Contains(random.avoidedJoins, join))
-            weight = 8888;
-        edges.push_back({join, left, right, weight});
-    }
-    if (shortcutInfo != nullptr)
-        for (const auto& info : shortcutInfo->GetShortcutJoins())
-            edges.push_back({info.joinId, info.leftQuerySubject, info.rightQuerySubject, 2});
-    return edges;
-}
-
-/// Puts the nodes that the chosen edges join into one piece.
-class Pieces
+/// The joins as the tree must see them, with what the request makes of their weights, as a graph on
+/// which every set of them can be tried.
+class RequestGraph
 {
 public:
-    void Join(const amd_id& a, const amd_id& b) { mParents[Find(a)] = Find(b); }
-    bool AreOne(const Ids& nodes)
+    RequestGraph(JoinGraphModel& model, const RandomCase& random,
+                 AQE_I_QuerySubjectShortcutInfo* shortcutInfo, bool isTwoSet)
     {
-        return std::all_of(nodes.begin(), nodes.end(),
-                           [&](const amd_id& node) { return Find(node) == Find(nodes.front()); });
-    }
-
-private:
-    amd_id Find(amd_id node)
-    {
-        while (mParents.count(node) != 0 && mParents[node] != node)
-            node = mParents[node];
-        return node;
-    }
-    std::map<amd_id, amd_id> mParents;
-};
-
-struct Optimum
-{
-    int weight = std::numeric_limits<int>::max();
-    Paths trees;
-};
-
-using Subset = std::uint32_t;
-
-/// The joins with their ends as small numbers, so that every set of them can be tried.
-class Exhaustive
-{
-public:
-    Exhaustive(const std::vector<Edge>& edges, const Ids& terminals) : mEdges(edges)
-    {
-        for (const Edge& edge : edges)
-            mEnds.emplace_back(NumberOf(edge.end1), NumberOf(edge.end2));
-        for (const amd_id& terminal : terminals)
-            mTerminals.push_back(NumberOf(terminal));
-    }
-
-    /// With positive weights the lightest sets that connect are trees.
-    Optimum FindOptimum()
-    {
-        Optimum optimum;
-        std::vector<Subset> best;
-        for (Subset subset = 0; subset < Subset{1} << mEdges.size(); ++subset) {
-            const int weight = WeightOf(subset);
-            if (weight > optimum.weight || !Connects(subset))
-                continue;
-            if (weight < optimum.weight)
-                best.clear();
-            optimum.weight = weight;
-            best.push_back(subset);
+        const auto isFavoured = [&](const amd_id& id) {
+            return Contains(random.favouredSubjects, id);
+        };
+        const auto standsForFavoured = [&](const amd_id& id) {
+            return id.classCode == 109 && isFavoured(model.GetModel()->GetTarget(id));
+        };
+        for (const amd_id& join : model.Joins()) {
+            AQE_I_Refiner::QEjoinInfo info;
+            EXPECT_TRUE(
+                AQE_I_Refiner::GetJoinInfo(&model.GetGateway(), &model.context, join, info));
+            const amd_id& left = info.leftQuerySubject;
+            const amd_id& right = info.rightQuerySubject;
+            int favoured = isFavoured(left) + isFavoured(right);
+            if (favoured == 0)
+                favoured = standsForFavoured(left) + standsForFavoured(right);
+            int weight = info.weight;
+            if (weight > 3 && favoured > 0 && !isTwoSet)
+                weight = favoured == 2 ? 3 : 7;
+            if (Contains(random.favouredJoins, join) ||
+                (!isTwoSet && Contains(random.requiredJoins, join)))
+                weight = 2;
+            if (Contains(random.avoidedJoins, join))
+                weight = 8888;
+            Add(join, left, right, weight);
         }
-        for (const Subset subset : best)
-            optimum.trees.insert(JoinsOf(subset));
-        return optimum;
+        if (shortcutInfo != nullptr)
+            for (const auto& info : shortcutInfo->GetShortcutJoins())
+                Add(info.joinId, info.leftQuerySubject, info.rightQuerySubject, 2);
+        for (const amd_id& subject : model.Subjects())
+            NumberOf(subject);
+        mGraph.nodeCount = mNumbers.size();
+    }
+
+    /// Gives what is left when only some of the joins are there.
+    [[nodiscard]] SmallGraph Only(const Ids& joins) const
+    {
+        SmallGraph graph{mGraph.nodeCount, {}};
+        for (std::size_t i = 0; i < mJoins.size(); ++i)
+            if (Contains(joins, mJoins[i]))
+                graph.edges.push_back(mGraph.edges[i]);
+        return graph;
+    }
+
+    [[nodiscard]] std::vector<std::size_t> Numbers(const Ids& nodes) const
+    {
+        std::vector<std::size_t> numbers;
+        for (const amd_id& node : nodes)
+            numbers.push_back(mNumbers.at(node));
+        return numbers;
+    }
+
+    /// Gives the ends of the request and of the joins that it requires.
+    [[nodiscard]] std::vector<std::size_t> Terminals(const RandomCase& random) const
+    {
+        std::vector<std::size_t> terminals = Numbers(random.subjects);
+        for (const auto& [end1, end2, weight] : Only(random.requiredJoins).edges)
+            terminals.insert(terminals.end(), {end1, end2});
+        return terminals;
+    }
+
+    [[nodiscard]] bool DoRequiredJoinsConnect(const RandomCase& random) const
+    {
+        return Only(random.requiredJoins).FindCheapestTrees(Terminals(random)).has_value();
+    }
+
+    /// Gives the least weight that connects the nodes, and all trees of that weight.
+    [[nodiscard]] std::pair<int, Paths> FindOptimum(const std::vector<std::size_t>& nodes) const
+    {
+        const auto found = mGraph.FindCheapestTrees(nodes);
+        if (!found)
+            return {std::numeric_limits<int>::max(), {}};
+        Paths trees;
+        for (const SmallGraph::EdgeSet& tree : found->trees) {
+            std::set<amd_id> joins;
+            for (const std::size_t edge : tree)
+                joins.insert(mJoins[edge]);
+            trees.insert(joins);
+        }
+        return {static_cast<int>(found->weight), trees};
     }
 
 private:
+    void Add(const amd_id& join, const amd_id& left, const amd_id& right, int weight)
+    {
+        mJoins.push_back(join);
+        mGraph.edges.push_back({NumberOf(left), NumberOf(right), weight});
+    }
+
     std::size_t NumberOf(const amd_id& node)
     {
         return mNumbers.emplace(node, mNumbers.size()).first->second;
     }
 
-    template <typename Visit>
-    void ForEach(Subset subset, const Visit& visit) const
-    {
-        for (std::size_t i = 0; i < mEdges.size(); ++i)
-            if ((subset >> i & 1U) != 0)
-                visit(i);
-    }
-
-    int WeightOf(Subset subset) const
-    {
-        int weight = 0;
-        ForEach(subset, [&](std::size_t i) { weight += mEdges[i].weight; });
-        return weight;
-    }
-
-    bool Connects(Subset subset) const
-    {
-        std::array<std::size_t, 16> pieces{};
-        std::iota(pieces.begin(), pieces.end(), std::size_t{0});
-        ForEach(subset, [&](std::size_t i) {
-            const std::size_t from = pieces[mEnds[i].first];
-            const std::size_t into = pieces[mEnds[i].second];
-            std::replace(pieces.begin(), pieces.end(), from, into);
-        });
-        return std::all_of(mTerminals.begin(), mTerminals.end(), [&](std::size_t terminal) {
-            return pieces[terminal] == pieces[mTerminals.front()];
-        });
-    }
-
-    std::set<amd_id> JoinsOf(Subset subset) const
-    {
-        std::set<amd_id> joins;
-        ForEach(subset, [&](std::size_t i) { joins.insert(mEdges[i].id); });
-        return joins;
-    }
-
-    const std::vector<Edge>& mEdges;
+    Ids mJoins;
     std::map<amd_id, std::size_t> mNumbers;
-    std::vector<std::pair<std::size_t, std::size_t>> mEnds;
-    std::vector<std::size_t> mTerminals;
+    SmallGraph mGraph;
 };
-
-Optimum FindOptimum(const std::vector<Edge>& edges, const Ids& terminals)
-{
-    return Exhaustive(edges, terminals).FindOptimum();
-}
-
-Ids TerminalsOf(JoinGraphModel& model, const RandomCase& random)
-{
-    Ids terminals = random.subjects;
-    for (const amd_id& join : random.requiredJoins) {
-        AQE_I_Refiner::QEjoinInfo info;
-        EXPECT_TRUE(AQE_I_Refiner::GetJoinInfo(&model.gateway, &model.context, join, info));
-        terminals.push_back(info.leftQuerySubject);
-        terminals.push_back(info.rightQuerySubject);
-    }
-    return terminals;
-}
-
-bool DoRequiredJoinsConnect(const std::vector<Edge>& edges, const Ids& required,
-                            const Ids& terminals)
-{
-    Pieces pieces;
-    for (const Edge& edge : edges)
-        if (Contains(required, edge.id))
-            pieces.Join(edge.end1, edge.end2);
-    return pieces.AreOne(terminals);
-}
 
 std::string Describe(const JoinGraphModel& model, const RandomCase& random)
 {
@@ -305,9 +234,10 @@ TEST(JoinTreeProperty, CheapestTreesAreAllThereAre)
         SCOPED_TRACE(Describe(model, random));
         AQE_Governors governors;
         const std::unique_ptr<AQE_I_QuerySubjectShortcutInfo> shortcutInfo(
-            AQE_I_QuerySubjectShortcutInfo::Create(&model.gateway, &governors, &model.context));
-        const AQE_JoinTree tree(&model.gateway, random.subjects, random.favouredJoins,
-                                random.requiredJoins, model.GetNodes(), model.GetJoins(), nullptr,
+            AQE_I_QuerySubjectShortcutInfo::Create(&model.GetGateway(), &governors,
+                                                   &model.context));
+        const AQE_JoinTree tree(&model.GetGateway(), random.subjects, random.favouredJoins,
+                                random.requiredJoins, model.Subjects(), model.Joins(), nullptr,
                                 &model.context, &random.avoidedJoins, shortcutInfo.get(), false,
                                 random.favouredSubjects);
         std::vector<Ids> paths;
@@ -317,19 +247,18 @@ TEST(JoinTreeProperty, CheapestTreesAreAllThereAre)
             found.insert(std::set<amd_id>(path.begin(), path.end()));
         EXPECT_EQ(found.size(), paths.size()) << "each tree once";
 
-        const auto edges = WeighJoins(model, random, shortcutInfo.get(), false);
-        const Ids terminals = TerminalsOf(model, random);
-        if (DoRequiredJoinsConnect(edges, random.requiredJoins, terminals)) {
+        const RequestGraph graph(model, random, shortcutInfo.get(), false);
+        if (graph.DoRequiredJoinsConnect(random)) {
             EXPECT_FALSE(tree.IsConnected());
             const std::set<amd_id> required(random.requiredJoins.begin(),
                                             random.requiredJoins.end());
             EXPECT_EQ(found, required.empty() ? Paths{} : Paths{required});
         } else {
-            const Optimum optimum = FindOptimum(edges, terminals);
-            EXPECT_EQ(tree.IsConnected(), !optimum.trees.empty());
-            EXPECT_EQ(found, optimum.trees);
+            const auto [weight, trees] = graph.FindOptimum(graph.Terminals(random));
+            EXPECT_EQ(tree.IsConnected(), !trees.empty());
+            EXPECT_EQ(found, trees);
             if (!paths.empty()) {
-                EXPECT_EQ(tree.GetPathWeight(paths.front()), optimum.weight);
+                EXPECT_EQ(tree.GetPathWeight(paths.front()), weight);
             }
         }
         if (HasFailure())
@@ -350,36 +279,31 @@ TEST(JoinTreeProperty, PairwiseGrowthConnectsWithinTheBoundOfItsPaper)
             continue;
         JoinGraphModel model(random.text);
         SCOPED_TRACE(Describe(model, random));
-        const AQE_JoinTree tree(&model.gateway, random.subjects, random.favouredJoins,
-                                random.requiredJoins, model.GetNodes(), model.GetJoins(), nullptr,
+        const AQE_JoinTree tree(&model.GetGateway(), random.subjects, random.favouredJoins,
+                                random.requiredJoins, model.Subjects(), model.Joins(), nullptr,
                                 &model.context, &random.avoidedJoins, nullptr, false,
                                 random.favouredSubjects);
         std::vector<Ids> paths;
         tree.GetJoinPaths(paths);
-        const auto edges = WeighJoins(model, random, nullptr, false);
-        const Ids terminals = TerminalsOf(model, random);
-        const Optimum optimum = FindOptimum(edges, terminals);
-        if (optimum.trees.empty() || DoRequiredJoinsConnect(edges, random.requiredJoins, terminals))
+        const RequestGraph graph(model, random, nullptr, false);
+        const std::vector<std::size_t> terminals = graph.Terminals(random);
+        const auto [optimum, trees] = graph.FindOptimum(terminals);
+        if (trees.empty() || graph.DoRequiredJoinsConnect(random))
             continue;
         ASSERT_FALSE(paths.empty());
-        int lightest = std::numeric_limits<int>::max();
+        std::int64_t lightest = std::numeric_limits<int>::max();
         for (const Ids& path : paths) {
-            Pieces pieces;
-            int weight = 0;
-            for (const Edge& edge : edges)
-                if (Contains(path, edge.id)) {
-                    EXPECT_FALSE(pieces.AreOne({edge.end1, edge.end2})) << "a circle";
-                    pieces.Join(edge.end1, edge.end2);
-                    weight += edge.weight;
-                }
-            EXPECT_TRUE(pieces.AreOne(terminals));
-            lightest = std::min(lightest, weight);
+            const SmallGraph own = graph.Only(path);
+            const SmallGraph::EdgeSet forest = own.FindSpanningForests().front();
+            EXPECT_EQ(forest.size(), path.size()) << "a circle";
+            EXPECT_TRUE(own.FindCheapestTrees(terminals));
+            lightest = std::min(lightest, own.GetWeight(forest));
         }
-        const int count =
-            static_cast<int>(std::set<amd_id>(terminals.begin(), terminals.end()).size());
-        EXPECT_LE(lightest * count, 2 * (count - 1) * optimum.weight) << "the bound of the paper";
-        EXPECT_GE(lightest, optimum.weight);
-        const double ratio = static_cast<double>(lightest) / optimum.weight;
+        const auto count = static_cast<std::int64_t>(
+            std::set<std::size_t>(terminals.begin(), terminals.end()).size());
+        EXPECT_LE(lightest * count, 2 * (count - 1) * optimum) << "the bound of the paper";
+        EXPECT_GE(lightest, optimum);
+        const double ratio = static_cast<double>(lightest) / optimum;
         ++compared;
         sumOfRatios += ratio;
         worstRatio = std::max(worstRatio, ratio);
@@ -403,19 +327,20 @@ TEST(JoinTreeProperty, TwoSetSearchAgreesWithAllPairs)
         std::vector<Ids> paths;
         std::vector<std::pair<amd_id, amd_id>> pairs;
         int weight = 0;
-        const AQE_JoinTree tree(&model.gateway, random.subjects, random.avoidedJoins,
+        const AQE_JoinTree tree(&model.GetGateway(), random.subjects, random.avoidedJoins,
                                 random.secondSet, {}, random.favouredJoins, random.requiredJoins,
-                                model.GetNodes(), model.GetJoins(), paths, weight, pairs, nullptr,
+                                model.Subjects(), model.Joins(), paths, weight, pairs, nullptr,
                                 &model.context, nullptr);
-        const auto edges = WeighJoins(model, random, nullptr, true);
+        const RequestGraph graph(model, random, nullptr, true);
 
         int expectedWeight = 8888;
         std::vector<std::pair<amd_id, amd_id>> expectedPairs;
         for (const amd_id& first : random.subjects)
             for (const amd_id& second : random.secondSet) {
                 const int distance =
-                    first == second ? 8888
-                                    : std::min(8888, FindOptimum(edges, {first, second}).weight);
+                    first == second
+                        ? 8888
+                        : std::min(8888, graph.FindOptimum(graph.Numbers({first, second})).first);
                 if (distance < expectedWeight)
                     expectedPairs.clear();
                 expectedWeight = std::min(expectedWeight, distance);
@@ -426,7 +351,8 @@ TEST(JoinTreeProperty, TwoSetSearchAgreesWithAllPairs)
         EXPECT_EQ(pairs, expectedPairs);
         ASSERT_EQ(paths.size(), pairs.size());
         for (std::size_t i = 0; i < paths.size(); ++i) {
-            const auto trees = FindOptimum(edges, {pairs[i].first, pairs[i].second}).trees;
+            const Paths trees =
+                graph.FindOptimum(graph.Numbers({pairs[i].first, pairs[i].second})).second;
             EXPECT_EQ(trees.count(std::set<amd_id>(paths[i].begin(), paths[i].end())), 1U);
         }
         if (HasFailure())

@@ -53,13 +53,13 @@ std::unique_ptr<AQE_JoinTree> Grow(JoinGraphModel& model, const Question& questi
     const Ids avoided = model[question.avoidedJoins];
     if (growth == EGrowth::Library)
         return std::make_unique<AQE_JoinTree>(
-            &model.gateway, model[question.subjects], model[question.favouredJoins],
-            model[question.requiredJoins], model.GetNodes(), model.GetJoins(), governors,
+            &model.GetGateway(), model[question.subjects], model[question.favouredJoins],
+            model[question.requiredJoins], model.Subjects(), model.Joins(), governors,
             &model.context, &avoided, shortcutInfo);
     return std::make_unique<AQE_JoinTree>(
-        &model.gateway, model[question.subjects], model[question.favouredJoins],
-        model[question.requiredJoins], model.GetNodes(), model.GetJoins(), governors,
-        &model.context, &avoided, shortcutInfo, false, model[question.favouredSubjects]);
+        &model.GetGateway(), model[question.subjects], model[question.favouredJoins],
+        model[question.requiredJoins], model.Subjects(), model.Joins(), governors, &model.context,
+        &avoided, shortcutInfo, false, model[question.favouredSubjects]);
 }
 
 Texts PathsOf(const JoinGraphModel& model, const AQE_JoinTree& tree)
@@ -152,7 +152,7 @@ TEST(PairwiseGrowth, ToleratesRepeatedAndUnknownSubjects)
 
     JoinGraphModel model("A-B:1 B-C:1");
     const SettingsOverride newAlgo("General Options", "NewAlgo", 0);
-    const AQE_JoinTree tree(&model.gateway, model["A C"], {}, {}, model["A B"], model.GetJoins(),
+    const AQE_JoinTree tree(&model.GetGateway(), model["A C"], {}, {}, model["A B"], model.Joins(),
                             nullptr, &model.context, nullptr, nullptr, false, {});
     std::vector<Ids> paths;
     tree.GetJoinPaths(paths);
@@ -214,8 +214,8 @@ TEST(JoinTree, AnswersWithDefinedValuesWhenNothingWasBuilt)
     JoinGraphModel model("A-B");
     std::ostringstream trace;
     const AQE_JoinTree trees[] = {
-        {&model.gateway, {}, {}, model.GetNodes(), model.GetJoins(), nullptr, nullptr},
-        {&model.gateway, model["A B"], {}, {}, model.GetJoins(), trace, nullptr, nullptr}};
+        {&model.GetGateway(), {}, {}, model.Subjects(), model.Joins(), nullptr, nullptr},
+        {&model.GetGateway(), model["A B"], {}, {}, model.Joins(), trace, nullptr, nullptr}};
     for (const AQE_JoinTree& tree : trees) {
         std::vector<Ids> paths;
         Ids joins;
@@ -226,7 +226,7 @@ TEST(JoinTree, AnswersWithDefinedValuesWhenNothingWasBuilt)
         EXPECT_EQ(tree.GetPathWeight(model["A-B"]), 0);
         EXPECT_FALSE(tree.IsConnected());
     }
-    const AQE_JoinTree plain(&model.gateway, model["A B"], {}, model.GetNodes(), model.GetJoins(),
+    const AQE_JoinTree plain(&model.GetGateway(), model["A B"], {}, model.Subjects(), model.Joins(),
                              nullptr, nullptr);
     EXPECT_THAT(PathsOf(model, plain), ElementsAre("A-B"));
 }
@@ -234,8 +234,8 @@ TEST(JoinTree, AnswersWithDefinedValuesWhenNothingWasBuilt)
 TEST(JoinTree, ConnectivityOnlyGivesOneTreeOfTheGraphAsItIs)
 {
     JoinGraphModel model("A-B:1 B-C:1 A-C:5");
-    const AQE_JoinTree tree(&model.gateway, model["A C"], model["A-C"], {}, model.GetNodes(),
-                            model.GetJoins(), nullptr, &model.context, nullptr, nullptr, true, {});
+    const AQE_JoinTree tree(&model.GetGateway(), model["A C"], model["A-C"], {}, model.Subjects(),
+                            model.Joins(), nullptr, &model.context, nullptr, nullptr, true, {});
     Ids joins = model["A-C"];
     tree.GetConnectingJoins(joins);
     EXPECT_EQ(model.Text(joins), "A-B B-C");
@@ -255,13 +255,13 @@ TwoSets Between(const std::string& text, const std::string& first, const std::st
     std::vector<Ids> paths;
     std::vector<std::pair<amd_id, amd_id>> pairs;
     TwoSets result;
-    const AQE_JoinTree tree(&model.gateway, model[first], model[avoided], model[second],
-                            model[avoided], model[favoured], {}, model.GetNodes(), model.GetJoins(),
+    const AQE_JoinTree tree(&model.GetGateway(), model[first], model[avoided], model[second],
+                            model[avoided], model[favoured], {}, model.Subjects(), model.Joins(),
                             paths, result.weight, pairs, nullptr, &model.context, nullptr);
     result.paths = model.Texts(paths);
     for (const auto& [a, b] : pairs)
         result.pairs += model.Text({a, b}) + ",";
-    EXPECT_EQ(tree.GetPathWeight(model.GetJoins()), first.empty() ? 0 : -1);
+    EXPECT_EQ(tree.GetPathWeight(model.Joins()), first.empty() ? 0 : -1);
     return result;
 }
 
@@ -286,7 +286,7 @@ TEST(LibraryGrowth, PassesOverShortcutJoinsAndWeighsByNode)
     JoinGraphModel model("t>A A-B t-C");
     AQE_Governors governors;
     const std::unique_ptr<AQE_I_QuerySubjectShortcutInfo> shortcutInfo(
-        AQE_I_QuerySubjectShortcutInfo::Create(&model.gateway, &governors, &model.context));
+        AQE_I_QuerySubjectShortcutInfo::Create(&model.GetGateway(), &governors, &model.context));
     const qe::LogCapture log(7);
     const auto tree = Grow(model, {"B C"}, EGrowth::Library, nullptr, shortcutInfo.get());
     EXPECT_EQ(TreeJoins(model, *tree), "A-B t-C 700001:0");
@@ -308,7 +308,7 @@ TEST(PairwiseGrowth, CannotCloseAtAJoinThatItCannotRead)
     JoinGraphModel model("t>A A-B");
     AQE_Governors governors;
     const std::unique_ptr<AQE_I_QuerySubjectShortcutInfo> shortcutInfo(
-        AQE_I_QuerySubjectShortcutInfo::Create(&model.gateway, &governors, &model.context));
+        AQE_I_QuerySubjectShortcutInfo::Create(&model.GetGateway(), &governors, &model.context));
     try {
         Grow(model, {"A B"}, EGrowth::Pairwise, nullptr, shortcutInfo.get());
         ADD_FAILURE() << "the synthetic join at A has no ends that could be read";
@@ -343,10 +343,10 @@ std::string Govern(EGrowth growth, const AQE_Governors* governors,
     std::ostringstream seen;
     try {
         if (growth == EGrowth::Library)
-            AQE_JoinTree(&model.gateway, subjects, {}, {}, model.GetNodes(), model.GetJoins(),
+            AQE_JoinTree(&model.GetGateway(), subjects, {}, {}, model.Subjects(), model.Joins(),
                          given, &context, nullptr, nullptr);
         else
-            AQE_JoinTree(&model.gateway, subjects, {}, {}, model.GetNodes(), model.GetJoins(),
+            AQE_JoinTree(&model.GetGateway(), subjects, {}, {}, model.Subjects(), model.Joins(),
                          given, &context, nullptr, nullptr, false, {});
     } catch (const HBNException& error) {
         const auto& message = error.GetMessages().at(0);
@@ -410,8 +410,8 @@ TEST(CrossProductGovernor, CountsThePositionOfSubjectsWithoutObject)
     AQE_Governors governors{2, 0};
     const amd_id unknown{0, 100, 99};
     try {
-        const AQE_JoinTree tree(&model.gateway, {unknown, model["B"].front()}, {}, {},
-                                model.GetNodes(), model.GetJoins(), &governors, nullptr, nullptr,
+        const AQE_JoinTree tree(&model.GetGateway(), {unknown, model["B"].front()}, {}, {},
+                                model.Subjects(), model.Joins(), &governors, nullptr, nullptr,
                                 nullptr, false, {});
         ADD_FAILURE();
     } catch (const HBNException& error) {

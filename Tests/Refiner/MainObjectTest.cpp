@@ -1,10 +1,11 @@
 #include "MainObjectPathSelector.h"
 
 #include "AQE_I_JoinPathDescriptor.h"
+#include "Engine/Model/ModelBuilder.h"
+#include "Engine/Model/ModelGateway.h"
 #include "ORVAssertError.h"
 #include "PathSelection.h"
 #include "Tests/Support/CountingGateway.h"
-#include "Tests/Support/FakeGateway.h"
 #include "Tests/Support/ModelText.h"
 
 #include <gmock/gmock.h>
@@ -136,30 +137,24 @@ TEST(MainObject, LeavesUnreadableJoinsOut)
     EXPECT_FALSE(blind.HasMainObject());
 }
 
-/// Forgets a join after it was asked for it so many times.
-class ForgetfulGateway : public amdi_gateway
+/// Gives each join once.
+class ForgetfulGateway : public CountingGateway
 {
 public:
-    ForgetfulGateway(amdi_gateway& next, const amd_id& join, int answers)
-        : mNext(next), mJoin(join), mAnswers(answers)
-    {}
+    using CountingGateway::CountingGateway;
     amdi_object* GetObject(const amd_id& id) override
     {
-        return id == mJoin && --mAnswers < 0 ? nullptr : mNext.GetObject(id);
+        amdi_object* const object = CountingGateway::GetObject(id);
+        if (id.classCode == IdClassRelationship)
+            Hide(id);
+        return object;
     }
-    I18NLocale GetLocale(const amd_id& id) override { return mNext.GetLocale(id); }
-    amd_id GetQualifierId(amd_id id) override { return mNext.GetQualifierId(id); }
-
-private:
-    amdi_gateway& mNext;
-    amd_id mJoin;
-    int mAnswers;
 };
 
 TEST(MainObject, FailsWhenAJoinVanishesUnderIt)
 {
     const ModelText model("A >- B : ab");
-    ForgetfulGateway gateway(model.GetGateway(), model.Id("ab"), 1);
+    ForgetfulGateway gateway(model.GetGateway());
     MainObjectPathSelector selector(&gateway, nullptr, model.Ids("A, B"), kAnyEnd);
     try {
         selector.SelectAlternative({model.Ids("ab")});
@@ -175,16 +170,18 @@ TEST(MainObject, FailsWhenAJoinVanishesUnderIt)
 
 TEST(MainObject, ScoresLongPathsWithoutOverflow)
 {
-    qe::test::FakeGateway gateway;
-    constexpr std::int32_t length = 20000;
+    constexpr int length = 20000;
+    qe::model::ModelBuilder builder;
+    Ids subjects{builder.AddQuerySubject(qe::model::Top, "0")};
     Ids path;
-    for (std::int32_t number = 1; number <= length; ++number) {
-        const amd_id join{0, 102, number};
-        gateway.AddRelationship(join,
-                                {{0, 100, number}, {0, 100, number + 1}, "", {11, 12}, {11, 11}});
-        path.push_back(join);
+    for (int number = 1; number <= length; ++number) {
+        const amd_id next = builder.AddQuerySubject(qe::model::Top, std::to_string(number));
+        path.push_back(builder.AddRelationship(qe::model::Top, "j",
+                                               {subjects.back(), qe::model::OneToMany}, {next}));
+        subjects.push_back(next);
     }
-    const Ids ends{{0, 100, length + 1}, {0, 100, 1}};
+    qe::model::ModelGateway gateway(builder.Build());
+    const Ids ends{subjects.back(), subjects.front()};
     for (const Options& options : {kAnyEnd, kSearch}) {
         MainObjectPathSelector selector(&gateway, nullptr, ends, options);
         selector.SelectAlternative({path});

@@ -4,27 +4,17 @@
 #include "I18NLocale.h"
 #include "IdClass.h"
 #include "ORVAssertError.h"
-#include "Tests/Support/FakeGateway.h"
+#include "Tests/Support/CountingGateway.h"
+#include "Tests/Support/ModelText.h"
 
 #include <gmock/gmock.h>
 
 namespace {
 
-using qe::test::FakeGateway;
-using qe::test::RelationshipFacts;
+using qe::test::CountingGateway;
+using qe::test::ModelText;
 using QEjoinInfo = AQE_I_Refiner::QEjoinInfo;
 using testing::ElementsAre;
-using testing::IsEmpty;
-using CardinalityRange = BMT_I_Association::CardinalityRange;
-
-constexpr amd_id kOrders{0, IdClassQuerySubject, 1};
-constexpr amd_id kCustomer{0, IdClassQuerySubject, 2};
-constexpr amd_id kBuyer{0, IdClassShortcut, 1};
-constexpr amd_id kPayer{0, IdClassShortcut, 2};
-constexpr amd_id kSales{0, IdClassShortcut, 3};
-constexpr amd_id kNamespace{0, 98, 1};
-constexpr amd_id kJoin{0, IdClassRelationship, 1};
-constexpr amd_id kJoinShortcut{0, IdClassRelationshipShortcut, 1};
 
 TEST(Ids, OrderValidityAndText)
 {
@@ -37,285 +27,244 @@ TEST(Ids, OrderValidityAndText)
     EXPECT_EQ(ToText({9, 100, -3}), "100:-3");
 }
 
-struct Resolution
+/// A model behind a gateway that can show what no model holds.
+struct Metadata
 {
-    amd_id result;
-    std::vector<amd_id> shortcuts;
-    std::vector<amd_id> parents;
-};
+    explicit Metadata(const std::string& text) : model(text), gateway(model.GetGateway()) {}
 
-Resolution Resolve(FakeGateway& gateway, const amd_id& id)
-{
-    Resolution resolution;
-    resolution.result =
-        AQE_I_Refiner::GetRefQuerySubject(&gateway, id, &resolution.shortcuts, &resolution.parents);
-    return resolution;
-}
+    /// Gives "target over shortcuts in parents".
+    std::string Resolve(const std::string& name)
+    {
+        std::vector<amd_id> shortcuts;
+        std::vector<amd_id> parents;
+        const amd_id target =
+            AQE_I_Refiner::GetRefQuerySubject(&gateway, model.Id(name), &shortcuts, &parents);
+        return model.Name(target) + " over " + model.Names(shortcuts) + " in " +
+               model.Names(parents);
+    }
+
+    /// Gives "name weight: left min..max right min..max: condition".
+    std::string Read(const amd_id& join)
+    {
+        QEjoinInfo info;
+        if (!AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, join, info))
+            return "unreadable";
+        EXPECT_EQ(info.joinId, join);
+        const auto end = [this](const amd_id& subject, const auto& cardinality) {
+            return model.Name(subject) + ' ' + std::to_string(cardinality.minimum) + ".." +
+                   std::to_string(cardinality.maximum);
+        };
+        return info.name.ToStdString() + ' ' + std::to_string(info.weight) + ": " +
+               end(info.leftQuerySubject, info.leftCardinality) + ' ' +
+               end(info.rightQuerySubject, info.rightCardinality) + ": " +
+               info.expression.ToStdString();
+    }
+    std::string Read(const std::string& name) { return Read(model.Id(name)); }
+
+    /// Shows an object with some of what is known of it changed.
+    template <typename Change>
+    void Alter(const std::string& name, const Change& change)
+    {
+        qe::model::ObjectRecord record = *model.GetModel()->Find(model.Id(name));
+        change(record);
+        gateway.Replace(model.Id(name), record);
+    }
+
+    ModelText model;
+    CountingGateway gateway;
+};
 
 TEST(RefQuerySubject, FollowsChainsAndKeepsWhatWasPassed)
 {
-    FakeGateway gateway;
-    gateway.AddShortcut(kBuyer, kPayer);
-    gateway.AddShortcut(kPayer, kCustomer);
-    gateway.SetParent(kBuyer, {0, 99, 1});
-    gateway.SetParent(kPayer, {0, 99, 2});
+    Metadata data("folder F; Payer -> Customer; folder G; Buyer -> Payer; Customer - Orders : j");
+    data.gateway.Hide(data.model.Id("Customer"));
+    EXPECT_EQ(data.Resolve("Buyer"), "Customer over Buyer, Payer in G, F")
+        << "the target itself need not be known";
+    const std::size_t calls = data.gateway.GetCallCount();
+    EXPECT_EQ(data.Resolve("Orders"), "Orders over  in ");
+    EXPECT_EQ(data.Resolve("j"), "0:0 over  in ");
+    EXPECT_EQ(data.gateway.GetCallCount(), calls);
 
-    const Resolution chain = Resolve(gateway, kBuyer);
-    EXPECT_EQ(chain.result, kCustomer) << "the target itself need not be known";
-    EXPECT_THAT(chain.shortcuts, ElementsAre(kBuyer, kPayer));
-    EXPECT_THAT(chain.parents, ElementsAre(amd_id{0, 99, 1}, amd_id{0, 99, 2}));
-
-    const int callsBefore = gateway.GetObjectCalls();
-    EXPECT_EQ(Resolve(gateway, kOrders).result, kOrders);
-    EXPECT_EQ(Resolve(gateway, kJoin).result, amd_id());
-    EXPECT_EQ(gateway.GetObjectCalls(), callsBefore);
-
-    gateway.AddShortcut(kPayer, kBuyer);
-    const Resolution circle = Resolve(gateway, kBuyer);
-    EXPECT_EQ(circle.result, amd_id());
-    EXPECT_THAT(circle.shortcuts, ElementsAre(kBuyer, kPayer));
-
-    gateway.AddShortcut(kPayer, kJoin);
-    EXPECT_EQ(Resolve(gateway, kBuyer).result, amd_id());
-    gateway.AddPlain(kCustomer);
-    gateway.Alias(kSales, kCustomer);
-    EXPECT_EQ(Resolve(gateway, kSales).result, amd_id()) << "the object's own class decides";
-    EXPECT_THAT(Resolve(gateway, kSales).shortcuts, IsEmpty());
+    const auto payerStandsFor = [&data](const char* name) {
+        data.Alter("Payer", [&](auto& record) { record.referenced = data.model.Id(name); });
+    };
+    payerStandsFor("Buyer");
+    EXPECT_EQ(data.Resolve("Buyer"), "0:0 over Buyer, Payer in G, F") << "a circle";
+    payerStandsFor("j");
+    EXPECT_EQ(data.Resolve("Buyer"), "0:0 over Buyer, Payer in G, F");
+    data.gateway.Replace(data.model.Id("Buyer"), {.id = data.model.Id("Orders")});
+    EXPECT_EQ(data.Resolve("Buyer"), "0:0 over  in ") << "the object's own class decides";
 }
 
 TEST(FilterInfo, FillsWhatItCanBeforeItFails)
 {
-    FakeGateway gateway;
-    const amd_id filter{0, IdClassFilter, 1};
-    const amd_id specFilter{0, IdClassSpecFilter, 1};
-    gateway.AddFilter(filter, "[a].[b].[c] > 1");
-    gateway.AddSpecFilter(specFilter, "x = 2");
-    gateway.Alias({0, IdClassFilter, 2}, specFilter);
-
+    Metadata data("filter F on [a].[b].[c] > 1; query filter G on x = 2; A - B : j");
     AQE_I_Refiner::QEFilterInfo info;
-    ASSERT_TRUE(AQE_I_Refiner::GetFilterInfo(&gateway, filter, info, I18NLocale()));
+    const auto read = [&](const amd_id& id) {
+        return AQE_I_Refiner::GetFilterInfo(&data.gateway, id, info, I18NLocale());
+    };
+    const amd_id filter = data.model.Id("F");
+    const amd_id specFilter = data.model.Id("G");
+    ASSERT_TRUE(read(filter));
     EXPECT_EQ(info.filterId, filter);
-    EXPECT_EQ(info.name, "114:1");
+    EXPECT_EQ(info.name, "F");
     EXPECT_EQ(info.expression, "[a].[b].[c] > 1");
-    ASSERT_TRUE(AQE_I_Refiner::GetFilterInfo(&gateway, specFilter, info, I18NLocale()));
+    ASSERT_TRUE(read(specFilter));
     EXPECT_EQ(info.expression, "x = 2");
 
-    EXPECT_FALSE(AQE_I_Refiner::GetFilterInfo(&gateway, kJoin, info, I18NLocale()));
+    EXPECT_FALSE(read(data.model.Id("j")));
     EXPECT_EQ(info.filterId, specFilter);
-    EXPECT_FALSE(AQE_I_Refiner::GetFilterInfo(&gateway, {0, IdClassFilter, 2}, info, I18NLocale()));
-    EXPECT_EQ(info.filterId, (amd_id{0, IdClassFilter, 2}));
-    EXPECT_EQ(info.name, "300020:1");
+    data.gateway.Replace(filter, {.id = specFilter, .name = "odd", .displayName = "odd"});
+    EXPECT_FALSE(read(filter));
+    EXPECT_EQ(info.filterId, filter);
+    EXPECT_EQ(info.name, "G");
 }
 
 TEST(JoinInfo, ReadsEveryKindOfJoin)
 {
-    FakeGateway gateway;
-    gateway.AddShortcut(kBuyer, kCustomer);
-    gateway.AddRelationship(kJoin, {kOrders, kBuyer, "a = b", {10, 12}, {1, 77}});
-    QEjoinInfo info;
-    ASSERT_TRUE(AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, kJoin, info));
-    EXPECT_EQ(info.weight, 17);
-    EXPECT_EQ(info.joinId, kJoin);
-    EXPECT_EQ(info.name, "102:1");
-    EXPECT_EQ(info.leftQuerySubject, kOrders);
-    EXPECT_EQ(info.rightQuerySubject, kBuyer) << "ends are not resolved";
-    EXPECT_EQ(info.expression, "a = b");
-    EXPECT_EQ(info.leftCardinality, (CardinalityRange{10, 12}));
-    EXPECT_EQ(info.rightCardinality, (CardinalityRange{1, 77}));
-
-    const amd_id cheap{0, IdClassRelationship136, 1};
-    gateway.AddRelationship(cheap, {kOrders, kCustomer, "c = d", {10, 12}, {1, 77}});
-    ASSERT_TRUE(AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, cheap, info));
-    EXPECT_EQ(info.weight, 2);
-    EXPECT_EQ(info.leftCardinality, (CardinalityRange{10, 12}));
-    EXPECT_EQ(info.rightCardinality, (CardinalityRange{1, 0}));
-
-    const amd_id spec{0, IdClassSpecJoin, 1};
-    using Spec = AQE_I_QuerySpecJoin;
-    gateway.AddSpecJoin(spec, {}, kCustomer, "e = f",
-                        {Spec::QuerySpecCardinalityZero, Spec::QuerySpecCardinalityMany},
-                        {Spec::QuerySpecCardinalityOne, static_cast<Spec::ECardinality>(99)});
-    ASSERT_TRUE(AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, spec, info))
+    Metadata data(R"(
+        Buyer -> Customer
+        Orders >o- Buyer : r on a = b
+        Orders >o= Customer : second on c = d
+        Orders >o~ Customer : query on e = f
+    )");
+    for (const char* join : {"r", "second"})
+        data.Alter(join, [](auto& record) { record.rightCardinality = {1, 77}; });
+    EXPECT_EQ(data.Read("r"), "r 17: Orders 10..12 Buyer 1..77: a = b") << "ends are not resolved";
+    EXPECT_EQ(data.Read("second"), "second 2: Orders 10..12 Customer 1..0: c = d");
+    data.Alter("query", [](auto& record) {
+        record.left = {};
+        record.rightCardinality = {11, 99};
+    });
+    EXPECT_EQ(data.Read("query"), "query 17: 0:0 10..12 Customer 11..0: e = f")
         << "ends of a query's own join are not checked";
-    EXPECT_EQ(info.weight, 17);
-    EXPECT_EQ(info.leftQuerySubject, amd_id());
-    EXPECT_EQ(info.leftCardinality, (CardinalityRange{10, 12}));
-    EXPECT_EQ(info.rightCardinality, (CardinalityRange{11, 0}));
 }
 
 TEST(JoinInfo, ReportsUnreadableJoinsByFalse)
 {
-    FakeGateway gateway;
-    gateway.AddShortcut(kBuyer, kBuyer);
-    gateway.AddRelationship(kJoin, {kOrders, kBuyer, "a = b"});
-    gateway.Alias({0, IdClassSpecJoin, 5}, kJoin);
+    Metadata data("Buyer -> Customer; Orders >- Buyer : j on a = b");
+    const amd_id buyer = data.model.Id("Buyer");
+    const amd_id join = data.model.Id("j");
+    data.gateway.Replace({.id = buyer, .referenced = buyer});
+    data.gateway.Replace({0, IdClassSpecJoin, 5}, *data.model.GetModel()->Find(join));
     QEjoinInfo info;
     info.expression = "before";
-    EXPECT_FALSE(AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, kJoin, info));
-    EXPECT_EQ(info.joinId, kJoin) << "everything but the condition is filled";
+    EXPECT_FALSE(AQE_I_Refiner::GetJoinInfo(&data.gateway, nullptr, join, info));
+    EXPECT_EQ(info.joinId, join) << "everything but the condition is filled";
     EXPECT_EQ(info.expression, "before");
 
     QEjoinInfo untouched;
-    for (const amd_id& id :
-         {amd_id{0, IdClassShortcutJoin, 0}, kOrders, amd_id{0, IdClassRelationship, 9},
-          amd_id{0, IdClassSpecJoin, 5}, amd_id{0, IdClassRelationshipShortcut, 9}})
-        EXPECT_FALSE(AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, id, untouched)) << ToText(id);
+    for (const amd_id& id : {amd_id{0, IdClassShortcutJoin, 0}, data.model.Id("Orders"),
+                             amd_id{0, IdClassRelationship, 9}, amd_id{0, IdClassSpecJoin, 5},
+                             amd_id{0, IdClassRelationshipShortcut, 9}})
+        EXPECT_FALSE(AQE_I_Refiner::GetJoinInfo(&data.gateway, nullptr, id, untouched))
+            << ToText(id);
     EXPECT_EQ(untouched.joinId, amd_id());
-    EXPECT_FALSE(AQE_I_Refiner::GetJoinInfo(nullptr, nullptr, kJoin, untouched));
+    EXPECT_FALSE(AQE_I_Refiner::GetJoinInfo(nullptr, nullptr, join, untouched));
 }
 
 TEST(JoinInfo, IsReadOncePerRequestAndTheCacheComesFirst)
 {
-    FakeGateway gateway;
-    gateway.AddRelationship(kJoin, {kOrders, kCustomer, "a = b"});
+    Metadata data("Orders >- Customer : j on a = b");
+    const amd_id join = data.model.Id("j");
+    const amd_id orders = data.model.Id("Orders");
     AQE_RequestContext context;
     QEjoinInfo info;
-    ASSERT_TRUE(AQE_I_Refiner::GetJoinInfo(&gateway, &context, kJoin, info));
-    ASSERT_TRUE(AQE_I_Refiner::GetJoinInfo(&gateway, &context, kJoin, info));
-    EXPECT_EQ(gateway.GetObjectCalls(), 2) << "without a cache every call reads";
+    const auto read = [&](const amd_id& id) {
+        return AQE_I_Refiner::GetJoinInfo(&data.gateway, &context, id, info);
+    };
+    ASSERT_TRUE(read(join));
+    ASSERT_TRUE(read(join));
+    EXPECT_EQ(data.gateway.GetCallCount(), 2U) << "without a cache every call reads";
 
     context.SetJoinCache(std::make_unique<AQE_JoinCache>());
-    ASSERT_TRUE(AQE_I_Refiner::GetJoinInfo(&gateway, &context, kJoin, info));
-    QEjoinInfo again;
-    again.joinId = kJoin;
-    ASSERT_TRUE(AQE_I_Refiner::GetJoinInfo(&gateway, &context, again.joinId, again));
-    EXPECT_EQ(gateway.GetObjectCalls(), 3);
-    EXPECT_EQ(again.expression, "a = b");
+    ASSERT_TRUE(read(join));
+    info = {};
+    info.joinId = join;
+    ASSERT_TRUE(read(info.joinId));
+    EXPECT_EQ(data.gateway.GetCallCount(), 3U);
+    EXPECT_EQ(info.expression, "a = b");
 
-    EXPECT_FALSE(AQE_I_Refiner::GetJoinInfo(&gateway, &context, kOrders, info));
+    EXPECT_FALSE(read(orders));
     QEjoinInfo strange;
     strange.name = "strange";
-    context.GetJoinCache()->CacheJoinInfo(kOrders, strange);
-    ASSERT_TRUE(AQE_I_Refiner::GetJoinInfo(&gateway, &context, kOrders, info));
+    context.GetJoinCache()->CacheJoinInfo(orders, strange);
+    ASSERT_TRUE(read(orders));
     EXPECT_EQ(info.name, "strange") << "what is stored is given, whatever its class";
 }
 
-/// Orders is joined to Customer; Buyer and Payer stand for Customer, Sales stands for Orders.
-class RelationshipShortcuts : public testing::Test
+/// Buyer and Payer stand for Customer, Sales stands for Orders.
+constexpr const char* kShortcuts = R"(
+    namespace N
+    Orders(Id), Customer(Id)
+    Sales -> Orders; Payer -> Customer; Buyer -> Customer
+)";
+
+TEST(RelationshipShortcuts, SwapReversedEndsButNeverCardinalities)
 {
-protected:
-    RelationshipShortcuts()
-    {
-        for (const auto& [id, name] : {std::pair{kNamespace, "N"}, std::pair{kOrders, "Orders"},
-                                       std::pair{kCustomer, "Customer"}}) {
-            gateway.AddPlain(id);
-            gateway.SetName(id, name);
-        }
-        AddShortcut(kBuyer, kCustomer, "Buyer");
-        AddShortcut(kPayer, kCustomer, "Payer");
-        AddShortcut(kSales, kOrders, "Sales");
-        for (const amd_id& id : {kOrders, kCustomer, kBuyer, kPayer, kSales})
-            gateway.SetQualifier(id, kNamespace);
-        AddItem("Orders", kOrders);
-        AddItem("Customer", kCustomer);
-        AddItem("Buyer", kBuyer);
-    }
-
-    void AddShortcut(const amd_id& id, const amd_id& target, const std::string& name)
-    {
-        gateway.AddShortcut(id, target);
-        gateway.SetName(id, name);
-    }
-
-    void AddItem(const std::string& subjectName, const amd_id& subject)
-    {
-        gateway.AddReference({"N", subjectName, "Id"}, {0, IdClassQueryItem, 1}, subject);
-    }
-
-    QEjoinInfo Read(const RelationshipFacts& relationship, const amd_id& left, const amd_id& right)
-    {
-        gateway.AddRelationship(kJoin, relationship);
-        gateway.AddRelationshipShortcut(kJoinShortcut, kJoin, left, right);
-        QEjoinInfo info;
-        EXPECT_TRUE(AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, kJoinShortcut, info));
-        return info;
-    }
-
-    FakeGateway gateway;
-};
-
-TEST_F(RelationshipShortcuts, SwapReversedEndsButNeverCardinalities)
-{
-    const RelationshipFacts facts{
-        kOrders, kCustomer, "[N].[Orders].[Id] = [N].[Customer].[Id]", {10, 12}, {11, 11}};
-    const QEjoinInfo info = Read(facts, kBuyer, kSales);
-    EXPECT_EQ(info.joinId, kJoinShortcut);
-    EXPECT_EQ(info.name, "110:1");
-    EXPECT_EQ(info.weight, 17);
-    EXPECT_EQ(info.leftQuerySubject, kSales);
-    EXPECT_EQ(info.rightQuerySubject, kBuyer);
-    EXPECT_EQ(info.leftCardinality, (CardinalityRange{10, 12}));
-    EXPECT_EQ(info.rightCardinality, (CardinalityRange{11, 11}));
-    EXPECT_EQ(info.expression, "[N].[Sales].[Id] = [N].[Buyer].[Id]");
+    Metadata data(std::string(kShortcuts) + R"(
+        Orders >o- Customer : j on [N].[Orders].[Id] = [N].[Customer].[Id]
+        s -> j : Buyer, Sales
+    )");
+    EXPECT_EQ(data.Read("s"),
+              "s 17: Sales 10..12 Buyer 11..11: [N].[Sales].[Id] = [N].[Buyer].[Id]");
 }
 
-TEST_F(RelationshipShortcuts, RewriteOnlyWhatIsNotSettled)
+TEST(RelationshipShortcuts, RewriteOnlyWhatIsNotSettled)
 {
-    struct Case
+    const struct
     {
         const char* what;
-        amd_id relationshipLeft;
-        amd_id relationshipRight;
-        std::string condition;
-        amd_id left;
-        amd_id right;
-        std::string expected;
-    };
-    const Case cases[] = {
-        {"one side changed", kOrders, kCustomer, "[N].[Orders].[Id]=[N].[Customer].[Id]", kOrders,
-         kBuyer, "[N].[Orders].[Id] = [N].[Buyer].[Id]"},
-        {"new end named already", kOrders, kCustomer, "[N].[Orders].[Id]=[N].[Buyer].[Id]", kOrders,
-         kBuyer, "[N].[Orders].[Id]=[N].[Buyer].[Id]"},
-        {"ends unchanged", kOrders, kCustomer, "[N].[Orders].[Id]=[N].[Customer].[Id]", kOrders,
-         kCustomer, "[N].[Orders].[Id]=[N].[Customer].[Id]"},
-        {"both ends one object", kOrders, kCustomer, "not even ( an expression", kBuyer, kBuyer,
+        const char* ends;
+        const char* condition;
+        const char* shortcutEnds;
+        const char* expected;
+    } cases[] = {
+        {"one side changed", "Orders >- Customer", "[N].[Orders].[Id]=[N].[Customer].[Id]",
+         "Orders, Buyer", "[N].[Orders].[Id] = [N].[Buyer].[Id]"},
+        {"new end named already", "Orders >- Customer", "[N].[Orders].[Id]=[N].[Buyer].[Id]",
+         "Orders, Buyer", "[N].[Orders].[Id]=[N].[Buyer].[Id]"},
+        {"ends unchanged", "Orders >- Customer", "[N].[Orders].[Id]=[N].[Customer].[Id]",
+         "Orders, Customer", "[N].[Orders].[Id]=[N].[Customer].[Id]"},
+        {"both ends one object", "Orders >- Customer", "not even ( an expression", "Buyer, Buyer",
          "not even ( an expression"},
-        {"self-join split at half", kCustomer, kCustomer, "[N].[Customer].[Id]=[N].[Customer].[Id]",
-         kBuyer, kPayer, "[N].[Buyer].[Id] = [N].[Payer].[Id]"},
-        {"odd count: the smaller half is the left one", kCustomer, kCustomer,
-         "[N].[Customer].[Id]=[N].[Customer].[Id]+[N].[Customer].[Id]", kBuyer, kPayer,
+        {"self-join split at half", "Customer >- Customer",
+         "[N].[Customer].[Id]=[N].[Customer].[Id]", "Buyer, Payer",
+         "[N].[Buyer].[Id] = [N].[Payer].[Id]"},
+        {"odd count: the smaller half is the left one", "Customer >- Customer",
+         "[N].[Customer].[Id]=[N].[Customer].[Id]+[N].[Customer].[Id]", "Buyer, Payer",
          "[N].[Buyer].[Id] = [N].[Payer].[Id] + [N].[Payer].[Id]"},
-        {"one reference, both ends changed", kOrders, kCustomer, "[N].[Orders].[Id]=1", kSales,
-         kBuyer, "[N].[Orders].[Id]=1"},
-        {"halves in the other order", kOrders, kCustomer, "[N].[Customer].[Id]=[N].[Orders].[Id]",
-         kSales, kPayer, "[N].[Customer].[Id] = [N].[Orders].[Id]"},
-        {"markup goes, comparison stays", kOrders, kCustomer,
-         "<refobj>[N].[Orders].[Id]</refobj> <= <refobj>[N].[Customer].[Id]</refobj>", kSales,
-         kCustomer, "[N].[Sales].[Id] <= [N].[Customer].[Id]"},
+        {"one reference, both ends changed", "Orders >- Customer", "[N].[Orders].[Id]=1",
+         "Sales, Buyer", "[N].[Orders].[Id]=1"},
+        {"halves in the other order", "Orders >- Customer", "[N].[Customer].[Id]=[N].[Orders].[Id]",
+         "Sales, Payer", "[N].[Customer].[Id] = [N].[Orders].[Id]"},
+        {"markup goes, comparison stays", "Orders >- Customer",
+         "<refobj>[N].[Orders].[Id]</refobj> <= <refobj>[N].[Customer].[Id]</refobj>",
+         "Sales, Customer", "[N].[Sales].[Id] <= [N].[Customer].[Id]"},
+        {"a new end without namespace", "Orders >- Customer",
+         "[N].[Orders].[Id]=[N].[Customer].[Id]", "Orders, Homeless",
+         "[N].[Orders].[Id] = [N].[Customer].[Id]"},
     };
-    for (const Case& test : cases) {
-        const QEjoinInfo info = Read(
-            {test.relationshipLeft, test.relationshipRight, test.condition}, test.left, test.right);
-        EXPECT_EQ(info.expression, I18NString(test.expected)) << test.what;
+    for (const auto& test : cases) {
+        Metadata data(kShortcuts + std::string(test.ends) + " : j on " + test.condition +
+                      "; namespace; Homeless -> Customer; s -> j : " + test.shortcutEnds);
+        const std::string join = data.Read("s");
+        EXPECT_EQ(join.substr(join.rfind(": ") + 2), test.expected) << test.what;
     }
 }
 
-TEST_F(RelationshipShortcuts, KeepReferencesWhenTheQualifierIsUnknown)
+TEST(RelationshipShortcuts, FollowChainsThatEndAtARelationship)
 {
-    gateway.SetQualifier(kBuyer, {});
-    const QEjoinInfo info =
-        Read({kOrders, kCustomer, "[N].[Orders].[Id]=[N].[Customer].[Id]"}, kOrders, kBuyer);
-    EXPECT_EQ(info.expression, "[N].[Orders].[Id] = [N].[Customer].[Id]");
-}
-
-TEST_F(RelationshipShortcuts, FollowChainsThatEndAtARelationship)
-{
-    const amd_id outer{0, IdClassRelationshipShortcut, 2};
-    gateway.AddRelationship(kJoin, {kOrders, kCustomer, "a = b"});
-    gateway.AddRelationshipShortcut(kJoinShortcut, kJoin, kOrders, kCustomer);
-    gateway.AddRelationshipShortcut(outer, kJoinShortcut, kCustomer, kOrders);
-    QEjoinInfo info;
-    ASSERT_TRUE(AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, outer, info));
-    EXPECT_EQ(info.leftQuerySubject, kOrders);
-    EXPECT_EQ(info.name, "110:2");
-    gateway.AddRelationshipShortcut(outer, kJoinShortcut, {}, {});
-    EXPECT_TRUE(AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, outer, info))
+    Metadata data(R"(
+        Orders - Customer : r on a = b; Orders = Customer : second
+        inner -> r : Orders, Customer; outer -> inner : Customer, Orders
+    )");
+    EXPECT_EQ(data.Read("outer"), "outer 17: Orders 11..11 Customer 11..11: a = b");
+    data.Alter("outer", [](auto& record) { record.left = record.right = {}; });
+    EXPECT_EQ(data.Read("outer"), "outer 17: 0:0 11..11 0:0 11..11: a = b")
         << "ends of a relationship shortcut are not checked";
-
-    const amd_id cheap{0, IdClassRelationship136, 1};
-    gateway.AddRelationship(cheap, {kOrders, kCustomer, "a = b"});
-    gateway.AddRelationshipShortcut(kJoinShortcut, cheap, kOrders, kCustomer);
-    EXPECT_FALSE(AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, outer, info));
+    data.Alter("inner", [&](auto& record) { record.referenced = data.model.Id("second"); });
+    EXPECT_EQ(data.Read("outer"), "unreadable");
 }
 
 TEST(JoinCache, MergesTheListsOfARequest)

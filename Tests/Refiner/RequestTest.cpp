@@ -228,11 +228,11 @@ TEST(JoinPath, IsRememberedForTheRequest)
     compute("Orders, Region", "os", "", path);
     EXPECT_EQ(request.model.Names(path), "Store, os, sr") << "appended";
 
-    request.gateway.ResetCounts();
+    const std::size_t calls = request.gateway.GetCallCount();
     Ids again = request.model.Ids("cd");
     compute("Region, Orders, Orders", "", "os", again);
     EXPECT_EQ(again, path) << "replaced, by the whole vector of the first time";
-    EXPECT_EQ(request.gateway.GetCallCount(), 0U);
+    EXPECT_EQ(request.gateway.GetCallCount(), calls);
     compute("Region, Orders", "", "", again);
     EXPECT_NE(again, path);
 

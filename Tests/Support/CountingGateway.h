@@ -2,6 +2,7 @@
 #define TESTS_SUPPORT_COUNTINGGATEWAY_H
 
 #include "Engine/Expression/ReferenceResolver.h"
+#include "Engine/Model/ModelGateway.h"
 #include "Engine/Model/ObjectRecord.h"
 #include "amdi_gateway.h"
 #include "amdi_object.h"
@@ -24,42 +25,37 @@ public:
 };
 
 /// Passes every call on to another gateway and counts it. Single objects can be put in the place
-/// of the model's, which shows the refiner what no checked model holds (circles, objects of
-/// another class), and one call can be made to fail.
+/// of the model's, which shows the refiner what no checked model holds (circles, missing ends,
+/// objects of another class), and one call can be made to fail.
 class CountingGateway : public amdi_gateway, public qe::expression::ReferenceResolver
 {
 public:
     /// Refers to `next`, which must outlive this gateway.
-    explicit CountingGateway(amdi_gateway& next) : mNext(next) {}
+    explicit CountingGateway(qe::model::ModelGateway& next) : mNext(next) {}
 
     [[nodiscard]] amdi_object* GetObject(const amd_id& id) override;
     [[nodiscard]] I18NLocale GetLocale(const amd_id& id) override;
     [[nodiscard]] amd_id GetQualifierId(amd_id id) override;
-    /// Resolves through `next` where that can, is not counted.
+    /// Is not counted.
     [[nodiscard]] std::optional<qe::expression::ResolvedReference>
     ResolveReference(const std::vector<I18NString>& names) override;
 
     /// Answers `id` with an object made from the record, whose own id may differ.
     void Replace(const amd_id& id, const qe::model::ObjectRecord& record);
+    /// Answers the record's id with an object made from it.
+    void Replace(const qe::model::ObjectRecord& record) { Replace(record.id, record); }
     /// Answers `id` with null.
     void Hide(const amd_id& id);
     /// Makes the n-th call from now raise GatewayFailure, counted from 1; 0: none.
     void FailAtCall(std::size_t n) { mFailAt = n == 0 ? 0 : mCalls + n; }
 
-    /// Gives how often GetObject asked for `id`.
-    [[nodiscard]] std::size_t CountOf(const amd_id& id) const;
-    /// Gives how often GetObject asked for each id.
-    [[nodiscard]] const std::map<amd_id, std::size_t>& GetCounts() const { return mCounts; }
     /// Gives the calls of all three operations.
     [[nodiscard]] std::size_t GetCallCount() const { return mCalls; }
-    /// Starts counting anew; replacements and a failure to come stay.
-    void ResetCounts();
 
 private:
     void CountCall();
 
-    amdi_gateway& mNext;
-    std::map<amd_id, std::size_t> mCounts;
+    qe::model::ModelGateway& mNext;
     std::size_t mCalls = 0;
     std::size_t mFailAt = 0;
     std::deque<qe::model::ObjectRecord> mRecords;

@@ -1,17 +1,190 @@
 #include "Tests/Support/ModelText.h"
 
-#include "Tests/Support/ModelTextParser.h"
+#include "Engine/Model/ModelBuilder.h"
 
+#include <algorithm>
+#include <regex>
 #include <stdexcept>
 
 namespace qe::test {
 
-ModelText::ModelText(std::string_view text)
+using qe::model::CardinalityRange;
+using qe::model::ObjectOptions;
+
+namespace {
+
+/// A name as it stands in a text: "Orders#7" has the number 7, "Orders" the number 0.
+struct NumberedName
 {
-    ModelTextParser parser;
-    parser.Parse(text);
-    mModel = parser.GetBuilder().Build();
-    mGateway = std::make_unique<qe::model::ModelGateway>(mModel);
+    explicit NumberedName(const std::string& text)
+        : name(text.substr(0, text.rfind('#'))),
+          number(name == text ? 0 : std::stoi(text.substr(name.size() + 1)))
+    {}
+
+    [[nodiscard]] ObjectOptions InClass(std::int32_t classCode) const
+    {
+        return {.id = number == 0 ? amd_id() : amd_id(0, classCode, number)};
+    }
+
+    std::string name;
+    std::int32_t number;
+};
+
+CardinalityRange ReadEnd(const std::string& text)
+{
+    const bool isOptional = text.find('o') != std::string::npos;
+    if (text.find_first_of("<>") == std::string::npos)
+        return isOptional ? model::ZeroToOne : model::OneToOne;
+    return isOptional ? model::ZeroToMany : model::OneToMany;
+}
+
+/// Reads the notation into a builder.
+class ModelTextParser
+{
+public:
+    std::shared_ptr<const model::Model> Parse(std::string_view text)
+    {
+        Enter("namespace", "Model");
+        for (const std::string& line : SplitList(text, '\n')) {
+            for (const std::string& statement : SplitList(line.substr(0, line.find("//")), ';'))
+                ParseStatement(statement);
+        }
+        return mBuilder.Build();
+    }
+
+private:
+    void ParseStatement(const std::string& statement)
+    {
+        static const std::regex holder("(namespace|folder) ?(.*)");
+        static const std::regex filter("filter (.+) on (.+)");
+        static const std::regex queryFilter("query filter (.+) on (.+)");
+        static const std::regex shortcut("(.+?) ->([0-9]*) ([^:]+?)");
+        static const std::regex relationshipShortcut("(.+?) -> (.+?) : (.+), (.+)");
+        static const std::regex join("(.+?) (|o|>o?)([-=~])(|o|o?<) (.+?)"
+                                     "(?: : (.+?))?(?: on (.+))?");
+        std::smatch parts;
+        if (std::regex_match(statement, parts, holder))
+            Enter(parts[1], parts[2]);
+        else if (std::regex_match(statement, parts, filter))
+            mBuilder.AddFilter(mHolder, parts[1], parts[2]);
+        else if (std::regex_match(statement, parts, queryFilter))
+            mBuilder.AddSpecFilter(parts[1], parts[2]);
+        else if (std::regex_match(statement, parts, shortcut))
+            AddShortcut(parts);
+        else if (std::regex_match(statement, parts, relationshipShortcut))
+            AddRelationshipShortcut(parts);
+        else if (std::regex_match(statement, parts, join))
+            AddJoin(parts);
+        else
+            AddSubjects(statement);
+    }
+
+    void Enter(const std::string& kind, const std::string& path)
+    {
+        mHolder = kind == "folder" ? mSpace : amd_id();
+        for (const std::string& name : SplitList(path, '/')) {
+            amd_id& holder = mContainers[{mHolder, name}];
+            if (holder == amd_id())
+                holder = kind == "folder" ? mBuilder.AddFolder(mHolder, name)
+                                          : mBuilder.AddNamespace(name);
+            mHolder = holder;
+        }
+        if (kind == "namespace")
+            mSpace = mHolder;
+    }
+
+    void AddShortcut(const std::smatch& parts)
+    {
+        const NumberedName name(parts[1]);
+        const amd_id target = Subject(parts[3]);
+        mSubjects[name.name] =
+            mBuilder.AddShortcut(mHolder, name.name, {target, std::stoi('0' + parts[2].str())},
+                                 name.InClass(IdClassShortcut));
+    }
+
+    void AddRelationshipShortcut(const std::smatch& parts)
+    {
+        const NumberedName name(parts[1]);
+        const amd_id left = Subject(parts[3]);
+        mJoins[name.name] = mBuilder.AddRelationshipShortcut(
+            mHolder, name.name, {mJoins.at(parts[2]), left, Subject(parts[4])},
+            name.InClass(IdClassRelationshipShortcut));
+    }
+
+    void AddJoin(const std::smatch& parts)
+    {
+        const model::JoinEnd left{Subject(parts[1]), ReadEnd(parts[2])};
+        const model::JoinEnd right{Subject(parts[5]), ReadEnd(parts[4])};
+        const NumberedName name(parts[6].matched ? parts[6].str()
+                                                 : NumberedName(parts[1]).name + '-' +
+                                                       NumberedName(parts[5]).name);
+        amd_id& id = mJoins[name.name];
+        if (parts[3] == "~")
+            id = mBuilder.AddSpecJoin(name.name, left, right, parts[7],
+                                      name.InClass(IdClassSpecJoin));
+        else if (parts[3] == "=")
+            id = mBuilder.AddRelationship136(mHolder, name.name, left, right, parts[7],
+                                             name.InClass(IdClassRelationship136));
+        else
+            id = mBuilder.AddRelationship(mHolder, name.name, left, right, parts[7],
+                                          name.InClass(IdClassRelationship));
+    }
+
+    void AddSubjects(const std::string& statement)
+    {
+        static const std::regex subject(" *([^,(]+)(?:\\(([^)]*)\\))?,?");
+        for (std::sregex_iterator part(statement.begin(), statement.end(), subject), end;
+             part != end; ++part) {
+            const amd_id id = Subject((*part)[1]);
+            for (const std::string& item : SplitList((*part)[2].str(), ',')) {
+                const NumberedName name(item);
+                mBuilder.AddItem(id, name.name, name.InClass(IdClassQueryItem));
+            }
+        }
+    }
+
+    /// Gives the subject of that name, which is made when it is not there.
+    amd_id Subject(const std::string& text)
+    {
+        const NumberedName name(text);
+        amd_id& id = mSubjects[name.name];
+        if (id == amd_id())
+            id = mBuilder.AddQuerySubject(mHolder, name.name, name.InClass(IdClassQuerySubject));
+        return id;
+    }
+
+    model::ModelBuilder mBuilder;
+    amd_id mSpace;
+    amd_id mHolder;
+    std::map<std::string, amd_id> mSubjects;
+    std::map<std::string, amd_id> mJoins;
+    std::map<std::pair<amd_id, std::string>, amd_id> mContainers;
+};
+
+} // namespace
+
+std::vector<std::string> SplitList(std::string_view text, char separator)
+{
+    constexpr const char* blanks = " \t\r";
+    std::vector<std::string> parts;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(separator), text.size());
+        std::string part(text.substr(0, end));
+        part.erase(0, part.find_first_not_of(blanks));
+        part.erase(part.find_last_not_of(blanks) + 1);
+        if (!part.empty())
+            parts.push_back(std::move(part));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return parts;
+}
+
+ModelText::ModelText(std::string_view text) : ModelText(ModelTextParser().Parse(text))
+{}
+
+ModelText::ModelText(std::shared_ptr<const qe::model::Model> model)
+    : mModel(std::move(model)), mGateway(std::make_unique<qe::model::ModelGateway>(mModel))
+{
     for (const qe::model::ObjectRecord& record : mModel->GetRecords()) {
         const bool isItem = record.id.classCode == IdClassQueryItem;
         mIds.emplace(isItem ? Name(record.parent) + '.' + record.name : record.name, record.id);
@@ -20,7 +193,7 @@ ModelText::ModelText(std::string_view text)
 
 amd_id ModelText::Id(std::string_view name) const
 {
-    const NumberedName wanted = ParseNumberedName(name);
+    const NumberedName wanted{std::string(name)};
     const auto range = mIds.equal_range(wanted.name);
     std::vector<amd_id> found;
     for (auto entry = range.first; entry != range.second; ++entry) {

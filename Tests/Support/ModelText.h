@@ -13,6 +13,9 @@
 
 namespace qe::test {
 
+/// Splits at the separator and drops blanks around the parts, and empty parts.
+[[nodiscard]] std::vector<std::string> SplitList(std::string_view text, char separator);
+
 /// Turns a text into a model and names into ids, for tests that need to be read at a glance:
 ///
 ///     const ModelText model(R"(
@@ -44,12 +47,14 @@ namespace qe::test {
 /// ">" or "<" 1..n, ">o" or "o<" 0..n: "-", "o-", ">-<", ">o-o", "o=<", "-o<". A subject is made
 /// where it is first mentioned; a name may end in "#7", which sets the number of its id.
 ///
-/// Numbers count from 1 within a class, in the order of the text. Errors in the text raise
-/// std::invalid_argument, mistakes in the model qe::model::ModelError.
+/// Numbers count from 1 within a class, in the order of the text. What is no statement of another
+/// kind names subjects. Mistakes in the model raise qe::model::ModelError.
 class ModelText
 {
 public:
     explicit ModelText(std::string_view text);
+    /// Shows a model that was built otherwise.
+    explicit ModelText(std::shared_ptr<const qe::model::Model> model);
 
     [[nodiscard]] const std::shared_ptr<const qe::model::Model>& GetModel() const { return mModel; }
     /// Gives the gateway into the model, which lives as long as this object.

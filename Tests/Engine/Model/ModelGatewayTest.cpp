@@ -3,7 +3,6 @@
 #include "AQE_I_QuerySpecJoin.h"
 #include "Engine/Model/Model.h"
 #include "Engine/Model/ModelBuilder.h"
-#include "Tests/Support/CountingGateway.h"
 #include "Tests/Support/ModelText.h"
 #include "amdi_filter.h"
 #include "amdi_relationship.h"
@@ -19,7 +18,6 @@
 namespace qe::model {
 namespace {
 
-using qe::test::CountingGateway;
 using qe::test::ModelText;
 
 /// Fetches an object by its name as one of the interfaces.
@@ -181,33 +179,6 @@ TEST(ModelGatewayTest, SharesOneModelBetweenThreads)
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(wrong, 0);
-}
-
-TEST(CountingGatewayTest, CountsReplacesAndFails)
-{
-    const ModelText model("A - B : r");
-    CountingGateway gateway(model.GetGateway());
-    ObjectRecord circle;
-    circle.id = amd_id(0, IdClassShortcut, 4);
-    circle.referenced = circle.id;
-    gateway.Replace(circle.id, circle);
-    gateway.Hide(model.Id("B"));
-
-    EXPECT_NE(gateway.GetObject(model.Id("A")), nullptr);
-    EXPECT_EQ(gateway.GetObject(model.Id("B")), nullptr);
-    EXPECT_EQ(gateway.GetObject(model.Id("B")), nullptr);
-    EXPECT_EQ(dynamic_cast<amdi_shortcut*>(gateway.GetObject(circle.id))->GetReferencedId(),
-              circle.id);
-    EXPECT_EQ(gateway.GetQualifierId(model.Id("A")), model.Id("Model"));
-    EXPECT_EQ(gateway.CountOf(model.Id("B")), 2U);
-    EXPECT_EQ(gateway.CountOf(model.Id("r")), 0U);
-    EXPECT_EQ(gateway.GetCallCount(), 5U);
-
-    gateway.FailAtCall(2);
-    gateway.ResetCounts();
-    EXPECT_EQ(gateway.GetLocale(model.Id("A")).GetTag(), I18NString("en"));
-    EXPECT_THROW(static_cast<void>(gateway.GetObject(model.Id("A"))), qe::test::GatewayFailure);
-    EXPECT_NO_THROW(static_cast<void>(gateway.GetObject(model.Id("A"))));
 }
 
 } // namespace
