@@ -12,22 +12,25 @@ class amdi_gateway;
 ///
 /// Expressions are join and filter conditions:
 /// - references `[namespace].[subject].[item]` of one or more names, "]" doubled inside a name;
+///   names may stand between double quotes as well, which are doubled inside;
 /// - literals: numbers with a decimal point, texts between single quotes, which are doubled
 ///   inside; NULL and other names without brackets stand for themselves;
-/// - calls `name(argument, ...)`, the name perhaps with dots;
+/// - calls `name(argument, ...)`, the name perhaps with dots, and CAST(... AS type);
+/// - CASE [...] WHEN ... THEN ... [ELSE ...] END;
 /// - unary -, then * and /, then + and -, then ||, then the predicates = <> != < <= > >=,
 ///   [NOT] IN (...), [NOT] LIKE ... [ESCAPE ...], [NOT] BETWEEN ... AND ... and IS [NOT] NULL,
 ///   then NOT, AND and OR, which bind least; parentheses.
 ///
-/// Keywords are known in any case. Names and texts may hold any characters. Numbers, separators
-/// and keywords are the same in every locale.
+/// Comments, from -- to the end of the line or from /* to */, count as blanks. Keywords are known
+/// in any case. Names and texts may hold any characters. Numbers, separators and keywords are the
+/// same in every locale.
 class QEENGINE_EXPORT AQE_Expression : public AQE_ExpressionNode
 {
 public:
     ~AQE_Expression() override;
 
     /// Gives the text without the markup tags around its references, as Create parses it. What
-    /// stands between brackets or single quotes is never touched.
+    /// stands between brackets or quotes or in comments is never touched.
     ///
     /// A "<" begins a tag when a tag follows that cannot be part of a condition: `</name>`,
     /// `<name/>` or `<name attribute="value">`. A tag `<name>` without attributes could be two

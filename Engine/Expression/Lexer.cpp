@@ -16,15 +16,22 @@ struct Spelling
     ETokenKind kind;
 };
 
-constexpr std::array<Spelling, 9> keywords{{{"and", ETokenKind::And},
-                                            {"or", ETokenKind::Or},
-                                            {"not", ETokenKind::Not},
-                                            {"in", ETokenKind::In},
-                                            {"like", ETokenKind::Like},
-                                            {"escape", ETokenKind::Escape},
-                                            {"between", ETokenKind::Between},
-                                            {"is", ETokenKind::Is},
-                                            {"null", ETokenKind::Null}}};
+constexpr std::array<Spelling, 16> keywords{{{"and", ETokenKind::And},
+                                             {"or", ETokenKind::Or},
+                                             {"not", ETokenKind::Not},
+                                             {"in", ETokenKind::In},
+                                             {"like", ETokenKind::Like},
+                                             {"escape", ETokenKind::Escape},
+                                             {"between", ETokenKind::Between},
+                                             {"is", ETokenKind::Is},
+                                             {"null", ETokenKind::Null},
+                                             {"case", ETokenKind::Case},
+                                             {"when", ETokenKind::When},
+                                             {"then", ETokenKind::Then},
+                                             {"else", ETokenKind::Else},
+                                             {"end", ETokenKind::EndCase},
+                                             {"cast", ETokenKind::Cast},
+                                             {"as", ETokenKind::As}}};
 
 /// A symbol stands before those that it begins with.
 constexpr std::array<Spelling, 16> symbols{{{"<>", ETokenKind::NotEqual},
@@ -71,19 +78,32 @@ std::size_t FindEndOfQuoted(std::string_view text, std::size_t offset, char clos
 
 Token Lexer::Next()
 {
+    Token token = NextPiece();
+    while (token.kind == ETokenKind::Comment)
+        token = NextPiece();
+    return token;
+}
+
+Token Lexer::NextPiece()
+{
     while (mOffset < mText.size() && IsBlank(mText[mOffset]))
         ++mOffset;
     if (mOffset == mText.size())
         return Take(ETokenKind::End, 0);
     const char c = mText[mOffset];
     if (c == '[')
-        return TakeQuoted(']', ETokenKind::BracketedName, ETokenKind::OpenName);
+        return TakeQuoted(']', ETokenKind::QuotedName, ETokenKind::OpenName);
+    if (c == '"')
+        return TakeQuoted('"', ETokenKind::QuotedName, ETokenKind::OpenName);
     if (c == '\'')
         return TakeQuoted('\'', ETokenKind::String, ETokenKind::OpenString);
     if (IsWordStart(c))
         return TakeWord();
     if (IsDigit(c) || (c == '.' && IsDigitAt(mOffset + 1)))
         return TakeNumber();
+    const std::string_view pair = mText.substr(mOffset, 2);
+    if (pair == "--" || pair == "/*")
+        return TakeComment();
     return TakeSymbol();
 }
 
@@ -99,6 +119,17 @@ Token Lexer::TakeQuoted(char close, ETokenKind closed, ETokenKind open)
     if (end == std::string_view::npos)
         return Take(open, mText.size() - mOffset);
     return Take(closed, end - mOffset);
+}
+
+Token Lexer::TakeComment()
+{
+    const std::string_view rest = mText.substr(mOffset);
+    if (rest.front() == '-')
+        return Take(ETokenKind::Comment, std::min(rest.find('\n'), rest.size()));
+    const std::size_t end = rest.find("*/", 2);
+    if (end == std::string_view::npos)
+        return Take(ETokenKind::OpenComment, rest.size());
+    return Take(ETokenKind::Comment, end + 2);
 }
 
 Token Lexer::TakeWord()

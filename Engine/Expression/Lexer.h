@@ -16,11 +16,14 @@ public:
     /// `text` must outlive the lexer.
     explicit Lexer(std::string_view text) : mText(text) {}
 
-    /// Gives the next token; at the end of the text End, again and again.
+    /// Gives the next token that is no comment; at the end of the text End, again and again.
     [[nodiscard]] Token Next();
+    /// Gives the next token or comment.
+    [[nodiscard]] Token NextPiece();
 
 private:
     [[nodiscard]] Token Take(ETokenKind kind, std::size_t length);
+    [[nodiscard]] Token TakeComment();
     [[nodiscard]] Token TakeQuoted(char close, ETokenKind closed, ETokenKind open);
     [[nodiscard]] Token TakeWord();
     [[nodiscard]] Token TakeNumber();
@@ -35,8 +38,8 @@ private:
 /// Gives the keyword that `word` is, in any case, or Word.
 [[nodiscard]] ETokenKind KeywordOf(std::string_view word) noexcept;
 
-/// Gives the offset behind the bracketed name or string that begins at `offset`, whose closing
-/// mark, doubled, stands for itself; npos when it is not closed.
+/// Gives the offset behind the quoted name or string that begins at `offset`, whose closing mark,
+/// doubled, stands for itself; npos when it is not closed.
 [[nodiscard]] std::size_t FindEndOfQuoted(std::string_view text, std::size_t offset,
                                           char close) noexcept;
 

@@ -19,9 +19,11 @@ int JoinClass(char c)
         return 1;
     if (std::string_view("<>=!|").find(c) != std::string_view::npos)
         return 2;
-    if (c == '\'')
+    if (c == '/' || c == '*')
         return 3;
-    return c == ']' ? 4 : 0;
+    constexpr std::string_view pairs = "'\"]-";
+    const std::size_t pair = pairs.find(c);
+    return pair == std::string_view::npos ? 0 : 4 + static_cast<int>(pair);
 }
 
 bool WouldJoin(char left, char right)
@@ -32,13 +34,14 @@ bool WouldJoin(char left, char right)
 bool EndsOperand(ETokenKind kind)
 {
     switch (kind) {
-    case ETokenKind::BracketedName:
+    case ETokenKind::QuotedName:
     case ETokenKind::OpenName:
     case ETokenKind::String:
     case ETokenKind::OpenString:
     case ETokenKind::Number:
     case ETokenKind::Word:
     case ETokenKind::Null:
+    case ETokenKind::EndCase:
     case ETokenKind::RightParenthesis:
         return true;
     default:
@@ -81,9 +84,10 @@ std::size_t MarkupRemover::CopyPiece(std::size_t offset)
         Emit(rest.substr(0, 1), offset);
         return offset + 1;
     }
-    const Token token = Lexer(rest).Next();
+    const Token token = Lexer(rest).NextPiece();
     Emit(token.text, offset);
-    mOperandBefore = EndsOperand(token.kind);
+    if (token.kind != ETokenKind::Comment)
+        mOperandBefore = EndsOperand(token.kind);
     return offset + token.text.size();
 }
 
@@ -108,7 +112,7 @@ void MarkupRemover::NoteClosingTags()
         else if (IsBlank(mText[offset]))
             ++offset;
         else
-            offset += Lexer(mText.substr(offset)).Next().text.size();
+            offset += Lexer(mText.substr(offset)).NextPiece().text.size();
     }
 }
 

@@ -15,13 +15,15 @@ namespace qe::expression {
 ///
 /// Operands by kind: Or, And, Comparison, Concatenation, Sum and Product have an operator
 /// between each two; In has the tested value and then the list; Like the value, the pattern and
-/// perhaps the escape character; Between the value and both bounds; Not, Negation and IsNull
-/// have one; Call has its arguments; the other kinds have none.
+/// perhaps the escape character; Between the value and both bounds; Case perhaps the value that
+/// is compared, then its Whens, then perhaps what ELSE gives; When the condition and what THEN
+/// gives; Not, Negation, IsNull and Cast have one; Call has its arguments; the other kinds have
+/// none.
 class Node : public AQE_ExpressionNode
 {
 public:
-    /// Makes a node without operands. `text` is the value of a literal, without quotes, or the
-    /// name of a function or constant.
+    /// Makes a node without operands. `text` is the value of a literal, without quotes, the name
+    /// of a function or constant, or the type of a Cast.
     explicit Node(ENodeKind kind, std::string text = {});
     Node(const Node&) = delete;
     Node& operator=(const Node&) = delete;

@@ -27,6 +27,9 @@ enum class ENodeKind : std::uint8_t
     Like = 16,
     Between = 17,
     IsNull = 18,
+    Case = 19,
+    When = 20,
+    Cast = 21,
 };
 
 /// What stands between two operands, and the NOT inside NOT IN, NOT LIKE, NOT BETWEEN and

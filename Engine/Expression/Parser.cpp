@@ -54,6 +54,10 @@ private:
     void ParseList(Node& parent);
     NodePointer ParseOperand();
     NodePointer ParseParenthesis();
+    NodePointer ParseCase();
+    NodePointer ParseWhen();
+    NodePointer ParseCast();
+    std::string ParseType();
     NodePointer ParseReference();
     NodePointer ParseNameOrCall();
 
@@ -63,6 +67,7 @@ private:
     bool Accept(ETokenKind kind);
     void Expect(ETokenKind kind, const char* expected);
     [[noreturn]] void Fail(std::string expected) const;
+    [[noreturn]] void FailAtOpenName() const;
 
     Lexer mLexer;
     Token mCurrent;
@@ -217,7 +222,11 @@ NodePointer Parser::ParseOperand()
         return ParseNested(ENodeKind::Negation, EPrecedence::Negation);
     case ETokenKind::LeftParenthesis:
         return ParseParenthesis();
-    case ETokenKind::BracketedName:
+    case ETokenKind::Case:
+        return ParseCase();
+    case ETokenKind::Cast:
+        return ParseCast();
+    case ETokenKind::QuotedName:
         return ParseReference();
     case ETokenKind::String:
         return std::make_unique<Node>(ENodeKind::String, GetValue(Advance()));
@@ -228,7 +237,7 @@ NodePointer Parser::ParseOperand()
     case ETokenKind::Word:
         return ParseNameOrCall();
     case ETokenKind::OpenName:
-        Fail("a name that ends in ']'");
+        FailAtOpenName();
     case ETokenKind::OpenString:
         Fail("a text that ends in a single quote");
     default:
@@ -245,15 +254,83 @@ NodePointer Parser::ParseParenthesis()
     return inner;
 }
 
+NodePointer Parser::ParseCase()
+{
+    const Nesting nesting(*this);
+    Advance();
+    auto choice = std::make_unique<Node>(ENodeKind::Case);
+    if (!Is(ETokenKind::When))
+        choice->AddOperand(ParseExpression(EPrecedence::Or));
+    do {
+        choice->AddOperand(ParseWhen());
+    } while (Is(ETokenKind::When));
+    if (Accept(ETokenKind::Else)) {
+        choice->AddOperand(ParseExpression(EPrecedence::Or));
+        Expect(ETokenKind::EndCase, "an operator or END");
+    } else {
+        Expect(ETokenKind::EndCase, "an operator, WHEN, ELSE or END");
+    }
+    return choice;
+}
+
+NodePointer Parser::ParseWhen()
+{
+    Expect(ETokenKind::When, "an operator or WHEN");
+    auto branch = std::make_unique<Node>(ENodeKind::When);
+    branch->AddOperand(ParseExpression(EPrecedence::Or));
+    Expect(ETokenKind::Then, "an operator or THEN");
+    branch->AddOperand(ParseExpression(EPrecedence::Or));
+    return branch;
+}
+
+NodePointer Parser::ParseCast()
+{
+    const Nesting nesting(*this);
+    Advance();
+    Expect(ETokenKind::LeftParenthesis, "'('");
+    NodePointer value = ParseExpression(EPrecedence::Or);
+    Expect(ETokenKind::As, "an operator or AS");
+    auto cast = std::make_unique<Node>(ENodeKind::Cast, ParseType());
+    cast->AddOperand(std::move(value));
+    Expect(ETokenKind::RightParenthesis, "'(', ')' or more of the type");
+    return cast;
+}
+
+/// Reads words, behind each of which sizes may stand, as in "timestamp(3) with time zone". Gives
+/// them with single blanks.
+std::string Parser::ParseType()
+{
+    if (!Is(ETokenKind::Word))
+        Fail("a type");
+    std::string type;
+    while (Is(ETokenKind::Word)) {
+        type += type.empty() ? "" : " ";
+        type += Advance().text;
+        if (!Accept(ETokenKind::LeftParenthesis))
+            continue;
+        char separator = '(';
+        do {
+            if (!Is(ETokenKind::Number) && !Is(ETokenKind::Word))
+                Fail("a size");
+            type += separator;
+            type += Advance().text;
+            separator = ',';
+        } while (Accept(ETokenKind::Comma));
+        Expect(ETokenKind::RightParenthesis, "',' or ')'");
+        type += ')';
+    }
+    return type;
+}
+
 NodePointer Parser::ParseReference()
 {
     const std::size_t offset = mCurrent.offset;
     std::vector<I18NString> names;
     do {
         if (Is(ETokenKind::OpenName))
-            Fail("a name that ends in ']'");
-        if (!Is(ETokenKind::BracketedName) || mCurrent.text.size() == 2)
-            Fail("a name between brackets");
+            FailAtOpenName();
+        if (!Is(ETokenKind::QuotedName) || mCurrent.text.size() == 2)
+            Fail("a name between brackets or double quotes");
         names.emplace_back(GetValue(Advance()));
     } while (Accept(ETokenKind::Dot));
     auto reference = std::make_unique<ReferenceNode>(names);
@@ -292,8 +369,16 @@ void Parser::Expect(ETokenKind kind, const char* expected)
         Fail(expected);
 }
 
+void Parser::FailAtOpenName() const
+{
+    Fail(mCurrent.text.front() == '[' ? "a name that ends in ']'"
+                                      : "a name that ends in a double quote");
+}
+
 void Parser::Fail(std::string expected) const
 {
+    if (Is(ETokenKind::OpenComment))
+        expected = "a comment that ends in '*/'";
     throw SyntaxFailure({mCurrent.offset, std::move(expected), Describe(mCurrent)});
 }
 

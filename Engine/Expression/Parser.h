@@ -13,7 +13,8 @@
 
 namespace qe::expression {
 
-/// Parentheses, lists of arguments, NOT and unary minus may be nested this deep, all together.
+/// Parentheses, lists of arguments, CASE, NOT and unary minus may be nested this deep, all
+/// together.
 constexpr int maximumNesting = 200;
 
 /// A reference that stands in a parsed text.
@@ -51,8 +52,9 @@ struct ParseResult
 /// makes no difference; neither does grouping a row of + - or * / from the left. Such groups
 /// give one node with all operands.
 ///
-/// An operand is a reference, a literal, NULL or another name without brackets, a call or an
-/// expression in parentheses. Time is linear in the text times its nesting.
+/// An operand is a reference, a literal, NULL or another name without brackets, a call, CASE,
+/// CAST or an expression in parentheses. Names between double quotes are the same as those
+/// between brackets; comments are passed over. Time is linear in the text times its nesting.
 [[nodiscard]] ParseResult Parse(std::string_view text);
 
 } // namespace qe::expression

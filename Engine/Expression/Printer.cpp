@@ -56,6 +56,12 @@ void Printer::PrintNode(const Node& node)
     case ENodeKind::Call:
         mOut += node.GetText();
         return PrintList(node, 0);
+    case ENodeKind::Case:
+        return PrintCase(node);
+    case ENodeKind::When:
+        return PrintWhen(node);
+    case ENodeKind::Cast:
+        return PrintCast(node);
     case ENodeKind::Not:
         mOut += "NOT ";
         return PrintOperand(*node.GetOperands().front(), EPrecedence::Not);
@@ -92,7 +98,7 @@ void Printer::PrintInfix(const Node& node)
     }
 }
 
-/// Keeps two signs apart, since "--" begins a comment in some dialects.
+/// Keeps two signs apart, since "--" begins a comment.
 void Printer::PrintNegation(const Node& node)
 {
     const Node& operand = *node.GetOperands().front();
@@ -124,6 +130,34 @@ void Printer::PrintPredicate(const Node& node)
         mOut += isLike ? " ESCAPE " : " AND ";
         PrintOperand(*operands[2], loosest);
     }
+}
+
+/// Only the value that is compared stands before the first WHEN.
+void Printer::PrintCase(const Node& choice)
+{
+    mOut += "CASE";
+    const char* beforeOther = " ";
+    for (const auto& operand : choice.GetOperands()) {
+        mOut += operand->GetKind() == ENodeKind::When ? " " : beforeOther;
+        PrintNode(*operand);
+        beforeOther = " ELSE ";
+    }
+    mOut += " END";
+}
+
+void Printer::PrintWhen(const Node& branch)
+{
+    mOut += "WHEN ";
+    PrintNode(*branch.GetOperands().front());
+    mOut += " THEN ";
+    PrintNode(*branch.GetOperands().back());
+}
+
+void Printer::PrintCast(const Node& cast)
+{
+    mOut += "CAST(";
+    PrintNode(*cast.GetOperands().front());
+    mOut += " AS " + cast.GetText() + ')';
 }
 
 void Printer::PrintList(const Node& node, std::size_t first)

@@ -9,7 +9,7 @@ namespace qe::expression {
 
 /// Writes trees as text that Parse reads back as the same tree, with parentheses only where the
 /// tree would change without them. Keywords are written in capitals, "<>" for every unequal
-/// sign; literals and names without brackets as they were read.
+/// sign, references in brackets; literals, types and other names as they were read.
 class Printer
 {
 public:
@@ -27,6 +27,9 @@ private:
     void PrintInfix(const Node& node);
     void PrintNegation(const Node& node);
     void PrintPredicate(const Node& node);
+    void PrintCase(const Node& choice);
+    void PrintWhen(const Node& branch);
+    void PrintCast(const Node& cast);
     void PrintList(const Node& node, std::size_t first);
     void PrintQuoted(std::string_view value, char open, char close);
 

@@ -11,14 +11,18 @@ namespace qe::expression {
 enum class ETokenKind : std::uint8_t
 {
     End,
-    /// Something between brackets or quotes, with them.
-    BracketedName,
+    /// A name between brackets or double quotes, with them.
+    QuotedName,
+    /// A text between single quotes, with them.
     String,
-    /// A bracketed name or string that the text ends in.
+    /// "-- to the end of the line" or "/* to its own end */".
+    Comment,
+    /// What the text ends in before it is closed.
     OpenName,
     OpenString,
+    OpenComment,
     Number,
-    /// A name without brackets that is no keyword.
+    /// A name without brackets or quotes that is no keyword.
     Word,
     And,
     Or,
@@ -29,6 +33,14 @@ enum class ETokenKind : std::uint8_t
     Between,
     Is,
     Null,
+    Case,
+    When,
+    Then,
+    Else,
+    /// The keyword that closes CASE.
+    EndCase,
+    Cast,
+    As,
     Equal,
     NotEqual,
     Less,
@@ -57,8 +69,8 @@ struct Token
     std::size_t offset = 0;
 };
 
-/// Gives what stands between the marks of a bracketed name or string, in which the closing mark
-/// is doubled.
+/// Gives what stands between the marks of a quoted name or string, in which the closing mark is
+/// doubled.
 [[nodiscard]] std::string GetValue(const Token& token);
 
 /// Shows a token in an error message: between quotes, cut between two characters when it is long.

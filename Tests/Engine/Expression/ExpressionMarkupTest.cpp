@@ -54,6 +54,11 @@ TEST(ExpressionMarkup, LeavesTagsOutAndKeepsComparisons)
         {"a&lt;b&gt;c</b> &lt;&gt; d &amp; e", "a<b>c <> d &amp; e"},
         // Tokens stay apart.
         {"a</b>and 1</b>.5 'x'</b>'y' a<</b>=b", "a and 1 .5 'x' 'y' a< =b"},
+        {"-</b>-1 /</b>* \"x\"</b>\"y\"", "- -1 / * \"x\" \"y\""},
+        // Comments.
+        {"a -- <b/>&lt;\n</b>= /* '<c/> */1<d/>", "a -- <b/>&lt;\n= /* '<c/> */1"},
+        {"case when a then b end /**/<y>z", nullptr},
+        {"\"<b/>\"<c/>", "\"<b/>\""},
         {"<i>a</i> <i>b</i>", "a b"},
         {"[n].<i>[q]</i>.[i]</i>(a</i>)", "[n].[q].[i](a)"},
     };

@@ -25,9 +25,9 @@ public:
     std::string Write(int depth)
     {
         if (depth == 0 || Pick(8) == 0)
-            return PickText({"[a].[b].[c]", "[x]]y].[ö]", "12", ".5e3", "'it''s <b>'", "''", "nUll",
-                             "today", "now()"});
-        switch (Pick(11)) {
+            return PickText({"[a].[b].[c]", "[x]]y].[ö]", "\"a]\"\"\" . [b]", "12", ".5e3",
+                             "'it''s <b>'", "''", "nUll", "today", "now()"});
+        switch (Pick(13)) {
         case 0:
             return "not " + Group(depth);
         case 1:
@@ -43,6 +43,11 @@ public:
             return Group(depth) + Negation() + " between " + Group(depth) + " and " + Group(depth);
         case 6:
             return Group(depth) + " is" + Negation() + " null";
+        case 7:
+            return Case(depth);
+        case 8:
+            return "cast (" + Group(depth) +
+                   PickText({" as t)", " AS a ( 1,max ) b)", " as double precision)"});
         default:
             return Row(depth);
         }
@@ -52,7 +57,18 @@ private:
     std::string Group(int depth)
     {
         const std::string inner = Write(depth - 1);
-        return Pick(4) == 0 ? inner : Pick(4) == 0 ? "( (" + inner + "))" : '(' + inner + ')';
+        const char* const note = Pick(8) == 0 ? PickText({"/* it's ) */", "--\"[*\n", "/**/"}) : "";
+        return Pick(4) == 0   ? ' ' + inner + ' '
+               : Pick(4) == 0 ? "( (" + inner + ")" + note + ")"
+                              : '(' + (note + inner) + ')';
+    }
+
+    std::string Case(int depth)
+    {
+        std::string text = "case" + (Pick(2) == 0 ? Group(depth) : "");
+        for (int more = 1 + Pick(2); more > 0; --more)
+            text += " when " + Group(depth) + "THEN " + Group(depth);
+        return text + (Pick(2) == 0 ? " else" + Group(depth) : "") + " end";
     }
 
     std::string Row(int depth)
@@ -136,10 +152,11 @@ TEST(ExpressionProperty, PrintedTextIsTheSameTreeAndNeedsEachOfItsParentheses)
 
 TEST(ExpressionProperty, NoBytesBreakTheParser)
 {
-    const std::string pieces[] = {"<refobj>", "</refobj>", "<a b='c'>", "<d/>",  "&lt;", "&gt;",
-                                  "[",        "]",         "'",         "(",     ")",    "<",
-                                  ">",        "=",         " and ",     " not ", ",",    ".",
-                                  "[a].[b]",  "in",        "\xC3",      "\n",    "1e",   "- "};
+    const std::string pieces[] = {"<refobj>", "</refobj>", "<a b='c'>", "<d/>",  "&lt;",  "&gt;",
+                                  "[",        "]",         "'",         "(",     ")",     "<",
+                                  ">",        "=",         " and ",     " not ", ",",     ".",
+                                  "[a].[b]",  "in",        "\xC3",      "\n",    "1e",    "- ",
+                                  "\"",       "--",        "/*",        "*/",    "case ", "as"};
     ExpressionWriter writer(7);
     for (int i = 0; i < 10000; ++i) {
         std::string text;
@@ -164,8 +181,10 @@ TEST(ExpressionProperty, NoBytesBreakTheParser)
 
 TEST(ExpressionProperty, LongRunsOfMarkTakeLinearTime)
 {
-    for (const char* const piece : {"<", "<a", "<a>", "<a b='", "<a b='c' ", "&lt", "[", "'", "]]",
-                                    "</a>", "a<b>", "(", "[a].", "a.", " ", "\xFF"}) {
+    for (const char* const piece :
+         {"<",  "<a",   "<a>",  "<a b='", "<a b='c' ",  "&lt",  "[", "'",
+          "]]", "</a>", "a<b>", "(",      "[a].",       "a.",   " ", "\xFF",
+          "\"", "--\n", "/*",   "/**/",   "case when ", "cast("}) {
         std::string text;
         while (text.size() < 100000)
             text += piece;

@@ -40,7 +40,7 @@ TEST(Expression, IsWrittenInOneFormWithFewParentheses)
         {"((a-b)-c)-(d-(e+f))", "a - b - c - (d - (e + f))"},
         {"(a*b)/c*(d/e)+(f*g)", "a * b / c * (d / e) + f * g"},
         {"(a+b)*-(c-d)", "(a + b) * -(c - d)"},
-        {"--(-1)", "- - -1"},
+        {"- - (-1)", "- - -1"},
         {"(a||b)||(c||(d+e))||(f=g)", "a || b || c || d + e || (f = g)"},
         {"a||b=c+d", "a || b = c + d"},
         {"x_1.f$ ( (a), (b or c) ,g())", "x_1.f$(a, b OR c, g())"},
@@ -53,6 +53,15 @@ TEST(Expression, IsWrittenInOneFormWithFewParentheses)
         {"a is null or (b is not null) or null", "a IS NULL OR b IS NOT NULL OR null"},
         {"(a is null) is null", "(a IS NULL) IS NULL"},
         {"[one]", "[one]"},
+        {"\"n s\" . \"q\"\"]\".[i]<\"one\"", "[n s].[q\"]]].[i] < [one]"},
+        {"a -- b\n= /* 'c' */ 1--", "a = 1"},
+        {"cAse when (a or b) then (-1) else(c) End+1", "CASE WHEN a OR b THEN -1 ELSE c END + 1"},
+        {"case (a) when 1 then 'x' when 2 then (case when b then c end)end is null",
+         "CASE a WHEN 1 THEN 'x' WHEN 2 THEN CASE WHEN b THEN c END END IS NULL"},
+        {"-cast((a||b) as\nvarchar ( 9 ))", "-CAST(a || b AS varchar(9))"},
+        {"Cast(a as Decimal( 9,2 )) = lib.cast(timestamp) * cast(b as timestamp (3) with time "
+         "zone)",
+         "CAST(a AS Decimal(9,2)) = lib.cast(timestamp) * CAST(b AS timestamp(3) with time zone)"},
         {"[a].[b].[c].[d].[e]", "[a].[b].[c].[d].[e]"},
     };
     for (const auto& [text, printed] : cases) {
@@ -63,18 +72,22 @@ TEST(Expression, IsWrittenInOneFormWithFewParentheses)
 
 TEST(Expression, TellsGroupsApartThatMeanDifferentThings)
 {
-    const PrintCase cases[] = {{"a - b - c", "a - (b - c)"},
-                               {"a / b * c", "a / (b * c)"},
-                               {"a OR b AND c", "(a OR b) AND c"},
-                               {"NOT a = b", "(NOT a) = b"},
-                               {"-a + b", "-(a + b)"},
-                               {"a NOT IN (b)", "NOT a IN (b)"},
-                               {"a < b", "a <= b"},
-                               {"'a'", "a"},
-                               {"[a].[b]", "[a.b]"},
-                               {"[a].[b]", "[a].[b].[b]"},
-                               {"1.0", "1"},
-                               {"f(a)", "g(a)"}};
+    const PrintCase cases[] = {
+        {"a - b - c", "a - (b - c)"},
+        {"a / b * c", "a / (b * c)"},
+        {"a OR b AND c", "(a OR b) AND c"},
+        {"NOT a = b", "(NOT a) = b"},
+        {"-a + b", "-(a + b)"},
+        {"a NOT IN (b)", "NOT a IN (b)"},
+        {"a < b", "a <= b"},
+        {"'a'", "a"},
+        {"[a].[b]", "[a.b]"},
+        {"[a].[b]", "[a].[b].[b]"},
+        {"1.0", "1"},
+        {"f(a)", "g(a)"},
+        {"CASE WHEN a THEN b END", "CASE a WHEN a THEN b END"},
+        {"CASE WHEN a THEN b WHEN c THEN d END", "CASE WHEN a THEN b WHEN c THEN d ELSE d END"},
+        {"CAST(a AS t)", "CAST(a AS t(1))"}};
     for (const auto& [left, right] : cases) {
         EXPECT_NE(DescribeTree(*ParseText(left)), DescribeTree(*ParseText(right))) << left;
         EXPECT_EQ(PrintTree(*ParseText(left)), left);
@@ -111,12 +124,24 @@ TEST(Expression, RefusesOtherTextWithPlaceAndExpectation)
         {"a between 1 or 2", "line 1, column 13", "an operator or AND", "\"or\""},
         {"a is 1", "line 1, column 6", "NULL or NOT NULL", "\"1\""},
         {"a is not 1", "line 1, column 10", "NULL", "\"1\""},
-        {"[a].[]", "line 1, column 5", "a name between brackets", "\"[]\""},
-        {"[a].b", "line 1, column 5", "a name between brackets", "\"b\""},
+        {"[a].[]", "line 1, column 5", "a name between brackets or double quotes", "\"[]\""},
+        {"[a].b", "line 1, column 5", "a name between brackets or double quotes", "\"b\""},
         {"a.[b]", "line 1, column 3", "a name", "\"[b]\""},
         {"[a].[b", "line 1, column 5", "a name that ends in ']'", "\"[b\""},
         {"[a]] = 1", "line 1, column 1", "a name that ends in ']'", "\"[a]] = 1\""},
         {"a = 'it''s", "line 1, column 5", "a text that ends in a single quote", "\"'it''s\""},
+        {"[a].\"b", "line 1, column 5", "a name that ends in a double quote", "\"\"b\""},
+        {"a\n /*/ b", "line 2, column 2", "a comment that ends in '*/'", "\"/*/ b\""},
+        {"case a then b", "line 1, column 8", "an operator or WHEN", "\"then\""},
+        {"case when a end", "line 1, column 13", "an operator or THEN", "\"end\""},
+        {"case when a then b )", "line 1, column 20", "an operator, WHEN, ELSE or END", "\")\""},
+        {"case when a then b else c when", "line 1, column 27", "an operator or END", "\"when\""},
+        {"cast a", "line 1, column 6", "'('", "\"a\""},
+        {"cast(a, b)", "line 1, column 7", "an operator or AS", "\",\""},
+        {"cast(a as 'b')", "line 1, column 11", "a type", "\"'b'\""},
+        {"cast(a as b(-1))", "line 1, column 13", "a size", "\"-\""},
+        {"cast(a as b(1)", "line 1, column 15", "'(', ')' or more of the type",
+         "the end of the text"},
         {"1.2.3", "line 1, column 4", end, "\".3\""},
         {"1,5", "line 1, column 2", end, "\",\""},
         {"a & b", "line 1, column 3", end, "\"&\""},
@@ -143,7 +168,9 @@ TEST(Expression, RefusesOtherTextWithPlaceAndExpectation)
 
 TEST(Expression, BoundsNestingButNotLength)
 {
-    const PrintCase nests[] = {{"(", ")"}, {"f(", ")"}, {"NOT ", ""}, {"- ", ""}, {"1 IN (", ")"}};
+    const PrintCase nests[] = {{"(", ")"},         {"f(", ")"},     {"NOT ", ""},
+                               {"- ", ""},         {"1 IN (", ")"}, {"CASE WHEN 1 THEN ", " END"},
+                               {"CAST(", " AS t)"}};
     for (const auto& [open, close] : nests) {
         const auto nest = [open = open, close = close](int depth) {
             std::string text;
