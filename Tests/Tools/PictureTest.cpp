@@ -98,6 +98,22 @@ TEST(Pictures, ShowTheNeighbourhoodInALargeModel)
     EXPECT_EQ(DrawModel(model, {}, 0).nodes.size(), 63U);
 }
 
+TEST(Pictures, KeepRoomForCardinalitiesWhereTheirOrderIsCertain)
+{
+    const ModelText text("F >- A : j; F >o-o C : F-C; C >- D : CD; D >- E; E >- C");
+    const ToolModel model = MakeToolModel(text.GetModel());
+    const std::string dot = WriteDot(DrawAnswer(model, Ask(model, Connect({"A", "C", "D"})), {}));
+    const auto labelsOf = [&dot](const char* line) {
+        const std::size_t begin = dot.find(std::string("  ") + line + " [");
+        const std::size_t labels = dot.find("\" ", dot.find("class=", begin)) + 2;
+        return dot.substr(labels, dot.find_first_of("]w", labels) - labels);
+    };
+    EXPECT_EQ(labelsOf("n0 -- n1"), "label=\" 1..n \u2013 1..1 \\n j \" ");
+    EXPECT_EQ(labelsOf("n0 -- n2"), "label=\" 0..n \u2013 0..1 \" ");
+    // A ring has a line that leads from right to left.
+    EXPECT_EQ(labelsOf("n2 -- n3"), "taillabel=\"1..n\" headlabel=\"1..1\" label=\" CD \" ");
+}
+
 TEST(Pictures, TellWhatIsMissing)
 {
     const std::string path = std::getenv("PATH");

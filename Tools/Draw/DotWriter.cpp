@@ -4,7 +4,9 @@
 #include "Tools/Output/DisplayText.h"
 
 #include <algorithm>
+#include <set>
 #include <sstream>
+#include <vector>
 
 namespace qe::tool {
 
@@ -66,15 +68,23 @@ std::string LookOf(const PictureEdge& edge)
            "\" fontcolor=\"#595959\" class=\"context\"";
 }
 
+std::string QuoteLines(const std::vector<std::string>& lines)
+{
+    std::string quoted = "\"\"";
+    for (const std::string& line : lines) {
+        quoted.pop_back();
+        quoted += (quoted.size() > 1 ? "\\n" : "") + QuoteForDot(line).substr(1);
+    }
+    return quoted;
+}
+
 void WriteNode(const Picture& picture, std::size_t position, std::ostream& out)
 {
     const PictureNode& node = picture.nodes[position];
-    std::string label = QuoteForDot(node.name);
-    if (!node.target.empty()) {
-        label.pop_back();
-        label += "\\n\u2192 " + QuoteForDot(node.target).substr(1);
-    }
-    out << "  n" << position << " [id=\"n" << position << "\" label=" << label << ' '
+    std::vector<std::string> lines{node.name};
+    if (!node.target.empty())
+        lines.push_back("\u2192 " + node.target);
+    out << "  n" << position << " [id=\"n" << position << "\" label=" << QuoteLines(lines) << ' '
         << ShapeOf(node.kind) << ' ' << LookOf(node.role) << "]\n";
 }
 
@@ -97,24 +107,61 @@ std::string EdgeLabel(const Picture& picture, const PictureEdge& edge)
     return edge.name.size() > kLongestEdgeLabel ? std::string() : edge.name;
 }
 
+bool HasCardinalities(const Picture& picture, const PictureEdge& edge)
+{
+    const bool isContext = edge.role == PictureEdge::ERole::Context;
+    return edge.kind == PictureEdge::EKind::Join &&
+           (!isContext || (edge.joins == 1 && picture.edges.size() <= kManyEdges));
+}
+
+/// Tells whether lines lead back from the second end to the first. All others are drawn from left
+/// to right; of the lines of a ring some are not.
+bool IsOnRing(const Picture& picture, const PictureEdge& edge)
+{
+    std::set<std::size_t> reached{edge.second};
+    std::vector<std::size_t> open{edge.second};
+    while (!open.empty() && reached.count(edge.first) == 0) {
+        const std::size_t node = open.back();
+        open.pop_back();
+        for (const PictureEdge& step : picture.edges) {
+            if (step.first == node && reached.insert(step.second).second)
+                open.push_back(step.second);
+        }
+    }
+    return reached.count(edge.first) > 0;
+}
+
+/// In the middle of a line the layout keeps room for a label, but not at its ends, where many
+/// lines may meet. There stand only what would read in the wrong order.
+void WriteLabels(const Picture& picture, const PictureEdge& edge, std::ostream& out)
+{
+    std::vector<std::string> lines;
+    if (HasCardinalities(picture, edge)) {
+        if (IsOnRing(picture, edge))
+            out << " taillabel=" << QuoteForDot(edge.firstCardinality)
+                << " headlabel=" << QuoteForDot(edge.secondCardinality);
+        else
+            lines.push_back(' ' + edge.firstCardinality + " \u2013 " + edge.secondCardinality +
+                            ' ');
+    }
+    if (const std::string label = EdgeLabel(picture, edge); !label.empty())
+        lines.push_back(' ' + label + ' ');
+    if (!lines.empty())
+        out << " label=" << QuoteLines(lines);
+}
+
 void WriteEdge(const Picture& picture, std::size_t position, std::ostream& out)
 {
     const PictureEdge& edge = picture.edges[position];
     out << "  n" << edge.first << " -- n" << edge.second << " [id=\"e" << position << "\" "
         << LookOf(edge);
-    const bool isContext = edge.role == PictureEdge::ERole::Context;
-    const bool hasEnds = !isContext || (edge.joins == 1 && picture.edges.size() <= kManyEdges);
-    if (hasEnds && edge.kind == PictureEdge::EKind::Join)
-        out << " taillabel=" << QuoteForDot(edge.firstCardinality)
-            << " headlabel=" << QuoteForDot(edge.secondCardinality);
-    if (const std::string label = EdgeLabel(picture, edge); !label.empty())
-        out << " label=" << QuoteForDot(' ' + label + ' ');
-    if (!isContext)
+    WriteLabels(picture, edge, out);
+    if (edge.role != PictureEdge::ERole::Context)
         out << " weight=4";
     out << "]\n";
 }
 
-std::string Caption(const Picture& picture)
+std::vector<std::string> Caption(const Picture& picture)
 {
     const auto hasNode = [&picture](PictureNode::EKind kind) {
         return std::any_of(picture.nodes.begin(), picture.nodes.end(),
@@ -134,20 +181,11 @@ std::string Caption(const Picture& picture)
     add(hasNode(PictureNode::EKind::Shortcut), "folded corner: shortcut");
     add(hasEdge(PictureEdge::ERole::Chosen), "thick line: chosen path");
     add(hasEdge(PictureEdge::ERole::Alternative), "dashed line: equally cheap");
+    std::vector<std::string> lines{text};
     if (picture.nodes.size() < picture.subjects)
-        text += "\n" + std::to_string(picture.nodes.size()) + " of " +
-                std::to_string(picture.subjects) + " subjects are drawn";
-    return text;
-}
-
-std::string QuoteLines(const std::string& text)
-{
-    const std::size_t end = text.find('\n');
-    if (end == std::string::npos)
-        return QuoteForDot(text);
-    std::string first = QuoteForDot(text.substr(0, end));
-    first.pop_back();
-    return first + "\\n" + QuoteForDot(text.substr(end + 1)).substr(1);
+        lines.push_back(std::to_string(picture.nodes.size()) + " of " +
+                        std::to_string(picture.subjects) + " subjects are drawn");
+    return lines;
 }
 
 } // namespace
@@ -171,7 +209,7 @@ std::string WriteDot(const Picture& picture)
 {
     std::ostringstream out;
     out << "graph joins {\n"
-           "  graph [rankdir=LR nodesep=0.42 ranksep=1.1 fontname=\"Helvetica\" fontsize=11 "
+           "  graph [rankdir=LR nodesep=0.42 ranksep=0.8 fontname=\"Helvetica\" fontsize=11 "
            "labelloc=b bgcolor=\"white\" charset=\"UTF-8\" label="
         << QuoteLines(Caption(picture))
         << "]\n"
