@@ -3,7 +3,7 @@
 # Usage: Scripts/test.sh [--preset NAME] [--no-setup] [--browser] [ctest option...]
 #   --preset NAME  one of release (default), debug, asan, clang, coverage
 #   --no-setup     install nothing
-#   --browser      also install the browser that tests of rendered pages use
+#   --browser      also install the browser that tests of rendered pages use, and what drives it
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -14,7 +14,7 @@ while [ $# -gt 0 ]; do
   case $1 in
     --preset) preset=${2:?--preset needs a name}; shift ;;
     --no-setup) setup=no ;;
-    --browser) extraPackages=(chromium chromium-driver) ;;
+    --browser) extraPackages=(chromium chromium-driver python3-selenium) ;;
     -h | --help) sed -n '2,/^set/{/^#/s/^# \?//p}' "$0"; exit 0 ;;
     *) break ;;
   esac

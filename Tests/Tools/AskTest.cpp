@@ -1,10 +1,8 @@
 #include "Engine/Log/LogCapture.h"
 #include "Engine/Model/ModelBuilder.h"
 #include "Engine/Settings/SettingsOverride.h"
-#include "Tests/Support/ModelText.h"
+#include "Tests/Tools/Asking.h"
 #include "Tools/Ask/Asker.h"
-#include "Tools/InputError.h"
-#include "Tools/Model/ToolModel.h"
 
 #include <gmock/gmock.h>
 
@@ -13,7 +11,9 @@
 namespace {
 
 using namespace qe::tool;
-using qe::test::ModelText;
+using qe::test::Connect;
+using qe::test::MakeModel;
+using qe::test::NamesOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -27,40 +27,14 @@ const char* const kShop = R"(
     Budget(Amount)
 )";
 
-ToolModel Model(const char* text)
-{
-    return {ModelText(text).GetModel()};
-}
-
-Question Connect(std::vector<std::string> subjects)
-{
-    Question question;
-    question.subjects = std::move(subjects);
-    question.selector.kind = ESelector::First;
-    return question;
-}
-
-std::string NamesOf(const Answer& answer, const std::vector<amd_id>& joins)
-{
-    std::string names;
-    for (const amd_id& join : joins)
-        names += (names.empty() ? "" : " ") + answer.FindJoin(join)->name;
-    return names;
-}
-
 std::string ProblemsOf(const ToolModel& model, const Question& question)
 {
-    try {
-        static_cast<void>(Ask(model, question));
-        return {};
-    } catch (const InputError& error) {
-        return error.what();
-    }
+    return qe::test::MistakesOf([&] { static_cast<void>(Ask(model, question)); });
 }
 
 TEST(AskTest, NamesMatchHoweverTheyAreWrittenAndWrongOnesAreAllTold)
 {
-    const ToolModel model = Model(kShop);
+    const ToolModel model = MakeModel(kShop);
     for (const char* customer : {"Customer", "customer", "Model.CUSTOMER", "[Customer]", "100:2"})
         EXPECT_EQ(Ask(model, Connect({customer, "Orders"})).path.size(), 1U) << customer;
 
@@ -106,7 +80,7 @@ TEST(AskTest, AnswersTellWhatDecided)
         {"A >- M : j; M >- Z : j; A >- L : j; L >- Z : j", "j j", ECriterion::Order},
     };
     for (const ChoiceCase& entry : cases) {
-        const Answer answer = Ask(Model(entry.model), Connect({"A", "Z"}));
+        const Answer answer = Ask(MakeModel(entry.model), Connect({"A", "Z"}));
         EXPECT_EQ(NamesOf(answer, answer.path), entry.path) << entry.model;
         EXPECT_EQ(ToText(answer.criterion), ToText(entry.criterion)) << entry.model;
         EXPECT_EQ(answer.weight, 34) << entry.model;
@@ -116,19 +90,19 @@ TEST(AskTest, AnswersTellWhatDecided)
     Question question = Connect({"A", "Z"});
     question.selector.kind = ESelector::Ask;
     question.selector.choose = [](const Answer& soFar) { return soFar.alternatives.size() - 1; };
-    const Answer chosen = Ask(Model(cases[1].model), question);
+    const Answer chosen = Ask(MakeModel(cases[1].model), question);
     EXPECT_EQ(NamesOf(chosen, chosen.path), "am mz");
     EXPECT_EQ(chosen.criterion, ECriterion::Selector);
 
     question.selector.choose = [](const Answer&) { return std::size_t{7}; };
-    const Answer failed = Ask(Model(cases[1].model), question);
+    const Answer failed = Ask(MakeModel(cases[1].model), question);
     ASSERT_TRUE(failed.error);
     EXPECT_EQ(failed.error->messages.front().number, 0xA9EC593CU);
 }
 
 TEST(AskTest, WeightsAddUpToThoseOfTheRanking)
 {
-    const ToolModel model = Model(kShop);
+    const ToolModel model = MakeModel(kShop);
     for (const int variant : {0, 1, 2}) {
         Question question = Connect({"Orders", "Region"});
         if (variant == 1)
@@ -148,7 +122,7 @@ TEST(AskTest, WeightsAddUpToThoseOfTheRanking)
 
 TEST(AskTest, GovernorsDecideWhatBecomesOfUnconnectedSubjects)
 {
-    const ToolModel model = Model(kShop);
+    const ToolModel model = MakeModel(kShop);
     Question question = Connect({"Budget", "Orders", "Region"});
     for (const int crossProduct : {0, 1, 2}) {
         question.governors.crossProduct = crossProduct;
@@ -175,7 +149,7 @@ TEST(AskTest, GovernorsDecideWhatBecomesOfUnconnectedSubjects)
 
 TEST(AskTest, OtherOperationsAnswerToo)
 {
-    const ToolModel model = Model(kShop);
+    const ToolModel model = MakeModel(kShop);
     Question question = Connect({"Orders", "Region"});
     question.operation = EOperation::BestPaths;
     EXPECT_EQ(Ask(model, question).bestPaths.size(), 2U);
@@ -201,7 +175,7 @@ TEST(AskTest, OtherOperationsAnswerToo)
 TEST(AskTest, NoticesReachTheThreadThatAsked)
 {
     const qe::SettingsOverride bound("JoinGraph", "CheapestTreesBound", 1);
-    const ToolModel model = Model(kShop);
+    const ToolModel model = MakeModel(kShop);
     std::vector<std::vector<std::string>> notices(4);
     std::vector<std::thread> threads;
     for (std::size_t index = 0; index < notices.size(); ++index)

@@ -2,14 +2,13 @@
 
 #include "AQE_I_Refiner.h"
 #include "Engine/Settings/SettingsOverride.h"
-#include "Tests/Tools/ModelFolder.h"
+#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Tools/Asking.h"
 #include "Tools/Ask/Asker.h"
 #include "Tools/Batch/LineReader.h"
 #include "Tools/Batch/OrderedWork.h"
 #include "Tools/Batch/QuestionReader.h"
-#include "Tools/Import/SqlImport.h"
 #include "Tools/InputError.h"
-#include "Tools/RunTool.h"
 
 #include <gmock/gmock.h>
 
@@ -25,19 +24,6 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-const char* const kShop = R"(
-CREATE TABLE region (id INTEGER PRIMARY KEY);
-CREATE TABLE customer (id INTEGER PRIMARY KEY, region_id INT NOT NULL REFERENCES region);
-CREATE TABLE sale (customer_id INT NOT NULL REFERENCES customer, payer_id INT REFERENCES customer);
-CREATE TABLE island (id INTEGER PRIMARY KEY);
-)";
-
-ToolModel MakeShop()
-{
-    const qe::test::ModelFolder folder;
-    return ImportSql({folder.Write("shop.sql", kShop)}, {});
-}
 
 std::vector<std::string> ToLines(const std::string& text)
 {
@@ -211,7 +197,7 @@ struct BatchRun
 
 BatchRun RunShop(const std::string& requests, const BatchOptions& options)
 {
-    static const ToolModel shop = MakeShop();
+    static const ToolModel shop = qe::test::ImportText(qe::test::ShopTables);
     std::istringstream input(requests);
     std::ostringstream output;
     const BatchSummary summary = RunBatch(shop, input, output, options);
@@ -271,7 +257,8 @@ TEST(Batch, TellsWhenTheOutputCannotBeWritten)
     std::istringstream input(MakeRequests(200));
     std::ostringstream output;
     output.setstate(std::ios::badbit);
-    EXPECT_THROW(static_cast<void>(RunBatch(MakeShop(), input, output, {})), std::runtime_error);
+    const ToolModel shop = qe::test::ImportText(qe::test::ShopTables);
+    EXPECT_THROW(static_cast<void>(RunBatch(shop, input, output, {})), std::runtime_error);
 }
 
 TEST(Batch, ReadsSettingsBeforeAnythingElse)
@@ -281,30 +268,30 @@ TEST(Batch, ReadsSettingsBeforeAnythingElse)
                                        I18NString("AdjustWeightByFolder"), 1);
     const qe::SettingsOverride mode(I18NString("General Options"), I18NString("FFJoins"), 0);
     EXPECT_EQ(AQE_I_Refiner::GetFFJoinsMode(), 3);
-    Question question;
-    question.subjects = {"sale", "customer"};
-    const Answer answer = Ask(MakeShop(), question);
+    const Answer answer =
+        Ask(qe::test::ImportText(qe::test::ShopTables), qe::test::Connect({"sale", "customer"}));
     ASSERT_EQ(answer.alternatives.size(), 2U);
     EXPECT_EQ(answer.weight, 17);
 }
 
 TEST(BatchCommand, TellsFailuresByItsExitCode)
 {
-    const qe::test::ModelFolder folder;
-    const std::string model = folder.Write("shop.sql", kShop);
+    const qe::test::TemporaryFolder folder;
+    const std::string model = folder.Write("shop.sql", qe::test::ShopTables);
     const std::string requests = folder.Write("requests.jsonl", MakeRequests(2));
-    std::istringstream input(R"({"subjects": ["sale", "region"]})");
-    std::ostringstream output;
-    std::ostringstream error;
-    CommandContext context{input, output, error};
-    EXPECT_EQ(RunTool({"batch", model, "-", "--jobs", "2"}, context), EExitCode::Answered);
-    EXPECT_THAT(error.str(), StartsWith("requests: 1, failures: 0"));
-    context.terminal.error = Terminal::EStream::Terminal;
-    EXPECT_EQ(RunTool({"batch", model, requests}, context), EExitCode::NotConnected);
-    EXPECT_THAT(error.str(), HasSubstr("[####")) << "a bar on a terminal";
-    EXPECT_EQ(ToLines(output.str()).size(), 3U);
-    EXPECT_EQ(RunTool({"batch", model, "/nonexistent"}, context), EExitCode::UnreadableInput);
-    EXPECT_EQ(RunTool({"batch", model, requests, "--defaults", "{\"x\": 1}"}, context),
+    using qe::test::RunTool;
+    const auto answered =
+        RunTool({"batch", model, "-", "--jobs", "2"}, R"({"subjects": ["sale", "region"]})");
+    EXPECT_EQ(answered.code, EExitCode::Answered);
+    EXPECT_THAT(answered.error, StartsWith("requests: 1, failures: 0"));
+    Terminal terminal;
+    terminal.error = Terminal::EStream::Terminal;
+    const auto failed = RunTool({"batch", model, requests}, "", terminal);
+    EXPECT_EQ(failed.code, EExitCode::NotConnected);
+    EXPECT_THAT(failed.error, HasSubstr("[####")) << "a bar on a terminal";
+    EXPECT_EQ(ToLines(answered.output + failed.output).size(), 3U);
+    EXPECT_EQ(RunTool({"batch", model, "/nonexistent"}).code, EExitCode::UnreadableInput);
+    EXPECT_EQ(RunTool({"batch", model, requests, "--defaults", "{\"x\": 1}"}).code,
               EExitCode::UnreadableInput);
 }
 

@@ -1,11 +1,13 @@
 #include "Engine/Model/Model.h"
-#include "Tests/Support/ModelText.h"
+#include "Tests/Graph/SmallGraph.h"
+#include "Tests/Tools/Asking.h"
 #include "Tools/Check/CheckOutput.h"
 #include "Tools/Check/CheckReport.h"
 #include "Tools/Check/CheckedModel.h"
-#include "Tools/Model/ToolModel.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <set>
@@ -15,14 +17,8 @@ namespace qe::tool {
 
 namespace {
 
-using test::ModelText;
-
-ToolModel MakeToolModel(const ModelText& text)
-{
-    ToolModel model;
-    model.model = text.GetModel();
-    return model;
-}
+using test::MakeModel;
+using test::SmallGraph;
 
 /// Gives "code: place; place | code: place", in the order of the rules.
 std::string Summarize(const CheckReport& report)
@@ -38,59 +34,54 @@ std::string Summarize(const CheckReport& report)
     return summary;
 }
 
-struct CheckCase
+TEST(CheckRules, FindWhatIsWrong)
 {
-    const char* name;
-    const char* model;
-    const char* findings;
-};
-
-class CheckRules : public testing::TestWithParam<CheckCase>
-{};
-
-TEST_P(CheckRules, FindWhatIsWrong)
-{
-    const ModelText text(GetParam().model);
+    const struct
+    {
+        const char* what;
+        const char* model;
+        const char* findings;
+    } cases[] = {
+        {"alone", "A(I)", ""},
+        {"sound", "F >- A; A >- B", ""},
+        {"shortcuts are joined to what they stand for", "F >- A; B(I); S -> A; T -> B",
+         "separate-group: B"},
+        {"a self-join reaches nothing", "F >- A; B >- B", "unreached-subject: B"},
+        {"the largest group is the model", "X - Y; A >- B; B >- C; C >- D", "separate-group: X"},
+        {"many to many", "A >-< B : ab; B >- C", "many-to-many: ab"},
+        {"parallel joins", "Orders >- Day : ordered; Orders >- Day : shipped",
+         "ambiguous-path: Orders - Day"},
+        {"F is ambiguous only because it passes over A", "F >- A; A >- B; A >- C; B >- D; C >- D",
+         "ambiguous-path: A - D; B - C | fan: A"},
+        {"three ways", "F >- A; F >- B; F >- C; A >- D; B >- D; C >- D",
+         "ambiguous-path: F - D; A - B; A - C; B - C"},
+        {"roles of one dimension", "Ordered -> Day; Shipped -> Day; F >- Ordered; F >- Shipped",
+         "ambiguous-path: Day - F"},
+        {"too far to look", "A - B; B - C; C - D; A - E; E - F; F - D", ""},
+        {"facts meet where their paths first meet",
+         "F >- Product; G >- Product; Product >- Line; H >- Region",
+         "separate-group: H | chasm: Product"},
+        {"facts meet behind dimensions", "F >- A; G >- B; A >- C; B >- C", "chasm: C"},
+        {"circle of dimensions", "F >- A; G >- B; A >- B; B >- A",
+         "ambiguous-path: A - B | chasm: A"},
+        {"header with lines", "Line >- Header; Header >- Day; Header >- Customer", "fan: Header"},
+        {"snowflake", "F >- Product; Product >- Line", ""},
+    };
     CheckOptions options;
     options.severities["one-sided-condition"] = ESeverity::Off;
-    EXPECT_EQ(Summarize(CheckModel(MakeToolModel(text), options)), GetParam().findings);
+    for (const auto& test : cases)
+        EXPECT_EQ(Summarize(CheckModel(MakeModel(test.model), options)), test.findings)
+            << test.what;
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Models, CheckRules,
-    testing::Values(
-        CheckCase{"Alone", "A(I)", ""}, CheckCase{"Sound", "F >- A; A >- B", ""},
-        CheckCase{"Unreached", "F >- A; B(I); S -> A; T -> B",
-                  // The shortcuts are joined to what they stand for.
-                  "separate-group: B"},
-        CheckCase{"SelfJoinReachesNothing", "F >- A; B >- B", "unreached-subject: B"},
-        CheckCase{"LargestGroupIsTheModel", "X - Y; A >- B; B >- C; C >- D", "separate-group: X"},
-        CheckCase{"ManyToMany", "A >-< B : ab; B >- C", "many-to-many: ab"},
-        CheckCase{"ParallelJoins", "Orders >- Day : ordered; Orders >- Day : shipped",
-                  "ambiguous-path: Orders - Day"},
-        // A and D are ambiguous; F only because it passes over A.
-        CheckCase{"OnlyWherePathsPart", "F >- A; A >- B; A >- C; B >- D; C >- D",
-                  "ambiguous-path: A - D; B - C | fan: A"},
-        CheckCase{"ThreeWays", "F >- A; F >- B; F >- C; A >- D; B >- D; C >- D",
-                  "ambiguous-path: F - D; A - B; A - C; B - C"},
-        CheckCase{"RolesOfOneDimension",
-                  "Ordered -> Day; Shipped -> Day; F >- Ordered; F >- Shipped",
-                  "ambiguous-path: Day - F"},
-        CheckCase{"TooFarToLook", "A - B; B - C; C - D; A - E; E - F; F - D", ""},
-        CheckCase{"FactsMeetWhereTheirPathsFirstMeet",
-                  "F >- Product; G >- Product; Product >- Line; H >- Region",
-                  "separate-group: H | chasm: Product"},
-        CheckCase{"FactsMeetBehindDimensions", "F >- A; G >- B; A >- C; B >- C", "chasm: C"},
-        CheckCase{"CircleOfDimensions", "F >- A; G >- B; A >- B; B >- A",
-                  "ambiguous-path: A - B | chasm: A"},
-        CheckCase{"HeaderWithLines", "Line >- Header; Header >- Day; Header >- Customer",
-                  "fan: Header"},
-        CheckCase{"Snowflake", "F >- Product; Product >- Line", ""}),
-    [](const auto& named) { return named.param.name; });
 
 TEST(CheckConditions, MustMentionBothEnds)
 {
-    const ModelText text(R"(
+    CheckOptions options;
+    for (const Rule& rule : GetRules()) {
+        if (rule.code != "one-sided-condition")
+            options.severities[std::string(rule.code)] = ESeverity::Off;
+    }
+    const ToolModel model = MakeModel(R"(
         A(K), B(K); S -> A; T -> A
         A >- B : good on [Model].[A].[K] = [Model].[B].[K]
         A >- B : left on [Model].[A].[K] = 1
@@ -101,12 +92,7 @@ TEST(CheckConditions, MustMentionBothEnds)
         S >- T : roles on [Model].[S].[K] = [Model].[A].[K]
         moved -> good : S, B
     )");
-    CheckOptions options;
-    for (const Rule& rule : GetRules()) {
-        if (rule.code != "one-sided-condition")
-            options.severities[std::string(rule.code)] = ESeverity::Off;
-    }
-    const CheckReport report = CheckModel(MakeToolModel(text), options);
+    const CheckReport report = CheckModel(model, options);
     EXPECT_EQ(Summarize(report), "one-sided-condition: left; broken; unknown; none; roles");
     EXPECT_EQ(report.rules.front().found.findings.back().text,
               "The join roles has a condition that does not mention its end T.");
@@ -115,24 +101,19 @@ TEST(CheckConditions, MustMentionBothEnds)
 /// What the builder refuses can still come from elsewhere.
 TEST(CheckBrokenRecords, AreTold)
 {
-    std::vector<model::ObjectRecord> records(6);
-    const auto name = [&records](std::size_t i, std::int32_t classCode, const char* text) {
-        records[i].id = {0, classCode, static_cast<std::int32_t>(i + 1)};
-        records[i].name = text;
-        return records[i].id;
+    const amd_id a{0, IdClassQuerySubject, 1};
+    const amd_id nothing{0, IdClassShortcut, 1};
+    const amd_id lost{0, IdClassRelationshipShortcut, 1};
+    std::vector<model::ObjectRecord> records{
+        {.id = a, .name = "A"},
+        {.id = nothing, .name = "Nothing"},
+        {.id = lost, .name = "lost", .left = a, .right = a},
+        {.id = {0, IdClassRelationship, 1}, .name = "half", .left = nothing, .right = a},
+        {.id = {0, IdClassShortcut, 2}, .name = "Joining", .referenced = lost},
+        {.id = {0, IdClassShortcut, 3}, .name = "Good", .referenced = a},
     };
-    const amd_id a = name(0, IdClassQuerySubject, "A");
-    name(1, IdClassShortcut, "Nothing");
-    const amd_id lost = name(2, IdClassRelationshipShortcut, "lost");
-    name(3, IdClassRelationship, "half");
-    name(4, IdClassShortcut, "Joining");
-    name(5, IdClassShortcut, "Good");
-    records[2].left = records[2].right = records[3].right = records[5].referenced = a;
-    records[3].left = records[1].id;
-    records[4].referenced = lost;
-    ToolModel model;
-    model.model = std::make_shared<model::Model>(model::ObjectTable(std::move(records)), "en");
-    const CheckReport report = CheckModel(model, {});
+    const CheckReport report = CheckModel(
+        {std::make_shared<model::Model>(model::ObjectTable(std::move(records)), "en")}, {});
     EXPECT_EQ(Summarize(report), "unreadable-join: half; lost | empty-shortcut: Nothing; Joining");
     EXPECT_EQ(report.rules[0].found.findings[0].text,
               "The relationship half cannot be read: its left end leads to no query subject. No "
@@ -144,12 +125,11 @@ TEST(CheckOutput, CountsWhatItDoesNotShow)
     std::string joins;
     for (int i = 0; i < 30; ++i)
         joins += "A >-< B : j" + std::to_string(i) + ';';
-    const ModelText text(joins);
     CheckOptions options;
     options.severities = {{"one-sided-condition", ESeverity::Off},
                           {"many-to-many", ESeverity::Error}};
     options.limits.findings = 4;
-    const CheckReport report = CheckModel(MakeToolModel(text), options);
+    const CheckReport report = CheckModel(MakeModel(joins), options);
     EXPECT_EQ(report.GetWorst(), ESeverity::Error);
     EXPECT_EQ(report.Count(ESeverity::Error), 30U);
     std::ostringstream out;
@@ -165,63 +145,33 @@ TEST(CheckOutput, CountsWhatItDoesNotShow)
 
 TEST(CheckOutput, TellsWhenTheSearchGaveUp)
 {
-    const ModelText text("A - B; B - C; C - A");
     CheckOptions options;
     options.limits.pathSteps = 1;
-    const CheckReport report = CheckModel(MakeToolModel(text), options);
+    const CheckReport report = CheckModel(MakeModel("A - B; B - C; C - A"), options);
     const auto rule = std::find_if(report.rules.begin(), report.rules.end(),
                                    [](const auto& each) { return each.code == "ambiguous-path"; });
     EXPECT_EQ(rule->found.notice, "Ambiguous paths were looked for from 1 of 3 subjects only: the "
                                   "limit of steps was reached.");
 }
 
-/// All cheapest simple paths between two subjects, by trying every path.
-class PathOracle
+/// Tells whether there are several cheapest paths between two subjects, none of them long, and no
+/// subject between the ends lies on all of them.
+bool HasSeparatePaths(const SmallGraph& graph, std::size_t from, std::size_t to)
 {
-public:
-    explicit PathOracle(const CheckedModel& model) : mModel(model) {}
-
-    /// Tells whether there are several and no subject between the ends lies on all of them.
-    bool HasSeparatePaths(std::size_t from, std::size_t to)
-    {
-        mBest = std::numeric_limits<int>::max();
-        mInner.clear();
-        std::vector<std::size_t> passed{from};
-        Walk(passed, to, 0);
-        std::set<std::size_t> common = mInner.empty() ? std::set<std::size_t>() : mInner.front();
-        for (const std::set<std::size_t>& inner : mInner) {
-            for (auto it = common.begin(); it != common.end();)
-                it = inner.count(*it) == 0 ? common.erase(it) : std::next(it);
-        }
-        return mInner.size() > 1 && common.empty();
-    }
-    [[nodiscard]] int GetBest() const { return mBest; }
-
-private:
-    void Walk(std::vector<std::size_t>& passed, std::size_t to, int weight)
-    {
-        if (weight > mBest)
-            return;
-        if (passed.back() == to) {
-            if (weight < mBest)
-                mInner.clear();
-            mBest = weight;
-            mInner.emplace_back(passed.begin() + 1, passed.end() - 1);
-            return;
-        }
-        for (const CheckedModel::Step& step : mModel.GetSteps(passed.back())) {
-            if (std::find(passed.begin(), passed.end(), step.subject) != passed.end())
-                continue;
-            passed.push_back(step.subject);
-            Walk(passed, to, weight + mModel.GetJoins()[step.join].weight);
-            passed.pop_back();
+    const auto found = graph.FindCheapestTrees({from, to});
+    if (!found || found->trees.size() < 2 || found->weight >= 3 * 17)
+        return false;
+    // Where a path passes, two of its joins end.
+    std::map<std::size_t, std::size_t> ends;
+    for (const SmallGraph::EdgeSet& path : found->trees) {
+        for (const std::size_t edge : path) {
+            ++ends[graph.edges[edge].end1];
+            ++ends[graph.edges[edge].end2];
         }
     }
-
-    const CheckedModel& mModel;
-    int mBest = 0;
-    std::vector<std::set<std::size_t>> mInner;
-};
+    return std::none_of(ends.begin(), ends.end(),
+                        [&](const auto& count) { return count.second == 2 * found->trees.size(); });
+}
 
 TEST(CheckProperty, AmbiguousPairsAreThoseOfAllPathsTried)
 {
@@ -232,15 +182,15 @@ TEST(CheckProperty, AmbiguousPairsAreThoseOfAllPathsTried)
             const auto node = [&random] { return std::string(1, char('A' + random() % 7)); };
             text += node() + (random() % 4 == 0 ? " >= " : " >- ") + node() + ';';
         }
-        const ModelText model(text);
-        const ToolModel toolModel = MakeToolModel(model);
-        const CheckedModel checked(toolModel);
-        PathOracle oracle(checked);
+        const ToolModel model = MakeModel(text);
+        const CheckedModel checked(model);
+        SmallGraph graph{checked.GetSubjects().size(), {}};
+        for (const CheckedJoin& join : checked.GetJoins())
+            graph.edges.push_back({join.left, join.right, join.weight});
         std::set<std::string> expected;
-        const std::size_t subjects = checked.GetSubjects().size();
-        for (std::size_t from = 0; from < subjects; ++from) {
-            for (std::size_t to = from + 1; to < subjects; ++to) {
-                if (oracle.HasSeparatePaths(from, to) && oracle.GetBest() < 3 * 17)
+        for (std::size_t from = 0; from < graph.nodeCount; ++from) {
+            for (std::size_t to = from + 1; to < graph.nodeCount; ++to) {
+                if (HasSeparatePaths(graph, from, to))
                     expected.insert(checked.NameOf(from) + " - " + checked.NameOf(to));
             }
         }

@@ -1,65 +1,43 @@
 #include "Engine/Settings/SettingsOverride.h"
-#include "Tools/RunTool.h"
+#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Tools/Asking.h"
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <unistd.h>
+#include <algorithm>
 
 namespace {
 
 using namespace qe::tool;
+using qe::test::ToolRun;
 using testing::HasSubstr;
 using testing::Not;
-
-struct ToolRun
-{
-    EExitCode code = EExitCode::Answered;
-    std::string output;
-    std::string error;
-};
 
 /// The tool on a schema of a few tables.
 class CommandsTest : public testing::Test
 {
 protected:
-    CommandsTest()
-        : mSchema(std::filesystem::temp_directory_path() /
-                  ("commands-" + std::to_string(getpid()) + ".sql"))
-    {
-        std::ofstream(mSchema) << R"(
-            CREATE TABLE region(id INTEGER PRIMARY KEY, name TEXT);
-            CREATE TABLE customer(id INTEGER PRIMARY KEY, region_id REFERENCES region(id));
-            CREATE TABLE orders(id INTEGER PRIMARY KEY,
-                                bill_to INTEGER NOT NULL REFERENCES customer(id),
-                                ship_to INTEGER NOT NULL REFERENCES customer(id));
-            CREATE TABLE budget(id INTEGER PRIMARY KEY);
-            CREATE TABLE shop(id INTEGER PRIMARY KEY);
-            CREATE TABLE "shop.visit"(shop_id INTEGER REFERENCES shop(id));)";
-    }
-    ~CommandsTest() override { std::filesystem::remove(mSchema); }
-
-    /// Runs the tool; "@" stands for the schema.
+    /// Runs the tool; "@" stands for the schema. What is typed comes from a terminal.
     ToolRun RunWith(std::vector<std::string> arguments, const std::string& typed = {}) const
     {
-        for (std::string& argument : arguments) {
-            if (argument == "@")
-                argument = mSchema.string();
-        }
-        std::istringstream input(typed);
-        std::ostringstream output;
-        std::ostringstream error;
-        CommandContext context{input, output, error};
-        if (!typed.empty())
-            context.terminal.input = Terminal::EStream::Terminal;
-        const EExitCode code = RunTool(arguments, context);
-        return {code, output.str(), error.str()};
+        std::replace(arguments.begin(), arguments.end(), std::string("@"), mSchema);
+        Terminal terminal;
+        terminal.input = Terminal::EStream::Terminal;
+        return qe::test::RunTool(arguments, typed, typed.empty() ? Terminal() : terminal);
     }
 
+    qe::test::TemporaryFolder mFolder;
+
 private:
-    std::filesystem::path mSchema;
+    std::string mSchema = mFolder.Write("schema.sql", R"(
+        CREATE TABLE region(id INTEGER PRIMARY KEY, name TEXT);
+        CREATE TABLE customer(id INTEGER PRIMARY KEY, region_id REFERENCES region(id));
+        CREATE TABLE orders(id INTEGER PRIMARY KEY,
+                            bill_to INTEGER NOT NULL REFERENCES customer(id),
+                            ship_to INTEGER NOT NULL REFERENCES customer(id));
+        CREATE TABLE budget(id INTEGER PRIMARY KEY);
+        CREATE TABLE shop(id INTEGER PRIMARY KEY);
+        CREATE TABLE "shop.visit"(shop_id INTEGER REFERENCES shop(id));)");
 };
 
 TEST_F(CommandsTest, ExitCodesTellHowItEnded)
@@ -109,13 +87,9 @@ TEST_F(CommandsTest, ImportWritesTheModelThatAnswersLikeItsSource)
 {
     const ToolRun imported = RunWith({"import", "sql", "@", "--roles"});
     EXPECT_EQ(imported.code, EExitCode::Answered) << imported.error;
-    const auto file =
-        std::filesystem::temp_directory_path() / ("model-" + std::to_string(getpid()) + ".json");
-    std::ofstream(file) << imported.output;
-    const ToolRun asked = RunWith({"path", file.string(), "customer (ship_to)", "region"});
-    const ToolRun dotted =
-        RunWith({"path", file.string(), "[shop.visit]", "shop", "--format", "sql"});
-    std::filesystem::remove(file);
+    const std::string file = mFolder.Write("model.json", imported.output);
+    const ToolRun asked = RunWith({"path", file, "customer (ship_to)", "region"});
+    const ToolRun dotted = RunWith({"path", file, "[shop.visit]", "shop", "--format", "sql"});
     EXPECT_THAT(dotted.output, HasSubstr("FROM \"shop.visit\"\n"));
     EXPECT_THAT(asked.output, HasSubstr("orders-customer (ship_to)"));
     EXPECT_EQ(

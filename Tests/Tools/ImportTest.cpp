@@ -1,4 +1,6 @@
 #include "Engine/Model/Model.h"
+#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Tools/Asking.h"
 #include "Tools/Import/SqlImport.h"
 #include "Tools/Import/SqliteImport.h"
 #include "Tools/InputError.h"
@@ -6,9 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
-#include <fstream>
 #include <sqlite3.h>
-#include <unistd.h>
 
 namespace {
 
@@ -17,24 +17,6 @@ using qe::model::Model;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-/// A file that is gone with the test.
-class TemporaryFile
-{
-public:
-    TemporaryFile(const std::string& name, const std::string& text)
-        : mPath(std::filesystem::temp_directory_path() / (std::to_string(getpid()) + "-" + name))
-    {
-        std::ofstream(mPath, std::ios::binary) << text;
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    ~TemporaryFile() { std::filesystem::remove(mPath); }
-    [[nodiscard]] const std::filesystem::path& Path() const { return mPath; }
-
-private:
-    std::filesystem::path mPath;
-};
 
 std::string Range(const qe::model::CardinalityRange& range)
 {
@@ -79,8 +61,8 @@ CREATE VIEW broken AS SELECT * FROM gone;
 
 TEST(Import, TurnsKeysIntoRelationships)
 {
-    const TemporaryFile file("ware house.sql", kWarehouse);
-    const ToolModel tool = ImportSql({file.Path()}, {});
+    const qe::test::TemporaryFolder folder;
+    const ToolModel tool = ImportSql({folder.Write("ware house.sql", kWarehouse)}, {});
     EXPECT_THAT(SubjectsOf(*tool.model),
                 ElementsAre("account", "badge", "day", "late", "or]der", "person"));
     EXPECT_THAT(JoinsOf(*tool.model),
@@ -95,16 +77,15 @@ TEST(Import, TurnsKeysIntoRelationships)
                                         HasSubstr("or]der (wrong) -> day"),
                                         HasSubstr("twice: or]der (again)")));
     const auto& composite = *tool.model->Find(tool.model->GetJoins()[4]);
-    const std::string space = "[" + file.Path().stem().string() + "]";
-    EXPECT_EQ(composite.text, space + ".[or]]der].[branch] = " + space +
-                                  ".[account].[branch] AND " + space +
-                                  ".[or]]der].[number] = " + space + ".[account].[number]");
+    EXPECT_EQ(composite.text,
+              "[ware house].[or]]der].[branch] = [ware house].[account].[branch] AND "
+              "[ware house].[or]]der].[number] = [ware house].[account].[number]");
 }
 
 TEST(Import, MakesRolesOfTablesReferredToSeveralTimes)
 {
-    const TemporaryFile file("roles.sql", kWarehouse);
-    const ToolModel tool = ImportSql({file.Path()}, {ERoles::Shortcuts});
+    const qe::test::TemporaryFolder folder;
+    const ToolModel tool = ImportSql({folder.Write("w.sql", kWarehouse)}, {ERoles::Shortcuts});
     const auto shortcuts = tool.model->GetIds(109);
     ASSERT_EQ(shortcuts.size(), 3U) << "a table that refers to itself plays no roles";
     EXPECT_EQ(tool.model->Find(shortcuts[1])->name, "day (ship_day)");
@@ -116,12 +97,12 @@ TEST(Import, MakesRolesOfTablesReferredToSeveralTimes)
 
 TEST(Import, ReadsDatabasesAndLeavesThemAlone)
 {
-    const TemporaryFile file("data.db", "");
+    const qe::test::TemporaryFolder folder;
     sqlite3* database = nullptr;
-    ASSERT_EQ(sqlite3_open(file.Path().c_str(), &database), SQLITE_OK);
+    ASSERT_EQ(sqlite3_open((folder / "data.db").c_str(), &database), SQLITE_OK);
     ASSERT_EQ(sqlite3_exec(database, kWarehouse, nullptr, nullptr, nullptr), SQLITE_OK);
     sqlite3_close(database);
-    EXPECT_EQ(JoinsOf(*ImportSqlite(file.Path(), {}).model).size(), 7U);
+    EXPECT_EQ(JoinsOf(*ImportSqlite(folder / "data.db", {}).model).size(), 7U);
 }
 
 TEST(Import, TellsWhereAFileIsWrong)
@@ -139,18 +120,14 @@ TEST(Import, TellsWhereAFileIsWrong)
         {"ATTACH DATABASE '/tmp/never.db' AS other;", ".sql:1:1: too many attached databases"},
         {std::string("CREATE TABLE a (x);\0", 20), ".sql:1:20: a zero byte"},
     };
-    for (const Case& test : cases) {
-        const TemporaryFile file("wrong.sql", test.text);
-        try {
-            (void)ImportSql({file.Path()}, {});
-            ADD_FAILURE() << test.text;
-        } catch (const InputError& error) {
-            EXPECT_THAT(error.what(), HasSubstr(test.expected));
-        }
-    }
+    for (const Case& test : cases)
+        EXPECT_THAT(qe::test::MistakesOf([&] { (void)qe::test::ImportText(test.text); }),
+                    HasSubstr(test.expected));
     EXPECT_FALSE(std::filesystem::exists("/tmp/never.db"));
-    const TemporaryFile text("text.db", "this is no database, and it is long enough to be sure");
-    EXPECT_THROW((void)ImportSqlite(text.Path(), {}), InputError);
+    const qe::test::TemporaryFolder folder;
+    const std::string text =
+        folder.Write("text.db", "this is no database, and it is long enough to be sure");
+    EXPECT_THROW((void)ImportSqlite(text, {}), InputError);
     EXPECT_THROW((void)ImportSqlite("/nonexistent.db", {}), InputError);
     EXPECT_THROW((void)ImportSql({"/nonexistent.sql"}, {}), InputError);
     EXPECT_THROW((void)ImportSql({"/"}, {}), InputError);

@@ -1,30 +1,19 @@
-#include "Tests/Engine/Services/TemporaryFile.h"
+#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Tools/Asking.h"
 #include "Tests/Tools/SchemaCheck.h"
-#include "Tools/InputError.h"
 #include "Tools/Model/ModelFile.h"
 #include "Tools/Model/OpenModel.h"
 
-#include <gtest/gtest.h>
-
+#include <algorithm>
 #include <filesystem>
-#include <functional>
+#include <gtest/gtest.h>
 
 namespace qe::tool {
 namespace {
 
-std::string MessageOf(const std::function<void()>& read)
-{
-    try {
-        read();
-    } catch (const InputError& error) {
-        return error.what();
-    }
-    return "no mistake";
-}
-
 std::string MessageOfText(const std::string& text)
 {
-    return MessageOf([&] { static_cast<void>(ReadModelText(text, "m")); });
+    return test::MistakesOf([&] { static_cast<void>(ReadModelText(text, "m")); });
 }
 
 std::string Repeat(const std::string& text, int count)
@@ -141,14 +130,13 @@ TEST(ModelMistakesTest, ContentHasPointers)
 
 TEST(ModelMistakesTest, SchemaRefusesThemToo)
 {
-    const std::vector<Mistake> mistakes = ContentMistakes();
-    test::SchemaCheck check;
-    for (const Mistake& mistake : mistakes)
-        check.Add(mistake.text);
-    const auto refused = check.FindRefused();
+    std::vector<std::string> texts;
+    for (const Mistake& mistake : ContentMistakes())
+        texts.push_back(mistake.text);
+    const auto refused = test::FindRefused(texts);
     if (!refused)
         GTEST_SKIP() << "python3-jsonschema is not installed";
-    EXPECT_EQ(refused->size(), mistakes.size()) << testing::PrintToString(*refused);
+    EXPECT_EQ(refused->size(), texts.size()) << testing::PrintToString(*refused);
 }
 
 TEST(ModelMistakesTest, NamesAreComparedWithTheModel)
@@ -237,12 +225,14 @@ TEST(ModelMistakesTest, ConditionsAreComparedWithTheModel)
 
 TEST(ModelMistakesTest, OpensWhatTheFileHolds)
 {
-    const auto open = [](const std::string& content) {
-        const TemporaryFile file("model");
-        file.Write(content);
-        const std::string text = MessageOf([&] { static_cast<void>(OpenModel(file.GetPath())); });
-        const std::size_t path = text.find(file.GetPath());
-        return path == 0 ? text.substr(file.GetPath().size()) : text;
+    const auto messageOf = [](const std::filesystem::path& path) {
+        return test::MistakesOf([&] { static_cast<void>(OpenModel(path)); });
+    };
+    const test::TemporaryFolder folder;
+    const auto open = [&](const std::string& content) {
+        const std::string path = folder.Write("model", content);
+        const std::string text = messageOf(path);
+        return text.rfind(path, 0) == 0 ? text.substr(path.size()) : text;
     };
     EXPECT_EQ(open("\xEF\xBB\xBF\n {\"subjects\": [\"A\"]}"), "no mistake");
     EXPECT_EQ(open("-- a comment\nCREATE TABLE a (b INTEGER);"), "no mistake");
@@ -254,12 +244,9 @@ TEST(ModelMistakesTest, OpensWhatTheFileHolds)
     EXPECT_EQ(open(std::string("\x7F\0ELF", 5)),
               ": is neither a model file nor an SQLite database nor SQL");
 
-    const std::filesystem::path folder = std::filesystem::temp_directory_path();
-    EXPECT_EQ(MessageOf([&] { static_cast<void>(OpenModel(folder)); }),
-              folder.string() + ": is a folder, not a file");
-    EXPECT_EQ(MessageOf([&] { static_cast<void>(OpenModel("/no/such")); }),
-              "/no/such: there is no such file");
-    EXPECT_EQ(MessageOf([&] { static_cast<void>(ReadModelFile("/dev/zero")); }),
+    EXPECT_EQ(messageOf(folder / ""), folder / "" + ": is a folder, not a file");
+    EXPECT_EQ(messageOf("/no/such"), "/no/such: there is no such file");
+    EXPECT_EQ(test::MistakesOf([] { static_cast<void>(ReadModelFile("/dev/zero")); }),
               "/dev/zero: is too large: more than 67108864 bytes");
 }
 

@@ -1,23 +1,24 @@
-#include "Engine/Model/ModelBuilder.h"
-#include "Tests/Support/ModelText.h"
-#include "Tools/Ask/Asker.h"
+#include "Engine/Model/Model.h"
+#include "Tests/Tools/Asking.h"
+#include "Tests/Tools/SqlRows.h"
 #include "Tools/InputError.h"
-#include "Tools/Model/ToolModel.h"
+#include "Tools/Model/ModelFile.h"
 #include "Tools/Output/DisplayText.h"
-#include "Tools/Output/Format.h"
-#include "Tools/Output/JsonAnswer.h"
 
 #include <gmock/gmock.h>
 
+#include <iomanip>
+#include <nlohmann/json.hpp>
 #include <set>
-#include <sqlite3.h>
 #include <sstream>
 
 namespace {
 
 using namespace qe::tool;
-using qe::test::ModelText;
-using testing::ElementsAre;
+using qe::test::Connect;
+using qe::test::MakeModel;
+using qe::test::RunSql;
+using qe::test::WriteAs;
 using testing::HasSubstr;
 
 const char* const kShop = R"(
@@ -41,73 +42,16 @@ const char* const kRows = R"(
     INSERT INTO "Orders" VALUES (1, 1, 2, 3), (2, 2, 3, 1), (3, 3, 1, 2);
 )";
 
-/// An SQLite database in memory.
-class Database
-{
-public:
-    explicit Database(const std::string& script)
-    {
-        sqlite3_open(":memory:", &mDatabase);
-        Run(script);
-    }
-    Database(const Database&) = delete;
-    Database& operator=(const Database&) = delete;
-    ~Database() { sqlite3_close(mDatabase); }
-
-    /// Gives one line for each row; the message when the script fails.
-    std::vector<std::string> Run(const std::string& script)
-    {
-        std::vector<std::string> rows;
-        const auto addRow = [](void* target, int count, char** values, char**) {
-            std::string row;
-            for (int column = 0; column < count; ++column)
-                row += std::string(column == 0 ? "" : " ") +
-                       (values[column] == nullptr ? "-" : values[column]);
-            static_cast<std::vector<std::string>*>(target)->push_back(row);
-            return 0;
-        };
-        char* message = nullptr;
-        if (sqlite3_exec(mDatabase, script.c_str(), addRow, &rows, &message) != SQLITE_OK)
-            rows.emplace_back(message);
-        sqlite3_free(message);
-        return rows;
-    }
-
-private:
-    sqlite3* mDatabase = nullptr;
-};
-
-ToolModel Model(const char* text)
-{
-    return {ModelText(text).GetModel()};
-}
-
-Question Connect(std::vector<std::string> subjects)
-{
-    Question question;
-    question.subjects = std::move(subjects);
-    return question;
-}
-
-std::string Write(const char* format, const ToolModel& model, const Question& question,
-                  const FormatOptions& options = {})
-{
-    const Answer answer = Ask(model, question);
-    std::ostringstream out;
-    FindFormat(format)->write(out, {model, question, answer, options});
-    return out.str();
-}
-
 TEST(OutputTest, TextTellsPathAlternativesAndWhatDecided)
 {
-    const ToolModel model = Model(R"(
+    const ToolModel model = MakeModel(R"(
         Orders >- Customer : oc on [Model].[Orders].[Key] = [Model].[Customer].[Key]
         Orders >- Shipper : os
         Customer >o-o Region : cr
         Shipper >- Region : sr
         Orders(Key), Customer(Key), Budget(Amount)
     )");
-    EXPECT_EQ(Write("text", model, Connect({"Orders", "Region"})), R"(Path of 2 joins, weight 34
+    EXPECT_EQ(WriteAs("text", model, Connect({"Orders", "Region"})), R"(Path of 2 joins, weight 34
   1. Orders 1..n -- 1..1 Customer
      oc (relationship, weight 17)
      on [Model].[Orders].[Key] = [Model].[Customer].[Key]
@@ -120,7 +64,7 @@ TEST(OutputTest, TextTellsPathAlternativesAndWhatDecided)
      2      34      1         0     0  os, sr
 Decided by: keys
 )");
-    EXPECT_THAT(Write("text", model, Connect({"Budget", "Region"})),
+    EXPECT_THAT(WriteAs("text", model, Connect({"Budget", "Region"})),
                 HasSubstr("The subjects cannot be connected. They fall into 2 groups:\n"
                           "  1. Budget\n  2. Region\n"
                           "Joining these 2 would connect all: Budget, Region\n\nWarning: "));
@@ -128,9 +72,9 @@ Decided by: keys
 
 TEST(OutputTest, JsonHasOneFormForEveryOperation)
 {
-    const ToolModel model = Model("A >- M : am; M >o-o Z : mz");
+    const ToolModel model = MakeModel("A >- M : am; M >o-o Z : mz");
     Question question = Connect({"A", "Z"});
-    const nlohmann::json json = nlohmann::json::parse(Write("json", model, question));
+    const nlohmann::json json = nlohmann::json::parse(WriteAs("json", model, question));
     EXPECT_EQ(json, nlohmann::json::parse(R"({
         "version": 1, "operation": "path", "subjects": ["A", "Z"], "secondSet": [],
         "governors": {"crossProductAllowed": 0, "shortcutGrouping": 0}, "settings": {},
@@ -155,13 +99,13 @@ TEST(OutputTest, JsonHasOneFormForEveryOperation)
     for (const EOperation operation :
          {EOperation::BestPaths, EOperation::JoinedSubjects, EOperation::TreeJoins}) {
         question.operation = operation;
-        EXPECT_EQ(keysOf(nlohmann::json::parse(Write("json", model, question))), keysOf(json));
+        EXPECT_EQ(keysOf(nlohmann::json::parse(WriteAs("json", model, question))), keysOf(json));
     }
 }
 
 TEST(OutputTest, SqlJoinsRolesOfATableUnderTheirNames)
 {
-    EXPECT_EQ(Write("sql", Model(kShop), Connect({"Orders", "Bill To", "Ship To", "Region"})),
+    EXPECT_EQ(WriteAs("sql", MakeModel(kShop), Connect({"Orders", "Bill To", "Ship To", "Region"})),
               R"(FROM "Orders"
   INNER JOIN "Customer" AS "Bill To"
     ON "Orders"."BillTo" = "Bill To"."Id"
@@ -200,25 +144,27 @@ TEST(OutputTest, SqlGivesTheRowsOfJoinsWrittenByHand)
          R"("Orders" o JOIN "Customer" b ON o."Payer" = b."Id"
             LEFT JOIN "Region" r ON b."RegionId" = r."Id" JOIN (SELECT 0 AS "Name") s)"},
     };
-    const ToolModel model = Model(kShop);
-    Database database(kRows);
+    const ToolModel model = MakeModel(kShop);
+    const SqliteDatabase database = SqliteDatabase::OpenMemory();
+    RunSql(database, kRows);
     for (const Case& entry : cases) {
         Question question = Connect(entry.subjects);
         question.restriction.withoutJoins = {entry.subjects[1] == "Payer" ? "bill" : "payer"};
         FormatOptions options;
         options.sql.outerJoins = entry.outerJoins;
-        const std::string from = Write("sql", model, question, options);
-        EXPECT_EQ(database.Run("SELECT " + std::string(entry.columns) + '\n' + from + "ORDER BY 1"),
-                  database.Run("SELECT o.\"Id\", b.\"Name\", s.\"Name\", r.\"Name\" FROM " +
-                               std::string(entry.byHand) + " ORDER BY 1"))
+        const std::string from = WriteAs("sql", model, question, options);
+        EXPECT_EQ(
+            RunSql(database, "SELECT " + std::string(entry.columns) + '\n' + from + "ORDER BY 1"),
+            RunSql(database, "SELECT o.\"Id\", b.\"Name\", s.\"Name\", r.\"Name\" FROM " +
+                                 std::string(entry.byHand) + " ORDER BY 1"))
             << from;
     }
     FormatOptions options;
     options.sql.select = SqlOptions::ESelect::FirstItems;
-    EXPECT_THAT(database.Run(Write("sql", model, Connect({"Region"}), options)),
-                ElementsAre("1 North", "2 South"));
-    EXPECT_EQ(database.Run(Write("sql", model, Connect({"Region", "Customer"}), options)).size(),
-              3U);
+    EXPECT_EQ(RunSql(database, WriteAs("sql", model, Connect({"Region"}), options)),
+              (qe::test::SqlRows{{"1", "North"}, {"2", "South"}}));
+    const std::string both = WriteAs("sql", model, Connect({"Region", "Customer"}), options);
+    EXPECT_EQ(RunSql(database, both).size(), 3U);
 }
 
 TEST(OutputTest, SqlIsRefusedWhereAConditionIsMissingOrSaysNothing)
@@ -226,64 +172,37 @@ TEST(OutputTest, SqlIsRefusedWhereAConditionIsMissingOrSaysNothing)
     const Question question = Connect({"A", "B"});
     for (const char* text :
          {"A >- B : j", "A >- B : j on [x] = = 2", "A >- B : j on [Model].[C].[k] = 1; C(k)"})
-        EXPECT_THROW(static_cast<void>(Write("sql", Model(text), question)), InputError) << text;
-}
-
-/// Names that mean something else to whoever reads them carelessly.
-const std::vector<std::string> kHostileNames{"a\"b'c--",
-                                             "x]; DROP TABLE t; --",
-                                             "line\nbreak\r\ttab",
-                                             "\x1b[31mred\x07",
-                                             "\xE2\x80\xAEltr",
-                                             "a.b.[c]]d]",
-                                             std::string(80, 'l') + "1",
-                                             std::string(80, 'l') + "2",
-                                             "Case",
-                                             "case"};
-
-std::string Double(const std::string& text, char letter)
-{
-    std::string doubled;
-    for (const char each : text)
-        doubled += std::string(each == letter ? 2 : 1, each);
-    return doubled;
+        EXPECT_THROW(static_cast<void>(WriteAs("sql", MakeModel(text), question)), InputError)
+            << text;
 }
 
 TEST(OutputTest, HostileNamesStayNames)
 {
-    qe::model::ModelBuilder builder;
-    const amd_id space = builder.AddNamespace("Model");
-    const amd_id fact = builder.AddQuerySubject(space, "Fact");
-    std::string script = "CREATE TABLE \"Fact\"(\"k\"); INSERT INTO \"Fact\" VALUES (1);";
-    builder.AddItem(fact, "k");
-    std::vector<std::string> subjects{"Fact"};
-    int number = 0;
-    for (const std::string& name : kHostileNames) {
-        const std::string table = "t" + std::to_string(++number) + "\"'";
-        qe::model::ObjectOptions options;
-        options.source = table;
-        const amd_id subject = builder.AddQuerySubject(space, name, options);
-        builder.AddItem(subject, name);
-        builder.AddRelationship(
-            space, name, {fact, qe::model::OneToMany}, {subject, qe::model::OneToOne},
-            "[Model].[Fact].[k] = [Model].[" + Double(name, ']') + "].[" + Double(name, ']') + "]");
-        subjects.push_back("100:" + std::to_string(number + 1));
-        const std::string quoted = '"' + Double(table, '"') + '"';
-        script += "CREATE TABLE " + quoted + "(\"" + Double(name, '"') + "\"); INSERT INTO " +
-                  quoted + " VALUES (1);";
+    const ToolModel model = ReadModelFile(QEREFINER_SOURCE_DIR "/Tests/Tools/hostile.json");
+    std::vector<std::string> names;
+    Question question;
+    std::ostringstream script;
+    script << "CREATE TABLE Hub(K); INSERT INTO Hub VALUES (1);";
+    const auto quote = [](const std::string& name) { return std::quoted(name, '"', '"'); };
+    for (const amd_id& id : model.model->GetSubjects()) {
+        const auto& subject = *model.model->Find(id);
+        question.subjects.push_back(ToText(id));
+        if (subject.text.empty())
+            continue;
+        names.push_back(subject.name);
+        script << "CREATE TABLE " << quote(subject.text) << '(' << quote(subject.name)
+               << "); INSERT INTO " << quote(subject.text) << " VALUES (1);";
     }
-    const ToolModel model{builder.Build()};
-    const Question question = Connect(subjects);
-
+    const SqliteDatabase database = SqliteDatabase::OpenMemory();
+    RunSql(database, script.str());
     FormatOptions options;
     options.sql.select = SqlOptions::ESelect::FirstItems;
-    Database database(script);
-    EXPECT_THAT(database.Run(Write("sql", model, question, options)),
-                ElementsAre("1 1 1 1 1 1 1 1 1 1 1"));
-    const nlohmann::json json = nlohmann::json::parse(Write("json", model, question));
-    for (std::size_t index = 0; index < kHostileNames.size(); ++index)
-        EXPECT_EQ(json["joins"][index]["name"], kHostileNames[index]);
-    for (const char letter : Write("text", model, question))
+    EXPECT_EQ(RunSql(database, WriteAs("sql", model, question, options)),
+              qe::test::SqlRows{std::vector<std::string>(names.size() + 1, "1")});
+    const nlohmann::json json = nlohmann::json::parse(WriteAs("json", model, question));
+    for (std::size_t index = 0; index < names.size(); ++index)
+        EXPECT_EQ(json["joins"][index]["name"], names[index]);
+    for (const char letter : WriteAs("text", model, question))
         EXPECT_TRUE(letter == '\n' || static_cast<unsigned char>(letter) >= 0x20);
 }
 

@@ -1,52 +1,21 @@
-#include "Engine/Model/Model.h"
-#include "Engine/Model/ModelBuilder.h"
 #include "Tests/Support/ModelText.h"
-#include "Tests/Tools/HostileModel.h"
+#include "Tests/Tools/Asking.h"
 #include "Tools/Ask/Asker.h"
 #include "Tools/Draw/AnswerPicture.h"
 #include "Tools/Draw/DotWriter.h"
 #include "Tools/Draw/ModelPicture.h"
-#include "Tools/InputError.h"
-#include "Tools/Model/ToolModel.h"
-#include "Tools/Output/Format.h"
+#include "Tools/Model/ModelFile.h"
 
 #include <cstdlib>
-#include <gtest/gtest.h>
-#include <sstream>
-#include <sys/stat.h>
+#include <gmock/gmock.h>
 
 namespace qe::tool {
 
 namespace {
 
-using test::ModelText;
-
-ToolModel MakeToolModel(const std::shared_ptr<const model::Model>& model)
-{
-    ToolModel toolModel;
-    toolModel.model = model;
-    return toolModel;
-}
-
-Question Connect(std::vector<std::string> subjects)
-{
-    Question question;
-    question.subjects = std::move(subjects);
-    return question;
-}
-
-std::string WriteAs(const char* format, const ToolModel& model, const Question& question)
-{
-    std::ostringstream out;
-    const Answer answer = Ask(model, question);
-    FindFormat(format)->write(out, {model, question, answer, {}});
-    return out.str();
-}
-
-bool HasGraphviz()
-{
-    return std::system("dot -V > /dev/null 2>&1") == 0;
-}
+using test::Connect;
+using test::MakeModel;
+using test::WriteAs;
 
 /// Writes nodes as "Name" with a mark of their kind and role, edges with one of their role.
 std::string Summarize(const Picture& picture)
@@ -69,8 +38,7 @@ std::string Summarize(const Picture& picture)
 
 TEST(Pictures, MarkChosenAndEquallyCheapPaths)
 {
-    const ModelText text("F >- A; F >o-o B; D -< A; B >- D; F >- E; E >- F; S -> D");
-    const ToolModel model = MakeToolModel(text.GetModel());
+    const ToolModel model = MakeModel("F >- A; F >o-o B; D -< A; B >- D; F >- E; E >- F; S -> D");
     EXPECT_EQ(Summarize(DrawAnswer(model, Ask(model, Connect({"F", "D"})), {})),
               "FD! AD+ BD  DD! ED  SS  "
               "| F 1..n=1..1 A | F 0..n~0..1 B | A 1..n=1..1 D | B 1..n~1..1 D "
@@ -82,8 +50,8 @@ TEST(Pictures, ShowTheNeighbourhoodInALargeModel)
     std::string joins = "A >- B;";
     for (int i = 0; i < 60; ++i)
         joins += "A >- X" + std::to_string(i) + "; X" + std::to_string(i) + " >- Y;";
-    const ModelText text(joins + "B >- X7; B >- X9");
-    const ToolModel model = MakeToolModel(text.GetModel());
+    const test::ModelText text(joins + "B >- X7; B >- X9");
+    const ToolModel model{text.GetModel()};
     PictureLimits limits;
     limits.neighbours = 3;
     const Picture picture = DrawAnswer(model, Ask(model, Connect({"A", "B"})), limits);
@@ -100,8 +68,7 @@ TEST(Pictures, ShowTheNeighbourhoodInALargeModel)
 
 TEST(Pictures, KeepRoomForCardinalitiesWhereTheirOrderIsCertain)
 {
-    const ModelText text("F >- A : j; F >o-o C : F-C; C >- D : CD; D >- E; E >- C");
-    const ToolModel model = MakeToolModel(text.GetModel());
+    const ToolModel model = MakeModel("F >- A : j; F >o-o C : F-C; C >- D : CD; D >- E; E >- C");
     const std::string dot = WriteDot(DrawAnswer(model, Ask(model, Connect({"A", "C", "D"})), {}));
     const auto labelsOf = [&dot](const char* line) {
         const std::size_t begin = dot.find(std::string("  ") + line + " [");
@@ -118,26 +85,32 @@ TEST(Pictures, TellWhatIsMissing)
 {
     const std::string path = std::getenv("PATH");
     setenv("PATH", "/nowhere", 1);
-    const ModelText text("A >- B");
-    try {
-        static_cast<void>(WriteAs("svg", MakeToolModel(text.GetModel()), Connect({"A", "B"})));
-        ADD_FAILURE() << "a picture without Graphviz";
-    } catch (const InputError& error) {
-        EXPECT_NE(std::string(error.what()).find("install Graphviz"), std::string::npos);
-    }
+    EXPECT_THAT(test::MistakesOf([] {
+                    static_cast<void>(WriteAs("svg", MakeModel("A >- B"), Connect({"A", "B"})));
+                }),
+                testing::HasSubstr("install Graphviz"));
     setenv("PATH", path.c_str(), 1);
 }
 
 TEST(HostileNames, StayWholeAndHarmless)
 {
-    if (!HasGraphviz())
+    if (std::system("dot -V > /dev/null 2>&1") != 0)
         GTEST_SKIP() << "Graphviz is not installed";
-    const test::HostileModel hostile;
-    const ToolModel model = MakeToolModel(hostile.model);
-    for (std::size_t i = 0; i < hostile.names.size(); ++i) {
-        const std::string& name = hostile.names[i];
+    // The subjects of the model around its hub, as markup shows them.
+    const std::string shown[] = {
+        "&lt;b&gt;bold&lt;/b&gt; &amp; &quot;quoted&quot; &#39;text&#39;",
+        "&lt;/script&gt;&lt;script&gt;alert(1)&lt;/script&gt;",
+        "two\\nlines\\r\\tand\\x01\\x1B[31m",
+        "right \\u{202E} tfel",
+        "&amp;lt;entity&amp;gt; \\N \\L {a|b}",
+        "a]]b; DROP TABLE t; -- @DATA@",
+        "\u05E2\u05D1\u05E8\u05D9\u05EA \u4E2D\u6587",
+    };
+    const ToolModel model = ReadModelFile(QEREFINER_SOURCE_DIR "/Tests/Tools/hostile.json");
+    int number = 1;
+    for (const std::string& name : shown) {
         SCOPED_TRACE(name);
-        const Question question = Connect({hostile.GetIdText(i), hostile.GetHubText()});
+        const Question question = Connect({"100:" + std::to_string(++number), "Hub"});
         const std::string svg = WriteAs("svg", model, question);
         const std::string html = WriteAs("html", model, question);
         // Nothing that a name holds is markup, a control character or a mark of direction.
@@ -149,8 +122,8 @@ TEST(HostileNames, StayWholeAndHarmless)
             EXPECT_EQ(text.find("\u202E"), std::string::npos);
             EXPECT_EQ(text.find_first_of("\x01\x1B\x7F"), std::string::npos);
         }
-        EXPECT_NE(html.find(hostile.shownInMarkup[i]), std::string::npos);
-        EXPECT_NE(svg.find("<title>" + hostile.shownInMarkup[i] + "</title>"), std::string::npos);
+        EXPECT_NE(html.find(name), std::string::npos);
+        EXPECT_NE(svg.find("<title>" + name + "</title>"), std::string::npos);
         // Both ends of the data script stand: nothing in it ends it early.
         EXPECT_EQ(html.find("</script>", html.find("id=\"data\"")),
                   html.find("</script>\n<script>\n"));

@@ -4,7 +4,7 @@
 #include "Engine/Log/LogCapture.h"
 #include "Engine/Settings/SettingsOverride.h"
 #include "HBNException.h"
-#include "TemporaryFile.h"
+#include "Tests/Support/TemporaryFolder.h"
 
 #include <cstdlib>
 #include <gmock/gmock.h>
@@ -32,11 +32,11 @@ protected:
     LogTest()
     {
         ::setenv("QEREFINER_SETTINGS", "/nonexistent", 1);
-        ::setenv("QEREFINER_LOG", mFile.GetPath().c_str(), 1);
+        ::setenv("QEREFINER_LOG", (mFolder / "log").c_str(), 1);
     }
     ~LogTest() override { SettingsOverride::SetProvider(nullptr); }
 
-    TemporaryFile mFile{"log"};
+    qe::test::TemporaryFolder mFolder;
 };
 
 TEST_F(LogTest, NothingIsWrittenUntilALevelIsSet)
@@ -45,15 +45,14 @@ TEST_F(LogTest, NothingIsWrittenUntilALevelIsSet)
     EXPECT_EQ(log.GetLogLevel(), 0);
     log.Log(1, "lost");
     log.Log(0, "lost");
-    EXPECT_EQ(mFile.Read(), "");
+    EXPECT_EQ(mFolder.Read("log"), "");
 }
 
 TEST_F(LogTest, LevelFollowsTheSettingsFileWhenTheConfigurationIsOpened)
 {
     EXPECT_EQ(AQE_LogFile("Q").GetLogLevel(), 0);
-    const TemporaryFile settings("settings.ini");
-    settings.Write("[Log]\nLevel=4\n");
-    ::setenv("QEREFINER_SETTINGS", settings.GetPath().c_str(), 1);
+    const std::string settings = mFolder.Write("settings.ini", "[Log]\nLevel=4\n");
+    ::setenv("QEREFINER_SETTINGS", settings.c_str(), 1);
     EXPECT_EQ(AUT_I_UserConfiguration::Create(RootKeyUser)->GetInt("Log", "Level", 0), 4);
     EXPECT_EQ(AQE_LogFile("Q").GetLogLevel(), 4);
 }
@@ -66,9 +65,9 @@ TEST_F(LogTest, FileHoldsNameLevelTitleAndTextOfWantedEntries)
     log.Log(7, "one\ntwo\n");
     log.Log(8, "too fine");
     AQE_LogFile("QueryEngine", 5, 0xA9E143D7, 0x1B, "Joins").Log(5, "no line end");
-    EXPECT_EQ(mFile.Read(), "--- QueryEngine, level 7\none\ntwo\n"
-                            "--- QueryEngine, level 5, Joins (0xA9E143D7, 0x0000001B)\n"
-                            "no line end\n");
+    EXPECT_EQ(mFolder.Read("log"), "--- QueryEngine, level 7\none\ntwo\n"
+                                   "--- QueryEngine, level 5, Joins (0xA9E143D7, 0x0000001B)\n"
+                                   "no line end\n");
 }
 
 TEST_F(LogTest, StandardErrorStandsInForTheFile)
@@ -96,7 +95,7 @@ TEST_F(LogTest, CaptureTakesEntriesAsTheyStandInPlaceOfTheFile)
     EXPECT_EQ(entries[0].component, 1U);
     EXPECT_EQ(entries[0].message, 2U);
     EXPECT_EQ(entries[0].text, "\ntext");
-    EXPECT_EQ(mFile.Read(), "");
+    EXPECT_EQ(mFolder.Read("log"), "");
 }
 
 TEST_F(LogTest, InnermostCaptureCountsAndLateEntriesAreDropped)
@@ -132,7 +131,7 @@ TEST_F(LogTest, CapturesMayLetOthersBeToldEachUpToItsOwnLevel)
     const LogCapture beside(1, note, LogCapture::EOthers::Told);
     write();
     EXPECT_THAT(seen, testing::ElementsAre("1"));
-    EXPECT_EQ(mFile.Read(), "--- Q, level 1\n1\n--- Q, level 2\n2\n");
+    EXPECT_EQ(mFolder.Read("log"), "--- Q, level 1\n1\n--- Q, level 2\n2\n");
     const LogCapture alone(3);
     {
         const LogCapture inner(4, note, LogCapture::EOthers::Told);
@@ -140,7 +139,7 @@ TEST_F(LogTest, CapturesMayLetOthersBeToldEachUpToItsOwnLevel)
     }
     EXPECT_THAT(GetTexts(alone), testing::ElementsAre("1", "2", "3"));
     EXPECT_THAT(seen, testing::ElementsAre("1", "1", "2", "3", "4"));
-    EXPECT_EQ(mFile.Read(), "--- Q, level 1\n1\n--- Q, level 2\n2\n");
+    EXPECT_EQ(mFolder.Read("log"), "--- Q, level 1\n1\n--- Q, level 2\n2\n");
 }
 
 TEST_F(LogTest, SinkMayWriteToTheLogAndItsFailureReachesTheWriter)

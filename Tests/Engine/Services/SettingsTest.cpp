@@ -2,7 +2,7 @@
 #include "Engine/Log/LogCapture.h"
 #include "Engine/Settings/SettingsFile.h"
 #include "Engine/Settings/SettingsOverride.h"
-#include "TemporaryFile.h"
+#include "Tests/Support/TemporaryFolder.h"
 
 #include <cstdlib>
 #include <gmock/gmock.h>
@@ -20,7 +20,7 @@ using testing::HasSubstr;
 class SettingsTest : public testing::Test
 {
 protected:
-    SettingsTest() { ::setenv("QEREFINER_SETTINGS", mFile.GetPath().c_str(), 1); }
+    SettingsTest() { ::setenv("QEREFINER_SETTINGS", mPath.c_str(), 1); }
     ~SettingsTest() override { SettingsOverride::SetProvider(nullptr); }
 
     static int Read(const char* key, const char* section = "General Options", int otherwise = -7)
@@ -28,34 +28,37 @@ protected:
         return AUT_I_UserConfiguration::Create(RootKeyUser)->GetInt(section, key, otherwise);
     }
 
-    TemporaryFile mFile{"settings.ini"};
+    void Write(std::string_view text) const { mFolder.Write("settings.ini", text); }
+
+    qe::test::TemporaryFolder mFolder;
+    const std::string mPath = mFolder / "settings.ini";
 };
 
 TEST_F(SettingsTest, MalformedLinesAreLeftOutAndTheRestHolds)
 {
-    mFile.Write("\xEF\xBB\xBF; comment\r\n"
-                "[General Options]\r\n"
-                "  FFJoins = 2 ; inline\r\n"
-                "    Indented: +5\n"
-                "# comment " +
-                std::string(300, '=') +
-                "\n"
-                "FFJOINS = 3\n"
-                "no value here\n"
-                "Word = three\n"
-                "Fraction = 1.5\n"
-                "Big = 2147483648\n"
-                "Small = -2147483648\n"
-                "Signs = +-5\n"
-                "Empty =\n"
-                "= 3\n" +
-                "FFJoins = 4 ; " + std::string(184, 'x') + "FFJoins = 5\n" +
-                std::string("FFJoins = 7\0 1\n", 15) +
-                "NEWALGO = 1\n"
-                "[Broken\n"
-                "NewAlgo = 0\n"
-                "[Log]\n\n"
-                "Last = 9");
+    Write("\xEF\xBB\xBF; comment\r\n"
+          "[General Options]\r\n"
+          "  FFJoins = 2 ; inline\r\n"
+          "    Indented: +5\n"
+          "# comment " +
+          std::string(300, '=') +
+          "\n"
+          "FFJOINS = 3\n"
+          "no value here\n"
+          "Word = three\n"
+          "Fraction = 1.5\n"
+          "Big = 2147483648\n"
+          "Small = -2147483648\n"
+          "Signs = +-5\n"
+          "Empty =\n"
+          "= 3\n" +
+          "FFJoins = 4 ; " + std::string(184, 'x') + "FFJoins = 5\n" +
+          std::string("FFJoins = 7\0 1\n", 15) +
+          "NEWALGO = 1\n"
+          "[Broken\n"
+          "NewAlgo = 0\n"
+          "[Log]\n\n"
+          "Last = 9");
     const struct
     {
         const char* section;
@@ -83,52 +86,51 @@ TEST_F(SettingsTest, MalformedLinesAreLeftOutAndTheRestHolds)
 
     std::vector<int> lines;
     for (const qe::SettingsProblem& problem : qe::GetSettingsProblems()) {
-        EXPECT_EQ(problem.path, mFile.GetPath());
+        EXPECT_EQ(problem.path, mPath);
         lines.push_back(problem.line);
     }
     EXPECT_THAT(lines, ElementsAre(7, 8, 9, 10, 12, 13, 14, 15, 16, 18));
     EXPECT_EQ(ToText(qe::GetSettingsProblems()[1]),
-              mFile.GetPath() +
-                  ":8: the value of \"Word\" is no whole number that fits: \"three\"");
+              mPath + ":8: the value of \"Word\" is no whole number that fits: \"three\"");
 }
 
 TEST_F(SettingsTest, ProblemsAreLoggedOnce)
 {
-    mFile.Write("[Log]\nFirst = x\n");
+    Write("[Log]\nFirst = x\n");
     EXPECT_EQ(Read("First", "Log"), -7); // nobody sees this one: the log is off
     const qe::LogCapture capture(1);
     Read("First", "Log");
     Read("First", "Log");
-    mFile.Write("[Log]\nFirst = x\nSecond\n");
+    Write("[Log]\nFirst = x\nSecond\n");
     Read("First", "Log");
     const std::vector<qe::LogEntry> entries = capture.GetEntries();
     ASSERT_EQ(entries.size(), 2U);
-    EXPECT_THAT(entries[0].text.ToStdString(), HasSubstr(mFile.GetPath() + ":2: "));
-    EXPECT_THAT(entries[1].text.ToStdString(), HasSubstr(mFile.GetPath() + ":3: "));
+    EXPECT_THAT(entries[0].text.ToStdString(), HasSubstr(mPath + ":2: "));
+    EXPECT_THAT(entries[1].text.ToStdString(), HasSubstr(mPath + ":3: "));
 }
 
 TEST_F(SettingsTest, FileThatComesChangesAndGoesIsNoticed)
 {
     EXPECT_EQ(Read("NewAlgo"), -7);
     EXPECT_TRUE(qe::GetSettingsProblems().empty());
-    mFile.Write("[General Options]\nNewAlgo=0\n");
+    Write("[General Options]\nNewAlgo=0\n");
     const auto opened = AUT_I_UserConfiguration::Create(RootKeyUser);
     EXPECT_EQ(Read("NewAlgo"), 0);
-    mFile.Write("[General Options]\nNewAlgo=10\n");
+    Write("[General Options]\nNewAlgo=10\n");
     EXPECT_EQ(Read("NewAlgo"), 10);
     EXPECT_EQ(opened->GetInt("General Options", "NewAlgo", -7), 0);
-    std::filesystem::remove(mFile.GetPath());
+    std::filesystem::remove(mPath);
     EXPECT_EQ(Read("NewAlgo"), -7);
 }
 
 TEST_F(SettingsTest, UnusableFileMeansDefaultsAndIsReported)
 {
-    std::filesystem::create_directory(mFile.GetPath());
+    std::filesystem::create_directory(mPath);
     EXPECT_EQ(Read("NewAlgo"), -7);
     EXPECT_THAT(qe::GetSettingsProblems(),
-                ElementsAre(qe::SettingsProblem{mFile.GetPath(), 0, "not a regular file"}));
-    std::filesystem::remove(mFile.GetPath());
-    mFile.Write(std::string(2 << 20, '\n') + "[General Options]\nNewAlgo=0\n");
+                ElementsAre(qe::SettingsProblem{mPath, 0, "not a regular file"}));
+    std::filesystem::remove(mPath);
+    Write(std::string(2 << 20, '\n') + "[General Options]\nNewAlgo=0\n");
     EXPECT_EQ(Read("NewAlgo"), -7);
     EXPECT_EQ(qe::GetSettingsProblems().size(), 1U);
 }
@@ -158,7 +160,7 @@ TEST_F(SettingsTest, PathComesFromTheFirstVariableThatIsSet)
 
 TEST_F(SettingsTest, HostsValuesComeBeforeTheProviderAndBothBeforeTheFile)
 {
-    mFile.Write("[General Options]\nFFJoins=1\n");
+    Write("[General Options]\nFFJoins=1\n");
     const auto earlier =
         SettingsOverride::SetProvider([](const I18NString& section, const I18NString& key) {
             return section == "General Options" && key == "FFJoins" ? std::optional<int>(2)
@@ -194,7 +196,7 @@ TEST_F(SettingsTest, FailureOfTheProviderReachesTheReader)
 TEST_F(SettingsTest, ThreadsSeeOneStateOrTheOther)
 {
     const std::string one = "[General Options]\nFFJoins=1\n";
-    mFile.Write(one);
+    Write(one);
     std::vector<std::thread> threads;
     for (int i = 0; i < 3; ++i) {
         threads.emplace_back([] {
