@@ -4,6 +4,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -19,7 +20,7 @@ void WriteDefinitions(const std::filesystem::path& path, std::int64_t tables)
         file << "CREATE TABLE t" << i << " (\n  id INTEGER PRIMARY KEY";
         for (int column = 0; column < 8; ++column)
             file << ",\n  column_" << column << " VARCHAR(40)";
-        for (int key = 0; key < 2 && i > 0; ++key)
+        for (std::int64_t key = 0; key < 2 && i > 0; ++key)
             file << ",\n  parent_" << key << " INTEGER REFERENCES t" << (i * 7 + key * 13) % i;
         file << ");\n";
     }

@@ -72,6 +72,7 @@ void Reader::RequireSubjects()
 std::map<std::string, Reader::Set> Reader::MakeSetters()
 {
     std::vector<std::pair<std::string, EOperation>> operations;
+    operations.reserve(kOperations.size());
     for (const EOperation operation : kOperations)
         operations.emplace_back(ToText(operation), operation);
     const Set ignore = [](const Json&) {};

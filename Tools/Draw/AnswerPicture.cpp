@@ -118,6 +118,7 @@ private:
                 --contacts[leftIsTouched ? join.right : join.left];
         }
         std::vector<std::pair<int, amd_id>> neighbours;
+        neighbours.reserve(contacts.size());
         for (const auto& [id, count] : contacts)
             neighbours.emplace_back(count, id);
         std::sort(neighbours.begin(), neighbours.end());

@@ -4,6 +4,7 @@
 #include "Tools/Output/DisplayText.h"
 
 #include <algorithm>
+#include <array>
 #include <set>
 #include <sstream>
 #include <vector>
@@ -97,7 +98,8 @@ std::string EdgeLabel(const Picture& picture, const PictureEdge& edge)
         return "stands for";
     const std::string& first = picture.nodes[edge.first].name;
     const std::string& second = picture.nodes[edge.second].name;
-    for (const std::string& plain : {first + '-' + second, second + '-' + first}) {
+    const std::array names{first + '-' + second, second + '-' + first};
+    for (const std::string& plain : names) {
         if (edge.name == plain)
             return {};
         // Of "Orders-Day (shipped)" the part in parentheses tells the joins apart.

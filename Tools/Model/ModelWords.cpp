@@ -37,6 +37,7 @@ std::optional<std::string> CardinalityWord(const model::CardinalityRange& range)
 std::vector<std::string_view> CardinalityWords()
 {
     std::vector<std::string_view> words;
+    words.reserve(Cardinalities.size());
     for (const auto& cardinality : Cardinalities)
         words.push_back(cardinality.first);
     return words;

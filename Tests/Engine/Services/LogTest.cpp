@@ -182,6 +182,7 @@ TEST_F(LogTest, EntriesOfManyThreadsAllArriveWhole)
 {
     const LogCapture capture(1);
     std::vector<std::thread> threads;
+    threads.reserve(3);
     for (int i = 0; i < 3; ++i) {
         threads.emplace_back([] {
             for (int round = 0; round < 200; ++round)
