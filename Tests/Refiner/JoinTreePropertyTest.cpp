@@ -223,73 +223,99 @@ std::string Describe(const JoinGraphModel& model, const RandomCase& random)
            model.Text(random.favouredSubjects);
 }
 
-TEST(JoinTreeProperty, CheapestTreesAreAllThereAre)
+class JoinTreeProperty : public testing::Test
 {
-    CaseMaker maker(20261);
-    for (int round = 0; round < 2000; ++round) {
-        const RandomCase random = MakeCase(maker, EShortcuts::Some);
+protected:
+    /// Draws requests until one fails, and tells of that one.
+    template <typename Check>
+    static void ForEachRequest(unsigned seed, EShortcuts shortcuts, const Check& check)
+    {
+        CaseMaker maker(seed);
+        for (int round = 0; round < 2000 && !HasFailure(); ++round) {
+            const RandomCase random = MakeCase(maker, shortcuts);
+            JoinGraphModel model(random.text);
+            SCOPED_TRACE(Describe(model, random));
+            check(model, random);
+        }
+    }
+
+    static AQE_JoinTree Grow(JoinGraphModel& model, const RandomCase& random,
+                             AQE_I_QuerySubjectShortcutInfo* shortcutInfo)
+    {
+        return {&model.GetGateway(),
+                random.subjects,
+                random.favouredJoins,
+                random.requiredJoins,
+                model.Subjects(),
+                model.Joins(),
+                nullptr,
+                &model.context,
+                &random.avoidedJoins,
+                shortcutInfo,
+                false,
+                random.favouredSubjects};
+    }
+
+    static std::vector<Ids> PathsOf(const AQE_JoinTree& tree)
+    {
+        std::vector<Ids> paths;
+        tree.GetJoinPaths(paths);
+        return paths;
+    }
+};
+
+std::set<amd_id> ToSet(const Ids& ids)
+{
+    return {ids.begin(), ids.end()};
+}
+
+TEST_F(JoinTreeProperty, CheapestTreesAreAllThereAre)
+{
+    ForEachRequest(20261, EShortcuts::Some, [](JoinGraphModel& model, const RandomCase& random) {
         if (random.subjects.empty())
-            continue;
-        JoinGraphModel model(random.text);
-        SCOPED_TRACE(Describe(model, random));
+            return;
         AQE_Governors governors;
         const std::unique_ptr<AQE_I_QuerySubjectShortcutInfo> shortcutInfo(
             AQE_I_QuerySubjectShortcutInfo::Create(&model.GetGateway(), &governors,
                                                    &model.context));
-        const AQE_JoinTree tree(&model.GetGateway(), random.subjects, random.favouredJoins,
-                                random.requiredJoins, model.Subjects(), model.Joins(), nullptr,
-                                &model.context, &random.avoidedJoins, shortcutInfo.get(), false,
-                                random.favouredSubjects);
-        std::vector<Ids> paths;
-        tree.GetJoinPaths(paths);
+        const AQE_JoinTree tree = Grow(model, random, shortcutInfo.get());
+        const std::vector<Ids> paths = PathsOf(tree);
         Paths found;
         for (const Ids& path : paths)
-            found.insert(std::set<amd_id>(path.begin(), path.end()));
+            found.insert(ToSet(path));
         EXPECT_EQ(found.size(), paths.size()) << "each tree once";
 
         const RequestGraph graph(model, random, shortcutInfo.get(), false);
         if (graph.DoRequiredJoinsConnect(random)) {
             EXPECT_FALSE(tree.IsConnected());
-            const std::set<amd_id> required(random.requiredJoins.begin(),
-                                            random.requiredJoins.end());
-            EXPECT_EQ(found, required.empty() ? Paths{} : Paths{required});
-        } else {
-            const auto [weight, trees] = graph.FindOptimum(graph.Terminals(random));
-            EXPECT_EQ(tree.IsConnected(), !trees.empty());
-            EXPECT_EQ(found, trees);
-            if (!paths.empty()) {
-                EXPECT_EQ(tree.GetPathWeight(paths.front()), weight);
-            }
-        }
-        if (HasFailure())
+            EXPECT_EQ(found,
+                      random.requiredJoins.empty() ? Paths{} : Paths{ToSet(random.requiredJoins)});
             return;
-    }
+        }
+        const auto [weight, trees] = graph.FindOptimum(graph.Terminals(random));
+        EXPECT_EQ(tree.IsConnected(), !trees.empty());
+        EXPECT_EQ(found, trees);
+        if (!paths.empty()) {
+            EXPECT_EQ(tree.GetPathWeight(paths.front()), weight);
+        }
+    });
 }
 
-TEST(JoinTreeProperty, PairwiseGrowthConnectsWithinTheBoundOfItsPaper)
+TEST_F(JoinTreeProperty, PairwiseGrowthConnectsWithinTheBoundOfItsPaper)
 {
     const SettingsOverride newAlgo("General Options", "NewAlgo", 0);
-    CaseMaker maker(20262);
     int compared = 0;
     double sumOfRatios = 0;
     double worstRatio = 1;
-    for (int round = 0; round < 2000; ++round) {
-        const RandomCase random = MakeCase(maker, EShortcuts::None);
-        if (random.subjects.empty())
-            continue;
-        JoinGraphModel model(random.text);
-        SCOPED_TRACE(Describe(model, random));
-        const AQE_JoinTree tree(&model.GetGateway(), random.subjects, random.favouredJoins,
-                                random.requiredJoins, model.Subjects(), model.Joins(), nullptr,
-                                &model.context, &random.avoidedJoins, nullptr, false,
-                                random.favouredSubjects);
-        std::vector<Ids> paths;
-        tree.GetJoinPaths(paths);
+    ForEachRequest(20262, EShortcuts::None, [&](JoinGraphModel& model, const RandomCase& random) {
         const RequestGraph graph(model, random, nullptr, false);
         const std::vector<std::size_t> terminals = graph.Terminals(random);
+        if (random.subjects.empty() || graph.DoRequiredJoinsConnect(random))
+            return;
         const auto [optimum, trees] = graph.FindOptimum(terminals);
-        if (trees.empty() || graph.DoRequiredJoinsConnect(random))
-            continue;
+        if (trees.empty())
+            return;
+        const std::vector<Ids> paths = PathsOf(Grow(model, random, nullptr));
         ASSERT_FALSE(paths.empty());
         std::int64_t lightest = std::numeric_limits<int>::max();
         for (const Ids& path : paths) {
@@ -307,23 +333,15 @@ TEST(JoinTreeProperty, PairwiseGrowthConnectsWithinTheBoundOfItsPaper)
         ++compared;
         sumOfRatios += ratio;
         worstRatio = std::max(worstRatio, ratio);
-        if (HasFailure())
-            return;
-    }
+    });
     std::printf(
         "pairwise growth: %d requests, on average %.4f and at worst %.2f times the optimum\n",
         compared, sumOfRatios / compared, worstRatio);
 }
 
-TEST(JoinTreeProperty, TwoSetSearchAgreesWithAllPairs)
+TEST_F(JoinTreeProperty, TwoSetSearchAgreesWithAllPairs)
 {
-    CaseMaker maker(20263);
-    for (int round = 0; round < 2000; ++round) {
-        const RandomCase random = MakeCase(maker, EShortcuts::None);
-        if (random.subjects.empty() || random.secondSet.empty())
-            continue;
-        JoinGraphModel model(random.text);
-        SCOPED_TRACE(Describe(model, random));
+    ForEachRequest(20263, EShortcuts::None, [](JoinGraphModel& model, const RandomCase& random) {
         std::vector<Ids> paths;
         std::vector<std::pair<amd_id, amd_id>> pairs;
         int weight = 0;
@@ -331,8 +349,13 @@ TEST(JoinTreeProperty, TwoSetSearchAgreesWithAllPairs)
                                 random.secondSet, {}, random.favouredJoins, random.requiredJoins,
                                 model.Subjects(), model.Joins(), paths, weight, pairs, nullptr,
                                 &model.context, nullptr);
+        if (random.subjects.empty() || random.secondSet.empty()) {
+            EXPECT_EQ(weight, 0) << "nothing was searched";
+            EXPECT_EQ(tree.GetPathWeight(model.Joins()), 0);
+            return;
+        }
+        EXPECT_EQ(tree.GetPathWeight(model.Joins()), -1);
         const RequestGraph graph(model, random, nullptr, true);
-
         int expectedWeight = 8888;
         std::vector<std::pair<amd_id, amd_id>> expectedPairs;
         for (const amd_id& first : random.subjects)
@@ -351,13 +374,10 @@ TEST(JoinTreeProperty, TwoSetSearchAgreesWithAllPairs)
         EXPECT_EQ(pairs, expectedPairs);
         ASSERT_EQ(paths.size(), pairs.size());
         for (std::size_t i = 0; i < paths.size(); ++i) {
-            const Paths trees =
-                graph.FindOptimum(graph.Numbers({pairs[i].first, pairs[i].second})).second;
-            EXPECT_EQ(trees.count(std::set<amd_id>(paths[i].begin(), paths[i].end())), 1U);
+            const auto ends = graph.Numbers({pairs[i].first, pairs[i].second});
+            EXPECT_EQ(graph.FindOptimum(ends).second.count(ToSet(paths[i])), 1U);
         }
-        if (HasFailure())
-            return;
-    }
+    });
 }
 
 } // namespace

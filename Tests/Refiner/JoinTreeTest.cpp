@@ -23,7 +23,6 @@ using qe::test::JoinGraphModel;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::UnorderedElementsAre;
 using Ids = std::vector<amd_id>;
 using Texts = std::vector<std::string>;
 
@@ -159,26 +158,6 @@ TEST(PairwiseGrowth, ToleratesRepeatedAndUnknownSubjects)
     EXPECT_THAT(paths, IsEmpty()) << "C is no candidate node";
 }
 
-TEST(JoinTree, WeighsFavouredRequiredAndAvoidedJoinsInThatOrder)
-{
-    const std::string square = "A-B A-C C-B x=A-B";
-    for (const EGrowth growth : {EGrowth::CheapestTrees, EGrowth::Pairwise}) {
-        JoinGraphModel model(square);
-        EXPECT_EQ(PathsOf(model, *Grow(model, {"A B", "x"}, growth)).front(), "x");
-        EXPECT_EQ(PathsOf(model, *Grow(model, {"A B", "", "", "A-B x"}, growth)).front(),
-                  "A-C C-B");
-        EXPECT_EQ(PathsOf(model, *Grow(model, {"A B", "x A-B", "", "x"}, growth)).front(), "A-B")
-            << "avoided beats favoured";
-        const auto required = Grow(model, {"A B", "", "A-C"}, growth);
-        EXPECT_EQ(PathsOf(model, *required).front(), "A-B A-C") << "both ends have to be connected";
-        EXPECT_EQ(required->GetPathWeight(model["A-C"]), 2);
-    }
-    JoinGraphModel model(square);
-    const auto avoidedToo = Grow(model, {"A B C", "", "A-C", "A-C"}, EGrowth::CheapestTrees);
-    EXPECT_EQ(avoidedToo->GetPathWeight(model["A-C"]), 8888);
-    EXPECT_THAT(PathsOf(model, *avoidedToo), UnorderedElementsAre("A-B C-B", "x C-B"));
-}
-
 TEST(JoinTree, TakesRequiredJoinsThatConnectEverythingAsTheyAre)
 {
     const std::string text = "A-B:5 B-C:6 A-C:1";
@@ -194,19 +173,6 @@ TEST(JoinTree, TakesRequiredJoinsThatConnectEverythingAsTheyAre)
     }
     JoinGraphModel single(text);
     EXPECT_THAT(PathsOf(single, *Grow(single, {"A"}, EGrowth::CheapestTrees)), IsEmpty());
-}
-
-TEST(JoinTree, FavouredSubjectsMakeJoinsCheaperButNeverDearer)
-{
-    JoinGraphModel model("A-B A-C:3 A-D:2 E-D t>A t-F t-B");
-    const auto weights = Grow(model, {"A B", "", "", "", "A B"}, EGrowth::CheapestTrees);
-    const auto weight = [&](const char* join) { return weights->GetPathWeight(model[join]); };
-    EXPECT_EQ(weight("A-B"), 3);
-    EXPECT_EQ(weight("A-C"), 3);
-    EXPECT_EQ(weight("A-D"), 2);
-    EXPECT_EQ(weight("E-D"), 17);
-    EXPECT_EQ(weight("t-F"), 7) << "neither end is favoured, but t stands for A";
-    EXPECT_EQ(weight("t-B"), 7) << "B is favoured as it stands, so t is not looked through";
 }
 
 TEST(JoinTree, AnswersWithDefinedValuesWhenNothingWasBuilt)
@@ -239,46 +205,6 @@ TEST(JoinTree, ConnectivityOnlyGivesOneTreeOfTheGraphAsItIs)
     Ids joins = model["A-C"];
     tree.GetConnectingJoins(joins);
     EXPECT_EQ(model.Text(joins), "A-B B-C");
-}
-
-struct TwoSets
-{
-    Texts paths;
-    std::string pairs;
-    int weight = 0;
-};
-
-TwoSets Between(const std::string& text, const std::string& first, const std::string& second,
-                const std::string& avoided = {}, const std::string& favoured = {})
-{
-    JoinGraphModel model(text);
-    std::vector<Ids> paths;
-    std::vector<std::pair<amd_id, amd_id>> pairs;
-    TwoSets result;
-    const AQE_JoinTree tree(&model.GetGateway(), model[first], model[avoided], model[second],
-                            model[avoided], model[favoured], {}, model.Subjects(), model.Joins(),
-                            paths, result.weight, pairs, nullptr, &model.context, nullptr);
-    result.paths = model.Texts(paths);
-    for (const auto& [a, b] : pairs)
-        result.pairs += model.Text({a, b}) + ",";
-    EXPECT_EQ(tree.GetPathWeight(model.Joins()), first.empty() ? 0 : -1);
-    return result;
-}
-
-TEST(TwoSetSearch, KeepsEveryPathOfLeastWeightWithItsEnds)
-{
-    const TwoSets ties = Between("A-X:1 X-C:2 B-D:3 A-D:9 C-C:1", "A B", "C D B");
-    EXPECT_THAT(ties.paths, ElementsAre("A-X X-C", "B-D"));
-    EXPECT_EQ(ties.pairs, "A C,B D,");
-    EXPECT_EQ(ties.weight, 3);
-
-    const TwoSets barred = Between("A-X:1 X-C:2", "A", "C A", "X-C");
-    EXPECT_THAT(barred.paths, IsEmpty());
-    EXPECT_EQ(barred.pairs, "");
-    EXPECT_EQ(barred.weight, 8888);
-
-    EXPECT_THAT(Between("A-C:9 x=A-C:5", "A", "C", "", "A-C").paths, ElementsAre("A-C"));
-    EXPECT_EQ(Between("A-C:9", "", "C").weight, 0) << "nothing was searched";
 }
 
 TEST(LibraryGrowth, PassesOverShortcutJoinsAndWeighsByNode)

@@ -132,14 +132,11 @@ TEST(Ranking, KeepsWhatItRankedBeforeAFailure)
 {
     const ModelText model("A >- B : good; A >- C : odd");
     CountingGateway gateway(model.GetGateway());
-    qe::model::ObjectRecord record;
-    record.id = model.Id("odd");
-    record.left = model.Id("A");
-    record.right = model.Id("C");
-    record.leftCardinality = {11, 7};
-    record.rightCardinality = {11, 11};
-    gateway.Replace(record.id, record);
-
+    gateway.Replace({.id = model.Id("odd"),
+                     .left = model.Id("A"),
+                     .right = model.Id("C"),
+                     .leftCardinality = {11, 7},
+                     .rightCardinality = {11, 11}});
     const JoinInfoReader joinInfos({&gateway, nullptr, nullptr, nullptr});
     Descriptors descriptors;
     EXPECT_THROW(qe::RankPaths({{model.Ids("odd"), 2}, {model.Ids("good"), 1}}, {true, false},
@@ -221,13 +218,7 @@ TEST(FolderDistance, GoesOverTheNearestCommonFolder)
             << row.join;
 
     CountingGateway gateway(model.GetGateway());
-    const auto enclose = [&](const char* folder, const char* parent) {
-        qe::model::ObjectRecord record;
-        record.id = model.Id(folder);
-        record.parent = model.Id(parent);
-        gateway.Replace(record.id, record);
-    };
-    enclose("Sales", "Port");
+    gateway.Replace({.id = model.Id("Sales"), .parent = model.Id("Port")});
     EXPECT_EQ(qe::FolderDistance(model.Id("beside"), &gateway, nullptr), 3) << "a circle";
     gateway.Hide(model.Id("Ship"));
     EXPECT_EQ(qe::FolderDistance(model.Id("half"), &gateway, nullptr), 0);

@@ -181,10 +181,7 @@ TEST(ShortcutInfo, GivesInformationAboutItsOwnJoins)
 TEST(ShortcutInfo, LeavesOutShortcutsThatLeadNowhere)
 {
     Request request(ThreeFolders, ByTarget);
-    qe::model::ObjectRecord circle;
-    circle.id = request.names.Id("Old");
-    circle.referenced = request.names.Id("Far");
-    request.gateway.Replace(circle.id, circle);
+    request.gateway.Replace({.id = request.names.Id("Old"), .referenced = request.names.Id("Far")});
     request.Build("Old, Far");
     EXPECT_EQ(request.Joins(), "");
 
@@ -197,12 +194,10 @@ TEST(ShortcutInfo, LeavesOutShortcutsThatLeadNowhere)
 TEST(ShortcutInfo, PrefersTheLeastIdAmongEqualNames)
 {
     Request request("folder A; T; folder B; S -> T; R -> T", ByContainer);
-    qe::model::ObjectRecord namesake;
-    namesake.id = request.names.Id("R");
-    namesake.name = "S";
-    namesake.parent = request.names.Id("B");
-    namesake.referenced = request.names.Id("T");
-    request.gateway.Replace(namesake.id, namesake);
+    request.gateway.Replace({.id = request.names.Id("R"),
+                             .name = "S",
+                             .parent = request.names.Id("B"),
+                             .referenced = request.names.Id("T")});
     request.Build("S, R");
     EXPECT_EQ(request.Joins(), "T-S");
 }

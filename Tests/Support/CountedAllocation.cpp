@@ -27,14 +27,6 @@ void* Allocate(std::size_t size) noexcept
     return block;
 }
 
-void* AllocateOrThrow(std::size_t size)
-{
-    void* const block = Allocate(size);
-    if (block == nullptr)
-        throw std::bad_alloc();
-    return block;
-}
-
 void Release(void* block) noexcept
 {
     state.liveCount -= block != nullptr;
@@ -62,56 +54,27 @@ bool CountedAllocation::HasFailed()
 
 } // namespace qe::test
 
-using qe::test::Allocate;
-using qe::test::AllocateOrThrow;
-using qe::test::Release;
+// The forms for arrays call these.
 
 void* operator new(std::size_t size)
 {
-    return AllocateOrThrow(size);
-}
-
-void* operator new[](std::size_t size)
-{
-    return AllocateOrThrow(size);
+    void* const block = qe::test::Allocate(size);
+    if (block == nullptr)
+        throw std::bad_alloc();
+    return block;
 }
 
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept
 {
-    return Allocate(size);
-}
-
-void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept
-{
-    return Allocate(size);
+    return qe::test::Allocate(size);
 }
 
 void operator delete(void* block) noexcept
 {
-    Release(block);
-}
-
-void operator delete[](void* block) noexcept
-{
-    Release(block);
+    qe::test::Release(block);
 }
 
 void operator delete(void* block, std::size_t /*size*/) noexcept
 {
-    Release(block);
-}
-
-void operator delete[](void* block, std::size_t /*size*/) noexcept
-{
-    Release(block);
-}
-
-void operator delete(void* block, const std::nothrow_t& /*tag*/) noexcept
-{
-    Release(block);
-}
-
-void operator delete[](void* block, const std::nothrow_t& /*tag*/) noexcept
-{
-    Release(block);
+    qe::test::Release(block);
 }

@@ -8,8 +8,6 @@
 
 namespace {
 
-using testing::ElementsAre;
-using testing::Property;
 using testing::StrEq;
 
 HBNException MakeCrossProductError(int parameterCount)
@@ -28,17 +26,6 @@ TEST(ExceptionTest, CaughtExceptionTellsAllThatWasRaised)
         FAIL();
     } catch (const HBNException& caught) {
         EXPECT_NE(&caught, &exception);
-        EXPECT_EQ(caught.GetSeverity(), 1);
-        EXPECT_EQ(caught.GetCode(), 101);
-        ASSERT_EQ(caught.GetMessages().size(), 1U);
-        EXPECT_EQ(caught.GetMessages()[0].GetNumber(), 0xA9EE8A4D);
-        EXPECT_THAT(caught.GetMessages()[0].GetParameters(),
-                    ElementsAre(Property(&ORVMessageParm::GetText, "A, {2}"),
-                                Property(&ORVMessageParm::GetText, "Sales")));
-        EXPECT_EQ(caught.GetLocation().file, "Source/QEJoinTree");
-        EXPECT_EQ(caught.GetLocation().line, 547);
-        EXPECT_EQ(caught.GetComponent(), "QE");
-        EXPECT_EQ(caught.GetMacroName(), "ORV_THROW");
         EXPECT_THAT(caught.what(),
                     StrEq("Severity 1, code 101: The query subjects A, {2} cannot be joined, and "
                           "cross products are not allowed. User classes: Sales "
@@ -53,10 +40,6 @@ TEST(ExceptionTest, AssertionRaisesOnlyWhenItsConditionFails)
         ORV_ASSERT(1 > 2, "ORV_ASSERT(false);", "Source/QEI_Refiner", 582);
         FAIL();
     } catch (const std::exception& caught) {
-        const auto& error = dynamic_cast<const ORVAssertError&>(caught);
-        EXPECT_EQ(error.GetErrorCode(), 0);
-        EXPECT_EQ(error.GetAssertedText(), "ORV_ASSERT(false);");
-        EXPECT_EQ(error.GetComponent(), "");
         EXPECT_THAT(caught.what(), StrEq("Assertion failed, error code 0: ORV_ASSERT(false); "
                                          "(Source/QEI_Refiner:582, ORV_THROW)"));
     }

@@ -1,43 +1,12 @@
 #include "AUT_RefPtr.h"
+#include "Tests/Support/CountedAllocation.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <new>
-#include <utility>
-#include <vector>
 
 namespace {
 
-long liveAllocations = 0;
-/// Counts down to the allocation that fails; negative: none does.
-long allocationsLeft = -1;
-
-} // namespace
-
-void* operator new(std::size_t size)
-{
-    if (allocationsLeft >= 0 && allocationsLeft-- == 0)
-        throw std::bad_alloc();
-    void* const memory = std::malloc(size);
-    if (memory == nullptr)
-        throw std::bad_alloc();
-    ++liveAllocations;
-    return memory;
-}
-
-void operator delete(void* memory) noexcept
-{
-    if (memory != nullptr)
-        --liveAllocations;
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t /*size*/) noexcept
-{
-    operator delete(memory);
-}
-
-namespace {
+using qe::test::CountedAllocation;
 
 struct Base
 {
@@ -54,7 +23,7 @@ struct Derived : Base
 TEST(RefPtrTest, LastHolderDeletesThroughTheVirtualDestructor)
 {
     int deletions = 0;
-    const long before = liveAllocations;
+    const std::size_t before = CountedAllocation::GetLiveCount();
     {
         AUT_RefPtr<Base> first(new Derived(deletions));
         AUT_RefPtr<Base> second;
@@ -73,28 +42,27 @@ TEST(RefPtrTest, LastHolderDeletesThroughTheVirtualDestructor)
         EXPECT_FALSE(second);
     }
     EXPECT_EQ(deletions, 1);
-    EXPECT_EQ(liveAllocations, before);
+    EXPECT_EQ(CountedAllocation::GetLiveCount(), before);
 }
 
 TEST(RefPtrTest, NullObjectHasACountOfItsOwn)
 {
-    const long before = liveAllocations;
+    const std::size_t before = CountedAllocation::GetLiveCount();
     {
         const AUT_RefPtr<Base> null;
-        EXPECT_EQ(liveAllocations, before + 1);
+        EXPECT_EQ(CountedAllocation::GetLiveCount(), before + 1);
         const AUT_RefPtr<Base> copy(null);
-        EXPECT_EQ(liveAllocations, before + 1);
+        EXPECT_EQ(CountedAllocation::GetLiveCount(), before + 1);
     }
-    EXPECT_EQ(liveAllocations, before);
+    EXPECT_EQ(CountedAllocation::GetLiveCount(), before);
 }
 
 TEST(RefPtrTest, ObjectIsDeletedWhenThereIsNoMemoryForItsCount)
 {
     int deletions = 0;
     Base* const object = new Derived(deletions);
-    allocationsLeft = 0;
+    CountedAllocation::FailAtRequest(1);
     EXPECT_THROW(AUT_RefPtr<Base>{object}, std::bad_alloc);
-    allocationsLeft = -1;
     EXPECT_EQ(deletions, 1);
 }
 
