@@ -19,10 +19,11 @@
 
 namespace {
 
+using qe::test::Countdown;
 using qe::test::CountedAllocation;
 using qe::test::CountingGateway;
-using qe::test::GatewayFailure;
 using qe::test::ModelText;
+using qe::test::ToldFailure;
 using Ids = std::vector<amd_id>;
 
 constexpr const char* kModel = R"(
@@ -36,39 +37,13 @@ constexpr const char* kModel = R"(
     ob -> oc : Orders, Buyer
 )";
 
-class ServiceFailure : public std::exception
-{};
-
-/// Throws at its n-th call, for services that the test stands in for.
-class Countdown
-{
-public:
-    void FailAtCall(std::size_t n)
-    {
-        mLeft = n;
-        mHasFailed = false;
-    }
-    [[nodiscard]] bool HasFailed() const { return mHasFailed; }
-    void Step()
-    {
-        if (mLeft != 0 && --mLeft == 0) {
-            mHasFailed = true;
-            throw ServiceFailure();
-        }
-    }
-
-private:
-    std::size_t mLeft = 0;
-    bool mHasFailed = false;
-};
-
 class FailingSelector : public AQE_I_PathSelector
 {
 public:
     std::uint32_t
     SelectPath(const std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>& descriptors) override
     {
-        countdown.Step();
+        countdown.Count();
         return static_cast<std::uint32_t>(descriptors.size() - 1);
     }
     std::uint32_t SelectAlternative(const std::vector<Ids>& /*paths*/) override { return 0; }
@@ -188,7 +163,7 @@ protected:
         const int newAlgo = std::get<1>(GetParam());
         qe::SettingsOverride::SetProvider(
             [this, newAlgo](const I18NString&, const I18NString& key) -> std::optional<int> {
-                mSettings.Step();
+                mSettings.Count();
                 if (key == "NewAlgo")
                     return newAlgo;
                 if (key == "FFJoins")
@@ -209,7 +184,7 @@ protected:
 
     void Arm(Request& request, ESource source, std::size_t n)
     {
-        request.gateway.FailAtCall(source == ESource::Gateway ? n : 0);
+        request.gateway.calls.FailAtCall(source == ESource::Gateway ? n : 0);
         request.selector.countdown.FailAtCall(source == ESource::Selector ? n : 0);
         mSettings.FailAtCall(source == ESource::Settings ? n : 0);
         CountedAllocation::FailAtRequest(source == ESource::Memory ? n : 0);
@@ -268,9 +243,9 @@ TEST_P(Faults, PassThroughAndLeaveNothingBehind)
     EXPECT_EQ(Ask(second), right);
     EXPECT_FALSE(right.ids.empty() && right.paths.empty());
 
-    FailAtEveryCall<GatewayFailure>(ESource::Gateway, right);
-    FailAtEveryCall<ServiceFailure>(ESource::Selector, right);
-    FailAtEveryCall<ServiceFailure>(ESource::Settings, right);
+    FailAtEveryCall<ToldFailure>(ESource::Gateway, right);
+    FailAtEveryCall<ToldFailure>(ESource::Selector, right);
+    FailAtEveryCall<ToldFailure>(ESource::Settings, right);
     FailAtEveryCall<std::bad_alloc>(ESource::Memory, right);
 }
 

@@ -1,6 +1,7 @@
 #include "AQE_I_Refiner.h"
 #include "AQE_JoinCache.h"
 #include "AQE_RequestContext.h"
+#include "Engine/Settings/SettingsOverride.h"
 #include "I18NLocale.h"
 #include "IdClass.h"
 #include "ORVAssertError.h"
@@ -80,10 +81,10 @@ TEST(RefQuerySubject, FollowsChainsAndKeepsWhatWasPassed)
     data.gateway.Hide(data.model.Id("Customer"));
     EXPECT_EQ(data.Resolve("Buyer"), "Customer over Buyer, Payer in G, F")
         << "the target itself need not be known";
-    const std::size_t calls = data.gateway.GetCallCount();
+    const std::size_t calls = data.gateway.calls.GetCallCount();
     EXPECT_EQ(data.Resolve("Orders"), "Orders over  in ");
     EXPECT_EQ(data.Resolve("j"), "0:0 over  in ");
-    EXPECT_EQ(data.gateway.GetCallCount(), calls);
+    EXPECT_EQ(data.gateway.calls.GetCallCount(), calls);
 
     const auto payerStandsFor = [&data](const char* name) {
         data.Alter("Payer", [&](auto& record) { record.referenced = data.model.Id(name); });
@@ -175,14 +176,14 @@ TEST(JoinInfo, IsReadOncePerRequestAndTheCacheComesFirst)
     };
     ASSERT_TRUE(read(join));
     ASSERT_TRUE(read(join));
-    EXPECT_EQ(data.gateway.GetCallCount(), 2U) << "without a cache every call reads";
+    EXPECT_EQ(data.gateway.calls.GetCallCount(), 2U) << "without a cache every call reads";
 
     context.SetJoinCache(std::make_unique<AQE_JoinCache>());
     ASSERT_TRUE(read(join));
     info = {};
     info.joinId = join;
     ASSERT_TRUE(read(info.joinId));
-    EXPECT_EQ(data.gateway.GetCallCount(), 3U);
+    EXPECT_EQ(data.gateway.calls.GetCallCount(), 3U);
     EXPECT_EQ(info.expression, "a = b");
 
     EXPECT_FALSE(read(orders));
@@ -290,23 +291,44 @@ TEST(JoinCache, MergesTheListsOfARequest)
         << "ordered by key; a prefix comes first";
 }
 
-TEST(EdgeWeights, ReportUnknownTypes)
+/// Gives the weights of all edge types in the mode of the process.
+std::vector<int> EdgeWeights()
+{
+    std::vector<int> weights;
+    for (int type = 0; type < 6; ++type)
+        weights.push_back(
+            AQE_I_Refiner::GetEdgeWeightForType(static_cast<AQE_I_Refiner::EEdgeType>(type)));
+    return weights;
+}
+
+void ExpectUnknownType(int type, int line)
+{
+    try {
+        (void)AQE_I_Refiner::GetEdgeWeightForType(static_cast<AQE_I_Refiner::EEdgeType>(type));
+        ADD_FAILURE() << type;
+    } catch (const ORVAssertError& error) {
+        EXPECT_STREQ(error.what(), ("Assertion failed, error code 0: ORV_ASSERT(false); "
+                                    "(Source/QEI_Refiner:" +
+                                    std::to_string(line) + ", ORV_THROW)")
+                                       .c_str());
+    }
+}
+
+TEST(EdgeWeights, AreThoseOfTheUsualMode)
 {
     EXPECT_EQ(AQE_I_Refiner::GetFFJoinsMode(), 3);
-    EXPECT_EQ(AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeOneEndInSet), 7);
-    for (const int type : {-1, 6}) {
-        try {
-            (void)AQE_I_Refiner::GetEdgeWeightForType(static_cast<AQE_I_Refiner::EEdgeType>(type));
-            ADD_FAILURE() << type;
-        } catch (const ORVAssertError& error) {
-            EXPECT_EQ(error.GetAssertedText(), "ORV_ASSERT(false);");
-            EXPECT_EQ(error.GetErrorCode(), 0);
-            EXPECT_EQ(error.GetLocation().file, "Source/QEI_Refiner");
-            EXPECT_EQ(error.GetLocation().line, 582);
-            EXPECT_EQ(error.GetComponent(), "");
-            EXPECT_EQ(error.GetMacroName(), "ORV_THROW");
-        }
-    }
+    EXPECT_THAT(EdgeWeights(), ElementsAre(2, 2, 7, 3, 17, 8888));
+    ExpectUnknownType(-1, 582);
+    ExpectUnknownType(6, 582);
+}
+
+TEST(EdgeWeights, FollowTheModeThatWasReadFirst)
+{
+    const qe::SettingsOverride mode("General Options", "FFJoins", 0);
+    EXPECT_THAT(EdgeWeights(), ElementsAre(1, 1, 5, 2, 11, 8888));
+    qe::SettingsOverride::Set("General Options", "FFJoins", 3);
+    EXPECT_EQ(AQE_I_Refiner::GetFFJoinsMode(), 0);
+    ExpectUnknownType(6, 609);
 }
 
 } // namespace

@@ -85,35 +85,6 @@ constexpr const char* kShapes = R"(
     E >- C : ec; A >-< B : abm
 )";
 
-TEST(Ranking, ComparesWeightThenFactTablesThenStraightness)
-{
-    const ModelText model(kShapes);
-    const std::vector<Candidate> candidates{{"abm, bc, cd", 9}, {"ab, bc, ec", 9},
-                                            {"ab, ac, ad", 9},  {"ab, bc, cd", 9},
-                                            {"ab", 12},         {"abm", 3}};
-    const struct
-    {
-        RankingCriteria criteria;
-        Texts order;
-    } rows[] = {
-        // By signature alone.
-        {{}, {"ab, ac, ad", "ab, bc, cd", "ab, bc, ec", "abm, bc, cd"}},
-        {{.useFactTableCount = true, .useStraightestPath = false},
-         {"ab, ac, ad", "ab, bc, cd", "ab, bc, ec", "abm, bc, cd"}},
-        {{.useFactTableCount = false, .useStraightestPath = true},
-         {"ab, bc, cd", "ab, bc, ec", "abm, bc, cd", "ab, ac, ad"}},
-        {{.useFactTableCount = true, .useStraightestPath = true},
-         {"ab, bc, cd", "ab, ac, ad", "ab, bc, ec", "abm, bc, cd"}},
-    };
-    for (const auto& row : rows) {
-        Texts expected{"abm: 75 3"};
-        for (const auto& joins : row.order)
-            expected.push_back(joins + ": 25 9");
-        expected.push_back("ab: 0 12");
-        EXPECT_EQ(ToTexts(model, Rank(model, candidates, row.criteria)), expected);
-    }
-}
-
 TEST(Ranking, SetsPathsOfTheSameNamesBehindAllOthers)
 {
     // Unreadable joins, hidden from the gateway, all go by one name.

@@ -18,8 +18,8 @@
 namespace {
 
 using qe::test::CountingGateway;
-using qe::test::GatewayFailure;
 using qe::test::ModelText;
+using qe::test::ToldFailure;
 
 constexpr int ByTarget = 0;
 constexpr int ByContainer = 1;
@@ -216,7 +216,7 @@ TEST(ShortcutInfo, DumpsAndLogsItsGroups)
                              "Orders(100:1) <1:1--1:1> New(109:2)\n"
                              "Orders(100:1) <1:1--1:1> Far(109:3)\n"
                              "New(109:2) <1:1--1:1> Far(109:3)\n";
-    const std::size_t callsWithLog = request.gateway.GetCallCount();
+    const std::size_t callsWithLog = request.gateway.calls.GetCallCount();
     EXPECT_EQ(request.Dump(), dump);
 
     const std::vector<qe::LogEntry> entries = log.GetEntries();
@@ -234,7 +234,7 @@ TEST(ShortcutInfo, DumpsAndLogsItsGroups)
     Request unlogged(ThreeFolders, ByContainer);
     unlogged.Build("Orders, Old, New, Far");
     EXPECT_THAT(quiet.GetEntries(), testing::IsEmpty());
-    EXPECT_LT(unlogged.gateway.GetCallCount(), callsWithLog);
+    EXPECT_LT(unlogged.gateway.calls.GetCallCount(), callsWithLog);
 
     request.gateway.Hide(request.names.Id("Orders"));
     EXPECT_THAT(request.Dump(), testing::HasSubstr("\n(100:1) <-- New(109:2)"));
@@ -249,13 +249,13 @@ TEST(ShortcutInfo, StopsForGoodWhenTheGatewayFailsWhileGrouping)
     const std::string wanted = whole.Joins();
     // Looking up the chains (4 shortcuts) and the targets (3 times) goes before the grouping.
     constexpr std::size_t callsBefore = 7;
-    const std::size_t calls = whole.gateway.GetCallCount();
+    const std::size_t calls = whole.gateway.calls.GetCallCount();
     ASSERT_GT(calls, callsBefore);
     for (std::size_t call = 1; call <= calls; ++call) {
         SCOPED_TRACE(call);
         Request request(ThreeFolders, ByTarget);
-        request.gateway.FailAtCall(call);
-        EXPECT_THROW(request.Build(subjects), GatewayFailure);
+        request.gateway.calls.FailAtCall(call);
+        EXPECT_THROW(request.Build(subjects), ToldFailure);
         const std::string left = request.Joins();
         request.Build(subjects);
         EXPECT_EQ(request.Joins(), call <= callsBefore ? wanted : left);

@@ -4,29 +4,22 @@
 
 namespace qe::test {
 
-void CountingGateway::CountCall()
-{
-    ++mCalls;
-    if (mCalls == mFailAt)
-        throw GatewayFailure();
-}
-
 amdi_object* CountingGateway::GetObject(const amd_id& id)
 {
-    CountCall();
+    calls.Count();
     const auto replacement = mReplacements.find(id);
     return replacement != mReplacements.end() ? replacement->second.get() : mNext.GetObject(id);
 }
 
 I18NLocale CountingGateway::GetLocale(const amd_id& id)
 {
-    CountCall();
+    calls.Count();
     return mNext.GetLocale(id);
 }
 
 amd_id CountingGateway::GetQualifierId(amd_id id)
 {
-    CountCall();
+    calls.Count();
     return mNext.GetQualifierId(id);
 }
 

@@ -9,19 +9,34 @@
 
 #include <cstddef>
 #include <deque>
+#include <exception>
 #include <map>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <vector>
 
 namespace qe::test {
 
-/// What CountingGateway raises when it is told to fail.
-class GatewayFailure : public std::runtime_error
+/// What is raised by what was told to fail.
+class ToldFailure : public std::exception
+{};
+
+/// Counts calls, and lets one fail.
+class Countdown
 {
 public:
-    GatewayFailure() : std::runtime_error("the gateway failed as told") {}
+    /// Makes the n-th call from now raise ToldFailure, counted from 1; 0: none.
+    void FailAtCall(std::size_t n) { mFailAt = n == 0 ? 0 : mCalls + n; }
+    void Count()
+    {
+        if (++mCalls == mFailAt)
+            throw ToldFailure();
+    }
+    [[nodiscard]] std::size_t GetCallCount() const { return mCalls; }
+
+private:
+    std::size_t mCalls = 0;
+    std::size_t mFailAt = 0;
 };
 
 /// Passes every call on to another gateway and counts it. Single objects can be put in the place
@@ -46,18 +61,12 @@ public:
     void Replace(const qe::model::ObjectRecord& record) { Replace(record.id, record); }
     /// Answers `id` with null.
     void Hide(const amd_id& id);
-    /// Makes the n-th call from now raise GatewayFailure, counted from 1; 0: none.
-    void FailAtCall(std::size_t n) { mFailAt = n == 0 ? 0 : mCalls + n; }
 
-    /// Gives the calls of all three operations.
-    [[nodiscard]] std::size_t GetCallCount() const { return mCalls; }
+    /// Counts the calls of all three operations.
+    Countdown calls;
 
 private:
-    void CountCall();
-
     qe::model::ModelGateway& mNext;
-    std::size_t mCalls = 0;
-    std::size_t mFailAt = 0;
     std::deque<qe::model::ObjectRecord> mRecords;
     std::map<amd_id, std::unique_ptr<amdi_object>> mReplacements;
 };

@@ -88,16 +88,12 @@ std::set<std::pair<std::string, std::string>> KeysOf(const qe::model::Model& mod
 {
     std::set<std::pair<std::string, std::string>> keys;
     for (const amd_id& id : model.GetIds(IdClassRelationship)) {
-        const auto references = qe::expression::FindReferences(model.Find(id)->text).references;
         std::vector<std::string> columns;
-        for (const auto& reference : references) {
-            std::vector<std::string> names;
-            for (const I18NString& name : reference.names)
-                names.push_back(name.ToStdString());
-            const auto subjects =
-                model.FindByName(qe::model::EFamily::Subject, {names.at(0), names.at(1)});
-            const amd_id table = model.GetTarget(subjects.at(0));
-            columns.push_back(model.Find(table)->text + "." + names.at(2));
+        for (const auto& reference :
+             qe::expression::FindReferences(model.Find(id)->text).references) {
+            const auto name = [&](std::size_t i) { return reference.names.at(i).ToStdString(); };
+            const auto subjects = model.FindByName(qe::model::EFamily::Subject, {name(0), name(1)});
+            columns.push_back(model.Find(model.GetTarget(subjects.at(0)))->text + "." + name(2));
         }
         for (std::size_t i = 0; i + 1 < columns.size(); i += 2)
             keys.emplace(columns[i], columns[i + 1]);

@@ -1,6 +1,5 @@
 #include "AQE_Convert2ModelQuerySubjectId.h"
 #include "AQE_I_Authentication.h"
-#include "AQE_JoinCache.h"
 #include "AQE_Nag.h"
 #include "AQE_RequestContext.h"
 #include "AQE_ToRelationshipJoinCardinalityValue.h"
@@ -10,35 +9,12 @@
 
 namespace {
 
-struct CountedCache : AQE_JoinCache
-{
-    explicit CountedCache(int& deletions) : mDeletions(deletions) {}
-    ~CountedCache() override { ++mDeletions; }
-    int& mDeletions;
-};
-
 struct User : AQE_I_Authentication
 {
     explicit User(std::vector<I18NString> classes) : mClasses(std::move(classes)) {}
     std::vector<I18NString> GetUserClasses() const override { return mClasses; }
     std::vector<I18NString> mClasses;
 };
-
-TEST(RequestTest, ContextOwnsItsJoinCache)
-{
-    int deletions = 0;
-    {
-        AQE_RequestContext context;
-        EXPECT_EQ(context.GetJoinCache(), nullptr);
-        context.SetJoinCache(std::make_unique<CountedCache>(deletions));
-        auto second = std::make_unique<CountedCache>(deletions);
-        AQE_JoinCache* const expected = second.get();
-        context.SetJoinCache(std::move(second));
-        EXPECT_EQ(deletions, 1);
-        EXPECT_EQ(context.GetJoinCache(), expected);
-    }
-    EXPECT_EQ(deletions, 2);
-}
 
 TEST(RequestTest, MessagesAreCopiedToTheRequestInOrder)
 {
