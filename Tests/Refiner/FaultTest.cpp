@@ -221,11 +221,8 @@ protected:
             const std::size_t liveCount = CountedAllocation::GetLiveCount();
             const bool hasThrown = FailOnce<Failure>(source, n, right);
             EXPECT_EQ(CountedAllocation::GetLiveCount(), liveCount) << "leak at call " << n;
-            if (!hasThrown && (source != ESource::Memory || !CountedAllocation::HasFailed())) {
-                RecordProperty("source" + std::to_string(static_cast<int>(source)),
-                               static_cast<int>(n - 1));
+            if (!hasThrown && (source != ESource::Memory || !CountedAllocation::HasFailed()))
                 break;
-            }
         }
     }
 

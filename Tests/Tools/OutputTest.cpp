@@ -208,8 +208,9 @@ TEST(OutputTest, HostileNamesStayNames)
 
 TEST(OutputTest, DisplayTextEscapesWhatIsNoText)
 {
-    EXPECT_EQ(ToDisplayText("a\tb\x1b\x7f\xC2\x85\xE2\x80\xAE\xFF\xC0\x80\xED\xA0\x80 \xC3\xA9"),
-              "a\\tb\\x1B\\x7F\\u{0085}\\u{202E}\\xFF\\xC0\\x80\\xED\\xA0\\x80 \xC3\xA9");
+    EXPECT_EQ(ToDisplayText(
+                  "a\tb\x1b\x7f\xC2\x85\xE2\x80\xA8\xE2\x80\xAE\xFF\xC0\x80\xED\xA0\x80 \xC3\xA9"),
+              "a\\tb\\x1B\\x7F\\u{0085}\\u{2028}\\u{202E}\\xFF\\xC0\\x80\\xED\\xA0\\x80 \xC3\xA9");
     EXPECT_EQ(DisplayWidth("\xE6\x97\xA5"), 2U);
     EXPECT_EQ(DisplayWidth("e\xCC\x81"), 1U);
 }

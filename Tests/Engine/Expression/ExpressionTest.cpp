@@ -70,31 +70,6 @@ TEST(Expression, IsWrittenInOneFormWithFewParentheses)
     }
 }
 
-TEST(Expression, TellsGroupsApartThatMeanDifferentThings)
-{
-    const PrintCase cases[] = {
-        {"a - b - c", "a - (b - c)"},
-        {"a / b * c", "a / (b * c)"},
-        {"a OR b AND c", "(a OR b) AND c"},
-        {"NOT a = b", "(NOT a) = b"},
-        {"-a + b", "-(a + b)"},
-        {"a NOT IN (b)", "NOT a IN (b)"},
-        {"a < b", "a <= b"},
-        {"'a'", "a"},
-        {"[a].[b]", "[a.b]"},
-        {"[a].[b]", "[a].[b].[b]"},
-        {"1.0", "1"},
-        {"f(a)", "g(a)"},
-        {"CASE WHEN a THEN b END", "CASE a WHEN a THEN b END"},
-        {"CASE WHEN a THEN b WHEN c THEN d END", "CASE WHEN a THEN b WHEN c THEN d ELSE d END"},
-        {"CAST(a AS t)", "CAST(a AS t(1))"}};
-    for (const auto& [left, right] : cases) {
-        EXPECT_NE(DescribeTree(*ParseText(left)), DescribeTree(*ParseText(right))) << left;
-        EXPECT_EQ(PrintTree(*ParseText(left)), left);
-        EXPECT_EQ(PrintTree(*ParseText(right)), right);
-    }
-}
-
 struct ErrorCase
 {
     const char* text;
