@@ -26,8 +26,21 @@ constexpr std::array Efforts{BlockSearch::Effort{2, 2000}, BlockSearch::Effort{8
 constexpr std::array LastEfforts{BlockSearch::Effort{8, 0},
                                  BlockSearch::Effort{32, std::numeric_limits<std::size_t>::max()}};
 
-/// Share of the time after which the local search is cut short.
-constexpr double LocalSearchShare = 0.1;
+/// After how much work a local search is cut short, as growing trees counts it.
+constexpr std::uint64_t LocalSearchWork = 100'000'000;
+
+/// How much work goes into exchanges of cuts before the first search that they are to bound, and
+/// how much of it is worth one settled label.
+constexpr std::uint64_t FirstExchangeWork = 50'000'000;
+constexpr std::uint64_t WorkPerLabel = 1000;
+
+/// One part in so many of the gap has to be closed by exchanges for them to be of use.
+constexpr std::uint64_t ExchangeWorth = 4;
+
+/// When the bound is tight, by one part in how many of the gap the search goes up at first, and
+/// by how many ascents it is bounded.
+constexpr std::uint64_t FirstStep = 8;
+constexpr std::size_t UpwardAscents = 4;
 
 /// When the search is given up, from how many terminals trees are grown and improved, and the
 /// share of its time after which that is cut short.
@@ -77,6 +90,14 @@ void BlockSearch::FindTree(std::uint32_t start, std::span<const std::uint8_t> is
     mKnownWeight = std::min(mKnownWeight, mTree.weight);
 }
 
+void BlockSearch::ImproveTree(SteinerTree& tree)
+{
+    const std::uint64_t end = mGrower.GetWork() + LocalSearchWork;
+    LocalSearch(mNetwork, mGrower).Improve(tree, [this, end] {
+        return mGrower.GetWork() > end || mBudget.IsExhausted();
+    });
+}
+
 /// Bounds the optimum from below with the given root, guided or not, and marks what the bound
 /// excludes.
 void BlockSearch::Ascend(std::uint32_t root, std::span<const std::uint32_t> guide)
@@ -87,18 +108,18 @@ void BlockSearch::Ascend(std::uint32_t root, std::span<const std::uint32_t> guid
         mBestRoot = root;
     }
     if (!mBudget.IsExhausted())
-        FindTreeAlongAscent();
+        FindTreeAlong(mAscent);
     MarkDispensable(mNetwork, mAscent, mKnownWeight, mIsDispensable);
 }
 
-/// Bounds the optimum from above by a tree grown along edges that the last ascent has used up.
-void BlockSearch::FindTreeAlongAscent()
+/// Bounds the optimum from above by a tree grown along edges that the ascent has used up.
+void BlockSearch::FindTreeAlong(const DualAscent& ascent)
 {
     std::vector<std::uint8_t> isUsable(mNetwork.GetEdgeCount());
     for (std::uint32_t edge = 0; edge < mNetwork.GetEdgeCount(); ++edge) {
-        isUsable[edge] = mAscent.GetReduced(2 * edge) == 0 || mAscent.GetReduced(2 * edge + 1) == 0;
+        isUsable[edge] = ascent.GetReduced(2 * edge) == 0 || ascent.GetReduced(2 * edge + 1) == 0;
     }
-    FindTree(mAscent.GetRoot(), isUsable);
+    FindTree(ascent.GetRoot(), isUsable);
 }
 
 /// Answers the best root and others spread over the terminals.
@@ -129,7 +150,7 @@ std::size_t BlockSearch::ShedThoroughly()
     const std::size_t starts = std::min(Starts, terminals.size());
     for (std::size_t start = 0; start < starts && !mBudget.IsExhausted(); ++start)
         Ascend(terminals[start * terminals.size() / starts], {});
-    LocalSearch(mNetwork, mGrower).Improve(mTree, mBudget, LocalSearchShare);
+    ImproveTree(mTree);
     mKnownWeight = std::min(mKnownWeight, mTree.weight);
     for (std::size_t start = 0; start < starts && !mBudget.IsExhausted(); ++start) {
         const std::vector<std::uint32_t> guide = mTree.edges;
@@ -156,12 +177,12 @@ std::size_t BlockSearch::RemoveDispensable()
 
 std::optional<BlockSearch::Outcome> BlockSearch::SearchFast(TreeFamily& family)
 {
-    return SearchWithin(family, std::span(Efforts).first(1));
+    return SearchWithin(family, std::span(Efforts).first(1), mKnownWeight);
 }
 
 std::optional<BlockSearch::Outcome> BlockSearch::SearchSteadily(TreeFamily& family)
 {
-    return SearchWithin(family, std::span(Efforts).subspan(1));
+    return SearchWithin(family, std::span(Efforts).subspan(1), mKnownWeight);
 }
 
 /// Grows trees from many terminals and improves each by itself.
@@ -174,7 +195,7 @@ void BlockSearch::FindTreeFromManyStarts()
         if (mBudget.IsSpent(ManyStartsShare))
             return;
         SteinerTree tree = mGrower.Grow(terminals[start * terminals.size() / starts], {});
-        localSearch.Improve(tree, mBudget, ManyStartsShare);
+        localSearch.Improve(tree, [this] { return mBudget.IsSpent(ManyStartsShare); });
         if (tree.weight < mTree.weight)
             mTree = std::move(tree);
         mKnownWeight = std::min(mKnownWeight, mTree.weight);
@@ -183,7 +204,9 @@ void BlockSearch::FindTreeFromManyStarts()
 
 BlockSearch::Outcome BlockSearch::Search(TreeFamily& family)
 {
-    const std::optional<Outcome> outcome = SearchWithin(family, LastEfforts);
+    std::optional<Outcome> outcome = SearchTightly(family);
+    if (!outcome)
+        outcome = SearchWithin(family, LastEfforts, mKnownWeight);
     if (outcome)
         return *outcome;
     if (mTree.weight == Saturated)
@@ -192,12 +215,53 @@ BlockSearch::Outcome BlockSearch::Search(TreeFamily& family)
     return AnswerTree(family, mTree.edges, mTree.weight, mLowerBound);
 }
 
-std::optional<BlockSearch::Outcome> BlockSearch::SearchWithin(TreeFamily& family,
-                                                              std::span<const Effort> efforts)
+/// Improves the bound by exchanges of cuts and searches with it, for longer and longer by turns.
+/// Answers nothing where exchanges close little of the gap: there it takes many different bounds.
+std::optional<BlockSearch::Outcome> BlockSearch::SearchTightly(TreeFamily& family)
+{
+    const std::uint64_t gap = mKnownWeight - mLowerBound;
+    mExchange.emplace(mNetwork, mBestRoot, mTree.edges, mBudget);
+    std::optional<Outcome> outcome;
+    for (std::uint64_t work = FirstExchangeWork; !outcome && !mBudget.IsExhausted(); work *= 2) {
+        const CutExchange::EOutcome progress = mExchange->Improve(mKnownWeight, work);
+        const std::uint64_t bound = mExchange->GetAscent().GetBound();
+        if (ExchangeWorth * (mKnownWeight - bound) > (ExchangeWorth - 1) * gap)
+            break;
+        mLowerBound = std::max(mLowerBound, bound);
+        const bool isLast = progress == CutExchange::EOutcome::Stuck;
+        outcome = SearchUpwards(family, isLast ? std::numeric_limits<std::size_t>::max()
+                                               : work / WorkPerLabel);
+    }
+    if (!outcome)
+        mExchange.reset();
+    return outcome;
+}
+
+/// Searches for trees up to a limit that starts near the lower bound, and proves a better one
+/// where there is none. So what lies above the optimum costs little, however bad the tree known.
+std::optional<BlockSearch::Outcome> BlockSearch::SearchUpwards(TreeFamily& family,
+                                                               std::size_t mostSettled)
+{
+    const std::array efforts{Effort{UpwardAscents, mostSettled}};
+    std::uint64_t step = (mKnownWeight - mLowerBound) / FirstStep + 1;
+    for (bool isGoingUp = true; isGoingUp && !mBudget.IsExhausted(); step *= 2) {
+        const std::uint64_t limit = std::min(mKnownWeight, mLowerBound + step);
+        std::optional<Outcome> outcome = SearchWithin(family, efforts, limit);
+        if (outcome)
+            return outcome;
+        isGoingUp = mLowerBound > limit;
+    }
+    return std::nullopt;
+}
+
+/// Answers nothing when no tree within the limit was found: because there is none, which the
+/// lower bound then says, or because efforts or budget ran out.
+std::optional<BlockSearch::Outcome>
+BlockSearch::SearchWithin(TreeFamily& family, std::span<const Effort> efforts, std::uint64_t limit)
 {
     std::optional<Outcome> outcome;
     WithWords(mNetwork.GetTerminals().size(),
-              [&](auto words) { outcome = SearchWith<words>(family, efforts); });
+              [&](auto words) { outcome = SearchWith<words>(family, efforts, limit); });
     return outcome;
 }
 
@@ -208,7 +272,7 @@ void BlockSearch::Dive()
     if (mKnownWeight <= mLowerBound)
         return;
     std::vector<RestBound<Words>> bounds;
-    AddBounds(DiveAscents, bounds);
+    AddBounds(DiveAscents, mKnownWeight, bounds);
     SubsetProgramme<Words> programme(mNetwork, mBestRoot, bounds, mKnownWeight, mBudget);
     const double gap = static_cast<double>(mKnownWeight - mLowerBound);
     const double inflation = DiveInflation * gap / static_cast<double>(mLowerBound);
@@ -219,7 +283,7 @@ void BlockSearch::Dive()
     std::sort(edges.begin(), edges.end());
     edges.erase(std::unique(edges.begin(), edges.end()), edges.end());
     SteinerTree tree = mGrower.Regrow(edges, mBestRoot);
-    LocalSearch(mNetwork, mGrower).Improve(tree, mBudget, LocalSearchShare);
+    ImproveTree(tree);
     if (tree.weight >= mTree.weight)
         return;
     mTree = std::move(tree);
@@ -239,7 +303,8 @@ BlockSearch::Outcome BlockSearch::AnswerTree(TreeFamily& family,
 /// Adds bounds until there are so many, or every terminal was root twice: every other root is
 /// guided, and the second round changes places.
 template <std::size_t Words>
-void BlockSearch::AddBounds(std::size_t most, std::vector<RestBound<Words>>& bounds)
+void BlockSearch::AddBounds(std::size_t most, std::uint64_t limit,
+                            std::vector<RestBound<Words>>& bounds)
 {
     const std::vector<std::uint32_t> roots = ChooseRoots(most);
     most = std::min(most, 2 * roots.size());
@@ -251,28 +316,44 @@ void BlockSearch::AddBounds(std::size_t most, std::vector<RestBound<Words>>& bou
             guide = mTree.edges;
         RestBound<Words>& bound = bounds.emplace_back(mNetwork, mBestRoot);
         mAscent.Run(roots[place], guide, mBudget, &bound);
-        bound.Finish(mAscent, mKnownWeight);
+        bound.Finish(mAscent, limit);
         mLowerBound = std::max(mLowerBound, mAscent.GetBound());
     }
 }
 
+/// Adds the bound that cuts were exchanged for, if any.
 template <std::size_t Words>
-std::optional<BlockSearch::Outcome> BlockSearch::SearchWith(TreeFamily& family,
-                                                            std::span<const Effort> efforts)
+void BlockSearch::AddExchangedBound(std::uint64_t limit, std::vector<RestBound<Words>>& bounds)
+{
+    if (!mExchange)
+        return;
+    RestBound<Words>& bound = bounds.emplace_back(mNetwork, mBestRoot);
+    mExchange->Report(bound);
+    bound.Finish(mExchange->GetAscent(), limit);
+}
+
+template <std::size_t Words>
+std::optional<BlockSearch::Outcome>
+BlockSearch::SearchWith(TreeFamily& family, std::span<const Effort> efforts, std::uint64_t limit)
 {
     std::vector<RestBound<Words>> bounds;
+    AddExchangedBound(limit, bounds);
     std::optional<SubsetProgramme<Words>> programme;
     auto outcome = SubsetProgramme<Words>::EOutcome::Paused;
     for (const Effort& effort : efforts) {
         if (outcome != SubsetProgramme<Words>::EOutcome::Paused)
             break;
-        AddBounds(effort.ascents, bounds);
-        programme.emplace(mNetwork, mBestRoot, bounds, mKnownWeight, mBudget);
+        AddBounds(effort.ascents, limit, bounds);
+        programme.emplace(mNetwork, mBestRoot, bounds, limit, mBudget);
         outcome = programme->Run(effort.mostSettled);
         mLowerBound = std::max(mLowerBound, programme->GetBound());
     }
     if (outcome != SubsetProgramme<Words>::EOutcome::Solved)
         return std::nullopt;
+    if (!programme->HasTree()) {
+        mLowerBound = limit + 1;
+        return std::nullopt;
+    }
     std::vector<StrandIndex> strands;
     for (std::uint32_t edge = 0; edge < mNetwork.GetEdgeCount(); ++edge)
         strands.push_back(mBlock.GetStrand(mNetwork.GetNetworkEdge(edge)));

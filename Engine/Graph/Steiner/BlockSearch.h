@@ -1,6 +1,7 @@
 #ifndef ENGINE_GRAPH_STEINER_BLOCKSEARCH_H
 #define ENGINE_GRAPH_STEINER_BLOCKSEARCH_H
 
+#include "Engine/Graph/Steiner/CutExchange.h"
 #include "Engine/Graph/Steiner/DualAscent.h"
 #include "Engine/Graph/Steiner/FlatNetwork.h"
 #include "Engine/Graph/Steiner/LocalSearch.h"
@@ -63,15 +64,22 @@ public:
 
 private:
     void FindTree(std::uint32_t start, std::span<const std::uint8_t> isUsable);
+    void ImproveTree(SteinerTree& tree);
     void Ascend(std::uint32_t root, std::span<const std::uint32_t> guide);
-    void FindTreeAlongAscent();
+    void FindTreeAlong(const DualAscent& ascent);
     void FindTreeFromManyStarts();
     [[nodiscard]] std::vector<std::uint32_t> ChooseRoots(std::size_t most) const;
     template <std::size_t Words>
-    void AddBounds(std::size_t most, std::vector<RestBound<Words>>& bounds);
-    std::optional<Outcome> SearchWithin(TreeFamily& family, std::span<const Effort> efforts);
+    void AddBounds(std::size_t most, std::uint64_t limit, std::vector<RestBound<Words>>& bounds);
     template <std::size_t Words>
-    std::optional<Outcome> SearchWith(TreeFamily& family, std::span<const Effort> efforts);
+    void AddExchangedBound(std::uint64_t limit, std::vector<RestBound<Words>>& bounds);
+    std::optional<Outcome> SearchTightly(TreeFamily& family);
+    std::optional<Outcome> SearchUpwards(TreeFamily& family, std::size_t mostSettled);
+    std::optional<Outcome> SearchWithin(TreeFamily& family, std::span<const Effort> efforts,
+                                        std::uint64_t limit);
+    template <std::size_t Words>
+    std::optional<Outcome> SearchWith(TreeFamily& family, std::span<const Effort> efforts,
+                                      std::uint64_t limit);
     template <std::size_t Words>
     void Dive();
     std::size_t RemoveDispensable();
@@ -88,6 +96,7 @@ private:
     std::uint32_t mBestRoot = 0;
     SteinerTree mTree;
     std::vector<std::uint8_t> mIsDispensable;
+    std::optional<CutExchange> mExchange;
 };
 
 } // namespace qe::graph

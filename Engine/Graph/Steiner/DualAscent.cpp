@@ -46,6 +46,57 @@ void DualAscent::Run(std::uint32_t root, std::span<const std::uint32_t> guide, B
     }
 }
 
+void DualAscent::Resume(std::mt19937& random, Budget& budget, CutObserver& observer)
+{
+    std::vector<std::uint32_t> unreached = FindUnreached();
+    std::shuffle(unreached.begin(), unreached.end(), random);
+    for (const std::uint32_t terminal : unreached)
+        mIsActive[terminal] = 1;
+    for (const std::uint32_t terminal : unreached) {
+        std::uint64_t cost = 0;
+        if (!budget.IsExhausted())
+            Ascend(terminal, Saturated, cost, &observer);
+        mIsActive[terminal] = 0;
+    }
+}
+
+/// Answers the terminals that the root does not reach by arcs with nothing left.
+std::vector<std::uint32_t> DualAscent::FindUnreached()
+{
+    ++mStamp;
+    mStamps[mRoot] = mStamp;
+    mSet.assign(1, mRoot);
+    for (std::size_t place = 0; place < mSet.size(); ++place) {
+        mWork += mNetwork.GetArcs(mSet[place]).size();
+        for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(mSet[place])) {
+            if (mReduced[arc.half] != 0 || mStamps[arc.target] == mStamp)
+                continue;
+            mStamps[arc.target] = mStamp;
+            mSet.push_back(arc.target);
+        }
+    }
+    std::vector<std::uint32_t> unreached;
+    for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
+        if (mStamps[terminal] != mStamp)
+            unreached.push_back(terminal);
+    }
+    return unreached;
+}
+
+void DualAscent::TakeBack(std::span<const std::uint32_t> entering, std::uint64_t price)
+{
+    mBound -= price;
+    for (const std::uint32_t half : entering)
+        mReduced[half] += price;
+}
+
+void DualAscent::Charge(std::span<const std::uint32_t> entering, std::uint64_t price)
+{
+    mBound += price;
+    for (const std::uint32_t half : entering)
+        mReduced[half] -= price;
+}
+
 /// Turns the edges of the guiding tree away from the root.
 void DualAscent::SetGuide(std::span<const std::uint32_t> guide)
 {
@@ -109,6 +160,7 @@ bool DualAscent::Spread(std::uint32_t terminal)
 {
     for (; mSpread < mSet.size(); ++mSpread) {
         const std::uint32_t node = mSet[mSpread];
+        mWork += mNetwork.GetArcs(node).size();
         if (node == mRoot || (node != terminal && mIsActive[node] != 0))
             return false;
         for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
@@ -127,12 +179,13 @@ bool DualAscent::Spread(std::uint32_t terminal)
 
 void DualAscent::RaiseCut(CutObserver* observer)
 {
+    mWork += mEntering.size();
     std::uint64_t price = Saturated;
     for (const std::uint32_t half : mEntering)
         price = std::min(price, mReduced[half]);
     mBound += price;
     if (observer != nullptr)
-        observer->Raise(mSet, price);
+        observer->Raise(mSet, mEntering, price);
     for (const std::uint32_t half : mEntering) {
         mReduced[half] -= price;
         const std::uint32_t origin = mNetwork.GetOrigin(half);

@@ -4,6 +4,7 @@
 #include "Engine/Graph/Steiner/FlatNetwork.h"
 
 #include <cstdint>
+#include <random>
 #include <span>
 #include <vector>
 
@@ -17,8 +18,9 @@ class CutObserver
 public:
     virtual ~CutObserver() = default;
     /// Takes a set of nodes without the root, that every tree must enter for the terminals in
-    /// it, and the price that all arcs into it have just been charged.
-    virtual void Raise(std::span<const std::uint32_t> nodes, std::uint64_t price) = 0;
+    /// it, the half-edges into it, and the price that these have just been charged.
+    virtual void Raise(std::span<const std::uint32_t> nodes,
+                       std::span<const std::uint32_t> entering, std::uint64_t price) = 0;
 };
 
 /// Proves a lower bound for the weight of every tree, by raising prices on directed cuts.
@@ -43,8 +45,20 @@ public:
     void Run(std::uint32_t root, std::span<const std::uint32_t> guide, Budget& budget,
              CutObserver* observer = nullptr);
 
+    /// Goes on with the terminals that the root does not reach, in a random order and without
+    /// heed of sizes. Stops early when the budget runs out.
+    void Resume(std::mt19937& random, Budget& budget, CutObserver& observer);
+
+    /// Takes the price of a cut that was raised back from the half-edges into it.
+    void TakeBack(std::span<const std::uint32_t> entering, std::uint64_t price);
+    /// Charges the price of a cut that was taken back once more.
+    void Charge(std::span<const std::uint32_t> entering, std::uint64_t price);
+
     [[nodiscard]] std::uint32_t GetRoot() const { return mRoot; }
     [[nodiscard]] std::uint64_t GetBound() const { return mBound; }
+    /// Answers how many half-edges have been looked at, over all runs: what they cost, by a measure
+    /// that is the same on every machine.
+    [[nodiscard]] std::uint64_t GetWork() const { return mWork; }
     /// Answers the reduced weight of going along the half-edge.
     [[nodiscard]] std::uint64_t GetReduced(std::uint32_t half) const { return mReduced[half]; }
 
@@ -66,11 +80,13 @@ private:
     void SetGuide(std::span<const std::uint32_t> guide);
     [[nodiscard]] std::uint64_t GetCost() const;
     bool Spread(std::uint32_t terminal);
+    [[nodiscard]] std::vector<std::uint32_t> FindUnreached();
     void RaiseCut(CutObserver* observer);
 
     const FlatNetwork& mNetwork;
     std::uint32_t mRoot = 0;
     std::uint64_t mBound = 0;
+    std::uint64_t mWork = 0;
     std::vector<std::uint64_t> mReduced;
     std::vector<std::uint8_t> mIsActive;
     /// Half-edges by which the guiding tree leads away from the root.

@@ -1,7 +1,5 @@
 #include "Engine/Graph/Steiner/LocalSearch.h"
 
-#include "Engine/Graph/Steiner/Budget.h"
-
 #include <algorithm>
 
 namespace qe::graph {
@@ -16,13 +14,13 @@ LocalSearch::LocalSearch(const FlatNetwork& network, TreeGrower& grower)
     : mNetwork(network), mGrower(grower), mEdgesAt(network.GetNodeCount())
 {}
 
-void LocalSearch::Improve(SteinerTree& tree, const Budget& budget, double share)
+void LocalSearch::Improve(SteinerTree& tree, const std::function<bool()>& isOver)
 {
     for (bool isImproved = true; isImproved;) {
         isImproved = false;
         CutIntoPaths(tree);
         for (std::uint32_t path = 0; path < mPathEnds.size(); ++path) {
-            if (budget.IsSpent(share))
+            if (isOver())
                 return;
             if (TryWithout(tree, None, path)) {
                 isImproved = true;
@@ -31,7 +29,7 @@ void LocalSearch::Improve(SteinerTree& tree, const Budget& budget, double share)
         }
         const std::vector<std::uint32_t> nodes = mTreeNodes;
         for (const std::uint32_t node : nodes) {
-            if (budget.IsSpent(share))
+            if (isOver())
                 return;
             if (IsKey(node) && !mNetwork.IsTerminal(node) && TryWithout(tree, node, None)) {
                 isImproved = true;

@@ -5,12 +5,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <utility>
 #include <vector>
 
 namespace qe::graph {
-
-class Budget;
 
 /// Improves a tree by exchanges (Uchoa and Werneck 2010, in a plain form).
 ///
@@ -22,8 +21,8 @@ class LocalSearch
 public:
     LocalSearch(const FlatNetwork& network, TreeGrower& grower);
 
-    /// Applies exchanges until none helps, or more than `share` of the time is gone.
-    void Improve(SteinerTree& tree, const Budget& budget, double share);
+    /// Applies exchanges until none helps, or `isOver` says so.
+    void Improve(SteinerTree& tree, const std::function<bool()>& isOver);
 
 private:
     void CutIntoPaths(const SteinerTree& tree);

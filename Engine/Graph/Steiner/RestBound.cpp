@@ -2,6 +2,8 @@
 
 #include "Engine/Graph/Steiner/ReducedDistances.h"
 
+#include <algorithm>
+
 namespace qe::graph {
 
 namespace {
@@ -23,7 +25,8 @@ RestBound<Words>::RestBound(const FlatNetwork& network, std::uint32_t searchRoot
 }
 
 template <std::size_t Words>
-void RestBound<Words>::Raise(std::span<const std::uint32_t> nodes, std::uint64_t price)
+void RestBound<Words>::Raise(std::span<const std::uint32_t> nodes,
+                             std::span<const std::uint32_t> /*entering*/, std::uint64_t price)
 {
     Set terminals;
     for (const std::uint32_t node : nodes) {
@@ -45,11 +48,11 @@ void RestBound<Words>::Raise(std::span<const std::uint32_t> nodes, std::uint64_t
 }
 
 template <std::size_t Words>
-void RestBound<Words>::Finish(const DualAscent& ascent, std::uint64_t knownWeight)
+void RestBound<Words>::Finish(const DualAscent& ascent, std::uint64_t limit)
 {
     mRootBit = mBits[ascent.GetRoot()];
-    // A way dearer than this is in no lightest tree.
-    const std::uint64_t slack = knownWeight - ascent.GetBound();
+    // A way dearer than this is in no tree within the limit.
+    const std::uint64_t slack = limit - std::min(limit, ascent.GetBound());
     mWaysFromRoot = GetReducedFromRoot(mNetwork, ascent, slack);
     mWaysToSearchRoot = GetReducedTo(mNetwork, ascent, mSearchRoot, slack);
     mTotals.assign(mNetwork.GetNodeCount(), 0);

@@ -30,11 +30,12 @@ public:
     /// Takes the root of the search.
     RestBound(const FlatNetwork& network, std::uint32_t searchRoot);
 
-    void Raise(std::span<const std::uint32_t> nodes, std::uint64_t price) override;
+    void Raise(std::span<const std::uint32_t> nodes, std::span<const std::uint32_t> entering,
+               std::uint64_t price) override;
 
     /// Packs what was raised for the search; needs the reduced weights of the finished ascent,
-    /// and a weight that some tree has.
-    void Finish(const DualAscent& ascent, std::uint64_t knownWeight);
+    /// and a weight above which trees are not looked for.
+    void Finish(const DualAscent& ascent, std::uint64_t limit);
 
     /// Answers what the terminals that are not in the set demand.
     [[nodiscard]] std::uint64_t GetSetPart(const Set& set) const;

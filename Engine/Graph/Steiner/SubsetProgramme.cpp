@@ -11,12 +11,12 @@ namespace qe::graph {
 template <std::size_t Words>
 SubsetProgramme<Words>::SubsetProgramme(const FlatNetwork& network, std::uint32_t root,
                                         std::span<const RestBound<Words>> bounds,
-                                        std::uint64_t knownWeight, Budget& budget)
+                                        std::uint64_t limit, Budget& budget)
     : mNetwork(network),
       mRestBounds(bounds),
       mBudget(budget),
       mRoot(root),
-      mLimit(knownWeight),
+      mLimit(limit),
       mBits(network.GetNodeCount()),
       mSettledAt(network.GetNodeCount())
 {

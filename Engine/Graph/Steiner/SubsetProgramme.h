@@ -41,10 +41,9 @@ class SubsetProgramme
 public:
     using Set = TerminalSet<Words>;
 
-    /// Takes at least one bound for this root, and a weight that some tree has.
+    /// Takes at least one bound for this root, and a weight above which trees are not looked for.
     SubsetProgramme(const FlatNetwork& network, std::uint32_t root,
-                    std::span<const RestBound<Words>> bounds, std::uint64_t knownWeight,
-                    Budget& budget);
+                    std::span<const RestBound<Words>> bounds, std::uint64_t limit, Budget& budget);
     SubsetProgramme(const SubsetProgramme&) = delete;
     SubsetProgramme& operator=(const SubsetProgramme&) = delete;
     ~SubsetProgramme();
@@ -63,6 +62,9 @@ public:
     /// that the search runs ahead to whole trees. Solved means that it found one; then the labels
     /// derive that tree, and need not be exact.
     EOutcome Dive(double inflation, std::size_t mostSettled);
+
+    /// Says, once solved, whether there is a tree: none when all are above the known weight.
+    [[nodiscard]] bool HasTree() const { return FindSettled(mRoot, mAll) != LabelTable::None; }
 
     /// Answers the weight that no tree is below: the optimum once solved.
     [[nodiscard]] std::uint64_t GetBound() const { return mBound; }

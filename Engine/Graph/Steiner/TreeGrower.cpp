@@ -83,6 +83,7 @@ void TreeGrower::Push(std::uint64_t distance, std::uint32_t node, std::uint32_t 
 void TreeGrower::Relax(std::uint32_t node, std::uint64_t distance,
                        std::span<const std::uint8_t> isUsable)
 {
+    mWork += mNetwork.GetArcs(node).size();
     for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
         const bool isBanned = !isUsable.empty() && isUsable[arc.half / 2] == 0;
         if (!isBanned && distance + arc.weight < mDistances[arc.target])

@@ -35,6 +35,10 @@ public:
     /// Grows a tree from the node that takes in the parts of a forest when it comes upon them.
     SteinerTree Regrow(std::span<const std::uint32_t> forest, std::uint32_t start);
 
+    /// Answers how many half-edges have been looked at, over all runs: what they cost, by a measure
+    /// that is the same on every machine.
+    [[nodiscard]] std::uint64_t GetWork() const { return mWork; }
+
 private:
     using QueueEntry = std::pair<std::uint64_t, std::uint32_t>;
 
@@ -60,6 +64,7 @@ private:
     std::vector<std::uint32_t> mOpen;
     std::vector<std::uint32_t> mEdges;
     std::size_t mMissing = 0;
+    std::uint64_t mWork = 0;
     /// Which of the nodes of the tree at hand the node is.
     std::vector<std::uint32_t> mPlaces;
     std::vector<std::uint32_t> mDegrees;
