@@ -31,8 +31,8 @@ constexpr std::uint64_t LocalSearchWork = 100'000'000;
 
 /// How much work goes into exchanges of cuts before the first search that they are to bound, and
 /// how much of it is worth one settled label.
-constexpr std::uint64_t FirstExchangeWork = 50'000'000;
-constexpr std::uint64_t WorkPerLabel = 1000;
+constexpr std::uint64_t FirstExchangeWork = 20'000'000;
+constexpr std::uint64_t WorkPerLabel = 400;
 
 /// One part in so many of the gap has to be closed by exchanges for them to be of use.
 constexpr std::uint64_t ExchangeWorth = 4;
@@ -220,17 +220,21 @@ BlockSearch::Outcome BlockSearch::Search(TreeFamily& family)
 std::optional<BlockSearch::Outcome> BlockSearch::SearchTightly(TreeFamily& family)
 {
     const std::uint64_t gap = mKnownWeight - mLowerBound;
+    if (gap == 0)
+        return std::nullopt;
     mExchange.emplace(mNetwork, mBestRoot, mTree.edges, mBudget);
     std::optional<Outcome> outcome;
     for (std::uint64_t work = FirstExchangeWork; !outcome && !mBudget.IsExhausted(); work *= 2) {
-        const CutExchange::EOutcome progress = mExchange->Improve(mKnownWeight, work);
+        const bool isStuck =
+            mExchange->Improve(mKnownWeight, work) == CutExchange::EOutcome::Stuck;
         const std::uint64_t bound = mExchange->GetAscent().GetBound();
-        if (ExchangeWorth * (mKnownWeight - bound) > (ExchangeWorth - 1) * gap)
+        if (ExchangeWorth * (mKnownWeight - bound) <= (ExchangeWorth - 1) * gap) {
+            mLowerBound = std::max(mLowerBound, bound);
+            outcome = SearchUpwards(family, isStuck ? std::numeric_limits<std::size_t>::max()
+                                                    : work / WorkPerLabel);
+        } else if (isStuck) {
             break;
-        mLowerBound = std::max(mLowerBound, bound);
-        const bool isLast = progress == CutExchange::EOutcome::Stuck;
-        outcome = SearchUpwards(family, isLast ? std::numeric_limits<std::size_t>::max()
-                                               : work / WorkPerLabel);
+        }
     }
     if (!outcome)
         mExchange.reset();

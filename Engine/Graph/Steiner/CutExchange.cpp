@@ -20,7 +20,7 @@ constexpr std::uint32_t TakenOfTen = 6;
 /// So many exchanges that cost so much work have to close one part in so many of the gap, or they
 /// are the last.
 constexpr int BatchSize = 512;
-constexpr std::uint64_t BatchWork = 20'000'000;
+constexpr std::uint64_t BatchWork = 10'000'000;
 constexpr std::uint64_t WorthwhileShare = 50;
 
 } // namespace

@@ -17,8 +17,22 @@ constexpr std::uint64_t GuidePenalty = 1U << 20;
 } // namespace
 
 DualAscent::DualAscent(const FlatNetwork& network)
-    : mNetwork(network), mIsActive(network.GetNodeCount()), mStamps(network.GetNodeCount())
-{}
+    : mNetwork(network),
+      mSlots(network.GetHalfCount()),
+      mIsActive(network.GetNodeCount()),
+      mStamps(network.GetNodeCount())
+{
+    mFirstSlot.reserve(network.GetNodeCount() + 1);
+    mOrigins.reserve(network.GetHalfCount());
+    mFirstSlot.push_back(0);
+    for (std::uint32_t node = 0; node < network.GetNodeCount(); ++node) {
+        for (const FlatNetwork::Arc& arc : network.GetArcs(node)) {
+            mSlots[arc.half ^ 1U] = static_cast<std::uint32_t>(mOrigins.size());
+            mOrigins.push_back(arc.target);
+        }
+        mFirstSlot.push_back(static_cast<std::uint32_t>(mOrigins.size()));
+    }
+}
 
 void DualAscent::Run(std::uint32_t root, std::span<const std::uint32_t> guide, Budget& budget,
                      CutObserver* observer)
@@ -28,7 +42,9 @@ void DualAscent::Run(std::uint32_t root, std::span<const std::uint32_t> guide, B
     mBound = 0;
     mReduced.resize(mNetwork.GetHalfCount());
     for (std::uint32_t half = 0; half < mNetwork.GetHalfCount(); ++half)
-        mReduced[half] = mNetwork.GetWeight(half / 2);
+        mReduced[mSlots[half]] = mNetwork.GetWeight(half / 2);
+    mIsReached.assign(mNetwork.GetNodeCount(), 0);
+    mIsReached[root] = 1;
     std::priority_queue<Entry, std::vector<Entry>, std::greater<>> queue;
     for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
         mIsActive[terminal] = terminal != root;
@@ -48,11 +64,12 @@ void DualAscent::Run(std::uint32_t root, std::span<const std::uint32_t> guide, B
 
 void DualAscent::Resume(std::mt19937& random, Budget& budget, CutObserver& observer)
 {
-    std::vector<std::uint32_t> unreached = FindUnreached();
-    std::shuffle(unreached.begin(), unreached.end(), random);
-    for (const std::uint32_t terminal : unreached)
+    mIsReached.assign(mNetwork.GetNodeCount(), 0);
+    MarkFrom(mRoot, mIsReached);
+    const std::vector<std::uint32_t> speakers = ChooseSpeakers(random);
+    for (const std::uint32_t terminal : speakers)
         mIsActive[terminal] = 1;
-    for (const std::uint32_t terminal : unreached) {
+    for (const std::uint32_t terminal : speakers) {
         std::uint64_t cost = 0;
         if (!budget.IsExhausted())
             Ascend(terminal, Saturated, cost, &observer);
@@ -60,41 +77,58 @@ void DualAscent::Resume(std::mt19937& random, Budget& budget, CutObserver& obser
     }
 }
 
-/// Answers the terminals that the root does not reach by arcs with nothing left.
-std::vector<std::uint32_t> DualAscent::FindUnreached()
+/// Orders the terminals that the root does not reach by arcs with nothing left, and drops those
+/// that a later one reaches so: in their turn, the later one would speak for them.
+std::vector<std::uint32_t> DualAscent::ChooseSpeakers(std::mt19937& random)
 {
-    ++mStamp;
-    mStamps[mRoot] = mStamp;
-    mSet.assign(1, mRoot);
-    for (std::size_t place = 0; place < mSet.size(); ++place) {
-        mWork += mNetwork.GetArcs(mSet[place]).size();
-        for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(mSet[place])) {
-            if (mReduced[arc.half] != 0 || mStamps[arc.target] == mStamp)
-                continue;
-            mStamps[arc.target] = mStamp;
-            mSet.push_back(arc.target);
-        }
-    }
     std::vector<std::uint32_t> unreached;
     for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
-        if (mStamps[terminal] != mStamp)
+        if (mIsReached[terminal] == 0)
             unreached.push_back(terminal);
     }
-    return unreached;
+    std::shuffle(unreached.begin(), unreached.end(), random);
+    mIsSpokenFor = mIsReached;
+    std::vector<std::uint32_t> speakers;
+    for (const std::uint32_t terminal : unreached) {
+        if (mIsSpokenFor[terminal] == 0) {
+            speakers.push_back(terminal);
+            MarkFrom(terminal, mIsSpokenFor);
+        }
+    }
+    std::reverse(speakers.begin(), speakers.end());
+    return speakers;
+}
+
+/// Marks the node and what it reaches by arcs with nothing left and over nodes without a mark.
+void DualAscent::MarkFrom(std::uint32_t node, std::vector<std::uint8_t>& marks)
+{
+    marks[node] = 1;
+    mOpen.assign(1, node);
+    while (!mOpen.empty()) {
+        const std::uint32_t current = mOpen.back();
+        mOpen.pop_back();
+        mWork += mNetwork.GetArcs(current).size();
+        for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(current)) {
+            if (marks[arc.target] != 0 || GetReduced(arc.half) != 0)
+                continue;
+            marks[arc.target] = 1;
+            mOpen.push_back(arc.target);
+        }
+    }
 }
 
 void DualAscent::TakeBack(std::span<const std::uint32_t> entering, std::uint64_t price)
 {
     mBound -= price;
-    for (const std::uint32_t half : entering)
-        mReduced[half] += price;
+    for (const std::uint32_t slot : entering)
+        mReduced[slot] += price;
 }
 
 void DualAscent::Charge(std::span<const std::uint32_t> entering, std::uint64_t price)
 {
     mBound += price;
-    for (const std::uint32_t half : entering)
-        mReduced[half] -= price;
+    for (const std::uint32_t slot : entering)
+        mReduced[slot] -= price;
 }
 
 /// Turns the edges of the guiding tree away from the root.
@@ -102,17 +136,17 @@ void DualAscent::SetGuide(std::span<const std::uint32_t> guide)
 {
     mIsGuide.assign(mNetwork.GetHalfCount(), 0);
     for (const std::uint32_t edge : guide) {
-        mIsGuide[2 * edge] = 1;
-        mIsGuide[2 * edge + 1] = 1;
+        mIsGuide[mSlots[2 * edge]] = 1;
+        mIsGuide[mSlots[2 * edge + 1]] = 1;
     }
     if (guide.empty())
         return;
     mSet.assign(1, mRoot);
     for (std::size_t place = 0; place < mSet.size(); ++place) {
         for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(mSet[place])) {
-            if (mIsGuide[arc.half] == 0)
+            if (mIsGuide[mSlots[arc.half]] == 0)
                 continue;
-            mIsGuide[arc.half ^ 1U] = 0;
+            mIsGuide[mSlots[arc.half ^ 1U]] = 0;
             mSet.push_back(arc.target);
         }
     }
@@ -122,8 +156,8 @@ void DualAscent::SetGuide(std::span<const std::uint32_t> guide)
 std::uint64_t DualAscent::GetCost() const
 {
     std::uint64_t crossings = 0;
-    for (const std::uint32_t half : mEntering)
-        crossings += mIsGuide[half];
+    for (const std::uint32_t slot : mEntering)
+        crossings += mIsGuide[slot];
     const std::uint64_t detours = crossings > 1 ? crossings - 1 : 0;
     return detours * GuidePenalty + mEntering.size();
 }
@@ -142,9 +176,8 @@ DualAscent::EOutcome DualAscent::Ascend(std::uint32_t terminal, std::uint64_t co
     for (bool isFirst = true;; isFirst = false) {
         if (!Spread(terminal))
             return EOutcome::Finished;
-        std::erase_if(mEntering, [this](std::uint32_t half) {
-            return mStamps[mNetwork.GetOrigin(half)] == mStamp;
-        });
+        std::erase_if(mEntering,
+                      [this](std::uint32_t slot) { return mStamps[mOrigins[slot]] == mStamp; });
         if (mEntering.empty())
             return EOutcome::Finished;
         cost = GetCost();
@@ -154,24 +187,29 @@ DualAscent::EOutcome DualAscent::Ascend(std::uint32_t terminal, std::uint64_t co
     }
 }
 
-/// Grows the set by all nodes that reach it by arcs with nothing left. Says false when the set
-/// holds the root or another active terminal, which then speaks for it.
+/// Grows the set by all nodes that reach it by arcs with nothing left. Says false when one of
+/// them is reached from the root, or is another active terminal, which then speaks for the set.
 bool DualAscent::Spread(std::uint32_t terminal)
 {
     for (; mSpread < mSet.size(); ++mSpread) {
         const std::uint32_t node = mSet[mSpread];
-        mWork += mNetwork.GetArcs(node).size();
-        if (node == mRoot || (node != terminal && mIsActive[node] != 0))
+        if (mIsReached[node] != 0) {
+            MarkFrom(node, mIsReached);
             return false;
-        for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
-            if (mStamps[arc.target] == mStamp)
+        }
+        if (node != terminal && mIsActive[node] != 0)
+            return false;
+        mWork += mFirstSlot[node + 1] - mFirstSlot[node];
+        for (std::uint32_t slot = mFirstSlot[node]; slot < mFirstSlot[node + 1]; ++slot) {
+            const std::uint32_t origin = mOrigins[slot];
+            if (mStamps[origin] == mStamp)
                 continue;
-            if (mReduced[arc.half ^ 1U] != 0) {
-                mEntering.push_back(arc.half ^ 1U);
+            if (mReduced[slot] != 0) {
+                mEntering.push_back(slot);
                 continue;
             }
-            mStamps[arc.target] = mStamp;
-            mSet.push_back(arc.target);
+            mStamps[origin] = mStamp;
+            mSet.push_back(origin);
         }
     }
     return true;
@@ -181,15 +219,15 @@ void DualAscent::RaiseCut(CutObserver* observer)
 {
     mWork += mEntering.size();
     std::uint64_t price = Saturated;
-    for (const std::uint32_t half : mEntering)
-        price = std::min(price, mReduced[half]);
+    for (const std::uint32_t slot : mEntering)
+        price = std::min(price, mReduced[slot]);
     mBound += price;
     if (observer != nullptr)
         observer->Raise(mSet, mEntering, price);
-    for (const std::uint32_t half : mEntering) {
-        mReduced[half] -= price;
-        const std::uint32_t origin = mNetwork.GetOrigin(half);
-        if (mReduced[half] == 0 && mStamps[origin] != mStamp) {
+    for (const std::uint32_t slot : mEntering) {
+        mReduced[slot] -= price;
+        const std::uint32_t origin = mOrigins[slot];
+        if (mReduced[slot] == 0 && mStamps[origin] != mStamp) {
             mStamps[origin] = mStamp;
             mSet.push_back(origin);
         }

@@ -18,7 +18,8 @@ class CutObserver
 public:
     virtual ~CutObserver() = default;
     /// Takes a set of nodes without the root, that every tree must enter for the terminals in
-    /// it, the half-edges into it, and the price that these have just been charged.
+    /// it, the slots (see DualAscent) of the arcs into it, and the price that these have just been
+    /// charged.
     virtual void Raise(std::span<const std::uint32_t> nodes,
                        std::span<const std::uint32_t> entering, std::uint64_t price) = 0;
 };
@@ -32,6 +33,9 @@ public:
 /// left, the reduced weights, tells by how much more a tree weighs at least when it uses an arc.
 /// Small sets go first (Poggi de Aragao, Uchoa and Werneck 2001), ties go to the smaller
 /// terminal.
+///
+/// Sets grow against the arcs, so what belongs to the arcs into one node stands together: each
+/// half-edge has a slot, and the slots of the half-edges into a node follow one another.
 class DualAscent
 {
 public:
@@ -49,7 +53,7 @@ public:
     /// heed of sizes. Stops early when the budget runs out.
     void Resume(std::mt19937& random, Budget& budget, CutObserver& observer);
 
-    /// Takes the price of a cut that was raised back from the half-edges into it.
+    /// Takes the price of a cut that was raised back from the arcs into it.
     void TakeBack(std::span<const std::uint32_t> entering, std::uint64_t price);
     /// Charges the price of a cut that was taken back once more.
     void Charge(std::span<const std::uint32_t> entering, std::uint64_t price);
@@ -60,7 +64,10 @@ public:
     /// that is the same on every machine.
     [[nodiscard]] std::uint64_t GetWork() const { return mWork; }
     /// Answers the reduced weight of going along the half-edge.
-    [[nodiscard]] std::uint64_t GetReduced(std::uint32_t half) const { return mReduced[half]; }
+    [[nodiscard]] std::uint64_t GetReduced(std::uint32_t half) const
+    {
+        return mReduced[mSlots[half]];
+    }
 
 private:
     enum class EOutcome
@@ -80,19 +87,31 @@ private:
     void SetGuide(std::span<const std::uint32_t> guide);
     [[nodiscard]] std::uint64_t GetCost() const;
     bool Spread(std::uint32_t terminal);
-    [[nodiscard]] std::vector<std::uint32_t> FindUnreached();
+    [[nodiscard]] std::vector<std::uint32_t> ChooseSpeakers(std::mt19937& random);
+    void MarkFrom(std::uint32_t node, std::vector<std::uint8_t>& marks);
     void RaiseCut(CutObserver* observer);
 
     const FlatNetwork& mNetwork;
     std::uint32_t mRoot = 0;
     std::uint64_t mBound = 0;
     std::uint64_t mWork = 0;
+    /// Slot of each half-edge.
+    std::vector<std::uint32_t> mSlots;
+    /// First slot at each node, and behind the last.
+    std::vector<std::uint32_t> mFirstSlot;
+    /// Node that the half-edge of each slot leaves.
+    std::vector<std::uint32_t> mOrigins;
     std::vector<std::uint64_t> mReduced;
     std::vector<std::uint8_t> mIsActive;
-    /// Half-edges by which the guiding tree leads away from the root.
+    /// Nodes known to be reached from the root by arcs with nothing left: a set that meets one
+    /// would come upon the root.
+    std::vector<std::uint8_t> mIsReached;
+    std::vector<std::uint8_t> mIsSpokenFor;
+    std::vector<std::uint32_t> mOpen;
+    /// Slots by which the guiding tree leads away from the root.
     std::vector<std::uint8_t> mIsGuide;
-    /// The set at hand: its nodes, how many of them have been spread from, and the half-edges
-    /// that lead into it with some weight left.
+    /// The set at hand: its nodes, how many of them have been spread from, and the slots that
+    /// lead into it with some weight left.
     std::vector<std::uint32_t> mSet;
     std::size_t mSpread = 0;
     std::vector<std::uint32_t> mEntering;
