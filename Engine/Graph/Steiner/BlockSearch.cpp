@@ -224,17 +224,15 @@ std::optional<BlockSearch::Outcome> BlockSearch::SearchTightly(TreeFamily& famil
         return std::nullopt;
     mExchange.emplace(mNetwork, mBestRoot, mTree.edges, mBudget);
     std::optional<Outcome> outcome;
-    for (std::uint64_t work = FirstExchangeWork; !outcome && !mBudget.IsExhausted(); work *= 2) {
-        const bool isStuck =
-            mExchange->Improve(mKnownWeight, work) == CutExchange::EOutcome::Stuck;
+    bool isStuck = false;
+    for (std::uint64_t work = FirstExchangeWork; !outcome && !isStuck; work *= 2) {
+        isStuck = mExchange->Improve(mKnownWeight, work) == CutExchange::EOutcome::Stuck;
         const std::uint64_t bound = mExchange->GetAscent().GetBound();
-        if (ExchangeWorth * (mKnownWeight - bound) <= (ExchangeWorth - 1) * gap) {
-            mLowerBound = std::max(mLowerBound, bound);
-            outcome = SearchUpwards(family, isStuck ? std::numeric_limits<std::size_t>::max()
-                                                    : work / WorkPerLabel);
-        } else if (isStuck) {
-            break;
-        }
+        if (ExchangeWorth * (mKnownWeight - bound) > (ExchangeWorth - 1) * gap)
+            continue;
+        mLowerBound = std::max(mLowerBound, bound);
+        constexpr std::size_t NoEnd = std::numeric_limits<std::size_t>::max();
+        outcome = SearchUpwards(family, isStuck ? NoEnd : work / WorkPerLabel);
     }
     if (!outcome)
         mExchange.reset();
