@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(
-  g++ clang clang-format clang-tidy cmake ninja-build pkg-config binutils git
+  g++ clang libclang-rt-dev clang-format clang-tidy cmake ninja-build pkg-config binutils git
   libgtest-dev libgmock-dev libbenchmark-dev
   libinih-dev nlohmann-json3-dev libcli11-dev libsqlite3-dev sqlite3 graphviz python3-jsonschema
   "$@"
