@@ -20,7 +20,8 @@ SteinerGraph DrawGrid(std::mt19937& random, std::uint32_t side, std::uint32_t te
 {
     SteinerGraph graph;
     const auto draw = [&] { return static_cast<std::uint32_t>(5 + random() % 5); };
-    for (std::uint32_t node = 0; node < side * side; ++node) {
+    const std::uint32_t nodeCount = side * side;
+    for (std::uint32_t node = 0; node < nodeCount; ++node) {
         if (node % side != 0)
             graph.edges.push_back({{node - 1}, {node}, draw()});
         if (node >= side)
@@ -28,10 +29,10 @@ SteinerGraph DrawGrid(std::mt19937& random, std::uint32_t side, std::uint32_t te
     }
     std::set<std::uint32_t> terminals;
     while (terminals.size() < terminalCount)
-        terminals.insert(static_cast<std::uint32_t>(random() % (side * side)));
+        terminals.insert(static_cast<std::uint32_t>(random() % nodeCount));
     for (const std::uint32_t terminal : terminals)
         graph.terminals.push_back({terminal});
-    graph.Freeze(side * side);
+    graph.Freeze(nodeCount);
     return graph;
 }
 

@@ -136,8 +136,9 @@ void DualAscent::SetGuide(std::span<const std::uint32_t> guide)
 {
     mIsGuide.assign(mNetwork.GetHalfCount(), 0);
     for (const std::uint32_t edge : guide) {
-        mIsGuide[mSlots[2 * edge]] = 1;
-        mIsGuide[mSlots[2 * edge + 1]] = 1;
+        const std::uint32_t half = 2 * edge;
+        mIsGuide[mSlots[half]] = 1;
+        mIsGuide[mSlots[half + 1]] = 1;
     }
     if (guide.empty())
         return;
