@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <numeric>
 #include <ostream>
 #include <tuple>
@@ -16,6 +17,7 @@ constexpr std::size_t MostNodes = 12;
 struct Subset
 {
     Subset(const SmallGraph& graph, std::uint32_t bits)
+        : isForest(static_cast<std::size_t>(std::popcount(bits)) < graph.nodeCount)
     {
         std::iota(parts.begin(), parts.end(), std::size_t{0});
         for (std::size_t i = 0; i < graph.edges.size() && isForest; ++i) {
@@ -34,7 +36,7 @@ struct Subset
     SmallGraph::EdgeSet edges;
     std::array<std::size_t, MostNodes> parts{};
     std::array<int, MostNodes> degrees{};
-    bool isForest = true;
+    bool isForest;
 };
 
 } // namespace

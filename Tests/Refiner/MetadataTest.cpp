@@ -10,6 +10,8 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+
 namespace {
 
 using qe::test::CountingGateway;
@@ -194,9 +196,10 @@ TEST(JoinInfo, IsReadOncePerRequestAndTheCacheComesFirst)
     EXPECT_EQ(info.name, "strange") << "what is stored is given, whatever its class";
 }
 
-/// Buyer and Payer stand for Customer, Sales stands for Orders.
+/// Buyer and Payer stand for Customer, Sales stands for Orders. References leave the folder out.
 constexpr const char* kShortcuts = R"(
     namespace N
+    folder F
     Orders(Id), Customer(Id)
     Sales -> Orders; Payer -> Customer; Buyer -> Customer
 )";
@@ -292,12 +295,12 @@ TEST(JoinCache, MergesTheListsOfARequest)
 }
 
 /// Gives the weights of all edge types in the mode of the process.
-std::vector<int> EdgeWeights()
+std::array<int, 6> EdgeWeights()
 {
-    std::vector<int> weights;
-    for (int type = 0; type < 6; ++type)
-        weights.push_back(
-            AQE_I_Refiner::GetEdgeWeightForType(static_cast<AQE_I_Refiner::EEdgeType>(type)));
+    std::array<int, 6> weights{};
+    for (std::size_t type = 0; type < weights.size(); ++type)
+        weights[type] =
+            AQE_I_Refiner::GetEdgeWeightForType(static_cast<AQE_I_Refiner::EEdgeType>(type));
     return weights;
 }
 

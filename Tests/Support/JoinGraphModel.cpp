@@ -4,6 +4,7 @@
 #include "AQE_JoinCache.h"
 #include "Engine/Model/ModelBuilder.h"
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <set>
@@ -108,9 +109,9 @@ std::string JoinGraphModel::Text(const Ids& ids) const
 
 std::vector<std::string> JoinGraphModel::Texts(const std::vector<Ids>& lists) const
 {
-    std::vector<std::string> texts;
-    for (const Ids& ids : lists)
-        texts.push_back(Text(ids));
+    std::vector<std::string> texts(lists.size());
+    std::transform(lists.begin(), lists.end(), texts.begin(),
+                   [this](const Ids& ids) { return Text(ids); });
     return texts;
 }
 

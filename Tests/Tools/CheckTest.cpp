@@ -154,12 +154,15 @@ TEST(CheckOutput, TellsWhenTheSearchGaveUp)
                                   "limit of steps was reached.");
 }
 
+/// The weight of a path that is too long to look at.
+constexpr int LongPath = 3 * 17;
+
 /// Tells whether there are several cheapest paths between two subjects, none of them long, and no
 /// subject between the ends lies on all of them.
 bool HasSeparatePaths(const SmallGraph& graph, std::size_t from, std::size_t to)
 {
     const auto found = graph.FindCheapestTrees({from, to});
-    if (!found || found->trees.size() < 2 || found->weight >= 3 * 17)
+    if (!found || found->trees.size() < 2 || found->weight >= LongPath)
         return false;
     // Where a path passes, two of its joins end.
     std::map<std::size_t, std::size_t> ends;
