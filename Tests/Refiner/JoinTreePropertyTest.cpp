@@ -171,8 +171,9 @@ public:
     [[nodiscard]] std::vector<std::size_t> Terminals(const RandomCase& random) const
     {
         std::vector<std::size_t> terminals = Numbers(random.subjects);
-        for (const auto& [end1, end2, weight] : Only(random.requiredJoins).edges)
-            terminals.insert(terminals.end(), {end1, end2});
+        const SmallGraph required = Only(random.requiredJoins);
+        for (const SmallGraph::Edge& edge : required.edges)
+            terminals.insert(terminals.end(), {edge.end1, edge.end2});
         return terminals;
     }
 

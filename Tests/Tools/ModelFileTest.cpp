@@ -247,23 +247,10 @@ TEST(ModelFileTest, SchemaAcceptsWhatIsReadAndWritten)
 TEST(ModelFileTest, NoMutationIsHalfAccepted)
 {
     const std::string text = WorkedModel();
-    const std::vector<std::string> pieces{"\"",
-                                          "{",
-                                          "}",
-                                          "[",
-                                          "]",
-                                          ",",
-                                          ":",
-                                          "\\",
-                                          "\xC3",
-                                          "-1",
-                                          "1e999",
-                                          "null",
-                                          "[]",
-                                          "\"a\"",
-                                          "Orders",
-                                          "\\u0000",
-                                          std::string(1, '\0')};
+    using namespace std::string_view_literals;
+    constexpr std::string_view pieces[] = {"\"", "{",     "}",      "[",       "]",     ",",
+                                           ":",  "\\",    "\xC3",   "-1",      "1e999", "null",
+                                           "[]", "\"a\"", "Orders", "\\u0000", "\0"sv};
     std::mt19937 random(1);
     int accepted = 0;
     for (int round = 0; round < 1500; ++round) {
@@ -274,7 +261,7 @@ TEST(ModelFileTest, NoMutationIsHalfAccepted)
             if (random() % 2 == 0)
                 mutated.insert(place, mutated.substr(random() % mutated.size(), length));
             else
-                mutated.replace(place, length, pieces[random() % pieces.size()]);
+                mutated.replace(place, length, pieces[random() % std::size(pieces)]);
         }
         try {
             const ToolModel model = ReadModelText(mutated, "m");
