@@ -1,6 +1,5 @@
 #include "Engine/Graph/Steiner/BlockSearch.h"
 
-#include "Engine/Graph/Steiner/BoundReduction.h"
 #include "Engine/Graph/Steiner/Budget.h"
 #include "Engine/Graph/Steiner/DerivationBuilder.h"
 #include "Engine/Graph/Steiner/RestBound.h"
@@ -18,6 +17,9 @@ namespace {
 
 /// Number of terminals that trees are grown from and ascents are rooted at.
 constexpr std::size_t Starts = 4;
+
+/// One terminal in so many must have a forced edge for these to be contracted.
+constexpr std::size_t ContractedShare = 10;
 
 /// The first of these is tried before the block is bounded thoroughly.
 constexpr std::array Efforts{BlockSearch::Effort{2, 2000}, BlockSearch::Effort{8, 30000}};
@@ -77,7 +79,8 @@ BlockSearch::BlockSearch(Network& block, std::uint64_t knownWeight, Budget& budg
       mAscent(mNetwork),
       mKnownWeight(knownWeight),
       mBestRoot(mNetwork.GetTerminals().front()),
-      mIsDispensable(mNetwork.GetEdgeCount(), 0)
+      mVerdicts{std::vector<std::uint8_t>(mNetwork.GetEdgeCount(), 0),
+                std::vector<std::uint8_t>(mNetwork.GetEdgeCount(), 0)}
 {
     mTree.weight = Saturated;
 }
@@ -109,7 +112,7 @@ void BlockSearch::Ascend(std::uint32_t root, std::span<const std::uint32_t> guid
     }
     if (!mBudget.IsExhausted())
         FindTreeAlong(mAscent);
-    MarkDispensable(mNetwork, mAscent, mKnownWeight, mIsDispensable);
+    JudgeEdges(mNetwork, mAscent, mKnownWeight, mVerdicts);
 }
 
 /// Bounds the optimum from above by a tree grown along edges that the ascent has used up.
@@ -167,12 +170,46 @@ std::size_t BlockSearch::RemoveDispensable()
     std::size_t count = 0;
     for (std::uint32_t edge = 0; edge < mNetwork.GetEdgeCount(); ++edge) {
         const std::uint32_t blockEdge = mNetwork.GetNetworkEdge(edge);
-        if (mIsDispensable[edge] == 0 || !mBlock.HasEdge(blockEdge))
+        if (mVerdicts.isDispensable[edge] == 0 || !mBlock.HasEdge(blockEdge))
             continue;
         mBlock.RemoveEdge(blockEdge);
         ++count;
     }
     return count;
+}
+
+bool BlockSearch::IsWorthContracting() const
+{
+    const auto forced = std::count(mVerdicts.isForced.begin(), mVerdicts.isForced.end(), 1);
+    return ContractedShare * static_cast<std::size_t>(forced) > mNetwork.GetTerminals().size();
+}
+
+/// Forced edges form a forest. Contracting a leaf of it moves no other edge of the forest, so
+/// their indices stay good.
+void BlockSearch::ContractForced()
+{
+    std::vector<std::uint32_t> open;
+    std::vector<std::uint32_t> degrees(mBlock.GetNodeLimit(), 0);
+    for (std::uint32_t edge = 0; edge < mNetwork.GetEdgeCount(); ++edge) {
+        if (mVerdicts.isForced[edge] == 0)
+            continue;
+        const std::uint32_t half = 2 * mNetwork.GetNetworkEdge(edge);
+        open.push_back(half);
+        ++degrees[mBlock.GetOrigin(half)];
+        ++degrees[mBlock.GetTarget(half)];
+    }
+    const auto contractLeaves = [&] {
+        return std::erase_if(open, [&](std::uint32_t half) {
+            const std::uint32_t leaf = degrees[mBlock.GetOrigin(half)] == 1 ? half : half + 1;
+            if (degrees[mBlock.GetOrigin(leaf)] != 1)
+                return false;
+            --degrees[mBlock.GetOrigin(leaf)];
+            --degrees[mBlock.GetTarget(leaf)];
+            mBlock.Contract(leaf);
+            return true;
+        });
+    };
+    while (contractLeaves() > 0) {}
 }
 
 std::optional<BlockSearch::Outcome> BlockSearch::SearchFast(TreeFamily& family)
@@ -290,7 +327,7 @@ void BlockSearch::Dive()
         return;
     mTree = std::move(tree);
     mKnownWeight = std::min(mKnownWeight, mTree.weight);
-    MarkDispensable(mNetwork, mAscent, mKnownWeight, mIsDispensable);
+    JudgeEdges(mNetwork, mAscent, mKnownWeight, mVerdicts);
 }
 
 BlockSearch::Outcome BlockSearch::AnswerTree(TreeFamily& family,

@@ -1,6 +1,7 @@
 #ifndef ENGINE_GRAPH_STEINER_BLOCKSEARCH_H
 #define ENGINE_GRAPH_STEINER_BLOCKSEARCH_H
 
+#include "Engine/Graph/Steiner/BoundReduction.h"
 #include "Engine/Graph/Steiner/CutExchange.h"
 #include "Engine/Graph/Steiner/DualAscent.h"
 #include "Engine/Graph/Steiner/FlatNetwork.h"
@@ -35,6 +36,11 @@ public:
     std::size_t ShedFast(std::size_t round);
     /// Does the same with more care.
     std::size_t ShedThoroughly();
+
+    /// Says whether many edges are known to be in every lightest tree.
+    [[nodiscard]] bool IsWorthContracting() const;
+    /// Contracts those edges. The block can no longer be searched through this object then.
+    void ContractForced();
 
     /// The least weight known by now.
     [[nodiscard]] std::uint64_t GetKnownWeight() const { return mKnownWeight; }
@@ -95,7 +101,7 @@ private:
     std::uint64_t mLowerBound = 0;
     std::uint32_t mBestRoot = 0;
     SteinerTree mTree;
-    std::vector<std::uint8_t> mIsDispensable;
+    EdgeVerdicts mVerdicts;
     std::optional<CutExchange> mExchange;
 };
 

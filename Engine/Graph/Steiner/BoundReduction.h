@@ -9,12 +9,23 @@ namespace qe::graph {
 class DualAscent;
 class FlatNetwork;
 
-/// Marks the edges that no tree of at most the given weight contains, as a dual ascent proves:
-/// a tree that runs through an edge weighs at least its bound plus the reduced weight of a way
-/// from the root through the edge on to a terminal. Strict, so every lightest tree is kept when
-/// some tree has the given weight.
-void MarkDispensable(const FlatNetwork& network, const DualAscent& ascent, std::uint64_t weight,
-                     std::vector<std::uint8_t>& isDispensable);
+/// What is known of the edges of a network, by their indices.
+struct EdgeVerdicts
+{
+    /// The edges that are in no lightest tree.
+    std::vector<std::uint8_t> isDispensable;
+    /// The edges that are in every lightest tree.
+    std::vector<std::uint8_t> isForced;
+};
+
+/// Judges the edges by a dual ascent and a weight that some tree has.
+///
+/// A tree that runs through an edge weighs at least the ascent's bound plus the reduced weight of
+/// a way from the root through the edge on to a terminal. Where that is above the given weight,
+/// whichever way the edge is run through, the edge is dispensable. And where a terminal can be
+/// entered by one edge only, or the root be left by one only, that edge is forced.
+void JudgeEdges(const FlatNetwork& network, const DualAscent& ascent, std::uint64_t weight,
+                EdgeVerdicts& verdicts);
 
 } // namespace qe::graph
 

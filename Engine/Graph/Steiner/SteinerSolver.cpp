@@ -39,6 +39,9 @@ struct OpenNetwork
     /// How often its block was looked at before.
     std::size_t round;
     EReductions reductions;
+    /// What of its fixed strands is in the family already.
+    std::size_t takenStrands = 0;
+    std::uint64_t takenWeight = 0;
 };
 
 class SteinerSolver
@@ -56,7 +59,9 @@ public:
     SteinerResult Solve();
 
 private:
+    OpenNetwork TakeSmallest();
     void Reduce(OpenNetwork open);
+    void TakeFixed(OpenNetwork& open);
     void SearchBlock(OpenNetwork open);
     bool IsWorthReducing(std::size_t shed, std::size_t edgesBefore);
     bool IsWorthMeasuring(const OpenNetwork& open);
@@ -83,11 +88,8 @@ SteinerResult SteinerSolver::Solve()
         return mResult;
     mResult.connected = true;
     mOpen.push_back({std::move(*network), Saturated, 0, EReductions::Degrees});
-    while (!mOpen.empty()) {
-        OpenNetwork open = std::move(mOpen.back());
-        mOpen.pop_back();
-        Reduce(std::move(open));
-    }
+    while (!mOpen.empty())
+        Reduce(TakeSmallest());
     if (zeroGroups.GetGroups().empty())
         ListTrees();
     else
@@ -96,23 +98,27 @@ SteinerResult SteinerSolver::Solve()
     return std::move(mResult);
 }
 
+/// Takes the smallest open network, so that what is easy is proven before the budget runs out.
+OpenNetwork SteinerSolver::TakeSmallest()
+{
+    const auto smallest = std::min_element(
+        mOpen.begin(), mOpen.end(), [](const OpenNetwork& left, const OpenNetwork& right) {
+            return left.network.GetEdgeCount() < right.network.GetEdgeCount();
+        });
+    OpenNetwork open = std::move(*smallest);
+    mOpen.erase(smallest);
+    return open;
+}
+
 /// Takes out what degrees and cut nodes decide, and has the blocks searched.
 void SteinerSolver::Reduce(OpenNetwork open)
 {
     Network& network = open.network;
-    const std::size_t fixedBefore = network.GetFixedStrands().size();
-    const std::uint64_t weightBefore = network.GetFixedWeight();
     if (open.reductions == EReductions::Distances)
         ReduceByDistances(network, mBudget);
     else
         ReduceDegrees(network);
-    for (std::size_t place = fixedBefore; place < network.GetFixedStrands().size(); ++place)
-        mFamily.AddStrand(network.GetFixedStrands()[place]);
-    const std::uint64_t fixedWeight = network.GetFixedWeight() - weightBefore;
-    mResult.weight += fixedWeight;
-    mResult.lowerBound += fixedWeight;
-    if (open.knownWeight != Saturated)
-        open.knownWeight -= fixedWeight;
+    TakeFixed(open);
     if (network.GetTerminalCount() <= 1)
         return;
     std::vector<Network> blocks = SplitIntoBlocks(network);
@@ -120,8 +126,22 @@ void SteinerSolver::Reduce(OpenNetwork open)
         SearchBlock({std::move(blocks.front()), open.knownWeight, open.round, open.reductions});
         return;
     }
-    for (std::size_t block = blocks.size(); block-- > 0;)
-        mOpen.push_back({std::move(blocks[block]), Saturated, 0, open.reductions});
+    for (Network& block : blocks)
+        mOpen.push_back({std::move(block), Saturated, 0, open.reductions});
+}
+
+/// Takes over what was fixed in the network since the last time.
+void SteinerSolver::TakeFixed(OpenNetwork& open)
+{
+    const std::vector<StrandIndex>& strands = open.network.GetFixedStrands();
+    for (; open.takenStrands < strands.size(); ++open.takenStrands)
+        mFamily.AddStrand(strands[open.takenStrands]);
+    const std::uint64_t weight = open.network.GetFixedWeight() - open.takenWeight;
+    open.takenWeight += weight;
+    mResult.weight += weight;
+    mResult.lowerBound += weight;
+    if (open.knownWeight != Saturated)
+        open.knownWeight -= weight;
 }
 
 void SteinerSolver::SearchBlock(OpenNetwork open)
@@ -129,12 +149,16 @@ void SteinerSolver::SearchBlock(OpenNetwork open)
     BlockSearch search(open.network, open.knownWeight, mBudget);
     const std::uint32_t edgesBefore = open.network.GetEdgeCount();
     std::size_t shed = search.ShedFast(open.round);
+    const auto isChanged = [&] {
+        return IsWorthReducing(shed, edgesBefore) ||
+               (search.IsWorthContracting() && !mBudget.IsExhausted());
+    };
     std::optional<BlockSearch::Outcome> outcome;
-    if (!IsWorthReducing(shed, edgesBefore))
+    if (!isChanged())
         outcome = search.SearchFast(mFamily);
-    if (!outcome && !IsWorthReducing(shed, edgesBefore))
+    if (!outcome && !isChanged())
         shed += search.ShedThoroughly();
-    bool isWorthAgain = IsWorthReducing(shed, edgesBefore);
+    bool isWorthAgain = isChanged();
     if (!outcome && !isWorthAgain) {
         outcome = search.SearchSteadily(mFamily);
         if (!outcome && IsWorthMeasuring(open)) {
@@ -144,6 +168,7 @@ void SteinerSolver::SearchBlock(OpenNetwork open)
     }
     if (!outcome && isWorthAgain) {
         open.knownWeight = search.GetKnownWeight();
+        search.ContractForced();
         ++open.round;
         mOpen.push_back(std::move(open));
         return;
