@@ -85,16 +85,18 @@ TITLE_OF_PICTURE = r"""
 
 class Pages(unittest.TestCase):
     def setUp(self):
+        self.folder = tempfile.TemporaryDirectory(ignore_cleanup_errors=True)
+        self.addCleanup(self.folder.cleanup)
         options = ChromeOptions()
         options.binary_location = BROWSER
         for argument in ("--headless=new", "--no-sandbox", "--disable-gpu", "--no-first-run",
                          "--disable-background-networking", "--disable-component-update",
                          "--disable-sync", "--disable-dev-shm-usage", "--window-size=1100,1200"):
             options.add_argument(argument)
-        self.browser = Chrome(service=Service(DRIVER), options=options)
+        # What the browser leaves behind goes with the folder.
+        service = Service(DRIVER, env={**os.environ, "TMPDIR": self.folder.name})
+        self.browser = Chrome(service=service, options=options)
         self.addCleanup(self.browser.quit)
-        self.folder = tempfile.TemporaryDirectory()
-        self.addCleanup(self.folder.cleanup)
 
     def run_script(self, body, *arguments):
         return self.browser.execute_script(body, *arguments)
