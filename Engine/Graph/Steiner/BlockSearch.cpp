@@ -10,6 +10,7 @@
 #include <array>
 #include <limits>
 #include <optional>
+#include <utility>
 
 namespace qe::graph {
 
@@ -106,7 +107,10 @@ void BlockSearch::ImproveTree(SteinerTree& tree)
 void BlockSearch::Ascend(std::uint32_t root, std::span<const std::uint32_t> guide)
 {
     mAscent.Run(root, guide, mBudget);
-    if (mAscent.GetBound() > mLowerBound) {
+    // At the root branches are joined most cheaply, so it had better be where many meet.
+    const auto getDegree = [this](std::uint32_t node) { return mNetwork.GetArcs(node).size(); };
+    if (std::pair(mAscent.GetBound(), getDegree(root)) >
+        std::pair(mLowerBound, getDegree(mBestRoot))) {
         mLowerBound = mAscent.GetBound();
         mBestRoot = root;
     }
@@ -150,6 +154,11 @@ std::size_t BlockSearch::ShedThoroughly()
 {
     const std::span<const std::uint32_t> terminals = mNetwork.GetTerminals();
     FindTree(terminals.front(), {});
+    const std::uint32_t hub = *std::max_element(
+        terminals.begin(), terminals.end(), [this](std::uint32_t left, std::uint32_t right) {
+            return mNetwork.GetArcs(left).size() < mNetwork.GetArcs(right).size();
+        });
+    Ascend(hub, {});
     const std::size_t starts = std::min(Starts, terminals.size());
     for (std::size_t start = 0; start < starts && !mBudget.IsExhausted(); ++start)
         Ascend(terminals[start * terminals.size() / starts], {});

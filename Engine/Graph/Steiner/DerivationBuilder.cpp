@@ -111,6 +111,10 @@ void DerivationBuilder<Words>::FindJoins(Item& item)
 {
     const LabelTable& labels = mProgramme.GetLabels();
     const Label& label = labels.Get(item.label);
+    if (label.node == mProgramme.GetRoot()) {
+        FindJoinsAtRoot(item);
+        return;
+    }
     const Set& set = mProgramme.GetSet(label.set);
     item.firstJoin = static_cast<std::uint32_t>(mJoins.size());
     using Entry = typename NodeLabels<Words>::Entry;
@@ -120,6 +124,28 @@ void DerivationBuilder<Words>::FindJoins(Item& item)
         const std::uint32_t others = mProgramme.FindSettled(label.node, set.Without(branch.set));
         if (others != LabelTable::None && labels.Get(others).weight + branch.weight == label.weight)
             mJoins.push_back({branch.label, others});
+    });
+    item.joinCount = static_cast<std::uint32_t>(mJoins.size()) - item.firstJoin;
+}
+
+/// Does the same at the root, where branches are added in the order of their smallest terminals.
+template <std::size_t Words>
+void DerivationBuilder<Words>::FindJoinsAtRoot(Item& item)
+{
+    const LabelTable& labels = mProgramme.GetLabels();
+    const Label& label = labels.Get(item.label);
+    const Set& all = mProgramme.GetAll();
+    const Set& set = mProgramme.GetSet(label.set);
+    item.firstJoin = static_cast<std::uint32_t>(mJoins.size());
+    using Entry = typename NodeLabels<Words>::Entry;
+    const auto& settled = mProgramme.GetSettled(label.node);
+    settled.ForEachDisjoint(all.Without(set), all, [&](const Entry& branch) {
+        const Set others = set.Without(branch.set);
+        if (branch.weight > label.weight || !mProgramme.IsNextBranch(branch.set, others))
+            return;
+        const std::uint32_t rest = mProgramme.FindSettled(label.node, others);
+        if (rest != LabelTable::None && labels.Get(rest).weight + branch.weight == label.weight)
+            mJoins.push_back({branch.label, rest});
     });
     item.joinCount = static_cast<std::uint32_t>(mJoins.size()) - item.firstJoin;
 }

@@ -14,7 +14,8 @@ namespace qe::graph {
 /// Derives all lightest trees from the labels of a solved search, each exactly once.
 ///
 /// A partial tree at a node is a branch, which begins with one edge (or is the terminal itself),
-/// or it is the branch with the smallest terminal joined with the partial tree of the others.
+/// or it is the branch with the smallest terminal joined with the partial tree of the others. At
+/// the root it is the branch with the greatest smallest terminal that is joined with the others.
 /// As all weights are positive, every tree falls apart so in one way only, and whatever is put
 /// together so at the weight of the optimum is a tree. Example: the partial tree that joins
 /// {a, b, c} to x by edges x-a, x-b and x-c is the branch {a} with ({b} with {c}), never ({a}
@@ -69,6 +70,7 @@ private:
     std::uint32_t Visit(std::uint32_t label);
     void FindSteps(Item& item);
     void FindJoins(Item& item);
+    void FindJoinsAtRoot(Item& item);
     void AddParts(Item& item, DerivationGraph& graph) const;
 
     const SubsetProgramme<Words>& mProgramme;

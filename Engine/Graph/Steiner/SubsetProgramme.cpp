@@ -186,7 +186,10 @@ void SubsetProgramme<Words>::Settle(std::uint32_t number)
     }
     if (!isOutside)
         GrowFrom(label);
-    JoinAt(label, number);
+    if (label.node == mRoot)
+        JoinAtRoot(label, number);
+    else
+        JoinAt(label, number);
 }
 
 template <std::size_t Words>
@@ -211,6 +214,36 @@ void SubsetProgramme<Words>::JoinAt(const Label& label, std::uint32_t number)
     });
     settled.Add({set, label.weight, number, label.isBranch}, mAll);
     ++mSettledCount;
+}
+
+/// Adds the next branch to those begun with the smallest terminal. Other pairs are not joined, but
+/// cap the labels of what they would join.
+template <std::size_t Words>
+void SubsetProgramme<Words>::JoinAtRoot(const Label& label, std::uint32_t number)
+{
+    const Set set = mSets.Get(label.set);
+    NodeLabels<Words>& settled = mSettledAt[mRoot];
+    settled.ForEachDisjoint(set, mAll, [&](const typename NodeLabels<Words>::Entry& other) {
+        const std::uint64_t weight = label.weight + other.weight;
+        const Set joined = set.Union(other.set);
+        if ((label.isBranch && IsNextBranch(set, other.set)) ||
+            (other.isBranch && IsNextBranch(other.set, set))) {
+            if (weight <= mLimit)
+                Offer(mRoot, Intern(joined), weight, EOrigin::Joined);
+            return;
+        }
+        const std::uint32_t known = mSets.Find(joined);
+        if (known != SetTable<Words>::None)
+            mSetInfos[known].cap = std::min(mSetInfos[known].cap, weight);
+    });
+    settled.Add({set, label.weight, number, label.isBranch}, mAll);
+    ++mSettledCount;
+}
+
+template <std::size_t Words>
+bool SubsetProgramme<Words>::IsNextBranch(const Set& branch, const Set& begun) const
+{
+    return begun.Contains(mAll.GetLowest()) && branch.Contains(mAll.Without(begun).GetLowest());
 }
 
 template <std::size_t Words>

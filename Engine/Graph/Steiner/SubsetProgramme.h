@@ -27,7 +27,10 @@ class Budget;
 /// can follow. Nothing grows out of the root, nor out of a terminal that is not in the set.
 ///
 /// Two labels are joined only when the one with the smallest terminal is a single branch; every
-/// partial tree with several branches comes about so, by taking them off in that order.
+/// partial tree with several branches comes about so, by taking them off in that order. At the root
+/// the whole set is known, so there a branch is only ever added to those with smaller terminals:
+/// it must hold the smallest one that is missing. Where many branches meet at the root, that
+/// spares most of the sets.
 ///
 /// A label is cut off when it weighs more than a partial tree that joins the same set to a
 /// terminal outside it: joining there instead would be lighter. All cuts are strict, so none
@@ -82,6 +85,8 @@ public:
     {
         return mSettledAt[node];
     }
+    /// Says whether, at the root, the branch comes next after what is begun.
+    [[nodiscard]] bool IsNextBranch(const Set& branch, const Set& begun) const;
     /// Answers the set of all terminals but the root.
     [[nodiscard]] const Set& GetAll() const { return mAll; }
 
@@ -115,6 +120,7 @@ private:
     void ChargeMemory();
     void GrowFrom(const Label& label);
     void JoinAt(const Label& label, std::uint32_t number);
+    void JoinAtRoot(const Label& label, std::uint32_t number);
     std::uint32_t Intern(const Set& set);
 
     const FlatNetwork& mNetwork;
