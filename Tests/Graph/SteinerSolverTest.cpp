@@ -163,7 +163,9 @@ TEST_P(SteinerKnownGraph, HasItsOptimumAndNumberOfTrees)
         GTEST_SKIP() << "no graphs in " << folder;
     const std::optional<SteinerGraph> graph = ReadSteinerGraph(text);
     ASSERT_TRUE(graph);
-    const SteinerResult result = FindCheapestTrees(graph->View(), graph->terminals, {});
+    SteinerLimits limits;
+    limits.time = std::chrono::minutes(5); // a slow machine proves the same
+    const SteinerResult result = FindCheapestTrees(graph->View(), graph->terminals, limits);
     EXPECT_EQ(result.weight, GetParam().weight);
     EXPECT_EQ(result.lowerBound, GetParam().weight);
     EXPECT_EQ(result.count, GetParam().count);
