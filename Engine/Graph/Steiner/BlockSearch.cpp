@@ -147,7 +147,7 @@ std::size_t BlockSearch::ShedFast(std::size_t round)
 {
     const std::span<const std::uint32_t> terminals = mNetwork.GetTerminals();
     Ascend(terminals[round % terminals.size()], {});
-    return RemoveDispensable();
+    return RemoveDispensable(mBlock, mNetwork, mVerdicts);
 }
 
 std::size_t BlockSearch::ShedThoroughly()
@@ -170,21 +170,7 @@ std::size_t BlockSearch::ShedThoroughly()
     }
     if (!mBudget.IsExhausted())
         WithWords(terminals.size(), [this](auto words) { Dive<words>(); });
-    return RemoveDispensable();
-}
-
-/// Removes from the block what is marked and still there.
-std::size_t BlockSearch::RemoveDispensable()
-{
-    std::size_t count = 0;
-    for (std::uint32_t edge = 0; edge < mNetwork.GetEdgeCount(); ++edge) {
-        const std::uint32_t blockEdge = mNetwork.GetNetworkEdge(edge);
-        if (mVerdicts.isDispensable[edge] == 0 || !mBlock.HasEdge(blockEdge))
-            continue;
-        mBlock.RemoveEdge(blockEdge);
-        ++count;
-    }
-    return count;
+    return RemoveDispensable(mBlock, mNetwork, mVerdicts);
 }
 
 bool BlockSearch::IsWorthContracting() const
@@ -193,32 +179,9 @@ bool BlockSearch::IsWorthContracting() const
     return ContractedShare * static_cast<std::size_t>(forced) > mNetwork.GetTerminals().size();
 }
 
-/// Forced edges form a forest. Contracting a leaf of it moves no other edge of the forest, so
-/// their indices stay good.
 void BlockSearch::ContractForced()
 {
-    std::vector<std::uint32_t> open;
-    std::vector<std::uint32_t> degrees(mBlock.GetNodeLimit(), 0);
-    for (std::uint32_t edge = 0; edge < mNetwork.GetEdgeCount(); ++edge) {
-        if (mVerdicts.isForced[edge] == 0)
-            continue;
-        const std::uint32_t half = 2 * mNetwork.GetNetworkEdge(edge);
-        open.push_back(half);
-        ++degrees[mBlock.GetOrigin(half)];
-        ++degrees[mBlock.GetTarget(half)];
-    }
-    const auto contractLeaves = [&] {
-        return std::erase_if(open, [&](std::uint32_t half) {
-            const std::uint32_t leaf = degrees[mBlock.GetOrigin(half)] == 1 ? half : half + 1;
-            if (degrees[mBlock.GetOrigin(leaf)] != 1)
-                return false;
-            --degrees[mBlock.GetOrigin(leaf)];
-            --degrees[mBlock.GetTarget(leaf)];
-            mBlock.Contract(leaf);
-            return true;
-        });
-    };
-    while (contractLeaves() > 0) {}
+    graph::ContractForced(mBlock, mNetwork, mVerdicts);
 }
 
 std::optional<BlockSearch::Outcome> BlockSearch::SearchFast(TreeFamily& family)

@@ -88,7 +88,6 @@ private:
                                       std::uint64_t limit);
     template <std::size_t Words>
     void Dive();
-    std::size_t RemoveDispensable();
     Outcome AnswerTree(TreeFamily& family, const std::vector<std::uint32_t>& edges,
                        std::uint64_t weight, std::uint64_t lowerBound) const;
 

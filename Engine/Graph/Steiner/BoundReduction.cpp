@@ -2,6 +2,7 @@
 
 #include "Engine/Graph/Steiner/DualAscent.h"
 #include "Engine/Graph/Steiner/FlatNetwork.h"
+#include "Engine/Graph/Steiner/Network.h"
 #include "Engine/Graph/Steiner/ReducedDistances.h"
 #include "Engine/Graph/Steiner/Saturated.h"
 
@@ -53,6 +54,48 @@ void JudgeEdges(const FlatNetwork& network, const DualAscent& ascent, std::uint6
         if (edge != None)
             verdicts.isForced[edge] = 1;
     }
+}
+
+std::size_t RemoveDispensable(Network& network, const FlatNetwork& flat,
+                              const EdgeVerdicts& verdicts)
+{
+    std::size_t count = 0;
+    for (std::uint32_t edge = 0; edge < flat.GetEdgeCount(); ++edge) {
+        const std::uint32_t networkEdge = flat.GetNetworkEdge(edge);
+        if (verdicts.isDispensable[edge] == 0 || !network.HasEdge(networkEdge))
+            continue;
+        network.RemoveEdge(networkEdge);
+        ++count;
+    }
+    return count;
+}
+
+// Forced edges form a forest. Contracting a leaf of it moves no other edge of the forest, so their
+// indices stay good.
+void ContractForced(Network& network, const FlatNetwork& flat, const EdgeVerdicts& verdicts)
+{
+    std::vector<std::uint32_t> open;
+    std::vector<std::uint32_t> degrees(network.GetNodeLimit(), 0);
+    for (std::uint32_t edge = 0; edge < flat.GetEdgeCount(); ++edge) {
+        if (verdicts.isForced[edge] == 0)
+            continue;
+        const std::uint32_t half = 2 * flat.GetNetworkEdge(edge);
+        open.push_back(half);
+        ++degrees[network.GetOrigin(half)];
+        ++degrees[network.GetTarget(half)];
+    }
+    const auto contractLeaves = [&] {
+        return std::erase_if(open, [&](std::uint32_t half) {
+            const std::uint32_t leaf = degrees[network.GetOrigin(half)] == 1 ? half : half + 1;
+            if (degrees[network.GetOrigin(leaf)] != 1)
+                return false;
+            --degrees[network.GetOrigin(leaf)];
+            --degrees[network.GetTarget(leaf)];
+            network.Contract(leaf);
+            return true;
+        });
+    };
+    while (contractLeaves() > 0) {}
 }
 
 } // namespace qe::graph

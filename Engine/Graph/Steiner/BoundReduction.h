@@ -1,6 +1,7 @@
 #ifndef ENGINE_GRAPH_STEINER_BOUNDREDUCTION_H
 #define ENGINE_GRAPH_STEINER_BOUNDREDUCTION_H
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -8,6 +9,7 @@ namespace qe::graph {
 
 class DualAscent;
 class FlatNetwork;
+class Network;
 
 /// What is known of the edges of a network, by their indices.
 struct EdgeVerdicts
@@ -26,6 +28,15 @@ struct EdgeVerdicts
 /// entered by one edge only, or the root be left by one only, that edge is forced.
 void JudgeEdges(const FlatNetwork& network, const DualAscent& ascent, std::uint64_t weight,
                 EdgeVerdicts& verdicts);
+
+/// Removes the dispensable edges that are still there from the network that `flat` is a copy of.
+/// Answers how many.
+std::size_t RemoveDispensable(Network& network, const FlatNetwork& flat,
+                              const EdgeVerdicts& verdicts);
+
+/// Contracts the forced edges in the network that `flat` is a copy of. Edges get new indices then,
+/// so the copy no longer fits it.
+void ContractForced(Network& network, const FlatNetwork& flat, const EdgeVerdicts& verdicts);
 
 } // namespace qe::graph
 
