@@ -66,7 +66,7 @@ public:
     /// derive that tree, and need not be exact.
     EOutcome Dive(double inflation, std::size_t mostSettled);
 
-    /// Says, once solved, whether there is a tree: none when all are above the known weight.
+    /// Says, once solved, whether there is a tree: none when all are above the limit.
     [[nodiscard]] bool HasTree() const { return FindSettled(mRoot, mAll) != LabelTable::None; }
 
     /// Answers the weight that no tree is below: the optimum once solved.
