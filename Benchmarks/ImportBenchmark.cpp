@@ -1,6 +1,6 @@
 // What it costs to import a large model.
 
-#include "Tools/Import/SqlImport.h"
+#include "Toolkit/Import/SqlImport.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 #include "Benchmarks/SchemaGraphs.h"
 
-#include "Engine/Graph/DisjointSets.h"
+#include "Engine/Graph/Core/DisjointSets.h"
 
 #include <algorithm>
 #include <array>

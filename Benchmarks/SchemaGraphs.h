@@ -1,7 +1,7 @@
 #ifndef BENCHMARKS_SCHEMAGRAPHS_H
 #define BENCHMARKS_SCHEMAGRAPHS_H
 
-#include "Benchmarks/SteinerGraphReader.h"
+#include "Tests/Support/SteinerGraphReader.h"
 
 #include <cstdint>
 #include <functional>

@@ -7,8 +7,8 @@
 // number of optimum trees where known, and a reference time. Each graph is searched in a process
 // of its own, so that the peak memory is its own. Ends with 1 when an answer is wrong.
 
-#include "Benchmarks/SteinerGraphReader.h"
 #include "Engine/Graph/Steiner/SteinerSolver.h"
+#include "Tests/Support/SteinerGraphReader.h"
 
 #include <algorithm>
 #include <chrono>

@@ -38,8 +38,9 @@ public:
     AQE_RequestContext& operator=(const AQE_RequestContext&) = delete;
     virtual ~AQE_RequestContext();
 
-    /// Takes ownership of the cache, in place of the one before; null takes it away.
-    void SetJoinCache(std::unique_ptr<AQE_JoinCache> cache);
+    /// Keeps the cache, in place of the one before; null takes it away. A unique pointer converts;
+    /// how the cache is deleted is settled there, so that the platform need not know it.
+    void SetJoinCache(std::shared_ptr<AQE_JoinCache> cache);
     /// Gives the request's join cache, which stays the request's; null when it has none.
     [[nodiscard]] AQE_JoinCache* GetJoinCache() const noexcept { return mJoinCache.get(); }
 
@@ -60,7 +61,7 @@ public:
     }
 
 private:
-    std::unique_ptr<AQE_JoinCache> mJoinCache;
+    std::shared_ptr<AQE_JoinCache> mJoinCache;
     ECommandType mCommandType;
     AQE_I_Authentication* mAuthentication = nullptr;
     std::vector<UserMessage> mUserMessages;

@@ -1,8 +1,8 @@
 #include "QEFactFinder.h"
 
 #include "BMT_I_Association.h"
-#include "FactGraphDump.h"
-#include "RaiseFailure.h"
+#include "Facts/FactGraphDump.h"
+#include "Joins/RaiseFailure.h"
 
 #include <algorithm>
 #include <cstdint>

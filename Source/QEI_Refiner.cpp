@@ -2,9 +2,9 @@
 
 #include "AQE_JoinCache.h"
 #include "AQE_RequestContext.h"
-#include "JoinReader.h"
+#include "Joins/JoinReader.h"
+#include "Joins/TypedLookup.h"
 #include "Refiner.h"
-#include "TypedLookup.h"
 #include "amdi_filter.h"
 #include "amdi_shortcut.h"
 #include "amdi_specFilter.h"

@@ -3,7 +3,7 @@
 
 #include "AQE_I_UndirectedGraph.h"
 #include "AUT_RefPtr.h"
-#include "JoinEndsReader.h"
+#include "Joins/JoinEndsReader.h"
 #include "amd_id.h"
 
 #include <cstdint>

@@ -1,8 +1,8 @@
 #include "QEMainObjectPathSelector.h"
 
 #include "AQE_I_JoinPathDescriptor.h"
-#include "PathTree.h"
-#include "PathTreeScore.h"
+#include "MainObject/PathTree.h"
+#include "MainObject/PathTreeScore.h"
 
 #include <algorithm>
 #include <iterator>

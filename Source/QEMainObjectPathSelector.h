@@ -1,8 +1,8 @@
 #ifndef SOURCE_QEMAINOBJECTPATHSELECTOR_H
 #define SOURCE_QEMAINOBJECTPATHSELECTOR_H
 
+#include "MainObject/PathJoins.h"
 #include "MainObjectPathSelector.h"
-#include "PathJoins.h"
 #include "amd_id.h"
 
 #include <optional>

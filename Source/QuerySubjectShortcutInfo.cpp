@@ -5,8 +5,8 @@
 #include "I18NConverter.h"
 #include "IdClass.h"
 #include "QERes.h"
-#include "ShortcutGroupDump.h"
-#include "ShortcutGroupMembers.h"
+#include "Shortcuts/ShortcutGroupDump.h"
+#include "Shortcuts/ShortcutGroupMembers.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -2,7 +2,7 @@
 #define SOURCE_QUERYSUBJECTSHORTCUTINFO_H
 
 #include "AQE_I_QuerySubjectShortcutInfo.h"
-#include "ShortcutReferences.h"
+#include "Shortcuts/ShortcutReferences.h"
 #include "amd_id.h"
 
 #include <iosfwd>

@@ -2,11 +2,11 @@
 
 #include "AQE_JoinCache.h"
 #include "AQE_RequestContext.h"
-#include "JoinInfoReader.h"
-#include "JoinedQuerySubjects.h"
-#include "PathChoice.h"
+#include "Joins/JoinInfoReader.h"
+#include "Joins/JoinedQuerySubjects.h"
 #include "QEJoinTree.h"
-#include "TwoGroupPaths.h"
+#include "Ranking/PathChoice.h"
+#include "Ranking/TwoGroupPaths.h"
 
 #include <cstddef>
 #include <iterator>

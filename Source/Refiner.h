@@ -2,7 +2,7 @@
 #define SOURCE_REFINER_H
 
 #include "AQE_I_Refiner.h"
-#include "RefinerServices.h"
+#include "Joins/RefinerServices.h"
 #include "amd_id.h"
 
 #include <utility>

@@ -6,7 +6,7 @@ if(QEREFINER_PLATFORM_TARGET STREQUAL "qeengine")
   set(withEngine ON)
 endif()
 
-install(TARGETS qerefiner qerefiner_headers
+install(TARGETS qerefiner qerefiner_headers qetypes_headers
   EXPORT qerefinerTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
   FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/qerefiner")

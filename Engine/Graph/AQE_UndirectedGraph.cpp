@@ -1,10 +1,10 @@
 #include "Engine/Graph/AQE_UndirectedGraph.h"
 
 #include "Engine/Graph/CheapestTrees.h"
-#include "Engine/Graph/Connectivity.h"
-#include "Engine/Graph/GrownTree.h"
-#include "Engine/Graph/MinimumSpanningTree.h"
-#include "Engine/Graph/SpanningTrees.h"
+#include "Engine/Graph/Core/Connectivity.h"
+#include "Engine/Graph/Spanning/GrownTree.h"
+#include "Engine/Graph/Spanning/MinimumSpanningTree.h"
+#include "Engine/Graph/Spanning/SpanningTrees.h"
 
 #include <algorithm>
 #include <limits>

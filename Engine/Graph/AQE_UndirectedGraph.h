@@ -2,9 +2,9 @@
 #define ENGINE_GRAPH_AQE_UNDIRECTEDGRAPH_H
 
 #include "AQE_I_UndirectedGraph.h"
-#include "Engine/Graph/GraphStorage.h"
-#include "Engine/Graph/GraphView.h"
-#include "Engine/Graph/ShortestPathCache.h"
+#include "Engine/Graph/Core/GraphStorage.h"
+#include "Engine/Graph/Core/GraphView.h"
+#include "Engine/Graph/Core/ShortestPathCache.h"
 
 #include <cstddef>
 #include <cstdint>

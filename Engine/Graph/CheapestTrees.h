@@ -1,7 +1,7 @@
 #ifndef ENGINE_GRAPH_CHEAPESTTREES_H
 #define ENGINE_GRAPH_CHEAPESTTREES_H
 
-#include "Engine/Graph/GraphView.h"
+#include "Engine/Graph/Core/GraphView.h"
 #include "Engine/Graph/Steiner/SteinerSolver.h"
 
 #include <cstddef>

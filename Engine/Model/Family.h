@@ -1,7 +1,7 @@
 #ifndef ENGINE_MODEL_FAMILY_H
 #define ENGINE_MODEL_FAMILY_H
 
-#include "ObjectRecord.h"
+#include "Engine/Model/ObjectRecord.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #ifndef ENGINE_MODEL_METADATAOBJECT_H
 #define ENGINE_MODEL_METADATAOBJECT_H
 
-#include "ObjectRecord.h"
+#include "Engine/Model/ObjectRecord.h"
 #include "QEENGINE_EXPORT.h"
 
 #include <memory>

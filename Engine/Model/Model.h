@@ -1,11 +1,11 @@
 #ifndef ENGINE_MODEL_MODEL_H
 #define ENGINE_MODEL_MODEL_H
 
-#include "Family.h"
+#include "Engine/Model/Family.h"
+#include "Engine/Model/ObjectTable.h"
+#include "Engine/Model/QualifiedName.h"
 #include "I18NLocale.h"
-#include "ObjectTable.h"
 #include "QEENGINE_EXPORT.h"
-#include "QualifiedName.h"
 #include "amd_id.h"
 
 #include <memory>

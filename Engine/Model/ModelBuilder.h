@@ -1,8 +1,8 @@
 #ifndef ENGINE_MODEL_MODELBUILDER_H
 #define ENGINE_MODEL_MODELBUILDER_H
 
-#include "ObjectDraft.h"
-#include "ObjectRecord.h"
+#include "Engine/Model/ObjectDraft.h"
+#include "Engine/Model/ObjectRecord.h"
 #include "QEENGINE_EXPORT.h"
 #include "amd_id.h"
 

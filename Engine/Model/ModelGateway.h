@@ -1,7 +1,7 @@
 #ifndef ENGINE_MODEL_MODELGATEWAY_H
 #define ENGINE_MODEL_MODELGATEWAY_H
 
-#include "../Expression/ReferenceResolver.h"
+#include "Engine/Expression/ReferenceResolver.h"
 #include "QEENGINE_EXPORT.h"
 #include "amdi_gateway.h"
 

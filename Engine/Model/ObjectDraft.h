@@ -1,7 +1,7 @@
 #ifndef ENGINE_MODEL_OBJECTDRAFT_H
 #define ENGINE_MODEL_OBJECTDRAFT_H
 
-#include "ObjectRecord.h"
+#include "Engine/Model/ObjectRecord.h"
 #include "amd_id.h"
 
 #include <cstdint>

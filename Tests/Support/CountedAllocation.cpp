@@ -1,4 +1,4 @@
-#include "CountedAllocation.h"
+#include "Tests/Support/CountedAllocation.h"
 
 #include <cstdlib>
 #include <new>

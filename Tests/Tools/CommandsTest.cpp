@@ -1,6 +1,6 @@
-#include "Engine/Settings/SettingsOverride.h"
+#include "Engine/Services/SettingsOverride.h"
 #include "Tests/Support/TemporaryFolder.h"
-#include "Tests/Tools/Asking.h"
+#include "Tests/Toolkit/Asking.h"
 
 #include <gmock/gmock.h>
 

@@ -22,7 +22,7 @@ except ImportError:
 
 DRIVER = "/usr/bin/chromedriver"
 BROWSER = "/usr/bin/chromium"
-HOSTILE_MODEL = Path(__file__).with_name("hostile.json")
+HOSTILE_MODEL = Path(__file__).parents[1] / "Support" / "hostile.json"
 
 
 def write(output_format, model, *subjects):

@@ -1,10 +1,10 @@
 #include "Engine/Graph/Steiner/BlockSearch.h"
 
-#include "Engine/Graph/Steiner/Budget.h"
-#include "Engine/Graph/Steiner/DerivationBuilder.h"
-#include "Engine/Graph/Steiner/RestBound.h"
-#include "Engine/Graph/Steiner/Saturated.h"
-#include "Engine/Graph/Steiner/SubsetProgramme.h"
+#include "Engine/Graph/Steiner/Bound/RestBound.h"
+#include "Engine/Graph/Steiner/Exact/SubsetProgramme.h"
+#include "Engine/Graph/Steiner/List/DerivationBuilder.h"
+#include "Engine/Graph/Steiner/Network/Budget.h"
+#include "Engine/Graph/Steiner/Network/Saturated.h"
 
 #include <algorithm>
 #include <array>

@@ -1,16 +1,16 @@
 #ifndef ENGINE_GRAPH_STEINER_BLOCKSEARCH_H
 #define ENGINE_GRAPH_STEINER_BLOCKSEARCH_H
 
-#include "Engine/Graph/Steiner/BoundReduction.h"
-#include "Engine/Graph/Steiner/CutExchange.h"
-#include "Engine/Graph/Steiner/DualAscent.h"
-#include "Engine/Graph/Steiner/FlatNetwork.h"
-#include "Engine/Graph/Steiner/LocalSearch.h"
-#include "Engine/Graph/Steiner/Network.h"
-#include "Engine/Graph/Steiner/RestBound.h"
+#include "Engine/Graph/Steiner/Bound/BoundReduction.h"
+#include "Engine/Graph/Steiner/Bound/CutExchange.h"
+#include "Engine/Graph/Steiner/Bound/DualAscent.h"
+#include "Engine/Graph/Steiner/Bound/RestBound.h"
+#include "Engine/Graph/Steiner/Grow/LocalSearch.h"
+#include "Engine/Graph/Steiner/Grow/TreeGrower.h"
+#include "Engine/Graph/Steiner/List/TreeFamily.h"
+#include "Engine/Graph/Steiner/Network/FlatNetwork.h"
+#include "Engine/Graph/Steiner/Network/Network.h"
 #include "Engine/Graph/Steiner/SteinerSolver.h"
-#include "Engine/Graph/Steiner/TreeFamily.h"
-#include "Engine/Graph/Steiner/TreeGrower.h"
 
 #include <cstddef>
 #include <cstdint>

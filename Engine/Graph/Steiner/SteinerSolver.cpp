@@ -1,14 +1,14 @@
 #include "Engine/Graph/Steiner/SteinerSolver.h"
 
 #include "Engine/Graph/Steiner/BlockSearch.h"
-#include "Engine/Graph/Steiner/BlockSplit.h"
-#include "Engine/Graph/Steiner/Budget.h"
-#include "Engine/Graph/Steiner/DegreeReduction.h"
-#include "Engine/Graph/Steiner/DistanceReduction.h"
-#include "Engine/Graph/Steiner/NetworkBuilder.h"
-#include "Engine/Graph/Steiner/Saturated.h"
-#include "Engine/Graph/Steiner/TreeFamily.h"
-#include "Engine/Graph/Steiner/ZeroGroups.h"
+#include "Engine/Graph/Steiner/List/TreeFamily.h"
+#include "Engine/Graph/Steiner/Network/Budget.h"
+#include "Engine/Graph/Steiner/Network/NetworkBuilder.h"
+#include "Engine/Graph/Steiner/Network/Saturated.h"
+#include "Engine/Graph/Steiner/Network/ZeroGroups.h"
+#include "Engine/Graph/Steiner/Reduce/BlockSplit.h"
+#include "Engine/Graph/Steiner/Reduce/DegreeReduction.h"
+#include "Engine/Graph/Steiner/Reduce/DistanceReduction.h"
 
 #include <algorithm>
 #include <utility>

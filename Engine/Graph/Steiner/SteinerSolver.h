@@ -1,7 +1,7 @@
 #ifndef ENGINE_GRAPH_STEINER_STEINERSOLVER_H
 #define ENGINE_GRAPH_STEINER_STEINERSOLVER_H
 
-#include "Engine/Graph/GraphView.h"
+#include "Engine/Graph/Core/GraphView.h"
 
 #include <chrono>
 #include <cstddef>

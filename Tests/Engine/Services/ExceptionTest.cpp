@@ -1,4 +1,4 @@
-#include "Engine/Messages/MessageCatalogue.h"
+#include "Engine/Services/MessageCatalogue.h"
 #include "HBNException.h"
 #include "ORVAssertError.h"
 #include "QERes.h"

@@ -1,8 +1,8 @@
 #include "AQE_LogFile.h"
 #include "AUT_I_UserConfiguration.h"
 #include "AUT_LogException.h"
-#include "Engine/Log/LogCapture.h"
-#include "Engine/Settings/SettingsOverride.h"
+#include "Engine/Services/LogCapture.h"
+#include "Engine/Services/SettingsOverride.h"
 #include "HBNException.h"
 #include "Tests/Support/TemporaryFolder.h"
 

@@ -1,7 +1,7 @@
 #include "AUT_I_UserConfiguration.h"
-#include "Engine/Log/LogCapture.h"
-#include "Engine/Settings/SettingsFile.h"
-#include "Engine/Settings/SettingsOverride.h"
+#include "Engine/Services/LogCapture.h"
+#include "Engine/Services/SettingsFile.h"
+#include "Engine/Services/SettingsOverride.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <cstdlib>

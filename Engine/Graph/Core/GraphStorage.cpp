@@ -1,0 +1,216 @@
+#include "Engine/Graph/Core/GraphStorage.h"
+
+#include <algorithm>
+
+namespace qe::graph {
+
+namespace {
+
+// What is noted down is sorted in when it outgrows what the graph holds, so that adding the same
+// ids for ever does not use up memory.
+constexpr std::size_t FewestToSortIn = 1U << 17U;
+
+bool IsDue(std::size_t noted, std::uint32_t held)
+{
+    return noted >= std::max<std::size_t>(FewestToSortIn, held);
+}
+
+bool IsTargetLess(const Arc& left, const Arc& right)
+{
+    return left.target < right.target;
+}
+
+} // namespace
+
+void GraphStorage::AddNode(const amd_id& node)
+{
+    mNewNodes.push_back(node);
+    if (IsDue(mNewNodes.size(), mNodeIds.GetCount()))
+        TakeInNodes();
+}
+
+void GraphStorage::AddEdge(const amd_id& edge, const amd_id& end1, const amd_id& end2,
+                           std::uint32_t weight)
+{
+    mNewEdges.push_back({end1, end2, weight});
+    mNewEdgeIds.push_back(edge);
+    if (IsDue(mNewEdges.size(), mEdgeIds.GetCount()))
+        TakeInEdges();
+}
+
+void GraphStorage::TakeInNodes()
+{
+    if (mNewNodes.empty())
+        return;
+    if (!mNodeIds.Add(mNewNodes).empty()) {
+        ++mRevision;
+        mIsLaidOut = false;
+    }
+    mNewNodes.clear();
+}
+
+void GraphStorage::TakeInEdges()
+{
+    TakeInNodes();
+    if (mNewEdges.empty())
+        return;
+    const std::vector<std::uint32_t> places = mEdgeIds.Add(mNewEdgeIds);
+    const std::vector<std::uint32_t> ends = ResolveEnds(places);
+    for (std::size_t i = 0; i < places.size(); ++i)
+        mEdges.push_back(
+            {NodeIndex{ends[2 * i]}, NodeIndex{ends[2 * i + 1]}, mNewEdges[places[i]].weight});
+    if (!places.empty()) {
+        ++mRevision;
+        mIsLaidOut = false;
+    }
+    mNewEdges.clear();
+    mNewEdgeIds.clear();
+}
+
+// Gives the slots of both ends of the new edges at `places`, after adding the ends that are
+// missing.
+std::vector<std::uint32_t> GraphStorage::ResolveEnds(const std::vector<std::uint32_t>& places)
+{
+    std::vector<std::uint32_t> slots;
+    slots.reserve(2 * places.size());
+    std::vector<amd_id> missing;
+    std::vector<std::size_t> open;
+    for (const std::uint32_t place : places) {
+        for (const amd_id& end : {mNewEdges[place].end1, mNewEdges[place].end2}) {
+            const std::optional<std::uint32_t> slot = mNodeIds.FindSlot(end);
+            if (!slot) {
+                missing.push_back(end);
+                open.push_back(slots.size());
+            }
+            slots.push_back(slot.value_or(0));
+        }
+    }
+    mNodeIds.Add(missing);
+    for (std::size_t i = 0; i < open.size(); ++i)
+        slots[open[i]] = *mNodeIds.FindSlot(missing[i]);
+    return slots;
+}
+
+void GraphStorage::SetEdgeWeight(const amd_id& edge, std::uint32_t weight)
+{
+    TakeInEdges();
+    const std::optional<std::uint32_t> slot = mEdgeIds.FindSlot(edge);
+    if (!slot || mEdges[*slot].weight == weight)
+        return;
+    mEdges[*slot].weight = weight;
+    if (mIsLaidOut)
+        mRankedEdges[mRankOfEdge[*slot]].weight = weight;
+    ++mRevision;
+}
+
+std::optional<std::uint32_t> GraphStorage::FindEdgeWeight(const amd_id& edge)
+{
+    TakeInEdges();
+    const std::optional<std::uint32_t> slot = mEdgeIds.FindSlot(edge);
+    return slot ? std::optional(mEdges[*slot].weight) : std::nullopt;
+}
+
+void GraphStorage::AppendEdgeIds(std::vector<amd_id>& ids)
+{
+    TakeInEdges();
+    for (const IdIndex::Entry& entry : mEdgeIds.GetSorted())
+        ids.push_back(entry.GetId());
+}
+
+GraphView GraphStorage::GetView()
+{
+    TakeInEdges();
+    if (!mIsLaidOut)
+        LayOut();
+    return {mRankedEdges, mFirstArc, mArcs};
+}
+
+void GraphStorage::LayOut()
+{
+    const std::span<const IdIndex::Entry> nodes = mNodeIds.GetSorted();
+    std::vector<NodeIndex> rankOfNode(nodes.size());
+    for (std::uint32_t rank = 0; rank < nodes.size(); ++rank)
+        rankOfNode[nodes[rank].slot] = NodeIndex{rank};
+
+    const std::span<const IdIndex::Entry> edges = mEdgeIds.GetSorted();
+    mRankOfEdge.resize(edges.size());
+    mRankedEdges.clear();
+    mRankedEdges.reserve(edges.size());
+    for (const IdIndex::Entry& entry : edges) {
+        const Edge& edge = mEdges[entry.slot];
+        mRankOfEdge[entry.slot] = static_cast<std::uint32_t>(mRankedEdges.size());
+        mRankedEdges.push_back(
+            {rankOfNode[edge.end1.value], rankOfNode[edge.end2.value], edge.weight});
+    }
+    LayOutArcs(static_cast<std::uint32_t>(nodes.size()));
+    LayOutSelfLoops();
+    mIsLaidOut = true;
+}
+
+void GraphStorage::LayOutArcs(std::uint32_t nodeCount)
+{
+    mFirstArc.assign(nodeCount + std::size_t{1}, 0);
+    for (const Edge& edge : mRankedEdges) {
+        if (edge.end1 == edge.end2)
+            continue;
+        ++mFirstArc[edge.end1.value];
+        ++mFirstArc[edge.end2.value];
+    }
+    std::uint32_t total = 0;
+    for (std::uint32_t& first : mFirstArc)
+        first = (total += first);
+    mArcs.resize(total);
+    // Each entry now stands behind its node's last arc; filling from the back moves it to the
+    // first and leaves the arcs in ascending order of their edges.
+    for (std::uint32_t rank = static_cast<std::uint32_t>(mRankedEdges.size()); rank-- > 0;) {
+        const Edge& edge = mRankedEdges[rank];
+        if (edge.end1 == edge.end2)
+            continue;
+        mArcs[--mFirstArc[edge.end1.value]] = {edge.end2, EdgeIndex{rank}};
+        mArcs[--mFirstArc[edge.end2.value]] = {edge.end1, EdgeIndex{rank}};
+    }
+}
+
+void GraphStorage::LayOutSelfLoops()
+{
+    mSelfLoops.clear();
+    for (std::uint32_t rank = 0; rank < mRankedEdges.size(); ++rank) {
+        const Edge& edge = mRankedEdges[rank];
+        if (edge.end1 == edge.end2)
+            mSelfLoops.push_back({edge.end1, EdgeIndex{rank}});
+    }
+    std::stable_sort(mSelfLoops.begin(), mSelfLoops.end(), IsTargetLess);
+}
+
+std::span<const Arc> GraphStorage::GetSelfLoops(NodeIndex node)
+{
+    (void)GetView();
+    const auto [first, last] =
+        std::equal_range(mSelfLoops.begin(), mSelfLoops.end(), Arc{node, {}}, IsTargetLess);
+    return {first, last};
+}
+
+NodeIndex GraphStorage::FindNode(const amd_id& node)
+{
+    TakeInEdges();
+    const std::optional<std::uint32_t> place = mNodeIds.FindPlace(node);
+    return place ? NodeIndex{*place} : NodeIndex{};
+}
+
+amd_id GraphStorage::GetNodeId(NodeIndex node)
+{
+    return mNodeIds.GetSorted()[node.value].GetId();
+}
+
+amd_id GraphStorage::GetEdgeId(EdgeIndex edge)
+{
+    return mEdgeIds.GetSorted()[edge.value].GetId();
+}
+
+std::uint64_t GraphStorage::GetRevision()
+{
+    TakeInEdges();
+    return mRevision;
+}
+
+} // namespace qe::graph

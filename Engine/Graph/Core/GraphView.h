@@ -1,0 +1,97 @@
+#ifndef ENGINE_GRAPH_CORE_GRAPHVIEW_H
+#define ENGINE_GRAPH_CORE_GRAPHVIEW_H
+
+#include <cstdint>
+#include <limits>
+#include <span>
+
+namespace qe::graph {
+
+/// Position of a node in the graph, counted from zero in ascending order of the node ids.
+struct NodeIndex
+{
+    std::uint32_t value = std::numeric_limits<std::uint32_t>::max();
+
+    [[nodiscard]] bool IsValid() const
+    {
+        return value != std::numeric_limits<std::uint32_t>::max();
+    }
+    friend auto operator<=>(const NodeIndex&, const NodeIndex&) = default;
+};
+
+/// Position of an edge in the graph, counted from zero in ascending order of the edge ids.
+struct EdgeIndex
+{
+    std::uint32_t value = std::numeric_limits<std::uint32_t>::max();
+
+    [[nodiscard]] bool IsValid() const
+    {
+        return value != std::numeric_limits<std::uint32_t>::max();
+    }
+    friend auto operator<=>(const EdgeIndex&, const EdgeIndex&) = default;
+};
+
+/// One edge with its two ends. An edge whose ends are equal is a self-loop; several edges may
+/// join the same two nodes. Weights are never negative.
+struct Edge
+{
+    NodeIndex end1;
+    NodeIndex end2;
+    std::uint32_t weight = 0;
+};
+
+/// One direction of an edge as seen from a node: where it leads, and by which edge.
+struct Arc
+{
+    NodeIndex target;
+    EdgeIndex edge;
+};
+
+/// A read-only look at a weighted undirected multigraph with dense indices.
+///
+/// Because indices follow the order of the ids, an algorithm that breaks its ties by index gives
+/// answers that do not depend on the order in which the graph was filled. The arcs of a node
+/// stand together, in ascending order of their edges; a self-loop has no arc.
+///
+/// The spans belong to the graph and are good until it changes.
+class GraphView
+{
+public:
+    GraphView() = default;
+
+    /// Takes `firstArc` with one entry more than there are nodes: the arcs of node n stand in
+    /// `arcs` from firstArc[n] up to, but without, firstArc[n + 1].
+    GraphView(std::span<const Edge> edges, std::span<const std::uint32_t> firstArc,
+              std::span<const Arc> arcs)
+        : mEdges(edges), mFirstArc(firstArc), mArcs(arcs)
+    {}
+
+    [[nodiscard]] std::uint32_t GetNodeCount() const
+    {
+        return mFirstArc.empty() ? 0 : static_cast<std::uint32_t>(mFirstArc.size() - 1);
+    }
+
+    [[nodiscard]] std::uint32_t GetEdgeCount() const
+    {
+        return static_cast<std::uint32_t>(mEdges.size());
+    }
+
+    [[nodiscard]] const Edge& GetEdge(EdgeIndex edge) const { return mEdges[edge.value]; }
+
+    [[nodiscard]] std::span<const Edge> GetEdges() const { return mEdges; }
+
+    [[nodiscard]] std::span<const Arc> GetArcs(NodeIndex node) const
+    {
+        const std::uint32_t first = mFirstArc[node.value];
+        return mArcs.subspan(first, mFirstArc[node.value + 1] - first);
+    }
+
+private:
+    std::span<const Edge> mEdges;
+    std::span<const std::uint32_t> mFirstArc;
+    std::span<const Arc> mArcs;
+};
+
+} // namespace qe::graph
+
+#endif

@@ -1,0 +1,191 @@
+#include "Engine/Graph/Core/IdIndex.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <iterator>
+#include <limits>
+#include <utility>
+
+namespace qe::graph {
+
+namespace {
+
+// Flipping the sign bit makes unsigned order agree with the signed order of the ids' words.
+constexpr std::uint32_t SignBit = 0x80000000U;
+
+std::uint32_t ToOrdered(std::int32_t word)
+{
+    return static_cast<std::uint32_t>(word) ^ SignBit;
+}
+
+std::int32_t FromOrdered(std::uint32_t word)
+{
+    return static_cast<std::int32_t>(word ^ SignBit);
+}
+
+IdIndex::Entry MakeEntry(const amd_id& id, std::uint32_t slot)
+{
+    const std::uint64_t domain = ToOrdered(id.domain);
+    return {domain << 32U | ToOrdered(id.classCode), ToOrdered(id.number), slot};
+}
+
+bool IsIdLess(const IdIndex::Entry& left, const IdIndex::Entry& right)
+{
+    return left.domainAndClass != right.domainAndClass ? left.domainAndClass < right.domainAndClass
+                                                       : left.number < right.number;
+}
+
+bool IsSameId(const IdIndex::Entry& left, const IdIndex::Entry& right)
+{
+    return left.domainAndClass == right.domainAndClass && left.number == right.number;
+}
+
+constexpr unsigned BytesOfId = 12;
+
+// Counts from the least significant byte.
+std::uint8_t GetByte(const IdIndex::Entry& entry, unsigned byte)
+{
+    const std::uint64_t word = byte < 4 ? std::uint64_t{entry.number} >> 8U * byte
+                                        : entry.domainAndClass >> 8U * (byte - 4);
+    return static_cast<std::uint8_t>(word);
+}
+
+void SortByByte(std::vector<IdIndex::Entry>& entries, unsigned byte,
+                std::vector<IdIndex::Entry>& space)
+{
+    std::array<std::size_t, 256> next{};
+    for (const IdIndex::Entry& entry : entries)
+        ++next[GetByte(entry, byte)];
+    if (next[GetByte(entries.front(), byte)] == entries.size())
+        return;
+    std::size_t total = 0;
+    for (std::size_t& count : next)
+        total += std::exchange(count, total);
+    space.resize(entries.size());
+    for (const IdIndex::Entry& entry : entries)
+        space[next[GetByte(entry, byte)]++] = entry;
+    entries.swap(space);
+}
+
+// Sorts by id and leaves equal ids in their order. The ids of one model differ in few bytes, so
+// that many are sorted fastest byte by byte.
+void SortById(std::vector<IdIndex::Entry>& entries)
+{
+    constexpr std::size_t FewestToCount = 512;
+    if (entries.size() < FewestToCount) {
+        std::stable_sort(entries.begin(), entries.end(), IsIdLess);
+        return;
+    }
+    std::vector<IdIndex::Entry> space;
+    for (unsigned byte = 0; byte < BytesOfId; ++byte)
+        SortByByte(entries, byte, space);
+}
+
+// Finds the entry by halving without a branch that would have to be guessed: loading a graph
+// looks up both ends of every edge.
+const IdIndex::Entry* FindIn(const std::vector<IdIndex::Entry>& run, const IdIndex::Entry& key)
+{
+    const IdIndex::Entry* first = run.data();
+    for (std::size_t count = run.size(); count > 1;) {
+        const std::size_t half = count / 2;
+        const auto isBehind = static_cast<std::size_t>(!IsIdLess(key, first[half]));
+        first += isBehind * half;
+        count -= half;
+    }
+    return !run.empty() && IsSameId(*first, key) ? first : nullptr;
+}
+
+} // namespace
+
+amd_id IdIndex::Entry::GetId() const
+{
+    return {FromOrdered(static_cast<std::uint32_t>(domainAndClass >> 32U)),
+            FromOrdered(static_cast<std::uint32_t>(domainAndClass)), FromOrdered(number)};
+}
+
+std::vector<std::uint32_t> IdIndex::Add(std::span<const amd_id> ids)
+{
+    Run run;
+    run.reserve(ids.size());
+    for (const amd_id& id : ids)
+        run.push_back(MakeEntry(id, static_cast<std::uint32_t>(run.size())));
+    SortById(run);
+    run.erase(std::unique(run.begin(), run.end(), IsSameId), run.end());
+    DropKnown(run);
+    const std::vector<std::uint32_t> places = AssignSlots(run, ids.size());
+    if (!run.empty())
+        mRuns.push_back(std::move(run));
+    while (mRuns.size() > 1 && mRuns[mRuns.size() - 2].size() <= 2 * mRuns.back().size())
+        MergeLastTwoRuns();
+    return places;
+}
+
+// Turns the places in the entries into slots, given in the order of the places.
+std::vector<std::uint32_t> IdIndex::AssignSlots(Run& run, std::size_t placeCount)
+{
+    constexpr std::uint32_t NoSlot = std::numeric_limits<std::uint32_t>::max();
+    std::vector<std::uint32_t> slotOfPlace(placeCount, NoSlot);
+    for (const Entry& entry : run)
+        slotOfPlace[entry.slot] = 0;
+    std::vector<std::uint32_t> places;
+    places.reserve(run.size());
+    for (std::uint32_t place = 0; place < placeCount; ++place) {
+        if (slotOfPlace[place] == NoSlot)
+            continue;
+        slotOfPlace[place] = mCount++;
+        places.push_back(place);
+    }
+    for (Entry& entry : run)
+        entry.slot = slotOfPlace[entry.slot];
+    return places;
+}
+
+void IdIndex::DropKnown(Run& run) const
+{
+    for (const Run& known : mRuns)
+        run.erase(std::remove_if(run.begin(), run.end(),
+                                 [&known](const Entry& entry) { return FindIn(known, entry); }),
+                  run.end());
+}
+
+void IdIndex::MergeLastTwoRuns()
+{
+    const Run& left = mRuns[mRuns.size() - 2];
+    const Run& right = mRuns.back();
+    Run merged;
+    merged.reserve(left.size() + right.size());
+    std::merge(left.begin(), left.end(), right.begin(), right.end(), std::back_inserter(merged),
+               IsIdLess);
+    mRuns.pop_back();
+    mRuns.back() = std::move(merged);
+}
+
+std::optional<std::uint32_t> IdIndex::FindSlot(const amd_id& id) const
+{
+    const Entry key = MakeEntry(id, 0);
+    for (const Run& run : mRuns) {
+        if (const Entry* found = FindIn(run, key))
+            return found->slot;
+    }
+    return std::nullopt;
+}
+
+std::span<const IdIndex::Entry> IdIndex::GetSorted()
+{
+    while (mRuns.size() > 1)
+        MergeLastTwoRuns();
+    return mRuns.empty() ? std::span<const Entry>() : std::span<const Entry>(mRuns.front());
+}
+
+std::optional<std::uint32_t> IdIndex::FindPlace(const amd_id& id)
+{
+    const std::span<const Entry> sorted = GetSorted();
+    if (sorted.empty())
+        return std::nullopt;
+    const Entry* const found = FindIn(mRuns.front(), MakeEntry(id, 0));
+    return found == nullptr ? std::nullopt
+                            : std::optional(static_cast<std::uint32_t>(found - sorted.data()));
+}
+
+} // namespace qe::graph

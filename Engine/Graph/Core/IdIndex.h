@@ -1,0 +1,60 @@
+#ifndef ENGINE_GRAPH_CORE_IDINDEX_H
+#define ENGINE_GRAPH_CORE_IDINDEX_H
+
+#include "amd_id.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace qe::graph {
+
+/// Numbers ids and finds the number of an id.
+///
+/// Ids get their slots 0, 1, 2, ... when they are added and keep them. They are held in sorted
+/// runs, each more than twice as long as the next: a batch costs about as much as sorting it, a
+/// single id O(log n) amortised, a search O(log^2 n), or O(log n) while there is one run.
+class IdIndex
+{
+public:
+    /// An id and its slot, in a form that compares fast.
+    struct Entry
+    {
+        std::uint64_t domainAndClass;
+        std::uint32_t number;
+        std::uint32_t slot;
+
+        [[nodiscard]] amd_id GetId() const;
+    };
+
+    [[nodiscard]] std::uint32_t GetCount() const { return mCount; }
+
+    /// Gives a slot to each id that has none yet, in the order in which they stand. Returns, in
+    /// that order, where each of them stands first in `ids`.
+    std::vector<std::uint32_t> Add(std::span<const amd_id> ids);
+
+    [[nodiscard]] std::optional<std::uint32_t> FindSlot(const amd_id& id) const;
+
+    /// Gives all ids in ascending order, after merging them into one run when there are more:
+    /// O(n). The span is good until an id is added.
+    [[nodiscard]] std::span<const Entry> GetSorted();
+
+    /// Finds the place of the id in what GetSorted gives.
+    [[nodiscard]] std::optional<std::uint32_t> FindPlace(const amd_id& id);
+
+private:
+    using Run = std::vector<Entry>;
+
+    void DropKnown(Run& run) const;
+    std::vector<std::uint32_t> AssignSlots(Run& run, std::size_t placeCount);
+    void MergeLastTwoRuns();
+
+    std::vector<Run> mRuns;
+    std::uint32_t mCount = 0;
+};
+
+} // namespace qe::graph
+
+#endif

@@ -1,0 +1,44 @@
+#ifndef ENGINE_GRAPH_SPANNING_BOTTLENECKFOREST_H
+#define ENGINE_GRAPH_SPANNING_BOTTLENECKFOREST_H
+
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+namespace qe::graph {
+
+/// A forest to which edges are added in the order of their steps, and which then tells the last
+/// step on the way between two nodes in O(log n): union by size without shortening the ways, each
+/// node remembering the step at which its set was hung under another.
+class BottleneckForest
+{
+public:
+    static constexpr std::uint32_t NotConnected = std::numeric_limits<std::uint32_t>::max();
+
+    explicit BottleneckForest(std::uint32_t nodeCount) { Reset(nodeCount); }
+
+    /// Takes out all edges.
+    void Reset(std::uint32_t nodeCount);
+
+    /// Adds an edge at a step not before that of the edge added last; false, and nothing is
+    /// added, when it would close a cycle.
+    bool Unite(std::uint32_t left, std::uint32_t right, std::uint32_t step);
+
+    /// Gives the greatest step on the way between two different nodes.
+    [[nodiscard]] std::uint32_t FindLastStep(std::uint32_t left, std::uint32_t right) const;
+
+private:
+    [[nodiscard]] std::uint32_t FindRoot(std::uint32_t node) const;
+
+    struct Node
+    {
+        std::uint32_t parent;
+        std::uint32_t step;
+        std::uint32_t size;
+    };
+    std::vector<Node> mNodes;
+};
+
+} // namespace qe::graph
+
+#endif

@@ -1,0 +1,87 @@
+#ifndef ENGINE_GRAPH_STEINER_BOUND_CUTEXCHANGE_H
+#define ENGINE_GRAPH_STEINER_BOUND_CUTEXCHANGE_H
+
+#include "Engine/Graph/Steiner/Bound/DualAscent.h"
+#include "Engine/Graph/Steiner/Network/FlatNetwork.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <random>
+#include <span>
+#include <vector>
+
+namespace qe::graph {
+
+class Budget;
+
+/// Improves the lower bound of a dual ascent by exchanging cuts.
+///
+/// An ascent ends where no cut can be raised any more, but what it proves depends on the order in
+/// which it raised them. An exchange takes back many of the cuts around a few terminals that lie
+/// near each other, and lets the ascent go on from there in another order. It stays when the
+/// bound is no less, for it takes a walk over equal bounds to find the next better one: a large
+/// neighbourhood search (Shaw 1998) among the solutions of the dual of the directed cut
+/// relaxation. Where that relaxation is nearly tight, as in graphs that lie in the plane, the
+/// bound comes near to the optimum.
+///
+/// The same network, root and guide give the same sequence of exchanges.
+class CutExchange : private CutObserver
+{
+public:
+    /// Bounds the optimum by an ascent from the root along a light tree.
+    CutExchange(const FlatNetwork& network, std::uint32_t root,
+                std::span<const std::uint32_t> guide, Budget& budget);
+    CutExchange(const CutExchange&) = delete;
+    CutExchange& operator=(const CutExchange&) = delete;
+    ~CutExchange() override;
+
+    enum class EOutcome
+    {
+        Promising,
+        Stuck,
+    };
+    /// Exchanges cuts for about so much work, as the ascent counts it. Stops early, stuck, when
+    /// that closes little more of the gap between the bound and a weight that some tree has.
+    EOutcome Improve(std::uint64_t knownWeight, std::uint64_t work);
+
+    /// Answers the ascent with its bound and reduced weights as the cuts at hand make them.
+    [[nodiscard]] const DualAscent& GetAscent() const { return mAscent; }
+
+    /// Hands over the cuts at hand.
+    void Report(CutObserver& observer) const;
+
+private:
+    struct Cut
+    {
+        std::vector<std::uint32_t> nodes;
+        std::vector<std::uint32_t> entering;
+        std::vector<std::uint32_t> terminals;
+        std::uint64_t price;
+    };
+
+    void Raise(std::span<const std::uint32_t> nodes, std::span<const std::uint32_t> entering,
+               std::uint64_t price) override;
+    void Exchange();
+    void ChooseTerminals();
+    [[nodiscard]] std::vector<std::uint32_t> FindNearest(std::uint32_t terminal) const;
+    void SetAside();
+    void Restore(std::size_t kept);
+    void Discharge(const Cut& cut);
+    [[nodiscard]] static std::size_t GetBytes(const Cut& cut);
+
+    const FlatNetwork& mNetwork;
+    Budget& mBudget;
+    DualAscent mAscent;
+    std::vector<Cut> mCuts;
+    /// What the exchange at hand took back, and then what it leaves to be dropped.
+    std::vector<Cut> mAside;
+    /// For each terminal those nearest to it, itself first; found when first asked for.
+    std::vector<std::vector<std::uint32_t>> mNearest;
+    std::vector<std::uint8_t> mIsChosen;
+    std::mt19937 mRandom;
+    std::size_t mCharged = 0;
+};
+
+} // namespace qe::graph
+
+#endif

@@ -1,0 +1,238 @@
+#include "Engine/Graph/Steiner/Bound/DualAscent.h"
+
+#include "Engine/Graph/Steiner/Network/Budget.h"
+#include "Engine/Graph/Steiner/Network/Saturated.h"
+
+#include <algorithm>
+#include <functional>
+#include <queue>
+
+namespace qe::graph {
+
+namespace {
+
+/// What one needless entry of the guiding tree into a set weighs against the set's size.
+constexpr std::uint64_t GuidePenalty = 1U << 20;
+
+} // namespace
+
+DualAscent::DualAscent(const FlatNetwork& network)
+    : mNetwork(network),
+      mSlots(network.GetHalfCount()),
+      mIsActive(network.GetNodeCount()),
+      mStamps(network.GetNodeCount())
+{
+    mFirstSlot.reserve(network.GetNodeCount() + 1);
+    mOrigins.reserve(network.GetHalfCount());
+    mFirstSlot.push_back(0);
+    for (std::uint32_t node = 0; node < network.GetNodeCount(); ++node) {
+        for (const FlatNetwork::Arc& arc : network.GetArcs(node)) {
+            mSlots[arc.half ^ 1U] = static_cast<std::uint32_t>(mOrigins.size());
+            mOrigins.push_back(arc.target);
+        }
+        mFirstSlot.push_back(static_cast<std::uint32_t>(mOrigins.size()));
+    }
+}
+
+void DualAscent::Run(std::uint32_t root, std::span<const std::uint32_t> guide, Budget& budget,
+                     CutObserver* observer)
+{
+    mRoot = root;
+    SetGuide(guide);
+    mBound = 0;
+    mReduced.resize(mNetwork.GetHalfCount());
+    for (std::uint32_t half = 0; half < mNetwork.GetHalfCount(); ++half)
+        mReduced[mSlots[half]] = mNetwork.GetWeight(half / 2);
+    mIsReached.assign(mNetwork.GetNodeCount(), 0);
+    mIsReached[root] = 1;
+    std::priority_queue<Entry, std::vector<Entry>, std::greater<>> queue;
+    for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
+        mIsActive[terminal] = terminal != root;
+        if (terminal != root)
+            queue.push({mNetwork.GetArcs(terminal).size(), terminal});
+    }
+    while (!queue.empty() && !budget.IsExhausted()) {
+        Entry entry = queue.top();
+        queue.pop();
+        const std::uint64_t limit = queue.empty() ? Saturated : queue.top().cost;
+        if (Ascend(entry.terminal, limit, entry.cost, observer) == EOutcome::Paused)
+            queue.push(entry);
+        else
+            mIsActive[entry.terminal] = 0;
+    }
+}
+
+void DualAscent::Resume(std::mt19937& random, Budget& budget, CutObserver& observer)
+{
+    mIsReached.assign(mNetwork.GetNodeCount(), 0);
+    MarkFrom(mRoot, mIsReached);
+    const std::vector<std::uint32_t> speakers = ChooseSpeakers(random);
+    for (const std::uint32_t terminal : speakers)
+        mIsActive[terminal] = 1;
+    for (const std::uint32_t terminal : speakers) {
+        std::uint64_t cost = 0;
+        if (!budget.IsExhausted())
+            Ascend(terminal, Saturated, cost, &observer);
+        mIsActive[terminal] = 0;
+    }
+}
+
+/// Orders the terminals that the root does not reach by arcs with nothing left, and drops those
+/// that a later one reaches so: in their turn, the later one would speak for them.
+std::vector<std::uint32_t> DualAscent::ChooseSpeakers(std::mt19937& random)
+{
+    std::vector<std::uint32_t> unreached;
+    for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
+        if (mIsReached[terminal] == 0)
+            unreached.push_back(terminal);
+    }
+    std::shuffle(unreached.begin(), unreached.end(), random);
+    mIsSpokenFor = mIsReached;
+    std::vector<std::uint32_t> speakers;
+    for (const std::uint32_t terminal : unreached) {
+        if (mIsSpokenFor[terminal] == 0) {
+            speakers.push_back(terminal);
+            MarkFrom(terminal, mIsSpokenFor);
+        }
+    }
+    std::reverse(speakers.begin(), speakers.end());
+    return speakers;
+}
+
+/// Marks the node and what it reaches by arcs with nothing left and over nodes without a mark.
+void DualAscent::MarkFrom(std::uint32_t node, std::vector<std::uint8_t>& marks)
+{
+    marks[node] = 1;
+    mOpen.assign(1, node);
+    while (!mOpen.empty()) {
+        const std::uint32_t current = mOpen.back();
+        mOpen.pop_back();
+        mWork += mNetwork.GetArcs(current).size();
+        for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(current)) {
+            if (marks[arc.target] != 0 || GetReduced(arc.half) != 0)
+                continue;
+            marks[arc.target] = 1;
+            mOpen.push_back(arc.target);
+        }
+    }
+}
+
+void DualAscent::TakeBack(std::span<const std::uint32_t> entering, std::uint64_t price)
+{
+    mBound -= price;
+    for (const std::uint32_t slot : entering)
+        mReduced[slot] += price;
+}
+
+void DualAscent::Charge(std::span<const std::uint32_t> entering, std::uint64_t price)
+{
+    mBound += price;
+    for (const std::uint32_t slot : entering)
+        mReduced[slot] -= price;
+}
+
+/// Turns the edges of the guiding tree away from the root.
+void DualAscent::SetGuide(std::span<const std::uint32_t> guide)
+{
+    mIsGuide.assign(mNetwork.GetHalfCount(), 0);
+    for (const std::uint32_t edge : guide) {
+        const std::uint32_t half = 2 * edge;
+        mIsGuide[mSlots[half]] = 1;
+        mIsGuide[mSlots[half + 1]] = 1;
+    }
+    if (guide.empty())
+        return;
+    mSet.assign(1, mRoot);
+    for (std::size_t place = 0; place < mSet.size(); ++place) {
+        for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(mSet[place])) {
+            if (mIsGuide[mSlots[arc.half]] == 0)
+                continue;
+            mIsGuide[mSlots[arc.half ^ 1U]] = 0;
+            mSet.push_back(arc.target);
+        }
+    }
+}
+
+/// Answers what raising the set at hand costs in later chances.
+std::uint64_t DualAscent::GetCost() const
+{
+    std::uint64_t crossings = 0;
+    for (const std::uint32_t slot : mEntering)
+        crossings += mIsGuide[slot];
+    const std::uint64_t detours = crossings > 1 ? crossings - 1 : 0;
+    return detours * GuidePenalty + mEntering.size();
+}
+
+DualAscent::EOutcome DualAscent::Ascend(std::uint32_t terminal, std::uint64_t costLimit,
+                                        std::uint64_t& cost, CutObserver* observer)
+{
+    ++mStamp;
+    mStamps[terminal] = mStamp;
+    mSet.assign(1, terminal);
+    mSpread = 0;
+    mEntering.clear();
+    // A set somewhat above the limit is raised all the same: it was just built, and building it
+    // again costs more than the order is worth.
+    const std::uint64_t eagerLimit = costLimit == Saturated ? Saturated : costLimit * 5 / 4;
+    for (bool isFirst = true;; isFirst = false) {
+        if (!Spread(terminal))
+            return EOutcome::Finished;
+        std::erase_if(mEntering,
+                      [this](std::uint32_t slot) { return mStamps[mOrigins[slot]] == mStamp; });
+        if (mEntering.empty())
+            return EOutcome::Finished;
+        cost = GetCost();
+        if (cost > (isFirst ? costLimit : eagerLimit))
+            return EOutcome::Paused;
+        RaiseCut(observer);
+    }
+}
+
+/// Grows the set by all nodes that reach it by arcs with nothing left. Says false when one of
+/// them is reached from the root, or is another active terminal, which then speaks for the set.
+bool DualAscent::Spread(std::uint32_t terminal)
+{
+    for (; mSpread < mSet.size(); ++mSpread) {
+        const std::uint32_t node = mSet[mSpread];
+        if (mIsReached[node] != 0) {
+            MarkFrom(node, mIsReached);
+            return false;
+        }
+        if (node != terminal && mIsActive[node] != 0)
+            return false;
+        mWork += mFirstSlot[node + 1] - mFirstSlot[node];
+        for (std::uint32_t slot = mFirstSlot[node]; slot < mFirstSlot[node + 1]; ++slot) {
+            const std::uint32_t origin = mOrigins[slot];
+            if (mStamps[origin] == mStamp)
+                continue;
+            if (mReduced[slot] != 0) {
+                mEntering.push_back(slot);
+                continue;
+            }
+            mStamps[origin] = mStamp;
+            mSet.push_back(origin);
+        }
+    }
+    return true;
+}
+
+void DualAscent::RaiseCut(CutObserver* observer)
+{
+    mWork += mEntering.size();
+    std::uint64_t price = Saturated;
+    for (const std::uint32_t slot : mEntering)
+        price = std::min(price, mReduced[slot]);
+    mBound += price;
+    if (observer != nullptr)
+        observer->Raise(mSet, mEntering, price);
+    for (const std::uint32_t slot : mEntering) {
+        mReduced[slot] -= price;
+        const std::uint32_t origin = mOrigins[slot];
+        if (mReduced[slot] == 0 && mStamps[origin] != mStamp) {
+            mStamps[origin] = mStamp;
+            mSet.push_back(origin);
+        }
+    }
+}
+
+} // namespace qe::graph

@@ -1,0 +1,89 @@
+#include "Engine/Graph/Steiner/Bound/RestBound.h"
+
+#include "Engine/Graph/Steiner/Bound/ReducedDistances.h"
+
+#include <algorithm>
+
+namespace qe::graph {
+
+namespace {
+
+constexpr std::uint32_t None = 0xFFFFFFFF;
+
+} // namespace
+
+template <std::size_t Words>
+RestBound<Words>::RestBound(const FlatNetwork& network, std::uint32_t searchRoot)
+    : mNetwork(network),
+      mSearchRoot(searchRoot),
+      mBits(network.GetNodeCount(), None),
+      mLast(network.GetNodeCount(), None)
+{
+    std::uint32_t bit = 0;
+    for (const std::uint32_t terminal : network.GetTerminals())
+        mBits[terminal] = bit++;
+}
+
+template <std::size_t Words>
+void RestBound<Words>::Raise(std::span<const std::uint32_t> nodes,
+                             std::span<const std::uint32_t> /*entering*/, std::uint64_t price)
+{
+    Set terminals;
+    for (const std::uint32_t node : nodes) {
+        if (mBits[node] != None)
+            terminals.Add(mBits[node]);
+    }
+    const std::uint32_t set = mSets.Intern(terminals);
+    mPrices.resize(mSets.GetCount(), 0);
+    mPrices[set] += price;
+    for (const std::uint32_t node : nodes) {
+        const std::uint32_t last = mLast[node];
+        if (last != None && mRaised[last].set == set) {
+            mRaised[last].price += price;
+            continue;
+        }
+        mLast[node] = static_cast<std::uint32_t>(mRaised.size());
+        mRaised.push_back({node, set, price});
+    }
+}
+
+template <std::size_t Words>
+void RestBound<Words>::Finish(const DualAscent& ascent, std::uint64_t limit)
+{
+    mRootBit = mBits[ascent.GetRoot()];
+    // A way dearer than this is in no tree within the limit.
+    const std::uint64_t slack = limit - std::min(limit, ascent.GetBound());
+    mWaysFromRoot = GetReducedFromRoot(mNetwork, ascent, slack);
+    mWaysToSearchRoot = GetReducedTo(mNetwork, ascent, mSearchRoot, slack);
+    mTotals.assign(mNetwork.GetNodeCount(), 0);
+    mFirst.assign(mNetwork.GetNodeCount() + 1, 0);
+    for (const NumberedCharge& raised : mRaised) {
+        ++mFirst[raised.node + 1];
+        mTotals[raised.node] += raised.price;
+    }
+    for (std::uint32_t node = 0; node < mNetwork.GetNodeCount(); ++node)
+        mFirst[node + 1] += mFirst[node];
+    std::vector<std::uint32_t> place(mFirst.begin(), mFirst.end() - 1);
+    mCharges.resize(mRaised.size());
+    for (const NumberedCharge& raised : mRaised)
+        mCharges[place[raised.node]++] = {mSets.Get(raised.set), raised.price};
+    mRaised = {};
+}
+
+template <std::size_t Words>
+std::uint64_t RestBound<Words>::GetSetPart(const Set& set) const
+{
+    std::uint64_t bound = 0;
+    for (std::uint32_t number = 0; number < mSets.GetCount(); ++number) {
+        if (!mSets.Get(number).IsSubsetOf(set))
+            bound += mPrices[number];
+    }
+    return bound;
+}
+
+template class RestBound<1>;
+template class RestBound<2>;
+template class RestBound<4>;
+template class RestBound<8>;
+
+} // namespace qe::graph

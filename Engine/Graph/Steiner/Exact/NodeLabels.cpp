@@ -1,0 +1,45 @@
+#include "Engine/Graph/Steiner/Exact/NodeLabels.h"
+
+namespace qe::graph {
+
+namespace {
+
+/// Most terminals for which there may be a table.
+constexpr std::uint32_t MostBits = 16;
+
+/// There is a table when at least one in so many sets is settled.
+constexpr std::size_t Sparsity = 64;
+
+} // namespace
+
+template <std::size_t Words>
+void NodeLabels<Words>::Add(const Entry& entry, const Set& all)
+{
+    mEntries.push_back(entry);
+    if (!mPlaces.empty()) {
+        mPlaces[entry.set.words[0]] = static_cast<std::uint32_t>(mEntries.size());
+        return;
+    }
+    const std::uint64_t bits = all.words[0];
+    if (Words > 1 || static_cast<std::uint32_t>(std::bit_width(bits)) > MostBits)
+        return;
+    const std::size_t size = std::size_t{1} << std::bit_width(bits);
+    if (mEntries.size() >= size / Sparsity)
+        MakeTable(size);
+}
+
+template <std::size_t Words>
+void NodeLabels<Words>::MakeTable(std::size_t size)
+{
+    mPlaces.assign(size, 0);
+    mOffered.assign(size, Saturated);
+    for (std::size_t place = 0; place < mEntries.size(); ++place)
+        mPlaces[mEntries[place].set.words[0]] = static_cast<std::uint32_t>(place + 1);
+}
+
+template class NodeLabels<1>;
+template class NodeLabels<2>;
+template class NodeLabels<4>;
+template class NodeLabels<8>;
+
+} // namespace qe::graph

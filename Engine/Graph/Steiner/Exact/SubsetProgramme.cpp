@@ -1,0 +1,268 @@
+#include "Engine/Graph/Steiner/Exact/SubsetProgramme.h"
+
+#include "Engine/Graph/Steiner/Network/Budget.h"
+#include "Engine/Graph/Steiner/Network/Saturated.h"
+
+#include <algorithm>
+#include <functional>
+
+namespace qe::graph {
+
+template <std::size_t Words>
+SubsetProgramme<Words>::SubsetProgramme(const FlatNetwork& network, std::uint32_t root,
+                                        std::span<const RestBound<Words>> bounds,
+                                        std::uint64_t limit, Budget& budget)
+    : mNetwork(network),
+      mRestBounds(bounds),
+      mBudget(budget),
+      mRoot(root),
+      mLimit(limit),
+      mBits(network.GetNodeCount()),
+      mSettledAt(network.GetNodeCount())
+{
+    std::uint32_t bit = 0;
+    for (const std::uint32_t terminal : network.GetTerminals()) {
+        mBits[terminal] = bit++;
+        if (terminal != root)
+            mAll.Add(mBits[terminal]);
+    }
+}
+
+template <std::size_t Words>
+typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Run(std::size_t mostSettled)
+{
+    OfferTerminals();
+    for (std::size_t settled = 0; !mQueue.empty();) {
+        mBound = std::min(mQueue.front().key, mLimit);
+        if (mQueue.front().key > mLimit)
+            break;
+        if (mBudget.IsExhausted())
+            return EOutcome::Exhausted;
+        if (settled > mostSettled)
+            return EOutcome::Paused;
+        settled += SettleNext() ? 1U : 0U;
+        ChargeMemory();
+    }
+    mBound = mLimit;
+    return EOutcome::Solved;
+}
+
+template <std::size_t Words>
+typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Dive(double inflation,
+                                                                       std::size_t mostSettled)
+{
+    mInflation = inflation;
+    OfferTerminals();
+    for (std::size_t settled = 0; !mQueue.empty() && settled <= mostSettled;) {
+        if (mBudget.IsExhausted())
+            return EOutcome::Exhausted;
+        settled += SettleNext() ? 1U : 0U;
+        ChargeMemory();
+        if (FindSettled(mRoot, mAll) != LabelTable::None)
+            return EOutcome::Solved;
+    }
+    return EOutcome::Paused;
+}
+
+template <std::size_t Words>
+void SubsetProgramme<Words>::OfferTerminals()
+{
+    for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
+        if (terminal != mRoot)
+            Offer(terminal, Intern(Set::Single(mBits[terminal])), 0, EOrigin::Grown);
+    }
+}
+
+/// Takes the first entry from the queue and settles its label, unless a later entry did.
+template <std::size_t Words>
+bool SubsetProgramme<Words>::SettleNext()
+{
+    const QueueEntry entry = mQueue.front();
+    std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
+    mQueue.pop_back();
+    const Label& label = mLabels.Get(entry.label);
+    if (label.isSettled || label.weight + label.rest != entry.key)
+        return false;
+    Settle(entry.label);
+    return true;
+}
+
+template <std::size_t Words>
+void SubsetProgramme<Words>::ChargeMemory()
+{
+    // Lists that double when they are full take up to three times their contents meanwhile.
+    constexpr std::size_t Doubling = 3;
+    constexpr std::size_t SetBytes = sizeof(SetInfo) + sizeof(Set) + 2 * sizeof(std::uint32_t);
+    const std::size_t perSet = SetBytes + mRestBounds.size() * sizeof(std::uint64_t);
+    const std::size_t bytes = mLabels.GetBytes() + Doubling * mQueue.size() * sizeof(QueueEntry) +
+                              Doubling * mSetInfos.size() * perSet +
+                              2 * mSettledCount * sizeof(typename NodeLabels<Words>::Entry);
+    mBudget.Release(mCharged);
+    mBudget.Charge(bytes);
+    mCharged = bytes;
+}
+
+template <std::size_t Words>
+SubsetProgramme<Words>::~SubsetProgramme()
+{
+    mBudget.Release(mCharged);
+}
+
+template <std::size_t Words>
+std::uint32_t SubsetProgramme<Words>::Intern(const Set& set)
+{
+    const std::uint32_t number = mSets.Intern(set);
+    if (number < mSetInfos.size())
+        return number;
+    std::uint64_t least = 0;
+    for (const RestBound<Words>& bound : mRestBounds) {
+        mSetParts.push_back(bound.GetSetPart(set));
+        if (bound.IsBoundAlone(set))
+            least = std::max(least, mSetParts.back());
+    }
+    mSetInfos.push_back({least, Saturated});
+    return number;
+}
+
+/// Answers the greatest bound, or the first one that is above the limit.
+template <std::size_t Words>
+std::uint64_t SubsetProgramme<Words>::GetRest(std::uint32_t node, std::uint32_t set,
+                                              std::uint64_t limit) const
+{
+    std::uint64_t rest = 0;
+    for (std::size_t bound = 0; bound < mRestBounds.size() && rest <= limit; ++bound) {
+        const std::uint64_t setPart = mSetParts[set * mRestBounds.size() + bound];
+        rest = std::max(rest, mRestBounds[bound].Get(node, mSets.Get(set), setPart));
+    }
+    return rest;
+}
+
+template <std::size_t Words>
+void SubsetProgramme<Words>::Offer(std::uint32_t node, std::uint32_t set, std::uint64_t weight,
+                                   EOrigin origin)
+{
+    const SetInfo& info = mSetInfos[set];
+    if (weight > info.cap || weight + info.rest > mLimit)
+        return;
+    const bool isBranch = origin == EOrigin::Grown;
+    std::uint32_t number = mLabels.Find(node, set);
+    if (number != LabelTable::None) {
+        Label& label = mLabels.Get(number);
+        if (label.isSettled || weight > label.weight)
+            return;
+        if (weight == label.weight) {
+            label.isBranch |= isBranch;
+            return;
+        }
+        label.weight = weight;
+        label.isBranch = isBranch;
+    } else {
+        const std::uint64_t rest = GetRest(node, set, mLimit - weight);
+        if (weight + rest > mLimit)
+            return;
+        const auto inflation = static_cast<std::uint64_t>(static_cast<double>(rest) * mInflation);
+        number = mLabels.Add({node, set, weight, rest + inflation, isBranch});
+    }
+    mQueue.push_back({weight + mLabels.Get(number).rest, number});
+    std::push_heap(mQueue.begin(), mQueue.end(), std::greater<>());
+}
+
+template <std::size_t Words>
+void SubsetProgramme<Words>::Settle(std::uint32_t number)
+{
+    mLabels.Get(number).isSettled = true;
+    const Label label = mLabels.Get(number);
+    SetInfo& info = mSetInfos[label.set];
+    if (label.weight > info.cap)
+        return;
+    const Set set = mSets.Get(label.set);
+    const bool isOutside = label.node == mRoot ||
+                           (mNetwork.IsTerminal(label.node) && !set.Contains(mBits[label.node]));
+    if (isOutside)
+        info.cap = label.weight;
+    if (label.node == mRoot && set == mAll) {
+        mLimit = label.weight;
+        return;
+    }
+    if (!isOutside)
+        GrowFrom(label);
+    if (label.node == mRoot)
+        JoinAtRoot(label, number);
+    else
+        JoinAt(label, number);
+}
+
+template <std::size_t Words>
+void SubsetProgramme<Words>::GrowFrom(const Label& label)
+{
+    for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(label.node))
+        Offer(arc.target, label.set, label.weight + arc.weight, EOrigin::Grown);
+}
+
+template <std::size_t Words>
+void SubsetProgramme<Words>::JoinAt(const Label& label, std::uint32_t number)
+{
+    const Set set = mSets.Get(label.set);
+    NodeLabels<Words>& settled = mSettledAt[label.node];
+    settled.ForEachDisjoint(set, mAll, [&](const typename NodeLabels<Words>::Entry& other) {
+        if (!(set.IsLower(other.set) ? label.isBranch : other.isBranch))
+            return;
+        const std::uint64_t weight = label.weight + other.weight;
+        const Set joined = set.Union(other.set);
+        if (weight <= mLimit && settled.Improves(joined, weight))
+            Offer(label.node, Intern(joined), weight, EOrigin::Joined);
+    });
+    settled.Add({set, label.weight, number, label.isBranch}, mAll);
+    ++mSettledCount;
+}
+
+/// Adds the next branch to those begun with the smallest terminal. Other pairs are not joined, but
+/// cap the labels of what they would join.
+template <std::size_t Words>
+void SubsetProgramme<Words>::JoinAtRoot(const Label& label, std::uint32_t number)
+{
+    const Set set = mSets.Get(label.set);
+    NodeLabels<Words>& settled = mSettledAt[mRoot];
+    settled.ForEachDisjoint(set, mAll, [&](const typename NodeLabels<Words>::Entry& other) {
+        const std::uint64_t weight = label.weight + other.weight;
+        const Set joined = set.Union(other.set);
+        if ((label.isBranch && IsNextBranch(set, other.set)) ||
+            (other.isBranch && IsNextBranch(other.set, set))) {
+            if (weight <= mLimit)
+                Offer(mRoot, Intern(joined), weight, EOrigin::Joined);
+            return;
+        }
+        const std::uint32_t known = mSets.Find(joined);
+        if (known != SetTable<Words>::None)
+            mSetInfos[known].cap = std::min(mSetInfos[known].cap, weight);
+    });
+    settled.Add({set, label.weight, number, label.isBranch}, mAll);
+    ++mSettledCount;
+}
+
+template <std::size_t Words>
+bool SubsetProgramme<Words>::IsNextBranch(const Set& branch, const Set& begun) const
+{
+    return begun.Contains(mAll.GetLowest()) && branch.Contains(mAll.Without(begun).GetLowest());
+}
+
+template <std::size_t Words>
+std::uint32_t SubsetProgramme<Words>::FindSettled(std::uint32_t node, const Set& set) const
+{
+    const std::uint32_t number = mSets.Find(set);
+    return number == SetTable<Words>::None ? LabelTable::None : FindSettled(node, number);
+}
+
+template <std::size_t Words>
+std::uint32_t SubsetProgramme<Words>::FindSettled(std::uint32_t node, std::uint32_t set) const
+{
+    const std::uint32_t label = mLabels.Find(node, set);
+    return label != LabelTable::None && mLabels.Get(label).isSettled ? label : LabelTable::None;
+}
+
+template class SubsetProgramme<1>;
+template class SubsetProgramme<2>;
+template class SubsetProgramme<4>;
+template class SubsetProgramme<8>;
+
+} // namespace qe::graph

@@ -1,0 +1,148 @@
+#ifndef ENGINE_GRAPH_STEINER_EXACT_SUBSETPROGRAMME_H
+#define ENGINE_GRAPH_STEINER_EXACT_SUBSETPROGRAMME_H
+
+#include "Engine/Graph/Steiner/Bound/RestBound.h"
+#include "Engine/Graph/Steiner/Exact/LabelTable.h"
+#include "Engine/Graph/Steiner/Exact/NodeLabels.h"
+#include "Engine/Graph/Steiner/Network/SetTable.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace qe::graph {
+
+class Budget;
+
+/// The exact search: the programme over terminal sets of Dreyfus and Wagner (1971) and Erickson,
+/// Monma and Veinott (1987), in best-first order with a lower bound for the rest (Hougardy,
+/// Silvanus and Vygen 2017).
+///
+/// A label stands for the lightest partial tree that joins a terminal set to a node. The search
+/// settles labels by weight plus bound, grows each along the edges of its node and joins it with
+/// the settled labels there whose sets it does not meet. It starts from the single terminals,
+/// hangs the whole tree up at the root, and goes on until everything queued is above the
+/// optimum: so the labels of every lightest tree are settled, with exact weights, and counting
+/// can follow. Nothing grows out of the root, nor out of a terminal that is not in the set.
+///
+/// Two labels are joined only when the one with the smallest terminal is a single branch; every
+/// partial tree with several branches comes about so, by taking them off in that order. At the root
+/// the whole set is known, so there a branch is only ever added to those with smaller terminals:
+/// it must hold the smallest one that is missing. Where many branches meet at the root, that
+/// spares most of the sets.
+///
+/// A label is cut off when it weighs more than a partial tree that joins the same set to a
+/// terminal outside it: joining there instead would be lighter. All cuts are strict, so none
+/// loses a lightest tree.
+///
+/// The time is at most O(3^k n + 2^k (n log n + m)) for k terminals beside the root, n nodes and
+/// m edges; the bound makes it far less as a rule.
+template <std::size_t Words>
+class SubsetProgramme
+{
+public:
+    using Set = TerminalSet<Words>;
+
+    /// Takes at least one bound for this root, and a weight above which trees are not looked for.
+    SubsetProgramme(const FlatNetwork& network, std::uint32_t root,
+                    std::span<const RestBound<Words>> bounds, std::uint64_t limit, Budget& budget);
+    SubsetProgramme(const SubsetProgramme&) = delete;
+    SubsetProgramme& operator=(const SubsetProgramme&) = delete;
+    ~SubsetProgramme();
+
+    enum class EOutcome
+    {
+        Solved,
+        Paused,
+        Exhausted,
+    };
+    /// Searches until the optimum is known, the given number of labels is settled, or the budget
+    /// runs out.
+    EOutcome Run(std::size_t mostSettled);
+
+    /// Looks for one light tree only, with the bound for the rest made greater by that factor, so
+    /// that the search runs ahead to whole trees. Solved means that it found one; then the labels
+    /// derive that tree, and need not be exact.
+    EOutcome Dive(double inflation, std::size_t mostSettled);
+
+    /// Says, once solved, whether there is a tree: none when all are above the limit.
+    [[nodiscard]] bool HasTree() const { return FindSettled(mRoot, mAll) != LabelTable::None; }
+
+    /// Answers the weight that no tree is below: the optimum once solved.
+    [[nodiscard]] std::uint64_t GetBound() const { return mBound; }
+
+    [[nodiscard]] const FlatNetwork& GetNetwork() const { return mNetwork; }
+    [[nodiscard]] std::uint32_t GetRoot() const { return mRoot; }
+    [[nodiscard]] std::uint32_t GetBit(std::uint32_t node) const { return mBits[node]; }
+    [[nodiscard]] const LabelTable& GetLabels() const { return mLabels; }
+    [[nodiscard]] const Set& GetSet(std::uint32_t number) const { return mSets.Get(number); }
+    /// Answers the settled label of the node and set, or LabelTable::None.
+    [[nodiscard]] std::uint32_t FindSettled(std::uint32_t node, const Set& set) const;
+    [[nodiscard]] std::uint32_t FindSettled(std::uint32_t node, std::uint32_t set) const;
+    /// Answers the settled labels of the node.
+    [[nodiscard]] const NodeLabels<Words>& GetSettled(std::uint32_t node) const
+    {
+        return mSettledAt[node];
+    }
+    /// Says whether, at the root, the branch comes next after what is begun.
+    [[nodiscard]] bool IsNextBranch(const Set& branch, const Set& begun) const;
+    /// Answers the set of all terminals but the root.
+    [[nodiscard]] const Set& GetAll() const { return mAll; }
+
+private:
+    struct QueueEntry
+    {
+        std::uint64_t key;
+        std::uint32_t label;
+        friend auto operator<=>(const QueueEntry&, const QueueEntry&) = default;
+    };
+    struct SetInfo
+    {
+        /// Least rest that any node leaves.
+        std::uint64_t rest;
+        /// Least weight at which a terminal outside the set was joined.
+        std::uint64_t cap;
+    };
+
+    /// How a partial tree came about.
+    enum class EOrigin
+    {
+        Grown,
+        Joined,
+    };
+    void Offer(std::uint32_t node, std::uint32_t set, std::uint64_t weight, EOrigin origin);
+    [[nodiscard]] std::uint64_t GetRest(std::uint32_t node, std::uint32_t set,
+                                        std::uint64_t limit) const;
+    void OfferTerminals();
+    void Settle(std::uint32_t number);
+    bool SettleNext();
+    void ChargeMemory();
+    void GrowFrom(const Label& label);
+    void JoinAt(const Label& label, std::uint32_t number);
+    void JoinAtRoot(const Label& label, std::uint32_t number);
+    std::uint32_t Intern(const Set& set);
+
+    const FlatNetwork& mNetwork;
+    std::span<const RestBound<Words>> mRestBounds;
+    Budget& mBudget;
+    std::uint32_t mRoot;
+    std::uint64_t mLimit;
+    std::uint64_t mBound = 0;
+    double mInflation = 0;
+    std::vector<std::uint32_t> mBits;
+    Set mAll;
+    SetTable<Words> mSets;
+    std::vector<SetInfo> mSetInfos;
+    /// For each set what each bound says of it alone.
+    std::vector<std::uint64_t> mSetParts;
+    LabelTable mLabels;
+    std::vector<NodeLabels<Words>> mSettledAt;
+    std::vector<QueueEntry> mQueue;
+    std::size_t mSettledCount = 0;
+    std::size_t mCharged = 0;
+};
+
+} // namespace qe::graph
+
+#endif

@@ -1,0 +1,149 @@
+#include "Engine/Graph/Steiner/Grow/LocalSearch.h"
+
+#include <algorithm>
+
+namespace qe::graph {
+
+namespace {
+
+constexpr std::uint32_t None = 0xFFFFFFFF;
+
+} // namespace
+
+LocalSearch::LocalSearch(const FlatNetwork& network, TreeGrower& grower)
+    : mNetwork(network), mGrower(grower), mEdgesAt(network.GetNodeCount())
+{}
+
+void LocalSearch::Improve(SteinerTree& tree, const std::function<bool()>& isOver)
+{
+    for (bool isImproved = true; isImproved;) {
+        isImproved = false;
+        CutIntoPaths(tree);
+        for (std::uint32_t path = 0; path < mPathEnds.size(); ++path) {
+            if (isOver())
+                return;
+            if (TryWithout(tree, None, path)) {
+                isImproved = true;
+                CutIntoPaths(tree);
+            }
+        }
+        const std::vector<std::uint32_t> nodes = mTreeNodes;
+        for (const std::uint32_t node : nodes) {
+            if (isOver())
+                return;
+            if (IsKey(node) && !mNetwork.IsTerminal(node) && TryWithout(tree, node, None)) {
+                isImproved = true;
+                CutIntoPaths(tree);
+            }
+        }
+    }
+}
+
+bool LocalSearch::IsKey(std::uint32_t node) const
+{
+    return mEdgesAt[node].size() > 2 || (mNetwork.IsTerminal(node) && !mEdgesAt[node].empty());
+}
+
+void LocalSearch::CutIntoPaths(const SteinerTree& tree)
+{
+    for (const std::uint32_t node : mTreeNodes)
+        mEdgesAt[node].clear();
+    mTreeNodes.clear();
+    for (std::uint32_t place = 0; place < tree.edges.size(); ++place) {
+        for (const std::uint32_t side : {0U, 1U}) {
+            const std::uint32_t node = mNetwork.GetOrigin(2 * tree.edges[place] + side);
+            if (mEdgesAt[node].empty())
+                mTreeNodes.push_back(node);
+            mEdgesAt[node].push_back(place);
+        }
+    }
+    std::sort(mTreeNodes.begin(), mTreeNodes.end());
+    mPathOfEdge.assign(tree.edges.size(), None);
+    mPathEnds.clear();
+    for (const std::uint32_t node : mTreeNodes) {
+        for (const std::uint32_t place : mEdgesAt[node]) {
+            if (IsKey(node) && mPathOfEdge[place] == None)
+                WalkPath(tree, node, place);
+        }
+    }
+}
+
+void LocalSearch::WalkPath(const SteinerTree& tree, std::uint32_t node, std::uint32_t place)
+{
+    const auto path = static_cast<std::uint32_t>(mPathEnds.size());
+    const std::uint32_t start = node;
+    for (;;) {
+        mPathOfEdge[place] = path;
+        const std::uint32_t edge = tree.edges[place];
+        const std::uint32_t end1 = mNetwork.GetOrigin(2 * edge);
+        node = end1 == node ? mNetwork.GetOrigin(2 * edge + 1) : end1;
+        if (IsKey(node))
+            break;
+        place = mEdgesAt[node][mEdgesAt[node][0] == place ? 1 : 0];
+    }
+    mPathEnds.emplace_back(start, node);
+}
+
+bool LocalSearch::TryWithout(SteinerTree& tree, std::uint32_t key, std::uint32_t path)
+{
+    mKept.clear();
+    mStarts.clear();
+    mIsKept.assign(tree.edges.size(), 0);
+    for (std::uint32_t place = 0; place < tree.edges.size(); ++place) {
+        const std::uint32_t ofEdge = mPathOfEdge[place];
+        const auto [end1, end2] = mPathEnds[ofEdge];
+        if (ofEdge != path && end1 != key && end2 != key) {
+            mKept.push_back(tree.edges[place]);
+            mIsKept[place] = 1;
+            continue;
+        }
+        for (const std::uint32_t end : {end1, end2}) {
+            if (end != key)
+                mStarts.push_back(end);
+        }
+    }
+    SteinerTree other = mGrower.Regrow(mKept, ChooseStart(tree));
+    if (other.weight >= tree.weight)
+        return false;
+    tree = std::move(other);
+    return true;
+}
+
+/// Answers the start in the smallest part: the search for another way spreads least from there.
+std::uint32_t LocalSearch::ChooseStart(const SteinerTree& tree)
+{
+    std::sort(mStarts.begin(), mStarts.end());
+    mStarts.erase(std::unique(mStarts.begin(), mStarts.end()), mStarts.end());
+    std::uint32_t best = mStarts.front();
+    std::size_t least = tree.edges.size() + 1;
+    for (const std::uint32_t start : mStarts) {
+        const std::size_t size = CountPart(tree, start, least);
+        if (size < least) {
+            least = size;
+            best = start;
+        }
+    }
+    return best;
+}
+
+/// Answers how many kept edges hang together with the node, or `most` when there are more.
+std::size_t LocalSearch::CountPart(const SteinerTree& tree, std::uint32_t start, std::size_t most)
+{
+    std::size_t count = 0;
+    mOpen.assign(1, {start, None});
+    while (!mOpen.empty() && count < most) {
+        const auto [node, entry] = mOpen.back();
+        mOpen.pop_back();
+        for (const std::uint32_t place : mEdgesAt[node]) {
+            if (mIsKept[place] == 0 || place == entry)
+                continue;
+            const std::uint32_t end1 = mNetwork.GetOrigin(2 * tree.edges[place]);
+            const std::uint32_t end2 = mNetwork.GetOrigin(2 * tree.edges[place] + 1);
+            mOpen.emplace_back(end1 == node ? end2 : end1, place);
+            ++count;
+        }
+    }
+    return count;
+}
+
+} // namespace qe::graph

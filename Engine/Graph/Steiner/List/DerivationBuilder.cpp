@@ -1,0 +1,200 @@
+#include "Engine/Graph/Steiner/List/DerivationBuilder.h"
+
+#include "Engine/Graph/Steiner/Network/Budget.h"
+
+#include <algorithm>
+#include <numeric>
+#include <tuple>
+
+namespace qe::graph {
+
+namespace {
+
+constexpr std::uint32_t None = 0xFFFFFFFF;
+
+} // namespace
+
+template <std::size_t Words>
+DerivationBuilder<Words>::DerivationBuilder(const SubsetProgramme<Words>& programme,
+                                            std::span<const StrandIndex> strands, Budget& budget)
+    : mProgramme(programme), mStrands(strands), mBudget(budget)
+{}
+
+template <std::size_t Words>
+typename DerivationBuilder<Words>::EOutcome DerivationBuilder<Words>::Build(DerivationGraph& graph)
+{
+    mItemOfLabel.assign(mProgramme.GetLabels().GetCount(), None);
+    const std::uint32_t whole =
+        Visit(mProgramme.FindSettled(mProgramme.GetRoot(), mProgramme.GetAll()));
+    if (!Collect())
+        return EOutcome::Exhausted;
+    std::vector<std::uint32_t> order(mItems.size());
+    std::iota(order.begin(), order.end(), 0U);
+    const auto getRank = [this](std::uint32_t item) {
+        const Label& label = mProgramme.GetLabels().Get(mItems[item].label);
+        return std::tuple(mProgramme.GetSet(label.set).GetSize(), label.weight, item);
+    };
+    std::sort(order.begin(), order.end(), [&](std::uint32_t left, std::uint32_t right) {
+        return getRank(left) < getRank(right);
+    });
+    for (const std::uint32_t item : order) {
+        if (mBudget.IsExhausted())
+            return EOutcome::Exhausted;
+        AddParts(mItems[item], graph);
+    }
+    mWhole = mItems[whole].part;
+    return EOutcome::Complete;
+}
+
+template <std::size_t Words>
+std::uint32_t DerivationBuilder<Words>::Visit(std::uint32_t label)
+{
+    if (mItemOfLabel[label] == None) {
+        mItemOfLabel[label] = static_cast<std::uint32_t>(mItems.size());
+        mItems.push_back({label, 0, 0, 0, 0, None, None});
+    }
+    return mItemOfLabel[label];
+}
+
+template <std::size_t Words>
+bool DerivationBuilder<Words>::Collect()
+{
+    std::size_t charged = 0;
+    for (std::size_t next = 0; next < mItems.size(); ++next) {
+        if (mBudget.IsExhausted())
+            return false;
+        Item item = mItems[next];
+        FindSteps(item);
+        FindJoins(item);
+        mItems[next] = item;
+        for (std::uint32_t step = 0; step < item.stepCount; ++step)
+            Visit(mSteps[item.firstStep + step].label);
+        for (std::uint32_t join = 0; join < item.joinCount; ++join) {
+            Visit(mJoins[item.firstJoin + join].branch);
+            Visit(mJoins[item.firstJoin + join].others);
+        }
+        // The graph to be filled takes about as much again.
+        const std::size_t bytes =
+            2 * (mItems.capacity() * sizeof(Item) + mSteps.capacity() * sizeof(Step) +
+                 mJoins.capacity() * sizeof(Join));
+        mBudget.Charge(bytes - charged);
+        charged = bytes;
+    }
+    return true;
+}
+
+/// Notes the edges by which the label's branch may begin.
+template <std::size_t Words>
+void DerivationBuilder<Words>::FindSteps(Item& item)
+{
+    const FlatNetwork& network = mProgramme.GetNetwork();
+    const Label& label = mProgramme.GetLabels().Get(item.label);
+    const Set& set = mProgramme.GetSet(label.set);
+    item.firstStep = static_cast<std::uint32_t>(mSteps.size());
+    for (const FlatNetwork::Arc& arc : network.GetArcs(label.node)) {
+        if (arc.weight > label.weight || arc.target == mProgramme.GetRoot())
+            continue;
+        if (network.IsTerminal(arc.target) && !set.Contains(mProgramme.GetBit(arc.target)))
+            continue;
+        const std::uint32_t below = mProgramme.FindSettled(arc.target, label.set);
+        if (below == LabelTable::None)
+            continue;
+        if (mProgramme.GetLabels().Get(below).weight + arc.weight == label.weight)
+            mSteps.push_back({arc.half / 2, below});
+    }
+    item.stepCount = static_cast<std::uint32_t>(mSteps.size()) - item.firstStep;
+}
+
+/// Notes the pairs of labels at the label's node that make it up.
+template <std::size_t Words>
+void DerivationBuilder<Words>::FindJoins(Item& item)
+{
+    const LabelTable& labels = mProgramme.GetLabels();
+    const Label& label = labels.Get(item.label);
+    if (label.node == mProgramme.GetRoot()) {
+        FindJoinsAtRoot(item);
+        return;
+    }
+    const Set& set = mProgramme.GetSet(label.set);
+    item.firstJoin = static_cast<std::uint32_t>(mJoins.size());
+    using Entry = typename NodeLabels<Words>::Entry;
+    mProgramme.GetSettled(label.node).ForEachPart(set, [&](const Entry& branch) {
+        if (branch.weight > label.weight)
+            return;
+        const std::uint32_t others = mProgramme.FindSettled(label.node, set.Without(branch.set));
+        if (others != LabelTable::None && labels.Get(others).weight + branch.weight == label.weight)
+            mJoins.push_back({branch.label, others});
+    });
+    item.joinCount = static_cast<std::uint32_t>(mJoins.size()) - item.firstJoin;
+}
+
+/// Does the same at the root, where branches are added in the order of their smallest terminals.
+template <std::size_t Words>
+void DerivationBuilder<Words>::FindJoinsAtRoot(Item& item)
+{
+    const LabelTable& labels = mProgramme.GetLabels();
+    const Label& label = labels.Get(item.label);
+    const Set& all = mProgramme.GetAll();
+    const Set& set = mProgramme.GetSet(label.set);
+    item.firstJoin = static_cast<std::uint32_t>(mJoins.size());
+    using Entry = typename NodeLabels<Words>::Entry;
+    const auto& settled = mProgramme.GetSettled(label.node);
+    settled.ForEachDisjoint(all.Without(set), all, [&](const Entry& branch) {
+        const Set others = set.Without(branch.set);
+        if (branch.weight > label.weight || !mProgramme.IsNextBranch(branch.set, others))
+            return;
+        const std::uint32_t rest = mProgramme.FindSettled(label.node, others);
+        if (rest != LabelTable::None && labels.Get(rest).weight + branch.weight == label.weight)
+            mJoins.push_back({branch.label, rest});
+    });
+    item.joinCount = static_cast<std::uint32_t>(mJoins.size()) - item.firstJoin;
+}
+
+template <std::size_t Words>
+void DerivationBuilder<Words>::AddParts(Item& item, DerivationGraph& graph) const
+{
+    const Label& label = mProgramme.GetLabels().Get(item.label);
+    item.branch = graph.AddPart();
+    if (label.weight == 0)
+        graph.AddEmpty();
+    for (std::uint32_t place = 0; place < item.stepCount; ++place) {
+        const Step& step = mSteps[item.firstStep + place];
+        graph.AddStep(mStrands[step.edge], mItems[mItemOfLabel[step.label]].part);
+    }
+    item.part = graph.AddPart();
+    graph.AddJoin(item.branch, DerivationGraph::None);
+    for (std::uint32_t place = 0; place < item.joinCount; ++place) {
+        const Join& join = mJoins[item.firstJoin + place];
+        graph.AddJoin(mItems[mItemOfLabel[join.branch]].branch,
+                      mItems[mItemOfLabel[join.others]].part);
+    }
+}
+
+template <std::size_t Words>
+void DerivationBuilder<Words>::AppendOneTree(std::vector<std::uint32_t>& edges)
+{
+    std::vector<std::uint32_t> open{
+        mProgramme.FindSettled(mProgramme.GetRoot(), mProgramme.GetAll())};
+    while (!open.empty()) {
+        Item item{open.back(), 0, 0, 0, 0, None, None};
+        open.pop_back();
+        if (mProgramme.GetLabels().Get(item.label).weight == 0)
+            continue;
+        FindSteps(item);
+        if (item.stepCount > 0) {
+            edges.push_back(mSteps[item.firstStep].edge);
+            open.push_back(mSteps[item.firstStep].label);
+            continue;
+        }
+        FindJoins(item);
+        open.push_back(mJoins[item.firstJoin].branch);
+        open.push_back(mJoins[item.firstJoin].others);
+    }
+}
+
+template class DerivationBuilder<1>;
+template class DerivationBuilder<2>;
+template class DerivationBuilder<4>;
+template class DerivationBuilder<8>;
+
+} // namespace qe::graph

@@ -1,0 +1,43 @@
+#ifndef ENGINE_GRAPH_STEINER_NETWORK_SETTABLE_H
+#define ENGINE_GRAPH_STEINER_NETWORK_SETTABLE_H
+
+#include "Engine/Graph/Steiner/Network/TerminalSet.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace qe::graph {
+
+/// Numbers sets of terminals in the order in which they come up.
+template <std::size_t Words>
+class SetTable
+{
+public:
+    using Set = TerminalSet<Words>;
+    static constexpr std::uint32_t None = 0xFFFFFFFF;
+
+    SetTable();
+
+    /// Answers the number of the set, a new one when it has none.
+    std::uint32_t Intern(const Set& set);
+    /// Answers the number of the set, or None.
+    [[nodiscard]] std::uint32_t Find(const Set& set) const { return mSlots[FindSlot(set)]; }
+
+    [[nodiscard]] const Set& Get(std::uint32_t number) const { return mSets[number]; }
+    [[nodiscard]] std::uint32_t GetCount() const
+    {
+        return static_cast<std::uint32_t>(mSets.size());
+    }
+
+private:
+    [[nodiscard]] std::size_t FindSlot(const Set& set) const;
+    void Grow();
+
+    std::vector<Set> mSets;
+    std::vector<std::uint32_t> mSlots;
+};
+
+} // namespace qe::graph
+
+#endif

@@ -1,0 +1,164 @@
+#include "Engine/Graph/Steiner/Network/ZeroGroups.h"
+
+#include "Engine/Graph/Core/DisjointSets.h"
+#include "Engine/Graph/Steiner/Network/Budget.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace qe::graph {
+
+ZeroGroups::ZeroGroups(const GraphView& graph, std::span<const NodeIndex> terminals)
+    : mGraph(graph), mTerminals(terminals)
+{
+    const auto isInside = [](const Edge& edge) {
+        return edge.weight == 0 && edge.end1 != edge.end2;
+    };
+    const std::span<const Edge> edges = graph.GetEdges();
+    if (std::none_of(edges.begin(), edges.end(), isInside))
+        return;
+    DisjointSets groups(graph.GetNodeCount());
+    for (const Edge& edge : edges) {
+        if (isInside(edge))
+            groups.Unite(edge.end1.value, edge.end2.value);
+    }
+    // Ascending order meets the smallest node of each group first.
+    std::vector<std::uint32_t> smallest(graph.GetNodeCount(), graph.GetNodeCount());
+    for (std::uint32_t node = 0; node < graph.GetNodeCount(); ++node) {
+        std::uint32_t& first = smallest[groups.Find(node)];
+        first = std::min(first, node);
+        mGroups.push_back(first);
+    }
+}
+
+ZeroGroups::EStep ZeroGroups::ForEachTree(std::span<const EdgeIndex> outer, Budget& budget,
+                                          const TreeTaker& take)
+{
+    FindWanted(outer);
+    // No step leads into a dead end, so the first tree always comes soon.
+    bool isTaken = false;
+    const auto takeTree = [&] {
+        std::vector<EdgeIndex> tree(outer.begin(), outer.end());
+        tree.insert(tree.end(), mEdges.begin(), mEdges.end());
+        std::sort(tree.begin(), tree.end());
+        isTaken = true;
+        return take(tree);
+    };
+    if (!BeginPath(0))
+        return takeTree();
+    while (!mFrames.empty()) {
+        if (isTaken && budget.IsExhausted())
+            return EStep::Stop;
+        if (!Advance())
+            continue;
+        if (takeTree() == EStep::Stop)
+            return EStep::Stop;
+        MarkPath(EMark::OnPath);
+        mEdges.pop_back();
+    }
+    return EStep::Continue;
+}
+
+/// Collects what the trees inside the groups must touch, group by group, and starts each of them.
+void ZeroGroups::FindWanted(std::span<const EdgeIndex> outer)
+{
+    mWanted.clear();
+    for (const NodeIndex terminal : mTerminals)
+        mWanted.push_back(terminal.value);
+    for (const EdgeIndex edge : outer) {
+        mWanted.push_back(mGraph.GetEdge(edge).end1.value);
+        mWanted.push_back(mGraph.GetEdge(edge).end2.value);
+    }
+    std::sort(mWanted.begin(), mWanted.end(), [this](std::uint32_t left, std::uint32_t right) {
+        return std::tie(mGroups[left], left) < std::tie(mGroups[right], right);
+    });
+    mMarks.assign(mGraph.GetNodeCount(), EMark::Free);
+    mSeenStamps.resize(mGraph.GetNodeCount());
+    for (std::size_t place = 0; place < mWanted.size(); ++place) {
+        if (place == 0 || mGroups[mWanted[place]] != mGroups[mWanted[place - 1]])
+            mMarks[mWanted[place]] = EMark::InTree;
+    }
+    mFrames.clear();
+    mEdges.clear();
+}
+
+/// Begins a path at the next wanted node that is not in the tree; says false when all are.
+bool ZeroGroups::BeginPath(std::size_t wanted)
+{
+    while (wanted < mWanted.size() && mMarks[mWanted[wanted]] == EMark::InTree)
+        ++wanted;
+    if (wanted == mWanted.size())
+        return false;
+    mMarks[mWanted[wanted]] = EMark::OnPath;
+    mFrames.push_back({mWanted[wanted], 0, mFrames.size(), wanted});
+    return true;
+}
+
+/// Takes one step of the search; says true when that completes a tree.
+bool ZeroGroups::Advance()
+{
+    Frame& frame = mFrames.back();
+    const std::span<const Arc> arcs = mGraph.GetArcs({frame.node});
+    if (frame.nextArc == arcs.size()) {
+        Retreat();
+        return false;
+    }
+    const Arc arc = arcs[frame.nextArc++];
+    const std::uint32_t target = arc.target.value;
+    if (!IsInside(arc) || mMarks[target] == EMark::OnPath)
+        return false;
+    if (mMarks[target] == EMark::InTree) {
+        mEdges.push_back(arc.edge);
+        MarkPath(EMark::InTree);
+        return !BeginPath(mFrames.back().wanted + 1);
+    }
+    if (CanReachTree(target)) {
+        mEdges.push_back(arc.edge);
+        mMarks[target] = EMark::OnPath;
+        const Frame next{target, 0, frame.pathStart, frame.wanted};
+        mFrames.push_back(next);
+    }
+    return false;
+}
+
+/// Leaves the last node; when its path began there, reopens the path before it.
+void ZeroGroups::Retreat()
+{
+    const Frame left = mFrames.back();
+    mMarks[left.node] = EMark::Free;
+    mFrames.pop_back();
+    if (mFrames.size() == left.pathStart && !mFrames.empty())
+        MarkPath(EMark::OnPath);
+    if (!mEdges.empty())
+        mEdges.pop_back();
+}
+
+void ZeroGroups::MarkPath(EMark mark)
+{
+    for (std::size_t place = mFrames.back().pathStart; place < mFrames.size(); ++place)
+        mMarks[mFrames[place].node] = mark;
+}
+
+bool ZeroGroups::CanReachTree(std::uint32_t node)
+{
+    ++mSeenStamp;
+    mSeen.assign(1, node);
+    mSeenStamps[node] = mSeenStamp;
+    while (!mSeen.empty()) {
+        const std::uint32_t current = mSeen.back();
+        mSeen.pop_back();
+        for (const Arc& arc : mGraph.GetArcs({current})) {
+            const std::uint32_t target = arc.target.value;
+            if (!IsInside(arc) || mMarks[target] == EMark::OnPath ||
+                mSeenStamps[target] == mSeenStamp)
+                continue;
+            if (mMarks[target] == EMark::InTree)
+                return true;
+            mSeenStamps[target] = mSeenStamp;
+            mSeen.push_back(target);
+        }
+    }
+    return false;
+}
+
+} // namespace qe::graph

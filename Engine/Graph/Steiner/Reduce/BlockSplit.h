@@ -1,0 +1,20 @@
+#ifndef ENGINE_GRAPH_STEINER_REDUCE_BLOCKSPLIT_H
+#define ENGINE_GRAPH_STEINER_REDUCE_BLOCKSPLIT_H
+
+#include "Engine/Graph/Steiner/Network/Network.h"
+
+#include <vector>
+
+namespace qe::graph {
+
+/// Splits a network into its biconnected blocks, with cut nodes between terminals as terminals.
+///
+/// Each lightest tree of the network is one lightest tree of every block, in any combination.
+/// Blocks without a terminal beyond their cut node are dropped. The blocks come with nodes
+/// numbered anew in ascending order and without fixed strands, in a fixed order. Hopcroft and
+/// Tarjan (1973), linear time.
+[[nodiscard]] std::vector<Network> SplitIntoBlocks(const Network& network);
+
+} // namespace qe::graph
+
+#endif

@@ -1,0 +1,42 @@
+#include "Engine/Graph/Steiner/Reduce/DearEdgeReduction.h"
+
+#include "Engine/Graph/Steiner/Network/Network.h"
+#include "Engine/Graph/Steiner/Reduce/NearDistances.h"
+#include "Engine/Graph/Steiner/Reduce/SpecialDistances.h"
+
+#include <algorithm>
+
+namespace qe::graph {
+
+std::size_t RemoveDearEdges(Network& network, const SpecialDistances& distances)
+{
+    NearDistances near(network);
+    const std::uint32_t edgesBefore = network.GetEdgeCount();
+    for (std::uint32_t node = 0; node < network.GetNodeLimit(); ++node) {
+        std::uint64_t heaviest = 0;
+        for (std::uint32_t half = network.GetFirst(node); half != Network::None;) {
+            const std::uint32_t edge = half / 2;
+            const std::uint32_t target = network.GetTarget(half);
+            half = network.GetNext(half);
+            if (target < node)
+                continue;
+            if (distances.GetBound(node, target) < network.GetWeight(edge))
+                network.RemoveEdge(edge);
+            else
+                heaviest = std::max(heaviest, network.GetWeight(edge));
+        }
+        if (heaviest < 2)
+            continue;
+        near.Run(node, heaviest - 1);
+        for (std::uint32_t half = network.GetFirst(node); half != Network::None;) {
+            const std::uint32_t edge = half / 2;
+            const std::uint32_t target = network.GetTarget(half);
+            half = network.GetNext(half);
+            if (target > node && near.Get(target) < network.GetWeight(edge))
+                network.RemoveEdge(edge);
+        }
+    }
+    return edgesBefore - network.GetEdgeCount();
+}
+
+} // namespace qe::graph

@@ -1,0 +1,75 @@
+#include "Engine/Services/MessageCatalogue.h"
+
+#include <algorithm>
+#include <array>
+
+namespace qe {
+namespace {
+
+struct CatalogueEntry
+{
+    std::uint32_t number;
+    std::string_view text;
+};
+
+constexpr std::array<CatalogueEntry, 10> catalogue{{
+    {0xA9E09D1F, "The one-to-many joins of the query form a cycle, so that facts and dimensions "
+                 "cannot be told apart."},
+    {0xA9E12896, "A many-to-many join cannot tell facts from dimensions."},
+    {0xA9E143D7, "Query subject shortcuts"},
+    {0xA9E29A41, "The query subjects are not all joined, so the query contains a cross product. "
+                 "User classes: {1}"},
+    {0xA9E5E001, "The expression has a syntax error at {1}: expected {2}, found {3}. It was read "
+                 "for: {4}"},
+    {0xA9E60195, "Joins between shortcuts and the query subjects they stand for"},
+    {0xA9E9BA5B, "The cardinality at the right end of a join is neither one nor many."},
+    {0xA9EBF43B, "The cardinality at the left end of a join is neither one nor many."},
+    {0xA9EC593C, "The path selector chose none of the join paths that it was given."},
+    {0xA9EE8A4D, "The query subjects {1} cannot be joined, and cross products are not allowed. "
+                 "User classes: {2}"},
+}};
+
+constexpr bool IsSorted()
+{
+    for (std::size_t i = 1; i < catalogue.size(); ++i) {
+        if (catalogue[i - 1].number >= catalogue[i].number)
+            return false;
+    }
+    return true;
+}
+static_assert(IsSorted(), "FindMessageText searches the catalogue by halving");
+
+} // namespace
+
+std::string_view FindMessageText(std::uint32_t number) noexcept
+{
+    const auto* const found = std::lower_bound(
+        catalogue.begin(), catalogue.end(), number,
+        [](const CatalogueEntry& entry, std::uint32_t wanted) { return entry.number < wanted; });
+    if (found == catalogue.end() || found->number != number)
+        return {};
+    return found->text;
+}
+
+std::string FillPlaceholders(std::string_view pattern,
+                             const std::vector<ORVMessageParm>& parameters)
+{
+    std::string text;
+    std::size_t position = 0;
+    while (position < pattern.size()) {
+        if (pattern[position] == '{' && position + 2 < pattern.size() &&
+            pattern[position + 2] == '}' && pattern[position + 1] >= '1' &&
+            pattern[position + 1] <= '9') {
+            const auto index = static_cast<std::size_t>(pattern[position + 1] - '1');
+            if (index < parameters.size()) {
+                text += parameters[index].GetText().View();
+                position += 3;
+                continue;
+            }
+        }
+        text += pattern[position++];
+    }
+    return text;
+}
+
+} // namespace qe

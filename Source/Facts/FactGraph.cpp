@@ -1,0 +1,141 @@
+#include "Facts/FactGraph.h"
+
+#include "Joins/RaiseFailure.h"
+
+#include <algorithm>
+#include <set>
+
+namespace qe {
+namespace {
+
+template <typename T>
+bool Contains(const std::vector<T>& values, const T& value)
+{
+    return std::find(values.begin(), values.end(), value) != values.end();
+}
+
+template <typename T>
+void AppendOnce(std::vector<T>& values, const T& value)
+{
+    if (!Contains(values, value))
+        values.push_back(value);
+}
+
+/// Tells whether a node above `node` holds `id`. Each node is walked once: merged nodes may be
+/// their own parents, and a walk along every path would take exponential time in a lattice of
+/// dimensions.
+bool IsHeldAbove(const FactNode& node, const amd_id& id)
+{
+    std::set<const FactNode*> visited(node.mParents.begin(), node.mParents.end());
+    std::vector<const FactNode*> pending(visited.begin(), visited.end());
+    while (!pending.empty()) {
+        const FactNode* const above = pending.back();
+        pending.pop_back();
+        if (Contains(above->mIds, id))
+            return true;
+        for (const FactNode* const parent : above->mParents) {
+            if (visited.insert(parent).second)
+                pending.push_back(parent);
+        }
+    }
+    return false;
+}
+
+void CheckForCycle(const amd_id& id, const FactNode& node)
+{
+    if (IsHeldAbove(node, id))
+        RaiseFailure({.severity = 1,
+                      .code = -1,
+                      .messageNumber = 0xA9E09D1F,
+                      .parameters = {},
+                      .sourcePath = "Source/QEFactFinder",
+                      .sourceLine = 316});
+}
+
+} // namespace
+
+void FactGraph::AddOneToManyJoin(const amd_id& one, const amd_id& many)
+{
+    FactNode* manyNode = Find(many);
+    const bool manyIsNew = manyNode == nullptr;
+    if (manyIsNew)
+        manyNode = &MakeNode(many);
+    FactNode* oneNode = Find(one);
+    if (oneNode == nullptr)
+        oneNode = &MakeNode(one);
+
+    oneNode->mParents.insert(manyNode);
+    if (Contains(manyNode->mChildren, oneNode))
+        return;
+    manyNode->mChildren.push_back(oneNode);
+    RemoveRoot(*oneNode);
+    if (manyIsNew)
+        mRoots.push_back(manyNode);
+    CheckForCycle(many, *manyNode);
+    CheckForCycle(one, *oneNode);
+}
+
+void FactGraph::AddOneToOneJoin(const amd_id& a, const amd_id& b)
+{
+    FactNode* const nodeOfA = Find(a);
+    FactNode* const nodeOfB = Find(b);
+    if (nodeOfA == nullptr && nodeOfB == nullptr) {
+        FactNode& node = MakeNode(a);
+        node.mIds.push_back(b);
+        mNodeById[b] = &node;
+        mRoots.push_back(&node);
+    } else if (nodeOfB == nullptr) {
+        nodeOfA->mIds.push_back(b);
+        mNodeById[b] = nodeOfA;
+    } else if (nodeOfA == nullptr) {
+        nodeOfB->mIds.push_back(a);
+        mNodeById[a] = nodeOfB;
+    } else if (nodeOfA == nodeOfB) {
+        return;
+    } else if (nodeOfA->mParents.empty() && !nodeOfB->mParents.empty()) {
+        MergeNodes(*nodeOfA, *nodeOfB, a);
+    } else {
+        MergeNodes(*nodeOfB, *nodeOfA, b);
+    }
+}
+
+FactNode* FactGraph::Find(const amd_id& id) const
+{
+    const auto found = mNodeById.find(id);
+    return found == mNodeById.end() ? nullptr : found->second;
+}
+
+FactNode& FactGraph::MakeNode(const amd_id& id)
+{
+    FactNode& node = *mNodes.emplace_back(std::make_unique<FactNode>(id));
+    mNodeById[id] = &node;
+    return node;
+}
+
+void FactGraph::MergeNodes(FactNode& from, FactNode& into, const amd_id& id)
+{
+    // The parents keep listing `from`: their dimensions stay those of the time before the merge.
+    into.mParents.insert(from.mParents.begin(), from.mParents.end());
+    AppendOnce(into.mIds, id);
+    for (const amd_id& fromId : from.mIds)
+        AppendOnce(into.mIds, fromId);
+    for (FactNode* const child : from.mChildren) {
+        AppendOnce(into.mChildren, child);
+        child->mParents.erase(&from);
+        child->mParents.insert(&into);
+    }
+    for (auto& [key, node] : mNodeById) {
+        if (node == &from)
+            node = &into;
+    }
+    RemoveRoot(from);
+}
+
+void FactGraph::RemoveRoot(const FactNode& node)
+{
+    const auto found = std::find(mRoots.begin(), mRoots.end(), &node);
+    if (found != mRoots.end())
+        mRoots.erase(found);
+}
+
+} // namespace qe

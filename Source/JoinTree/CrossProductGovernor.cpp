@@ -1,0 +1,117 @@
+#include "JoinTree/CrossProductGovernor.h"
+
+#include "AQE_Governors.h"
+#include "AQE_I_Authentication.h"
+#include "AQE_Nag.h"
+#include "AQE_RequestContext.h"
+#include "AUT_I_UserConfiguration.h"
+#include "HBNMessage.h"
+#include "Joins/RaiseFailure.h"
+#include "QERes.h"
+#include "amdi_gateway.h"
+#include "amdi_object.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace qe {
+
+namespace {
+
+constexpr std::int32_t kNoCheck = 0;
+constexpr std::int32_t kWarn = 1;
+constexpr std::int32_t kDeny = 2;
+
+constexpr int kHarmlessCommandType = 3;
+constexpr long kSeparatorText = 29;
+constexpr std::uint32_t kWarningNumber = 0xA9E29A41;
+constexpr std::uint32_t kErrorNumber = 0xA9EE8A4D;
+constexpr int kCheapestTreesLine = 547;
+
+bool IsCheapestTreesCheckOff()
+{
+    const auto configuration = AUT_I_UserConfiguration::Create(RootKeyUser);
+    return configuration->GetInt("QueryEngine", "DoNotApplyCrossProductGovernor", 0) != 0;
+}
+
+} // namespace
+
+CrossProductGovernor::CrossProductGovernor(amdi_gateway* gateway, const AQE_Governors* governors,
+                                           AQE_RequestContext* requestContext)
+    : mGateway(gateway), mGovernors(governors), mRequestContext(requestContext)
+{}
+
+void CrossProductGovernor::CheckCrossProduct(const NamesText& names, int sourceLine) const
+{
+    if (mGovernors == nullptr || mGovernors->crossProductAllowed == kNoCheck)
+        return;
+    if (mGovernors->crossProductAllowed == kWarn)
+        Warn();
+    else if (mGovernors->crossProductAllowed == kDeny)
+        RaiseUnlessHarmless(names, sourceLine);
+}
+
+void CrossProductGovernor::CheckCheapestTrees(const std::vector<amd_id>& subjects) const
+{
+    if (IsCheapestTreesCheckOff() || mGovernors == nullptr)
+        return;
+    if (mGovernors->crossProductAllowed == kDeny)
+        RaiseUnlessHarmless([&] { return JoinSubjectNames(subjects); }, kCheapestTreesLine);
+    else
+        Warn();
+}
+
+I18NString CrossProductGovernor::GetPairNames(const amd_id& first, const amd_id& second) const
+{
+    const auto getName = [this](const amd_id& id) {
+        const amdi_object* const object = FindObject(id);
+        return object == nullptr ? I18NString() : object->GetName();
+    };
+    return getName(first) + QERes::getString(kSeparatorText) + getName(second);
+}
+
+I18NString CrossProductGovernor::JoinSubjectNames(const std::vector<amd_id>& subjects) const
+{
+    I18NString names;
+    for (std::size_t position = 0; position < subjects.size(); ++position) {
+        const amdi_object* const object = FindObject(subjects[position]);
+        if (object == nullptr)
+            continue;
+        if (position > 0)
+            names += QERes::getString(kSeparatorText);
+        I18NString displayName;
+        object->GetDisplayName(displayName);
+        names += displayName;
+    }
+    return names;
+}
+
+const amdi_object* CrossProductGovernor::FindObject(const amd_id& id) const
+{
+    return mGateway == nullptr ? nullptr : mGateway->GetObject(id);
+}
+
+void CrossProductGovernor::Warn() const
+{
+    HBNMessage message(kWarningNumber);
+    message.AddParameter(ORVMessageParm(GetUserClasses()));
+    AQE_Nag::CreateMessage(mRequestContext, QF_Message_V3::SeverityWarning,
+                           QF_Message_V3::TypeGovernor, message);
+}
+
+void CrossProductGovernor::RaiseUnlessHarmless(const NamesText& names, int sourceLine) const
+{
+    if (mRequestContext != nullptr &&
+        static_cast<int>(mRequestContext->GetCommandType()) == kHarmlessCommandType)
+        return;
+    RaiseFailure(
+        {1, 101, kErrorNumber, {names(), GetUserClasses()}, "Source/QEJoinTree", sourceLine});
+}
+
+I18NString CrossProductGovernor::GetUserClasses() const
+{
+    return AQE_GetUserClassesString(
+        mRequestContext == nullptr ? nullptr : mRequestContext->GetAuthentication());
+}
+
+} // namespace qe

@@ -1,0 +1,57 @@
+#ifndef SOURCE_JOINTREE_JOINTREELOG_H
+#define SOURCE_JOINTREE_JOINTREELOG_H
+
+#include "AQE_LogFile.h"
+#include "I18NString.h"
+#include "JoinTree/JoinDistance.h"
+#include "Joins/JoinEndsReader.h"
+#include "amd_id.h"
+
+#include <cstddef>
+#include <list>
+#include <string_view>
+#include <vector>
+
+class amdi_gateway;
+
+template <typename T>
+class AUT_RefPtr;
+
+namespace qe {
+
+/// Writes how a join tree grows to the log, at level 7. Nothing is composed, and the gateway is
+/// not asked for names, when that level is off.
+class JoinTreeLog
+{
+public:
+    using Ids = std::vector<amd_id>;
+    using PendingDistances = std::list<AUT_RefPtr<JoinDistance>>;
+
+    JoinTreeLog(amdi_gateway* gateway, const JoinEndsReader& endsReader);
+
+    void LogEntities(const Ids& entities);
+    /// Writes a shortest path between two entities, or that there is none (a negative weight).
+    void LogPath(const Ids& path, int weight);
+    void LogAdded(const JoinDistance& distance);
+    void LogDistanceCount(std::size_t count);
+    /// Writes which distance is merged next; null when none is left.
+    void LogProcessing(const JoinDistance* distance);
+    void LogRemaining(const PendingDistances& pending);
+    void LogLibraryTree(std::size_t nodeCount, std::size_t edgeCount);
+    void LogClosingAt(const amd_id& entity, std::size_t joinCount);
+    void LogClosingJoin(const JoinEnds& ends);
+
+private:
+    [[nodiscard]] bool IsOn() const;
+    void Write(std::string_view text);
+    [[nodiscard]] I18NString GetName(const amd_id& id) const;
+    [[nodiscard]] I18NString GetEndName(const amd_id& id) const;
+
+    amdi_gateway* mGateway;
+    const JoinEndsReader& mEndsReader;
+    AQE_LogFile mFile;
+};
+
+} // namespace qe
+
+#endif

@@ -1,0 +1,169 @@
+#include "Joins/JoinReader.h"
+
+#include "AQE_I_QuerySpecJoin.h"
+#include "AQE_ToRelationshipJoinCardinalityValue.h"
+#include "Joins/ConditionRewriter.h"
+#include "Joins/TypedLookup.h"
+#include "amdi_relationship.h"
+#include "amdi_relationshipShortcut.h"
+
+#include <utility>
+
+namespace qe {
+
+namespace {
+
+using CardinalityRange = BMT_I_Association::CardinalityRange;
+using QEjoinInfo = AQE_I_Refiner::QEjoinInfo;
+
+amd_id Resolve(amdi_gateway* gateway, const amd_id& id)
+{
+    return AQE_I_Refiner::GetRefQuerySubject(gateway, id, nullptr, nullptr);
+}
+
+CardinalityRange ConvertSpecCardinality(const AQE_I_QuerySpecJoin::CardinalityRange& range)
+{
+    return {AQE_ToRelationshipJoinCardinalityValue(range.minimum),
+            AQE_ToRelationshipJoinCardinalityValue(range.maximum)};
+}
+
+std::int32_t ConvertRelationship136Cardinality(std::int32_t value)
+{
+    constexpr std::int32_t kKeptAsItIs = 1;
+    switch (value) {
+    case kKeptAsItIs:
+    case BMT_I_Association::CardinalityZero:
+    case BMT_I_Association::CardinalityOne:
+    case BMT_I_Association::CardinalityMany:
+        return value;
+    default:
+        return BMT_I_Association::CardinalityUnknown;
+    }
+}
+
+CardinalityRange ConvertRelationship136Cardinality(const CardinalityRange& range)
+{
+    return {ConvertRelationship136Cardinality(range.minimum),
+            ConvertRelationship136Cardinality(range.maximum)};
+}
+
+bool ReadSpecJoin(amdi_gateway* gateway, const amd_id& joinId, QEjoinInfo& info)
+{
+    const auto* const join = LookUp<AQE_I_QuerySpecJoin>(gateway, joinId, IdClassSpecJoin);
+    if (join == nullptr)
+        return false;
+    info.joinId = joinId;
+    info.leftQuerySubject = join->GetLeftId();
+    info.rightQuerySubject = join->GetRightId();
+    info.weight = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeJoin);
+    info.leftCardinality = ConvertSpecCardinality(join->GetLeftCardinality());
+    info.rightCardinality = ConvertSpecCardinality(join->GetRightCardinality());
+    info.name = join->GetName();
+    info.expression = join->GetExpressionText();
+    return true;
+}
+
+/// Reads a relationship of either kind; the cardinalities come as the object gives them.
+bool ReadRelationship(amdi_gateway* gateway, const amd_id& joinId, IdClass kind,
+                      AQE_I_Refiner::EEdgeType edgeType, QEjoinInfo& info)
+{
+    const auto* const relationship = LookUp<amdi_relationship>(gateway, joinId, kind);
+    if (relationship == nullptr)
+        return false;
+    info.joinId = joinId;
+    info.leftQuerySubject = relationship->GetLeftId();
+    info.rightQuerySubject = relationship->GetRightId();
+    info.weight = AQE_I_Refiner::GetEdgeWeightForType(edgeType);
+    info.leftCardinality = relationship->GetLeftCardinality();
+    info.rightCardinality = relationship->GetRightCardinality();
+    if (kind == IdClassRelationship136) {
+        info.leftCardinality = ConvertRelationship136Cardinality(info.leftCardinality);
+        info.rightCardinality = ConvertRelationship136Cardinality(info.rightCardinality);
+    }
+    info.name = relationship->GetName();
+    const amd_id left = Resolve(gateway, info.leftQuerySubject);
+    const amd_id right = Resolve(gateway, info.rightQuerySubject);
+    if (!left.IsValid() || !right.IsValid())
+        return false;
+    info.expression = relationship->GetExpressionText();
+    return true;
+}
+
+/// Follows a chain of relationship shortcuts to its relationship. The chain must end: no record
+/// of what was passed is kept.
+const amdi_relationship* FindReferencedRelationship(amdi_gateway* gateway, const amd_id& joinId)
+{
+    amd_id current = joinId;
+    while (current.classCode == IdClassRelationshipShortcut) {
+        const auto* const shortcut =
+            LookUp<amdi_relationshipShortcut>(gateway, current, IdClassRelationshipShortcut);
+        if (shortcut == nullptr)
+            return nullptr;
+        current = shortcut->GetReferencedId();
+    }
+    return LookUp<amdi_relationship>(gateway, current, IdClassRelationship);
+}
+
+/// Tells whether the shortcut names its ends the other way round than the relationship does. The
+/// ends of a self-join cannot be told apart and stay.
+bool AreEndsReversed(amdi_gateway* gateway, const amd_id& relationshipLeft,
+                     const amd_id& relationshipRight, const QEjoinInfo& shortcutEnds)
+{
+    const amd_id left = Resolve(gateway, relationshipLeft);
+    const amd_id right = Resolve(gateway, relationshipRight);
+    if (left == right)
+        return false;
+    return Resolve(gateway, shortcutEnds.leftQuerySubject) == right &&
+           Resolve(gateway, shortcutEnds.rightQuerySubject) == left;
+}
+
+bool ReadRelationshipShortcut(amdi_gateway* gateway, const amd_id& joinId, QEjoinInfo& info)
+{
+    const auto* const shortcut =
+        LookUp<amdi_relationshipShortcut>(gateway, joinId, IdClassRelationshipShortcut);
+    if (shortcut == nullptr)
+        return false;
+    const amdi_relationship* const relationship = FindReferencedRelationship(gateway, joinId);
+    if (relationship == nullptr)
+        return false;
+
+    const amd_id relationshipLeft = relationship->GetLeftId();
+    const amd_id relationshipRight = relationship->GetRightId();
+    info.leftQuerySubject = shortcut->GetLeftId();
+    info.rightQuerySubject = shortcut->GetRightId();
+    if (AreEndsReversed(gateway, relationshipLeft, relationshipRight, info))
+        std::swap(info.leftQuerySubject, info.rightQuerySubject);
+    info.joinId = joinId;
+    info.weight = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeJoin);
+    info.name = shortcut->GetName();
+    info.expression = relationship->GetExpressionText();
+    // The ends now stand as the relationship has them, and so do its cardinalities.
+    info.leftCardinality = relationship->GetLeftCardinality();
+    info.rightCardinality = relationship->GetRightCardinality();
+    const EndReplacement ends{relationshipLeft, info.leftQuerySubject, relationshipRight,
+                              info.rightQuerySubject};
+    info.expression = ReplaceEndReferences(*gateway, ends, info.expression);
+    return true;
+}
+
+} // namespace
+
+bool ReadJoin(amdi_gateway* gateway, const amd_id& joinId, QEjoinInfo& info)
+{
+    switch (joinId.classCode) {
+    case IdClassSpecJoin:
+        return ReadSpecJoin(gateway, joinId, info);
+    case IdClassRelationship:
+        return ReadRelationship(gateway, joinId, IdClassRelationship, AQE_I_Refiner::EdgeTypeJoin,
+                                info);
+    case IdClassRelationshipShortcut:
+        return ReadRelationshipShortcut(gateway, joinId, info);
+    case IdClassRelationship136:
+        return ReadRelationship(gateway, joinId, IdClassRelationship136,
+                                AQE_I_Refiner::EdgeTypeRelationship136, info);
+    default:
+        return false;
+    }
+}
+
+} // namespace qe

@@ -1,0 +1,136 @@
+#include "Engine/Graph/Steiner/BlockSearch.h"
+#include "Engine/Graph/Steiner/Bound/CutExchange.h"
+#include "Engine/Graph/Steiner/Network/Budget.h"
+#include "Engine/Graph/Steiner/Network/NetworkBuilder.h"
+#include "Tests/Support/SteinerGraphReader.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <random>
+#include <set>
+
+namespace qe::graph {
+
+namespace {
+
+using Outcome = BlockSearch::Outcome;
+
+/// Draws a grid whose weights are small: many trees are equal, and ascents fall short of them.
+SteinerGraph DrawGrid(std::mt19937& random, std::uint32_t side, std::uint32_t terminalCount)
+{
+    SteinerGraph graph;
+    const auto draw = [&] { return static_cast<std::uint32_t>(5 + random() % 5); };
+    const std::uint32_t nodeCount = side * side;
+    for (std::uint32_t node = 0; node < nodeCount; ++node) {
+        if (node % side != 0)
+            graph.edges.push_back({{node - 1}, {node}, draw()});
+        if (node >= side)
+            graph.edges.push_back({{node - side}, {node}, draw()});
+    }
+    std::set<std::uint32_t> terminals;
+    while (terminals.size() < terminalCount)
+        terminals.insert(static_cast<std::uint32_t>(random() % nodeCount));
+    for (const std::uint32_t terminal : terminals)
+        graph.terminals.push_back({terminal});
+    graph.Freeze(nodeCount);
+    return graph;
+}
+
+/// Checks that cuts are what they say, and adds up what they charge.
+class CutChecker : public CutObserver
+{
+public:
+    CutChecker(const FlatNetwork& network, std::uint32_t root)
+        : charged(network.GetHalfCount()), mNetwork(network), mRoot(root)
+    {}
+
+    void Raise(std::span<const std::uint32_t> nodes, std::span<const std::uint32_t> /*entering*/,
+               std::uint64_t price) override
+    {
+        const std::set<std::uint32_t> set(nodes.begin(), nodes.end());
+        EXPECT_EQ(set.count(mRoot), 0U);
+        EXPECT_TRUE(std::any_of(set.begin(), set.end(),
+                                [this](std::uint32_t node) { return mNetwork.IsTerminal(node); }));
+        sum += price;
+        for (const std::uint32_t node : set) {
+            for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
+                if (set.count(arc.target) == 0)
+                    charged[arc.half ^ 1U] += price;
+            }
+        }
+    }
+
+    std::uint64_t sum = 0;
+    std::vector<std::uint64_t> charged;
+
+private:
+    const FlatNetwork& mNetwork;
+    std::uint32_t mRoot;
+};
+
+class SteinerBlock : public testing::Test
+{
+protected:
+    std::mt19937 mRandom{20251123};
+    Budget mBudget{std::chrono::minutes(10), std::size_t{1} << 30};
+};
+
+TEST_F(SteinerBlock, ExchangedCutsAddUpAndProveMoreThanTheAscentButNeverTooMuch)
+{
+    std::uint64_t gained = 0;
+    for (int round = 0; round < 20 && !HasFailure(); ++round) {
+        const SteinerGraph graph = DrawGrid(mRandom, 12, 20);
+        StrandPool strands;
+        const Network network = *BuildNetwork(graph.View(), graph.terminals, {}, strands);
+        const FlatNetwork flat(network);
+        const std::uint32_t root = flat.GetTerminals()[mRandom() % flat.GetTerminals().size()];
+        const std::uint64_t optimum = FindCheapestTrees(graph.View(), graph.terminals, {}).weight;
+        CutExchange exchange(flat, root, {}, mBudget);
+        const std::uint64_t atFirst = exchange.GetAscent().GetBound();
+        exchange.Improve(optimum, 300'000);
+        gained += exchange.GetAscent().GetBound() - atFirst;
+        EXPECT_LE(exchange.GetAscent().GetBound(), optimum);
+
+        CutChecker checker(flat, root);
+        exchange.Report(checker);
+        EXPECT_EQ(checker.sum, exchange.GetAscent().GetBound());
+        for (std::uint32_t half = 0; half < flat.GetHalfCount(); ++half)
+            EXPECT_EQ(exchange.GetAscent().GetReduced(half) + checker.charged[half],
+                      flat.GetWeight(half / 2));
+    }
+    EXPECT_GT(gained, 20U);
+}
+
+TEST_F(SteinerBlock, HasTheSameTreesHoweverMuchEffortFindsThem)
+{
+    for (int round = 0; round < 12 && !HasFailure(); ++round) {
+        const SteinerGraph graph = DrawGrid(mRandom, 7, 10);
+        StrandPool strands;
+        const Network network = *BuildNetwork(graph.View(), graph.terminals, {}, strands);
+        const auto search = [&](auto find) {
+            Network block = network;
+            TreeFamily family(strands);
+            BlockSearch blockSearch(block, 1'000'000, mBudget);
+            blockSearch.ShedFast(0);
+            const std::optional<Outcome> outcome = find(blockSearch, family);
+            EXPECT_TRUE(outcome && outcome->weight == outcome->lowerBound);
+            std::set<std::vector<EdgeIndex>> trees;
+            for (std::uint64_t rank = 0; rank < std::min<std::uint64_t>(family.GetCount(), 500);
+                 ++rank)
+                trees.insert(family.GetTree(rank));
+            EXPECT_EQ(trees.size(), std::min<std::uint64_t>(family.GetCount(), 500));
+            return std::tuple(outcome ? outcome->weight : 0, family.GetCount(),
+                              family.GetCount() > 500 ? decltype(trees){} : trees);
+        };
+        const auto steadily = search(
+            [](BlockSearch& block, TreeFamily& family) { return block.SearchSteadily(family); });
+        const auto last = search([](BlockSearch& block, TreeFamily& family) {
+            return std::optional(block.Search(family));
+        });
+        EXPECT_TRUE(steadily == last);
+    }
+}
+
+} // namespace
+
+} // namespace qe::graph

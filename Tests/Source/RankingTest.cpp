@@ -1,0 +1,194 @@
+#include "Engine/Services/LogCapture.h"
+#include "HBNException.h"
+#include "Ranking/BestPaths.h"
+#include "Ranking/FolderDistance.h"
+#include "Ranking/PathRanking.h"
+#include "Tests/Support/CountingGateway.h"
+#include "Tests/Support/ModelText.h"
+#include "Tests/Support/RecordingSelector.h"
+
+#include <gmock/gmock.h>
+
+#include <climits>
+
+namespace {
+
+using qe::JoinInfoReader;
+using qe::RankingCriteria;
+using qe::WeightedPath;
+using qe::test::CountingGateway;
+using qe::test::Descriptors;
+using qe::test::ModelText;
+using testing::ElementsAre;
+using Texts = std::vector<std::string>;
+
+struct Candidate
+{
+    std::string joins;
+    int weight;
+};
+
+Descriptors Rank(const ModelText& model, const std::vector<Candidate>& candidates,
+                 const RankingCriteria& criteria = {}, amdi_gateway* gateway = nullptr)
+{
+    std::vector<WeightedPath> paths;
+    for (const Candidate& candidate : candidates)
+        paths.push_back({model.Ids(candidate.joins), candidate.weight});
+    Descriptors descriptors;
+    qe::RankPaths(paths, criteria,
+                  JoinInfoReader({gateway == nullptr ? &model.GetGateway() : gateway, nullptr,
+                                  nullptr, nullptr}),
+                  descriptors);
+    return descriptors;
+}
+
+std::vector<int> RankNumbers(const std::vector<int>& weights)
+{
+    const ModelText model("A >- B : ab");
+    std::vector<Candidate> candidates;
+    for (const int weight : weights)
+        candidates.push_back({"ab", weight});
+    std::vector<int> ranks;
+    for (const auto& descriptor : Rank(model, candidates))
+        ranks.push_back(descriptor->GetRank());
+    return ranks;
+}
+
+TEST(Ranking, ComputesRanksInWrappingThirtyTwoBitArithmetic)
+{
+    const struct
+    {
+        std::vector<int> weights;
+        std::vector<int> ranks;
+    } rows[] = {
+        {{20, 10}, {50, 0}},
+        {{0, 0}, {100, 100}},
+        {{3, 0, 2}, {100, 34, 0}},
+        {{7, -3}, {142, 0}},
+        {{0, -50}, {100, 100}}, // the divisor is 10000, and the quotient is cut toward zero
+        {{0, -150}, {101, 100}},
+        {{-5, -10}, {-900, -400}}, // the divisor is -1
+        {{-1}, {0}},
+        {{30000000}, {143}},
+        {{INT_MAX}, {100}},
+        {{INT_MIN}, {100}},
+        {{-536870912}, {INT_MIN + 100}},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(RankNumbers(row.weights), row.ranks) << testing::PrintToString(row.weights);
+}
+
+// Three joins each: a chain with one fact table, a star with one, a chain with two, and one over a
+// many-to-many join.
+constexpr const char* kShapes = R"(
+    A >- B : ab; B >- C : bc; C >- D : cd; A >- C : ac; A >- D : ad
+    E >- C : ec; A >-< B : abm
+)";
+
+TEST(Ranking, SetsPathsOfTheSameNamesBehindAllOthers)
+{
+    // Unreadable joins, hidden from the gateway, all go by one name.
+    const ModelText model("A >- B : b; A >- C : c; A >- D : x; A >- E : y");
+    CountingGateway gateway(model.GetGateway());
+    gateway.Hide(model.Id("x"));
+    gateway.Hide(model.Id("y"));
+    const std::vector<Candidate> candidates{{"c, b", 5}, {"b, c", 5}, {"x, b", 5},
+                                            {"c, b", 5}, {"y, b", 5}, {"b", 5}};
+    EXPECT_THAT(
+        ToTexts(model, Rank(model, candidates, {true, true}, &gateway)),
+        ElementsAre("x, b: 0 5", "b: 0 5", "c, b: 0 5", "b, c: 0 5", "c, b: 0 5", "y, b: 0 5"));
+}
+
+TEST(Ranking, FailsForImpossibleCardinalities)
+{
+    const ModelText model("A >- C : odd");
+    CountingGateway gateway(model.GetGateway());
+    gateway.Replace({.id = model.Id("odd"),
+                     .left = model.Id("A"),
+                     .right = model.Id("C"),
+                     .leftCardinality = {11, 7},
+                     .rightCardinality = {11, 11}});
+    EXPECT_THROW(Rank(model, {{"odd", 1}}, {true, false}, &gateway), HBNException);
+}
+
+TEST(Ranking, LogsTheFirstThirtyPaths)
+{
+    const ModelText model(kShapes);
+    std::vector<Candidate> candidates(30, {"ab", 20});
+    candidates.push_back({"ab, ac, ad", 10});
+    const qe::LogCapture log(5);
+    Rank(model, candidates, {true, true});
+    const auto entries = log.GetEntries();
+    ASSERT_EQ(entries.size(), 32U);
+    EXPECT_EQ(entries[0].text, "AQE_Refiner::RankPaths -> START LOGGING COMPUTED JOIN PATHS\n");
+    EXPECT_EQ(entries[1].text,
+              "\nPath 1: ab, ac, ad, \nComputed weight (10), computed number of fact tables (1), "
+              "adjusted weight considering straightest path (11), ranking using computed weight "
+              "(50)\n");
+    EXPECT_EQ(entries[30].text,
+              "\nPath 30: ab, \nComputed weight (20), computed number of fact tables (1), "
+              "adjusted weight considering straightest path (20), ranking using computed weight "
+              "(0)\n");
+    EXPECT_EQ(entries[31].text, "AQE_Refiner::RankPaths -> Logged (30) paths out of (31) paths\n");
+    EXPECT_EQ(entries[31].level, 5);
+
+    const qe::LogCapture quiet(4);
+    Rank(model, candidates);
+    EXPECT_TRUE(quiet.GetEntries().empty());
+}
+
+TEST(BestPaths, HaveTheLeastWeightAndThenTheFewestFactTables)
+{
+    const ModelText model(kShapes);
+    const JoinInfoReader joinInfos({&model.GetGateway(), nullptr, nullptr, nullptr});
+    const std::vector<std::vector<amd_id>> paths{model.Ids("ab"),         model.Ids("ab, bc, ec"),
+                                                 model.Ids("ab, ac, ad"), model.Ids("ab, ac, ad"),
+                                                 model.Ids("abm"),        model.Ids("ab, bc, cd")};
+    EXPECT_THAT(qe::SelectBestPaths(paths, {5, 3, 3, 3, 3, 4}, joinInfos), ElementsAre(2, 3));
+    EXPECT_THAT(qe::SelectBestPaths(paths, {5, -3, 3, 3, 3, -3}, joinInfos), ElementsAre(5));
+    EXPECT_TRUE(qe::SelectBestPaths({}, {}, joinInfos).empty());
+}
+
+TEST(FolderDistance, GoesOverTheNearestCommonFolder)
+{
+    const ModelText model(R"(
+        folder Sales
+        Orders >- Lines : together
+        folder Sales/East/Port
+        Ship, Crew
+        folder Else
+        Island
+        folder
+        Loose
+        folder Sales
+        Ship >- Crew : above; Orders >- Ship : half; Orders >- Island : apart
+        Orders >- Loose : outside; Orders >= Ship : second; Orders >~ Ship : query
+        folder Sales/West
+        Orders >- Ship : beside on [Model].[Orders].[Key] = [Model].[Ship].[Key]
+        Orders(Key), Ship(Key)
+        stand -> beside : Orders, Ship
+        folder Sales/East/Port/Quay/Berth
+        Ship >- Crew : below
+    )");
+    const struct
+    {
+        const char* join;
+        int distance;
+    } rows[] = {
+        {"together", 0}, {"above", 4}, {"half", 2},  {"apart", 0},  {"outside", 0}, {"second", 0},
+        {"beside", 4},   {"stand", 4}, {"below", 4}, {"Orders", 0}, {"query", 0},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(qe::FolderDistance(model.Id(row.join), &model.GetGateway(), nullptr),
+                  row.distance)
+            << row.join;
+
+    CountingGateway gateway(model.GetGateway());
+    gateway.Replace({.id = model.Id("Sales"), .parent = model.Id("Port")});
+    EXPECT_EQ(qe::FolderDistance(model.Id("beside"), &gateway, nullptr), 3) << "a circle";
+    gateway.Hide(model.Id("Ship"));
+    EXPECT_EQ(qe::FolderDistance(model.Id("half"), &gateway, nullptr), 0);
+    EXPECT_EQ(qe::FolderDistance(model.Id("half"), nullptr, nullptr), 0);
+}
+
+} // namespace

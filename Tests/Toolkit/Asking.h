@@ -1,0 +1,59 @@
+#ifndef TESTS_TOOLKIT_ASKING_H
+#define TESTS_TOOLKIT_ASKING_H
+
+#include "Toolkit/Ask/Answer.h"
+#include "Toolkit/Ask/Question.h"
+#include "Toolkit/Format.h"
+#include "Toolkit/Model/ToolModel.h"
+#include "Tools/qerefine/RunTool.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qe::test {
+
+/// Tables of a shop: sales have a customer and, maybe, one who pays; islands stand alone.
+inline constexpr const char* ShopTables = R"(
+    CREATE TABLE region (id INTEGER PRIMARY KEY);
+    CREATE TABLE customer (id INTEGER PRIMARY KEY, region_id INT NOT NULL REFERENCES region);
+    CREATE TABLE sale (customer_id INT NOT NULL REFERENCES customer,
+                       payer_id INT REFERENCES customer);
+    CREATE TABLE island (id INTEGER PRIMARY KEY);
+)";
+
+/// Makes a model as ModelText reads it.
+[[nodiscard]] tool::ToolModel MakeModel(std::string_view text);
+/// Makes a model of DDL statements.
+[[nodiscard]] tool::ToolModel ImportText(std::string_view statements);
+
+/// Asks for the path that connects the subjects.
+[[nodiscard]] tool::Question Connect(std::vector<std::string> subjects);
+
+/// Gives the names of the joins, with blanks between them.
+[[nodiscard]] std::string NamesOf(const tool::Answer& answer, const std::vector<amd_id>& joins);
+
+/// Asks, and writes the answer in a format.
+[[nodiscard]] std::string WriteAs(std::string_view format, const tool::ToolModel& model,
+                                  const tool::Question& question,
+                                  const tool::FormatOptions& options = {});
+
+/// What a run of the tool came to.
+struct ToolRun
+{
+    tool::EExitCode code = tool::EExitCode::Answered;
+    std::string output{};
+    std::string error{};
+};
+
+/// Runs the tool with `input` on its standard input.
+[[nodiscard]] ToolRun RunTool(const std::vector<std::string>& arguments,
+                              const std::string& input = {}, const tool::Terminal& terminal = {});
+
+/// Gives what is told of wrong input; "no mistake" when nothing is.
+[[nodiscard]] std::string MistakesOf(const std::function<void()>& read);
+
+} // namespace qe::test
+
+#endif

@@ -1,0 +1,298 @@
+#include "Toolkit/Batch/Batch.h"
+
+#include "AQE_I_Refiner.h"
+#include "Engine/Services/SettingsOverride.h"
+#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Toolkit/Asking.h"
+#include "Toolkit/Ask/Asker.h"
+#include "Toolkit/Batch/LineReader.h"
+#include "Toolkit/Batch/OrderedWork.h"
+#include "Toolkit/Batch/QuestionReader.h"
+#include "Toolkit/Text/InputError.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <random>
+#include <sstream>
+#include <stdexcept>
+
+namespace {
+
+using namespace qe::tool;
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+std::vector<std::string> ToLines(const std::string& text)
+{
+    std::istringstream input(text);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(input, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+TEST(LineReader, KeepsNumbersAndBoundsLines)
+{
+    std::istringstream input("one\n\n \r\nlonger\n1234\r\nlast");
+    LineReader reader(input, 5);
+    std::vector<std::string> seen;
+    for (RequestLine line; reader.Next(line);)
+        seen.push_back(std::to_string(line.number) + (line.isTooLong ? "!" : ":") + line.text +
+                       "@" + std::to_string(line.bytes));
+    EXPECT_THAT(seen, ElementsAre("1:one@4", "4!@15", "5:1234\r@21", "6:last@25"));
+}
+
+TEST(LatencyHistogram, PercentilesAreAlmostThoseOfTheSortedTimes)
+{
+    EXPECT_EQ(LatencyHistogram().GetPercentile(50), 0ns);
+    std::mt19937_64 random(7);
+    for (const std::size_t count : {1U, 2U, 99U, 1000U}) {
+        LatencyHistogram histogram;
+        std::vector<std::int64_t> times(count);
+        for (std::int64_t& time : times) {
+            time = static_cast<std::int64_t>(random() >> (1 + random() % 63));
+            histogram.Add(std::chrono::nanoseconds(time));
+        }
+        std::sort(times.begin(), times.end());
+        for (const unsigned percent : {1U, 50U, 99U, 100U}) {
+            const std::int64_t exact = times[(count * percent + 99) / 100 - 1];
+            const std::int64_t found = histogram.GetPercentile(percent).count();
+            EXPECT_LE(found, exact);
+            EXPECT_GE(found, exact - exact / 32) << count << " times, " << percent << " %";
+        }
+    }
+}
+
+TEST(OrderedWork, KeepsOrderAndWindowHoweverSlowOneLineIs)
+{
+    constexpr std::size_t kWindow = 8;
+    std::atomic<std::size_t> begun = 0;
+    std::size_t handedOver = 0;
+    std::size_t furthest = 0;
+    std::vector<std::string> results;
+    OrderedWork work(
+        4, kWindow,
+        [&](const RequestLine& line) {
+            ++begun;
+            if (line.number % 10 == 1)
+                std::this_thread::sleep_for(5ms);
+            return WorkResult{std::to_string(line.number)};
+        },
+        [&](const WorkResult& result) {
+            furthest = std::max(furthest, begun.load() - handedOver);
+            ++handedOver;
+            results.push_back(result.text);
+        });
+    std::vector<std::string> expected;
+    for (std::size_t number = 1; number <= 60; ++number) {
+        work.Add({number});
+        expected.push_back(std::to_string(number));
+    }
+    work.Finish();
+    EXPECT_EQ(results, expected);
+    EXPECT_LE(furthest, kWindow);
+    EXPECT_GT(furthest, 1U) << "nothing ran ahead of the slow lines";
+}
+
+TEST(OrderedWork, FailuresReachTheCaller)
+{
+    for (const bool inSink : {false, true}) {
+        OrderedWork work(
+            2, 4,
+            [&](const RequestLine& line) -> WorkResult {
+                if (!inSink && line.number == 3)
+                    throw std::runtime_error("work");
+                return {};
+            },
+            [&](const WorkResult&) {
+                if (inSink)
+                    throw std::runtime_error("sink");
+            });
+        EXPECT_THROW(
+            {
+                for (std::size_t number = 1; number <= 50; ++number)
+                    work.Add({number});
+                work.Finish();
+            },
+            std::runtime_error);
+    }
+}
+
+TEST(QuestionReader, ReadsEveryKeyAndTellsEveryMistake)
+{
+    const Question question = ReadQuestion(ParseJsonLine(R"({"id": 1, "operation": "best between",
+        "subjects": ["a"], "secondSet": ["b"], "favouredJoins": ["c"], "requiredJoins": ["d"],
+        "avoidedJoins": ["e"], "favouredSubjects": ["f"], "onlySubjects": ["g"],
+        "withoutSubjects": ["h"], "onlyJoins": ["i"], "withoutJoins": ["j"],
+        "useFactTableCount": false, "useStraightestPath": true, "selector": "main-object",
+        "checkOptional": true, "subjectsAreCandidates": false, "crossProduct": 2, "grouping": -1,
+        "commandType": "describe", "db": "", "given": "", "joins": [], "case": "", "ties": 1})"),
+                                           {});
+    EXPECT_EQ(question.operation, EOperation::BestPathsBetween);
+    std::string lists;
+    const Restriction& restriction = question.restriction;
+    for (const auto* list :
+         {&question.subjects, &question.secondSet, &question.favouredJoins, &question.requiredJoins,
+          &question.avoidedJoins, &question.favouredSubjects, &restriction.onlySubjects,
+          &restriction.withoutSubjects, &restriction.onlyJoins, &restriction.withoutJoins})
+        lists += list->at(0);
+    EXPECT_EQ(lists, "abcdefghij");
+    EXPECT_FALSE(question.ranking.useFactTableCount);
+    EXPECT_TRUE(question.ranking.useStraightestPath);
+    EXPECT_EQ(question.selector.kind, ESelector::MainObject);
+    EXPECT_TRUE(question.selector.checkOptional);
+    EXPECT_FALSE(question.selector.subjectsAreCandidates);
+    EXPECT_EQ(question.governors.crossProduct, 2);
+    EXPECT_EQ(question.governors.grouping, -1);
+    EXPECT_EQ(question.commandType, AQE_RequestContext::CommandTypeDescribe);
+
+    const std::pair<const char*, std::vector<std::string>> mistakes[] = {
+        {"{", {"column 2"}},
+        {"\"\xff\"", {"column 2"}},
+        {"[]", {""}},
+        {"{}", {"/subjects"}},
+        {R"({"subjects": []})", {"/subjects"}},
+        {R"({"subjects": ["a", 1]})", {"/subjects"}},
+        {R"({"subjects": "a", "Subjects": [], "crossProduct": 1e3, "grouping": 99999999999})",
+         {"/subjects", "/Subjects", "/crossProduct", "/grouping"}},
+        {R"({"operation": "fly", "selector": 1, "checkOptional": 0, "commandType": "Query"})",
+         {"/operation", "/selector", "/checkOptional", "/commandType"}},
+    };
+    for (const auto& [text, places] : mistakes) {
+        std::vector<std::string> found;
+        try {
+            static_cast<void>(ReadQuestion(ParseJsonLine(text), {}));
+        } catch (const InputError& error) {
+            for (const InputProblem& problem : error.GetProblems())
+                found.push_back(problem.place);
+        }
+        EXPECT_EQ(found, places) << text;
+    }
+}
+
+/// A few requests of every kind, in one order over and over.
+std::string MakeRequests(std::size_t count)
+{
+    const char* const kinds[] = {
+        R"({"id": "ok", "subjects": ["sale", "region"]})",
+        R"({"id": "wrong name", "subjects": ["sales", "region"]})",
+        R"({"id": )",
+        R"({"id": "apart", "subjects": ["sale", "island"]})",
+        R"({"id": "denied", "subjects": ["sale", "island"], "crossProduct": 2})",
+    };
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i)
+        text += std::string(kinds[i % std::size(kinds)]) + "\n";
+    return text;
+}
+
+struct BatchRun
+{
+    std::vector<std::string> lines;
+    BatchSummary summary;
+};
+
+BatchRun RunShop(const std::string& requests, const BatchOptions& options)
+{
+    static const ToolModel shop = qe::test::ImportText(qe::test::ShopTables);
+    std::istringstream input(requests);
+    std::ostringstream output;
+    const BatchSummary summary = RunBatch(shop, input, output, options);
+    return {ToLines(output.str()), summary};
+}
+
+TEST(Batch, AnswersInOrderWhateverTheThreads)
+{
+    BatchOptions options;
+    const BatchRun one = RunShop(MakeRequests(500), options);
+    ASSERT_EQ(one.lines.size(), 500U);
+    EXPECT_THAT(one.lines[0], HasSubstr(R"("connected":true)"));
+    EXPECT_THAT(one.lines[1], StartsWith(R"({"line":2,"id":"wrong name","error":{)"));
+    EXPECT_THAT(one.lines[1], HasSubstr(R"("nearestNames":["sale"])"));
+    EXPECT_THAT(one.lines[2], StartsWith(R"({"line":3,"id":null,"error":{)"));
+    EXPECT_THAT(one.lines[3], HasSubstr(R"("connected":false)"));
+    EXPECT_THAT(one.lines[4], HasSubstr(R"("error":{"kind":"reported")"));
+    EXPECT_EQ(one.summary.requests, 500U);
+    EXPECT_EQ(one.summary.failures, 300U);
+    EXPECT_EQ(one.summary.notConnected, 100U);
+    EXPECT_THAT(ToText(one.summary), StartsWith("requests: 500, failures: 300, not connected: 100, "
+                                                "median: "));
+    options.threads = 4;
+    EXPECT_EQ(RunShop(MakeRequests(500), options).lines, one.lines);
+}
+
+TEST(Batch, PassesOverLinesThatAreTooLong)
+{
+    BatchOptions options;
+    options.longestLine = 60;
+    const std::string good = R"({"subjects": ["sale", "region"]})";
+    const auto lines = RunShop(good + "\n" + std::string(1000, '[') + "\n" + good, options).lines;
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_THAT(lines[1], HasSubstr("the line is too long"));
+    EXPECT_THAT(lines[2], HasSubstr(R"("connected":true)"));
+}
+
+TEST(Batch, EndsWithWhatWasDoneWhenStopped)
+{
+    std::atomic<bool> stop = false;
+    BatchOptions options;
+    options.threads = 2;
+    options.stop = &stop;
+    options.observer = [&stop](const BatchSummary& soFar) { stop = soFar.requests >= 3; };
+    const BatchRun stopped = RunShop(MakeRequests(5000), options);
+    EXPECT_TRUE(stopped.summary.wasInterrupted);
+    EXPECT_THAT(ToText(stopped.summary), HasSubstr("(interrupted)"));
+    EXPECT_EQ(stopped.summary.requests, stopped.lines.size());
+    ASSERT_GE(stopped.lines.size(), 3U);
+    ASSERT_LT(stopped.lines.size(), 5000U);
+    const BatchRun whole = RunShop(MakeRequests(stopped.lines.size()), {});
+    EXPECT_EQ(stopped.lines, whole.lines);
+}
+
+TEST(Batch, TellsWhenTheOutputCannotBeWritten)
+{
+    std::istringstream input(MakeRequests(200));
+    std::ostringstream output;
+    output.setstate(std::ios::badbit);
+    const ToolModel shop = qe::test::ImportText(qe::test::ShopTables);
+    EXPECT_THROW(static_cast<void>(RunBatch(shop, input, output, {})), std::runtime_error);
+}
+
+TEST(Batch, ReadsSettingsBeforeAnythingElse)
+{
+    static_cast<void>(RunShop("", {}));
+    const qe::SettingsOverride folders(I18NString("General Options"),
+                                       I18NString("AdjustWeightByFolder"), 1);
+    const qe::SettingsOverride mode(I18NString("General Options"), I18NString("FFJoins"), 0);
+    EXPECT_EQ(AQE_I_Refiner::GetFFJoinsMode(), 3);
+    const Answer answer =
+        Ask(qe::test::ImportText(qe::test::ShopTables), qe::test::Connect({"sale", "customer"}));
+    ASSERT_EQ(answer.alternatives.size(), 2U);
+    EXPECT_EQ(answer.weight, 17);
+}
+
+TEST(BatchCommand, TellsFailuresByItsExitCode)
+{
+    const qe::test::TemporaryFolder folder;
+    const std::string model = folder.Write("shop.sql", qe::test::ShopTables);
+    const std::string requests = folder.Write("requests.jsonl", MakeRequests(2));
+    using qe::test::RunTool;
+    const auto answered =
+        RunTool({"batch", model, "-", "--jobs", "2"}, R"({"subjects": ["sale", "region"]})");
+    EXPECT_EQ(answered.code, EExitCode::Answered);
+    EXPECT_THAT(answered.error, StartsWith("requests: 1, failures: 0"));
+    Terminal terminal;
+    terminal.error = Terminal::EStream::Terminal;
+    const auto failed = RunTool({"batch", model, requests}, "", terminal);
+    EXPECT_EQ(failed.code, EExitCode::NotConnected);
+    EXPECT_THAT(failed.error, HasSubstr("[####")) << "a bar on a terminal";
+    EXPECT_EQ(ToLines(answered.output + failed.output).size(), 3U);
+    EXPECT_EQ(RunTool({"batch", model, "/nonexistent"}).code, EExitCode::UnreadableInput);
+    EXPECT_EQ(RunTool({"batch", model, requests, "--defaults", "{\"x\": 1}"}).code,
+              EExitCode::UnreadableInput);
+}
+
+} // namespace

@@ -1,0 +1,156 @@
+#include "Engine/Model/Model.h"
+#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Toolkit/Asking.h"
+#include "Toolkit/Import/SqlImport.h"
+#include "Toolkit/Import/SqliteImport.h"
+#include "Toolkit/Text/InputError.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <sqlite3.h>
+
+namespace {
+
+using namespace qe::tool;
+using qe::model::Model;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+std::string Range(const qe::model::CardinalityRange& range)
+{
+    const auto bound = [](int value) { return value == 12 ? "n" : value == 11 ? "1" : "0"; };
+    return std::string(bound(range.minimum)) + ".." + bound(range.maximum);
+}
+
+/// Each join as "name: left low..high -- low..high right".
+std::vector<std::string> JoinsOf(const Model& model)
+{
+    std::vector<std::string> joins;
+    for (const amd_id& id : model.GetJoins()) {
+        const auto& join = *model.Find(id);
+        joins.push_back(join.name + ": " + model.Find(join.left)->name + " " +
+                        Range(join.leftCardinality) + " -- " + Range(join.rightCardinality) + " " +
+                        model.Find(join.right)->name);
+    }
+    return joins;
+}
+
+std::vector<std::string> SubjectsOf(const Model& model)
+{
+    std::vector<std::string> subjects;
+    for (const amd_id& id : model.GetSubjects())
+        subjects.push_back(model.Find(id)->name);
+    return subjects;
+}
+
+const char* const kWarehouse = R"(
+CREATE TABLE day (day_id INTEGER PRIMARY KEY);
+CREATE TABLE account (branch TEXT, number INT, PRIMARY KEY (branch, number));
+CREATE TABLE person (person_id INTEGER PRIMARY KEY, boss REFERENCES person, deputy REFERENCES person);
+CREATE TABLE badge (person_id INTEGER PRIMARY KEY REFERENCES person(person_id));
+CREATE TABLE "or]der" (
+  order_day INT NOT NULL REFERENCES DAY, ship_day REFERENCES day(DAY_ID),
+  branch TEXT, number INT, lost REFERENCES nowhere, wrong REFERENCES day(nope),
+  again REFERENCES day, FOREIGN KEY (again) REFERENCES day,
+  FOREIGN KEY (branch, number) REFERENCES account);
+CREATE VIEW late AS SELECT order_day FROM "or]der" WHERE ship_day > order_day;
+CREATE VIEW broken AS SELECT * FROM gone;
+)";
+
+TEST(Import, TurnsKeysIntoRelationships)
+{
+    const qe::test::TemporaryFolder folder;
+    const ToolModel tool = ImportSql({folder.Write("ware house.sql", kWarehouse)}, {});
+    EXPECT_THAT(SubjectsOf(*tool.model),
+                ElementsAre("account", "badge", "day", "late", "or]der", "person"));
+    EXPECT_THAT(JoinsOf(*tool.model),
+                ElementsAre("badge-person: badge 0..1 -- 1..1 person",
+                            "or]der-day (order_day): or]der 0..n -- 1..1 day",
+                            "or]der-day (ship_day): or]der 0..n -- 0..1 day",
+                            "or]der-day (again): or]der 0..n -- 0..1 day",
+                            "or]der-account: or]der 0..n -- 0..1 account",
+                            "person-person (boss): person 0..n -- 0..1 person",
+                            "person-person (deputy): person 0..n -- 0..1 person"));
+    EXPECT_THAT(tool.notes, ElementsAre(HasSubstr("broken"), HasSubstr("or]der (lost) -> nowhere"),
+                                        HasSubstr("or]der (wrong) -> day"),
+                                        HasSubstr("twice: or]der (again)")));
+    const auto& composite = *tool.model->Find(tool.model->GetJoins()[4]);
+    EXPECT_EQ(composite.text,
+              "[ware house].[or]]der].[branch] = [ware house].[account].[branch] AND "
+              "[ware house].[or]]der].[number] = [ware house].[account].[number]");
+}
+
+TEST(Import, MakesRolesOfTablesReferredToSeveralTimes)
+{
+    const qe::test::TemporaryFolder folder;
+    const ToolModel tool = ImportSql({folder.Write("w.sql", kWarehouse)}, {ERoles::Shortcuts});
+    const auto shortcuts = tool.model->GetIds(109);
+    ASSERT_EQ(shortcuts.size(), 3U) << "a table that refers to itself plays no roles";
+    EXPECT_EQ(tool.model->Find(shortcuts[1])->name, "day (ship_day)");
+    EXPECT_EQ(tool.model->Find(shortcuts[1])->shortcutKind, 1);
+    const auto& role = *tool.model->Find(tool.model->GetIds(110)[1]);
+    EXPECT_EQ(role.right, shortcuts[1]);
+    EXPECT_EQ(tool.model->Find(role.referenced)->name, "or]der-day (ship_day)");
+}
+
+TEST(Import, ReadsDatabasesAndLeavesThemAlone)
+{
+    const qe::test::TemporaryFolder folder;
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open((folder / "data.db").c_str(), &database), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(database, kWarehouse, nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(database);
+    EXPECT_EQ(JoinsOf(*ImportSqlite(folder / "data.db", {}).model).size(), 7U);
+}
+
+TEST(Import, TellsWhereAFileIsWrong)
+{
+    struct Case
+    {
+        std::string text;
+        std::string expected;
+    };
+    const Case cases[] = {
+        {"CREATE TABLE a (x);\nCREATE TABEL b (y);", ".sql:2:8: near \"TABEL\": syntax error"},
+        {"CREATE TABLE a (x);\n\n  CREATE TABLE a (x);", ".sql:3:16: table a already exists"},
+        {"WITH RECURSIVE r(n) AS (SELECT 1 UNION ALL SELECT n FROM r) SELECT max(n) FROM r;",
+         "the statement takes too long"},
+        {"ATTACH DATABASE '/tmp/never.db' AS other;", ".sql:1:1: too many attached databases"},
+        {std::string("CREATE TABLE a (x);\0", 20), ".sql:1:20: a zero byte"},
+    };
+    for (const Case& test : cases)
+        EXPECT_THAT(qe::test::MistakesOf([&] { (void)qe::test::ImportText(test.text); }),
+                    HasSubstr(test.expected));
+    EXPECT_FALSE(std::filesystem::exists("/tmp/never.db"));
+    const qe::test::TemporaryFolder folder;
+    const std::string text =
+        folder.Write("text.db", "this is no database, and it is long enough to be sure");
+    EXPECT_THROW((void)ImportSqlite(text, {}), InputError);
+    EXPECT_THROW((void)ImportSqlite("/nonexistent.db", {}), InputError);
+    EXPECT_THROW((void)ImportSql({"/nonexistent.sql"}, {}), InputError);
+    EXPECT_THROW((void)ImportSql({"/"}, {}), InputError);
+    EXPECT_THAT(SubjectsOf(*ImportSql({}, {}).model), IsEmpty());
+}
+
+TEST(Import, ReadsEveryRealSchema)
+{
+    const std::filesystem::path folder = std::filesystem::path(QEREFINER_DATA_DIR) / "schemas";
+    if (!std::filesystem::exists(folder))
+        GTEST_SKIP() << "no real schemas at hand: " << folder;
+    std::size_t files = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+        if (entry.path().extension() != ".sql")
+            continue;
+        ++files;
+        for (const ERoles roles : {ERoles::Plain, ERoles::Shortcuts})
+            EXPECT_NO_THROW((void)ImportSql({entry.path()}, {roles})) << entry.path();
+    }
+    EXPECT_GE(files, 153U);
+    const std::shared_ptr<const Model> mantle = ImportSql({folder / "mantle.sql"}, {}).model;
+    EXPECT_EQ(mantle->GetSubjects().size(), 540U);
+    EXPECT_GE(mantle->GetJoins().size(), 1770U);
+}
+
+} // namespace

@@ -1,0 +1,218 @@
+#include "Engine/Model/Model.h"
+#include "Tests/Toolkit/Asking.h"
+#include "Tests/Toolkit/SqlRows.h"
+#include "Toolkit/Model/ModelFile.h"
+#include "Toolkit/Text/DisplayText.h"
+#include "Toolkit/Text/InputError.h"
+
+#include <gmock/gmock.h>
+
+#include <iomanip>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
+
+namespace {
+
+using namespace qe::tool;
+using qe::test::Connect;
+using qe::test::MakeModel;
+using qe::test::RunSql;
+using qe::test::WriteAs;
+using testing::HasSubstr;
+
+const char* const kShop = R"(
+    Orders(Id, BillTo, ShipTo, Payer), Customer(Id, Name, RegionId), Region(Id, Name)
+    Customer >o-o Region : cr on [Model].[Customer].[RegionId] = [Model].[Region].[Id]
+    Bill To ->2 Customer
+    Ship To ->2 Customer
+    Payer -> Customer
+    Orders >- Bill To : bill on [Model].[Orders].[BillTo] = [Model].[Bill To].[Id]
+    Orders >- Ship To : ship on [Model].[Orders].[ShipTo] = [Model].[Customer].[Id]
+    Orders >- Payer : payer on [Model].[Orders].[Payer] = [Model].[Payer].[Id]
+    bill region -> cr : Bill To, Region
+)";
+
+const char* const kRows = R"(
+    CREATE TABLE "Orders"("Id", "BillTo", "ShipTo", "Payer");
+    CREATE TABLE "Customer"("Id", "Name", "RegionId");
+    CREATE TABLE "Region"("Id", "Name");
+    INSERT INTO "Region" VALUES (1, 'North'), (2, 'South');
+    INSERT INTO "Customer" VALUES (1, 'Ann', 1), (2, 'Bob', NULL), (3, 'Cy', 2);
+    INSERT INTO "Orders" VALUES (1, 1, 2, 3), (2, 2, 3, 1), (3, 3, 1, 2);
+)";
+
+TEST(OutputTest, TextTellsPathAlternativesAndWhatDecided)
+{
+    const ToolModel model = MakeModel(R"(
+        Orders >- Customer : oc on [Model].[Orders].[Key] = [Model].[Customer].[Key]
+        Orders >- Shipper : os
+        Customer >o-o Region : cr
+        Shipper >- Region : sr
+        Orders(Key), Customer(Key), Budget(Amount)
+    )");
+    EXPECT_EQ(WriteAs("text", model, Connect({"Orders", "Region"})), R"(Path of 2 joins, weight 34
+  1. Orders 1..n -- 1..1 Customer
+     oc (relationship, weight 17)
+     on [Model].[Orders].[Key] = [Model].[Customer].[Key]
+  2. Customer 0..n -- 0..1 Region
+     cr (relationship, weight 17)
+
+2 candidates
+     #  weight  facts  branches  rank  joins
+  *  1      34      1         0     0  oc, cr
+     2      34      1         0     0  os, sr
+Decided by: keys
+)");
+    EXPECT_THAT(WriteAs("text", model, Connect({"Budget", "Region"})),
+                HasSubstr("The subjects cannot be connected. They fall into 2 groups:\n"
+                          "  1. Budget\n  2. Region\n"
+                          "Joining these 2 would connect all: Budget, Region\n\nWarning: "));
+}
+
+TEST(OutputTest, JsonHasOneFormForEveryOperation)
+{
+    const ToolModel model = MakeModel("A >- M : am; M >o-o Z : mz");
+    Question question = Connect({"A", "Z"});
+    const nlohmann::json json = nlohmann::json::parse(WriteAs("json", model, question));
+    EXPECT_EQ(json, nlohmann::json::parse(R"({
+        "version": 1, "operation": "path", "subjects": ["A", "Z"], "secondSet": [],
+        "governors": {"crossProductAllowed": 0, "shortcutGrouping": 0}, "settings": {},
+        "connected": true, "weight": 34, "path": ["102:1", "102:2"],
+        "criterion": "only candidate", "chosen": 0, "mainObject": null, "candidates": 1,
+        "alternatives": [{"joins": ["102:1", "102:2"], "weight": 34, "factTables": 1,
+                          "manyToManyJoins": 0, "branches": 0, "rank": null}],
+        "joins": [{"id": "102:1", "name": "am", "kind": "relationship", "left": "A",
+                   "leftCardinality": "1..n", "right": "M", "rightCardinality": "1..1",
+                   "condition": "", "weight": 17},
+                  {"id": "102:2", "name": "mz", "kind": "relationship", "left": "M",
+                   "leftCardinality": "0..n", "right": "Z", "rightCardinality": "0..1",
+                   "condition": "", "weight": 17}],
+        "endPairs": [], "joinedSubjects": [], "groups": [], "bridge": [], "warnings": [],
+        "notices": [], "error": null})"));
+    const auto keysOf = [](const nlohmann::json& value) {
+        std::set<std::string> keys;
+        for (const auto& entry : value.items())
+            keys.insert(entry.key());
+        return keys;
+    };
+    for (const EOperation operation :
+         {EOperation::BestPaths, EOperation::JoinedSubjects, EOperation::TreeJoins}) {
+        question.operation = operation;
+        EXPECT_EQ(keysOf(nlohmann::json::parse(WriteAs("json", model, question))), keysOf(json));
+    }
+}
+
+TEST(OutputTest, SqlJoinsRolesOfATableUnderTheirNames)
+{
+    EXPECT_EQ(WriteAs("sql", MakeModel(kShop), Connect({"Orders", "Bill To", "Ship To", "Region"})),
+              R"(FROM "Orders"
+  INNER JOIN "Customer" AS "Bill To"
+    ON "Orders"."BillTo" = "Bill To"."Id"
+  INNER JOIN "Customer" AS "Ship To"
+    ON "Orders"."ShipTo" = "Ship To"."Id"
+  LEFT OUTER JOIN "Region"
+    ON "Bill To"."RegionId" = "Region"."Id"
+)");
+}
+
+TEST(OutputTest, SqlGivesTheRowsOfJoinsWrittenByHand)
+{
+    struct Case
+    {
+        std::vector<std::string> subjects;
+        SqlOptions::EOuterJoins outerJoins;
+        const char* columns;
+        const char* byHand;
+    };
+    using EOuterJoins = SqlOptions::EOuterJoins;
+    const Case cases[] = {
+        {{"Orders", "Bill To", "Ship To", "Region"},
+         EOuterJoins::ByCardinality,
+         "\"Orders\".\"Id\", \"Bill To\".\"Name\", \"Ship To\".\"Name\", \"Region\".\"Name\"",
+         R"("Orders" o JOIN "Customer" b ON o."BillTo" = b."Id" JOIN "Customer" s
+            ON o."ShipTo" = s."Id" LEFT JOIN "Region" r ON b."RegionId" = r."Id")"},
+        {{"Orders", "Bill To", "Region"},
+         EOuterJoins::Never,
+         "\"Orders\".\"Id\", \"Bill To\".\"Name\", 0, \"Region\".\"Name\"",
+         R"("Orders" o JOIN "Customer" b ON o."BillTo" = b."Id"
+            JOIN "Region" r ON b."RegionId" = r."Id" JOIN (SELECT 0 AS "Name") s)"},
+        // The payer is taken for the customer, whose region it has.
+        {{"Orders", "Payer", "Region"},
+         EOuterJoins::ByCardinality,
+         "\"Orders\".\"Id\", \"Payer\".\"Name\", 0, \"Region\".\"Name\"",
+         R"("Orders" o JOIN "Customer" b ON o."Payer" = b."Id"
+            LEFT JOIN "Region" r ON b."RegionId" = r."Id" JOIN (SELECT 0 AS "Name") s)"},
+    };
+    const ToolModel model = MakeModel(kShop);
+    const SqliteDatabase database = SqliteDatabase::OpenMemory();
+    RunSql(database, kRows);
+    for (const Case& entry : cases) {
+        Question question = Connect(entry.subjects);
+        question.restriction.withoutJoins = {entry.subjects[1] == "Payer" ? "bill" : "payer"};
+        FormatOptions options;
+        options.sql.outerJoins = entry.outerJoins;
+        const std::string from = WriteAs("sql", model, question, options);
+        EXPECT_EQ(
+            RunSql(database, "SELECT " + std::string(entry.columns) + '\n' + from + "ORDER BY 1"),
+            RunSql(database, "SELECT o.\"Id\", b.\"Name\", s.\"Name\", r.\"Name\" FROM " +
+                                 std::string(entry.byHand) + " ORDER BY 1"))
+            << from;
+    }
+    FormatOptions options;
+    options.sql.select = SqlOptions::ESelect::FirstItems;
+    EXPECT_EQ(RunSql(database, WriteAs("sql", model, Connect({"Region"}), options)),
+              (qe::test::SqlRows{{"1", "North"}, {"2", "South"}}));
+    const std::string both = WriteAs("sql", model, Connect({"Region", "Customer"}), options);
+    EXPECT_EQ(RunSql(database, both).size(), 3U);
+}
+
+TEST(OutputTest, SqlIsRefusedWhereAConditionIsMissingOrSaysNothing)
+{
+    const Question question = Connect({"A", "B"});
+    for (const char* text :
+         {"A >- B : j", "A >- B : j on [x] = = 2", "A >- B : j on [Model].[C].[k] = 1; C(k)"})
+        EXPECT_THROW(static_cast<void>(WriteAs("sql", MakeModel(text), question)), InputError)
+            << text;
+}
+
+TEST(OutputTest, HostileNamesStayNames)
+{
+    const ToolModel model = ReadModelFile(QEREFINER_SOURCE_DIR "/Tests/Support/hostile.json");
+    std::vector<std::string> names;
+    Question question;
+    std::ostringstream script;
+    script << "CREATE TABLE Hub(K); INSERT INTO Hub VALUES (1);";
+    const auto quote = [](const std::string& name) { return std::quoted(name, '"', '"'); };
+    for (const amd_id& id : model.model->GetSubjects()) {
+        const auto& subject = *model.model->Find(id);
+        question.subjects.push_back(ToText(id));
+        if (subject.text.empty())
+            continue;
+        names.push_back(subject.name);
+        script << "CREATE TABLE " << quote(subject.text) << '(' << quote(subject.name)
+               << "); INSERT INTO " << quote(subject.text) << " VALUES (1);";
+    }
+    const SqliteDatabase database = SqliteDatabase::OpenMemory();
+    RunSql(database, script.str());
+    FormatOptions options;
+    options.sql.select = SqlOptions::ESelect::FirstItems;
+    EXPECT_EQ(RunSql(database, WriteAs("sql", model, question, options)),
+              qe::test::SqlRows{std::vector<std::string>(names.size() + 1, "1")});
+    const nlohmann::json json = nlohmann::json::parse(WriteAs("json", model, question));
+    for (std::size_t index = 0; index < names.size(); ++index)
+        EXPECT_EQ(json["joins"][index]["name"], names[index]);
+    for (const char letter : WriteAs("text", model, question))
+        EXPECT_TRUE(letter == '\n' || static_cast<unsigned char>(letter) >= 0x20);
+}
+
+TEST(OutputTest, DisplayTextEscapesWhatIsNoText)
+{
+    EXPECT_EQ(ToDisplayText(
+                  "a\tb\x1b\x7f\xC2\x85\xE2\x80\xA8\xE2\x80\xAE\xFF\xC0\x80\xED\xA0\x80 \xC3\xA9"),
+              "a\\tb\\x1B\\x7F\\u{0085}\\u{2028}\\u{202E}\\xFF\\xC0\\x80\\xED\\xA0\\x80 \xC3\xA9");
+    EXPECT_EQ(DisplayWidth("\xE6\x97\xA5"), 2U);
+    EXPECT_EQ(DisplayWidth("e\xCC\x81"), 1U);
+}
+
+} // namespace

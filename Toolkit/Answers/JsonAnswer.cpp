@@ -1,0 +1,187 @@
+#include "Toolkit/Answers/JsonAnswer.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <set>
+
+namespace qe::tool {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+using Ids = std::vector<amd_id>;
+
+Json ToJson(const Ids& ids)
+{
+    Json list = Json::array();
+    for (const amd_id& id : ids)
+        list.push_back(ToText(id));
+    return list;
+}
+
+Json NamesToJson(const Answer& answer, const Ids& subjects)
+{
+    Json list = Json::array();
+    for (const amd_id& subject : subjects)
+        list.push_back(answer.NameOf(subject));
+    return list;
+}
+
+template <typename T>
+Json OrNull(const std::optional<T>& value)
+{
+    return value ? Json(*value) : Json();
+}
+
+Json ToJson(const Answer& answer, const AnswerJoin& join)
+{
+    return {{"id", ToText(join.id)},
+            {"name", join.name},
+            {"kind", JoinKindTitle(join.id)},
+            {"left", answer.NameOf(join.left)},
+            {"leftCardinality", ToText(join.leftCardinality)},
+            {"right", answer.NameOf(join.right)},
+            {"rightCardinality", ToText(join.rightCardinality)},
+            {"condition", join.condition},
+            {"weight", join.weight}};
+}
+
+Json ToJson(const Alternative& alternative)
+{
+    return {{"joins", ToJson(alternative.joins)},
+            {"weight", alternative.weight},
+            {"factTables", OrNull(alternative.factTables)},
+            {"manyToManyJoins", alternative.manyToManyJoins},
+            {"branches", alternative.branches},
+            {"rank", OrNull(alternative.rank)}};
+}
+
+Json ToJson(const std::vector<AnswerMessage>& messages)
+{
+    Json list = Json::array();
+    for (const AnswerMessage& message : messages) {
+        std::array<char, 16> number{};
+        std::snprintf(number.data(), number.size(), "0x%08X", message.number);
+        list.push_back({{"number", number.data()}, {"text", message.text}});
+    }
+    return list;
+}
+
+Json ToJson(const std::optional<AnswerError>& error)
+{
+    if (!error)
+        return {};
+    const bool isReported = error->kind == AnswerError::EKind::Reported;
+    return {{"kind", isReported ? "reported" : "internal"},
+            {"severity", error->severity},
+            {"code", error->code},
+            {"messages", ToJson(error->messages)},
+            {"text", error->text}};
+}
+
+Json JoinsToJson(const Answer& answer, std::size_t alternatives)
+{
+    std::set<amd_id> mentioned(answer.path.begin(), answer.path.end());
+    for (std::size_t index = 0; index < alternatives; ++index) {
+        const Ids& joins = answer.alternatives[index].joins;
+        mentioned.insert(joins.begin(), joins.end());
+    }
+    Json list = Json::array();
+    for (const amd_id& id : mentioned) {
+        if (const AnswerJoin* const join = answer.FindJoin(id))
+            list.push_back(ToJson(answer, *join));
+    }
+    return list;
+}
+
+Json AlternativesToJson(const Answer& answer, std::size_t count)
+{
+    Json list = Json::array();
+    for (std::size_t index = 0; index < count; ++index)
+        list.push_back(ToJson(answer.alternatives[index]));
+    return list;
+}
+
+Json SeparationToJson(const Answer& answer)
+{
+    Json groups = Json::array();
+    for (const Ids& group : answer.separation.groups)
+        groups.push_back(NamesToJson(answer, group));
+    return groups;
+}
+
+Json EndPairsToJson(const Answer& answer)
+{
+    Json pairs = Json::array();
+    for (const auto& pair : answer.endPairs)
+        pairs.push_back(NamesToJson(answer, {pair.first, pair.second}));
+    return pairs;
+}
+
+Json SettingsToJson(const Question& question)
+{
+    Json settings = Json::object();
+    for (const Setting& setting : question.settings)
+        settings[setting.section + '/' + setting.key] = setting.value;
+    return settings;
+}
+
+} // namespace
+
+Json ToJson(const Question& question, const Answer& answer, std::size_t maximumAlternatives)
+{
+    const std::size_t shown = std::min(maximumAlternatives, answer.alternatives.size());
+    const std::string_view criterion = ToText(answer.criterion);
+    return {{"version", JsonAnswerVersion},
+            {"operation", ToText(question.operation)},
+            {"subjects", NamesToJson(answer, answer.terminals)},
+            {"secondSet", NamesToJson(answer, answer.secondSet)},
+            {"governors",
+             {{"crossProductAllowed", answer.governors.crossProductAllowed},
+              {"shortcutGrouping", answer.governors.shortcutGrouping}}},
+            {"settings", SettingsToJson(question)},
+            {"connected", answer.connected},
+            {"weight", OrNull(answer.weight)},
+            {"path", ToJson(answer.path)},
+            {"criterion", criterion.empty() ? Json() : Json(criterion)},
+            {"chosen", OrNull(answer.chosen)},
+            {"mainObject",
+             answer.mainObject.IsValid() ? Json(answer.NameOf(answer.mainObject)) : Json()},
+            {"candidates", answer.alternatives.size()},
+            {"alternatives", AlternativesToJson(answer, shown)},
+            {"joins", JoinsToJson(answer, shown)},
+            {"endPairs", EndPairsToJson(answer)},
+            {"joinedSubjects", NamesToJson(answer, answer.joinedSubjects)},
+            {"groups", SeparationToJson(answer)},
+            {"bridge", NamesToJson(answer, answer.separation.bridge)},
+            {"warnings", ToJson(answer.warnings)},
+            {"notices", answer.notices},
+            {"error", ToJson(answer.error)}};
+}
+
+std::string ToText(const Json& value, int indent)
+{
+    return value.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string_view ToText(EOperation operation)
+{
+    switch (operation) {
+    case EOperation::Path:
+        return "path";
+    case EOperation::BestPaths:
+        return "best";
+    case EOperation::JoinedSubjects:
+        return "subjects";
+    case EOperation::PathBetween:
+        return "between";
+    case EOperation::BestPathsBetween:
+        return "best between";
+    case EOperation::TreeJoins:
+        return "tree";
+    }
+    return "";
+}
+
+} // namespace qe::tool

@@ -1,0 +1,60 @@
+#include "Toolkit/Answers/SqlIdentifier.h"
+
+#include "Engine/Model/NearestNames.h"
+#include "Engine/Model/QualifiedName.h"
+#include "Toolkit/Text/InputError.h"
+
+#include <cstddef>
+
+namespace qe::tool {
+
+namespace {
+
+// PostgreSQL cuts identifiers there.
+constexpr std::size_t kMaximumBytes = 63;
+
+/// Cuts the text without leaving half a character.
+std::string CutTo(std::string_view text, std::size_t bytes)
+{
+    if (text.size() <= bytes)
+        return std::string(text);
+    while (bytes > 0 && (static_cast<unsigned char>(text[bytes]) & 0xC0U) == 0x80U)
+        --bytes;
+    return std::string(text.substr(0, bytes));
+}
+
+} // namespace
+
+std::string QuoteIdentifier(std::string_view name)
+{
+    if (name.empty() || name.find('\0') != std::string_view::npos)
+        throw InputError({{"sql", "SQL cannot hold an empty name, nor one with a zero in it: \"" +
+                                      std::string(name) + '"'}});
+    std::string quoted = "\"";
+    for (const char letter : name) {
+        quoted += letter;
+        if (letter == '"')
+            quoted += '"';
+    }
+    return quoted + '"';
+}
+
+std::string QuoteTableName(std::string_view source)
+{
+    std::string quoted;
+    for (const std::string& part : model::ParseQualifiedName(source))
+        quoted += (quoted.empty() ? "" : ".") + QuoteIdentifier(part);
+    return quoted;
+}
+
+std::string AliasNames::Take(std::string_view wanted)
+{
+    std::string name = CutTo(wanted, kMaximumBytes);
+    for (int number = 2; !mTaken.insert(model::FoldCase(name)).second; ++number) {
+        const std::string suffix = ' ' + std::to_string(number);
+        name = CutTo(wanted, kMaximumBytes - suffix.size()) + suffix;
+    }
+    return name;
+}
+
+} // namespace qe::tool

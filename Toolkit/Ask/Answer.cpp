@@ -1,0 +1,85 @@
+#include "Toolkit/Ask/Answer.h"
+
+#include "IdClass.h"
+
+namespace qe::tool {
+
+namespace {
+
+std::string ToText(std::int32_t bound)
+{
+    switch (bound) {
+    case BMT_I_Association::CardinalityZero:
+        return "0";
+    case BMT_I_Association::CardinalityOne:
+        return "1";
+    case BMT_I_Association::CardinalityMany:
+        return "n";
+    default:
+        return "?";
+    }
+}
+
+} // namespace
+
+std::string Answer::NameOf(const amd_id& subject) const
+{
+    const auto found = subjects.find(subject);
+    return found == subjects.end() ? ::ToText(subject) : found->second.name;
+}
+
+const AnswerJoin* Answer::FindJoin(const amd_id& join) const
+{
+    const auto found = joinsById.find(join);
+    return found == joinsById.end() ? nullptr : &found->second;
+}
+
+std::string_view JoinKindTitle(const amd_id& join)
+{
+    switch (join.classCode) {
+    case IdClassRelationship:
+        return "relationship";
+    case IdClassRelationshipShortcut:
+        return "relationship shortcut";
+    case IdClassRelationship136:
+        return "second-kind relationship";
+    case IdClassSpecJoin:
+        return "query join";
+    case IdClassShortcutJoin:
+        return "shortcut join";
+    default:
+        return "join";
+    }
+}
+
+std::string ToText(const BMT_I_Association::CardinalityRange& range)
+{
+    return ToText(range.minimum) + ".." + ToText(range.maximum);
+}
+
+std::string_view ToText(ECriterion criterion)
+{
+    switch (criterion) {
+    case ECriterion::None:
+        return "";
+    case ECriterion::OnlyCandidate:
+        return "only candidate";
+    case ECriterion::Weight:
+        return "weight";
+    case ECriterion::FactTables:
+        return "fact tables";
+    case ECriterion::Straightness:
+        return "straightness";
+    case ECriterion::JoinNames:
+        return "join names";
+    case ECriterion::Order:
+        return "order";
+    case ECriterion::Keys:
+        return "keys";
+    case ECriterion::Selector:
+        return "selector";
+    }
+    return "";
+}
+
+} // namespace qe::tool

@@ -1,0 +1,173 @@
+#ifndef TOOLKIT_ASK_ANSWER_H
+#define TOOLKIT_ASK_ANSWER_H
+
+#include "AQE_Governors.h"
+#include "BMT_I_Association.h"
+#include "amd_id.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace qe::tool {
+
+/// One query subject or shortcut that an answer mentions.
+struct AnswerSubject
+{
+    amd_id id;
+    /// The name, with as many of its holders as it takes to name nothing else.
+    std::string name{};
+    /// What a shortcut finally stands for; a query subject stands for itself.
+    amd_id target;
+};
+
+/// One join that an answer mentions.
+struct AnswerJoin
+{
+    amd_id id;
+    /// Empty for the joins between shortcuts and what they stand for.
+    std::string name{};
+    amd_id left;
+    amd_id right;
+    std::string condition{};
+    BMT_I_Association::CardinalityRange leftCardinality{};
+    BMT_I_Association::CardinalityRange rightCardinality{};
+    /// What it weighs in the graph that was searched: by its kind, or by being favoured, required
+    /// or avoided.
+    int weight = 0;
+};
+
+/// One of the ranked candidate paths.
+struct Alternative
+{
+    std::vector<amd_id> joins{};
+    int weight = 0;
+    /// The facts that the path touches, a many-to-many join counting as one-to-one; nothing when
+    /// facts and dimensions cannot be told apart.
+    std::optional<int> factTables{};
+    int manyToManyJoins = 0;
+    /// How often the path branches: 0 for a chain.
+    int branches = 0;
+    /// 100 for weight 0, 0 for the heaviest; nothing for what was not ranked.
+    std::optional<int> rank{};
+};
+
+/// What tells the chosen path from the next best.
+enum class ECriterion : std::uint8_t
+{
+    /// There is no path.
+    None,
+    /// There was one candidate.
+    OnlyCandidate,
+    Weight,
+    FactTables,
+    Straightness,
+    /// Equally good; the names of its joins come first.
+    JoinNames,
+    /// Equally good, with the same join names; it was found first.
+    Order,
+    /// Among equally cheap ones, the keys speak for it.
+    Keys,
+    /// The selector's own rule.
+    Selector,
+};
+
+/// A message that the request carries back to its user.
+struct AnswerMessage
+{
+    std::uint32_t number = 0;
+    std::string text{};
+};
+
+/// How the library failed.
+struct AnswerError
+{
+    enum class EKind : std::uint8_t
+    {
+        /// A failure that the library reports to users, with its messages.
+        Reported,
+        /// A broken invariant, or what something else raised.
+        Internal,
+    };
+
+    EKind kind = EKind::Reported;
+    int severity = 0;
+    int code = 0;
+    std::vector<AnswerMessage> messages{};
+    /// One line with everything.
+    std::string text{};
+};
+
+/// Which subjects cannot be connected.
+struct Separation
+{
+    /// The named subjects, those that can be connected to each other together. One group, or none
+    /// for fewer than two subjects, means that all can be connected.
+    std::vector<std::vector<amd_id>> groups{};
+    /// One subject of each group: a join between these is the least that would connect all. Empty
+    /// when all can be connected.
+    std::vector<amd_id> bridge{};
+};
+
+/// What the refiner answered to one question. Everything that is mentioned is in `subjects` and
+/// `joinsById`.
+struct Answer
+{
+    std::map<amd_id, AnswerSubject> subjects{};
+    std::map<amd_id, AnswerJoin> joinsById{};
+
+    /// The question's names, resolved.
+    std::vector<amd_id> terminals{};
+    std::vector<amd_id> secondSet{};
+    /// The graph that was searched: also the joins to what shortcuts stand for.
+    std::vector<amd_id> candidateNodes{};
+    std::vector<amd_id> candidateJoins{};
+    AQE_Governors governors{};
+
+    bool connected = false;
+    Separation separation{};
+    /// The chosen path, or the joins of the tree, in order.
+    std::vector<amd_id> path{};
+    /// The weight of the path as it was ranked; nothing when there is none or it was not weighed.
+    std::optional<int> weight{};
+    /// The candidates, best first; a single one too. Several that were put before the selector are
+    /// ranked; the best paths, which nobody chooses among, stand in the refiner's order.
+    std::vector<Alternative> alternatives{};
+    std::optional<std::size_t> chosen{};
+    ECriterion criterion = ECriterion::None;
+    std::vector<std::vector<amd_id>> bestPaths{};
+    /// Between two sets: the subjects at the ends of the path, or of each of the best paths.
+    std::vector<std::pair<amd_id, amd_id>> endPairs{};
+    std::vector<amd_id> joinedSubjects{};
+    /// Main-object selector: the main object of the chosen path; else the empty id.
+    amd_id mainObject;
+
+    std::vector<AnswerMessage> warnings{};
+    /// What the library logged for its users, such as that a list was cut.
+    std::vector<std::string> notices{};
+    std::optional<AnswerError> error{};
+
+    /// Gives the subject's name, or the id's text when the answer does not know it.
+    [[nodiscard]] std::string NameOf(const amd_id& subject) const;
+    /// Gives the join, or null when the answer does not mention it.
+    [[nodiscard]] const AnswerJoin* FindJoin(const amd_id& join) const;
+};
+
+/// Tells the kind of a join: "relationship", "relationship shortcut", "second-kind relationship",
+/// "query join" or "shortcut join".
+[[nodiscard]] std::string_view JoinKindTitle(const amd_id& join);
+
+/// Writes a cardinality as models do, such as "1..n"; "?" for a bound that is not known.
+[[nodiscard]] std::string ToText(const BMT_I_Association::CardinalityRange& range);
+
+/// Names the criterion as output shows it, such as "fact tables"; empty for None.
+[[nodiscard]] std::string_view ToText(ECriterion criterion);
+
+} // namespace qe::tool
+
+#endif

@@ -1,0 +1,60 @@
+#include "Toolkit/Ask/FactReport.h"
+
+#include "AQE_I_FactFinder.h"
+#include "AQE_I_Refiner.h"
+#include "Engine/Model/Model.h"
+#include "Engine/Model/ModelGateway.h"
+#include "HBNException.h"
+#include "Toolkit/Model/ToolModel.h"
+
+namespace qe::tool {
+
+namespace {
+
+std::string DescribeFailure(const HBNException& exception)
+{
+    return exception.GetMessages().empty()
+               ? exception.what()
+               : exception.GetMessages().front().GetText().ToStdString();
+}
+
+} // namespace
+
+FactReport FindFacts(const std::vector<AnswerJoin>& joins)
+{
+    const AUT_RefPtr<AQE_I_FactFinder> finder = AQE_I_FactFinder::Create();
+    FactReport report;
+    for (const AnswerJoin& join : joins) {
+        try {
+            finder->AddJoin(join.id, join.left, join.leftCardinality.maximum, join.right,
+                            join.rightCardinality.maximum);
+        } catch (const HBNException& exception) {
+            report.problems.push_back({join.id, DescribeFailure(exception)});
+        }
+    }
+    std::vector<amd_id> facts;
+    finder->GetFacts(facts);
+    for (const amd_id& subject : facts) {
+        FactReport::Fact& fact = report.facts.emplace_back(FactReport::Fact{subject});
+        finder->GetDimensions(subject, &fact.ownDimensions, false);
+        finder->GetDimensions(subject, &fact.allDimensions, true);
+    }
+    finder->GetSharedDimensions(report.sharedDimensions);
+    return report;
+}
+
+std::vector<AnswerJoin> ReadJoins(const ToolModel& model)
+{
+    model::ModelGateway gateway(model.model);
+    std::vector<AnswerJoin> joins;
+    for (const amd_id& id : model.model->GetJoins()) {
+        AQE_I_Refiner::QEjoinInfo info;
+        if (AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, id, info))
+            joins.push_back({id, info.name.ToStdString(), info.leftQuerySubject,
+                             info.rightQuerySubject, info.expression.ToStdString(),
+                             info.leftCardinality, info.rightCardinality, info.weight});
+    }
+    return joins;
+}
+
+} // namespace qe::tool

@@ -1,0 +1,146 @@
+#include "Toolkit/Ask/KeyChoice.h"
+
+#include "Toolkit/Ask/ColumnPairs.h"
+
+#include <algorithm>
+#include <iterator>
+#include <set>
+#include <tuple>
+
+namespace qe::tool {
+
+namespace {
+
+/// What the keys of joins say; less is better.
+struct KeyMeasure
+{
+    std::size_t differingWords = 0;
+    std::size_t pairs = 0;
+    std::size_t optionalJoins = 0;
+
+    void Add(const KeyMeasure& other)
+    {
+        differingWords += other.differingWords;
+        pairs += other.pairs;
+        optionalJoins += other.optionalJoins;
+    }
+
+    friend bool operator==(const KeyMeasure&, const KeyMeasure&) = default;
+
+    [[nodiscard]] bool IsBetterThan(const KeyMeasure& other) const
+    {
+        return std::tie(differingWords, other.pairs, optionalJoins) <
+               std::tie(other.differingWords, pairs, other.optionalJoins);
+    }
+};
+
+bool IsUpper(char letter)
+{
+    return letter >= 'A' && letter <= 'Z';
+}
+
+bool IsLower(char letter)
+{
+    return letter >= 'a' && letter <= 'z';
+}
+
+bool IsDigit(char letter)
+{
+    return letter >= '0' && letter <= '9';
+}
+
+bool IsWordLetter(char letter)
+{
+    return IsUpper(letter) || IsLower(letter) || IsDigit(letter) ||
+           static_cast<unsigned char>(letter) >= 0x80;
+}
+
+/// Tells whether a capital at `position` begins a word: behind a small letter or digit, or as the
+/// last of several capitals before a small letter.
+bool BeginsWord(std::string_view name, std::size_t position)
+{
+    if (position == 0 || !IsUpper(name[position]))
+        return false;
+    const char before = name[position - 1];
+    const bool isBeforeSmall = position + 1 < name.size() && IsLower(name[position + 1]);
+    return IsLower(before) || IsDigit(before) || (IsUpper(before) && isBeforeSmall);
+}
+
+std::size_t CountDifferingWords(const std::string& left, const std::string& right)
+{
+    const auto wordsOf = [](const std::string& name) {
+        const std::vector<std::string> words = SplitWords(name);
+        return std::set<std::string>(words.begin(), words.end());
+    };
+    const std::set<std::string> ofLeft = wordsOf(left);
+    const std::set<std::string> ofRight = wordsOf(right);
+    std::vector<std::string> differing;
+    std::set_symmetric_difference(ofLeft.begin(), ofLeft.end(), ofRight.begin(), ofRight.end(),
+                                  std::back_inserter(differing));
+    return differing.size();
+}
+
+bool IsExactlyOne(const BMT_I_Association::CardinalityRange& end)
+{
+    return end.minimum == BMT_I_Association::CardinalityOne &&
+           end.maximum == BMT_I_Association::CardinalityOne;
+}
+
+KeyMeasure Measure(const AnswerJoin& join)
+{
+    KeyMeasure measure;
+    for (const ColumnPair& pair : FindColumnPairs(join.condition)) {
+        measure.differingWords += CountDifferingWords(pair.left.name, pair.right.name);
+        ++measure.pairs;
+    }
+    const bool isSure = IsExactlyOne(join.leftCardinality) || IsExactlyOne(join.rightCardinality);
+    measure.optionalJoins = isSure ? 0 : 1;
+    return measure;
+}
+
+} // namespace
+
+std::vector<std::string> SplitWords(std::string_view name)
+{
+    std::vector<std::string> words;
+    bool isInside = false;
+    for (std::size_t position = 0; position < name.size(); ++position) {
+        const char letter = name[position];
+        if (!IsWordLetter(letter)) {
+            isInside = false;
+            continue;
+        }
+        if (!isInside || BeginsWord(name, position))
+            words.emplace_back();
+        isInside = true;
+        words.back() += IsUpper(letter) ? static_cast<char>(letter - 'A' + 'a') : letter;
+    }
+    return words;
+}
+
+KeyChoice ChooseByKeys(const Answer& answer)
+{
+    std::map<amd_id, KeyMeasure> joins;
+    for (const auto& [id, join] : answer.joinsById)
+        joins.emplace(id, Measure(join));
+
+    std::vector<KeyMeasure> measures;
+    for (const Alternative& alternative : answer.alternatives) {
+        if (alternative.weight != answer.alternatives.front().weight)
+            break;
+        KeyMeasure& measure = measures.emplace_back();
+        for (const amd_id& id : alternative.joins) {
+            if (const auto found = joins.find(id); found != joins.end())
+                measure.Add(found->second);
+        }
+    }
+    const auto best = std::min_element(
+        measures.begin(), measures.end(),
+        [](const KeyMeasure& left, const KeyMeasure& right) { return left.IsBetterThan(right); });
+    if (measures.size() < 2)
+        return {};
+    return {static_cast<std::size_t>(best - measures.begin()),
+            std::count(measures.begin(), measures.end(), *best) == 1};
+}
+
+} // namespace qe::tool

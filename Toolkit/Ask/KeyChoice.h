@@ -1,0 +1,39 @@
+#ifndef TOOLKIT_ASK_KEYCHOICE_H
+#define TOOLKIT_ASK_KEYCHOICE_H
+
+#include "Toolkit/Ask/Answer.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qe::tool {
+
+/// What keys say of the alternatives.
+struct KeyChoice
+{
+    std::size_t position = 0;
+    /// Whether no other alternative of least weight has keys as good; then the ranking decided
+    /// nothing.
+    bool isClear = false;
+};
+
+/// Chooses among the alternatives of least weight the one that the keys speak for; the first when
+/// there are none. The first of these that differ decides:
+/// 1. fewer words by which the names of joined columns differ: orders.customerId leads to
+///    customer.customerId sooner than orders.approvedByCustomerId does;
+/// 2. more pairs of columns: a composite key leads to the nearer owner, such as the item of an
+///    order rather than the order;
+/// 3. fewer joins that may find no row, having no end of exactly one;
+/// 4. the better ranking.
+[[nodiscard]] KeyChoice ChooseByKeys(const Answer& answer);
+
+/// Splits a name into its words, in small letters (A to Z): at everything but letters and digits,
+/// and where capitals begin a word, as in "orderItemID" or "HTTPServer". Bytes beyond ASCII count
+/// as letters.
+[[nodiscard]] std::vector<std::string> SplitWords(std::string_view name);
+
+} // namespace qe::tool
+
+#endif

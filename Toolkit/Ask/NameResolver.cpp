@@ -1,0 +1,154 @@
+#include "Toolkit/Ask/NameResolver.h"
+
+#include "Engine/Model/Model.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <optional>
+#include <set>
+
+namespace qe::tool {
+
+namespace {
+
+using model::EFamily;
+
+std::string Trim(std::string_view text)
+{
+    const std::size_t first = text.find_first_not_of(' ');
+    if (first == std::string_view::npos)
+        return {};
+    return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
+}
+
+std::optional<std::int32_t> ParseNumber(std::string_view text)
+{
+    std::int32_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, failure] = std::from_chars(text.data(), end, number);
+    if (failure != std::errc() || stop != end)
+        return std::nullopt;
+    return number;
+}
+
+} // namespace
+
+std::vector<amd_id> NameResolver::ResolveSubjects(const std::string& place,
+                                                  const std::vector<std::string>& names)
+{
+    return Resolve(EKind::Subject, place, names);
+}
+
+std::vector<amd_id> NameResolver::ResolveJoins(const std::string& place,
+                                               const std::vector<std::string>& names)
+{
+    return Resolve(EKind::Join, place, names);
+}
+
+void NameResolver::ThrowProblems() const
+{
+    if (!mProblems.empty())
+        throw InputError(mProblems);
+}
+
+std::vector<amd_id> NameResolver::Resolve(EKind kind, const std::string& place,
+                                          const std::vector<std::string>& names)
+{
+    std::vector<amd_id> ids;
+    std::set<amd_id> known;
+    for (const std::string& name : names) {
+        const std::vector<amd_id> found = FindAll(kind, name);
+        if (found.empty())
+            AddProblem(DescribeUnknown(kind, place, name));
+        else if (found.size() > 1)
+            AddProblem(DescribeAmbiguous(kind, place, name, found));
+        else if (known.insert(found.front()).second)
+            ids.push_back(found.front());
+    }
+    return ids;
+}
+
+std::vector<amd_id> NameResolver::FindAll(EKind kind, const std::string& name) const
+{
+    std::vector<amd_id> found =
+        mModel.FindByName(kind == EKind::Join ? EFamily::Join : EFamily::Subject, name);
+    if (found.empty() && kind == EKind::Join)
+        found = FindByEnds(name);
+    return found.empty() ? FindById(kind, name) : found;
+}
+
+std::vector<amd_id> NameResolver::FindByEnds(const std::string& name) const
+{
+    std::set<amd_id> found;
+    // Names may hold hyphens themselves, so each of them is tried as the one between the ends.
+    for (std::size_t hyphen = name.find('-'); hyphen != std::string::npos;
+         hyphen = name.find('-', hyphen + 1)) {
+        const std::string_view text(name);
+        const auto left = mModel.FindByName(EFamily::Subject, Trim(text.substr(0, hyphen)));
+        const auto right = mModel.FindByName(EFamily::Subject, Trim(text.substr(hyphen + 1)));
+        if (left.size() != 1 || right.size() != 1)
+            continue;
+        for (const amd_id& join : mModel.GetJoins()) {
+            const model::ObjectRecord* const record = mModel.Find(join);
+            const bool matches = (record->left == left.front() && record->right == right.front()) ||
+                                 (record->left == right.front() && record->right == left.front());
+            if (matches)
+                found.insert(join);
+        }
+    }
+    return {found.begin(), found.end()};
+}
+
+std::vector<amd_id> NameResolver::FindById(EKind kind, std::string_view text) const
+{
+    std::vector<amd_id> found;
+    const std::size_t colon = text.find(':');
+    if (colon == std::string_view::npos)
+        return found;
+    const auto classCode = ParseNumber(text.substr(0, colon));
+    const auto number = ParseNumber(text.substr(colon + 1));
+    if (!classCode || !number)
+        return found;
+    const bool fits =
+        kind == EKind::Join ? model::IsJoinClass(*classCode) : model::IsSubjectClass(*classCode);
+    if (!fits)
+        return found;
+    for (const amd_id& id : mModel.GetIds(*classCode)) {
+        if (id.number == *number)
+            found.push_back(id);
+    }
+    return found;
+}
+
+InputProblem NameResolver::DescribeUnknown(EKind kind, const std::string& place,
+                                           const std::string& name) const
+{
+    if (kind == EKind::Join)
+        return {place, "The model has no join \"" + name + '"',
+                mModel.SuggestNames(EFamily::Join, name)};
+    return {place, "The model has no query subject or shortcut \"" + name + '"',
+            mModel.SuggestNames(EFamily::Subject, name)};
+}
+
+InputProblem NameResolver::DescribeAmbiguous(EKind kind, const std::string& place,
+                                             const std::string& name,
+                                             const std::vector<amd_id>& found) const
+{
+    constexpr std::size_t kShown = 10;
+    InputProblem problem{place, "The name stands for " + std::to_string(found.size()) +
+                                    (kind == EKind::Join ? " joins" : " subjects") + ": \"" + name +
+                                    '"'};
+    for (const amd_id& id : found) {
+        const model::QualifiedName qualified = mModel.GetQualifiedName(id);
+        const auto family = kind == EKind::Join ? EFamily::Join : EFamily::Subject;
+        // Several joins may share even their qualified name.
+        const bool isUnique = mModel.FindByName(family, qualified).size() == 1;
+        problem.nearestNames.push_back(isUnique ? model::ToText(qualified) : ToText(id));
+        if (problem.nearestNames.size() == kShown)
+            break;
+    }
+    return problem;
+}
+
+} // namespace qe::tool

@@ -1,0 +1,36 @@
+#ifndef TOOLKIT_ASK_RESOLVEDQUESTION_H
+#define TOOLKIT_ASK_RESOLVEDQUESTION_H
+
+#include "amd_id.h"
+
+#include <vector>
+
+namespace qe::model {
+class Model;
+}
+
+namespace qe::tool {
+
+struct Question;
+
+/// The names of a question as ids, and the candidate graph.
+struct ResolvedQuestion
+{
+    std::vector<amd_id> subjects{};
+    std::vector<amd_id> secondSet{};
+    std::vector<amd_id> favouredJoins{};
+    std::vector<amd_id> requiredJoins{};
+    std::vector<amd_id> avoidedJoins{};
+    std::vector<amd_id> favouredSubjects{};
+    std::vector<amd_id> nodes{};
+    std::vector<amd_id> joins{};
+};
+
+/// Finds the objects that the question names and applies its restriction. Subjects that are to be
+/// connected and ends of required joins are never left out for not being among the only ones.
+/// Throws InputError with all mistakes, also for lists that the operation has no use for.
+[[nodiscard]] ResolvedQuestion ResolveQuestion(const model::Model& model, const Question& question);
+
+} // namespace qe::tool
+
+#endif

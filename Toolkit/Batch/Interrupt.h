@@ -1,0 +1,31 @@
+#ifndef TOOLKIT_BATCH_INTERRUPT_H
+#define TOOLKIT_BATCH_INTERRUPT_H
+
+#include <atomic>
+#include <csignal>
+
+namespace qe::tool {
+
+/// Turns the first interrupt (SIGINT) into a flag while it lives; the second ends the process as
+/// usual. A thread that waits for standard input then sees its end. One object at a time.
+class Interrupt
+{
+public:
+    Interrupt();
+    Interrupt(const Interrupt&) = delete;
+    Interrupt& operator=(const Interrupt&) = delete;
+    ~Interrupt();
+
+    [[nodiscard]] const std::atomic<bool>& GetFlag() const { return mFlag; }
+
+private:
+    std::atomic<bool> mFlag = false;
+    /// An input that is at its end.
+    int mEmptyInput;
+    struct sigaction mEarlier
+    {};
+};
+
+} // namespace qe::tool
+
+#endif

@@ -1,0 +1,38 @@
+#include "Toolkit/Batch/LineReader.h"
+
+namespace qe::tool {
+
+bool LineReader::Next(RequestLine& line)
+{
+    while (Read(line)) {
+        if (line.isTooLong || line.text.find_first_not_of(" \t\r") != std::string::npos)
+            return true;
+    }
+    return false;
+}
+
+bool LineReader::Read(RequestLine& line)
+{
+    line = {};
+    constexpr int kEnd = std::char_traits<char>::eof();
+    std::streambuf& buffer = *mInput.rdbuf();
+    int letter = buffer.sbumpc();
+    if (letter == kEnd)
+        return false;
+    for (; letter != kEnd; letter = buffer.sbumpc()) {
+        ++mBytes;
+        if (letter == '\n')
+            break;
+        if (line.text.size() == mLongest) {
+            line.isTooLong = true;
+            line.text.clear();
+        }
+        if (!line.isTooLong)
+            line.text += static_cast<char>(letter);
+    }
+    line.number = ++mLines;
+    line.bytes = mBytes;
+    return true;
+}
+
+} // namespace qe::tool

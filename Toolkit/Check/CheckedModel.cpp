@@ -1,0 +1,128 @@
+#include "Toolkit/Check/CheckedModel.h"
+
+#include "AQE_I_QuerySubjectShortcutInfo.h"
+#include "AQE_I_Refiner.h"
+#include "AQE_RequestContext.h"
+#include "Engine/Model/Model.h"
+#include "Toolkit/Model/ToolModel.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace qe::tool {
+
+CheckedModel::CheckedModel(const ToolModel& model)
+    : mGateway(model.model), mSubjects(model.model->GetSubjects())
+{
+    for (std::size_t i = 0; i < mSubjects.size(); ++i)
+        mPositions.emplace(mSubjects[i], i);
+    ReadJoins(model);
+    AddShortcutJoins(model);
+    ListSteps();
+    CountNames();
+}
+
+void CheckedModel::ReadJoins(const ToolModel& model)
+{
+    for (const amd_id& id : model.model->GetJoins()) {
+        AQE_I_Refiner::QEjoinInfo info;
+        const bool isRead = AQE_I_Refiner::GetJoinInfo(&mGateway, nullptr, id, info);
+        const auto left = mPositions.find(info.leftQuerySubject);
+        const auto right = mPositions.find(info.rightQuerySubject);
+        if (!isRead || left == mPositions.end() || right == mPositions.end()) {
+            mUnreadableJoins.push_back(id);
+            continue;
+        }
+        mJoins.push_back({id, info.name.ToStdString(), left->second, right->second, info.weight,
+                          info.leftCardinality, info.rightCardinality,
+                          info.expression.ToStdString()});
+    }
+}
+
+void CheckedModel::AddShortcutJoins(const ToolModel& model)
+{
+    AQE_Governors governors = model.governors;
+    const std::unique_ptr<AQE_I_QuerySubjectShortcutInfo> shortcuts(
+        AQE_I_QuerySubjectShortcutInfo::Create(&mGateway, &governors, nullptr));
+    const std::span<const amd_id> joins = model.model->GetJoins();
+    shortcuts->Initialize({mSubjects.begin(), mSubjects.end()}, {joins.begin(), joins.end()}, {});
+    for (const AQE_I_Refiner::QEjoinInfo& info : shortcuts->GetShortcutJoins()) {
+        const auto left = mPositions.find(info.leftQuerySubject);
+        const auto right = mPositions.find(info.rightQuerySubject);
+        if (left == mPositions.end() || right == mPositions.end())
+            continue;
+        mJoins.push_back({info.joinId,
+                          {},
+                          left->second,
+                          right->second,
+                          info.weight,
+                          info.leftCardinality,
+                          info.rightCardinality,
+                          {}});
+    }
+}
+
+void CheckedModel::ListSteps()
+{
+    std::vector<std::vector<Step>> steps(mSubjects.size());
+    for (std::size_t i = 0; i < mJoins.size(); ++i) {
+        const CheckedJoin& join = mJoins[i];
+        if (join.left == join.right)
+            continue;
+        steps[join.left].push_back({join.right, i});
+        steps[join.right].push_back({join.left, i});
+    }
+    for (const std::vector<Step>& ofSubject : steps) {
+        mFirstSteps.push_back(mSteps.size());
+        mSteps.insert(mSteps.end(), ofSubject.begin(), ofSubject.end());
+    }
+    mFirstSteps.push_back(mSteps.size());
+}
+
+void CheckedModel::CountNames()
+{
+    for (const amd_id& id : mSubjects)
+        ++mNameCounts[GetModel().Find(id)->name];
+}
+
+std::span<const CheckedModel::Step> CheckedModel::GetSteps(std::size_t subject) const
+{
+    const std::size_t first = mFirstSteps[subject];
+    return std::span(mSteps).subspan(first, mFirstSteps[subject + 1] - first);
+}
+
+std::string CheckedModel::NameOf(const amd_id& id) const
+{
+    const model::ObjectRecord* const record = GetModel().Find(id);
+    if (record == nullptr)
+        return ToText(id);
+    const auto count = mNameCounts.find(record->name);
+    const bool isAlone = count == mNameCounts.end() || count->second == 1;
+    return isAlone ? record->name : model::ToText(GetModel().GetQualifiedName(id));
+}
+
+std::string CheckedModel::NameOf(std::size_t subject) const
+{
+    return NameOf(mSubjects[subject]);
+}
+
+bool IsMany(const BMT_I_Association::CardinalityRange& range)
+{
+    return range.maximum == BMT_I_Association::CardinalityMany;
+}
+
+std::string ListNames(const CheckedModel& model, const std::vector<std::size_t>& subjects,
+                      std::size_t limit)
+{
+    std::string text;
+    for (std::size_t i = 0; i < std::min(limit, subjects.size()); ++i) {
+        if (i > 0)
+            text += ", ";
+        text += model.NameOf(subjects[i]);
+    }
+    if (subjects.size() > limit)
+        text += " and " + std::to_string(subjects.size() - limit) + " more";
+    return text;
+}
+
+} // namespace qe::tool

@@ -1,0 +1,67 @@
+#ifndef TOOLKIT_CHECK_RULES_H
+#define TOOLKIT_CHECK_RULES_H
+
+#include "Toolkit/Check/Finding.h"
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+namespace qe::tool {
+
+class CheckedModel;
+
+/// How far rules look and how much they tell.
+struct CheckLimits
+{
+    /// The findings that each rule gives at most; what is left out is counted.
+    std::size_t findings = 20;
+    /// Ambiguous paths are looked for up to this many ordinary joins.
+    int pathJoins = 2;
+    /// The joins that the search for ambiguous paths passes at most, in all.
+    std::size_t pathSteps = 50'000'000;
+};
+
+/// One rule of the check. Its code never changes.
+struct Rule
+{
+    std::string_view code;
+    ESeverity severity;
+    RuleFindings (*check)(const CheckedModel& model, const CheckLimits& limits);
+};
+
+/// Gives all rules, in the order in which they are reported.
+[[nodiscard]] std::span<const Rule> GetRules();
+
+/// Subjects without any join. Takes linear time.
+[[nodiscard]] RuleFindings FindUnreachedSubjects(const CheckedModel& model,
+                                                 const CheckLimits& limits);
+/// Groups of subjects that no join connects to the largest group. Takes linear time.
+[[nodiscard]] RuleFindings FindSeparateGroups(const CheckedModel& model, const CheckLimits& limits);
+/// Shortcuts whose chain leads to nothing that could be joined. Takes linear time.
+[[nodiscard]] RuleFindings FindEmptyShortcuts(const CheckedModel& model, const CheckLimits& limits);
+/// Joins that the refiner leaves out because it cannot read them. Takes linear time.
+[[nodiscard]] RuleFindings FindUnreadableJoins(const CheckedModel& model,
+                                               const CheckLimits& limits);
+/// Joins whose condition does not mention both ends. Takes linear time.
+[[nodiscard]] RuleFindings FindOneSidedConditions(const CheckedModel& model,
+                                                  const CheckLimits& limits);
+/// Pairs of subjects with several cheapest paths that have no subject between them in common:
+/// longer ambiguous paths all come from such pairs. Nearest pairs first. Takes the time of a
+/// bounded search from each subject.
+[[nodiscard]] RuleFindings FindAmbiguousPaths(const CheckedModel& model, const CheckLimits& limits);
+/// Joins with many rows at both ends. Takes linear time.
+[[nodiscard]] RuleFindings FindManyToManyJoins(const CheckedModel& model,
+                                               const CheckLimits& limits);
+/// Subjects at which the rows of two facts meet: a path from one fact to the other over them
+/// multiplies the rows of both. Takes the time of a search from each subject over to-many joins.
+[[nodiscard]] RuleFindings FindSharedDimensions(const CheckedModel& model,
+                                                const CheckLimits& limits);
+/// Subjects with dimensions of their own that are themselves the to-one end of a join: a path over
+/// that join repeats their rows. Takes linear time.
+[[nodiscard]] RuleFindings FindMultipliedFacts(const CheckedModel& model,
+                                               const CheckLimits& limits);
+
+} // namespace qe::tool
+
+#endif

@@ -1,0 +1,33 @@
+#ifndef TOOLKIT_DRAW_ANSWERPICTURE_H
+#define TOOLKIT_DRAW_ANSWERPICTURE_H
+
+#include "Toolkit/Draw/Picture.h"
+
+namespace qe::tool {
+
+struct Answer;
+struct ToolModel;
+
+/// How much of a candidate graph is drawn.
+struct PictureLimits
+{
+    /// A graph of so many subjects is drawn as a whole.
+    std::size_t wholeGraph = 40;
+    /// Of a larger one, so many neighbours of what the answer touches are drawn as well.
+    std::size_t neighbours = 10;
+    /// The alternatives that are marked at most.
+    std::size_t alternatives = 10;
+};
+
+/// Gives the paths that are as good as the one taken: that one first, then the others that are
+/// equally cheap. Nothing when there is no path.
+[[nodiscard]] std::vector<std::vector<amd_id>> ListShownPaths(const Answer& answer,
+                                                              std::size_t limit);
+
+/// Draws an answer in its candidate graph.
+[[nodiscard]] Picture DrawAnswer(const ToolModel& model, const Answer& answer,
+                                 const PictureLimits& limits);
+
+} // namespace qe::tool
+
+#endif

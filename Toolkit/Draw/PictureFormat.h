@@ -1,0 +1,26 @@
+#ifndef TOOLKIT_DRAW_PICTUREFORMAT_H
+#define TOOLKIT_DRAW_PICTUREFORMAT_H
+
+#include <iosfwd>
+#include <string>
+
+namespace qe::tool {
+
+struct FormatInput;
+struct Picture;
+
+/// Gives the picture as an SVG document whose parts are called by the names of what they show.
+[[nodiscard]] std::string MakeSvg(const Picture& picture);
+
+/// Write the answer as a picture. The image formats throw InputError without Graphviz.
+void WriteDotFormat(std::ostream& out, const FormatInput& input);
+void WriteSvgFormat(std::ostream& out, const FormatInput& input);
+void WritePngFormat(std::ostream& out, const FormatInput& input);
+
+/// Escapes what XML and HTML read as markup. Control characters and marks of direction become
+/// visible escapes.
+[[nodiscard]] std::string EscapeMarkup(const std::string& text);
+
+} // namespace qe::tool
+
+#endif

@@ -1,0 +1,88 @@
+#include "Toolkit/Evaluate/ModelSource.h"
+
+#include "Engine/Model/Model.h"
+#include "Toolkit/Ask/ColumnPairs.h"
+#include "Toolkit/Text/InputError.h"
+
+#include <iterator>
+#include <system_error>
+#include <utility>
+
+namespace qe::tool {
+
+namespace {
+
+std::vector<NamedPair> FindModelPairs(const model::Model& model)
+{
+    std::vector<NamedPair> pairs;
+    for (const amd_id& id : model.GetJoins()) {
+        const model::ObjectRecord* const join = model.Find(model.GetTarget(id));
+        if (join == nullptr)
+            continue;
+        for (NamedPair& pair : FindNamedPairs(model, join->left, join->right, join->text))
+            pairs.push_back(std::move(pair));
+    }
+    return pairs;
+}
+
+} // namespace
+
+std::vector<NamedPair> FindNamedPairs(const model::Model& model, const amd_id& left,
+                                      const amd_id& right, const std::string& condition)
+{
+    const auto toName = [&](const Column& column) {
+        for (const amd_id& end : {left, right}) {
+            const model::ObjectRecord* const subject = model.Find(end);
+            if (subject == nullptr || subject->name != column.subject)
+                continue;
+            if (const auto* const target = model.Find(model.GetTarget(end)))
+                return ToColumnName(target->name, column.name);
+        }
+        return ToColumnName(column.subject, column.name);
+    };
+    std::vector<NamedPair> pairs;
+    for (const ColumnPair& pair : FindColumnPairs(condition))
+        pairs.emplace_back(toName(pair.left), toName(pair.right));
+    return pairs;
+}
+
+ModelSource::ModelSource(const std::filesystem::path& path, Opener opener)
+    : mOpener(std::move(opener)), mIsFolder(std::filesystem::is_directory(path))
+{
+    if (!mIsFolder) {
+        Open("", path);
+        return;
+    }
+    std::error_code failure;
+    for (const auto& entry : std::filesystem::directory_iterator(path, failure)) {
+        if (!entry.is_directory())
+            mFiles.emplace(entry.path().stem().string(), entry.path());
+    }
+    if (failure)
+        throw InputError(
+            {InputProblem{path.string(), "the folder cannot be read: " + failure.message()}});
+}
+
+const EvaluatedModel& ModelSource::Get(const std::string& database)
+{
+    const std::string key = mIsFolder ? database : "";
+    if (const auto known = mModels.find(key); known != mModels.end())
+        return known->second;
+    const auto [first, last] = mFiles.equal_range(key);
+    if (first == last)
+        throw InputError(
+            {InputProblem{"/db", "the folder holds no model of this database: " + database}});
+    if (std::next(first) != last)
+        throw InputError(
+            {{"/db", "the folder holds several models of this database: " + database}});
+    return Open(key, first->second);
+}
+
+const EvaluatedModel& ModelSource::Open(const std::string& key, const std::filesystem::path& path)
+{
+    EvaluatedModel opened{mOpener(path)};
+    opened.pairs = FindModelPairs(*opened.tool.model);
+    return mModels.emplace(key, std::move(opened)).first->second;
+}
+
+} // namespace qe::tool

@@ -1,0 +1,65 @@
+#include "Toolkit/Format.h"
+
+#include "Toolkit/Answers/JsonAnswer.h"
+#include "Toolkit/Answers/TextAnswer.h"
+#include "Toolkit/Draw/PictureFormat.h"
+#include "Toolkit/Page/Page.h"
+
+#include <array>
+#include <ostream>
+
+namespace qe::tool {
+
+namespace {
+
+void WriteTextFormat(std::ostream& out, const FormatInput& input)
+{
+    WriteText(out, input.question, input.answer, input.options.maximumAlternatives);
+}
+
+void WriteJsonFormat(std::ostream& out, const FormatInput& input)
+{
+    constexpr int kIndent = 2;
+    out << ToText(ToJson(input.question, input.answer, input.options.maximumAlternatives), kIndent)
+        << '\n';
+}
+
+void WriteSqlFormat(std::ostream& out, const FormatInput& input)
+{
+    const Answer& answer = input.answer;
+    const bool isStatement = input.options.sql.select == SqlOptions::ESelect::FirstItems;
+    const auto& path =
+        answer.path.empty() && !answer.bestPaths.empty() ? answer.bestPaths.front() : answer.path;
+    std::string sql = WriteSql(input.model, answer, path, input.options.sql);
+    if (isStatement && !sql.empty())
+        sql.back() = ';';
+    out << sql << (isStatement ? "\n" : "");
+}
+
+constexpr std::array kFormats{
+    Format{"text", "for people", WriteTextFormat},
+    Format{"json", "for programs", WriteJsonFormat},
+    Format{"sql", "a FROM clause along the path", WriteSqlFormat},
+    Format{"dot", "a graph for Graphviz", WriteDotFormat},
+    Format{"svg", "a picture, drawn by Graphviz", WriteSvgFormat},
+    Format{"png", "a picture, drawn by Graphviz", WritePngFormat},
+    Format{"html", "a page to look at and to choose in", WriteHtmlFormat},
+};
+
+} // namespace
+
+std::span<const Format> GetFormats()
+{
+    return kFormats;
+}
+
+const Format* FindFormat(std::string_view name)
+{
+    for (const Format& format : kFormats) {
+        if (format.name == name)
+            return &format;
+    }
+    return nullptr;
+}
+
+} // namespace qe::tool

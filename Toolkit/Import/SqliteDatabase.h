@@ -1,0 +1,91 @@
+#ifndef TOOLKIT_IMPORT_SQLITEDATABASE_H
+#define TOOLKIT_IMPORT_SQLITEDATABASE_H
+
+#include <cstdint>
+#include <filesystem>
+#include <list>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace qe::tool {
+
+/// What SQLite says about a statement or file.
+class SqliteError : public std::runtime_error
+{
+public:
+    /// Takes the byte of the statement that is wrong; -1 when the fault is nowhere in it.
+    SqliteError(const std::string& text, int offset) : std::runtime_error(text), mOffset(offset) {}
+
+    [[nodiscard]] int GetOffset() const noexcept { return mOffset; }
+
+private:
+    int mOffset;
+};
+
+struct StatementFinalizer
+{
+    void operator()(sqlite3_stmt* statement) const;
+};
+
+using Statement = std::unique_ptr<sqlite3_stmt, StatementFinalizer>;
+
+/// An open SQLite database. What runs in it can neither reach other files nor run on for ever:
+/// statements that take too many steps end in an error.
+class SqliteDatabase
+{
+public:
+    /// Opens a file, only to read it. Raises a SqliteError when that cannot be done.
+    [[nodiscard]] static SqliteDatabase OpenFile(const std::filesystem::path& path);
+    /// Makes an empty database in memory.
+    [[nodiscard]] static SqliteDatabase OpenMemory();
+
+    /// Runs the first statement that stands in `script` from `offset` on, and gives the offset
+    /// behind it; the end of the script when there was none. Raises a SqliteError when the
+    /// statement is wrong.
+    std::size_t ExecuteFirst(const std::string& script, std::size_t offset);
+
+    [[nodiscard]] sqlite3* GetHandle() const { return mHandle.get(); }
+
+private:
+    struct Closer
+    {
+        void operator()(sqlite3* handle) const;
+    };
+
+    SqliteDatabase(const std::string& name, int flags);
+
+    std::unique_ptr<sqlite3, Closer> mHandle;
+    std::unique_ptr<std::int64_t> mSteps;
+};
+
+/// The rows that a statement gives, one after the other.
+class SqliteQuery
+{
+public:
+    /// Raises a SqliteError when the statement is wrong.
+    SqliteQuery(const SqliteDatabase& database, std::string_view statement);
+
+    /// Gives the n-th parameter, counted from 1, a text.
+    SqliteQuery& Bind(int parameter, std::string_view text);
+    /// Goes on to the next row; false when there is none.
+    [[nodiscard]] bool Next();
+    /// Gives a column of the row, counted from 0; the empty text for null.
+    [[nodiscard]] std::string GetText(int column) const;
+    [[nodiscard]] std::int64_t GetNumber(int column) const;
+    [[nodiscard]] bool IsNull(int column) const;
+
+private:
+    sqlite3* mDatabase;
+    /// What the parameters refer to; a list, whose elements stay where they are.
+    std::list<std::string> mTexts;
+    Statement mStatement;
+};
+
+} // namespace qe::tool
+
+#endif

@@ -1,0 +1,209 @@
+#include "Toolkit/Model/ContentWriter.h"
+
+#include "Toolkit/Model/ModelKeys.h"
+#include "Toolkit/Model/ModelWords.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <string>
+
+namespace qe::tool {
+
+using model::EFamily;
+using nlohmann::ordered_json;
+
+namespace {
+
+ordered_json CardinalityJson(const model::CardinalityRange& range)
+{
+    if (const auto word = CardinalityWord(range))
+        return *word;
+    return ordered_json::array({range.minimum, range.maximum});
+}
+
+ordered_json GovernorJson(const GovernorWords& words, std::int32_t value)
+{
+    if (value < 0 || static_cast<std::size_t>(value) >= words.size())
+        return value;
+    return std::string(words[static_cast<std::size_t>(value)]);
+}
+
+ordered_json FullId(const amd_id& id)
+{
+    if (id.domain == 0)
+        return id.number;
+    return ordered_json::array({id.domain, id.number});
+}
+
+/// The families in which the name in a reference of such an object is looked for, in that order.
+std::vector<EFamily> FamiliesFor(std::int32_t fromClass, const amd_id& to)
+{
+    if (model::IsJoinClass(fromClass))
+        return {model::FamilyOf(to.classCode)};
+    return {EFamily::Subject, EFamily::Filter, EFamily::Join, EFamily::Container, EFamily::Item};
+}
+
+} // namespace
+
+ordered_json ContentWriter::Write()
+{
+    ordered_json json;
+    json[keys::Version] = 1;
+    json[keys::Locale] = mModel->GetLocale(amd_id()).GetTag().ToStdString();
+    if (!mTool->userClasses.empty())
+        json[keys::UserClasses] = mTool->userClasses;
+    WriteGovernors(json);
+    WriteHeld(amd_id(), json);
+    WriteQuery(json);
+    return json;
+}
+
+void ContentWriter::WriteGovernors(ordered_json& json) const
+{
+    const AQE_Governors& governors = mTool->governors;
+    if (governors.crossProductAllowed != 0)
+        json[keys::Governors][keys::CrossProductAllowed] =
+            GovernorJson(CrossProductWords(), governors.crossProductAllowed);
+    if (governors.shortcutGrouping != 0)
+        json[keys::Governors][keys::ShortcutGrouping] =
+            GovernorJson(ShortcutGroupingWords(), governors.shortcutGrouping);
+}
+
+void ContentWriter::WriteHeld(const amd_id& holder, ordered_json& json)
+{
+    std::map<std::int32_t, std::vector<amd_id>> held;
+    for (const amd_id& id : mModel->GetChildren(holder)) {
+        const bool isRelationship = id.classCode == IdClassRelationship136;
+        held[isRelationship ? IdClassRelationship : id.classCode].push_back(id);
+    }
+    WriteList(keys::Subjects, held[IdClassQuerySubject], json);
+    WriteList(keys::Shortcuts, held[IdClassShortcut], json);
+    WriteList(keys::Relationships, held[IdClassRelationship], json);
+    WriteList(keys::RelationshipShortcuts, held[IdClassRelationshipShortcut], json);
+    WriteList(keys::Filters, held[IdClassFilter], json);
+    WriteList(keys::Folders, held[IdClassFolder], json);
+    WriteList(keys::Namespaces, held[model::IdClassNamespace], json);
+}
+
+void ContentWriter::WriteQuery(ordered_json& json)
+{
+    ordered_json query;
+    const auto joins = mModel->GetIds(IdClassSpecJoin);
+    const auto filters = mModel->GetIds(IdClassSpecFilter);
+    WriteList(keys::Joins, {joins.begin(), joins.end()}, query);
+    WriteList(keys::Filters, {filters.begin(), filters.end()}, query);
+    if (!query.empty())
+        json[keys::Query] = std::move(query);
+}
+
+void ContentWriter::WriteList(const char* key, const std::vector<amd_id>& ids, ordered_json& json)
+{
+    for (const amd_id& id : ids)
+        json[key].push_back(WriteObject(*mModel->Find(id)));
+}
+
+ordered_json ContentWriter::WriteObject(const Record& record)
+{
+    ordered_json json;
+    json[keys::Name] = record.name;
+    ordered_json id = WriteId(record.id);
+    if (!id.is_null())
+        json[keys::Id] = std::move(id);
+    if (record.displayName != record.name)
+        json[keys::DisplayName] = record.displayName;
+    if (!record.locale.empty())
+        json[keys::Locale] = record.locale;
+
+    const std::int32_t classCode = record.id.classCode;
+    if (model::IsContainerClass(classCode))
+        WriteHeld(record.id, json);
+    else if (classCode == IdClassQuerySubject)
+        WriteSubject(record, json);
+    else if (model::IsJoinClass(classCode))
+        WriteJoin(record, json);
+    else if (model::IsFilterClass(classCode))
+        json[keys::Condition] = record.text;
+    if (classCode == IdClassShortcut) {
+        json[keys::Target] = WriteReference(record, record.referenced);
+        if (record.shortcutKind != 0)
+            json[keys::Kind] = record.shortcutKind;
+    }
+    return json;
+}
+
+void ContentWriter::WriteSubject(const Record& record, ordered_json& json)
+{
+    if (!record.text.empty())
+        json[keys::Table] = record.text;
+    for (const amd_id& id : mModel->GetChildren(record.id)) {
+        ordered_json item = WriteObject(*mModel->Find(id));
+        const bool isMereName = item.size() == 1;
+        json[keys::Items].push_back(isMereName ? ordered_json(item[keys::Name]) : std::move(item));
+    }
+}
+
+void ContentWriter::WriteJoin(const Record& record, ordered_json& json) const
+{
+    const bool isShortcut = record.id.classCode == IdClassRelationshipShortcut;
+    if (record.id.classCode == IdClassRelationship136)
+        json[keys::Class] = IdClassRelationship136;
+    if (isShortcut)
+        json[keys::Target] = WriteReference(record, record.referenced);
+    json[keys::Left] = WriteReference(record, record.left);
+    if (!isShortcut)
+        json[keys::LeftCardinality] = CardinalityJson(record.leftCardinality);
+    json[keys::Right] = WriteReference(record, record.right);
+    if (!isShortcut)
+        json[keys::RightCardinality] = CardinalityJson(record.rightCardinality);
+    if (!record.text.empty())
+        json[keys::Condition] = record.text;
+}
+
+ordered_json ContentWriter::WriteReference(const Record& from, const amd_id& to) const
+{
+    const std::string& ownName = mModel->Find(to)->name;
+    if (LeadsTo(from, to, {ownName}))
+        return model::ToText({ownName});
+    const model::QualifiedName name = mModel->GetQualifiedName(to);
+    if (LeadsTo(from, to, name))
+        return model::ToText(name);
+    ordered_json json;
+    json[keys::Class] = to.classCode;
+    json[keys::Id] = FullId(to);
+    return json;
+}
+
+bool ContentWriter::LeadsTo(const Record& from, const amd_id& to,
+                            const model::QualifiedName& name) const
+{
+    for (const EFamily family : FamiliesFor(from.id.classCode, to)) {
+        std::vector<amd_id> found = mModel->FindByName(family, name);
+        found.erase(std::remove(found.begin(), found.end(), from.id), found.end());
+        // A name that leads nowhere as it is written is looked for letter by letter, dots and all.
+        if (found.empty() &&
+            !mModel->FindByName(family, model::QualifiedName{model::ToText(name)}).empty())
+            return false;
+        if (found.empty())
+            continue;
+        if (found.size() == 1)
+            return found.front() == to;
+        found.erase(std::remove_if(
+                        found.begin(), found.end(),
+                        [&](const amd_id& id) { return mModel->GetNamespace(id) != from.space; }),
+                    found.end());
+        return found.size() == 1 && found.front() == to;
+    }
+    return false;
+}
+
+ordered_json ContentWriter::WriteId(const amd_id& id)
+{
+    std::int32_t& last = mLastNumbers[id.classCode];
+    if (id.domain != 0 || id.number != last + 1)
+        return FullId(id);
+    ++last;
+    return nullptr;
+}
+
+} // namespace qe::tool

@@ -1,0 +1,47 @@
+#ifndef TOOLKIT_MODEL_MODELASSEMBLER_H
+#define TOOLKIT_MODEL_MODELASSEMBLER_H
+
+#include "Toolkit/Model/ModelContent.h"
+#include "Toolkit/Text/FileProblems.h"
+
+#include <cstddef>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace qe::model {
+class Model;
+class ModelError;
+} // namespace qe::model
+
+namespace qe::tool {
+
+/// Makes a model of what a file says. Refers to both arguments.
+class ModelAssembler
+{
+public:
+    ModelAssembler(const ModelContent& content, FileProblems& problems);
+
+    /// Gives the model, and tells what is wrong with it. As long as there are mistakes, objects
+    /// that have them are left out, so that conditions can still be checked against the rest; it
+    /// gives null when that does not lead to a model.
+    [[nodiscard]] std::shared_ptr<const model::Model> Assemble();
+
+    /// Gives the names of the objects that were left out.
+    [[nodiscard]] const std::set<std::string>& GetDoubtfulNames() const { return mDoubtfulNames; }
+
+private:
+    [[nodiscard]] std::shared_ptr<const model::Model> Build();
+    void Tell(const model::ModelError& error);
+    void LeaveOut(const model::ModelError& error);
+
+    const ModelContent* mContent;
+    FileProblems* mProblems;
+    std::vector<bool> mLeftOut;
+    std::set<std::string> mDoubtfulNames;
+};
+
+} // namespace qe::tool
+
+#endif

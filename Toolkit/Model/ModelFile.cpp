@@ -1,0 +1,47 @@
+#include "Toolkit/Model/ModelFile.h"
+
+#include "Toolkit/Model/ConditionCheck.h"
+#include "Toolkit/Model/ContentReader.h"
+#include "Toolkit/Model/ContentWriter.h"
+#include "Toolkit/Model/ModelAssembler.h"
+#include "Toolkit/Text/FileProblems.h"
+#include "Toolkit/Text/InputFile.h"
+#include "Toolkit/Text/JsonLayout.h"
+#include "Toolkit/Text/JsonText.h"
+
+#include <nlohmann/json.hpp>
+
+#include <utility>
+
+namespace qe::tool {
+
+ToolModel ReadModelFile(const std::filesystem::path& path)
+{
+    return ReadModelText(ReadInputFile(path), path.string());
+}
+
+ToolModel ReadModelText(std::string_view text, const std::string& fileName)
+{
+    FileProblems problems(fileName);
+    const nlohmann::json document = ParseJson(text, fileName, problems);
+    ModelContent content = ContentReader(problems).Read(document);
+
+    ModelAssembler assembler(content, problems);
+    ToolModel result;
+    result.model = assembler.Assemble();
+    ConditionCheck conditions(result.model, assembler.GetDoubtfulNames(), problems);
+    for (const ContentObject& object : content.objects)
+        conditions.Check(object);
+    problems.RaiseIfAny();
+
+    result.userClasses = std::move(content.userClasses);
+    result.governors = content.governors;
+    return result;
+}
+
+std::string WriteModelText(const ToolModel& model)
+{
+    return LayOut(ContentWriter(model).Write());
+}
+
+} // namespace qe::tool

@@ -1,0 +1,26 @@
+#ifndef TOOLKIT_MODEL_MODELFILE_H
+#define TOOLKIT_MODEL_MODELFILE_H
+
+#include "Toolkit/Model/ToolModel.h"
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace qe::tool {
+
+/// Reads a model file (JSON; see Documentation/model-format.md). Raises an InputError that tells
+/// as many of its mistakes as can be found at once.
+[[nodiscard]] ToolModel ReadModelFile(const std::filesystem::path& path);
+
+/// Reads the text of a model file. Messages show `fileName`.
+[[nodiscard]] ToolModel ReadModelText(std::string_view text, const std::string& fileName);
+
+/// Writes a model as the text of a model file, from which ReadModelText makes an equal one: same
+/// objects, ids, user classes and governors; the notes are left out. Equal models give equal
+/// texts. Bytes that are not UTF-8 are replaced by U+FFFD.
+[[nodiscard]] std::string WriteModelText(const ToolModel& model);
+
+} // namespace qe::tool
+
+#endif

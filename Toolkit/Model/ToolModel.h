@@ -1,0 +1,29 @@
+#ifndef TOOLKIT_MODEL_TOOLMODEL_H
+#define TOOLKIT_MODEL_TOOLMODEL_H
+
+#include "AQE_Governors.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace qe::model {
+class Model;
+}
+
+namespace qe::tool {
+
+/// A model with what else a request needs to know of it.
+struct ToolModel
+{
+    std::shared_ptr<const model::Model> model;
+    /// The user classes that requests are made with.
+    std::vector<std::string> userClasses{};
+    AQE_Governors governors{};
+    /// What reading left out or had to guess, one sentence each.
+    std::vector<std::string> notes{};
+};
+
+} // namespace qe::tool
+
+#endif

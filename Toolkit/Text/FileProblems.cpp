@@ -1,0 +1,73 @@
+#include "Toolkit/Text/FileProblems.h"
+
+#include <cstdio>
+#include <utility>
+
+namespace qe::tool {
+
+namespace {
+
+constexpr std::size_t MaximumProblems = 100;
+
+/// Keeps what a file holds from breaking the lines of a message.
+std::string OnOneLine(const std::string& text)
+{
+    std::string line;
+    for (const char letter : text) {
+        const auto byte = static_cast<unsigned char>(letter);
+        if (byte >= 0x20 && byte != 0x7F) {
+            line += letter;
+            continue;
+        }
+        char escaped[8];
+        std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(byte));
+        line += escaped;
+    }
+    return line;
+}
+
+} // namespace
+
+void FileProblems::Add(const std::string& pointer, const std::string& text,
+                       std::vector<std::string> nearestNames)
+{
+    Settle(pointer);
+    if (mProblems.size() == MaximumProblems) {
+        ++mLeftOut;
+        return;
+    }
+    for (std::string& name : nearestNames)
+        name = OnOneLine(name);
+    mProblems.push_back(
+        {mFileName + '#' + OnOneLine(pointer), OnOneLine(text), std::move(nearestNames)});
+}
+
+void FileProblems::RaiseIfAny()
+{
+    if (mProblems.empty())
+        return;
+    if (mLeftOut > 0)
+        mProblems.push_back({mFileName, "further mistakes: " + std::to_string(mLeftOut)});
+    throw InputError(std::move(mProblems));
+}
+
+std::string ChildPointer(const std::string& pointer, std::string_view key)
+{
+    std::string child = pointer + '/';
+    for (const char letter : key) {
+        if (letter == '~')
+            child += "~0";
+        else if (letter == '/')
+            child += "~1";
+        else
+            child += letter;
+    }
+    return child;
+}
+
+std::string ChildPointer(const std::string& pointer, std::size_t index)
+{
+    return pointer + '/' + std::to_string(index);
+}
+
+} // namespace qe::tool

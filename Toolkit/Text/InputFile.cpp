@@ -1,0 +1,61 @@
+#include "Toolkit/Text/InputFile.h"
+
+#include "Toolkit/Text/InputError.h"
+
+#include <array>
+#include <cerrno>
+#include <fstream>
+#include <system_error>
+
+namespace qe::tool {
+
+namespace {
+
+[[noreturn]] void Refuse(const std::filesystem::path& path, const std::string& text)
+{
+    throw InputError({{path.string(), text}});
+}
+
+std::ifstream Open(const std::filesystem::path& path)
+{
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (status.type() == std::filesystem::file_type::not_found)
+        Refuse(path, "there is no such file");
+    if (status.type() == std::filesystem::file_type::directory)
+        Refuse(path, "is a folder, not a file");
+    if (status.type() == std::filesystem::file_type::none)
+        Refuse(path, "cannot be read: " + error.message());
+    errno = 0;
+    return std::ifstream(path, std::ios::binary);
+}
+
+/// Reads until the end of the file, or until there are more than `count` bytes.
+std::string Read(const std::filesystem::path& path, std::uintmax_t count)
+{
+    std::ifstream stream = Open(path);
+    std::string text;
+    std::array<char, 65536> block{};
+    while (text.size() <= count && (stream.read(block.data(), block.size()) || stream.gcount() > 0))
+        text.append(block.data(), static_cast<std::size_t>(stream.gcount()));
+    if (!stream.eof() && text.size() <= count)
+        Refuse(path, "cannot be read: " + std::generic_category().message(errno));
+    return text;
+}
+
+} // namespace
+
+std::string ReadInputFile(const std::filesystem::path& path)
+{
+    std::string text = Read(path, MaximumFileSize);
+    if (text.size() > MaximumFileSize)
+        Refuse(path, "is too large: more than " + std::to_string(MaximumFileSize) + " bytes");
+    return text;
+}
+
+std::string ReadInputStart(const std::filesystem::path& path, std::size_t count)
+{
+    return Read(path, count).substr(0, count);
+}
+
+} // namespace qe::tool
