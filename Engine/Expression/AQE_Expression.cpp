@@ -4,7 +4,7 @@
 #include "Engine/Expression/MarkupRemover.h"
 #include "Engine/Expression/ParsedExpression.h"
 #include "Engine/Expression/Parser.h"
-#include "Engine/Expression/PositionCounter.h"
+#include "Engine/Services/TextPosition.h"
 #include "HBNException.h"
 #include "amdi_gateway.h"
 
@@ -15,6 +15,8 @@
 namespace {
 
 using namespace qe::expression;
+using qe::PositionCounter;
+using qe::TextPosition;
 
 constexpr char sourcePath[] = "Engine/Expression/AQE_Expression";
 constexpr std::uint32_t syntaxErrorMessage = 0xA9E5E001;

@@ -1,7 +1,5 @@
 #include "Engine/Expression/Lexer.h"
 
-#include "Engine/Expression/Characters.h"
-
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -51,16 +49,11 @@ constexpr std::array<Spelling, 16> symbols{{{"<>", ETokenKind::NotEqual},
                                             {",", ETokenKind::Comma},
                                             {".", ETokenKind::Dot}}};
 
-constexpr char ToLower(char c) noexcept
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 } // namespace
 
 ETokenKind KeywordOf(std::string_view word) noexcept
 {
-    const auto sameLetter = [](char left, char right) { return ToLower(left) == right; };
+    const auto sameLetter = [](char left, char right) { return ascii::ToLower(left) == right; };
     for (const Spelling& keyword : keywords)
         if (std::equal(word.begin(), word.end(), keyword.text.begin(), keyword.text.end(),
                        sameLetter))
@@ -86,7 +79,7 @@ Token Lexer::Next()
 
 Token Lexer::NextPiece()
 {
-    while (mOffset < mText.size() && IsBlank(mText[mOffset]))
+    while (mOffset < mText.size() && ascii::IsSpace(mText[mOffset]))
         ++mOffset;
     if (mOffset == mText.size())
         return Take(ETokenKind::End, 0);
@@ -99,7 +92,7 @@ Token Lexer::NextPiece()
         return TakeQuoted('\'', ETokenKind::String, ETokenKind::OpenString);
     if (IsWordStart(c))
         return TakeWord();
-    if (IsDigit(c) || (c == '.' && IsDigitAt(mOffset + 1)))
+    if (ascii::IsDigit(c) || (c == '.' && IsDigitAt(mOffset + 1)))
         return TakeNumber();
     const std::string_view pair = mText.substr(mOffset, 2);
     if (pair == "--" || pair == "/*")
@@ -145,7 +138,7 @@ Token Lexer::TakeNumber()
     std::size_t end = SkipDigits(mOffset);
     if (end < mText.size() && mText[end] == '.')
         end = SkipDigits(end + 1);
-    if (end < mText.size() && ToLower(mText[end]) == 'e') {
+    if (end < mText.size() && ascii::ToLower(mText[end]) == 'e') {
         std::size_t exponent = end + 1;
         if (exponent < mText.size() && (mText[exponent] == '+' || mText[exponent] == '-'))
             ++exponent;
@@ -173,7 +166,7 @@ std::size_t Lexer::SkipDigits(std::size_t offset) const
 
 bool Lexer::IsDigitAt(std::size_t offset) const
 {
-    return offset < mText.size() && IsDigit(mText[offset]);
+    return offset < mText.size() && ascii::IsDigit(mText[offset]);
 }
 
 } // namespace qe::expression

@@ -2,6 +2,7 @@
 #define ENGINE_EXPRESSION_LEXER_H
 
 #include "Engine/Expression/Token.h"
+#include "Engine/Services/AsciiText.h"
 
 #include <cstddef>
 #include <string_view>
@@ -34,6 +35,19 @@ private:
     std::string_view mText;
     std::size_t mOffset = 0;
 };
+
+/// Returns whether a name without brackets may begin with the byte. Every byte of a character
+/// beyond ASCII may.
+[[nodiscard]] constexpr bool IsWordStart(char c) noexcept
+{
+    return ascii::IsLetter(c) || c == '_' || static_cast<unsigned char>(c) >= 0x80;
+}
+
+/// Returns whether a name without brackets may go on with the byte.
+[[nodiscard]] constexpr bool IsWordPart(char c) noexcept
+{
+    return IsWordStart(c) || ascii::IsDigit(c) || c == '$' || c == '#';
+}
 
 /// Gives the keyword that `word` is, in any case, or Word.
 [[nodiscard]] ETokenKind KeywordOf(std::string_view word) noexcept;

@@ -1,7 +1,7 @@
 #include "Engine/Expression/MarkupRemover.h"
 
-#include "Engine/Expression/Characters.h"
 #include "Engine/Expression/Lexer.h"
+#include "Engine/Services/AsciiText.h"
 
 #include <utility>
 
@@ -80,7 +80,7 @@ std::size_t MarkupRemover::CopyPiece(std::size_t offset)
             return offset + entity.size();
         }
     }
-    if (IsBlank(rest.front())) {
+    if (ascii::IsSpace(rest.front())) {
         Emit(rest.substr(0, 1), offset);
         return offset + 1;
     }
@@ -109,7 +109,7 @@ void MarkupRemover::NoteClosingTags()
             mLastClosing[tag.name] = tag.end;
         if (tag.shape != ETagShape::None)
             offset = tag.end;
-        else if (IsBlank(mText[offset]))
+        else if (ascii::IsSpace(mText[offset]))
             ++offset;
         else
             offset += Lexer(mText.substr(offset)).NextPiece().text.size();

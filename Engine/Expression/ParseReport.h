@@ -2,7 +2,7 @@
 #define ENGINE_EXPRESSION_PARSEREPORT_H
 
 #include "Engine/Expression/SyntaxError.h"
-#include "Engine/Expression/TextPosition.h"
+#include "Engine/Services/TextPosition.h"
 #include "I18NString.h"
 #include "QEENGINE_EXPORT.h"
 

@@ -1,7 +1,7 @@
 #ifndef ENGINE_EXPRESSION_SYNTAXERROR_H
 #define ENGINE_EXPRESSION_SYNTAXERROR_H
 
-#include "Engine/Expression/TextPosition.h"
+#include "Engine/Services/TextPosition.h"
 
 #include <string>
 

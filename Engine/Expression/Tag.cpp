@@ -1,6 +1,6 @@
 #include "Engine/Expression/Tag.h"
 
-#include "Engine/Expression/Characters.h"
+#include "Engine/Services/AsciiText.h"
 
 namespace qe::expression {
 
@@ -24,12 +24,12 @@ public:
     bool SkipBlanks()
     {
         const std::size_t begin = mOffset;
-        while (IsBlank(Current()))
+        while (ascii::IsSpace(Current()))
             ++mOffset;
         return mOffset > begin;
     }
 
-    [[nodiscard]] bool IsAtName() const { return IsAsciiLetter(Current()) || Current() == '_'; }
+    [[nodiscard]] bool IsAtName() const { return ascii::IsLetter(Current()) || Current() == '_'; }
 
     std::string_view ReadName()
     {
@@ -60,7 +60,8 @@ public:
 private:
     static bool IsNamePart(char c)
     {
-        return IsAsciiLetter(c) || IsDigit(c) || c == '_' || c == '-' || c == ':' || c == '.';
+        return ascii::IsLetter(c) || ascii::IsDigit(c) || c == '_' || c == '-' || c == ':' ||
+               c == '.';
     }
 
     [[nodiscard]] char Current() const { return mOffset < mText.size() ? mText[mOffset] : '\0'; }

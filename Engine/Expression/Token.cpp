@@ -1,5 +1,7 @@
 #include "Engine/Expression/Token.h"
 
+#include "Engine/Services/Utf8.h"
+
 namespace qe::expression {
 
 std::string GetValue(const Token& token)
@@ -21,10 +23,7 @@ std::string Describe(const Token& token)
         return "the end of the text";
     if (token.text.size() <= longest)
         return '"' + std::string(token.text) + '"';
-    std::size_t length = longest;
-    while (length > 0 && (static_cast<unsigned char>(token.text[length]) & 0xC0U) == 0x80U)
-        --length;
-    return '"' + std::string(token.text.substr(0, length)) + "...\"";
+    return '"' + std::string(CutUtf8(token.text, longest)) + "...\"";
 }
 
 } // namespace qe::expression

@@ -1,5 +1,7 @@
 #include "Engine/Model/NearestNames.h"
 
+#include "Engine/Services/AsciiText.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -22,7 +24,7 @@ std::string FoldCase(std::string_view text)
     unsigned char previous = 0;
     for (char& letter : folded) {
         const auto byte = static_cast<unsigned char>(letter);
-        if ((byte >= 'A' && byte <= 'Z') || IsLatin1Capital(previous, byte))
+        if (ascii::IsUpper(letter) || IsLatin1Capital(previous, byte))
             letter = static_cast<char>(byte + 0x20);
         previous = byte;
     }

@@ -1,21 +1,13 @@
 #include "Engine/Services/SettingsTable.h"
 
+#include "Engine/Services/AsciiText.h"
+
 #include <charconv>
 #include <ini.h>
 #include <system_error>
 
 namespace qe {
 namespace {
-
-std::string ToLowerCase(std::string_view text)
-{
-    std::string lower(text);
-    for (char& letter : lower) {
-        if (letter >= 'A' && letter <= 'Z')
-            letter = static_cast<char>(letter - 'A' + 'a');
-    }
-    return lower;
-}
 
 /// What the INI reader makes of one line.
 struct IniLine
@@ -125,7 +117,7 @@ private:
 
 SettingName MakeSettingName(std::string_view section, std::string_view key)
 {
-    return {ToLowerCase(section), ToLowerCase(key)};
+    return {ascii::ToLower(std::string(section)), ascii::ToLower(std::string(key))};
 }
 
 std::optional<int> SettingsTable::Find(const SettingName& name) const

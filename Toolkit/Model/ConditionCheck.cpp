@@ -35,7 +35,7 @@ QualifiedName ToNames(const std::vector<I18NString>& texts)
     return names;
 }
 
-std::string ToPlace(const expression::TextPosition& position)
+std::string ToPlace(const TextPosition& position)
 {
     return std::to_string(position.line) + ':' + std::to_string(position.column);
 }
