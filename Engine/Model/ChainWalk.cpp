@@ -48,8 +48,8 @@ EChain ChainWalk::Classify(const amd_id& id) const
     const std::size_t length =
         mLengths[static_cast<std::size_t>(record - mTable->GetRecords().data())];
     if (length == Circular)
-        return EChain::Circle;
-    return length > MaximumChain ? EChain::TooLong : EChain::Ends;
+        return EChain::Cyclic;
+    return length > kMaximumChain ? EChain::TooLong : EChain::Ends;
 }
 
 } // namespace qe::model

@@ -14,10 +14,10 @@ namespace qe::model {
 enum class EChain : std::uint8_t
 {
     Ends,
-    /// It is longer than MaximumChain.
+    /// It is longer than kMaximumChain.
     TooLong,
     /// It meets some object twice.
-    Circle,
+    Cyclic,
 };
 
 /// Follows one kind of reference from every object of a table at once, in linear time however

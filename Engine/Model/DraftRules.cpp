@@ -105,8 +105,8 @@ void CheckUniqueNames(const std::vector<ObjectDraft>& drafts, const std::vector<
     }
 }
 
-void BreakHolderCircles(std::vector<ObjectDraft>& drafts, const ObjectTable& table,
-                        ProblemList& problems)
+void BreakParentCycles(std::vector<ObjectDraft>& drafts, const ObjectTable& table,
+                       ProblemList& problems)
 {
     const ChainWalk walk(table, [](const ObjectRecord& record) { return record.parent; });
     for (std::size_t i = 0; i < drafts.size(); ++i) {
@@ -114,16 +114,16 @@ void BreakHolderCircles(std::vector<ObjectDraft>& drafts, const ObjectTable& tab
         if (!IsContainerClass(drafts[i].classCode) || chain == EChain::Ends)
             continue;
         problems.Add(i, EAspect::Parent,
-                     chain == EChain::Circle
-                         ? "has holders that run in a circle"
-                         : "lies too deep: more than " + std::to_string(MaximumChain) + " holders");
+                     chain == EChain::Cyclic ? "has a chain of parents that is cyclic"
+                                             : "lies too deep: more than " +
+                                                   std::to_string(kMaximumChain) + " parents");
         drafts[i].record.parent = {};
     }
 }
 
-amd_id SpaceAround(const ObjectTable& table, const amd_id& holder)
+amd_id SpaceAround(const ObjectTable& table, const amd_id& parent)
 {
-    const ObjectRecord* record = table.Find(holder);
+    const ObjectRecord* record = table.Find(parent);
     while (record != nullptr && record->id.classCode != IdClassNamespace)
         record = table.Find(record->parent);
     return record == nullptr ? amd_id() : record->id;
@@ -137,10 +137,10 @@ void CheckCardinalities(const std::vector<ObjectDraft>& drafts, ProblemList& pro
             continue;
         if (!IsRange(drafts[i].record.leftCardinality))
             problems.Add(i, EAspect::LeftCardinality,
-                         "has a cardinality at its left end that is no range");
+                         "has a cardinality at its left end that is not a valid range");
         if (!IsRange(drafts[i].record.rightCardinality))
             problems.Add(i, EAspect::RightCardinality,
-                         "has a cardinality at its right end that is no range");
+                         "has a cardinality at its right end that is not a valid range");
     }
 }
 
@@ -163,11 +163,11 @@ void CheckTargets(const std::vector<ObjectDraft>& drafts, const ObjectTable& tab
             continue;
         }
         const EChain chain = walk.Classify(draft.record.id);
-        if (chain == EChain::Circle)
-            problems.Add(i, EAspect::Target, "has a chain of shortcuts that runs in a circle");
+        if (chain == EChain::Cyclic)
+            problems.Add(i, EAspect::Target, "has a chain of shortcuts that is cyclic");
         else if (chain == EChain::TooLong)
             problems.Add(i, EAspect::Target,
-                         "stands behind a chain of more than " + std::to_string(MaximumChain) +
+                         "stands behind a chain of more than " + std::to_string(kMaximumChain) +
                              " shortcuts");
     }
 }

@@ -10,7 +10,7 @@
 
 namespace qe::model {
 
-/// Finds the objects of one family by name. Lookups are binary searches; the suggestions for a
+/// Finds the objects of one name kind by name. Lookups are binary searches; the suggestions for a
 /// wrong name read every name of the scope.
 ///
 /// Every object has a scope, the object within which its name is looked up: the query subject of
