@@ -21,7 +21,7 @@ public:
         return found;
     }
 
-    bool SkipBlanks()
+    bool SkipSpaces()
     {
         const std::size_t begin = mOffset;
         while (ascii::IsSpace(Current()))
@@ -43,10 +43,10 @@ public:
     bool SkipAttribute()
     {
         ReadName();
-        SkipBlanks();
+        SkipSpaces();
         if (!Skip('='))
             return false;
-        SkipBlanks();
+        SkipSpaces();
         const char quote = Current();
         if (quote != '"' && quote != '\'')
             return false;
@@ -80,8 +80,8 @@ Tag ReadTag(std::string_view text, std::size_t offset)
     Tag tag{reader.Skip('/') ? ETagShape::Closing : ETagShape::Bare, reader.ReadName(), 0};
     if (tag.name.empty())
         return {};
-    for (bool separated = reader.SkipBlanks(); separated && reader.IsAtName();
-         separated = reader.SkipBlanks()) {
+    for (bool separated = reader.SkipSpaces(); separated && reader.IsAtName();
+         separated = reader.SkipSpaces()) {
         if (tag.shape == ETagShape::Closing || !reader.SkipAttribute())
             return {};
         tag.shape = ETagShape::Distinct;

@@ -51,7 +51,8 @@ private:
     void PlaceContainers();
     /// Finds the parents and namespaces of all other objects.
     void PlaceObjects();
-    /// Refuses the parent that was found for a draft when objects of that class hold no such.
+    /// Refuses the parent that was found for a draft when objects of its class cannot be its
+    /// children.
     void CheckParent(std::size_t position, const ObjectTable& table);
     /// Finds ends and targets.
     void FollowReferences();

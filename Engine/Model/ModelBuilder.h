@@ -24,7 +24,7 @@ struct ObjectOptions
     amd_id id{};
     /// What users see; empty: the name.
     std::string displayName{};
-    /// A language tag; empty: the parent's locale holds.
+    /// A language tag; empty: that of the parent counts.
     std::string locale{};
     /// Query subject: the table or view that it reads, any text.
     std::string source{};
@@ -69,8 +69,8 @@ struct RelationshipShortcutTarget
 ///     const std::shared_ptr<const Model> model = builder.Build();
 ///
 /// Objects may be added in any order; references may name objects that are added later. Nothing
-/// is checked before Build, which tells all problems at once. Each Add gives the object's id: the
-/// one asked for, or {0, class, n} with the least n above those given out before that no object
+/// is checked before Build, which reports all problems at once. Each Add returns the object's id:
+/// the one asked for, or {0, class, n} with the least n above those given out before that no object
 /// of the class has yet.
 class QEENGINE_EXPORT ModelBuilder
 {
@@ -104,14 +104,14 @@ public:
                                    const ObjectOptions& options = {});
     amd_id AddFilter(const Reference& parent, std::string name, std::string condition,
                      const ObjectOptions& options = {});
-    /// Adds a join that a query defines. Nothing holds it.
+    /// Adds a join that a query defines. It has no parent.
     amd_id AddSpecJoin(std::string name, const JoinEnd& left, const JoinEnd& right,
                        std::string condition = {}, const ObjectOptions& options = {});
-    /// Adds a filter that a query defines. Nothing holds it.
+    /// Adds a filter that a query defines. It has no parent.
     amd_id AddSpecFilter(std::string name, std::string condition,
                          const ObjectOptions& options = {});
 
-    /// Makes the model. Raises a ModelError with everything that is wrong with it; the builder
+    /// Makes the model. Throws a ModelError with everything that is wrong with it; the builder
     /// stays as it is and may be built again after more was added.
     [[nodiscard]] std::shared_ptr<const Model> Build() const;
 

@@ -22,7 +22,7 @@ std::optional<ResolvedReference> FindItem(const Model& model, const amd_id& spac
     return ResolvedReference{item, subject};
 }
 
-/// Finds what a namespace holds under that name. A subject is reached through itself.
+/// Finds what lies in a namespace under that name. A subject is reached through itself.
 std::optional<ResolvedReference> FindMember(const Model& model, const amd_id& space,
                                             const I18NString& name)
 {

@@ -9,7 +9,7 @@ namespace qe::model {
 
 namespace {
 
-/// Tells whether the two bytes are a capital letter between U+00C0 and U+00DE; the
+/// Returns whether the two bytes are a capital letter between U+00C0 and U+00DE; the
 /// multiplication sign among them is none.
 bool IsLatin1Capital(unsigned char first, unsigned char second)
 {
@@ -45,7 +45,7 @@ std::size_t EditDistance(std::string_view left, std::string_view right, std::siz
     for (std::size_t i = 0; i <= left.size(); ++i)
         last[i] = i;
     for (std::size_t j = 1; j <= right.size(); ++j) {
-        // Cells further than `limit` from the diagonal cannot be part of a short way.
+        // Cells further than `limit` from the diagonal cannot be part of a short path.
         const std::size_t from = j > limit ? j - limit : 0;
         const std::size_t to = std::min(left.size(), j + limit);
         std::fill(current.begin(), current.end(), beyond);

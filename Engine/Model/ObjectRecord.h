@@ -42,7 +42,7 @@ struct ObjectRecord
     amd_id parent{};
     /// The nearest namespace around the object; empty outside all namespaces.
     amd_id space{};
-    /// The object's own locale; empty: the parent's locale holds.
+    /// The object's own locale; empty: that of the parent counts.
     std::string locale{};
     /// Query subject: the table or view that it reads. Join, filter: the condition.
     std::string text{};
@@ -58,7 +58,7 @@ struct ObjectRecord
     CardinalityRange rightCardinality{};
 };
 
-/// Tells what the objects of a class are called in messages, such as "query subject".
+/// Returns what the objects of a class are called in messages, such as "query subject".
 [[nodiscard]] QEENGINE_EXPORT std::string_view ClassTitle(std::int32_t classCode);
 
 [[nodiscard]] constexpr bool IsContainerClass(std::int32_t classCode)

@@ -22,12 +22,12 @@ public:
     /// Takes records in any order; each id occurs once.
     explicit ObjectTable(std::vector<ObjectRecord> records);
 
-    /// Gives the record with that id, or null. Costs a binary search.
+    /// Returns the record with that id, or null. Costs a binary search.
     [[nodiscard]] const ObjectRecord* Find(const amd_id& id) const;
     [[nodiscard]] std::span<const ObjectRecord> GetRecords() const { return mRecords; }
 
-    /// Gives the object that `id` finally stands for: follows shortcuts and relationship
-    /// shortcuts to their end. Gives the empty id when the chain breaks or is longer
+    /// Returns the object that `id` finally stands for: follows shortcuts and relationship
+    /// shortcuts to their end. Returns the empty id when the chain breaks or is longer
     /// than kMaximumChain.
     [[nodiscard]] amd_id GetTarget(const amd_id& id) const;
 

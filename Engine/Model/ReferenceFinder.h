@@ -28,12 +28,12 @@ public:
         : mTable(&table), mNames(table), mProblems(&problems)
     {}
 
-    /// Gives the id of the object, or the empty id when there is not exactly one; then the
-    /// problem is told. A missing parent is none.
+    /// Returns the id of the object, or the empty id when there is not exactly one; then the
+    /// problem is added. A missing parent is none.
     [[nodiscard]] amd_id Find(std::size_t position, const ObjectDraft& draft,
                               const Reference& reference, const Wanted& wanted);
 
-    /// Does the same without telling problems.
+    /// Does the same without adding problems.
     [[nodiscard]] amd_id TryFind(const ObjectDraft& draft, const Reference& reference,
                                  const std::vector<ENameKind>& nameKinds) const;
 

@@ -90,6 +90,9 @@ std::string_view CutUtf8(std::string_view text, std::size_t bytes) noexcept
 
 } // namespace qe
 
+// Defined here, so that all modules share one virtual table and one type description.
+I18NConverter::~I18NConverter() = default;
+
 const I18NConverter& AUT_GetUTF8Converter()
 {
     static const qe::Utf8Converter converter;
