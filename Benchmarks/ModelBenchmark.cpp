@@ -26,7 +26,7 @@ ModelBuilder Fill(std::int64_t objects)
         const amd_id subject = builder.AddQuerySubject(space, name);
         for (int item = 0; item < 8; ++item)
             builder.AddItem(subject, "Item " + std::to_string(item));
-        builder.AddRelationship(space, name, {i == 0 ? subject : previous, OneToMany}, {name});
+        builder.AddRelationship(space, name, {i == 0 ? subject : previous, kOneToMany}, {name});
         previous = subject;
     }
     return builder;
@@ -69,7 +69,7 @@ void FindByName(benchmark::State& state)
 {
     const auto model = Fill(state.range(0)).Build();
     for (auto _ : state)
-        benchmark::DoNotOptimize(model->FindByName(EFamily::Item, "SALES.subject 77.item 5"));
+        benchmark::DoNotOptimize(model->FindByName(ENameKind::Item, "SALES.subject 77.item 5"));
 }
 BENCHMARK(FindByName)->Arg(5000)->Arg(50000);
 
@@ -77,7 +77,7 @@ void SuggestNames(benchmark::State& state)
 {
     const auto model = Fill(state.range(0)).Build();
     for (auto _ : state)
-        benchmark::DoNotOptimize(model->SuggestNames(EFamily::Item, "Sales.Subjct 77.Item 5"));
+        benchmark::DoNotOptimize(model->SuggestNames(ENameKind::Item, "Sales.Subjct 77.Item 5"));
 }
 BENCHMARK(SuggestNames)->Arg(5000)->Arg(50000)->Unit(benchmark::kMillisecond);
 

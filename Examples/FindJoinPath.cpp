@@ -42,7 +42,7 @@ std::shared_ptr<const Model> MakeModel()
 
     const auto join = [&](const char* name, const amd_id& many, const amd_id& one,
                           const char* condition) {
-        builder.AddRelationship(sales, name, {many, OneToMany}, {one, OneToOne}, condition);
+        builder.AddRelationship(sales, name, {many, kOneToMany}, {one, kOneToOne}, condition);
     };
     join("Orders-Customer", orders, customer,
          "[Sales].[Orders].[Customer] = [Sales].[Customer].[Key]");
@@ -58,7 +58,7 @@ std::vector<amd_id> FindSubjects(const Model& model, const std::vector<std::stri
 {
     std::vector<amd_id> ids;
     for (const std::string& name : names) {
-        for (const amd_id& id : model.FindByName(qe::model::EFamily::Subject, name))
+        for (const amd_id& id : model.FindByName(qe::model::ENameKind::Subject, name))
             ids.push_back(id);
     }
     return ids;

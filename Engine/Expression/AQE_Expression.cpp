@@ -2,37 +2,38 @@
 
 #include "AUT_LogException.h"
 #include "Engine/Expression/MarkupRemover.h"
-#include "Engine/Expression/ParsedExpression.h"
+#include "Engine/Expression/Node.h"
 #include "Engine/Expression/Parser.h"
-#include "Engine/Expression/PositionCounter.h"
+#include "Engine/Services/MessageCatalogue.h"
+#include "Engine/Services/TextPosition.h"
 #include "HBNException.h"
 #include "amdi_gateway.h"
 
-#include <cstdint>
 #include <string>
 #include <utility>
 
 namespace {
 
 using namespace qe::expression;
+using qe::PositionCounter;
+using qe::TextPosition;
 
-constexpr char sourcePath[] = "Engine/Expression/AQE_Expression";
-constexpr std::uint32_t syntaxErrorMessage = 0xA9E5E001;
-constexpr int severity = 1;
-constexpr int syntaxErrorCode = 1;
+constexpr char kSourcePath[] = "Engine/Expression/AQE_Expression";
+constexpr int kSeverity = 1;
+constexpr int kSyntaxErrorCode = 1;
 
-void RaiseSyntaxError(const I18NString& text, const ParseFailure& failure,
+void ThrowSyntaxError(const I18NString& text, const ParseFailure& failure,
                       const I18NString& context)
 {
     const TextPosition position = PositionCounter(text.View()).MoveTo(failure.offset);
     const std::string place =
         "line " + std::to_string(position.line) + ", column " + std::to_string(position.column);
-    HBNException exception(severity, syntaxErrorCode);
-    HBNAddMessages(exception, syntaxErrorMessage, 4, place, failure.expected, failure.found,
+    HBNException exception(kSeverity, kSyntaxErrorCode);
+    HBNAddMessages(exception, qe::kSyntaxErrorMessage, 4, place, failure.expected, failure.found,
                    context, "", "");
     const int line = __LINE__ + 1;
-    AUT_LogException(exception, sourcePath, line);
-    ORV_THROW(exception, sourcePath, line, "QE");
+    AUT_LogException(exception, kSourcePath, line);
+    ORV_THROW(exception, kSourcePath, line, "QE");
 }
 
 void ResolveReferences(const std::vector<PlacedReference>& references, amdi_gateway* gateway)
@@ -50,6 +51,9 @@ void ResolveReferences(const std::vector<PlacedReference>& references, amdi_gate
 
 } // namespace
 
+// Defined here, so that all modules share one virtual table and one type description.
+qe::expression::ReferenceResolver::~ReferenceResolver() = default;
+
 AQE_Expression::~AQE_Expression() = default;
 
 I18NString AQE_Expression::GetUntaggedExpression(const I18NString& text)
@@ -62,7 +66,7 @@ AQE_Expression* AQE_Expression::Create(const I18NString& text, amdi_gateway* gat
 {
     ParseResult result = Parse(text.View());
     if (result.failure)
-        RaiseSyntaxError(text, *result.failure, context);
+        ThrowSyntaxError(text, *result.failure, context);
     ResolveReferences(result.references, gateway);
     return new ParsedExpression(std::move(result.root));
 }

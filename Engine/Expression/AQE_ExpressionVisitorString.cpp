@@ -1,6 +1,223 @@
 #include "AQE_ExpressionVisitorString.h"
 
-#include "Engine/Expression/Printer.h"
+#include "AQE_I_ExpressionVisitor.h"
+#include "Engine/Expression/Node.h"
+#include "Engine/Expression/Operators.h"
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using namespace qe::expression;
+
+/// The operators in the order of EOperator.
+constexpr std::array<std::string_view, 14> kOperatorTexts{" OR ", " AND ", " = ",  " <> ", " < ",
+                                                          " <= ", " > ",   " >= ", " || ", " + ",
+                                                          " - ",  " * ",   " / ",  " NOT"};
+
+std::string_view GetText(EOperator op)
+{
+    return kOperatorTexts[static_cast<std::size_t>(op)];
+}
+
+/// Writes trees as text that Parse reads back as the same tree, with parentheses only where the
+/// tree would change without them. Keywords are written in capitals, "<>" for every unequal
+/// sign, references in brackets; literals, types and other names as they were read.
+class Printer
+{
+public:
+    /// Appends to `out`, which must outlive the printer.
+    explicit Printer(std::string& out) : mOut(out) {}
+
+    /// Writes any node. Of a node that is not of this library, a reference is written from its
+    /// names and anything else as its children.
+    void Print(const AQE_ExpressionNode& node);
+
+private:
+    void PrintReference(const AQE_ExpressionNode& reference);
+    void PrintNode(const Node& node);
+    void PrintOperand(const Node& operand, EPrecedence loosest);
+    void PrintInfix(const Node& node);
+    void PrintNegation(const Node& node);
+    void PrintPredicate(const Node& node);
+    void PrintCase(const Node& choice);
+    void PrintWhen(const Node& branch);
+    void PrintCast(const Node& cast);
+    void PrintList(const Node& node, std::size_t first);
+    void PrintQuoted(std::string_view value, char open, char close);
+
+    std::string& mOut;
+};
+
+void Printer::Print(const AQE_ExpressionNode& node)
+{
+    if (node.GetNodeType() == static_cast<int>(ENodeKind::Reference))
+        return PrintReference(node);
+    if (const auto* const known = dynamic_cast<const Node*>(&node))
+        return PrintNode(*known);
+    for (const AQE_ExpressionNode* child : node.GetChildren())
+        Print(*child);
+}
+
+void Printer::PrintReference(const AQE_ExpressionNode& reference)
+{
+    bool first = true;
+    for (const I18NString& name : reference.GetNamePath()) {
+        if (!first)
+            mOut += '.';
+        first = false;
+        PrintQuoted(name.View(), '[', ']');
+    }
+}
+
+void Printer::PrintNode(const Node& node)
+{
+    switch (node.GetKind()) {
+    case ENodeKind::Reference:
+        return PrintReference(node);
+    case ENodeKind::String:
+        return PrintQuoted(node.GetText(), '\'', '\'');
+    case ENodeKind::Expression:
+    case ENodeKind::Number:
+    case ENodeKind::Name:
+        mOut += node.GetText();
+        return;
+    case ENodeKind::Call:
+        mOut += node.GetText();
+        return PrintList(node, 0);
+    case ENodeKind::Case:
+        return PrintCase(node);
+    case ENodeKind::When:
+        return PrintWhen(node);
+    case ENodeKind::Cast:
+        return PrintCast(node);
+    case ENodeKind::Not:
+        mOut += "NOT ";
+        return PrintOperand(*node.GetOperands().front(), EPrecedence::Not);
+    case ENodeKind::Negation:
+        return PrintNegation(node);
+    case ENodeKind::In:
+    case ENodeKind::Like:
+    case ENodeKind::Between:
+    case ENodeKind::IsNull:
+        return PrintPredicate(node);
+    default:
+        return PrintInfix(node);
+    }
+}
+
+void Printer::PrintOperand(const Node& operand, EPrecedence loosest)
+{
+    const bool enclose = PrecedenceOf(operand.GetKind()) < loosest;
+    if (enclose)
+        mOut += '(';
+    PrintNode(operand);
+    if (enclose)
+        mOut += ')';
+}
+
+void Printer::PrintInfix(const Node& node)
+{
+    const EPrecedence loosest = TighterThan(PrecedenceOf(node.GetKind()));
+    const auto& operands = node.GetOperands();
+    PrintOperand(*operands.front(), loosest);
+    for (std::size_t i = 1; i < operands.size(); ++i) {
+        mOut += GetText(node.GetOperators()[i - 1]);
+        PrintOperand(*operands[i], loosest);
+    }
+}
+
+/// Keeps two signs apart, since "--" begins a comment.
+void Printer::PrintNegation(const Node& node)
+{
+    const Node& operand = *node.GetOperands().front();
+    mOut += operand.GetKind() == ENodeKind::Negation ? "- " : "-";
+    PrintOperand(operand, EPrecedence::Negation);
+}
+
+void Printer::PrintPredicate(const Node& node)
+{
+    constexpr EPrecedence kLoosest = TighterThan(EPrecedence::Predicate);
+    const std::string_view negation = node.GetOperators().empty() ? "" : GetText(EOperator::Not);
+    const auto& operands = node.GetOperands();
+    PrintOperand(*operands.front(), kLoosest);
+    if (node.GetKind() == ENodeKind::IsNull) {
+        mOut += " IS";
+        mOut += negation;
+        mOut += " NULL";
+        return;
+    }
+    mOut += negation;
+    if (node.GetKind() == ENodeKind::In) {
+        mOut += " IN ";
+        return PrintList(node, 1);
+    }
+    const bool isLike = node.GetKind() == ENodeKind::Like;
+    mOut += isLike ? " LIKE " : " BETWEEN ";
+    PrintOperand(*operands[1], kLoosest);
+    if (operands.size() > 2) {
+        mOut += isLike ? " ESCAPE " : " AND ";
+        PrintOperand(*operands[2], kLoosest);
+    }
+}
+
+/// Only the value that is compared stands before the first WHEN.
+void Printer::PrintCase(const Node& choice)
+{
+    mOut += "CASE";
+    const char* beforeOther = " ";
+    for (const auto& operand : choice.GetOperands()) {
+        mOut += operand->GetKind() == ENodeKind::When ? " " : beforeOther;
+        PrintNode(*operand);
+        beforeOther = " ELSE ";
+    }
+    mOut += " END";
+}
+
+void Printer::PrintWhen(const Node& branch)
+{
+    mOut += "WHEN ";
+    PrintNode(*branch.GetOperands().front());
+    mOut += " THEN ";
+    PrintNode(*branch.GetOperands().back());
+}
+
+void Printer::PrintCast(const Node& cast)
+{
+    mOut += "CAST(";
+    PrintNode(*cast.GetOperands().front());
+    mOut += " AS " + cast.GetText() + ')';
+}
+
+void Printer::PrintList(const Node& node, std::size_t first)
+{
+    mOut += '(';
+    for (std::size_t i = first; i < node.GetOperands().size(); ++i) {
+        if (i > first)
+            mOut += ", ";
+        PrintNode(*node.GetOperands()[i]);
+    }
+    mOut += ')';
+}
+
+void Printer::PrintQuoted(std::string_view value, char open, char close)
+{
+    mOut += open;
+    for (const char c : value) {
+        mOut += c;
+        if (c == close)
+            mOut += c;
+    }
+    mOut += close;
+}
+
+} // namespace
+
+// Defined here, so that all modules share one virtual table and one type description.
+AQE_I_ExpressionVisitor::~AQE_I_ExpressionVisitor() = default;
 
 AQE_ExpressionVisitorString::AQE_ExpressionVisitorString(const I18NLocale&)
 {}
@@ -9,7 +226,7 @@ AQE_ExpressionVisitorString::~AQE_ExpressionVisitorString() = default;
 
 void AQE_ExpressionVisitorString::Visit(const AQE_ExpressionNode& node)
 {
-    qe::expression::Printer(mText).Print(node);
+    Printer(mText).Print(node);
 }
 
 void AQE_ExpressionVisitorString::GetText(I18NString& text) const

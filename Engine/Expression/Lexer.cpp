@@ -1,6 +1,6 @@
 #include "Engine/Expression/Lexer.h"
 
-#include "Engine/Expression/Characters.h"
+#include "Engine/Services/Utf8.h"
 
 #include <algorithm>
 #include <array>
@@ -16,52 +16,69 @@ struct Spelling
     ETokenKind kind;
 };
 
-constexpr std::array<Spelling, 16> keywords{{{"and", ETokenKind::And},
-                                             {"or", ETokenKind::Or},
-                                             {"not", ETokenKind::Not},
-                                             {"in", ETokenKind::In},
-                                             {"like", ETokenKind::Like},
-                                             {"escape", ETokenKind::Escape},
-                                             {"between", ETokenKind::Between},
-                                             {"is", ETokenKind::Is},
-                                             {"null", ETokenKind::Null},
-                                             {"case", ETokenKind::Case},
-                                             {"when", ETokenKind::When},
-                                             {"then", ETokenKind::Then},
-                                             {"else", ETokenKind::Else},
-                                             {"end", ETokenKind::EndCase},
-                                             {"cast", ETokenKind::Cast},
-                                             {"as", ETokenKind::As}}};
+constexpr std::array<Spelling, 16> kKeywords{{{"and", ETokenKind::And},
+                                              {"or", ETokenKind::Or},
+                                              {"not", ETokenKind::Not},
+                                              {"in", ETokenKind::In},
+                                              {"like", ETokenKind::Like},
+                                              {"escape", ETokenKind::Escape},
+                                              {"between", ETokenKind::Between},
+                                              {"is", ETokenKind::Is},
+                                              {"null", ETokenKind::Null},
+                                              {"case", ETokenKind::Case},
+                                              {"when", ETokenKind::When},
+                                              {"then", ETokenKind::Then},
+                                              {"else", ETokenKind::Else},
+                                              {"end", ETokenKind::EndCase},
+                                              {"cast", ETokenKind::Cast},
+                                              {"as", ETokenKind::As}}};
 
 /// A symbol stands before those that it begins with.
-constexpr std::array<Spelling, 16> symbols{{{"<>", ETokenKind::NotEqual},
-                                            {"!=", ETokenKind::NotEqual},
-                                            {"<=", ETokenKind::LessOrEqual},
-                                            {">=", ETokenKind::GreaterOrEqual},
-                                            {"||", ETokenKind::Concatenate},
-                                            {"<", ETokenKind::Less},
-                                            {">", ETokenKind::Greater},
-                                            {"=", ETokenKind::Equal},
-                                            {"+", ETokenKind::Plus},
-                                            {"-", ETokenKind::Minus},
-                                            {"*", ETokenKind::Times},
-                                            {"/", ETokenKind::Divide},
-                                            {"(", ETokenKind::LeftParenthesis},
-                                            {")", ETokenKind::RightParenthesis},
-                                            {",", ETokenKind::Comma},
-                                            {".", ETokenKind::Dot}}};
-
-constexpr char ToLower(char c) noexcept
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
+constexpr std::array<Spelling, 16> kSymbols{{{"<>", ETokenKind::NotEqual},
+                                             {"!=", ETokenKind::NotEqual},
+                                             {"<=", ETokenKind::LessOrEqual},
+                                             {">=", ETokenKind::GreaterOrEqual},
+                                             {"||", ETokenKind::Concatenate},
+                                             {"<", ETokenKind::Less},
+                                             {">", ETokenKind::Greater},
+                                             {"=", ETokenKind::Equal},
+                                             {"+", ETokenKind::Plus},
+                                             {"-", ETokenKind::Minus},
+                                             {"*", ETokenKind::Times},
+                                             {"/", ETokenKind::Divide},
+                                             {"(", ETokenKind::LeftParenthesis},
+                                             {")", ETokenKind::RightParenthesis},
+                                             {",", ETokenKind::Comma},
+                                             {".", ETokenKind::Dot}}};
 
 } // namespace
 
+std::string GetValue(const Token& token)
+{
+    const char close = token.text.back();
+    std::string value;
+    for (std::size_t i = 1; i + 1 < token.text.size(); ++i) {
+        value += token.text[i];
+        if (token.text[i] == close)
+            ++i;
+    }
+    return value;
+}
+
+std::string Describe(const Token& token)
+{
+    constexpr std::size_t kLongest = 40;
+    if (token.kind == ETokenKind::End)
+        return "the end of the text";
+    if (token.text.size() <= kLongest)
+        return '"' + std::string(token.text) + '"';
+    return '"' + std::string(CutUtf8(token.text, kLongest)) + "...\"";
+}
+
 ETokenKind KeywordOf(std::string_view word) noexcept
 {
-    const auto sameLetter = [](char left, char right) { return ToLower(left) == right; };
-    for (const Spelling& keyword : keywords)
+    const auto sameLetter = [](char left, char right) { return ascii::ToLower(left) == right; };
+    for (const Spelling& keyword : kKeywords)
         if (std::equal(word.begin(), word.end(), keyword.text.begin(), keyword.text.end(),
                        sameLetter))
             return keyword.kind;
@@ -86,7 +103,7 @@ Token Lexer::Next()
 
 Token Lexer::NextPiece()
 {
-    while (mOffset < mText.size() && IsBlank(mText[mOffset]))
+    while (mOffset < mText.size() && ascii::IsSpace(mText[mOffset]))
         ++mOffset;
     if (mOffset == mText.size())
         return Take(ETokenKind::End, 0);
@@ -99,7 +116,7 @@ Token Lexer::NextPiece()
         return TakeQuoted('\'', ETokenKind::String, ETokenKind::OpenString);
     if (IsWordStart(c))
         return TakeWord();
-    if (IsDigit(c) || (c == '.' && IsDigitAt(mOffset + 1)))
+    if (ascii::IsDigit(c) || (c == '.' && IsDigitAt(mOffset + 1)))
         return TakeNumber();
     const std::string_view pair = mText.substr(mOffset, 2);
     if (pair == "--" || pair == "/*")
@@ -145,7 +162,7 @@ Token Lexer::TakeNumber()
     std::size_t end = SkipDigits(mOffset);
     if (end < mText.size() && mText[end] == '.')
         end = SkipDigits(end + 1);
-    if (end < mText.size() && ToLower(mText[end]) == 'e') {
+    if (end < mText.size() && ascii::ToLower(mText[end]) == 'e') {
         std::size_t exponent = end + 1;
         if (exponent < mText.size() && (mText[exponent] == '+' || mText[exponent] == '-'))
             ++exponent;
@@ -158,7 +175,7 @@ Token Lexer::TakeNumber()
 Token Lexer::TakeSymbol()
 {
     const std::string_view rest = mText.substr(mOffset);
-    for (const Spelling& symbol : symbols)
+    for (const Spelling& symbol : kSymbols)
         if (rest.substr(0, symbol.text.size()) == symbol.text)
             return Take(symbol.kind, symbol.text.size());
     return Take(ETokenKind::Unknown, 1);
@@ -173,7 +190,7 @@ std::size_t Lexer::SkipDigits(std::size_t offset) const
 
 bool Lexer::IsDigitAt(std::size_t offset) const
 {
-    return offset < mText.size() && IsDigit(mText[offset]);
+    return offset < mText.size() && ascii::IsDigit(mText[offset]);
 }
 
 } // namespace qe::expression

@@ -1,16 +1,18 @@
 #include "Engine/Expression/MarkupRemover.h"
 
-#include "Engine/Expression/Characters.h"
 #include "Engine/Expression/Lexer.h"
+#include "Engine/Services/AsciiText.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace qe::expression {
 
 namespace {
 
-constexpr std::string_view lessEntity = "&lt;";
-constexpr std::string_view greaterEntity = "&gt;";
+constexpr std::string_view kLessEntity = "&lt;";
+constexpr std::string_view kGreaterEntity = "&gt;";
 
 /// Groups the bytes that make another token when they come to stand side by side.
 int JoinClass(char c)
@@ -21,8 +23,8 @@ int JoinClass(char c)
         return 2;
     if (c == '/' || c == '*')
         return 3;
-    constexpr std::string_view pairs = "'\"]-";
-    const std::size_t pair = pairs.find(c);
+    constexpr std::string_view kPairs = "'\"]-";
+    const std::size_t pair = kPairs.find(c);
     return pair == std::string_view::npos ? 0 : 4 + static_cast<int>(pair);
 }
 
@@ -51,12 +53,34 @@ bool EndsOperand(ETokenKind kind)
 
 } // namespace
 
+void UntaggedText::Append(std::string_view piece, std::size_t sourceOffset)
+{
+    const bool continues =
+        !mPieces.empty() &&
+        mPieces.back().sourceOffset + (mText.size() - mPieces.back().offset) == sourceOffset;
+    if (!continues)
+        mPieces.push_back({mText.size(), sourceOffset});
+    mText += piece;
+}
+
+std::size_t UntaggedText::GetSourceOffset(std::size_t offset) const
+{
+    const auto startsBehind = [](std::size_t wanted, const Piece& piece) {
+        return wanted < piece.offset;
+    };
+    const auto behind = std::upper_bound(mPieces.begin(), mPieces.end(), offset, startsBehind);
+    if (behind == mPieces.begin())
+        return offset;
+    const Piece& piece = *std::prev(behind);
+    return piece.sourceOffset + (offset - piece.offset);
+}
+
 MarkupRemover::MarkupRemover(std::string_view text) : mText(text)
 {}
 
 UntaggedText MarkupRemover::Run()
 {
-    NoteClosingTags();
+    FindClosingTags();
     for (std::size_t offset = 0; offset < mText.size();) {
         const Tag tag = ReadTag(mText, offset);
         if (IsMarkup(tag)) {
@@ -73,14 +97,14 @@ UntaggedText MarkupRemover::Run()
 std::size_t MarkupRemover::CopyPiece(std::size_t offset)
 {
     const std::string_view rest = mText.substr(offset);
-    for (const std::string_view entity : {lessEntity, greaterEntity}) {
+    for (const std::string_view entity : {kLessEntity, kGreaterEntity}) {
         if (rest.substr(0, entity.size()) == entity) {
-            Emit(entity == lessEntity ? "<" : ">", offset);
+            Emit(entity == kLessEntity ? "<" : ">", offset);
             mOperandBefore = false;
             return offset + entity.size();
         }
     }
-    if (IsBlank(rest.front())) {
+    if (ascii::IsSpace(rest.front())) {
         Emit(rest.substr(0, 1), offset);
         return offset + 1;
     }
@@ -101,7 +125,7 @@ bool MarkupRemover::IsMarkup(const Tag& tag) const
     return closing != mLastClosing.end() && closing->second > tag.end;
 }
 
-void MarkupRemover::NoteClosingTags()
+void MarkupRemover::FindClosingTags()
 {
     for (std::size_t offset = 0; offset < mText.size();) {
         const Tag tag = ReadTag(mText, offset);
@@ -109,7 +133,7 @@ void MarkupRemover::NoteClosingTags()
             mLastClosing[tag.name] = tag.end;
         if (tag.shape != ETagShape::None)
             offset = tag.end;
-        else if (IsBlank(mText[offset]))
+        else if (ascii::IsSpace(mText[offset]))
             ++offset;
         else
             offset += Lexer(mText.substr(offset)).NextPiece().text.size();

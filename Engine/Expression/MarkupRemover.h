@@ -2,12 +2,37 @@
 #define ENGINE_EXPRESSION_MARKUPREMOVER_H
 
 #include "Engine/Expression/Tag.h"
-#include "Engine/Expression/UntaggedText.h"
 
+#include <cstddef>
 #include <map>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace qe::expression {
+
+/// A text put together from pieces of a source; it remembers where each piece comes from.
+class UntaggedText
+{
+public:
+    /// Appends `piece`, which stands in the source at `sourceOffset` or replaces what does. An
+    /// empty piece at the end marks where the end of this text stands.
+    void Append(std::string_view piece, std::size_t sourceOffset);
+
+    [[nodiscard]] const std::string& GetText() const noexcept { return mText; }
+    /// Returns the offset in the source for an offset in this text.
+    [[nodiscard]] std::size_t GetSourceOffset(std::size_t offset) const;
+
+private:
+    struct Piece
+    {
+        std::size_t offset;
+        std::size_t sourceOffset;
+    };
+
+    std::string mText;
+    std::vector<Piece> mPieces;
+};
 
 /// Takes the markup out of one expression, as AQE_Expression::GetUntaggedExpression promises.
 /// Time is linear in the text but for the table of closing tags.
@@ -17,14 +42,14 @@ public:
     /// `text` must outlive the remover.
     explicit MarkupRemover(std::string_view text);
 
-    /// Gives the text without markup. Call it once.
+    /// Returns the text without markup. Call it once.
     [[nodiscard]] UntaggedText Run();
 
 private:
-    /// Steps over the token, blank or entity at the offset; gives the offset behind it.
+    /// Copies the token, space or entity at the offset; returns the offset behind it.
     [[nodiscard]] std::size_t CopyPiece(std::size_t offset);
     [[nodiscard]] bool IsMarkup(const Tag& tag) const;
-    void NoteClosingTags();
+    void FindClosingTags();
     void Emit(std::string_view piece, std::size_t sourceOffset);
 
     std::string_view mText;

@@ -1,5 +1,7 @@
 #include "Engine/Expression/Node.h"
 
+#include "AQE_I_ExpressionVisitor.h"
+
 #include <iterator>
 #include <utility>
 
@@ -59,4 +61,32 @@ void Node::Absorb(Node& other)
     other.mOperands.clear();
 }
 
+ReferenceNode::ReferenceNode(std::vector<I18NString> names)
+    : Node(ENodeKind::Reference), mNames(std::move(names))
+{}
+
+ReferenceNode::~ReferenceNode() = default;
+
+ParsedExpression::ParsedExpression(std::unique_ptr<Node> top) : mTop(std::move(top))
+{}
+
+ParsedExpression::~ParsedExpression() = default;
+
+int ParsedExpression::GetNodeType() const
+{
+    return static_cast<int>(ENodeKind::Expression);
+}
+
+std::vector<AQE_ExpressionNode*> ParsedExpression::GetChildren() const
+{
+    return {mTop.get()};
+}
+
 } // namespace qe::expression
+
+AQE_ExpressionNode::~AQE_ExpressionNode() = default;
+
+void AQE_ExpressionNode::Accept(AQE_I_ExpressionVisitor& visitor) const
+{
+    visitor.Visit(*this);
+}

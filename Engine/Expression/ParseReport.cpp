@@ -2,7 +2,7 @@
 
 #include "Engine/Expression/MarkupRemover.h"
 #include "Engine/Expression/Parser.h"
-#include "Engine/Expression/PositionCounter.h"
+#include "Engine/Services/TextPosition.h"
 
 #include <utility>
 

@@ -1,12 +1,12 @@
 #ifndef ENGINE_EXPRESSION_PARSEREPORT_H
 #define ENGINE_EXPRESSION_PARSEREPORT_H
 
-#include "Engine/Expression/SyntaxError.h"
-#include "Engine/Expression/TextPosition.h"
+#include "Engine/Services/TextPosition.h"
 #include "I18NString.h"
 #include "QEENGINE_EXPORT.h"
 
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace qe::expression {
@@ -20,6 +20,16 @@ struct NamedReference
     TextPosition position;
 };
 
+/// Why a text is no expression: the first place where it cannot go on.
+struct SyntaxError
+{
+    TextPosition position;
+    /// What could have stood there, in English: "an operand", "')'".
+    std::string expected;
+    /// What stands there: the text itself between quotes, shortened, or "the end of the text".
+    std::string found;
+};
+
 /// What a text says, before any name is looked up.
 struct ParseReport
 {
@@ -30,7 +40,7 @@ struct ParseReport
 };
 
 /// Reads a condition as it is stored, with or without markup, so that a loader can check it and
-/// the names in it. Positions are those in `text` itself, markup included. Raises no exception
+/// the names in it. Positions are those in `text` itself, markup included. Throws no exception
 /// for text that is no expression; takes linear time.
 [[nodiscard]] QEENGINE_EXPORT ParseReport FindReferences(const I18NString& text);
 

@@ -1,7 +1,7 @@
 #include "Engine/Expression/Parser.h"
 
-#include "Engine/Expression/InfixRule.h"
 #include "Engine/Expression/Lexer.h"
+#include "Engine/Expression/Operators.h"
 
 #include <exception>
 #include <utility>
@@ -23,6 +23,8 @@ private:
 };
 
 using NodePointer = std::unique_ptr<Node>;
+
+constexpr EPrecedence kPredicateOperands = TighterThan(EPrecedence::Predicate);
 
 class Parser
 {
@@ -49,7 +51,6 @@ private:
     NodePointer ParseExpression(EPrecedence loosest);
     NodePointer ParseInfix(NodePointer left, ENodeKind kind);
     NodePointer ParsePredicate(NodePointer left);
-    void ParseBetween(Node& between);
     NodePointer ParseNested(ENodeKind kind, EPrecedence loosest);
     void ParseList(Node& parent);
     NodePointer ParseOperand();
@@ -77,8 +78,8 @@ private:
 
 Parser::Nesting::Nesting(Parser& parser) : mParser(parser)
 {
-    if (parser.mNesting == maximumNesting)
-        parser.Fail("no more than " + std::to_string(maximumNesting) + " levels of nesting");
+    if (parser.mNesting == kMaximumNesting)
+        parser.Fail("no more than " + std::to_string(kMaximumNesting) + " levels of nesting");
     ++parser.mNesting;
 }
 
@@ -90,7 +91,7 @@ NodePointer Parser::ParseAll()
 }
 
 /// Parses operators that bind at least as tightly as `loosest`. After each the next one must
-/// bind more loosely, since rows of one precedence are taken in one go and predicates do not
+/// bind more loosely, since chains of one precedence are taken in one go and predicates do not
 /// associate.
 NodePointer Parser::ParseExpression(EPrecedence loosest)
 {
@@ -108,7 +109,7 @@ NodePointer Parser::ParseExpression(EPrecedence loosest)
     }
 }
 
-/// Gives Primary where no operator follows.
+/// Returns Primary where no operator follows.
 EPrecedence Parser::PrecedenceAfterOperand() const
 {
     if (const InfixRule* const rule = FindInfixRule(mCurrent.kind))
@@ -127,58 +128,51 @@ EPrecedence Parser::PrecedenceAfterOperand() const
 
 NodePointer Parser::ParseInfix(NodePointer left, ENodeKind kind)
 {
-    NodePointer row = std::move(left);
-    if (row->GetKind() != kind || kind == ENodeKind::Comparison) {
+    NodePointer chain = std::move(left);
+    if (chain->GetKind() != kind || kind == ENodeKind::Comparison) {
         auto parent = std::make_unique<Node>(kind);
-        parent->AddOperand(std::move(row));
-        row = std::move(parent);
+        parent->AddOperand(std::move(chain));
+        chain = std::move(parent);
     }
     const EPrecedence operands = TighterThan(PrecedenceOf(kind));
     for (const InfixRule* rule = FindInfixRule(mCurrent.kind);
          rule != nullptr && rule->node == kind; rule = FindInfixRule(mCurrent.kind)) {
         Advance();
-        row->AddOperator(rule->op);
+        chain->AddOperator(rule->op);
         NodePointer right = ParseExpression(operands);
         if (right->GetKind() == kind && IsAssociative(kind))
-            row->Absorb(*right);
+            chain->Absorb(*right);
         else
-            row->AddOperand(std::move(right));
+            chain->AddOperand(std::move(right));
         if (kind == ENodeKind::Comparison)
             break;
     }
-    return row;
+    return chain;
 }
 
 NodePointer Parser::ParsePredicate(NodePointer left)
 {
-    constexpr EPrecedence operands = TighterThan(EPrecedence::Predicate);
     bool negated = Accept(ETokenKind::Not);
     if (negated && !Is(ETokenKind::In) && !Is(ETokenKind::Like) && !Is(ETokenKind::Between))
         Fail("IN, LIKE or BETWEEN");
-    const Token keyword = Advance();
-    NodePointer predicate;
-    const auto begin = [&predicate, &left](ENodeKind kind) {
-        predicate = std::make_unique<Node>(kind);
-        predicate->AddOperand(std::move(left));
-    };
-    switch (keyword.kind) {
-    case ETokenKind::In:
-        begin(ENodeKind::In);
+    auto predicate = std::make_unique<Node>(PredicateOf(Advance().kind));
+    predicate->AddOperand(std::move(left));
+    switch (predicate->GetKind()) {
+    case ENodeKind::In:
         Expect(ETokenKind::LeftParenthesis, "'('");
         ParseList(*predicate);
         break;
-    case ETokenKind::Like:
-        begin(ENodeKind::Like);
-        predicate->AddOperand(ParseExpression(operands));
+    case ENodeKind::Like:
+        predicate->AddOperand(ParseExpression(kPredicateOperands));
         if (Accept(ETokenKind::Escape))
-            predicate->AddOperand(ParseExpression(operands));
+            predicate->AddOperand(ParseExpression(kPredicateOperands));
         break;
-    case ETokenKind::Between:
-        begin(ENodeKind::Between);
-        ParseBetween(*predicate);
+    case ENodeKind::Between:
+        predicate->AddOperand(ParseExpression(kPredicateOperands));
+        Expect(ETokenKind::And, "an operator or AND");
+        predicate->AddOperand(ParseExpression(kPredicateOperands));
         break;
     default:
-        begin(ENodeKind::IsNull);
         negated = Accept(ETokenKind::Not);
         Expect(ETokenKind::Null, negated ? "NULL" : "NULL or NOT NULL");
         break;
@@ -186,14 +180,6 @@ NodePointer Parser::ParsePredicate(NodePointer left)
     if (negated)
         predicate->AddOperator(EOperator::Not);
     return predicate;
-}
-
-void Parser::ParseBetween(Node& between)
-{
-    constexpr EPrecedence operands = TighterThan(EPrecedence::Predicate);
-    between.AddOperand(ParseExpression(operands));
-    Expect(ETokenKind::And, "an operator or AND");
-    between.AddOperand(ParseExpression(operands));
 }
 
 NodePointer Parser::ParseNested(ENodeKind kind, EPrecedence loosest)
@@ -296,8 +282,8 @@ NodePointer Parser::ParseCast()
     return cast;
 }
 
-/// Reads words, behind each of which sizes may stand, as in "timestamp(3) with time zone". Gives
-/// them with single blanks.
+/// Reads words, behind each of which sizes may stand, as in "timestamp(3) with time zone". Returns
+/// them with single spaces between.
 std::string Parser::ParseType()
 {
     if (!Is(ETokenKind::Word))

@@ -1,8 +1,8 @@
 #ifndef ENGINE_EXPRESSION_PARSER_H
 #define ENGINE_EXPRESSION_PARSER_H
 
-#include "Engine/Expression/ReferenceNode.h"
-#include "Engine/Expression/SyntaxError.h"
+#include "Engine/Expression/Node.h"
+#include "I18NString.h"
 
 #include <cstddef>
 #include <memory>
@@ -15,7 +15,7 @@ namespace qe::expression {
 
 /// Parentheses, lists of arguments, CASE, NOT and unary minus may be nested this deep, all
 /// together.
-constexpr int maximumNesting = 200;
+inline constexpr int kMaximumNesting = 200;
 
 /// A reference that stands in a parsed text.
 struct PlacedReference
@@ -48,9 +48,9 @@ struct ParseResult
 ///     OR | AND | NOT | one of = <> != < <= > >= IN LIKE BETWEEN IS | "||" | + - | * / | unary -
 ///
 /// The predicates on the fourth place do not associate: (a = b) = c needs its parentheses. The
-/// others group from the left. OR, AND and || are associative, so that grouping a row of them
-/// makes no difference; neither does grouping a row of + - or * / from the left. Such groups
-/// give one node with all operands.
+/// others group from the left. OR, AND and || are associative, so that grouping a chain of
+/// them makes no difference; neither does grouping a chain of + - or * / from the left. Such
+/// groups become one node with all operands.
 ///
 /// An operand is a reference, a literal, NULL or another name without brackets, a call, CASE,
 /// CAST or an expression in parentheses. Names between double quotes are the same as those

@@ -15,7 +15,7 @@ struct ResolvedReference
 {
     /// The object itself, usually a query item.
     amd_id referencedId;
-    /// The query subject or shortcut named on the way to it. When it is a shortcut,
+    /// The query subject or shortcut named on the path to it. When it is a shortcut,
     /// `referencedId` is still the item of the query subject that the shortcut stands for.
     amd_id querySubjectId;
 };
@@ -27,9 +27,9 @@ class QEENGINE_EXPORT ReferenceResolver
 public:
     virtual ~ReferenceResolver();
 
-    /// Gives what `names` (qualifier, query subject or shortcut, item; without brackets, at least
-    /// two) lead to, or nothing when some name on the way is not known. Names are compared code
-    /// unit by code unit. Must not raise an exception for names that are not known.
+    /// Returns what `names` (qualifier, query subject or shortcut, item; without brackets, at least
+    /// two) lead to, or nothing when some name on the path is not known. Names are compared code
+    /// unit by code unit. Must not throw for names that are not known.
     [[nodiscard]] virtual std::optional<ResolvedReference>
     ResolveReference(const std::vector<I18NString>& names) = 0;
 };

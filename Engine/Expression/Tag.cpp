@@ -1,6 +1,6 @@
 #include "Engine/Expression/Tag.h"
 
-#include "Engine/Expression/Characters.h"
+#include "Engine/Services/AsciiText.h"
 
 namespace qe::expression {
 
@@ -21,15 +21,15 @@ public:
         return found;
     }
 
-    bool SkipBlanks()
+    bool SkipSpaces()
     {
         const std::size_t begin = mOffset;
-        while (IsBlank(Current()))
+        while (ascii::IsSpace(Current()))
             ++mOffset;
         return mOffset > begin;
     }
 
-    [[nodiscard]] bool IsAtName() const { return IsAsciiLetter(Current()) || Current() == '_'; }
+    [[nodiscard]] bool IsAtName() const { return ascii::IsLetter(Current()) || Current() == '_'; }
 
     std::string_view ReadName()
     {
@@ -43,10 +43,10 @@ public:
     bool SkipAttribute()
     {
         ReadName();
-        SkipBlanks();
+        SkipSpaces();
         if (!Skip('='))
             return false;
-        SkipBlanks();
+        SkipSpaces();
         const char quote = Current();
         if (quote != '"' && quote != '\'')
             return false;
@@ -60,7 +60,8 @@ public:
 private:
     static bool IsNamePart(char c)
     {
-        return IsAsciiLetter(c) || IsDigit(c) || c == '_' || c == '-' || c == ':' || c == '.';
+        return ascii::IsLetter(c) || ascii::IsDigit(c) || c == '_' || c == '-' || c == ':' ||
+               c == '.';
     }
 
     [[nodiscard]] char Current() const { return mOffset < mText.size() ? mText[mOffset] : '\0'; }
@@ -79,8 +80,8 @@ Tag ReadTag(std::string_view text, std::size_t offset)
     Tag tag{reader.Skip('/') ? ETagShape::Closing : ETagShape::Bare, reader.ReadName(), 0};
     if (tag.name.empty())
         return {};
-    for (bool separated = reader.SkipBlanks(); separated && reader.IsAtName();
-         separated = reader.SkipBlanks()) {
+    for (bool separated = reader.SkipSpaces(); separated && reader.IsAtName();
+         separated = reader.SkipSpaces()) {
         if (tag.shape == ETagShape::Closing || !reader.SkipAttribute())
             return {};
         tag.shape = ETagShape::Distinct;

@@ -29,7 +29,7 @@ struct Tag
     std::size_t end = 0;
 };
 
-/// Tells what shape the text from `offset` on has. Names consist of ASCII letters, digits and
+/// Returns the tag that the text from `offset` on has. Names consist of ASCII letters, digits and
 /// "_-:.", and begin with a letter or "_" right behind the "<" or "</"; attribute values stand
 /// between quotes and hold no "<". Looks no farther than to the next "<".
 [[nodiscard]] Tag ReadTag(std::string_view text, std::size_t offset);

@@ -15,9 +15,10 @@ namespace qe::model {
 
 namespace {
 
-/// The families in which a shortcut looks for what it stands for; the first that has it wins.
-const std::vector<EFamily> ShortcutFamilies{EFamily::Subject, EFamily::Filter, EFamily::Join,
-                                            EFamily::Container, EFamily::Item};
+/// The kinds of names among which a shortcut looks for what it stands for; the first that has it
+/// wins.
+const std::vector<ENameKind> kShortcutNameKinds{
+    ENameKind::Subject, ENameKind::Filter, ENameKind::Join, ENameKind::Container, ENameKind::Item};
 
 class DraftCompiler
 {
@@ -46,12 +47,13 @@ private:
     /// Finds ids that cannot be; their drafts stay out of the table, so that references lead to
     /// the first object of an id.
     void DropBadIds();
-    /// Finds the holders of folders and namespaces.
+    /// Finds the parents of folders and namespaces.
     void PlaceContainers();
-    /// Finds the holders and namespaces of all other objects.
+    /// Finds the parents and namespaces of all other objects.
     void PlaceObjects();
-    /// Refuses the holder that was found for a draft when objects of that class hold no such.
-    void CheckHolder(std::size_t position, const ObjectTable& table);
+    /// Refuses the parent that was found for a draft when objects of its class cannot be its
+    /// children.
+    void CheckParent(std::size_t position, const ObjectTable& table);
     /// Finds ends and targets.
     void FollowReferences();
     [[nodiscard]] ObjectTable MakeTable() const;
@@ -99,7 +101,7 @@ void DraftCompiler::PlaceContainers()
 {
     std::vector<std::size_t> open;
     for (std::size_t i = 0; i < mDrafts.size(); ++i) {
-        if (IsContainerClass(mDrafts[i].classCode) && !mDrafts[i].holder.IsEmpty())
+        if (IsContainerClass(mDrafts[i].classCode) && !mDrafts[i].parent.IsEmpty())
             open.push_back(i);
     }
     // A qualified name is only known once the containers that it passes are placed themselves:
@@ -111,9 +113,9 @@ void DraftCompiler::PlaceContainers()
         std::vector<std::pair<std::size_t, amd_id>> placed;
         for (const std::size_t i : open) {
             const amd_id id =
-                lastRound ? finder.Find(i, mDrafts[i], mDrafts[i].holder,
-                                        {EAspect::Parent, {EFamily::Container}})
-                          : finder.TryFind(mDrafts[i], mDrafts[i].holder, {EFamily::Container});
+                lastRound ? finder.Find(i, mDrafts[i], mDrafts[i].parent,
+                                        {EAspect::Parent, {ENameKind::Container}})
+                          : finder.TryFind(mDrafts[i], mDrafts[i].parent, {ENameKind::Container});
             if (id == amd_id())
                 left.push_back(i);
             else
@@ -128,21 +130,21 @@ void DraftCompiler::PlaceContainers()
     }
     const ObjectTable table = MakeTable();
     for (std::size_t i = 0; i < mDrafts.size(); ++i)
-        CheckHolder(i, table);
-    BreakHolderCircles(mDrafts, MakeTable(), mProblems);
+        CheckParent(i, table);
+    BreakParentCycles(mDrafts, MakeTable(), mProblems);
 }
 
-void DraftCompiler::CheckHolder(std::size_t position, const ObjectTable& table)
+void DraftCompiler::CheckParent(std::size_t position, const ObjectTable& table)
 {
     ObjectDraft& draft = mDrafts[position];
-    const amd_id holder = draft.record.parent;
-    const bool fits = draft.classCode == IdClassQueryItem ? holder.classCode == IdClassQuerySubject
-                                                          : IsContainerClass(holder.classCode);
-    if (holder == amd_id() || fits)
+    const amd_id parent = draft.record.parent;
+    const bool fits = draft.classCode == IdClassQueryItem ? parent.classCode == IdClassQuerySubject
+                                                          : IsContainerClass(parent.classCode);
+    if (parent == amd_id() || fits)
         return;
     mProblems.Add(position, EAspect::Parent,
-                  "cannot be held by the " + std::string(ClassTitle(holder.classCode)) + " \"" +
-                      table.Find(holder)->name + '"');
+                  "cannot be held by the " + std::string(ClassTitle(parent.classCode)) + " \"" +
+                      table.Find(parent)->name + '"');
     draft.record.parent = {};
 }
 
@@ -154,8 +156,8 @@ void DraftCompiler::PlaceObjects()
         ObjectDraft& draft = mDrafts[i];
         if (!IsContainerClass(draft.classCode) && draft.classCode != IdClassQueryItem) {
             draft.record.parent =
-                finder.Find(i, draft, draft.holder, {EAspect::Parent, {EFamily::Container}});
-            CheckHolder(i, containers);
+                finder.Find(i, draft, draft.parent, {EAspect::Parent, {ENameKind::Container}});
+            CheckParent(i, containers);
         }
         draft.record.space = SpaceAround(containers, draft.record.parent);
     }
@@ -165,11 +167,11 @@ void DraftCompiler::PlaceObjects()
         ObjectDraft& draft = mDrafts[i];
         if (draft.classCode != IdClassQueryItem)
             continue;
-        if (draft.holder.IsEmpty())
-            mProblems.Add(i, EAspect::Parent, "has no holder");
+        if (draft.parent.IsEmpty())
+            mProblems.Add(i, EAspect::Parent, "has no parent");
         draft.record.parent =
-            subjectFinder.Find(i, draft, draft.holder, {EAspect::Parent, {EFamily::Subject}});
-        CheckHolder(i, subjects);
+            subjectFinder.Find(i, draft, draft.parent, {EAspect::Parent, {ENameKind::Subject}});
+        CheckParent(i, subjects);
         if (const ObjectRecord* subject = subjects.Find(draft.record.parent))
             draft.record.space = subject->space;
     }
@@ -184,14 +186,15 @@ void DraftCompiler::FollowReferences()
         ObjectRecord& record = draft.record;
         if (draft.classCode == IdClassShortcut)
             record.referenced =
-                finder.Find(i, draft, draft.referenced, {EAspect::Target, ShortcutFamilies});
+                finder.Find(i, draft, draft.referenced, {EAspect::Target, kShortcutNameKinds});
         if (draft.classCode == IdClassRelationshipShortcut)
             record.referenced =
-                finder.Find(i, draft, draft.referenced, {EAspect::Target, {EFamily::Join}});
+                finder.Find(i, draft, draft.referenced, {EAspect::Target, {ENameKind::Join}});
         if (!IsJoinClass(draft.classCode))
             continue;
-        record.left = finder.Find(i, draft, draft.left, {EAspect::LeftEnd, {EFamily::Subject}});
-        record.right = finder.Find(i, draft, draft.right, {EAspect::RightEnd, {EFamily::Subject}});
+        record.left = finder.Find(i, draft, draft.left, {EAspect::LeftEnd, {ENameKind::Subject}});
+        record.right =
+            finder.Find(i, draft, draft.right, {EAspect::RightEnd, {ENameKind::Subject}});
     }
 }
 

@@ -9,7 +9,7 @@
 namespace qe::model {
 
 /// Turns drafts into the records of a model: follows their references and refuses what no model
-/// may hold. Raises a ModelError that lists all problems in the order of the drafts.
+/// may hold. Throws a ModelError that lists all problems in the order of the drafts.
 ///
 /// Costs O(n log n) for n drafts without mistakes; each of the first wrong names costs a look at
 /// all names for suggestions.

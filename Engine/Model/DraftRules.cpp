@@ -1,16 +1,90 @@
 #include "Engine/Model/DraftRules.h"
 
-#include "Engine/Model/ChainWalk.h"
-#include "Engine/Model/NameLookup.h"
-
-#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <limits>
 #include <map>
+#include <span>
 #include <string>
+#include <string_view>
 #include <tuple>
 
 namespace qe::model {
 
 namespace {
+
+/// How a chain of references ends.
+enum class EChain : std::uint8_t
+{
+    Ends,
+    /// It is longer than kMaximumChain.
+    TooLong,
+    /// It meets some object twice.
+    Cyclic,
+};
+
+/// Follows one kind of reference from every object of a table at once, in linear time however
+/// long the chains are.
+class ChainWalk
+{
+public:
+    /// `next` returns the id that follows a record, empty at the end.
+    ChainWalk(const ObjectTable& table, const std::function<amd_id(const ObjectRecord&)>& next);
+
+    /// Returns how the chain from that object ends. An object that leads into a cycle without
+    /// being part of it counts as Cyclic too. Unknown ids have chains that end.
+    [[nodiscard]] EChain Classify(const amd_id& id) const;
+
+private:
+    static constexpr std::size_t kEndless = std::numeric_limits<std::size_t>::max();
+    static constexpr std::size_t kUnknown = kEndless - 1;
+    static constexpr std::size_t kOnThePath = kEndless - 2;
+
+    const ObjectTable* mTable;
+    /// Objects that follow each one, by position in the table; kEndless where that never ends.
+    std::vector<std::size_t> mLengths;
+};
+
+ChainWalk::ChainWalk(const ObjectTable& table,
+                     const std::function<amd_id(const ObjectRecord&)>& next)
+    : mTable(&table), mLengths(table.GetRecords().size(), kUnknown)
+{
+    const std::span<const ObjectRecord> records = table.GetRecords();
+    std::vector<std::size_t> path;
+    for (std::size_t start = 0; start < records.size(); ++start) {
+        // The length that the next object on the path back gets.
+        std::size_t length = 0;
+        const ObjectRecord* record = &records[start];
+        for (path.clear(); record != nullptr; record = table.Find(next(*record))) {
+            const auto position = static_cast<std::size_t>(record - records.data());
+            if (mLengths[position] != kUnknown) {
+                const bool isEndless =
+                    mLengths[position] == kOnThePath || mLengths[position] == kEndless;
+                length = isEndless ? kEndless : mLengths[position] + 1;
+                break;
+            }
+            mLengths[position] = kOnThePath;
+            path.push_back(position);
+        }
+        for (; !path.empty(); path.pop_back()) {
+            mLengths[path.back()] = length;
+            length = length == kEndless ? kEndless : length + 1;
+        }
+    }
+}
+
+EChain ChainWalk::Classify(const amd_id& id) const
+{
+    const ObjectRecord* record = mTable->Find(id);
+    if (record == nullptr)
+        return EChain::Ends;
+    const std::size_t length =
+        mLengths[static_cast<std::size_t>(record - mTable->GetRecords().data())];
+    if (length == kEndless)
+        return EChain::Cyclic;
+    return length > kMaximumChain ? EChain::TooLong : EChain::Ends;
+}
 
 /// The place within which the name of a draft must be its own.
 amd_id NameScope(const ObjectDraft& draft)
@@ -63,7 +137,7 @@ void CheckEnd(std::size_t position, EAspect aspect, const amd_id& end, const Obj
                          std::string(ClassTitle(end.classCode)) + " \"" + object->name + '"');
         return;
     }
-    // A chain without end is told where the chain is.
+    // An endless chain is reported where the chain is.
     const ObjectRecord* target = table.Find(table.GetTarget(end));
     if (target != nullptr && target->id.classCode != IdClassQuerySubject) {
         problems.Add(position, aspect,
@@ -105,8 +179,8 @@ void CheckUniqueNames(const std::vector<ObjectDraft>& drafts, const std::vector<
     }
 }
 
-void BreakHolderCircles(std::vector<ObjectDraft>& drafts, const ObjectTable& table,
-                        ProblemList& problems)
+void BreakParentCycles(std::vector<ObjectDraft>& drafts, const ObjectTable& table,
+                       ProblemList& problems)
 {
     const ChainWalk walk(table, [](const ObjectRecord& record) { return record.parent; });
     for (std::size_t i = 0; i < drafts.size(); ++i) {
@@ -114,16 +188,16 @@ void BreakHolderCircles(std::vector<ObjectDraft>& drafts, const ObjectTable& tab
         if (!IsContainerClass(drafts[i].classCode) || chain == EChain::Ends)
             continue;
         problems.Add(i, EAspect::Parent,
-                     chain == EChain::Circle
-                         ? "has holders that run in a circle"
-                         : "lies too deep: more than " + std::to_string(MaximumChain) + " holders");
+                     chain == EChain::Cyclic ? "has a chain of parents that is cyclic"
+                                             : "lies too deep: more than " +
+                                                   std::to_string(kMaximumChain) + " parents");
         drafts[i].record.parent = {};
     }
 }
 
-amd_id SpaceAround(const ObjectTable& table, const amd_id& holder)
+amd_id SpaceAround(const ObjectTable& table, const amd_id& parent)
 {
-    const ObjectRecord* record = table.Find(holder);
+    const ObjectRecord* record = table.Find(parent);
     while (record != nullptr && record->id.classCode != IdClassNamespace)
         record = table.Find(record->parent);
     return record == nullptr ? amd_id() : record->id;
@@ -137,10 +211,10 @@ void CheckCardinalities(const std::vector<ObjectDraft>& drafts, ProblemList& pro
             continue;
         if (!IsRange(drafts[i].record.leftCardinality))
             problems.Add(i, EAspect::LeftCardinality,
-                         "has a cardinality at its left end that is no range");
+                         "has a cardinality at its left end that is not a valid range");
         if (!IsRange(drafts[i].record.rightCardinality))
             problems.Add(i, EAspect::RightCardinality,
-                         "has a cardinality at its right end that is no range");
+                         "has a cardinality at its right end that is not a valid range");
     }
 }
 
@@ -163,11 +237,11 @@ void CheckTargets(const std::vector<ObjectDraft>& drafts, const ObjectTable& tab
             continue;
         }
         const EChain chain = walk.Classify(draft.record.id);
-        if (chain == EChain::Circle)
-            problems.Add(i, EAspect::Target, "has a chain of shortcuts that runs in a circle");
+        if (chain == EChain::Cyclic)
+            problems.Add(i, EAspect::Target, "has a chain of shortcuts that is cyclic");
         else if (chain == EChain::TooLong)
             problems.Add(i, EAspect::Target,
-                         "stands behind a chain of more than " + std::to_string(MaximumChain) +
+                         "stands behind a chain of more than " + std::to_string(kMaximumChain) +
                              " shortcuts");
     }
 }

@@ -43,7 +43,7 @@ void Model::ListIds()
                          return left->parent < right->parent;
                      });
     for (const ObjectRecord* record : records) {
-        mHolders.push_back(record->parent);
+        mParents.push_back(record->parent);
         mChildren.push_back(record->id);
     }
 }
@@ -66,10 +66,10 @@ std::span<const amd_id> Model::GetIds(std::int32_t classCode) const
     return {first, last};
 }
 
-std::span<const amd_id> Model::GetChildren(const amd_id& holder) const
+std::span<const amd_id> Model::GetChildren(const amd_id& parent) const
 {
-    const auto range = std::equal_range(mHolders.begin(), mHolders.end(), holder);
-    const auto first = static_cast<std::size_t>(range.first - mHolders.begin());
+    const auto range = std::equal_range(mParents.begin(), mParents.end(), parent);
+    const auto first = static_cast<std::size_t>(range.first - mParents.begin());
     const auto count = static_cast<std::size_t>(range.second - range.first);
     return std::span<const amd_id>(mChildren).subspan(first, count);
 }
@@ -100,25 +100,25 @@ QualifiedName Model::GetQualifiedName(const amd_id& id) const
     return mNames->GetQualifiedName(id);
 }
 
-std::vector<amd_id> Model::FindByName(EFamily family, const QualifiedName& name) const
+std::vector<amd_id> Model::FindByName(ENameKind nameKind, const QualifiedName& name) const
 {
-    return mNames->Match(family, name);
+    return mNames->Match(nameKind, name);
 }
 
-std::vector<amd_id> Model::FindByName(EFamily family, std::string_view name) const
+std::vector<amd_id> Model::FindByName(ENameKind nameKind, std::string_view name) const
 {
-    std::vector<amd_id> found = FindByName(family, ParseQualifiedName(name));
-    return found.empty() ? FindByName(family, QualifiedName{std::string(name)}) : found;
+    std::vector<amd_id> found = FindByName(nameKind, ParseQualifiedName(name));
+    return found.empty() ? FindByName(nameKind, QualifiedName{std::string(name)}) : found;
 }
 
-std::vector<std::string> Model::SuggestNames(EFamily family, std::string_view name) const
+std::vector<std::string> Model::SuggestNames(ENameKind nameKind, std::string_view name) const
 {
-    return mNames->Suggest(family, ParseQualifiedName(name));
+    return mNames->Suggest(nameKind, ParseQualifiedName(name));
 }
 
-amd_id Model::FindExact(EFamily family, const amd_id& scope, std::string_view name) const
+amd_id Model::FindExact(ENameKind nameKind, const amd_id& scope, std::string_view name) const
 {
-    return mNames->FindExact(family, scope, name);
+    return mNames->FindExact(nameKind, scope, name);
 }
 
 } // namespace qe::model

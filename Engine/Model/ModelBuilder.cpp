@@ -25,7 +25,7 @@ amd_id ModelBuilder::NextId(std::int32_t classCode)
     return id;
 }
 
-ObjectDraft& ModelBuilder::Add(std::int32_t classCode, const Reference& holder, std::string name,
+ObjectDraft& ModelBuilder::Add(std::int32_t classCode, const Reference& parent, std::string name,
                                const ObjectOptions& options)
 {
     ObjectDraft draft;
@@ -35,7 +35,7 @@ ObjectDraft& ModelBuilder::Add(std::int32_t classCode, const Reference& holder, 
     draft.record.name = std::move(name);
     draft.record.locale = options.locale;
     draft.tag = options.tag;
-    draft.holder = holder;
+    draft.parent = parent;
     mTakenIds.insert(draft.record.id);
     mDrafts.push_back(std::move(draft));
     return mDrafts.back();
@@ -43,25 +43,25 @@ ObjectDraft& ModelBuilder::Add(std::int32_t classCode, const Reference& holder, 
 
 amd_id ModelBuilder::AddNamespace(std::string name)
 {
-    return AddNamespace(Top, std::move(name));
+    return AddNamespace(kTop, std::move(name));
 }
 
-amd_id ModelBuilder::AddNamespace(const Reference& holder, std::string name,
+amd_id ModelBuilder::AddNamespace(const Reference& parent, std::string name,
                                   const ObjectOptions& options)
 {
-    return Add(IdClassNamespace, holder, std::move(name), options).record.id;
+    return Add(IdClassNamespace, parent, std::move(name), options).record.id;
 }
 
-amd_id ModelBuilder::AddFolder(const Reference& holder, std::string name,
+amd_id ModelBuilder::AddFolder(const Reference& parent, std::string name,
                                const ObjectOptions& options)
 {
-    return Add(IdClassFolder, holder, std::move(name), options).record.id;
+    return Add(IdClassFolder, parent, std::move(name), options).record.id;
 }
 
-amd_id ModelBuilder::AddQuerySubject(const Reference& holder, std::string name,
+amd_id ModelBuilder::AddQuerySubject(const Reference& parent, std::string name,
                                      const ObjectOptions& options)
 {
-    ObjectDraft& draft = Add(IdClassQuerySubject, holder, std::move(name), options);
+    ObjectDraft& draft = Add(IdClassQuerySubject, parent, std::move(name), options);
     draft.record.text = options.source;
     return draft.record.id;
 }
@@ -72,20 +72,20 @@ amd_id ModelBuilder::AddItem(const Reference& querySubject, std::string name,
     return Add(IdClassQueryItem, querySubject, std::move(name), options).record.id;
 }
 
-amd_id ModelBuilder::AddShortcut(const Reference& holder, std::string name,
+amd_id ModelBuilder::AddShortcut(const Reference& parent, std::string name,
                                  const ShortcutTarget& target, const ObjectOptions& options)
 {
-    ObjectDraft& draft = Add(IdClassShortcut, holder, std::move(name), options);
+    ObjectDraft& draft = Add(IdClassShortcut, parent, std::move(name), options);
     draft.referenced = target.object;
     draft.record.shortcutKind = target.kind;
     return draft.record.id;
 }
 
-amd_id ModelBuilder::AddJoin(std::int32_t classCode, const Reference& holder, std::string name,
+amd_id ModelBuilder::AddJoin(std::int32_t classCode, const Reference& parent, std::string name,
                              const JoinEnd& left, const JoinEnd& right, std::string condition,
                              const ObjectOptions& options)
 {
-    ObjectDraft& draft = Add(classCode, holder, std::move(name), options);
+    ObjectDraft& draft = Add(classCode, parent, std::move(name), options);
     draft.left = left.subject;
     draft.right = right.subject;
     draft.record.leftCardinality = left.cardinality;
@@ -94,44 +94,44 @@ amd_id ModelBuilder::AddJoin(std::int32_t classCode, const Reference& holder, st
     return draft.record.id;
 }
 
-amd_id ModelBuilder::AddRelationship(const Reference& holder, std::string name, const JoinEnd& left,
+amd_id ModelBuilder::AddRelationship(const Reference& parent, std::string name, const JoinEnd& left,
                                      const JoinEnd& right, std::string condition,
                                      const ObjectOptions& options)
 {
-    return AddJoin(IdClassRelationship, holder, std::move(name), left, right, std::move(condition),
+    return AddJoin(IdClassRelationship, parent, std::move(name), left, right, std::move(condition),
                    options);
 }
 
-amd_id ModelBuilder::AddRelationship136(const Reference& holder, std::string name,
+amd_id ModelBuilder::AddRelationship136(const Reference& parent, std::string name,
                                         const JoinEnd& left, const JoinEnd& right,
                                         std::string condition, const ObjectOptions& options)
 {
-    return AddJoin(IdClassRelationship136, holder, std::move(name), left, right,
+    return AddJoin(IdClassRelationship136, parent, std::move(name), left, right,
                    std::move(condition), options);
 }
 
 amd_id ModelBuilder::AddSpecJoin(std::string name, const JoinEnd& left, const JoinEnd& right,
                                  std::string condition, const ObjectOptions& options)
 {
-    return AddJoin(IdClassSpecJoin, Top, std::move(name), left, right, std::move(condition),
+    return AddJoin(IdClassSpecJoin, kTop, std::move(name), left, right, std::move(condition),
                    options);
 }
 
-amd_id ModelBuilder::AddRelationshipShortcut(const Reference& holder, std::string name,
+amd_id ModelBuilder::AddRelationshipShortcut(const Reference& parent, std::string name,
                                              const RelationshipShortcutTarget& target,
                                              const ObjectOptions& options)
 {
-    ObjectDraft& draft = Add(IdClassRelationshipShortcut, holder, std::move(name), options);
+    ObjectDraft& draft = Add(IdClassRelationshipShortcut, parent, std::move(name), options);
     draft.referenced = target.relationship;
     draft.left = target.left;
     draft.right = target.right;
     return draft.record.id;
 }
 
-amd_id ModelBuilder::AddFilter(const Reference& holder, std::string name, std::string condition,
+amd_id ModelBuilder::AddFilter(const Reference& parent, std::string name, std::string condition,
                                const ObjectOptions& options)
 {
-    ObjectDraft& draft = Add(IdClassFilter, holder, std::move(name), options);
+    ObjectDraft& draft = Add(IdClassFilter, parent, std::move(name), options);
     draft.record.text = std::move(condition);
     return draft.record.id;
 }
@@ -139,7 +139,7 @@ amd_id ModelBuilder::AddFilter(const Reference& holder, std::string name, std::s
 amd_id ModelBuilder::AddSpecFilter(std::string name, std::string condition,
                                    const ObjectOptions& options)
 {
-    ObjectDraft& draft = Add(IdClassSpecFilter, Top, std::move(name), options);
+    ObjectDraft& draft = Add(IdClassSpecFilter, kTop, std::move(name), options);
     draft.record.text = std::move(condition);
     return draft.record.id;
 }

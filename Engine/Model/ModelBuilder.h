@@ -24,7 +24,7 @@ struct ObjectOptions
     amd_id id{};
     /// What users see; empty: the name.
     std::string displayName{};
-    /// A language tag; empty: the holder's locale holds.
+    /// A language tag; empty: that of the parent counts.
     std::string locale{};
     /// Query subject: the table or view that it reads, any text.
     std::string source{};
@@ -37,7 +37,7 @@ struct ObjectOptions
 struct JoinEnd
 {
     Reference subject{};
-    CardinalityRange cardinality = OneToOne;
+    CardinalityRange cardinality = kOneToOne;
 };
 
 /// What a shortcut stands for; kind 0 is the ordinary one.
@@ -63,18 +63,19 @@ struct RelationshipShortcutTarget
 ///     const amd_id customer = builder.AddQuerySubject(sales, "Customer");
 ///     builder.AddItem(orders, "Customer Key");
 ///     builder.AddItem(customer, "Key");
-///     builder.AddRelationship(sales, "Orders-Customer", {orders, OneToMany}, {customer, OneToOne},
+///     builder.AddRelationship(sales, "Orders-Customer", {orders, kOneToMany}, {customer,
+///     kOneToOne},
 ///                             "[Sales].[Orders].[Customer Key] = [Sales].[Customer].[Key]");
 ///     const std::shared_ptr<const Model> model = builder.Build();
 ///
 /// Objects may be added in any order; references may name objects that are added later. Nothing
-/// is checked before Build, which tells all problems at once. Each Add gives the object's id: the
-/// one asked for, or {0, class, n} with the least n above those given out before that no object
+/// is checked before Build, which reports all problems at once. Each Add returns the object's id:
+/// the one asked for, or {0, class, n} with the least n above those given out before that no object
 /// of the class has yet.
 class QEENGINE_EXPORT ModelBuilder
 {
 public:
-    /// Takes the locale of objects that have none and whose holders have none.
+    /// Takes the locale of objects that have none and whose parents have none.
     explicit ModelBuilder(std::string locale = "en");
 
     /// Keeps an id from being given to an object that comes without one: for a caller who knows
@@ -82,42 +83,42 @@ public:
     void Reserve(const amd_id& id);
 
     amd_id AddNamespace(std::string name);
-    amd_id AddNamespace(const Reference& holder, std::string name,
+    amd_id AddNamespace(const Reference& parent, std::string name,
                         const ObjectOptions& options = {});
-    amd_id AddFolder(const Reference& holder, std::string name, const ObjectOptions& options = {});
-    amd_id AddQuerySubject(const Reference& holder, std::string name,
+    amd_id AddFolder(const Reference& parent, std::string name, const ObjectOptions& options = {});
+    amd_id AddQuerySubject(const Reference& parent, std::string name,
                            const ObjectOptions& options = {});
     amd_id AddItem(const Reference& querySubject, std::string name,
                    const ObjectOptions& options = {});
-    amd_id AddShortcut(const Reference& holder, std::string name, const ShortcutTarget& target,
+    amd_id AddShortcut(const Reference& parent, std::string name, const ShortcutTarget& target,
                        const ObjectOptions& options = {});
-    amd_id AddRelationship(const Reference& holder, std::string name, const JoinEnd& left,
+    amd_id AddRelationship(const Reference& parent, std::string name, const JoinEnd& left,
                            const JoinEnd& right, std::string condition = {},
                            const ObjectOptions& options = {});
     /// Adds a relationship of class 136. Its cardinalities may be any numbers.
-    amd_id AddRelationship136(const Reference& holder, std::string name, const JoinEnd& left,
+    amd_id AddRelationship136(const Reference& parent, std::string name, const JoinEnd& left,
                               const JoinEnd& right, std::string condition = {},
                               const ObjectOptions& options = {});
-    amd_id AddRelationshipShortcut(const Reference& holder, std::string name,
+    amd_id AddRelationshipShortcut(const Reference& parent, std::string name,
                                    const RelationshipShortcutTarget& target,
                                    const ObjectOptions& options = {});
-    amd_id AddFilter(const Reference& holder, std::string name, std::string condition,
+    amd_id AddFilter(const Reference& parent, std::string name, std::string condition,
                      const ObjectOptions& options = {});
-    /// Adds a join that a query defines. Nothing holds it.
+    /// Adds a join that a query defines. It has no parent.
     amd_id AddSpecJoin(std::string name, const JoinEnd& left, const JoinEnd& right,
                        std::string condition = {}, const ObjectOptions& options = {});
-    /// Adds a filter that a query defines. Nothing holds it.
+    /// Adds a filter that a query defines. It has no parent.
     amd_id AddSpecFilter(std::string name, std::string condition,
                          const ObjectOptions& options = {});
 
-    /// Makes the model. Raises a ModelError with everything that is wrong with it; the builder
+    /// Makes the model. Throws a ModelError with everything that is wrong with it; the builder
     /// stays as it is and may be built again after more was added.
     [[nodiscard]] std::shared_ptr<const Model> Build() const;
 
 private:
-    ObjectDraft& Add(std::int32_t classCode, const Reference& holder, std::string name,
+    ObjectDraft& Add(std::int32_t classCode, const Reference& parent, std::string name,
                      const ObjectOptions& options);
-    amd_id AddJoin(std::int32_t classCode, const Reference& holder, std::string name,
+    amd_id AddJoin(std::int32_t classCode, const Reference& parent, std::string name,
                    const JoinEnd& left, const JoinEnd& right, std::string condition,
                    const ObjectOptions& options);
     amd_id NextId(std::int32_t classCode);

@@ -40,7 +40,7 @@ struct ModelProblem
     std::vector<std::string> nearestNames;
 };
 
-/// Tells everything that is wrong with a model, in the order in which the objects were added.
+/// Everything that is wrong with a model, in the order in which the objects were added.
 class QEENGINE_EXPORT ModelError : public std::exception
 {
 public:
@@ -51,7 +51,7 @@ public:
         return mProblems;
     }
 
-    /// Gives one line for each problem, with the nearest names.
+    /// Returns one line for each problem, with the nearest names.
     [[nodiscard]] const char* what() const noexcept override { return mText.c_str(); }
 
 private:

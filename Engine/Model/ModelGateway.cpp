@@ -13,23 +13,23 @@ namespace {
 std::optional<ResolvedReference> FindItem(const Model& model, const amd_id& space,
                                           const I18NString& subjectName, const I18NString& itemName)
 {
-    const amd_id subject = model.FindExact(EFamily::Subject, space, subjectName.View());
+    const amd_id subject = model.FindExact(ENameKind::Subject, space, subjectName.View());
     if (subject == amd_id())
         return std::nullopt;
-    const amd_id item = model.FindExact(EFamily::Item, model.GetTarget(subject), itemName.View());
+    const amd_id item = model.FindExact(ENameKind::Item, model.GetTarget(subject), itemName.View());
     if (item == amd_id())
         return std::nullopt;
     return ResolvedReference{item, subject};
 }
 
-/// Finds what a namespace holds under that name. A subject is reached through itself.
+/// Finds what lies in a namespace under that name. A subject is reached through itself.
 std::optional<ResolvedReference> FindMember(const Model& model, const amd_id& space,
                                             const I18NString& name)
 {
-    const amd_id subject = model.FindExact(EFamily::Subject, space, name.View());
+    const amd_id subject = model.FindExact(ENameKind::Subject, space, name.View());
     if (subject != amd_id())
         return ResolvedReference{subject, subject};
-    const amd_id filter = model.FindExact(EFamily::Filter, space, name.View());
+    const amd_id filter = model.FindExact(ENameKind::Filter, space, name.View());
     if (filter != amd_id())
         return ResolvedReference{filter, {}};
     return std::nullopt;
@@ -39,7 +39,7 @@ std::optional<ResolvedReference> FindMember(const Model& model, const amd_id& sp
 amd_id FindNamespace(const Model& model, const I18NString& name)
 {
     for (const amd_id& id :
-         model.FindByName(EFamily::Container, QualifiedName{name.ToStdString()})) {
+         model.FindByName(ENameKind::Container, QualifiedName{name.ToStdString()})) {
         if (id.classCode == IdClassNamespace && model.Find(id)->name == name.View())
             return id;
     }

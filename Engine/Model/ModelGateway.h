@@ -13,7 +13,7 @@ namespace qe::model {
 
 class Model;
 
-/// The way of the refiner into a model. It keeps the model alive; the objects that it gives live
+/// The access of the refiner to a model. It keeps the model alive; the objects that it returns live
 /// as long as the model does. Nothing in it ever changes, so threads may share a gateway.
 class QEENGINE_EXPORT ModelGateway : public amdi_gateway, public qe::expression::ReferenceResolver
 {
@@ -26,7 +26,7 @@ public:
 
     [[nodiscard]] amdi_object* GetObject(const amd_id& id) override;
     [[nodiscard]] I18NLocale GetLocale(const amd_id& id) override;
-    /// Gives the nearest namespace around the object.
+    /// Returns the nearest namespace around the object.
     [[nodiscard]] amd_id GetQualifierId(amd_id id) override;
 
     /// Follows namespace, query subject or shortcut, item; or namespace and subject or filter; or,

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <tuple>
+#include <utility>
 
 namespace qe::model {
 
@@ -11,10 +13,10 @@ namespace {
 
 amd_id ScopeOf(const ObjectRecord& record)
 {
-    switch (FamilyOf(record.id.classCode)) {
-    case EFamily::Container:
+    switch (NameKindOf(record.id.classCode)) {
+    case ENameKind::Container:
         return {};
-    case EFamily::Item:
+    case ENameKind::Item:
         return record.parent;
     default:
         return record.space;
@@ -37,28 +39,75 @@ bool SameNames(const QualifiedName& left, const QualifiedName& right, NameLookup
 
 } // namespace
 
+NameIndex::NameIndex(std::vector<Entry> entries) : mEntries(std::move(entries))
+{
+    for (Entry& entry : mEntries)
+        entry.folded = FoldCase(entry.name);
+    std::sort(mEntries.begin(), mEntries.end(), [](const Entry& left, const Entry& right) {
+        return std::tie(left.folded, left.scope, left.id) <
+               std::tie(right.folded, right.scope, right.id);
+    });
+}
+
+amd_id NameIndex::Find(const amd_id& scope, std::string_view name) const
+{
+    for (const Entry& entry : FindFolded(scope, name)) {
+        if (entry.name == name)
+            return entry.id;
+    }
+    return {};
+}
+
+std::span<const NameIndex::Entry> NameIndex::FindFolded(std::string_view name) const
+{
+    const std::string folded = FoldCase(name);
+    const auto first =
+        std::partition_point(mEntries.begin(), mEntries.end(),
+                             [&](const Entry& entry) { return entry.folded < folded; });
+    const auto last = std::partition_point(
+        first, mEntries.end(), [&](const Entry& entry) { return entry.folded == folded; });
+    return {first, last};
+}
+
+std::span<const NameIndex::Entry> NameIndex::FindFolded(const amd_id& scope,
+                                                        std::string_view name) const
+{
+    const std::span<const Entry> found = FindFolded(name);
+    const auto first = std::partition_point(
+        found.begin(), found.end(), [&](const Entry& entry) { return entry.scope < scope; });
+    const auto last = std::partition_point(
+        first, found.end(), [&](const Entry& entry) { return entry.scope == scope; });
+    return {first, last};
+}
+
+void NameIndex::CollectNames(std::vector<std::string_view>& names) const
+{
+    for (const Entry& entry : mEntries)
+        names.push_back(entry.name);
+}
+
 NameLookup::NameLookup(const ObjectTable& table) : mTable(&table)
 {
-    std::array<std::vector<NameIndex::Entry>, FamilyCount> entries;
+    std::array<std::vector<NameIndex::Entry>, kNameKindCount> entries;
     for (const ObjectRecord& record : table.GetRecords()) {
-        const auto family = static_cast<std::size_t>(FamilyOf(record.id.classCode));
-        entries[family].push_back({{}, record.name, ScopeOf(record), record.id});
+        const auto nameKind = static_cast<std::size_t>(NameKindOf(record.id.classCode));
+        entries[nameKind].push_back({{}, record.name, ScopeOf(record), record.id});
     }
-    for (std::size_t family = 0; family < FamilyCount; ++family)
-        mIndexes[family] = NameIndex(std::move(entries[family]));
+    for (std::size_t nameKind = 0; nameKind < kNameKindCount; ++nameKind)
+        mIndexes[nameKind] = NameIndex(std::move(entries[nameKind]));
 }
 
-amd_id NameLookup::FindExact(EFamily family, const amd_id& scope, std::string_view name) const
+amd_id NameLookup::FindExact(ENameKind nameKind, const amd_id& scope, std::string_view name) const
 {
-    return IndexOf(family).Find(scope, name);
+    return IndexOf(nameKind).Find(scope, name);
 }
 
-std::vector<amd_id> NameLookup::Match(EFamily family, const QualifiedName& name) const
+std::vector<amd_id> NameLookup::Match(ENameKind nameKind, const QualifiedName& name) const
 {
-    std::vector<amd_id> found = Match(family, name, ECase::Exact);
+    std::vector<amd_id> found = Match(nameKind, name, ECase::Exact);
     ECase letterCase = ECase::Exact;
     if (found.empty()) {
-        found = Match(family, name, ECase::Folded);
+        found = Match(nameKind, name, ECase::Folded);
         letterCase = ECase::Folded;
     }
     std::vector<amd_id> complete;
@@ -68,17 +117,17 @@ std::vector<amd_id> NameLookup::Match(EFamily family, const QualifiedName& name)
     return complete.empty() ? found : complete;
 }
 
-std::vector<amd_id> NameLookup::Match(EFamily family, const QualifiedName& name,
+std::vector<amd_id> NameLookup::Match(ENameKind nameKind, const QualifiedName& name,
                                       ECase letterCase) const
 {
     if (name.empty())
         return {};
-    if (family == EFamily::Item && name.size() > 1)
+    if (nameKind == ENameKind::Item && name.size() > 1)
         return MatchItems(name, letterCase);
     std::vector<amd_id> found;
-    for (const NameIndex::Entry& entry : IndexOf(family).FindFolded(name.back())) {
+    for (const NameIndex::Entry& entry : IndexOf(nameKind).FindFolded(name.back())) {
         if ((letterCase == ECase::Folded || entry.name == name.back()) &&
-            HoldersMatch(entry.id, name, letterCase))
+            ParentsMatch(entry.id, name, letterCase))
             found.push_back(entry.id);
     }
     std::sort(found.begin(), found.end());
@@ -89,10 +138,10 @@ std::vector<amd_id> NameLookup::MatchItems(const QualifiedName& name, ECase lett
 {
     std::vector<amd_id> found;
     const QualifiedName subjectName(name.begin(), name.end() - 1);
-    for (const amd_id& subject : Match(EFamily::Subject, subjectName, letterCase)) {
+    for (const amd_id& subject : Match(ENameKind::Subject, subjectName, letterCase)) {
         const amd_id target = mTable->GetTarget(subject);
         for (const NameIndex::Entry& entry :
-             IndexOf(EFamily::Item).FindFolded(target, name.back())) {
+             IndexOf(ENameKind::Item).FindFolded(target, name.back())) {
             if (letterCase == ECase::Folded || entry.name == name.back())
                 found.push_back(entry.id);
         }
@@ -102,11 +151,11 @@ std::vector<amd_id> NameLookup::MatchItems(const QualifiedName& name, ECase lett
     return found;
 }
 
-bool NameLookup::HoldersMatch(const amd_id& id, const QualifiedName& name, ECase letterCase) const
+bool NameLookup::ParentsMatch(const amd_id& id, const QualifiedName& name, ECase letterCase) const
 {
     std::size_t open = name.size() - 1;
     const ObjectRecord* object = mTable->Find(id);
-    for (std::size_t depth = 0; open > 0 && object != nullptr && depth <= MaximumChain; ++depth) {
+    for (std::size_t depth = 0; open > 0 && object != nullptr && depth <= kMaximumChain; ++depth) {
         object = mTable->Find(object->parent);
         if (object == nullptr)
             break;
@@ -117,16 +166,16 @@ bool NameLookup::HoldersMatch(const amd_id& id, const QualifiedName& name, ECase
     return open == 0;
 }
 
-std::vector<std::string> NameLookup::Suggest(EFamily family, const QualifiedName& name) const
+std::vector<std::string> NameLookup::Suggest(ENameKind nameKind, const QualifiedName& name) const
 {
     std::vector<std::string_view> names;
     if (name.size() <= 1) {
-        IndexOf(family).CollectNames(names);
+        IndexOf(nameKind).CollectNames(names);
         return NearestNames(name.empty() ? "" : name.back(), names);
     }
     std::vector<std::string> qualified;
     for (const ObjectRecord& record : mTable->GetRecords()) {
-        if (FamilyOf(record.id.classCode) == family)
+        if (NameKindOf(record.id.classCode) == nameKind)
             qualified.push_back(ToText(GetQualifiedName(record.id)));
     }
     names.assign(qualified.begin(), qualified.end());
@@ -137,11 +186,11 @@ QualifiedName NameLookup::GetQualifiedName(const amd_id& id) const
 {
     QualifiedName name;
     const ObjectRecord* object = mTable->Find(id);
-    for (std::size_t depth = 0; object != nullptr && depth <= MaximumChain; ++depth) {
+    for (std::size_t depth = 0; object != nullptr && depth <= kMaximumChain; ++depth) {
         name.push_back(object->name);
         const bool bySpace =
             !IsContainerClass(object->id.classCode) && object->id.classCode != IdClassQueryItem;
-        // Namespaces are unique in the whole model: what holds them need not be told.
+        // Namespaces are unique in the whole model: their parents need not be named.
         if (object->id.classCode == IdClassNamespace)
             break;
         object = mTable->Find(bySpace ? object->space : object->parent);

@@ -1,18 +1,57 @@
 #ifndef ENGINE_MODEL_NAMELOOKUP_H
 #define ENGINE_MODEL_NAMELOOKUP_H
 
-#include "Engine/Model/Family.h"
-#include "Engine/Model/NameIndex.h"
 #include "Engine/Model/ObjectTable.h"
 #include "Engine/Model/QualifiedName.h"
+#include "amd_id.h"
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace qe::model {
+
+/// Finds the objects of one name kind by name. Lookups are binary searches; the suggestions for a
+/// wrong name read every name.
+///
+/// Every object has a scope, the object within which its name is looked up: the query subject of
+/// an item, the namespace of most others. Results are ordered by scope, then id.
+class NameIndex
+{
+public:
+    struct Entry
+    {
+        std::string folded;
+        std::string name;
+        amd_id scope;
+        amd_id id;
+    };
+
+    NameIndex() = default;
+    /// Takes entries in any order; `folded` need not be set.
+    explicit NameIndex(std::vector<Entry> entries);
+
+    /// Returns the object of exactly that name in the scope, or the empty id. Of several, the one
+    /// with the least id.
+    [[nodiscard]] amd_id Find(const amd_id& scope, std::string_view name) const;
+
+    /// Returns the objects of that name in the scope, letter case aside.
+    [[nodiscard]] std::span<const Entry> FindFolded(const amd_id& scope,
+                                                    std::string_view name) const;
+    /// Returns the objects of that name in any scope, letter case aside.
+    [[nodiscard]] std::span<const Entry> FindFolded(std::string_view name) const;
+
+    /// Appends the names of all scopes.
+    void CollectNames(std::vector<std::string_view>& names) const;
+
+private:
+    /// Ordered by (folded name, scope, id).
+    std::vector<Entry> mEntries;
+};
 
 /// Finds objects by the names that people write. Refers to the table, which must outlive it.
 class NameLookup
@@ -27,34 +66,35 @@ public:
     explicit NameLookup(const ObjectTable& table);
 
     /// See Model::FindExact.
-    [[nodiscard]] amd_id FindExact(EFamily family, const amd_id& scope,
+    [[nodiscard]] amd_id FindExact(ENameKind nameKind, const amd_id& scope,
                                    std::string_view name) const;
 
     /// See Model::FindByName.
-    [[nodiscard]] std::vector<amd_id> Match(EFamily family, const QualifiedName& name) const;
+    [[nodiscard]] std::vector<amd_id> Match(ENameKind nameKind, const QualifiedName& name) const;
 
-    /// Gives the names that `name` was probably meant to be, best first: qualified ones when it
-    /// is qualified itself. Reads all names of the family.
-    [[nodiscard]] std::vector<std::string> Suggest(EFamily family, const QualifiedName& name) const;
+    /// Returns the names that `name` was probably meant to be, best first: qualified ones when it
+    /// is qualified itself. Reads all names of the kind.
+    [[nodiscard]] std::vector<std::string> Suggest(ENameKind nameKind,
+                                                   const QualifiedName& name) const;
 
-    /// Gives the name by which expressions refer to the object: namespace, query subject and item
-    /// as far as they apply. Folders have the path of their holders instead.
+    /// Returns the name by which expressions refer to the object: namespace, query subject and item
+    /// as far as they apply. Folders have the path of their parents instead.
     [[nodiscard]] QualifiedName GetQualifiedName(const amd_id& id) const;
 
 private:
-    [[nodiscard]] const NameIndex& IndexOf(EFamily family) const
+    [[nodiscard]] const NameIndex& IndexOf(ENameKind nameKind) const
     {
-        return mIndexes[static_cast<std::size_t>(family)];
+        return mIndexes[static_cast<std::size_t>(nameKind)];
     }
-    [[nodiscard]] std::vector<amd_id> Match(EFamily family, const QualifiedName& name,
+    [[nodiscard]] std::vector<amd_id> Match(ENameKind nameKind, const QualifiedName& name,
                                             ECase letterCase) const;
     [[nodiscard]] std::vector<amd_id> MatchItems(const QualifiedName& name, ECase letterCase) const;
-    /// Tells whether the parts before the last one name holders of the object.
-    [[nodiscard]] bool HoldersMatch(const amd_id& id, const QualifiedName& name,
+    /// Returns whether the parts before the last one name parents of the object.
+    [[nodiscard]] bool ParentsMatch(const amd_id& id, const QualifiedName& name,
                                     ECase letterCase) const;
 
     const ObjectTable* mTable;
-    std::array<NameIndex, FamilyCount> mIndexes;
+    std::array<NameIndex, kNameKindCount> mIndexes;
 };
 
 } // namespace qe::model

@@ -1,5 +1,7 @@
 #include "Engine/Model/NearestNames.h"
 
+#include "Engine/Services/AsciiText.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -7,7 +9,7 @@ namespace qe::model {
 
 namespace {
 
-/// Tells whether the two bytes are a capital letter between U+00C0 and U+00DE; the
+/// Returns whether the two bytes are a capital letter between U+00C0 and U+00DE; the
 /// multiplication sign among them is none.
 bool IsLatin1Capital(unsigned char first, unsigned char second)
 {
@@ -22,7 +24,7 @@ std::string FoldCase(std::string_view text)
     unsigned char previous = 0;
     for (char& letter : folded) {
         const auto byte = static_cast<unsigned char>(letter);
-        if ((byte >= 'A' && byte <= 'Z') || IsLatin1Capital(previous, byte))
+        if (ascii::IsUpper(letter) || IsLatin1Capital(previous, byte))
             letter = static_cast<char>(byte + 0x20);
         previous = byte;
     }
@@ -43,7 +45,7 @@ std::size_t EditDistance(std::string_view left, std::string_view right, std::siz
     for (std::size_t i = 0; i <= left.size(); ++i)
         last[i] = i;
     for (std::size_t j = 1; j <= right.size(); ++j) {
-        // Cells further than `limit` from the diagonal cannot be part of a short way.
+        // Cells further than `limit` from the diagonal cannot be part of a short path.
         const std::size_t from = j > limit ? j - limit : 0;
         const std::size_t to = std::min(left.size(), j + limit);
         std::fill(current.begin(), current.end(), beyond);

@@ -32,7 +32,7 @@ private:
 };
 
 /// The place of a reference that names nothing: the top of the model.
-inline const Reference Top{};
+inline const Reference kTop{};
 
 /// An object as it was added: its references are not followed yet.
 struct ObjectDraft
@@ -42,7 +42,7 @@ struct ObjectDraft
     /// The class it was added as; an id that was asked for may have another.
     std::int32_t classCode = 0;
     std::int64_t tag = 0;
-    Reference holder{};
+    Reference parent{};
     Reference referenced{};
     Reference left{};
     Reference right{};

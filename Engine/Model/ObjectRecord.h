@@ -6,6 +6,7 @@
 #include "QEENGINE_EXPORT.h"
 #include "amd_id.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -13,18 +14,21 @@
 namespace qe::model {
 
 /// The class of namespaces, beside the classes that the metadata layer shares with the refiner.
-inline constexpr std::int32_t IdClassNamespace = 800001;
+enum : std::int32_t
+{
+    IdClassNamespace = 800001
+};
 
 using CardinalityRange = BMT_I_Association::CardinalityRange;
 
-inline constexpr CardinalityRange ZeroToOne{BMT_I_Association::CardinalityZero,
+inline constexpr CardinalityRange kZeroToOne{BMT_I_Association::CardinalityZero,
+                                             BMT_I_Association::CardinalityOne};
+inline constexpr CardinalityRange kOneToOne{BMT_I_Association::CardinalityOne,
                                             BMT_I_Association::CardinalityOne};
-inline constexpr CardinalityRange OneToOne{BMT_I_Association::CardinalityOne,
-                                           BMT_I_Association::CardinalityOne};
-inline constexpr CardinalityRange ZeroToMany{BMT_I_Association::CardinalityZero,
+inline constexpr CardinalityRange kZeroToMany{BMT_I_Association::CardinalityZero,
+                                              BMT_I_Association::CardinalityMany};
+inline constexpr CardinalityRange kOneToMany{BMT_I_Association::CardinalityOne,
                                              BMT_I_Association::CardinalityMany};
-inline constexpr CardinalityRange OneToMany{BMT_I_Association::CardinalityOne,
-                                            BMT_I_Association::CardinalityMany};
 
 /// Everything that a model knows of one object. Fields that the object's class does not use keep
 /// their defaults.
@@ -34,11 +38,11 @@ struct ObjectRecord
     std::string name{};
     /// What users see; the builder sets it to the name where none was given.
     std::string displayName{};
-    /// The holder: folder, namespace or, for an item, its query subject; empty at the top.
+    /// The parent: folder, namespace or, for an item, its query subject; empty at the top.
     amd_id parent{};
     /// The nearest namespace around the object; empty outside all namespaces.
     amd_id space{};
-    /// The object's own locale; empty: the holder's locale holds.
+    /// The object's own locale; empty: that of the parent counts.
     std::string locale{};
     /// Query subject: the table or view that it reads. Join, filter: the condition.
     std::string text{};
@@ -54,7 +58,7 @@ struct ObjectRecord
     CardinalityRange rightCardinality{};
 };
 
-/// Tells what the objects of a class are called in messages, such as "query subject".
+/// Returns what the objects of a class are called in messages, such as "query subject".
 [[nodiscard]] QEENGINE_EXPORT std::string_view ClassTitle(std::int32_t classCode);
 
 [[nodiscard]] constexpr bool IsContainerClass(std::int32_t classCode)
@@ -77,6 +81,32 @@ struct ObjectRecord
 [[nodiscard]] constexpr bool IsFilterClass(std::int32_t classCode)
 {
     return classCode == IdClassFilter || classCode == IdClassSpecFilter;
+}
+
+/// The kinds of names. Within a namespace a name stands for one subject (query subject or
+/// shortcut) and for one filter; several joins may share a name.
+enum class ENameKind : std::uint8_t
+{
+    /// Folders and namespaces.
+    Container,
+    Subject,
+    Item,
+    Join,
+    Filter,
+};
+
+inline constexpr std::size_t kNameKindCount = 5;
+
+/// Returns the kind that the names of a class are of.
+[[nodiscard]] constexpr ENameKind NameKindOf(std::int32_t classCode)
+{
+    if (IsContainerClass(classCode))
+        return ENameKind::Container;
+    if (IsJoinClass(classCode))
+        return ENameKind::Join;
+    if (IsFilterClass(classCode))
+        return ENameKind::Filter;
+    return classCode == IdClassQueryItem ? ENameKind::Item : ENameKind::Subject;
 }
 
 } // namespace qe::model

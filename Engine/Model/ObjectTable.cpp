@@ -23,7 +23,7 @@ const ObjectRecord* ObjectTable::Find(const amd_id& id) const
 amd_id ObjectTable::GetTarget(const amd_id& id) const
 {
     const ObjectRecord* record = Find(id);
-    for (std::size_t steps = 0; record != nullptr && steps <= MaximumChain; ++steps) {
+    for (std::size_t steps = 0; record != nullptr && steps <= kMaximumChain; ++steps) {
         if (record->id.classCode != IdClassShortcut &&
             record->id.classCode != IdClassRelationshipShortcut)
             return record->id;

@@ -10,9 +10,9 @@
 
 namespace qe::model {
 
-/// An object has at most this many holders around it, and as many shortcuts before what it stands
+/// An object has at most this many parents around it, and as many shortcuts before what it stands
 /// for.
-inline constexpr std::size_t MaximumChain = 100;
+inline constexpr std::size_t kMaximumChain = 100;
 
 /// The records of a model in ascending order of their ids.
 class QEENGINE_EXPORT ObjectTable
@@ -22,13 +22,13 @@ public:
     /// Takes records in any order; each id occurs once.
     explicit ObjectTable(std::vector<ObjectRecord> records);
 
-    /// Gives the record with that id, or null. Costs a binary search.
+    /// Returns the record with that id, or null. Costs a binary search.
     [[nodiscard]] const ObjectRecord* Find(const amd_id& id) const;
     [[nodiscard]] std::span<const ObjectRecord> GetRecords() const { return mRecords; }
 
-    /// Gives the object that `id` finally stands for: follows shortcuts and relationship
-    /// shortcuts to their end. Gives the empty id when the chain breaks or is longer
-    /// than MaximumChain.
+    /// Returns the object that `id` finally stands for: follows shortcuts and relationship
+    /// shortcuts to their end. Returns the empty id when the chain breaks or is longer
+    /// than kMaximumChain.
     [[nodiscard]] amd_id GetTarget(const amd_id& id) const;
 
 private:

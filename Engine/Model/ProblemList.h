@@ -21,7 +21,7 @@ public:
     void Add(std::size_t position, EAspect aspect, const std::string& text,
              std::vector<std::string> nearestNames = {});
 
-    /// Raises a ModelError when there are problems.
+    /// Throws a ModelError when there are problems.
     void RaiseIfAny();
 
 private:

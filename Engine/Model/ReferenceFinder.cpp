@@ -8,13 +8,13 @@ namespace qe::model {
 namespace {
 
 /// Suggestions read all names: a model full of wrong names gets them for the first ones only.
-constexpr int MaximumSuggestions = 100;
+constexpr int kMaximumSuggestions = 100;
 
 std::string AspectTitle(EAspect aspect)
 {
     switch (aspect) {
     case EAspect::Parent:
-        return "holder";
+        return "parent";
     case EAspect::LeftEnd:
         return "left end";
     case EAspect::RightEnd:
@@ -43,14 +43,14 @@ amd_id ReferenceFinder::Find(std::size_t position, const ObjectDraft& draft,
                            " that is not in the model: " + ToText(reference.GetId()));
         return {};
     }
-    const std::vector<amd_id> found = Match(draft, reference.GetName(), wanted.families);
+    const std::vector<amd_id> found = Match(draft, reference.GetName(), wanted.nameKinds);
     if (found.size() == 1)
         return found.front();
     if (found.empty()) {
         mProblems->Add(position, wanted.aspect,
                        "has a " + title + " that is not in the model: \"" + reference.GetName() +
                            '"',
-                       Suggest(reference.GetName(), wanted.families));
+                       Suggest(reference.GetName(), wanted.nameKinds));
         return {};
     }
     std::vector<std::string> names;
@@ -65,22 +65,22 @@ amd_id ReferenceFinder::Find(std::size_t position, const ObjectDraft& draft,
 }
 
 amd_id ReferenceFinder::TryFind(const ObjectDraft& draft, const Reference& reference,
-                                const std::vector<EFamily>& families) const
+                                const std::vector<ENameKind>& nameKinds) const
 {
     if (!reference.IsByName())
         return mTable->Find(reference.GetId()) != nullptr ? reference.GetId() : amd_id();
-    const std::vector<amd_id> found = Match(draft, reference.GetName(), families);
+    const std::vector<amd_id> found = Match(draft, reference.GetName(), nameKinds);
     return found.size() == 1 ? found.front() : amd_id();
 }
 
 std::vector<amd_id> ReferenceFinder::Match(const ObjectDraft& draft, const std::string& name,
-                                           const std::vector<EFamily>& families) const
+                                           const std::vector<ENameKind>& nameKinds) const
 {
     std::vector<amd_id> found;
-    for (std::size_t i = 0; i < families.size() && found.empty(); ++i) {
+    for (std::size_t i = 0; i < nameKinds.size() && found.empty(); ++i) {
         for (const QualifiedName& parts : {ParseQualifiedName(name), QualifiedName{name}}) {
             if (found.empty())
-                found = mNames.Match(families[i], parts);
+                found = mNames.Match(nameKinds[i], parts);
             // A shortcut often has the name of what it stands for.
             found.erase(std::remove(found.begin(), found.end(), draft.record.id), found.end());
         }
@@ -92,13 +92,13 @@ std::vector<amd_id> ReferenceFinder::Match(const ObjectDraft& draft, const std::
 }
 
 std::vector<std::string> ReferenceFinder::Suggest(const std::string& name,
-                                                  const std::vector<EFamily>& families)
+                                                  const std::vector<ENameKind>& nameKinds)
 {
     std::vector<std::string> names;
-    if (++mSuggestions > MaximumSuggestions)
+    if (++mSuggestions > kMaximumSuggestions)
         return names;
-    for (std::size_t i = 0; i < families.size() && names.empty(); ++i)
-        names = mNames.Suggest(families[i], ParseQualifiedName(name));
+    for (std::size_t i = 0; i < nameKinds.size() && names.empty(); ++i)
+        names = mNames.Suggest(nameKinds[i], ParseQualifiedName(name));
     return names;
 }
 

@@ -16,32 +16,32 @@ namespace qe::model {
 class ReferenceFinder
 {
 public:
-    /// What a reference is for, and the families in which a name is looked for; the first family
+    /// What a reference is for, and the kinds of names among which it is looked for; the first kind
     /// that has it wins.
     struct Wanted
     {
         EAspect aspect;
-        std::vector<EFamily> families;
+        std::vector<ENameKind> nameKinds;
     };
 
     ReferenceFinder(const ObjectTable& table, ProblemList& problems)
         : mTable(&table), mNames(table), mProblems(&problems)
     {}
 
-    /// Gives the id of the object, or the empty id when there is not exactly one; then the
-    /// problem is told. A missing holder is none.
+    /// Returns the id of the object, or the empty id when there is not exactly one; then the
+    /// problem is added. A missing parent is none.
     [[nodiscard]] amd_id Find(std::size_t position, const ObjectDraft& draft,
                               const Reference& reference, const Wanted& wanted);
 
-    /// Does the same without telling problems.
+    /// Does the same without adding problems.
     [[nodiscard]] amd_id TryFind(const ObjectDraft& draft, const Reference& reference,
-                                 const std::vector<EFamily>& families) const;
+                                 const std::vector<ENameKind>& nameKinds) const;
 
 private:
     [[nodiscard]] std::vector<amd_id> Match(const ObjectDraft& draft, const std::string& name,
-                                            const std::vector<EFamily>& families) const;
+                                            const std::vector<ENameKind>& nameKinds) const;
     [[nodiscard]] std::vector<std::string> Suggest(const std::string& name,
-                                                   const std::vector<EFamily>& families);
+                                                   const std::vector<ENameKind>& nameKinds);
 
     const ObjectTable* mTable;
     NameLookup mNames;

@@ -1,9 +1,6 @@
 #include "Engine/Services/LogDestination.h"
 
-#include "Engine/Services/ForkLogTarget.h"
 #include "Engine/Services/SettingsFile.h"
-#include "Engine/Services/SettingsReader.h"
-#include "Engine/Services/StreamLogTarget.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -18,8 +15,7 @@ namespace {
 int ReadLevel() noexcept
 {
     try {
-        return std::max(
-            0, SettingsReader(SettingsFile::Get().GetLatestTable()).GetInt("Log", "Level", 0));
+        return std::max(0, ReadSetting(*SettingsFile::Get().GetLatestTable(), "Log", "Level", 0));
     } catch (...) {
         return 0;
     }
@@ -46,7 +42,7 @@ LogRoute LogDestination::Open()
     if (routes.size() == 1)
         return routes.front();
     std::reverse(routes.begin(), routes.end());
-    return ForkLogTarget::MakeRoute(std::move(routes));
+    return ForkLogRoutes(std::move(routes));
 }
 
 bool LogDestination::CollectCaptures(std::vector<LogRoute>& routes)

@@ -2,15 +2,13 @@
 #define ENGINE_SERVICES_LOGDESTINATION_H
 
 #include "Engine/Services/LogCapture.h"
-#include "Engine/Services/LogRoute.h"
+#include "Engine/Services/LogTarget.h"
 
 #include <memory>
 #include <mutex>
 #include <vector>
 
 namespace qe {
-
-class StreamLogTarget;
 
 /// Decides for the whole process where log entries go and from which level on they are wanted.
 /// Safe to use from any thread.
@@ -19,7 +17,7 @@ class LogDestination
 public:
     [[nodiscard]] static LogDestination& Get();
 
-    /// Gives the route of the innermost capture, together with those around it as far as captures
+    /// Returns the route of the innermost capture, together with those around it as far as captures
     /// let others be told; else that of the settings: section "Log", key "Level" (default 0, off),
     /// to the file that the environment variable QEREFINER_LOG names, or to standard error. Logs
     /// are opened often, so the level follows the settings file only when somebody opens the user
@@ -39,8 +37,8 @@ private:
     };
 
     LogDestination() = default;
-    /// Adds the routes of the captures that count, innermost first; tells whether the configured
-    /// destination counts too.
+    /// Appends the routes of the captures that count, innermost first; returns whether the
+    /// configured destination counts too.
     bool CollectCaptures(std::vector<LogRoute>& routes);
     std::shared_ptr<LogTarget> OpenStream();
 

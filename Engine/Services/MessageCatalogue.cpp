@@ -1,7 +1,10 @@
 #include "Engine/Services/MessageCatalogue.h"
 
+#include "QERes.h"
+
 #include <algorithm>
 #include <array>
+#include <cstddef>
 
 namespace qe {
 namespace {
@@ -12,15 +15,16 @@ struct CatalogueEntry
     std::string_view text;
 };
 
-constexpr std::array<CatalogueEntry, 10> catalogue{{
+constexpr std::array<CatalogueEntry, 10> kCatalogue{{
     {0xA9E09D1F, "The one-to-many joins of the query form a cycle, so that facts and dimensions "
                  "cannot be told apart."},
     {0xA9E12896, "A many-to-many join cannot tell facts from dimensions."},
     {0xA9E143D7, "Query subject shortcuts"},
     {0xA9E29A41, "The query subjects are not all joined, so the query contains a cross product. "
                  "User classes: {1}"},
-    {0xA9E5E001, "The expression has a syntax error at {1}: expected {2}, found {3}. It was read "
-                 "for: {4}"},
+    {kSyntaxErrorMessage,
+     "The expression has a syntax error at {1}: expected {2}, found {3}. It was read "
+     "for: {4}"},
     {0xA9E60195, "Joins between shortcuts and the query subjects they stand for"},
     {0xA9E9BA5B, "The cardinality at the right end of a join is neither one nor many."},
     {0xA9EBF43B, "The cardinality at the left end of a join is neither one nor many."},
@@ -31,8 +35,8 @@ constexpr std::array<CatalogueEntry, 10> catalogue{{
 
 constexpr bool IsSorted()
 {
-    for (std::size_t i = 1; i < catalogue.size(); ++i) {
-        if (catalogue[i - 1].number >= catalogue[i].number)
+    for (std::size_t i = 1; i < kCatalogue.size(); ++i) {
+        if (kCatalogue[i - 1].number >= kCatalogue[i].number)
             return false;
     }
     return true;
@@ -44,9 +48,9 @@ static_assert(IsSorted(), "FindMessageText searches the catalogue by halving");
 std::string_view FindMessageText(std::uint32_t number) noexcept
 {
     const auto* const found = std::lower_bound(
-        catalogue.begin(), catalogue.end(), number,
+        kCatalogue.begin(), kCatalogue.end(), number,
         [](const CatalogueEntry& entry, std::uint32_t wanted) { return entry.number < wanted; });
-    if (found == catalogue.end() || found->number != number)
+    if (found == kCatalogue.end() || found->number != number)
         return {};
     return found->text;
 }
@@ -73,3 +77,18 @@ std::string FillPlaceholders(std::string_view pattern,
 }
 
 } // namespace qe
+
+const I18NString& QERes::getString(long number)
+{
+    static const I18NString noText;
+    static const I18NString separator(", ");
+    static const I18NString logName("QueryEngine");
+    switch (number) {
+    case qe::kListSeparatorText:
+        return separator;
+    case qe::kLogNameText:
+        return logName;
+    default:
+        return noText;
+    }
+}

@@ -1,8 +1,11 @@
 #include "Engine/Services/SettingsFile.h"
 
+#include "Engine/Services/SettingsOverride.h"
+
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <sys/stat.h>
 #include <utility>
 
@@ -10,7 +13,7 @@ namespace qe {
 namespace {
 
 /// Far above any real file; keeps a wrong path from filling the memory.
-constexpr std::int64_t maximalSize = 1 << 20;
+constexpr std::int64_t kMaximumSize = 1 << 20;
 
 std::string GetVariable(const char* name)
 {
@@ -101,13 +104,28 @@ SettingsTable SettingsFile::Read(const Stamp& stamp)
     // A pipe or a device could keep the request waiting for ever.
     if (!S_ISREG(stamp.kind))
         return MakeUnusable(stamp.path, "not a regular file");
-    if (stamp.size > maximalSize)
+    if (stamp.size > kMaximumSize)
         return MakeUnusable(stamp.path, "too large for a settings file");
     std::ifstream file(stamp.path, std::ios::binary);
     if (!file)
         return MakeUnusable(stamp.path, "cannot be read");
     const std::string text{std::istreambuf_iterator<char>(file), {}};
     return ParseSettings(text, stamp.path);
+}
+
+int ReadSetting(const SettingsTable& table, const I18NString& section, const I18NString& key,
+                int defaultValue)
+{
+    if (const std::optional<int> value = SettingsOverride::Find(section, key))
+        return *value;
+    if (table.values.empty())
+        return defaultValue;
+    return table.Find(MakeSettingName(section.View(), key.View())).value_or(defaultValue);
+}
+
+std::vector<SettingsProblem> GetSettingsProblems()
+{
+    return SettingsFile::Get().GetTable()->problems;
 }
 
 } // namespace qe

@@ -2,6 +2,7 @@
 #define ENGINE_SERVICES_SETTINGSFILE_H
 
 #include "Engine/Services/SettingsTable.h"
+#include "I18NString.h"
 
 #include <cstdint>
 #include <memory>
@@ -13,9 +14,9 @@
 
 namespace qe {
 
-/// Gives the path of the user's settings file: what the environment variable QEREFINER_SETTINGS
+/// Returns the path of the user's settings file: what the environment variable QEREFINER_SETTINGS
 /// names, else qerefiner/settings.ini in $XDG_CONFIG_HOME or ~/.config; empty when the
-/// environment tells none of them. The file need not exist.
+/// environment has none of them. The file need not exist.
 [[nodiscard]] std::string FindSettingsPath();
 
 /// Holds what was read last from the settings file, for the whole process. Safe to use from any
@@ -25,16 +26,16 @@ class SettingsFile
 public:
     [[nodiscard]] static SettingsFile& Get();
 
-    /// Gives the contents of the settings file, empty when there is none. The file is read again
+    /// Returns the contents of the settings file, empty when there is none. The file is read again
     /// only when its path, its time of change or its size differ from the last time; otherwise
     /// the call costs one look at the file system.
     [[nodiscard]] std::shared_ptr<const SettingsTable> GetTable();
 
-    /// Gives the contents as they were read last, without a look at the file system after the
+    /// Returns the contents as they were read last, without a look at the file system after the
     /// first time.
     [[nodiscard]] std::shared_ptr<const SettingsTable> GetLatestTable();
 
-    /// Gives those of the problems that were not given before, in their order.
+    /// Returns those of the problems that were not given before, in their order.
     [[nodiscard]] std::vector<SettingsProblem>
     TakeUnreported(const std::vector<SettingsProblem>& problems);
 
@@ -62,6 +63,11 @@ private:
     std::shared_ptr<const SettingsTable> mTable;
     std::set<std::pair<std::string, int>> mReported;
 };
+
+/// Returns the value of a setting: what the host says, else what stands in `table`, else
+/// `defaultValue`.
+[[nodiscard]] int ReadSetting(const SettingsTable& table, const I18NString& section,
+                              const I18NString& key, int defaultValue);
 
 } // namespace qe
 

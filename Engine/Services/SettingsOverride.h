@@ -9,7 +9,7 @@
 
 namespace qe {
 
-/// Gives a setting another value for the whole process, whatever the settings file says. An
+/// Returns a setting another value for the whole process, whatever the settings file says. An
 /// object does so while it lives and then restores what was set before; objects for one setting
 /// are destroyed in the reverse order of their making.
 ///
@@ -28,15 +28,19 @@ public:
     /// Takes back what was set, if anything was.
     static void Clear(const I18NString& section, const I18NString& key);
 
-    /// Answers for a setting, or leaves it to the settings file. It is called on the threads that
-    /// read settings, several at a time, and what it throws reaches the reader; only the log,
-    /// which reads its own level, counts a failure as "off".
+    /// Returns the value of a setting, or nothing to leave it to the settings file. It is called on
+    /// the threads that read settings, several at a time, and what it throws reaches the reader;
+    /// only the log, which reads its own level, counts a failure as "off".
     using Provider =
         std::function<std::optional<int>(const I18NString& section, const I18NString& key)>;
 
-    /// Installs the host's provider, an empty one for none, and gives the one before. A call of
+    /// Installs the host's provider, an empty one for none, and returns the one before. A call of
     /// the one before may still be under way on another thread.
     static Provider SetProvider(Provider provider);
+
+    /// Returns what the host says about a setting: the value that is set here, else the
+    /// provider's; nothing when it leaves the setting to the file.
+    [[nodiscard]] static std::optional<int> Find(const I18NString& section, const I18NString& key);
 
 private:
     I18NString mSection;

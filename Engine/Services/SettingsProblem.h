@@ -19,10 +19,10 @@ struct SettingsProblem
     friend bool operator==(const SettingsProblem&, const SettingsProblem&) = default;
 };
 
-/// Gives the problem as "path:line: text".
+/// Returns the problem as "path:line: text".
 [[nodiscard]] QEENGINE_EXPORT std::string ToText(const SettingsProblem& problem);
 
-/// Gives what is wrong with the user's settings file as it is now, in the order of its lines;
+/// Returns what is wrong with the user's settings file as it is now, in the order of its lines;
 /// nothing when there is no file.
 [[nodiscard]] QEENGINE_EXPORT std::vector<SettingsProblem> GetSettingsProblems();
 

@@ -1,21 +1,15 @@
 #include "Engine/Services/SettingsTable.h"
 
+#include "Engine/Services/AsciiText.h"
+
 #include <charconv>
+#include <cstddef>
 #include <ini.h>
 #include <system_error>
+#include <utility>
 
 namespace qe {
 namespace {
-
-std::string ToLowerCase(std::string_view text)
-{
-    std::string lower(text);
-    for (char& letter : lower) {
-        if (letter >= 'A' && letter <= 'Z')
-            letter = static_cast<char>(letter - 'A' + 'a');
-    }
-    return lower;
-}
 
 /// What the INI reader makes of one line.
 struct IniLine
@@ -27,7 +21,7 @@ struct IniLine
     std::string value;
 };
 
-int NoteSetting(void* user, const char* section, const char* key, const char* value)
+int RecordSetting(void* user, const char* section, const char* key, const char* value)
 {
     auto& line = *static_cast<IniLine*>(user);
     line.hasSetting = true;
@@ -42,11 +36,11 @@ IniLine ReadLine(const std::string& text)
 {
     IniLine line;
     if (text.size() <= INI_MAX_LINE - 3 && text.find('\0') == std::string::npos)
-        line.isWellFormed = ini_parse_string(text.c_str(), NoteSetting, &line) == 0;
+        line.isWellFormed = ini_parse_string(text.c_str(), RecordSetting, &line) == 0;
     return line;
 }
 
-/// Gives the first character that is not blank; 0 when there is none.
+/// Returns the first character that is no space; 0 when there is none.
 char FindFirstCharacter(std::string_view text)
 {
     const std::size_t first = text.find_first_not_of(" \t\r");
@@ -108,7 +102,7 @@ private:
         if (const std::optional<int> value = ToInt(read.value))
             mTable.values.insert_or_assign(MakeSettingName(*mSection, read.key), *value);
         else
-            Complain("the value of \"" + read.key + "\" is no whole number that fits: \"" +
+            Complain("the value of \"" + read.key + "\" is not a whole number that fits: \"" +
                      read.value + '"');
     }
 
@@ -123,9 +117,17 @@ private:
 
 } // namespace
 
+std::string ToText(const SettingsProblem& problem)
+{
+    std::string place = problem.path;
+    if (problem.line != 0)
+        place += ':' + std::to_string(problem.line);
+    return place + ": " + problem.text;
+}
+
 SettingName MakeSettingName(std::string_view section, std::string_view key)
 {
-    return {ToLowerCase(section), ToLowerCase(key)};
+    return {ascii::ToLower(std::string(section)), ascii::ToLower(std::string(key))};
 }
 
 std::optional<int> SettingsTable::Find(const SettingName& name) const

@@ -172,12 +172,12 @@ TEST(MainObject, ScoresLongPathsWithoutOverflow)
 {
     constexpr int length = 20000;
     qe::model::ModelBuilder builder;
-    Ids subjects{builder.AddQuerySubject(qe::model::Top, "0")};
+    Ids subjects{builder.AddQuerySubject(qe::model::kTop, "0")};
     Ids path;
     for (int number = 1; number <= length; ++number) {
-        const amd_id next = builder.AddQuerySubject(qe::model::Top, std::to_string(number));
-        path.push_back(builder.AddRelationship(qe::model::Top, "j",
-                                               {subjects.back(), qe::model::OneToMany}, {next}));
+        const amd_id next = builder.AddQuerySubject(qe::model::kTop, std::to_string(number));
+        path.push_back(builder.AddRelationship(qe::model::kTop, "j",
+                                               {subjects.back(), qe::model::kOneToMany}, {next}));
         subjects.push_back(next);
     }
     qe::model::ModelGateway gateway(builder.Build());

@@ -60,14 +60,14 @@ std::shared_ptr<const model::Model> Build(const std::vector<Word>& words)
     model::ModelBuilder builder;
     for (const std::string& node : nodes) {
         if (targets.count(node) == 0)
-            builder.AddQuerySubject(model::Top, node);
+            builder.AddQuerySubject(model::kTop, node);
         else
-            builder.AddShortcut(model::Top, node, {targets[node]});
+            builder.AddShortcut(model::kTop, node, {targets[node]});
     }
     for (const Word& word : words) {
         if (word.IsJoin())
-            builder.AddRelationship(model::Top, word.name, {word.left},
-                                    {word.right, model::OneToMany});
+            builder.AddRelationship(model::kTop, word.name, {word.left},
+                                    {word.right, model::kOneToMany});
     }
     return builder.Build();
 }

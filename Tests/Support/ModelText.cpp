@@ -34,8 +34,8 @@ CardinalityRange ReadEnd(const std::string& text)
 {
     const bool isOptional = text.find('o') != std::string::npos;
     if (text.find_first_of("<>") == std::string::npos)
-        return isOptional ? model::ZeroToOne : model::OneToOne;
-    return isOptional ? model::ZeroToMany : model::OneToMany;
+        return isOptional ? model::kZeroToOne : model::kOneToOne;
+    return isOptional ? model::kZeroToMany : model::kOneToMany;
 }
 
 /// Reads the notation into a builder.
@@ -55,7 +55,7 @@ public:
 private:
     void ParseStatement(const std::string& statement)
     {
-        static const std::regex holder("(namespace|folder) ?(.*)");
+        static const std::regex parent("(namespace|folder) ?(.*)");
         static const std::regex filter("filter (.+) on (.+)");
         static const std::regex queryFilter("query filter (.+) on (.+)");
         static const std::regex shortcut("(.+?) ->([0-9]*) ([^:]+?)");
@@ -63,10 +63,10 @@ private:
         static const std::regex join("(.+?) (|o|>o?)([-=~])(|o|o?<) (.+?)"
                                      "(?: : (.+?))?(?: on (.+))?");
         std::smatch parts;
-        if (std::regex_match(statement, parts, holder))
+        if (std::regex_match(statement, parts, parent))
             Enter(parts[1], parts[2]);
         else if (std::regex_match(statement, parts, filter))
-            mBuilder.AddFilter(mHolder, parts[1], parts[2]);
+            mBuilder.AddFilter(mParent, parts[1], parts[2]);
         else if (std::regex_match(statement, parts, queryFilter))
             mBuilder.AddSpecFilter(parts[1], parts[2]);
         else if (std::regex_match(statement, parts, shortcut))
@@ -81,16 +81,16 @@ private:
 
     void Enter(const std::string& kind, const std::string& path)
     {
-        mHolder = kind == "folder" ? mSpace : amd_id();
+        mParent = kind == "folder" ? mSpace : amd_id();
         for (const std::string& name : SplitList(path, '/')) {
-            amd_id& holder = mContainers[{mHolder, name}];
-            if (holder == amd_id())
-                holder = kind == "folder" ? mBuilder.AddFolder(mHolder, name)
+            amd_id& parent = mContainers[{mParent, name}];
+            if (parent == amd_id())
+                parent = kind == "folder" ? mBuilder.AddFolder(mParent, name)
                                           : mBuilder.AddNamespace(name);
-            mHolder = holder;
+            mParent = parent;
         }
         if (kind == "namespace")
-            mSpace = mHolder;
+            mSpace = mParent;
     }
 
     void AddShortcut(const std::smatch& parts)
@@ -98,7 +98,7 @@ private:
         const NumberedName name(parts[1]);
         const amd_id target = Subject(parts[3]);
         mSubjects[name.name] =
-            mBuilder.AddShortcut(mHolder, name.name, {target, std::stoi('0' + parts[2].str())},
+            mBuilder.AddShortcut(mParent, name.name, {target, std::stoi('0' + parts[2].str())},
                                  name.InClass(IdClassShortcut));
     }
 
@@ -107,7 +107,7 @@ private:
         const NumberedName name(parts[1]);
         const amd_id left = Subject(parts[3]);
         mJoins[name.name] = mBuilder.AddRelationshipShortcut(
-            mHolder, name.name, {mJoins.at(parts[2]), left, Subject(parts[4])},
+            mParent, name.name, {mJoins.at(parts[2]), left, Subject(parts[4])},
             name.InClass(IdClassRelationshipShortcut));
     }
 
@@ -123,10 +123,10 @@ private:
             id = mBuilder.AddSpecJoin(name.name, left, right, parts[7],
                                       name.InClass(IdClassSpecJoin));
         else if (parts[3] == "=")
-            id = mBuilder.AddRelationship136(mHolder, name.name, left, right, parts[7],
+            id = mBuilder.AddRelationship136(mParent, name.name, left, right, parts[7],
                                              name.InClass(IdClassRelationship136));
         else
-            id = mBuilder.AddRelationship(mHolder, name.name, left, right, parts[7],
+            id = mBuilder.AddRelationship(mParent, name.name, left, right, parts[7],
                                           name.InClass(IdClassRelationship));
     }
 
@@ -149,13 +149,13 @@ private:
         const NumberedName name(text);
         amd_id& id = mSubjects[name.name];
         if (id == amd_id())
-            id = mBuilder.AddQuerySubject(mHolder, name.name, name.InClass(IdClassQuerySubject));
+            id = mBuilder.AddQuerySubject(mParent, name.name, name.InClass(IdClassQuerySubject));
         return id;
     }
 
     model::ModelBuilder mBuilder;
     amd_id mSpace;
-    amd_id mHolder;
+    amd_id mParent;
     std::map<std::string, amd_id> mSubjects;
     std::map<std::string, amd_id> mJoins;
     std::map<std::pair<amd_id, std::string>, amd_id> mContainers;

@@ -187,7 +187,7 @@ private:
         if (mEnds.empty())
             return;
         const amd_id space = mSpaces[Below(mSpaces.size())];
-        const model::JoinEnd left{mEnds[Below(mEnds.size())], model::ZeroToMany};
+        const model::JoinEnd left{mEnds[Below(mEnds.size())], model::kZeroToMany};
         const model::JoinEnd right{mEnds[Below(mEnds.size())], {0, 11}};
         const std::string name(1, static_cast<char>('A' + Below(2)));
         if (Below(3) == 0)

@@ -115,7 +115,7 @@ std::vector<Mistake> ContentMistakes()
          "m#/relationships/1/rightCardinality: must be a cardinality such as \"0..n\" or a list of "
          "two numbers, not a number\n"
          "m#/relationships/1/leftCardinality: relationship \"s\" has a cardinality at its left end "
-         "that is no range"},
+         "that is not a valid range"},
     };
 }
 
@@ -170,12 +170,12 @@ TEST(ModelMistakesTest, NamesAreComparedWithTheModel)
          "m#/relationshipShortcuts/0/target: relationship shortcut \"rs\" has no target"},
         {"a circle of shortcuts",
          R"({"shortcuts": [{"name": "S", "target": "T"}, {"name": "T", "target": "S"}]})",
-         "m#/shortcuts/0/target: shortcut \"S\" has a chain of shortcuts that runs in a circle\n"
-         "m#/shortcuts/1/target: shortcut \"T\" has a chain of shortcuts that runs in a circle"},
+         "m#/shortcuts/0/target: shortcut \"S\" has a chain of shortcuts that is cyclic\n"
+         "m#/shortcuts/1/target: shortcut \"T\" has a chain of shortcuts that is cyclic"},
         {"folders too deep",
          R"({"folders": [)" + Repeat(R"({"name": "F", "folders": [)", 101) + R"({"name": "G"})" +
              Repeat("]}", 102),
-         "m#" + Repeat("/folders/0", 102) + ": folder \"G\" lies too deep: more than 100 holders"},
+         "m#" + Repeat("/folders/0", 102) + ": folder \"G\" lies too deep: more than 100 parents"},
     });
     // A hundred mistakes will do.
     const std::string many = MessageOfText("{\"folders\": [" + Repeat("1,", 149) + "1]}");

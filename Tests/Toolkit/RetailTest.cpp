@@ -82,7 +82,8 @@ std::set<std::pair<std::string, std::string>> KeysOf(const qe::model::Model& mod
         for (const auto& reference :
              qe::expression::FindReferences(model.Find(id)->text).references) {
             const auto name = [&](std::size_t i) { return reference.names.at(i).ToStdString(); };
-            const auto subjects = model.FindByName(qe::model::EFamily::Subject, {name(0), name(1)});
+            const auto subjects =
+                model.FindByName(qe::model::ENameKind::Subject, {name(0), name(1)});
             columns.push_back(model.Find(model.GetTarget(subjects.at(0)))->text + "." + name(2));
         }
         for (std::size_t i = 0; i + 1 < columns.size(); i += 2)

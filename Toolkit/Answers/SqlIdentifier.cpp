@@ -2,6 +2,7 @@
 
 #include "Engine/Model/NearestNames.h"
 #include "Engine/Model/QualifiedName.h"
+#include "Engine/Services/Utf8.h"
 #include "Toolkit/Text/InputError.h"
 
 #include <cstddef>
@@ -12,16 +13,6 @@ namespace {
 
 // PostgreSQL cuts identifiers there.
 constexpr std::size_t kMaximumBytes = 63;
-
-/// Cuts the text without leaving half a character.
-std::string CutTo(std::string_view text, std::size_t bytes)
-{
-    if (text.size() <= bytes)
-        return std::string(text);
-    while (bytes > 0 && (static_cast<unsigned char>(text[bytes]) & 0xC0U) == 0x80U)
-        --bytes;
-    return std::string(text.substr(0, bytes));
-}
 
 } // namespace
 
@@ -49,10 +40,10 @@ std::string QuoteTableName(std::string_view source)
 
 std::string AliasNames::Take(std::string_view wanted)
 {
-    std::string name = CutTo(wanted, kMaximumBytes);
+    std::string name(CutUtf8(wanted, kMaximumBytes));
     for (int number = 2; !mTaken.insert(model::FoldCase(name)).second; ++number) {
         const std::string suffix = ' ' + std::to_string(number);
-        name = CutTo(wanted, kMaximumBytes - suffix.size()) + suffix;
+        name = std::string(CutUtf8(wanted, kMaximumBytes - suffix.size())) + suffix;
     }
     return name;
 }

@@ -1,5 +1,6 @@
 #include "Toolkit/Ask/KeyChoice.h"
 
+#include "Engine/Services/AsciiText.h"
 #include "Toolkit/Ask/ColumnPairs.h"
 
 #include <algorithm>
@@ -34,24 +35,9 @@ struct KeyMeasure
     }
 };
 
-bool IsUpper(char letter)
-{
-    return letter >= 'A' && letter <= 'Z';
-}
-
-bool IsLower(char letter)
-{
-    return letter >= 'a' && letter <= 'z';
-}
-
-bool IsDigit(char letter)
-{
-    return letter >= '0' && letter <= '9';
-}
-
 bool IsWordLetter(char letter)
 {
-    return IsUpper(letter) || IsLower(letter) || IsDigit(letter) ||
+    return ascii::IsLetter(letter) || ascii::IsDigit(letter) ||
            static_cast<unsigned char>(letter) >= 0x80;
 }
 
@@ -59,11 +45,12 @@ bool IsWordLetter(char letter)
 /// last of several capitals before a small letter.
 bool BeginsWord(std::string_view name, std::size_t position)
 {
-    if (position == 0 || !IsUpper(name[position]))
+    if (position == 0 || !ascii::IsUpper(name[position]))
         return false;
     const char before = name[position - 1];
-    const bool isBeforeSmall = position + 1 < name.size() && IsLower(name[position + 1]);
-    return IsLower(before) || IsDigit(before) || (IsUpper(before) && isBeforeSmall);
+    const bool isBeforeSmall = position + 1 < name.size() && ascii::IsLower(name[position + 1]);
+    return ascii::IsLower(before) || ascii::IsDigit(before) ||
+           (ascii::IsUpper(before) && isBeforeSmall);
 }
 
 std::size_t CountDifferingWords(const std::string& left, const std::string& right)
@@ -113,7 +100,7 @@ std::vector<std::string> SplitWords(std::string_view name)
         if (!isInside || BeginsWord(name, position))
             words.emplace_back();
         isInside = true;
-        words.back() += IsUpper(letter) ? static_cast<char>(letter - 'A' + 'a') : letter;
+        words.back() += ascii::ToLower(letter);
     }
     return words;
 }

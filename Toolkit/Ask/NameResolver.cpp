@@ -12,7 +12,7 @@ namespace qe::tool {
 
 namespace {
 
-using model::EFamily;
+using model::ENameKind;
 
 std::string Trim(std::string_view text)
 {
@@ -72,7 +72,7 @@ std::vector<amd_id> NameResolver::Resolve(EKind kind, const std::string& place,
 std::vector<amd_id> NameResolver::FindAll(EKind kind, const std::string& name) const
 {
     std::vector<amd_id> found =
-        mModel.FindByName(kind == EKind::Join ? EFamily::Join : EFamily::Subject, name);
+        mModel.FindByName(kind == EKind::Join ? ENameKind::Join : ENameKind::Subject, name);
     if (found.empty() && kind == EKind::Join)
         found = FindByEnds(name);
     return found.empty() ? FindById(kind, name) : found;
@@ -85,8 +85,8 @@ std::vector<amd_id> NameResolver::FindByEnds(const std::string& name) const
     for (std::size_t hyphen = name.find('-'); hyphen != std::string::npos;
          hyphen = name.find('-', hyphen + 1)) {
         const std::string_view text(name);
-        const auto left = mModel.FindByName(EFamily::Subject, Trim(text.substr(0, hyphen)));
-        const auto right = mModel.FindByName(EFamily::Subject, Trim(text.substr(hyphen + 1)));
+        const auto left = mModel.FindByName(ENameKind::Subject, Trim(text.substr(0, hyphen)));
+        const auto right = mModel.FindByName(ENameKind::Subject, Trim(text.substr(hyphen + 1)));
         if (left.size() != 1 || right.size() != 1)
             continue;
         for (const amd_id& join : mModel.GetJoins()) {
@@ -126,9 +126,9 @@ InputProblem NameResolver::DescribeUnknown(EKind kind, const std::string& place,
 {
     if (kind == EKind::Join)
         return {place, "The model has no join \"" + name + '"',
-                mModel.SuggestNames(EFamily::Join, name)};
+                mModel.SuggestNames(ENameKind::Join, name)};
     return {place, "The model has no query subject or shortcut \"" + name + '"',
-            mModel.SuggestNames(EFamily::Subject, name)};
+            mModel.SuggestNames(ENameKind::Subject, name)};
 }
 
 InputProblem NameResolver::DescribeAmbiguous(EKind kind, const std::string& place,
@@ -141,9 +141,9 @@ InputProblem NameResolver::DescribeAmbiguous(EKind kind, const std::string& plac
                                     '"'};
     for (const amd_id& id : found) {
         const model::QualifiedName qualified = mModel.GetQualifiedName(id);
-        const auto family = kind == EKind::Join ? EFamily::Join : EFamily::Subject;
+        const auto nameKind = kind == EKind::Join ? ENameKind::Join : ENameKind::Subject;
         // Several joins may share even their qualified name.
-        const bool isUnique = mModel.FindByName(family, qualified).size() == 1;
+        const bool isUnique = mModel.FindByName(nameKind, qualified).size() == 1;
         problem.nearestNames.push_back(isUnique ? model::ToText(qualified) : ToText(id));
         if (problem.nearestNames.size() == kShown)
             break;

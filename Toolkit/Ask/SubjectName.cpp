@@ -10,7 +10,7 @@ std::string SubjectName(const model::Model& model, const amd_id& subject)
     if (record == nullptr)
         return ToText(subject);
     const bool isUnique =
-        model.FindByName(model::EFamily::Subject, model::QualifiedName{record->name}).size() == 1;
+        model.FindByName(model::ENameKind::Subject, model::QualifiedName{record->name}).size() == 1;
     return isUnique ? record->name : model::ToText(model.GetQualifiedName(subject));
 }
 

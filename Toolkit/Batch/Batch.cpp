@@ -140,7 +140,7 @@ void ReadSettingsOnce()
     const amd_id a = builder.AddQuerySubject({}, "a");
     const amd_id b = builder.AddQuerySubject({}, "b");
     for (const char* name : {"first", "second"})
-        builder.AddRelationship({}, name, {a, model::ZeroToMany}, {b, model::OneToOne}, "1 = 1");
+        builder.AddRelationship({}, name, {a, model::kZeroToMany}, {b, model::kOneToOne}, "1 = 1");
     Question question;
     question.subjects = {"a", "b"};
     static_cast<void>(Ask(ToolModel{builder.Build()}, question));

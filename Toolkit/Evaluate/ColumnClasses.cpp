@@ -1,5 +1,7 @@
 #include "Toolkit/Evaluate/ColumnClasses.h"
 
+#include "Engine/Services/AsciiText.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -41,16 +43,7 @@ bool ColumnClasses::CanBeMadeOf(const std::vector<NamedPair>& pairs) const
 
 std::string ToColumnName(const std::string& table, const std::string& column)
 {
-    return ToSmallLetters(table + '.' + column);
-}
-
-std::string ToSmallLetters(std::string text)
-{
-    for (char& letter : text) {
-        if (letter >= 'A' && letter <= 'Z')
-            letter = static_cast<char>(letter - 'A' + 'a');
-    }
-    return text;
+    return ascii::ToLower(table + '.' + column);
 }
 
 } // namespace qe::tool

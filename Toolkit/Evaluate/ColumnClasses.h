@@ -9,7 +9,7 @@
 
 namespace qe::tool {
 
-/// Two columns that are joined, each as "table.column" in small letters (A to Z).
+/// Two columns that are joined, each as "table.column" in lower case (A to Z).
 using NamedPair = std::pair<std::string, std::string>;
 
 /// Sets of columns that joins make equal. Two ways of writing joins that make the same columns
@@ -34,9 +34,6 @@ private:
 
 /// Writes a column the way classes compare it.
 [[nodiscard]] std::string ToColumnName(const std::string& table, const std::string& column);
-
-/// Puts A to Z in small letters.
-[[nodiscard]] std::string ToSmallLetters(std::string text);
 
 } // namespace qe::tool
 

@@ -1,6 +1,7 @@
 #include "Toolkit/Evaluate/Evaluator.h"
 
 #include "Engine/Model/Model.h"
+#include "Engine/Services/AsciiText.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Batch/LineReader.h"
 #include "Toolkit/Batch/QuestionReader.h"
@@ -39,8 +40,8 @@ NamedPair ReadPair(const Json& pair)
 {
     if (!pair.is_array() || pair.size() != 2 || !pair[0].is_string() || !pair[1].is_string())
         throw InputError({InputProblem{"/joins", "a join is a list of two columns"}});
-    NamedPair columns{ToSmallLetters(pair[0].get<std::string>()),
-                      ToSmallLetters(pair[1].get<std::string>())};
+    NamedPair columns{ascii::ToLower(pair[0].get<std::string>()),
+                      ascii::ToLower(pair[1].get<std::string>())};
     if (columns.second < columns.first)
         std::swap(columns.first, columns.second);
     return columns;

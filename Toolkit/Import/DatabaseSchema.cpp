@@ -1,5 +1,6 @@
 #include "Toolkit/Import/DatabaseSchema.h"
 
+#include "Engine/Services/AsciiText.h"
 #include "Toolkit/Import/SqliteDatabase.h"
 
 #include <algorithm>
@@ -17,10 +18,7 @@ using Names = std::vector<std::string>;
 /// SQLite compares names without regard to the case of A to Z.
 std::string Fold(std::string name)
 {
-    for (char& letter : name)
-        if (letter >= 'A' && letter <= 'Z')
-            letter = static_cast<char>(letter - 'A' + 'a');
-    return name;
+    return ascii::ToLower(std::move(name));
 }
 
 class SchemaReader

@@ -88,7 +88,7 @@ private:
         const amd_id parent = mSubjects[key.table];
         const amd_id relationship = mBuilder.AddRelationship(
             mSpace, name, {mSubjects[table.name], ReferringCardinality(table, key)},
-            {parent, MayBeNull(table, key) ? model::ZeroToOne : model::OneToOne},
+            {parent, MayBeNull(table, key) ? model::kZeroToOne : model::kOneToOne},
             Condition(table, key));
         // A table that refers to itself is no dimension of its own.
         if (isParallel && table.name != key.table && mOptions.roles == ERoles::Shortcuts)
@@ -118,7 +118,7 @@ private:
         const bool isUnique =
             std::any_of(table.keys.begin(), table.keys.end(),
                         [&](const Names& unique) { return IsSubsetOf(unique, key.from); });
-        return isUnique ? model::ZeroToOne : model::ZeroToMany;
+        return isUnique ? model::kZeroToOne : model::kZeroToMany;
     }
 
     static bool MayBeNull(const SchemaTable& table, const SchemaForeignKey& key)

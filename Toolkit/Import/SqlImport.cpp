@@ -1,5 +1,6 @@
 #include "Toolkit/Import/SqlImport.h"
 
+#include "Engine/Services/TextPosition.h"
 #include "Toolkit/Import/SchemaModel.h"
 #include "Toolkit/Import/SqliteDatabase.h"
 #include "Toolkit/Text/InputError.h"
@@ -37,11 +38,7 @@ std::string ReadText(const std::filesystem::path& path)
 std::string DescribePlace(const std::filesystem::path& path, std::string_view text,
                           std::size_t offset)
 {
-    const std::string_view before = text.substr(0, offset);
-    const auto line = std::count(before.begin(), before.end(), '\n') + 1;
-    const std::size_t lineStart = before.rfind('\n');
-    const std::size_t column =
-        lineStart == std::string_view::npos ? offset + 1 : offset - lineStart;
+    const auto [line, column] = PositionCounter(text).MoveTo(offset);
     return path.string() + ":" + std::to_string(line) + ":" + std::to_string(column);
 }
 

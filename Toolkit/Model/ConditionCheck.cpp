@@ -7,13 +7,13 @@
 
 namespace qe::tool {
 
-using model::EFamily;
+using model::ENameKind;
 using model::QualifiedName;
 
 namespace {
 
 /// Suggestions read all names around the wrong one.
-constexpr std::size_t MaximumSuggestions = 100;
+constexpr std::size_t kMaximumSuggestions = 100;
 
 std::string InBrackets(const QualifiedName& names)
 {
@@ -35,7 +35,7 @@ QualifiedName ToNames(const std::vector<I18NString>& texts)
     return names;
 }
 
-std::string ToPlace(const expression::TextPosition& position)
+std::string ToPlace(const TextPosition& position)
 {
     return std::to_string(position.line) + ':' + std::to_string(position.column);
 }
@@ -87,8 +87,8 @@ void ConditionCheck::CheckReference(const expression::NamedReference& reference,
     mProblems->Add(pointer,
                    "names at " + ToPlace(reference.position) +
                        " what is not in the model: " + InBrackets(ToNames(reference.names)),
-                   mSuggestions++ < MaximumSuggestions ? Suggest(reference.names)
-                                                       : std::vector<std::string>());
+                   mSuggestions++ < kMaximumSuggestions ? Suggest(reference.names)
+                                                        : std::vector<std::string>());
 }
 
 bool ConditionCheck::IsDoubtful(const Names& names) const
@@ -109,7 +109,7 @@ std::vector<std::string> ConditionCheck::Suggest(const Names& names) const
     if (wrong.size() == 3 && space == amd_id())
         return ReplaceOne(wrong, 0, NamesOf(mModel->GetIds(model::IdClassNamespace)));
 
-    const amd_id subject = mModel->FindExact(EFamily::Subject, space, wrong[subjectIndex]);
+    const amd_id subject = mModel->FindExact(ENameKind::Subject, space, wrong[subjectIndex]);
     if (subject != amd_id())
         return ReplaceOne(wrong, subjectIndex + 1, NamesOf(mModel->GetItems(subject)));
     std::vector<std::string> complete = SuggestHolders(wrong);
@@ -127,7 +127,7 @@ std::vector<std::string> ConditionCheck::SuggestHolders(const QualifiedName& nam
 {
     std::vector<std::string> complete;
     const QualifiedName subject(names.begin(), names.size() < 2 ? names.end() : names.end() - 1);
-    for (const amd_id& id : mModel->FindByName(EFamily::Subject, subject)) {
+    for (const amd_id& id : mModel->FindByName(ENameKind::Subject, subject)) {
         QualifiedName name = mModel->GetQualifiedName(id);
         if (names.size() > 1)
             name.push_back(names.back());

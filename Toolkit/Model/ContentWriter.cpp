@@ -10,7 +10,7 @@
 
 namespace qe::tool {
 
-using model::EFamily;
+using model::ENameKind;
 using nlohmann::ordered_json;
 
 namespace {
@@ -36,12 +36,14 @@ ordered_json FullId(const amd_id& id)
     return ordered_json::array({id.domain, id.number});
 }
 
-/// The families in which the name in a reference of such an object is looked for, in that order.
-std::vector<EFamily> FamiliesFor(std::int32_t fromClass, const amd_id& to)
+/// The kinds of names among which the name in a reference of such an object is looked for, in that
+/// order.
+std::vector<ENameKind> NameKindsFor(std::int32_t fromClass, const amd_id& to)
 {
     if (model::IsJoinClass(fromClass))
-        return {model::FamilyOf(to.classCode)};
-    return {EFamily::Subject, EFamily::Filter, EFamily::Join, EFamily::Container, EFamily::Item};
+        return {model::NameKindOf(to.classCode)};
+    return {ENameKind::Subject, ENameKind::Filter, ENameKind::Join, ENameKind::Container,
+            ENameKind::Item};
 }
 
 } // namespace
@@ -177,12 +179,12 @@ ordered_json ContentWriter::WriteReference(const Record& from, const amd_id& to)
 bool ContentWriter::LeadsTo(const Record& from, const amd_id& to,
                             const model::QualifiedName& name) const
 {
-    for (const EFamily family : FamiliesFor(from.id.classCode, to)) {
-        std::vector<amd_id> found = mModel->FindByName(family, name);
+    for (const ENameKind nameKind : NameKindsFor(from.id.classCode, to)) {
+        std::vector<amd_id> found = mModel->FindByName(nameKind, name);
         found.erase(std::remove(found.begin(), found.end(), from.id), found.end());
         // A name that leads nowhere as it is written is looked for letter by letter, dots and all.
         if (found.empty() &&
-            !mModel->FindByName(family, model::QualifiedName{model::ToText(name)}).empty())
+            !mModel->FindByName(nameKind, model::QualifiedName{model::ToText(name)}).empty())
             return false;
         if (found.empty())
             continue;

@@ -110,7 +110,7 @@ std::shared_ptr<const model::Model> ModelAssembler::Build()
         model::ObjectOptions options = object.options;
         options.tag = static_cast<std::int64_t>(i);
         ids.back() = AddTo(builder, object,
-                           isHeld ? model::Reference(ids[object.holder]) : model::Top, options);
+                           isHeld ? model::Reference(ids[object.holder]) : model::kTop, options);
     }
     return builder.Build();
 }

@@ -9,10 +9,10 @@ namespace qe::tool {
 namespace {
 
 const std::array<std::pair<std::string_view, model::CardinalityRange>, 4> Cardinalities{
-    {{"0..1", model::ZeroToOne},
-     {"1..1", model::OneToOne},
-     {"0..n", model::ZeroToMany},
-     {"1..n", model::OneToMany}}};
+    {{"0..1", model::kZeroToOne},
+     {"1..1", model::kOneToOne},
+     {"0..n", model::kZeroToMany},
+     {"1..n", model::kOneToMany}}};
 
 } // namespace
 

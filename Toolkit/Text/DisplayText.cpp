@@ -1,57 +1,22 @@
 #include "Toolkit/Text/DisplayText.h"
 
+#include "Engine/Services/Utf8.h"
+
+#include <utf8proc.h>
+
 #include <algorithm>
 #include <array>
-#include <cstdint>
 #include <cstdio>
 
 namespace qe::tool {
 
 namespace {
 
-/// One character at the front of a text; no bytes for what is no UTF-8.
-struct Character
-{
-    char32_t code = 0;
-    std::size_t bytes = 0;
-};
-
 struct CodeRange
 {
     char32_t first;
     char32_t last;
 };
-
-Character ReadCharacter(std::string_view text)
-{
-    const auto byteAt = [text](std::size_t position) {
-        return static_cast<unsigned char>(text[position]);
-    };
-    const unsigned char lead = byteAt(0);
-    if (lead < 0x80)
-        return {lead, 1};
-    const std::size_t bytes = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4 || text.size() < bytes)
-        return {};
-    char32_t code = lead & (0xFFU >> (bytes + 1));
-    for (std::size_t position = 1; position < bytes; ++position) {
-        if ((byteAt(position) & 0xC0U) != 0x80U)
-            return {};
-        code = (code << 6U) | (byteAt(position) & 0x3FU);
-    }
-    constexpr std::array<char32_t, 5> kLeast{0, 0, 0x80, 0x800, 0x10000};
-    const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
-    return code < kLeast[bytes] || code > 0x10FFFF || isSurrogate ? Character{}
-                                                                  : Character{code, bytes};
-}
-
-template <std::size_t Count>
-bool IsIn(const std::array<CodeRange, Count>& ranges, char32_t code)
-{
-    return std::any_of(ranges.begin(), ranges.end(), [code](const CodeRange& range) {
-        return code >= range.first && code <= range.last;
-    });
-}
 
 bool IsHarmful(char32_t code)
 {
@@ -66,7 +31,9 @@ bool IsHarmful(char32_t code)
                                                   {0xFEFF, 0xFEFF},
                                                   {0xFFF9, 0xFFFB},
                                                   {0xE0000, 0xE007F}}};
-    return IsIn(kHarmful, code);
+    return std::any_of(kHarmful.begin(), kHarmful.end(), [code](const CodeRange& range) {
+        return code >= range.first && code <= range.last;
+    });
 }
 
 std::string EscapeByte(unsigned value)
@@ -104,14 +71,16 @@ std::string ToDisplayText(std::string_view text)
 {
     std::string shown;
     while (!text.empty()) {
-        const Character character = ReadCharacter(text);
-        if (character.bytes == 0)
-            shown += EscapeByte(static_cast<unsigned char>(text.front()));
-        else if (IsHarmful(character.code))
-            shown += Escape(character.code);
+        const Utf8Piece piece = ReadUtf8(text);
+        const std::string_view bytes = text.substr(0, piece.bytes);
+        if (!piece.isWellFormed)
+            for (const char byte : bytes)
+                shown += EscapeByte(static_cast<unsigned char>(byte));
+        else if (IsHarmful(piece.code))
+            shown += Escape(piece.code);
         else
-            shown += text.substr(0, character.bytes);
-        text.remove_prefix(std::max<std::size_t>(character.bytes, 1));
+            shown += bytes;
+        text.remove_prefix(piece.bytes);
     }
     return shown;
 }
@@ -126,19 +95,12 @@ std::string ToDisplayList(const std::vector<std::string>& texts)
 
 std::size_t DisplayWidth(std::string_view text)
 {
-    constexpr std::array<CodeRange, 2> kCombining{{{0x300, 0x36F}, {0xFE00, 0xFE0F}}};
-    constexpr std::array<CodeRange, 6> kWide{{{0x1100, 0x115F},
-                                              {0x2E80, 0xA4CF},
-                                              {0xAC00, 0xD7A3},
-                                              {0xF900, 0xFAFF},
-                                              {0xFE30, 0xFF60},
-                                              {0x1F300, 0x1FAFF}}};
     std::size_t width = 0;
     while (!text.empty()) {
-        const Character character = ReadCharacter(text);
-        if (!IsIn(kCombining, character.code))
-            width += IsIn(kWide, character.code) ? 2U : 1U;
-        text.remove_prefix(std::max<std::size_t>(character.bytes, 1));
+        const Utf8Piece piece = ReadUtf8(text);
+        width +=
+            static_cast<std::size_t>(utf8proc_charwidth(static_cast<utf8proc_int32_t>(piece.code)));
+        text.remove_prefix(piece.bytes);
     }
     return width;
 }

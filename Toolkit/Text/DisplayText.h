@@ -16,7 +16,8 @@ namespace qe::tool {
 /// Makes texts harmless and puts commas between them; "none" stands for an empty list.
 [[nodiscard]] std::string ToDisplayList(const std::vector<std::string>& texts);
 
-/// Counts the columns that a text from ToDisplayText takes, wide letters as two.
+/// Returns the number of columns that a text from ToDisplayText takes: two for a wide letter, none
+/// for a mark on the letter before it.
 [[nodiscard]] std::size_t DisplayWidth(std::string_view text);
 
 } // namespace qe::tool

@@ -1,8 +1,9 @@
 #include "Toolkit/Text/JsonText.h"
 
+#include "Engine/Services/TextPosition.h"
+
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <set>
 #include <vector>
 
@@ -14,12 +15,7 @@ using nlohmann::json;
 
 std::string PlaceOf(std::string_view text, std::size_t offset, const std::string& fileName)
 {
-    const std::string_view before = text.substr(0, std::min(offset, text.size()));
-    const auto line = 1 + std::count(before.begin(), before.end(), '\n');
-    const std::string_view lastLine = before.substr(before.rfind('\n') + 1);
-    const auto column = 1 + std::count_if(lastLine.begin(), lastLine.end(), [](char letter) {
-                            return (static_cast<unsigned char>(letter) & 0xC0) != 0x80;
-                        });
+    const auto [line, column] = PositionCounter(text).MoveTo(offset);
     return fileName + ':' + std::to_string(line) + ':' + std::to_string(column);
 }
 

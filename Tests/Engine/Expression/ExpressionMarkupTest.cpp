@@ -81,14 +81,14 @@ TEST(ExpressionMarkup, ReportsReferencesAndErrorsWhereTheyStandInTheTaggedText)
     }
     EXPECT_EQ(seen, "1:4i 3:3q] 3:20z ");
     ASSERT_TRUE(report.error);
-    EXPECT_EQ(report.error->position, (qe::expression::TextPosition{3, 24}));
+    EXPECT_EQ(report.error->position, (qe::TextPosition{3, 24}));
     EXPECT_EQ(report.error->expected, "an operator or the end of the text");
     EXPECT_EQ(report.error->found, "\"$\"");
 
     EXPECT_FALSE(qe::expression::FindReferences("<r>a</r> &gt; 1").error);
     const auto atEnd = qe::expression::FindReferences("a = <r></r>");
     ASSERT_TRUE(atEnd.error);
-    EXPECT_EQ(atEnd.error->position, (qe::expression::TextPosition{1, 12}));
+    EXPECT_EQ(atEnd.error->position, (qe::TextPosition{1, 12}));
 }
 
 } // namespace

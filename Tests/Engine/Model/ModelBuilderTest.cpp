@@ -23,7 +23,7 @@ protected:
     amd_id mA = mBuilder.AddQuerySubject(mSpace, "A");
     amd_id mB = mBuilder.AddQuerySubject(mSpace, "B");
     amd_id mItem = mBuilder.AddItem(mA, "I");
-    amd_id mRelationship = mBuilder.AddRelationship(mSpace, "r", {mA, OneToMany}, {mB});
+    amd_id mRelationship = mBuilder.AddRelationship(mSpace, "r", {mA, kOneToMany}, {mB});
 };
 
 TEST_F(ModelBuilderTest, NumbersEachClassInOrderAroundTakenIds)
@@ -99,24 +99,24 @@ const Refusal Refusals[] = {
     {"folders do not keep subjects of one name apart",
      [](ModelBuilder& b) { b.AddQuerySubject(b.AddFolder(Space, "F"), "A"); }, EAspect::Name,
      "query subject \"A\" has the name of another object beside it: query subject 100:1"},
-    {"unknown holder", [](ModelBuilder& b) { b.AddQuerySubject("Z", "C"); }, EAspect::Parent,
-     "query subject \"C\" has a holder that is not in the model: \"Z\"; nearest: S"},
-    {"holder that holds itself",
+    {"unknown parent", [](ModelBuilder& b) { b.AddQuerySubject("Z", "C"); }, EAspect::Parent,
+     "query subject \"C\" has a parent that is not in the model: \"Z\"; nearest: S"},
+    {"parent of itself",
      [](ModelBuilder& b) { b.AddFolder(amd_id(0, IdClassFolder, 1), "F"); }, EAspect::Parent,
-     "folder \"F\" has holders that run in a circle"},
-    {"query subject as holder", [](ModelBuilder& b) { b.AddFolder(SubjectA, "F"); },
+     "folder \"F\" has a chain of parents that is cyclic"},
+    {"query subject as parent", [](ModelBuilder& b) { b.AddFolder(SubjectA, "F"); },
      EAspect::Parent, "folder \"F\" cannot be held by the query subject \"A\""},
     {"item of a shortcut",
      [](ModelBuilder& b) { b.AddItem(b.AddShortcut(Space, "C", {"A"}), "J"); }, EAspect::Parent,
      "item \"J\" cannot be held by the shortcut \"C\""},
-    {"item of nothing", [](ModelBuilder& b) { b.AddItem(Top, "J"); }, EAspect::Parent,
-     "item \"J\" has no holder"},
+    {"item of nothing", [](ModelBuilder& b) { b.AddItem(kTop, "J"); }, EAspect::Parent,
+     "item \"J\" has no parent"},
     {"relationship shortcut to itself",
      [](ModelBuilder& b) {
          b.AddRelationshipShortcut(Space, "t",
                                    {amd_id(0, IdClassRelationshipShortcut, 1), "A", "B"});
      },
-     EAspect::Target, "relationship shortcut \"t\" has a chain of shortcuts that runs in a circle"},
+     EAspect::Target, "relationship shortcut \"t\" has a chain of shortcuts that is cyclic"},
     {"relationship shortcut to class 136",
      [](ModelBuilder& b) {
          b.AddRelationship136(Space, "q", {"A"}, {"B"});
@@ -155,7 +155,7 @@ const Refusal Refusals[] = {
          b.AddRelationship(Space, "t", {"A", {10, 13}}, {"B"});
      },
      EAspect::LeftCardinality,
-     "relationship \"t\" has a cardinality at its left end that is no range"},
+     "relationship \"t\" has a cardinality at its left end that is not a valid range"},
 };
 
 TEST(ModelBuilderRefusalTest, TellsEachMistake)
@@ -237,7 +237,7 @@ TEST(ModelBuilderPropertyTest, WhatIsBuiltHasNoCirclesAndOnlySoundEnds)
         for (int i = 0; i < 3; ++i) {
             const std::string name(1, static_cast<char>('a' + i));
             const auto holder = [&] {
-                return i == 0 || random() % 4 == 0 ? Top : any(IdClassFolder);
+                return i == 0 || random() % 4 == 0 ? kTop : any(IdClassFolder);
             };
             builder.AddFolder(random() % 9 == 0 ? any(IdClassFolder) : holder(), name);
             builder.AddQuerySubject(holder(), name);

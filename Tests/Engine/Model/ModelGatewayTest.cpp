@@ -15,7 +15,7 @@ using qe::test::ModelText;
 TEST(ModelGatewayTest, GivesDisplayNamesAndTheNearestLocale)
 {
     ModelBuilder builder("en");
-    const amd_id space = builder.AddNamespace(Top, "S", {.displayName = "Sales"});
+    const amd_id space = builder.AddNamespace(kTop, "S", {.displayName = "Sales"});
     const amd_id folder = builder.AddFolder(space, "F", {.locale = "de"});
     const amd_id subject = builder.AddQuerySubject(folder, "A");
     const amd_id item = builder.AddItem(subject, "I", {.locale = "fr"});
@@ -38,7 +38,7 @@ TEST(ModelGatewayTest, ResolvesTheNamesOfReferences)
     builder.AddFolder("S", "T");
     builder.AddNamespace("T");
     builder.AddItem(builder.AddQuerySubject("T", "A"), "I");
-    builder.AddItem(builder.AddQuerySubject(Top, "S"), "A");
+    builder.AddItem(builder.AddQuerySubject(kTop, "S"), "A");
     builder.AddItem(builder.AddQuerySubject("S", "A"), "J");
     builder.AddShortcut("S", "C", {"T.A"});
     builder.AddShortcut("S", "D", {"C"});

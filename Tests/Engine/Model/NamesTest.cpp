@@ -96,7 +96,7 @@ protected:
         builder.AddItem(builder.AddQuerySubject(sales, "Orders"), "Key");
         builder.AddItem(builder.AddQuerySubject(stock, "Orders"), "Key");
         builder.AddItem(builder.AddQuerySubject(facts, "Returns"), "Order.Key");
-        builder.AddQuerySubject(Top, "returns");
+        builder.AddQuerySubject(kTop, "returns");
         builder.AddShortcut(facts, "Old", {"Sales.Orders"});
         builder.AddRelationship(sales, "j", {"Sales.Orders"}, {"Old"});
         builder.AddRelationship(sales, "j", {"Sales.Orders"}, {"Returns"});
@@ -105,10 +105,10 @@ protected:
 
     std::shared_ptr<const Model> mModel = Make();
 
-    std::string Find(EFamily family, std::string_view name) const
+    std::string Find(ENameKind nameKind, std::string_view name) const
     {
         std::string text;
-        for (const amd_id& id : mModel->FindByName(family, name))
+        for (const amd_id& id : mModel->FindByName(nameKind, name))
             text += (text.empty() ? "" : ", ") + ToText(mModel->GetQualifiedName(id)) + ' ' +
                     ToText(id);
         return text;
@@ -119,42 +119,42 @@ TEST_F(FindByNameTest, FindsWhatPeopleWrite)
 {
     struct Row
     {
-        EFamily family;
+        ENameKind nameKind;
         const char* name;
         const char* found;
     };
     const Row rows[] = {
-        {EFamily::Subject, "Sales.Orders", "Sales.Orders 100:1"},
-        {EFamily::Subject, "[Stock].[Orders]", "Stock.Orders 100:2"},
-        {EFamily::Subject, "Orders", "Sales.Orders 100:1, Stock.Orders 100:2"},
-        {EFamily::Subject, "STOCK.orders", "Stock.Orders 100:2"},
-        {EFamily::Subject, "Returns", "Sales.Returns 100:3"},
-        {EFamily::Subject, "RETURNS", "returns 100:4"},
-        {EFamily::Subject, "Sales.Facts.Returns", "Sales.Returns 100:3"},
-        {EFamily::Subject, "Facts.Returns", "Sales.Returns 100:3"},
-        {EFamily::Subject, "Facts.Sales.Returns", ""},
-        {EFamily::Subject, "Stock.Returns", ""},
-        {EFamily::Subject, "", ""},
-        {EFamily::Item, "Sales.Orders.Key", "Sales.Orders.Key 101:1"},
-        {EFamily::Item, "Sales.Old.key", "Sales.Orders.Key 101:1"},
-        {EFamily::Item, "Orders.Key", "Sales.Orders.Key 101:1, Stock.Orders.Key 101:2"},
-        {EFamily::Item, "returns.[order.key]", "Sales.Returns.[Order.Key] 101:3"},
-        {EFamily::Item, "Order.Key", "Sales.Returns.[Order.Key] 101:3"},
-        {EFamily::Join, "j", "Sales.j 102:1, Sales.j 102:2"},
-        {EFamily::Container, "facts", "Sales.Facts 99:1"},
-        {EFamily::Filter, "j", ""},
+        {ENameKind::Subject, "Sales.Orders", "Sales.Orders 100:1"},
+        {ENameKind::Subject, "[Stock].[Orders]", "Stock.Orders 100:2"},
+        {ENameKind::Subject, "Orders", "Sales.Orders 100:1, Stock.Orders 100:2"},
+        {ENameKind::Subject, "STOCK.orders", "Stock.Orders 100:2"},
+        {ENameKind::Subject, "Returns", "Sales.Returns 100:3"},
+        {ENameKind::Subject, "RETURNS", "returns 100:4"},
+        {ENameKind::Subject, "Sales.Facts.Returns", "Sales.Returns 100:3"},
+        {ENameKind::Subject, "Facts.Returns", "Sales.Returns 100:3"},
+        {ENameKind::Subject, "Facts.Sales.Returns", ""},
+        {ENameKind::Subject, "Stock.Returns", ""},
+        {ENameKind::Subject, "", ""},
+        {ENameKind::Item, "Sales.Orders.Key", "Sales.Orders.Key 101:1"},
+        {ENameKind::Item, "Sales.Old.key", "Sales.Orders.Key 101:1"},
+        {ENameKind::Item, "Orders.Key", "Sales.Orders.Key 101:1, Stock.Orders.Key 101:2"},
+        {ENameKind::Item, "returns.[order.key]", "Sales.Returns.[Order.Key] 101:3"},
+        {ENameKind::Item, "Order.Key", "Sales.Returns.[Order.Key] 101:3"},
+        {ENameKind::Join, "j", "Sales.j 102:1, Sales.j 102:2"},
+        {ENameKind::Container, "facts", "Sales.Facts 99:1"},
+        {ENameKind::Filter, "j", ""},
     };
     for (const Row& row : rows)
-        EXPECT_EQ(Find(row.family, row.name), row.found) << row.name;
+        EXPECT_EQ(Find(row.nameKind, row.name), row.found) << row.name;
 }
 
 TEST_F(FindByNameTest, SuggestsTheNearest)
 {
-    EXPECT_THAT(mModel->SuggestNames(EFamily::Subject, "Return"),
+    EXPECT_THAT(mModel->SuggestNames(ENameKind::Subject, "Return"),
                 ElementsAre("Returns", "returns"));
-    EXPECT_THAT(mModel->SuggestNames(EFamily::Subject, "Stocks.Order"),
+    EXPECT_THAT(mModel->SuggestNames(ENameKind::Subject, "Stocks.Order"),
                 ElementsAre("Stock.Orders"));
-    EXPECT_THAT(mModel->SuggestNames(EFamily::Subject, "Stales.Orders"),
+    EXPECT_THAT(mModel->SuggestNames(ENameKind::Subject, "Stales.Orders"),
                 ElementsAre("Sales.Orders", "Stock.Orders"));
 }
 

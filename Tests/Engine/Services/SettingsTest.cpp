@@ -90,7 +90,7 @@ TEST_F(SettingsTest, MalformedLinesAreLeftOutAndTheRestHolds)
     }
     EXPECT_THAT(lines, ElementsAre(7, 8, 9, 10, 12, 13, 14, 15, 16, 18));
     EXPECT_EQ(ToText(qe::GetSettingsProblems()[1]),
-              mPath + ":8: the value of \"Word\" is no whole number that fits: \"three\"");
+              mPath + ":8: the value of \"Word\" is not a whole number that fits: \"three\"");
 }
 
 TEST_F(SettingsTest, ProblemsAreLoggedOnce)

@@ -1,6 +1,6 @@
-#include "ORVMessage.h"
-
 #include "Engine/Services/MessageCatalogue.h"
+#include "HBNMessage.h"
+#include "ORVMessage.h"
 
 #include <cstdio>
 #include <string>
@@ -41,3 +41,10 @@ I18NString ORVMessage::GetText() const
         return ListParameters(mNumber, mParameters);
     return qe::FillPlaceholders(pattern, mParameters);
 }
+
+HBNMessage::HBNMessage(std::uint32_t number) : ORVMessage(number)
+{}
+
+HBNMessage::HBNMessage(const HBNMessage&) = default;
+HBNMessage& HBNMessage::operator=(const HBNMessage&) = default;
+HBNMessage::~HBNMessage() = default;

@@ -1,7 +1,13 @@
 #include "HBNException.h"
+#include "ORVAssertError.h"
+#include "ORVThrowable.h"
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -17,6 +23,57 @@ std::string DescribeException(int severity, int code, const std::vector<HBNMessa
 }
 
 } // namespace
+
+ORVThrowable::ORVThrowable() = default;
+ORVThrowable::ORVThrowable(const ORVThrowable&) = default;
+ORVThrowable& ORVThrowable::operator=(const ORVThrowable&) = default;
+ORVThrowable::~ORVThrowable() = default;
+
+void ORVThrowable::NoteOrigin(const ORVFileLocation& location, const char* component,
+                              const char* macroName)
+{
+    mLocation = location;
+    mComponent = component == nullptr ? "" : component;
+    mMacroName = macroName == nullptr ? "" : macroName;
+    mWhat = mDescription + GetOriginText();
+}
+
+void ORVThrowable::Describe(std::string text)
+{
+    mDescription = std::move(text);
+    mWhat = mDescription + GetOriginText();
+}
+
+std::string ORVThrowable::GetOriginText() const
+{
+    std::string text;
+    const auto append = [&text](const std::string& piece) {
+        if (!piece.empty())
+            text += (text.empty() ? "" : ", ") + piece;
+    };
+    if (!mLocation.file.empty())
+        append(mLocation.file + ':' + std::to_string(mLocation.line));
+    append(mComponent);
+    append(mMacroName);
+    return text.empty() ? text : " (" + text + ')';
+}
+
+ORVAssertError::ORVAssertError(int errorCode, const char* assertedText)
+    : mErrorCode(errorCode), mAssertedText(assertedText == nullptr ? "" : assertedText)
+{
+    Describe("Assertion failed, error code " + std::to_string(mErrorCode) + ": " + mAssertedText);
+}
+
+ORVAssertError::ORVAssertError(const ORVAssertError&) = default;
+ORVAssertError& ORVAssertError::operator=(const ORVAssertError&) = default;
+ORVAssertError::~ORVAssertError() = default;
+
+void ORVAssertError::hurl(const ORVFileLocation& location, const char* component,
+                          const char* macroName)
+{
+    NoteOrigin(location, component, macroName);
+    throw *this;
+}
 
 HBNException::HBNException(int severity, int code) : mSeverity(severity), mCode(code)
 {

@@ -1,5 +1,6 @@
-#include "Engine/Services/StreamLogTarget.h"
+#include "Engine/Services/LogTarget.h"
 
+#include <algorithm>
 #include <iomanip>
 #include <iostream>
 #include <sstream>
@@ -24,7 +25,32 @@ std::string Compose(const LogEntry& entry)
     return out.str();
 }
 
+class ForkLogTarget final : public LogTarget
+{
+public:
+    explicit ForkLogTarget(std::vector<LogRoute> routes) : mRoutes(std::move(routes)) {}
+
+    void Write(const LogEntry& entry) override
+    {
+        for (const LogRoute& route : mRoutes) {
+            if (entry.level <= route.level)
+                route.target->Write(entry);
+        }
+    }
+
+private:
+    std::vector<LogRoute> mRoutes;
+};
+
 } // namespace
+
+LogRoute ForkLogRoutes(std::vector<LogRoute> routes)
+{
+    int level = 0;
+    for (const LogRoute& route : routes)
+        level = std::max(level, route.level);
+    return {level, std::make_shared<ForkLogTarget>(std::move(routes))};
+}
 
 StreamLogTarget::StreamLogTarget(std::string path) : mPath(std::move(path))
 {

@@ -38,7 +38,7 @@ const Utf8Case utf8Cases[] = {
      FFFD FFFD FFFD FFFD "A"},
 };
 
-TEST(Utf8ConverterTest, ReplacesEachMaximalIllFormedPiece)
+TEST(Utf8Test, ReplacesEachMaximalIllFormedPiece)
 {
     for (const Utf8Case& test : utf8Cases)
         EXPECT_EQ(AUT_GetUTF8Converter().Convert(test.bytes).ToStdString(), test.text) << test.name;
