@@ -1,6 +1,7 @@
 #include "Toolkit/Import/DatabaseSchema.h"
 
 #include "Toolkit/Import/SqliteDatabase.h"
+#include "Toolkit/Text/DisplayText.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -127,7 +128,7 @@ private:
 
     void AddForeignKey(SchemaTable& table, SchemaForeignKey key)
     {
-        const std::string what = table.name + " (" + JoinNames(key.from) + ") -> " + key.table;
+        const std::string what = table.name + " (" + JoinTexts(key.from) + ") -> " + key.table;
         const auto target = mPositions.find(Fold(key.table));
         if (target == mPositions.end()) {
             mSchema.notes.push_back("left out a foreign key to a table that does not exist: " +
@@ -165,14 +166,6 @@ private:
             name = column->name;
         }
         return true;
-    }
-
-    static std::string JoinNames(const Names& names)
-    {
-        std::string text;
-        for (const std::string& name : names)
-            text += (text.empty() ? "" : ", ") + name;
-        return text;
     }
 
     const SqliteDatabase& mDatabase;

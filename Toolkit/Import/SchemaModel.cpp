@@ -3,6 +3,7 @@
 #include "Engine/Model/Model.h"
 #include "Engine/Model/ModelBuilder.h"
 #include "Engine/Model/QualifiedName.h"
+#include "Toolkit/Text/DisplayText.h"
 
 #include <algorithm>
 #include <map>
@@ -25,14 +26,6 @@ std::string Bracket(const std::string& name)
             text += ']';
     }
     return text + "]";
-}
-
-std::string JoinNames(const Names& names)
-{
-    std::string text;
-    for (const std::string& name : names)
-        text += (text.empty() ? "" : ", ") + name;
-    return text;
 }
 
 bool IsSubsetOf(const Names& key, const Names& columns)
@@ -84,7 +77,7 @@ private:
     {
         const bool isParallel = mKeyCounts[{table.name, key.table}] > 1;
         const std::string ends = table.name + "-" + key.table;
-        const std::string name = isParallel ? ends + " (" + JoinNames(key.from) + ")" : ends;
+        const std::string name = isParallel ? ends + " (" + JoinTexts(key.from) + ")" : ends;
         const amd_id parent = mSubjects[key.table];
         const amd_id relationship = mBuilder.AddRelationship(
             mSpace, name, {mSubjects[table.name], ReferringCardinality(table, key)},
@@ -101,9 +94,9 @@ private:
                  const amd_id& relationship)
     {
         constexpr std::int32_t kRoleKind = 1;
-        std::string role = key.table + " (" + JoinNames(key.from) + ")";
+        std::string role = key.table + " (" + JoinTexts(key.from) + ")";
         if (mSubjectNames.count(role) != 0)
-            role = key.table + " (" + table.name + ": " + JoinNames(key.from) + ")";
+            role = key.table + " (" + table.name + ": " + JoinTexts(key.from) + ")";
         while (!mSubjectNames.insert(role).second)
             role += "'";
         const amd_id shortcut =
