@@ -79,8 +79,8 @@ std::vector<Mistake> ContentMistakes()
          "m#/filters/0/condition: must be a string, not an object\n"
          "m#/folders/0: must be an object, not a number"},
         {"governors", R"({"governors": {"crossProductAllowed": "no", "shortcutGrouping": 1.5}})",
-         "m#/governors/crossProductAllowed: is no value of this governor: \"no\" (did you mean "
-         "allow or warn or deny?)\n"
+         "m#/governors/crossProductAllowed: unknown value: \"no\" (did you mean allow or warn "
+         "or deny?)\n"
          "m#/governors/shortcutGrouping: must be a whole number, not a number with a fraction"},
         {"missing keys", R"({"relationships": [{"name": "r", "lefft": "A"}], "subjects": [{}]})",
          "m#/subjects/0: lacks the key \"name\"\n"
@@ -107,8 +107,8 @@ std::vector<Mistake> ContentMistakes()
          R"({"subjects": ["A"], "relationships": [{"name": "r", "class": 103, "left": "A",
              "leftCardinality": "1..m", "right": "A", "rightCardinality": [1]}, {"name": "s",
              "left": "A", "leftCardinality": [12, 11], "right": "A", "rightCardinality": 1}]})",
-         "m#/relationships/0/class: is no class of relationships (102 or 136): 103\n"
-         "m#/relationships/0/leftCardinality: is no cardinality: \"1..m\" (did you mean 1..1 or "
+         "m#/relationships/0/class: must be a class of relationships (102 or 136): 103\n"
+         "m#/relationships/0/leftCardinality: unknown cardinality: \"1..m\" (did you mean 1..1 or "
          "1..n?)\n"
          "m#/relationships/0/rightCardinality: must be a cardinality such as \"0..n\" or a list of "
          "two numbers, not a list\n"

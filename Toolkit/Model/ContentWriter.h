@@ -26,8 +26,8 @@ public:
 private:
     using Record = model::ObjectRecord;
 
-    /// Adds what the holder holds, in the order in which it is read.
-    void WriteHeld(const amd_id& holder, nlohmann::ordered_json& json);
+    /// Adds the children of an object, in the order in which they are read.
+    void WriteChildren(const amd_id& parent, nlohmann::ordered_json& json);
     /// Adds a list with the objects of those classes, unless there are none.
     void WriteList(const char* key, const std::vector<amd_id>& ids, nlohmann::ordered_json& json);
     void WriteQuery(nlohmann::ordered_json& json);
@@ -39,7 +39,7 @@ private:
     [[nodiscard]] nlohmann::ordered_json WriteReference(const Record& from, const amd_id& to) const;
     [[nodiscard]] bool LeadsTo(const Record& from, const amd_id& to,
                                const model::QualifiedName& name) const;
-    /// Gives what is to be written as the object's id: null where reading would give the same.
+    /// Returns what is to be written as the object's id: null where reading would give the same.
     [[nodiscard]] nlohmann::ordered_json WriteId(const amd_id& id);
 
     const ToolModel* mTool;
