@@ -5,7 +5,7 @@
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Ask/KeyChoice.h"
 #include "Toolkit/Evaluate/ModelSource.h"
-#include "Toolkit/Import/SqlImport.h"
+#include "Toolkit/Import/OpenModel.h"
 
 #include <gmock/gmock.h>
 

@@ -4,7 +4,7 @@
 #include "Toolkit/Answers/SqlAnswer.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Batch/QuestionReader.h"
-#include "Toolkit/Import/SqlImport.h"
+#include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Model/ModelFile.h"
 #include "Toolkit/Text/InputFile.h"
 

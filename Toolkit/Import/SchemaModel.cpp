@@ -6,9 +6,13 @@
 #include "Toolkit/Text/DisplayText.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <map>
 #include <set>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace qe::tool {
 
@@ -38,9 +42,9 @@ bool IsSubsetOf(const Names& key, const Names& columns)
 class ModelMaker
 {
 public:
-    ModelMaker(const DatabaseSchema& schema, const std::string& name, const ImportOptions& options)
+    ModelMaker(const DatabaseSchema& schema, const ImportOptions& options)
         : mSchema(schema),
-          mSpaceName(name.empty() ? "database" : name),
+          mSpaceName(schema.name.empty() ? "database" : schema.name),
           mOptions(options),
           mSpace(mBuilder.AddNamespace(mSpaceName))
     {}
@@ -146,10 +150,10 @@ private:
 
 } // namespace
 
-ToolModel MakeModel(const DatabaseSchema& schema, const std::string& name,
-                    const ImportOptions& options)
+ToolModel MakeModel(DatabaseSchema schema, const ImportOptions& options)
 {
-    return ModelMaker(schema, name, options).Make();
+    ResolveForeignKeys(schema);
+    return ModelMaker(schema, options).Make();
 }
 
 } // namespace qe::tool
