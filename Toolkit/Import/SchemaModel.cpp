@@ -21,17 +21,6 @@ namespace {
 using Names = std::vector<std::string>;
 using TablePair = std::pair<std::string, std::string>;
 
-std::string Bracket(const std::string& name)
-{
-    std::string text = "[";
-    for (const char letter : name) {
-        text += letter;
-        if (letter == ']')
-            text += ']';
-    }
-    return text + "]";
-}
-
 bool IsSubsetOf(const Names& key, const Names& columns)
 {
     return std::all_of(key.begin(), key.end(), [&](const std::string& column) {
@@ -105,8 +94,9 @@ private:
             role += "'";
         const amd_id shortcut =
             mBuilder.AddShortcut(mSpace, role, {mSubjects[key.table], kRoleKind});
-        mBuilder.AddRelationshipShortcut(mSpace, name,
-                                         {relationship, mSubjects[table.name], shortcut});
+        mBuilder.AddRelationshipShortcut(
+            mSpace, name,
+            {.relationship = relationship, .left = mSubjects[table.name], .right = shortcut});
     }
 
     static model::CardinalityRange ReferringCardinality(const SchemaTable& table,
@@ -129,7 +119,7 @@ private:
     [[nodiscard]] std::string Condition(const SchemaTable& table, const SchemaForeignKey& key) const
     {
         const auto item = [&](const std::string& subject, const std::string& column) {
-            return Bracket(mSpaceName) + "." + Bracket(subject) + "." + Bracket(column);
+            return model::ToReferenceText({mSpaceName, subject, column});
         };
         std::string condition;
         for (std::size_t i = 0; i < key.from.size(); ++i)

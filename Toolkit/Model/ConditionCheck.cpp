@@ -1,6 +1,7 @@
 #include "Toolkit/Model/ConditionCheck.h"
 
 #include "Engine/Model/NearestNames.h"
+#include "Engine/Model/QualifiedName.h"
 #include "Toolkit/Model/ModelWords.h"
 
 #include <algorithm>
@@ -14,18 +15,6 @@ namespace {
 
 /// Suggestions read all names around the wrong one.
 constexpr std::size_t kMaximumSuggestions = 100;
-
-std::string InBrackets(const QualifiedName& names)
-{
-    std::string text;
-    for (const std::string& name : names) {
-        text += text.empty() ? "[" : ".[";
-        for (const char letter : name)
-            text += letter == ']' ? "]]" : std::string(1, letter);
-        text += ']';
-    }
-    return text;
-}
 
 QualifiedName ToNames(const std::vector<I18NString>& texts)
 {
@@ -48,7 +37,7 @@ std::vector<std::string> ReplaceOne(const QualifiedName& names, std::size_t inde
     for (const std::string& near : model::NearestNames(names[index], candidates)) {
         QualifiedName changed = names;
         changed[index] = near;
-        replaced.push_back(InBrackets(changed));
+        replaced.push_back(model::ToReferenceText(changed));
     }
     return replaced;
 }
@@ -85,8 +74,8 @@ void ConditionCheck::CheckReference(const expression::NamedReference& reference,
     if (IsDoubtful(reference.names) || mGateway->ResolveReference(reference.names))
         return;
     mProblems->Add(pointer,
-                   "names at " + ToPlace(reference.position) +
-                       " what is not in the model: " + InBrackets(ToNames(reference.names)),
+                   "names at " + ToPlace(reference.position) + " what is not in the model: " +
+                       model::ToReferenceText(ToNames(reference.names)),
                    mSuggestions++ < kMaximumSuggestions ? Suggest(reference.names)
                                                         : std::vector<std::string>());
 }
@@ -131,7 +120,7 @@ std::vector<std::string> ConditionCheck::SuggestParents(const QualifiedName& nam
         QualifiedName name = mModel->GetQualifiedName(id);
         if (names.size() > 1)
             name.push_back(names.back());
-        complete.push_back(InBrackets(name));
+        complete.push_back(model::ToReferenceText(name));
     }
     return complete;
 }
