@@ -73,12 +73,12 @@ void ReadLists(JsonObject& request, Question& question)
 
 void ReadChoices(JsonObject& request, Question& question)
 {
-    Replace(question.ranking.useFactTableCount, request.GetTruth("useFactTableCount"));
-    Replace(question.ranking.useStraightestPath, request.GetTruth("useStraightestPath"));
+    Replace(question.ranking.useFactTableCount, request.GetBoolean("useFactTableCount"));
+    Replace(question.ranking.useStraightestPath, request.GetBoolean("useStraightestPath"));
     SelectorChoice& selector = question.selector;
     Replace(selector.kind, request.GetChoice("selector", SelectorWords()));
-    Replace(selector.checkOptional, request.GetTruth("checkOptional"));
-    Replace(selector.subjectsAreCandidates, request.GetTruth("subjectsAreCandidates"));
+    Replace(selector.checkOptional, request.GetBoolean("checkOptional"));
+    Replace(selector.subjectsAreCandidates, request.GetBoolean("subjectsAreCandidates"));
     Replace(question.governors.crossProduct, request.GetNumber("crossProduct", kGovernorRange));
     Replace(question.governors.grouping, request.GetNumber("grouping", kGovernorRange));
     Replace(question.commandType, request.GetChoice("commandType", CommandTypeWords()));

@@ -19,7 +19,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-/// How much of a file tells its format.
+/// How many bytes of a file its format is recognised by.
 constexpr std::size_t kStartSize = 4096;
 constexpr std::string_view kSqliteStart = "SQLite format 3\0"sv;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";

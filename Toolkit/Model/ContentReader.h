@@ -26,13 +26,13 @@ class ContentReader
 public:
     explicit ContentReader(JsonProblems& problems) : mProblems(&problems) {}
 
-    /// Returns what the document says; mistakes are added to the problems. Call it once.
+    /// Returns the content of the document; mistakes are added to the problems. Call it once.
     [[nodiscard]] ModelContent Read(const nlohmann::json& document);
 
 private:
     void ReadVersion(JsonObject& top);
     void ReadGovernors(const PlacedJson& json);
-    /// Replaces `value` by what a word or number says.
+    /// Replaces `value` by what a word stands for, or by a number.
     void ReadGovernor(const PlacedJson& json, const GovernorWords& words, std::int32_t& value);
     void ReadQuery(const PlacedJson& json);
     /// Reads the children of the namespace, folder or document.
@@ -54,7 +54,7 @@ private:
 
     JsonProblems* mProblems;
     ModelContent mContent;
-    /// The ids that the file gives, with the objects that have them.
+    /// The ids in the file, with the pointers to the objects that have them.
     std::map<amd_id, std::string> mIdOwners;
 };
 

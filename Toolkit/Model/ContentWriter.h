@@ -12,7 +12,7 @@
 
 namespace qe::tool {
 
-/// Makes the document of a model file from a model. Ids are written only where reading would give
+/// Makes the document of a model file from a model. Ids are written only where reading would assign
 /// others; references by the shortest name that leads back to the object, by id where none does.
 /// Refers to the model.
 class ContentWriter
@@ -39,12 +39,12 @@ private:
     [[nodiscard]] nlohmann::ordered_json WriteReference(const Record& from, const amd_id& to) const;
     [[nodiscard]] bool LeadsTo(const Record& from, const amd_id& to,
                                const model::QualifiedName& name) const;
-    /// Returns what is to be written as the object's id: null where reading would give the same.
+    /// Returns what is to be written as the object's id: null where reading would assign the same.
     [[nodiscard]] nlohmann::ordered_json WriteId(const amd_id& id);
 
     const ToolModel* mTool;
     const model::Model* mModel;
-    /// The last numbers that reading gives by itself.
+    /// The last numbers that reading assigns by itself, for each class.
     std::map<std::int32_t, std::int32_t> mLastNumbers;
 };
 

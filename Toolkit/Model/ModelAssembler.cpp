@@ -60,9 +60,11 @@ amd_id AddTo(ModelBuilder& builder, const ContentObject& object, const model::Re
         return builder.AddRelationship136(parent, object.name, object.left, object.right,
                                           object.condition, options);
     case IdClassRelationshipShortcut:
-        return builder.AddRelationshipShortcut(
-            parent, object.name, {object.target, object.left.subject, object.right.subject},
-            options);
+        return builder.AddRelationshipShortcut(parent, object.name,
+                                               {.relationship = object.target,
+                                                .left = object.left.subject,
+                                                .right = object.right.subject},
+                                               options);
     case IdClassFilter:
         return builder.AddFilter(parent, object.name, object.condition, options);
     case IdClassSpecJoin:

@@ -9,9 +9,9 @@
 
 namespace qe::tool {
 
-/// Makes any text harmless to show on one line of a terminal: control characters, characters that
-/// change the direction of writing or break lines, and bytes that are no UTF-8 become escapes such
-/// as "\n", "\u{202E}" and "\xFF". All other text stays as it is.
+/// Returns any text so that it is harmless on one line of a terminal: control characters,
+/// characters that change the direction of writing or break lines, and bytes that are no UTF-8
+/// become escapes such as "\n", "\u{202E}" and "\xFF". All other text stays as it is.
 [[nodiscard]] std::string ToDisplayText(std::string_view text);
 
 /// Returns the texts of the items with `separator` between them; `toText` makes a text of an item.
@@ -30,7 +30,7 @@ template <typename Items, typename ToText = std::identity>
     return joined;
 }
 
-/// Makes texts harmless and puts commas between them; "none" stands for an empty list.
+/// Returns the texts, made harmless, with commas between them; "none" stands for an empty list.
 [[nodiscard]] std::string ToDisplayList(const std::vector<std::string>& texts);
 
 /// Counts the columns that a text from ToDisplayText takes, wide letters as two.

@@ -9,7 +9,7 @@
 
 namespace qe::tool {
 
-/// Larger files than this are refused where nothing else is said.
+/// The largest file that is read where no other size is given, in bytes.
 inline constexpr std::uintmax_t kMaximumFileSize = std::uintmax_t{64} * 1024 * 1024;
 
 /// Opens a file to read it piece by piece. Throws an InputError when there is no such file, or when

@@ -145,7 +145,7 @@ std::optional<std::int32_t> JsonObject::GetNumber(std::string_view key, const Nu
     return found.value == nullptr ? std::nullopt : ReadNumber(found, *mProblems, range);
 }
 
-std::optional<bool> JsonObject::GetTruth(std::string_view key)
+std::optional<bool> JsonObject::GetBoolean(std::string_view key)
 {
     const PlacedJson found = Find(key);
     if (found.value == nullptr)

@@ -60,8 +60,7 @@ public:
     [[nodiscard]] std::optional<std::vector<std::string>> GetTexts(std::string_view key);
     [[nodiscard]] std::optional<std::int32_t> GetNumber(std::string_view key,
                                                         const NumberRange& range = {});
-    /// Returns what a key says with true or false.
-    [[nodiscard]] std::optional<bool> GetTruth(std::string_view key);
+    [[nodiscard]] std::optional<bool> GetBoolean(std::string_view key);
     /// Returns what the word of a key stands for.
     template <typename Value>
     [[nodiscard]] std::optional<Value> GetChoice(std::string_view key,
