@@ -1,6 +1,6 @@
 // What it costs to import a large model.
 
-#include "Toolkit/Import/SqlImport.h"
+#include "Toolkit/Import/OpenModel.h"
 
 #include <benchmark/benchmark.h>
 

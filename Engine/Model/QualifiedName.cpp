@@ -19,6 +19,14 @@ std::string ReadBracketed(std::string_view text, std::size_t& position)
     return part;
 }
 
+void AppendBracketed(std::string& text, std::string_view part)
+{
+    text += '[';
+    for (const char letter : part)
+        text.append(letter == ']' ? 2 : 1, letter);
+    text += ']';
+}
+
 } // namespace
 
 QualifiedName ParseQualifiedName(std::string_view text)
@@ -44,14 +52,21 @@ std::string ToText(const QualifiedName& name)
     for (std::size_t i = 0; i < name.size(); ++i) {
         if (i > 0)
             text += '.';
-        if (name[i].find_first_of(".[]") == std::string::npos) {
+        if (name[i].find_first_of(".[]") == std::string::npos)
             text += name[i];
-            continue;
-        }
-        text += '[';
-        for (const char letter : name[i])
-            text.append(letter == ']' ? 2 : 1, letter);
-        text += ']';
+        else
+            AppendBracketed(text, name[i]);
+    }
+    return text;
+}
+
+std::string ToReferenceText(const QualifiedName& name)
+{
+    std::string text;
+    for (const std::string& part : name) {
+        if (!text.empty())
+            text += '.';
+        AppendBracketed(text, part);
     }
     return text;
 }

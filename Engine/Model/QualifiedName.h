@@ -21,6 +21,9 @@ using QualifiedName = std::vector<std::string>;
 /// again.
 [[nodiscard]] QEENGINE_EXPORT std::string ToText(const QualifiedName& name);
 
+/// Returns the reference to the object as conditions write it: every part in brackets.
+[[nodiscard]] QEENGINE_EXPORT std::string ToReferenceText(const QualifiedName& name);
+
 } // namespace qe::model
 
 #endif

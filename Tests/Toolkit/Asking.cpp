@@ -3,7 +3,7 @@
 #include "Tests/Support/ModelText.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Toolkit/Ask/Asker.h"
-#include "Toolkit/Import/SqlImport.h"
+#include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Text/InputError.h"
 
 #include <sstream>

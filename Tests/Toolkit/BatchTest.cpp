@@ -123,7 +123,7 @@ TEST(OrderedWork, FailuresReachTheCaller)
 
 TEST(QuestionReader, ReadsEveryKeyAndTellsEveryMistake)
 {
-    const Question question = ReadQuestion(ParseJsonLine(R"({"id": 1, "operation": "best between",
+    const Question question = ReadQuestion(ParseRequest(R"({"id": 1, "operation": "best between",
         "subjects": ["a"], "secondSet": ["b"], "favouredJoins": ["c"], "requiredJoins": ["d"],
         "avoidedJoins": ["e"], "favouredSubjects": ["f"], "onlySubjects": ["g"],
         "withoutSubjects": ["h"], "onlyJoins": ["i"], "withoutJoins": ["j"],
@@ -155,16 +155,16 @@ TEST(QuestionReader, ReadsEveryKeyAndTellsEveryMistake)
         {"[]", {""}},
         {"{}", {"/subjects"}},
         {R"({"subjects": []})", {"/subjects"}},
-        {R"({"subjects": ["a", 1]})", {"/subjects"}},
+        {R"({"subjects": ["a", 1]})", {"/subjects/1"}},
         {R"({"subjects": "a", "Subjects": [], "crossProduct": 1e3, "grouping": 99999999999})",
-         {"/subjects", "/Subjects", "/crossProduct", "/grouping"}},
+         {"/subjects", "/crossProduct", "/grouping", "/Subjects"}},
         {R"({"operation": "fly", "selector": 1, "checkOptional": 0, "commandType": "Query"})",
          {"/operation", "/selector", "/checkOptional", "/commandType"}},
     };
     for (const auto& [text, places] : mistakes) {
         std::vector<std::string> found;
         try {
-            static_cast<void>(ReadQuestion(ParseJsonLine(text), {}));
+            static_cast<void>(ReadQuestion(ParseRequest(text), {}));
         } catch (const InputError& error) {
             for (const InputProblem& problem : error.GetProblems())
                 found.push_back(problem.place);

@@ -1,8 +1,7 @@
 #include "Engine/Model/Model.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
-#include "Toolkit/Import/SqlImport.h"
-#include "Toolkit/Import/SqliteImport.h"
+#include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Text/InputError.h"
 
 #include <gmock/gmock.h>

@@ -47,7 +47,7 @@ std::string Describe(const ToolModel& tool)
     return out.str();
 }
 
-/// Gives the worked model of the documentation.
+/// Returns the worked model of the documentation.
 std::string WorkedModel()
 {
     const std::string page = ReadInputFile(QEREFINER_SOURCE_DIR "/Documentation/model-format.md");
@@ -112,7 +112,7 @@ public:
     explicit RandomModel(unsigned seed) : mRandom(seed)
     {
         for (const std::int32_t classCode : {99, 100, 101, 102, 109, 110, 114, 136, 800001}) {
-            for (const std::int32_t number : ReservedNumbers)
+            for (const std::int32_t number : kReservedNumbers)
                 mBuilder.Reserve(amd_id(0, classCode, number));
         }
     }
@@ -136,8 +136,8 @@ public:
     }
 
 private:
-    /// Kept for objects that ask for them, among those that the builder gives.
-    static constexpr std::array<std::int32_t, 6> ReservedNumbers{-7, 2, 3, 5, 9, 40};
+    /// Kept for objects that ask for them, among those that the builder assigns.
+    static constexpr std::array<std::int32_t, 6> kReservedNumbers{-7, 2, 3, 5, 9, 40};
 
     std::size_t Below(std::size_t bound) { return mRandom() % bound; }
 
@@ -145,7 +145,7 @@ private:
     {
         model::ObjectOptions options;
         const amd_id id(static_cast<std::int32_t>(Below(2)), classCode,
-                        ReservedNumbers[Below(ReservedNumbers.size())]);
+                        kReservedNumbers[Below(kReservedNumbers.size())]);
         if (Below(2) == 0 && mIds.insert(id).second)
             options.id = id;
         options.displayName = Below(5) == 0 ? "shown" : "";
@@ -157,26 +157,26 @@ private:
     {
         const amd_id folder = mBuilder.AddFolder(space, "A", Options(IdClassFolder));
         for (const char* name : {"A", "a", "B", "A.B", "[x]", "\u00e9\n"}) {
-            const amd_id holder = Below(2) == 0 ? folder : space;
+            const amd_id parent = Below(2) == 0 ? folder : space;
             if (Below(3) == 0 && !mTargets.empty()) {
                 const amd_id target = mTargets[Below(mTargets.size())];
                 const auto kind = static_cast<std::int32_t>(Below(2));
                 const amd_id id =
-                    mBuilder.AddShortcut(holder, name, {target, kind}, Options(IdClassShortcut));
+                    mBuilder.AddShortcut(parent, name, {target, kind}, Options(IdClassShortcut));
                 if (target.classCode == IdClassQuerySubject)
                     mEnds.push_back(id);
                 mTargets.push_back(id);
             } else if (Below(3) != 0) {
-                AddSubject(holder, name);
+                AddSubject(parent, name);
             }
         }
         const amd_id filter = mBuilder.AddFilter(space, "B", "1 = 1", Options(IdClassFilter));
         mTargets.insert(mTargets.end(), {filter, folder});
     }
 
-    void AddSubject(const amd_id& holder, const char* name)
+    void AddSubject(const amd_id& parent, const char* name)
     {
-        const amd_id id = mBuilder.AddQuerySubject(holder, name, Options(IdClassQuerySubject));
+        const amd_id id = mBuilder.AddQuerySubject(parent, name, Options(IdClassQuerySubject));
         const amd_id item = mBuilder.AddItem(id, "A", Options(IdClassQueryItem));
         mEnds.push_back(id);
         mTargets.insert(mTargets.end(), {id, item});

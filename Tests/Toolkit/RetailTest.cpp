@@ -4,7 +4,7 @@
 #include "Toolkit/Answers/SqlAnswer.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Batch/QuestionReader.h"
-#include "Toolkit/Import/SqlImport.h"
+#include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Model/ModelFile.h"
 #include "Toolkit/Text/InputFile.h"
 
@@ -33,18 +33,18 @@ protected:
         RunSql(mDatabase, ReadInputFile(kFolder / "rows.sql"));
         std::ifstream requests(kFolder / "requests.jsonl");
         for (std::string line; std::getline(requests, line);) {
-            const Json request = ParseJsonLine(line);
-            mReports[request.at("id")] = ReadQuestion(request, {});
+            const RequestDocument request = ParseRequest(line);
+            mReports[request.json.at("id")] = ReadQuestion(request, {});
         }
     }
 
-    /// Gives the report's own statement, as a person wrote it.
+    /// Returns the report's own statement, as a person wrote it.
     static std::string StatementOf(const std::string& report)
     {
         return ReadInputFile(kFolder / "expected" / (report + ".sql"));
     }
 
-    /// Gives the report's statement with the joins that the refiner finds in the model.
+    /// Returns the report's statement with the joins that the refiner finds in the model.
     std::string RefinedStatement(const std::string& report) const
     {
         const Answer answer = Ask(mModel, mReports.at(report));

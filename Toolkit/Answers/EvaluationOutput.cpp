@@ -1,5 +1,7 @@
 #include "Toolkit/Answers/EvaluationOutput.h"
 
+#include "Toolkit/Text/DisplayText.h"
+
 #include <algorithm>
 #include <iomanip>
 #include <ostream>
@@ -65,10 +67,8 @@ void WriteRow(std::ostream& output, const Row& row)
 
 std::string PairsText(const std::vector<NamedPair>& pairs)
 {
-    std::string text;
-    for (const NamedPair& pair : pairs)
-        text += (text.empty() ? "" : ", ") + pair.first + " = " + pair.second;
-    return text.empty() ? "-" : text;
+    const auto toText = [](const NamedPair& pair) { return pair.first + " = " + pair.second; };
+    return pairs.empty() ? "-" : JoinTexts(pairs, toText);
 }
 
 void WriteDifference(std::ostream& output, const Difference& difference)

@@ -33,10 +33,8 @@ std::string FactsText(const Alternative& alternative)
 
 std::string PathText(const Answer& answer, const Alternative& alternative)
 {
-    std::string text;
-    for (const amd_id& join : alternative.joins)
-        text += (text.empty() ? "" : ", ") + JoinTitle(answer, join);
-    return text;
+    return JoinTexts(alternative.joins,
+                     [&answer](const amd_id& join) { return JoinTitle(answer, join); });
 }
 
 class TextAnswerWriter
@@ -170,10 +168,8 @@ void TextAnswerWriter::WriteRemarks()
 
 std::string TextAnswerWriter::Join(const Ids& subjects) const
 {
-    std::string text;
-    for (const amd_id& subject : subjects)
-        text += (text.empty() ? "" : ", ") + ToDisplayText(mAnswer.NameOf(subject));
-    return text;
+    return JoinTexts(
+        subjects, [this](const amd_id& subject) { return ToDisplayText(mAnswer.NameOf(subject)); });
 }
 
 } // namespace

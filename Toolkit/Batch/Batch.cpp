@@ -21,6 +21,7 @@ namespace qe::tool {
 
 namespace {
 
+using Json = nlohmann::ordered_json;
 using Clock = std::chrono::steady_clock;
 using EOutcome = WorkResult::EOutcome;
 
@@ -71,9 +72,9 @@ private:
             throw InputError(
                 {InputProblem{"", "the line is too long; the longest may have so many bytes: " +
                                       std::to_string(mOptions.longestLine)}});
-        const Json request = ParseJsonLine(line.text);
-        if (request.is_object() && request.contains("id"))
-            output["id"] = request["id"];
+        const RequestDocument request = ParseRequest(line.text);
+        if (request.json.is_object() && request.json.contains("id"))
+            output["id"] = request.json["id"];
         const Question question = ReadQuestion(request, mOptions.defaults);
         const tool::Answer answer = Ask(mModel, question);
         output.update(tool::ToJson(question, answer, mOptions.alternatives));

@@ -11,7 +11,7 @@ namespace qe::tool {
 /// One line of a file of requests.
 struct RequestLine
 {
-    /// Counted from 1, blank lines included.
+    /// Counted from 1, empty lines included.
     std::size_t number = 0;
     /// Without its end; empty when it is too long.
     std::string text{};
@@ -20,7 +20,8 @@ struct RequestLine
     std::uint64_t bytes = 0;
 };
 
-/// Reads lines without ever holding more than `longest` bytes of one. Blank lines are passed over.
+/// Reads lines without ever holding more than `longest` bytes of one. Lines of white space are
+/// passed over.
 class LineReader
 {
 public:

@@ -1,211 +1,127 @@
 #include "Toolkit/Batch/QuestionReader.h"
 
 #include "Toolkit/Answers/JsonAnswer.h"
-#include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/JsonObject.h"
+#include "Toolkit/Text/JsonText.h"
 
 #include <array>
-#include <functional>
-#include <map>
-#include <string>
-#include <utility>
-#include <vector>
+#include <cstdint>
+#include <optional>
 
 namespace qe::tool {
 
 namespace {
 
-using Names = std::vector<std::string>;
+using CommandType = AQE_RequestContext::ECommandType;
 
 constexpr std::array kOperations{
     EOperation::Path,        EOperation::BestPaths,        EOperation::JoinedSubjects,
     EOperation::PathBetween, EOperation::BestPathsBetween, EOperation::TreeJoins};
 
-/// Reads values into a question and gathers what is wrong with them.
-class Reader
+constexpr NumberRange kGovernorRange{.minimum = -1000000, .maximum = 1000000};
+
+const char* const kSubjects = "subjects";
+
+JsonWords<EOperation> OperationWords()
 {
-public:
-    explicit Reader(Question& question) : mQuestion(question) {}
-
-    void Read(const Json& request);
-    void RequireSubjects();
-    void ThrowProblems() const;
-
-private:
-    using Set = std::function<void(const Json& value)>;
-
-    [[nodiscard]] std::map<std::string, Set> MakeSetters();
-    [[nodiscard]] Set ToNames(Names& names);
-    [[nodiscard]] Set ToFlag(bool& flag);
-    [[nodiscard]] Set ToNumber(std::optional<std::int32_t>& number);
-    template <typename T>
-    [[nodiscard]] Set ToChoice(T& chosen, std::vector<std::pair<std::string, T>> choices);
-    void AddProblem(std::string text, Names nearest = {});
-
-    Question& mQuestion;
-    std::string mPlace;
-    std::vector<InputProblem> mProblems;
-};
-
-void Reader::Read(const Json& request)
-{
-    if (!request.is_object()) {
-        AddProblem("a request is an object");
-        return;
-    }
-    const std::map<std::string, Set> setters = MakeSetters();
-    for (const auto& [key, value] : request.items()) {
-        mPlace = "/" + key;
-        if (const auto setter = setters.find(key); setter != setters.end())
-            setter->second(value);
-        else
-            AddProblem("a request has no such key");
-    }
-}
-
-void Reader::RequireSubjects()
-{
-    mPlace = "/subjects";
-    if (mProblems.empty() && mQuestion.subjects.empty())
-        AddProblem("a request names subjects");
-}
-
-std::map<std::string, Reader::Set> Reader::MakeSetters()
-{
-    std::vector<std::pair<std::string, EOperation>> operations;
-    operations.reserve(kOperations.size());
+    JsonWords<EOperation> words;
     for (const EOperation operation : kOperations)
-        operations.emplace_back(ToText(operation), operation);
-    const Set ignore = [](const Json&) {};
-    Restriction& restriction = mQuestion.restriction;
-    SelectorChoice& selector = mQuestion.selector;
-    return {
-        {"operation", ToChoice(mQuestion.operation, operations)},
-        {"subjects", ToNames(mQuestion.subjects)},
-        {"secondSet", ToNames(mQuestion.secondSet)},
-        {"favouredJoins", ToNames(mQuestion.favouredJoins)},
-        {"requiredJoins", ToNames(mQuestion.requiredJoins)},
-        {"avoidedJoins", ToNames(mQuestion.avoidedJoins)},
-        {"favouredSubjects", ToNames(mQuestion.favouredSubjects)},
-        {"onlySubjects", ToNames(restriction.onlySubjects)},
-        {"withoutSubjects", ToNames(restriction.withoutSubjects)},
-        {"onlyJoins", ToNames(restriction.onlyJoins)},
-        {"withoutJoins", ToNames(restriction.withoutJoins)},
-        {"useFactTableCount", ToFlag(mQuestion.ranking.useFactTableCount)},
-        {"useStraightestPath", ToFlag(mQuestion.ranking.useStraightestPath)},
-        {"selector", ToChoice(selector.kind, {{"keys", ESelector::Keys},
-                                              {"first", ESelector::First},
-                                              {"main-object", ESelector::MainObject}})},
-        {"checkOptional", ToFlag(selector.checkOptional)},
-        {"subjectsAreCandidates", ToFlag(selector.subjectsAreCandidates)},
-        {"crossProduct", ToNumber(mQuestion.governors.crossProduct)},
-        {"grouping", ToNumber(mQuestion.governors.grouping)},
-        {"commandType",
-         ToChoice(mQuestion.commandType, {{"none", AQE_RequestContext::CommandTypeNone},
-                                          {"query", AQE_RequestContext::CommandTypeQuery},
-                                          {"validate", AQE_RequestContext::CommandTypeValidate},
-                                          {"describe", AQE_RequestContext::CommandTypeDescribe}})},
-        // What an evaluation reads beside the question.
-        {"id", ignore},
-        {"db", ignore},
-        {"given", ignore},
-        {"joins", ignore},
-        {"case", ignore},
-        {"ties", ignore},
-    };
+        words.emplace_back(ToText(operation), operation);
+    return words;
 }
 
-Reader::Set Reader::ToNames(Names& names)
+const JsonWords<ESelector>& SelectorWords()
 {
-    return [this, &names](const Json& value) {
-        const bool isList = value.is_array();
-        Names read;
-        for (const Json& name : isList ? value : Json::array()) {
-            if (name.is_string())
-                read.push_back(name.get<std::string>());
-        }
-        if (isList && read.size() == value.size())
-            names = std::move(read);
-        else
-            AddProblem("this is a list of names");
-    };
+    static const JsonWords<ESelector> words{{"keys", ESelector::Keys},
+                                            {"first", ESelector::First},
+                                            {"main-object", ESelector::MainObject}};
+    return words;
 }
 
-Reader::Set Reader::ToFlag(bool& flag)
+const JsonWords<CommandType>& CommandTypeWords()
 {
-    return [this, &flag](const Json& value) {
-        if (value.is_boolean())
-            flag = value.get<bool>();
-        else
-            AddProblem("this is true or false");
-    };
+    static const JsonWords<CommandType> words{
+        {"none", AQE_RequestContext::CommandTypeNone},
+        {"query", AQE_RequestContext::CommandTypeQuery},
+        {"validate", AQE_RequestContext::CommandTypeValidate},
+        {"describe", AQE_RequestContext::CommandTypeDescribe}};
+    return words;
 }
 
-Reader::Set Reader::ToNumber(std::optional<std::int32_t>& number)
+/// Replaces a value by what was read, if anything was.
+template <typename Value, typename Read>
+void Replace(Value& value, const std::optional<Read>& read)
 {
-    return [this, &number](const Json& value) {
-        constexpr int kMost = 1000000;
-        if (value.is_number_integer() && value >= -kMost && value <= kMost)
-            number = value.get<std::int32_t>();
-        else
-            AddProblem("this is a whole number between -1000000 and 1000000");
-    };
+    if (read)
+        value = *read;
 }
 
-template <typename T>
-Reader::Set Reader::ToChoice(T& chosen, std::vector<std::pair<std::string, T>> choices)
+void ReadLists(JsonObject& request, Question& question)
 {
-    return [this, &chosen, choices = std::move(choices)](const Json& value) {
-        Names names;
-        for (const auto& choice : choices) {
-            if (value == choice.first) {
-                chosen = choice.second;
-                return;
-            }
-            names.push_back(choice.first);
-        }
-        AddProblem("there is no such choice", std::move(names));
-    };
+    Replace(question.subjects, request.GetTexts(kSubjects));
+    Replace(question.secondSet, request.GetTexts("secondSet"));
+    Replace(question.favouredJoins, request.GetTexts("favouredJoins"));
+    Replace(question.requiredJoins, request.GetTexts("requiredJoins"));
+    Replace(question.avoidedJoins, request.GetTexts("avoidedJoins"));
+    Replace(question.favouredSubjects, request.GetTexts("favouredSubjects"));
+    Restriction& restriction = question.restriction;
+    Replace(restriction.onlySubjects, request.GetTexts("onlySubjects"));
+    Replace(restriction.withoutSubjects, request.GetTexts("withoutSubjects"));
+    Replace(restriction.onlyJoins, request.GetTexts("onlyJoins"));
+    Replace(restriction.withoutJoins, request.GetTexts("withoutJoins"));
 }
 
-void Reader::AddProblem(std::string text, Names nearest)
+void ReadChoices(JsonObject& request, Question& question)
 {
-    mProblems.push_back({mPlace, std::move(text), std::move(nearest)});
+    Replace(question.ranking.useFactTableCount, request.GetBoolean("useFactTableCount"));
+    Replace(question.ranking.useStraightestPath, request.GetBoolean("useStraightestPath"));
+    SelectorChoice& selector = question.selector;
+    Replace(selector.kind, request.GetChoice("selector", SelectorWords()));
+    Replace(selector.checkOptional, request.GetBoolean("checkOptional"));
+    Replace(selector.subjectsAreCandidates, request.GetBoolean("subjectsAreCandidates"));
+    Replace(question.governors.crossProduct, request.GetNumber("crossProduct", kGovernorRange));
+    Replace(question.governors.grouping, request.GetNumber("grouping", kGovernorRange));
+    Replace(question.commandType, request.GetChoice("commandType", CommandTypeWords()));
 }
 
-void Reader::ThrowProblems() const
+Question ReadAll(const nlohmann::json& json, const Question& defaults, JsonProblems& problems)
 {
-    if (!mProblems.empty())
-        throw InputError(mProblems);
+    Question question = defaults;
+    JsonObject request({&json, ""}, problems);
+    Replace(question.operation, request.GetChoice("operation", OperationWords()));
+    ReadLists(request, question);
+    ReadChoices(request, question);
+    // What an evaluation reads beside the question.
+    request.Ignore({"id", "db", "given", "joins", "case", "ties"});
+    request.RejectUnknownKeys();
+    return question;
 }
 
 } // namespace
 
-Question ReadQuestion(const Json& request, const Question& defaults)
+RequestDocument ParseRequest(std::string_view text)
 {
-    Question question = defaults;
-    Reader reader(question);
-    reader.Read(request);
-    reader.RequireSubjects();
-    reader.ThrowProblems();
+    RequestDocument request;
+    request.json = ParseJson(text, request.problems);
+    return request;
+}
+
+Question ReadQuestion(const RequestDocument& request, const Question& defaults)
+{
+    JsonProblems problems = request.problems;
+    Question question = ReadAll(request.json, defaults, problems);
+    if (problems.IsEmpty() && question.subjects.empty())
+        problems.Add(ChildPointer("", kSubjects), "must name at least one subject");
+    problems.ThrowIfAny();
     return question;
 }
 
-Question ReadDefaults(const std::string& text)
+Question ReadDefaults(std::string_view text)
 {
-    Question question;
-    Reader reader(question);
-    reader.Read(ParseJsonLine(text));
-    reader.ThrowProblems();
+    RequestDocument request = ParseRequest(text);
+    Question question = ReadAll(request.json, {}, request.problems);
+    request.problems.ThrowIfAny();
     return question;
-}
-
-Json ParseJsonLine(std::string_view text)
-{
-    try {
-        return Json::parse(text);
-    } catch (const nlohmann::json::parse_error& error) {
-        throw InputError({InputProblem{"column " + std::to_string(error.byte), "this is no JSON"}});
-    }
 }
 
 } // namespace qe::tool

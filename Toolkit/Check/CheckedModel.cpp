@@ -5,9 +5,11 @@
 #include "AQE_RequestContext.h"
 #include "Engine/Model/Model.h"
 #include "Toolkit/Model/ToolModel.h"
+#include "Toolkit/Text/DisplayText.h"
 
 #include <algorithm>
 #include <memory>
+#include <span>
 
 namespace qe::tool {
 
@@ -114,12 +116,9 @@ bool IsMany(const BMT_I_Association::CardinalityRange& range)
 std::string ListNames(const CheckedModel& model, const std::vector<std::size_t>& subjects,
                       std::size_t limit)
 {
-    std::string text;
-    for (std::size_t i = 0; i < std::min(limit, subjects.size()); ++i) {
-        if (i > 0)
-            text += ", ";
-        text += model.NameOf(subjects[i]);
-    }
+    const auto nameOf = [&model](std::size_t subject) { return model.NameOf(subject); };
+    std::string text =
+        JoinTexts(std::span(subjects).first(std::min(limit, subjects.size())), nameOf);
     if (subjects.size() > limit)
         text += " and " + std::to_string(subjects.size() - limit) + " more";
     return text;

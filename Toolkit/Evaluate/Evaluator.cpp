@@ -7,9 +7,9 @@
 #include "Toolkit/Batch/QuestionReader.h"
 #include "Toolkit/Evaluate/ModelSource.h"
 #include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/JsonObject.h"
 
 #include <algorithm>
-#include <iterator>
 #include <optional>
 
 namespace qe::tool {
@@ -28,7 +28,8 @@ struct WrittenRequest
     std::vector<NamedPair> joins{};
 };
 
-std::string ReadText(const Json& request, const char* key)
+/// Returns what a key holds, whatever it is, as a text; empty when there is no such key.
+std::string TextOf(const nlohmann::json& request, const char* key)
 {
     const auto found = request.find(key);
     if (found == request.end())
@@ -36,38 +37,41 @@ std::string ReadText(const Json& request, const char* key)
     return found->is_string() ? found->get<std::string>() : found->dump();
 }
 
-NamedPair ReadPair(const Json& pair)
+NamedPair ReadPair(const PlacedJson& json, JsonProblems& problems)
 {
-    if (!pair.is_array() || pair.size() != 2 || !pair[0].is_string() || !pair[1].is_string())
-        throw InputError({InputProblem{"/joins", "a join is a list of two columns"}});
-    NamedPair columns{ascii::ToLower(pair[0].get<std::string>()),
-                      ascii::ToLower(pair[1].get<std::string>())};
-    if (columns.second < columns.first)
-        std::swap(columns.first, columns.second);
-    return columns;
+    std::vector<std::string> columns;
+    for (const PlacedJson& element : ReadList(json, problems))
+        columns.push_back(ascii::ToLower(ReadText(element, problems).value_or("")));
+    if (columns.size() != 2) {
+        problems.Add(json.pointer, "must be a list of two columns");
+        return {};
+    }
+    return {std::min(columns[0], columns[1]), std::max(columns[0], columns[1])};
 }
 
 /// Reads what can be read without fail.
-WrittenRequest ReadWritten(const Json& request)
+WrittenRequest ReadWritten(const nlohmann::json& request)
 {
     WrittenRequest written;
     if (request.is_object()) {
-        written.id = ReadText(request, "id");
-        written.database = ReadText(request, "db");
-        written.given = ReadText(request, "given");
-        written.caseName = ReadText(request, "case");
+        written.id = TextOf(request, "id");
+        written.database = TextOf(request, "db");
+        written.given = TextOf(request, "given");
+        written.caseName = TextOf(request, "case");
     }
     return written;
 }
 
-std::vector<NamedPair> ReadJoins(const Json& request)
+std::vector<NamedPair> ReadJoins(const nlohmann::json& request)
 {
-    const auto joins = request.find("joins");
-    if (joins == request.end() || !joins->is_array() || joins->empty())
-        throw InputError(
-            {InputProblem{"/joins", "an evaluation needs the joins that a person wrote"}});
+    JsonProblems problems;
+    JsonObject object({&request, ""}, problems);
     std::vector<NamedPair> pairs;
-    std::transform(joins->begin(), joins->end(), std::back_inserter(pairs), ReadPair);
+    for (const PlacedJson& join : object.GetList("joins"))
+        pairs.push_back(ReadPair(join, problems));
+    if (problems.IsEmpty() && pairs.empty())
+        problems.Add("/joins", "an evaluation needs the joins that a person wrote");
+    problems.ThrowIfAny();
     return pairs;
 }
 
@@ -136,10 +140,10 @@ public:
         try {
             if (line.isTooLong)
                 throw InputError({InputProblem{"", "the line is too long"}});
-            const Json request = ParseJsonLine(line.text);
-            written = ReadWritten(request);
+            const RequestDocument request = ParseRequest(line.text);
+            written = ReadWritten(request.json);
             question = ReadQuestion(request, mDefaults);
-            written.joins = ReadJoins(request);
+            written.joins = ReadJoins(request.json);
             Ask(written, question, difference);
         } catch (const InputError& error) {
             difference.reason = error.what();

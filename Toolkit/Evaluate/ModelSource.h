@@ -21,7 +21,7 @@ struct EvaluatedModel
     std::vector<NamedPair> pairs{};
 };
 
-/// Gives the pairs of columns of a join condition between two ends; shortcuts go by the name of
+/// Returns the pairs of columns of a join condition between two ends; shortcuts go by the name of
 /// what they stand for.
 [[nodiscard]] std::vector<NamedPair> FindNamedPairs(const model::Model& model, const amd_id& left,
                                                     const amd_id& right,

@@ -12,40 +12,40 @@ struct SchemaColumn
     bool isNotNull = false;
 };
 
-/// A foreign key: the columns that refer, and the table and columns that they refer to, as far as
-/// these exist.
+/// A foreign key: the columns that refer, and the table and columns that they refer to.
 struct SchemaForeignKey
 {
-    std::string table;
-    std::vector<std::string> from;
-    std::vector<std::string> to;
+    std::string table{};
+    std::vector<std::string> from{};
+    /// Empty for the first key of the table.
+    std::vector<std::string> to{};
 };
 
 /// A table or view.
 struct SchemaTable
 {
-    std::string name;
-    std::vector<SchemaColumn> columns;
-    /// The sets of columns that tell the rows apart, the primary key first.
-    std::vector<std::vector<std::string>> keys;
+    std::string name{};
+    std::vector<SchemaColumn> columns{};
+    /// The sets of columns that identify a row, the primary key first.
+    std::vector<std::vector<std::string>> keys{};
     /// In the order in which they are declared.
-    std::vector<SchemaForeignKey> foreignKeys;
+    std::vector<SchemaForeignKey> foreignKeys{};
 };
 
-/// What a database declares of itself.
+/// What a database declares, whatever it is written in: each format has a reader that fills it.
 struct DatabaseSchema
 {
+    /// Empty when the database has none.
+    std::string name{};
     /// In the order of their names.
-    std::vector<SchemaTable> tables;
+    std::vector<SchemaTable> tables{};
     /// What had to be left out, one sentence each.
-    std::vector<std::string> notes;
+    std::vector<std::string> notes{};
 };
 
-class SqliteDatabase;
-
-/// Reads the tables and views of a database. Keys that name what does not exist, and views that
-/// do not work, are left out and noted. Raises a SqliteError when the database cannot be read.
-[[nodiscard]] DatabaseSchema ReadSchema(const SqliteDatabase& database);
+/// Lets every foreign key name its columns, and spells names as the tables do; the case of A to Z
+/// does not count. Keys that name what does not exist, or repeat another, are left out and noted.
+void ResolveForeignKeys(DatabaseSchema& schema);
 
 } // namespace qe::tool
 

@@ -1,10 +1,14 @@
 #include "Toolkit/Import/OpenModel.h"
 
-#include "Toolkit/Import/SqlImport.h"
+#include "Toolkit/Import/SqlScript.h"
+#include "Toolkit/Import/SqliteSchema.h"
 #include "Toolkit/Model/ModelFile.h"
 #include "Toolkit/Text/InputError.h"
 #include "Toolkit/Text/InputFile.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -15,39 +19,81 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr std::size_t LookedAt = 4096;
-constexpr std::string_view SqliteStart = "SQLite format 3\0"sv;
-constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
+/// How many bytes of a file its format is recognised by.
+constexpr std::size_t kStartSize = 4096;
+constexpr std::string_view kSqliteStart = "SQLite format 3\0"sv;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-/// Gives the first character that is no blank, or a zero character.
-char FirstCharacter(std::string_view text)
+/// A format that models are read from.
+struct ModelFormat
 {
-    if (text.substr(0, ByteOrderMark.size()) == ByteOrderMark)
-        text.remove_prefix(ByteOrderMark.size());
-    const std::size_t first = text.find_first_not_of(" \t\r\n\v\f");
-    return first == std::string_view::npos ? '\0' : text[first];
+    /// Returns whether a file that starts so is of the format.
+    bool (*matches)(std::string_view start);
+    ToolModel (*open)(const std::filesystem::path& path, const ImportOptions& options);
+};
+
+bool IsSqlite(std::string_view start)
+{
+    return start.substr(0, kSqliteStart.size()) == kSqliteStart;
 }
+
+bool IsModelFile(std::string_view start)
+{
+    if (start.substr(0, kByteOrderMark.size()) == kByteOrderMark)
+        start.remove_prefix(kByteOrderMark.size());
+    const std::size_t first = start.find_first_not_of(" \t\r\n\v\f");
+    return first != std::string_view::npos && (start[first] == '{' || start[first] == '[');
+}
+
+/// SQL is what holds anything but zero bytes.
+bool IsSql(std::string_view start)
+{
+    return start.find('\0') == std::string_view::npos;
+}
+
+ToolModel OpenModelFile(const std::filesystem::path& path, const ImportOptions&)
+{
+    return ReadModelFile(path);
+}
+
+ToolModel OpenSql(const std::filesystem::path& path, const ImportOptions& options)
+{
+    return ImportSql({path}, options);
+}
+
+/// The first that matches is taken.
+constexpr std::array kFormats{ModelFormat{.matches = IsSqlite, .open = ImportSqlite},
+                              ModelFormat{.matches = IsModelFile, .open = OpenModelFile},
+                              ModelFormat{.matches = IsSql, .open = OpenSql}};
 
 } // namespace
 
-ToolModel OpenModel(const std::filesystem::path& path, const OpenOptions& options)
+ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& options)
 {
     std::error_code error;
     if (std::filesystem::exists(path, error) && std::filesystem::is_other(path, error))
         return ReadModelFile(path);
 
-    const std::string start = ReadInputStart(path, LookedAt);
-    if (std::string_view(start).substr(0, SqliteStart.size()) == SqliteStart)
-        return ImportSqlite(path, {options.roles});
-    const char first = FirstCharacter(start);
-    if (first == '{' || first == '[')
-        return ReadModelFile(path);
+    const std::string start = ReadInputStart(path, kStartSize);
     if (start.empty())
         throw InputError({{path.string(), "is empty"}});
-    if (start.find('\0') != std::string::npos)
+    const auto format =
+        std::find_if(kFormats.begin(), kFormats.end(),
+                     [&start](const ModelFormat& known) { return known.matches(start); });
+    if (format == kFormats.end())
         throw InputError(
             {{path.string(), "is neither a model file nor an SQLite database nor SQL"}});
-    return ImportSql({path}, {options.roles});
+    return format->open(path, options);
+}
+
+ToolModel ImportSqlite(const std::filesystem::path& path, const ImportOptions& options)
+{
+    return MakeModel(ReadSqliteFile(path), options);
+}
+
+ToolModel ImportSql(const std::vector<std::filesystem::path>& paths, const ImportOptions& options)
+{
+    return MakeModel(ReadSqlScripts(paths), options);
 }
 
 } // namespace qe::tool

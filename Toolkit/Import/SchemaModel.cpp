@@ -3,11 +3,16 @@
 #include "Engine/Model/Model.h"
 #include "Engine/Model/ModelBuilder.h"
 #include "Engine/Model/QualifiedName.h"
+#include "Toolkit/Text/DisplayText.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <map>
 #include <set>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace qe::tool {
 
@@ -15,25 +20,6 @@ namespace {
 
 using Names = std::vector<std::string>;
 using TablePair = std::pair<std::string, std::string>;
-
-std::string Bracket(const std::string& name)
-{
-    std::string text = "[";
-    for (const char letter : name) {
-        text += letter;
-        if (letter == ']')
-            text += ']';
-    }
-    return text + "]";
-}
-
-std::string JoinNames(const Names& names)
-{
-    std::string text;
-    for (const std::string& name : names)
-        text += (text.empty() ? "" : ", ") + name;
-    return text;
-}
 
 bool IsSubsetOf(const Names& key, const Names& columns)
 {
@@ -45,9 +31,9 @@ bool IsSubsetOf(const Names& key, const Names& columns)
 class ModelMaker
 {
 public:
-    ModelMaker(const DatabaseSchema& schema, const std::string& name, const ImportOptions& options)
+    ModelMaker(const DatabaseSchema& schema, const ImportOptions& options)
         : mSchema(schema),
-          mSpaceName(name.empty() ? "database" : name),
+          mSpaceName(schema.name.empty() ? "database" : schema.name),
           mOptions(options),
           mSpace(mBuilder.AddNamespace(mSpaceName))
     {}
@@ -84,7 +70,7 @@ private:
     {
         const bool isParallel = mKeyCounts[{table.name, key.table}] > 1;
         const std::string ends = table.name + "-" + key.table;
-        const std::string name = isParallel ? ends + " (" + JoinNames(key.from) + ")" : ends;
+        const std::string name = isParallel ? ends + " (" + JoinTexts(key.from) + ")" : ends;
         const amd_id parent = mSubjects[key.table];
         const amd_id relationship = mBuilder.AddRelationship(
             mSpace, name, {mSubjects[table.name], ReferringCardinality(table, key)},
@@ -101,15 +87,16 @@ private:
                  const amd_id& relationship)
     {
         constexpr std::int32_t kRoleKind = 1;
-        std::string role = key.table + " (" + JoinNames(key.from) + ")";
+        std::string role = key.table + " (" + JoinTexts(key.from) + ")";
         if (mSubjectNames.count(role) != 0)
-            role = key.table + " (" + table.name + ": " + JoinNames(key.from) + ")";
+            role = key.table + " (" + table.name + ": " + JoinTexts(key.from) + ")";
         while (!mSubjectNames.insert(role).second)
             role += "'";
         const amd_id shortcut =
             mBuilder.AddShortcut(mSpace, role, {mSubjects[key.table], kRoleKind});
-        mBuilder.AddRelationshipShortcut(mSpace, name,
-                                         {relationship, mSubjects[table.name], shortcut});
+        mBuilder.AddRelationshipShortcut(
+            mSpace, name,
+            {.relationship = relationship, .left = mSubjects[table.name], .right = shortcut});
     }
 
     static model::CardinalityRange ReferringCardinality(const SchemaTable& table,
@@ -132,7 +119,7 @@ private:
     [[nodiscard]] std::string Condition(const SchemaTable& table, const SchemaForeignKey& key) const
     {
         const auto item = [&](const std::string& subject, const std::string& column) {
-            return Bracket(mSpaceName) + "." + Bracket(subject) + "." + Bracket(column);
+            return model::ToReferenceText({mSpaceName, subject, column});
         };
         std::string condition;
         for (std::size_t i = 0; i < key.from.size(); ++i)
@@ -153,10 +140,10 @@ private:
 
 } // namespace
 
-ToolModel MakeModel(const DatabaseSchema& schema, const std::string& name,
-                    const ImportOptions& options)
+ToolModel MakeModel(DatabaseSchema schema, const ImportOptions& options)
 {
-    return ModelMaker(schema, name, options).Make();
+    ResolveForeignKeys(schema);
+    return ModelMaker(schema, options).Make();
 }
 
 } // namespace qe::tool

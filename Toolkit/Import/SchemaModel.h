@@ -2,21 +2,33 @@
 #define TOOLKIT_IMPORT_SCHEMAMODEL_H
 
 #include "Toolkit/Import/DatabaseSchema.h"
-#include "Toolkit/Import/SqliteImport.h"
 #include "Toolkit/Model/ToolModel.h"
-
-#include <string>
 
 namespace qe::tool {
 
-/// Makes a model of a database: a namespace of the given name with a query subject for each table
-/// and view and a relationship for each foreign key, whose left end is the table that refers.
+/// What becomes of a table that another one refers to by several foreign keys.
+enum class ERoles
+{
+    /// The keys become parallel relationships.
+    Plain,
+    /// Each key gets a shortcut to the table as well, called "table (columns)", with a
+    /// relationship shortcut to it.
+    Shortcuts,
+};
+
+struct ImportOptions
+{
+    ERoles roles = ERoles::Plain;
+};
+
+/// Returns the model of a database, whatever its schema was read from: a namespace called after the
+/// database, with a query subject for each table and view and a relationship for each foreign key,
+/// whose left end is the table that refers.
 ///
 /// The end that refers is to-one when the columns of the key hold a unique key, otherwise to-many,
 /// and always optional; the other end is optional when a column of the key may be null. Several
 /// keys between two tables are told apart by their columns.
-[[nodiscard]] ToolModel MakeModel(const DatabaseSchema& schema, const std::string& name,
-                                  const ImportOptions& options);
+[[nodiscard]] ToolModel MakeModel(DatabaseSchema schema, const ImportOptions& options);
 
 } // namespace qe::tool
 

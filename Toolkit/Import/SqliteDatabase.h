@@ -14,7 +14,7 @@ struct sqlite3_stmt;
 
 namespace qe::tool {
 
-/// What SQLite says about a statement or file.
+/// What SQLite reports of a statement or file.
 class SqliteError : public std::runtime_error
 {
 public:
@@ -39,14 +39,14 @@ using Statement = std::unique_ptr<sqlite3_stmt, StatementFinalizer>;
 class SqliteDatabase
 {
 public:
-    /// Opens a file, only to read it. Raises a SqliteError when that cannot be done.
+    /// Opens a file, only to read it. Throws a SqliteError when that cannot be done.
     [[nodiscard]] static SqliteDatabase OpenFile(const std::filesystem::path& path);
-    /// Makes an empty database in memory.
+    /// Returns an empty database in memory.
     [[nodiscard]] static SqliteDatabase OpenMemory();
 
-    /// Runs the first statement that stands in `script` from `offset` on, and gives the offset
-    /// behind it; the end of the script when there was none. Raises a SqliteError when the
-    /// statement is wrong.
+    /// Runs the first statement that stands in `script` from `offset` on. Returns the offset behind
+    /// it; the end of the script when there was none. Throws a SqliteError when the statement is
+    /// wrong.
     std::size_t ExecuteFirst(const std::string& script, std::size_t offset);
 
     [[nodiscard]] sqlite3* GetHandle() const { return mHandle.get(); }
@@ -63,18 +63,18 @@ private:
     std::unique_ptr<std::int64_t> mSteps;
 };
 
-/// The rows that a statement gives, one after the other.
+/// The rows of a statement's result, one after the other.
 class SqliteQuery
 {
 public:
-    /// Raises a SqliteError when the statement is wrong.
+    /// Throws a SqliteError when the statement is wrong.
     SqliteQuery(const SqliteDatabase& database, std::string_view statement);
 
-    /// Gives the n-th parameter, counted from 1, a text.
+    /// Sets the n-th parameter, counted from 1, to a text.
     SqliteQuery& Bind(int parameter, std::string_view text);
     /// Goes on to the next row; false when there is none.
     [[nodiscard]] bool Next();
-    /// Gives a column of the row, counted from 0; the empty text for null.
+    /// Returns a column of the row, counted from 0; the empty text for null.
     [[nodiscard]] std::string GetText(int column) const;
     [[nodiscard]] std::int64_t GetNumber(int column) const;
     [[nodiscard]] bool IsNull(int column) const;

@@ -1,7 +1,8 @@
 #include "Toolkit/Model/ConditionCheck.h"
 
 #include "Engine/Model/NearestNames.h"
-#include "Toolkit/Model/ModelKeys.h"
+#include "Engine/Model/QualifiedName.h"
+#include "Toolkit/Model/ModelWords.h"
 
 #include <algorithm>
 
@@ -14,18 +15,6 @@ namespace {
 
 /// Suggestions read all names around the wrong one.
 constexpr std::size_t kMaximumSuggestions = 100;
-
-std::string InBrackets(const QualifiedName& names)
-{
-    std::string text;
-    for (const std::string& name : names) {
-        text += text.empty() ? "[" : ".[";
-        for (const char letter : name)
-            text += letter == ']' ? "]]" : std::string(1, letter);
-        text += ']';
-    }
-    return text;
-}
 
 QualifiedName ToNames(const std::vector<I18NString>& texts)
 {
@@ -40,7 +29,7 @@ std::string ToPlace(const TextPosition& position)
     return std::to_string(position.line) + ':' + std::to_string(position.column);
 }
 
-/// Gives the names with the one at `index` replaced by those near to it.
+/// Returns the names with the one at `index` replaced by those near to it.
 std::vector<std::string> ReplaceOne(const QualifiedName& names, std::size_t index,
                                     const std::vector<std::string_view>& candidates)
 {
@@ -48,7 +37,7 @@ std::vector<std::string> ReplaceOne(const QualifiedName& names, std::size_t inde
     for (const std::string& near : model::NearestNames(names[index], candidates)) {
         QualifiedName changed = names;
         changed[index] = near;
-        replaced.push_back(InBrackets(changed));
+        replaced.push_back(model::ToReferenceText(changed));
     }
     return replaced;
 }
@@ -56,7 +45,7 @@ std::vector<std::string> ReplaceOne(const QualifiedName& names, std::size_t inde
 } // namespace
 
 ConditionCheck::ConditionCheck(std::shared_ptr<const model::Model> model,
-                               const std::set<std::string>& doubtfulNames, FileProblems& problems)
+                               const std::set<std::string>& doubtfulNames, JsonProblems& problems)
     : mModel(std::move(model)),
       mDoubtfulNames(&doubtfulNames),
       mProblems(&problems),
@@ -67,7 +56,7 @@ void ConditionCheck::Check(const ContentObject& object)
 {
     if (object.condition.empty())
         return;
-    const std::string pointer = ChildPointer(object.pointer, keys::Condition);
+    const std::string pointer = ChildPointer(object.pointer, keys::kCondition);
     const expression::ParseReport report = expression::FindReferences(object.condition);
     if (report.error)
         mProblems->Add(pointer, "cannot be read at " + ToPlace(report.error->position) +
@@ -85,8 +74,8 @@ void ConditionCheck::CheckReference(const expression::NamedReference& reference,
     if (IsDoubtful(reference.names) || mGateway->ResolveReference(reference.names))
         return;
     mProblems->Add(pointer,
-                   "names at " + ToPlace(reference.position) +
-                       " what is not in the model: " + InBrackets(ToNames(reference.names)),
+                   "names at " + ToPlace(reference.position) + " what is not in the model: " +
+                       model::ToReferenceText(ToNames(reference.names)),
                    mSuggestions++ < kMaximumSuggestions ? Suggest(reference.names)
                                                         : std::vector<std::string>());
 }
@@ -102,7 +91,7 @@ std::vector<std::string> ConditionCheck::Suggest(const Names& names) const
 {
     const QualifiedName wrong = ToNames(names);
     if (wrong.size() != 3 && wrong.size() != 2)
-        return SuggestHolders(wrong);
+        return SuggestParents(wrong);
     // Outside all namespaces the first of two names is the subject's.
     const std::size_t subjectIndex = wrong.size() - 2;
     const amd_id space = wrong.size() == 3 ? FindNamespace(wrong[0]) : amd_id();
@@ -112,7 +101,7 @@ std::vector<std::string> ConditionCheck::Suggest(const Names& names) const
     const amd_id subject = mModel->FindExact(ENameKind::Subject, space, wrong[subjectIndex]);
     if (subject != amd_id())
         return ReplaceOne(wrong, subjectIndex + 1, NamesOf(mModel->GetItems(subject)));
-    std::vector<std::string> complete = SuggestHolders(wrong);
+    std::vector<std::string> complete = SuggestParents(wrong);
     if (!complete.empty())
         return complete;
     std::vector<amd_id> beside;
@@ -123,7 +112,7 @@ std::vector<std::string> ConditionCheck::Suggest(const Names& names) const
     return ReplaceOne(wrong, subjectIndex, NamesOf(beside));
 }
 
-std::vector<std::string> ConditionCheck::SuggestHolders(const QualifiedName& names) const
+std::vector<std::string> ConditionCheck::SuggestParents(const QualifiedName& names) const
 {
     std::vector<std::string> complete;
     const QualifiedName subject(names.begin(), names.size() < 2 ? names.end() : names.end() - 1);
@@ -131,7 +120,7 @@ std::vector<std::string> ConditionCheck::SuggestHolders(const QualifiedName& nam
         QualifiedName name = mModel->GetQualifiedName(id);
         if (names.size() > 1)
             name.push_back(names.back());
-        complete.push_back(InBrackets(name));
+        complete.push_back(model::ToReferenceText(name));
     }
     return complete;
 }

@@ -5,7 +5,7 @@
 #include "Engine/Model/Model.h"
 #include "Engine/Model/ModelGateway.h"
 #include "Toolkit/Model/ModelContent.h"
-#include "Toolkit/Text/FileProblems.h"
+#include "Toolkit/Text/JsonProblems.h"
 
 #include <cstddef>
 #include <memory>
@@ -23,9 +23,9 @@ public:
     /// Without a model (null) names are not checked, nor are references in which one of the
     /// doubtful names stands.
     ConditionCheck(std::shared_ptr<const model::Model> model,
-                   const std::set<std::string>& doubtfulNames, FileProblems& problems);
+                   const std::set<std::string>& doubtfulNames, JsonProblems& problems);
 
-    /// Tells what is wrong with the object's condition, if it has one.
+    /// Reports what is wrong with the object's condition, if it has one.
     void Check(const ContentObject& object);
 
 private:
@@ -33,15 +33,16 @@ private:
 
     void CheckReference(const expression::NamedReference& reference, const std::string& pointer);
     [[nodiscard]] bool IsDoubtful(const Names& names) const;
-    /// Gives what the names were probably meant to be, as expressions write it.
+    /// Returns what the names were probably meant to be, as expressions write it.
     [[nodiscard]] std::vector<std::string> Suggest(const Names& names) const;
-    [[nodiscard]] std::vector<std::string> SuggestHolders(const model::QualifiedName& names) const;
+    /// Returns the names completed by those of the parents that such subjects have.
+    [[nodiscard]] std::vector<std::string> SuggestParents(const model::QualifiedName& names) const;
     [[nodiscard]] amd_id FindNamespace(const std::string& name) const;
     [[nodiscard]] std::vector<std::string_view> NamesOf(std::span<const amd_id> ids) const;
 
     std::shared_ptr<const model::Model> mModel;
     const std::set<std::string>* mDoubtfulNames;
-    FileProblems* mProblems;
+    JsonProblems* mProblems;
     /// Null without a model.
     std::unique_ptr<model::ModelGateway> mGateway;
     std::size_t mSuggestions = 0;

@@ -1,7 +1,6 @@
 #include "Toolkit/Model/ContentReader.h"
 
-#include "Engine/Model/NearestNames.h"
-#include "Toolkit/Model/ModelKeys.h"
+#include "Toolkit/Model/ContentValues.h"
 #include "Toolkit/Model/ModelWords.h"
 
 #include <nlohmann/json.hpp>
@@ -12,35 +11,32 @@ namespace qe::tool {
 
 namespace {
 
-constexpr std::int32_t FormatVersion = 1;
+constexpr std::int32_t kFormatVersion = 1;
 
 } // namespace
 
 ModelContent ContentReader::Read(const nlohmann::json& document)
 {
     JsonObject top({&document, ""}, *mProblems);
-    static_cast<void>(top.GetText(keys::Schema));
+    static_cast<void>(top.GetText(keys::kSchema));
     ReadVersion(top);
-    const std::string locale = top.GetText(keys::Locale);
+    const std::string locale = top.GetText(keys::kLocale);
     if (!locale.empty())
         mContent.locale = locale;
-    for (const PlacedJson& element : top.GetList(keys::UserClasses)) {
-        if (const auto name = ReadText(element, *mProblems))
-            mContent.userClasses.push_back(*name);
-    }
-    ReadGovernors(top.Find(keys::Governors));
-    ReadHeld(top, ContentObject::NoHolder);
-    ReadQuery(top.Find(keys::Query));
-    top.RefuseOtherKeys();
+    mContent.userClasses = top.GetTexts(keys::kUserClasses).value_or(std::vector<std::string>());
+    ReadGovernors(top.Find(keys::kGovernors));
+    ReadChildren(top, ContentObject::kNoParent);
+    ReadQuery(top.Find(keys::kQuery));
+    top.RejectUnknownKeys();
     return std::move(mContent);
 }
 
 void ContentReader::ReadVersion(JsonObject& top)
 {
-    const auto version = top.GetNumber(keys::Version);
-    if (version && *version != FormatVersion)
-        mProblems->Add(ChildPointer(top.GetPointer(), keys::Version),
-                       "must be " + std::to_string(FormatVersion) + ": " +
+    const auto version = top.GetNumber(keys::kVersion);
+    if (version && *version != kFormatVersion)
+        mProblems->Add(ChildPointer(top.GetPointer(), keys::kVersion),
+                       "must be " + std::to_string(kFormatVersion) + ": " +
                            std::to_string(*version));
 }
 
@@ -49,29 +45,22 @@ void ContentReader::ReadGovernors(const PlacedJson& json)
     if (json.value == nullptr)
         return;
     JsonObject governors(json, *mProblems);
-    ReadGovernor(governors.Find(keys::CrossProductAllowed), CrossProductWords(),
+    ReadGovernor(governors.Find(keys::kCrossProductAllowed), CrossProductWords(),
                  mContent.governors.crossProductAllowed);
-    ReadGovernor(governors.Find(keys::ShortcutGrouping), ShortcutGroupingWords(),
+    ReadGovernor(governors.Find(keys::kShortcutGrouping), ShortcutGroupingWords(),
                  mContent.governors.shortcutGrouping);
-    governors.RefuseOtherKeys();
+    governors.RejectUnknownKeys();
 }
 
-void ContentReader::ReadGovernor(const PlacedJson& json, const std::vector<std::string_view>& words,
+void ContentReader::ReadGovernor(const PlacedJson& json, const GovernorWords& words,
                                  std::int32_t& value)
 {
     if (json.value == nullptr)
         return;
-    if (json.value->is_number()) {
+    if (json.value->is_number())
         value = ReadNumber(json, *mProblems).value_or(value);
-        return;
-    }
-    if (const auto word = ReadText(json, *mProblems)) {
-        if (const auto meaning = ParseGovernor(words, *word))
-            value = *meaning;
-        else
-            mProblems->Add(json.pointer, "is no value of this governor: \"" + *word + '"',
-                           {words.begin(), words.end()});
-    }
+    else if (const auto position = ReadWord(json, words, *mProblems))
+        value = static_cast<std::int32_t>(*position);
 }
 
 void ContentReader::ReadQuery(const PlacedJson& json)
@@ -79,239 +68,146 @@ void ContentReader::ReadQuery(const PlacedJson& json)
     if (json.value == nullptr)
         return;
     JsonObject query(json, *mProblems);
-    for (const PlacedJson& join : query.GetList(keys::Joins))
-        ReadJoin(join, IdClassSpecJoin, ContentObject::NoHolder);
-    for (const PlacedJson& filter : query.GetList(keys::Filters))
-        ReadFilter(filter, IdClassSpecFilter, ContentObject::NoHolder);
-    query.RefuseOtherKeys();
+    for (const PlacedJson& join : query.GetList(keys::kJoins))
+        ReadJoin(join, IdClassSpecJoin, ContentObject::kNoParent);
+    for (const PlacedJson& filter : query.GetList(keys::kFilters))
+        ReadFilter(filter, IdClassSpecFilter, ContentObject::kNoParent);
+    query.RejectUnknownKeys();
 }
 
-void ContentReader::ReadHeld(JsonObject& holder, std::size_t position)
+void ContentReader::ReadChildren(JsonObject& parent, std::size_t position)
 {
-    for (const PlacedJson& json : holder.GetList(keys::Subjects))
+    for (const PlacedJson& json : parent.GetList(keys::kSubjects))
         ReadSubject(json, position);
-    for (const PlacedJson& json : holder.GetList(keys::Shortcuts))
+    for (const PlacedJson& json : parent.GetList(keys::kShortcuts))
         ReadShortcut(json, position);
-    for (const PlacedJson& json : holder.GetList(keys::Relationships))
+    for (const PlacedJson& json : parent.GetList(keys::kRelationships))
         ReadRelationship(json, position);
-    for (const PlacedJson& json : holder.GetList(keys::RelationshipShortcuts))
+    for (const PlacedJson& json : parent.GetList(keys::kRelationshipShortcuts))
         ReadRelationshipShortcut(json, position);
-    for (const PlacedJson& json : holder.GetList(keys::Filters))
+    for (const PlacedJson& json : parent.GetList(keys::kFilters))
         ReadFilter(json, IdClassFilter, position);
-    for (const PlacedJson& json : holder.GetList(keys::Folders))
+    for (const PlacedJson& json : parent.GetList(keys::kFolders))
         ReadContainer(json, IdClassFolder, position);
-    for (const PlacedJson& json : holder.GetList(keys::Namespaces))
+    for (const PlacedJson& json : parent.GetList(keys::kNamespaces))
         ReadContainer(json, model::IdClassNamespace, position);
 }
 
 void ContentReader::ReadContainer(const PlacedJson& json, std::int32_t classCode,
-                                  std::size_t holder)
+                                  std::size_t parent)
 {
     JsonObject object(json, *mProblems);
-    const std::size_t position = Add(object, classCode, holder);
-    ReadHeld(object, position);
-    object.RefuseOtherKeys();
+    const std::size_t position = Add(object, classCode, parent);
+    ReadChildren(object, position);
+    object.RejectUnknownKeys();
 }
 
-void ContentReader::ReadSubject(const PlacedJson& json, std::size_t holder)
+void ContentReader::ReadSubject(const PlacedJson& json, std::size_t parent)
 {
-    if (ReadPlainName(json, IdClassQuerySubject, holder))
+    if (ReadPlainName(json, IdClassQuerySubject, parent))
         return;
     JsonObject object(json, *mProblems);
-    const std::size_t position = Add(object, IdClassQuerySubject, holder);
-    mContent.objects[position].options.source = object.GetText(keys::Table);
-    for (const PlacedJson& element : object.GetList(keys::Items)) {
+    const std::size_t position = Add(object, IdClassQuerySubject, parent);
+    mContent.objects[position].options.source = object.GetText(keys::kTable);
+    for (const PlacedJson& element : object.GetList(keys::kItems)) {
         if (ReadPlainName(element, IdClassQueryItem, position))
             continue;
         JsonObject item(element, *mProblems);
         Add(item, IdClassQueryItem, position);
-        item.RefuseOtherKeys();
+        item.RejectUnknownKeys();
     }
-    object.RefuseOtherKeys();
+    object.RejectUnknownKeys();
 }
 
-void ContentReader::ReadShortcut(const PlacedJson& json, std::size_t holder)
+void ContentReader::ReadShortcut(const PlacedJson& json, std::size_t parent)
 {
     JsonObject object(json, *mProblems);
-    ContentObject& shortcut = mContent.objects[Add(object, IdClassShortcut, holder)];
-    shortcut.target = ReadReference(object, keys::Target);
-    shortcut.kind = object.GetNumber(keys::Kind).value_or(0);
-    object.RefuseOtherKeys();
+    ContentObject& shortcut = mContent.objects[Add(object, IdClassShortcut, parent)];
+    shortcut.target = ReadReference(object, keys::kTarget, *mProblems);
+    shortcut.kind = object.GetNumber(keys::kKind).value_or(0);
+    object.RejectUnknownKeys();
 }
 
-void ContentReader::ReadRelationship(const PlacedJson& json, std::size_t holder)
+void ContentReader::ReadRelationship(const PlacedJson& json, std::size_t parent)
 {
     std::int32_t classCode = IdClassRelationship;
-    if (json.value->is_object() && json.value->contains(keys::Class)) {
-        const PlacedJson given{&(*json.value)[keys::Class],
-                               ChildPointer(json.pointer, keys::Class)};
+    if (json.value->is_object() && json.value->contains(keys::kClass)) {
+        const PlacedJson given{&(*json.value)[keys::kClass],
+                               ChildPointer(json.pointer, keys::kClass)};
         classCode = ReadNumber(given, *mProblems).value_or(IdClassRelationship);
         if (classCode != IdClassRelationship && classCode != IdClassRelationship136) {
             mProblems->Add(given.pointer,
-                           "is no class of relationships (102 or 136): " + given.value->dump());
+                           "must be a class of relationships (102 or 136): " + given.value->dump());
             classCode = IdClassRelationship;
         }
     }
-    ReadJoin(json, classCode, holder);
+    ReadJoin(json, classCode, parent);
 }
 
-void ContentReader::ReadJoin(const PlacedJson& json, std::int32_t classCode, std::size_t holder)
+void ContentReader::ReadJoin(const PlacedJson& json, std::int32_t classCode, std::size_t parent)
 {
     JsonObject object(json, *mProblems);
     if (classCode != IdClassSpecJoin)
-        static_cast<void>(object.Find(keys::Class));
-    ContentObject& join = mContent.objects[Add(object, classCode, holder)];
-    join.left.subject = ReadReference(object, keys::Left);
-    join.left.cardinality = ReadCardinality(object, keys::LeftCardinality);
-    join.right.subject = ReadReference(object, keys::Right);
-    join.right.cardinality = ReadCardinality(object, keys::RightCardinality);
-    join.condition = object.GetText(keys::Condition);
-    object.RefuseOtherKeys();
+        static_cast<void>(object.Find(keys::kClass));
+    ContentObject& join = mContent.objects[Add(object, classCode, parent)];
+    join.left.subject = ReadReference(object, keys::kLeft, *mProblems);
+    join.left.cardinality = ReadCardinality(object, keys::kLeftCardinality, *mProblems);
+    join.right.subject = ReadReference(object, keys::kRight, *mProblems);
+    join.right.cardinality = ReadCardinality(object, keys::kRightCardinality, *mProblems);
+    join.condition = object.GetText(keys::kCondition);
+    object.RejectUnknownKeys();
 }
 
-void ContentReader::ReadRelationshipShortcut(const PlacedJson& json, std::size_t holder)
+void ContentReader::ReadRelationshipShortcut(const PlacedJson& json, std::size_t parent)
 {
     JsonObject object(json, *mProblems);
-    ContentObject& shortcut = mContent.objects[Add(object, IdClassRelationshipShortcut, holder)];
-    shortcut.target = ReadReference(object, keys::Target);
-    shortcut.left.subject = ReadReference(object, keys::Left);
-    shortcut.right.subject = ReadReference(object, keys::Right);
-    object.RefuseOtherKeys();
+    ContentObject& shortcut = mContent.objects[Add(object, IdClassRelationshipShortcut, parent)];
+    shortcut.target = ReadReference(object, keys::kTarget, *mProblems);
+    shortcut.left.subject = ReadReference(object, keys::kLeft, *mProblems);
+    shortcut.right.subject = ReadReference(object, keys::kRight, *mProblems);
+    object.RejectUnknownKeys();
 }
 
-void ContentReader::ReadFilter(const PlacedJson& json, std::int32_t classCode, std::size_t holder)
+void ContentReader::ReadFilter(const PlacedJson& json, std::int32_t classCode, std::size_t parent)
 {
     JsonObject object(json, *mProblems);
-    ContentObject& filter = mContent.objects[Add(object, classCode, holder)];
-    filter.condition = object.GetText(keys::Condition, EPresence::Required);
-    object.RefuseOtherKeys();
+    ContentObject& filter = mContent.objects[Add(object, classCode, parent)];
+    filter.condition = object.GetText(keys::kCondition, EPresence::Required);
+    object.RejectUnknownKeys();
 }
 
 bool ContentReader::ReadPlainName(const PlacedJson& json, std::int32_t classCode,
-                                  std::size_t holder)
+                                  std::size_t parent)
 {
     if (!json.value->is_string())
         return false;
-    ContentObject object;
-    object.classCode = classCode;
-    object.pointer = json.pointer;
-    object.namePointer = json.pointer;
-    object.holder = holder;
-    object.name = ReadText(json, *mProblems).value_or("");
-    mContent.objects.push_back(std::move(object));
+    mContent.objects.push_back({.classCode = classCode,
+                                .pointer = json.pointer,
+                                .namePointer = json.pointer,
+                                .parent = parent,
+                                .name = ReadText(json, *mProblems).value_or("")});
     return true;
 }
 
-std::size_t ContentReader::Add(JsonObject& json, std::int32_t classCode, std::size_t holder)
+std::size_t ContentReader::Add(JsonObject& json, std::int32_t classCode, std::size_t parent)
 {
     ContentObject object;
     object.classCode = classCode;
     object.pointer = json.GetPointer();
-    object.namePointer = ChildPointer(object.pointer, keys::Name);
-    object.holder = holder;
-    object.name = json.GetText(keys::Name, EPresence::Required);
-    object.options.id = ReadId(json.Find(keys::Id), classCode);
-    object.options.displayName = json.GetText(keys::DisplayName);
-    object.options.locale = json.GetText(keys::Locale);
+    object.namePointer = ChildPointer(object.pointer, keys::kName);
+    object.parent = parent;
+    object.name = json.GetText(keys::kName, EPresence::Required);
+    object.options.id = ReadId(json.Find(keys::kId), classCode, *mProblems);
+    object.options.displayName = json.GetText(keys::kDisplayName);
+    object.options.locale = json.GetText(keys::kLocale);
     const auto [owner, isNew] = mIdOwners.emplace(object.options.id, object.pointer);
     if (object.options.id != amd_id() && !isNew) {
-        mProblems->Add(ChildPointer(object.pointer, keys::Id),
+        mProblems->Add(ChildPointer(object.pointer, keys::kId),
                        "is the id of another object of this kind: " + owner->second);
         object.options.id = {};
     }
     mContent.objects.push_back(std::move(object));
     return mContent.objects.size() - 1;
-}
-
-model::Reference ContentReader::ReadReference(JsonObject& json, const char* key)
-{
-    const PlacedJson found = json.Find(key, EPresence::Required);
-    if (found.value == nullptr)
-        return {};
-    if (found.value->is_object())
-        return ReadIdReference(found);
-    if (!found.value->is_string()) {
-        RefuseType(found, "a name or an object with class and id", *mProblems);
-        return {};
-    }
-    return ReadText(found, *mProblems).value_or("");
-}
-
-model::Reference ContentReader::ReadIdReference(const PlacedJson& json)
-{
-    JsonObject object(json, *mProblems);
-    const auto classCode = object.GetNumber(keys::Class);
-    static_cast<void>(object.Find(keys::Class, EPresence::Required));
-    const PlacedJson id = object.Find(keys::Id, EPresence::Required);
-    object.RefuseOtherKeys();
-    const amd_id read = ReadId(id, classCode.value_or(0));
-    if (!classCode || read == amd_id()) {
-        mProblems->Settle(json.pointer);
-        return {};
-    }
-    return read;
-}
-
-model::CardinalityRange ContentReader::ReadCardinality(JsonObject& json, const char* key)
-{
-    const PlacedJson found = json.Find(key, EPresence::Required);
-    model::CardinalityRange range;
-    if (found.value == nullptr)
-        return range;
-    if (found.value->is_string()) {
-        const std::string word = ReadText(found, *mProblems).value_or("");
-        if (const auto known = ParseCardinality(word))
-            return *known;
-        if (!mProblems->IsSettled(found.pointer))
-            mProblems->Add(found.pointer, "is no cardinality: \"" + word + '"',
-                           model::NearestNames(word, CardinalityWords(), 4));
-    } else if (!ReadPair(found, range.minimum, range.maximum)) {
-        if (!mProblems->IsSettled(found.pointer))
-            RefuseType(found, "a cardinality such as \"0..n\" or a list of two numbers",
-                       *mProblems);
-    }
-    return range;
-}
-
-amd_id ContentReader::ReadId(const PlacedJson& json, std::int32_t classCode)
-{
-    if (json.value == nullptr)
-        return {};
-    amd_id id(0, classCode, 0);
-    const bool isPair = json.value->is_array();
-    if (isPair ? !ReadPair(json, id.domain, id.number) : !json.value->is_number()) {
-        if (!mProblems->IsSettled(json.pointer))
-            RefuseType(json, "a number or a list of domain and number", *mProblems);
-        return {};
-    }
-    if (!isPair) {
-        const auto number = ReadNumber(json, *mProblems);
-        if (!number)
-            return {};
-        id.number = *number;
-    }
-    if (id.number != 0)
-        return id;
-    mProblems->Add(json.pointer, "must not be 0");
-    return {};
-}
-
-bool ContentReader::ReadPair(const PlacedJson& json, std::int32_t& first, std::int32_t& second)
-{
-    if (!json.value->is_array() || json.value->size() != 2)
-        return false;
-    const auto read = [&](std::size_t index) {
-        return ReadNumber({&(*json.value)[index], ChildPointer(json.pointer, index)}, *mProblems);
-    };
-    const auto left = read(0);
-    const auto right = read(1);
-    if (!left || !right) {
-        mProblems->Settle(json.pointer);
-        return false;
-    }
-    first = *left;
-    second = *right;
-    return true;
 }
 
 } // namespace qe::tool

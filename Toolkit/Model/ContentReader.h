@@ -2,8 +2,9 @@
 #define TOOLKIT_MODEL_CONTENTREADER_H
 
 #include "Toolkit/Model/ModelContent.h"
-#include "Toolkit/Text/FileProblems.h"
+#include "Toolkit/Model/ModelWords.h"
 #include "Toolkit/Text/JsonObject.h"
+#include "Toolkit/Text/JsonProblems.h"
 
 #include <nlohmann/json_fwd.hpp>
 
@@ -11,57 +12,49 @@
 #include <cstdint>
 #include <map>
 #include <string>
-#include <vector>
 
 namespace qe::tool {
 
 /// Reads the document of a model file: keys, types, words and ids. What the objects name is not
 /// looked up yet.
 ///
-/// Within a holder, what it holds itself comes first (subjects with their items, shortcuts,
-/// relationships, relationship shortcuts, filters), then its folders, then its namespaces,
-/// whatever the order of the keys.
+/// Of the children of one object, subjects (with their items), shortcuts, relationships,
+/// relationship shortcuts and filters come first, then folders, then namespaces, whatever the order
+/// of the keys.
 class ContentReader
 {
 public:
-    explicit ContentReader(FileProblems& problems) : mProblems(&problems) {}
+    explicit ContentReader(JsonProblems& problems) : mProblems(&problems) {}
 
+    /// Returns the content of the document; mistakes are added to the problems. Call it once.
     [[nodiscard]] ModelContent Read(const nlohmann::json& document);
 
 private:
     void ReadVersion(JsonObject& top);
     void ReadGovernors(const PlacedJson& json);
-    void ReadGovernor(const PlacedJson& json, const std::vector<std::string_view>& words,
-                      std::int32_t& value);
+    /// Replaces `value` by what a word stands for, or by a number.
+    void ReadGovernor(const PlacedJson& json, const GovernorWords& words, std::int32_t& value);
     void ReadQuery(const PlacedJson& json);
-    /// Reads what the namespace, folder or document holds.
-    void ReadHeld(JsonObject& holder, std::size_t position);
+    /// Reads the children of the namespace, folder or document.
+    void ReadChildren(JsonObject& parent, std::size_t position);
 
-    void ReadContainer(const PlacedJson& json, std::int32_t classCode, std::size_t holder);
-    void ReadSubject(const PlacedJson& json, std::size_t holder);
-    void ReadShortcut(const PlacedJson& json, std::size_t holder);
-    void ReadJoin(const PlacedJson& json, std::int32_t classCode, std::size_t holder);
-    void ReadRelationship(const PlacedJson& json, std::size_t holder);
-    void ReadRelationshipShortcut(const PlacedJson& json, std::size_t holder);
-    void ReadFilter(const PlacedJson& json, std::int32_t classCode, std::size_t holder);
+    void ReadContainer(const PlacedJson& json, std::int32_t classCode, std::size_t parent);
+    void ReadSubject(const PlacedJson& json, std::size_t parent);
+    void ReadShortcut(const PlacedJson& json, std::size_t parent);
+    void ReadJoin(const PlacedJson& json, std::int32_t classCode, std::size_t parent);
+    void ReadRelationship(const PlacedJson& json, std::size_t parent);
+    void ReadRelationshipShortcut(const PlacedJson& json, std::size_t parent);
+    void ReadFilter(const PlacedJson& json, std::int32_t classCode, std::size_t parent);
 
-    /// Reads an object that may be written as its mere name. Gives whether it was.
+    /// Reads an object that may be written as its mere name. Returns whether it was.
     [[nodiscard]] bool ReadPlainName(const PlacedJson& json, std::int32_t classCode,
-                                     std::size_t holder);
-    /// Starts an object with what every object has. Gives its position.
-    std::size_t Add(JsonObject& json, std::int32_t classCode, std::size_t holder);
-    void ReadJoinParts(JsonObject& json, ContentObject& join);
-    [[nodiscard]] model::Reference ReadReference(JsonObject& json, const char* key);
-    [[nodiscard]] model::Reference ReadIdReference(const PlacedJson& json);
-    [[nodiscard]] model::CardinalityRange ReadCardinality(JsonObject& json, const char* key);
-    /// Reads an id of that class; empty when there is none.
-    [[nodiscard]] amd_id ReadId(const PlacedJson& json, std::int32_t classCode);
-    /// Reads a list of two numbers. Gives whether it is one.
-    [[nodiscard]] bool ReadPair(const PlacedJson& json, std::int32_t& first, std::int32_t& second);
+                                     std::size_t parent);
+    /// Starts an object with what every object has. Returns its position.
+    std::size_t Add(JsonObject& json, std::int32_t classCode, std::size_t parent);
 
-    FileProblems* mProblems;
+    JsonProblems* mProblems;
     ModelContent mContent;
-    /// The ids that the file gives, with the objects that have them.
+    /// The ids in the file, with the pointers to the objects that have them.
     std::map<amd_id, std::string> mIdOwners;
 };
 

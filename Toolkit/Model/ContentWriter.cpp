@@ -1,6 +1,5 @@
 #include "Toolkit/Model/ContentWriter.h"
 
-#include "Toolkit/Model/ModelKeys.h"
 #include "Toolkit/Model/ModelWords.h"
 
 #include <nlohmann/json.hpp>
@@ -51,12 +50,12 @@ std::vector<ENameKind> NameKindsFor(std::int32_t fromClass, const amd_id& to)
 ordered_json ContentWriter::Write()
 {
     ordered_json json;
-    json[keys::Version] = 1;
-    json[keys::Locale] = mModel->GetLocale(amd_id()).GetTag().ToStdString();
+    json[keys::kVersion] = 1;
+    json[keys::kLocale] = mModel->GetLocale(amd_id()).GetTag().ToStdString();
     if (!mTool->userClasses.empty())
-        json[keys::UserClasses] = mTool->userClasses;
+        json[keys::kUserClasses] = mTool->userClasses;
     WriteGovernors(json);
-    WriteHeld(amd_id(), json);
+    WriteChildren(amd_id(), json);
     WriteQuery(json);
     return json;
 }
@@ -65,27 +64,27 @@ void ContentWriter::WriteGovernors(ordered_json& json) const
 {
     const AQE_Governors& governors = mTool->governors;
     if (governors.crossProductAllowed != 0)
-        json[keys::Governors][keys::CrossProductAllowed] =
+        json[keys::kGovernors][keys::kCrossProductAllowed] =
             GovernorJson(CrossProductWords(), governors.crossProductAllowed);
     if (governors.shortcutGrouping != 0)
-        json[keys::Governors][keys::ShortcutGrouping] =
+        json[keys::kGovernors][keys::kShortcutGrouping] =
             GovernorJson(ShortcutGroupingWords(), governors.shortcutGrouping);
 }
 
-void ContentWriter::WriteHeld(const amd_id& holder, ordered_json& json)
+void ContentWriter::WriteChildren(const amd_id& parent, ordered_json& json)
 {
-    std::map<std::int32_t, std::vector<amd_id>> held;
-    for (const amd_id& id : mModel->GetChildren(holder)) {
+    std::map<std::int32_t, std::vector<amd_id>> children;
+    for (const amd_id& id : mModel->GetChildren(parent)) {
         const bool isRelationship = id.classCode == IdClassRelationship136;
-        held[isRelationship ? IdClassRelationship : id.classCode].push_back(id);
+        children[isRelationship ? IdClassRelationship : id.classCode].push_back(id);
     }
-    WriteList(keys::Subjects, held[IdClassQuerySubject], json);
-    WriteList(keys::Shortcuts, held[IdClassShortcut], json);
-    WriteList(keys::Relationships, held[IdClassRelationship], json);
-    WriteList(keys::RelationshipShortcuts, held[IdClassRelationshipShortcut], json);
-    WriteList(keys::Filters, held[IdClassFilter], json);
-    WriteList(keys::Folders, held[IdClassFolder], json);
-    WriteList(keys::Namespaces, held[model::IdClassNamespace], json);
+    WriteList(keys::kSubjects, children[IdClassQuerySubject], json);
+    WriteList(keys::kShortcuts, children[IdClassShortcut], json);
+    WriteList(keys::kRelationships, children[IdClassRelationship], json);
+    WriteList(keys::kRelationshipShortcuts, children[IdClassRelationshipShortcut], json);
+    WriteList(keys::kFilters, children[IdClassFilter], json);
+    WriteList(keys::kFolders, children[IdClassFolder], json);
+    WriteList(keys::kNamespaces, children[model::IdClassNamespace], json);
 }
 
 void ContentWriter::WriteQuery(ordered_json& json)
@@ -93,10 +92,10 @@ void ContentWriter::WriteQuery(ordered_json& json)
     ordered_json query;
     const auto joins = mModel->GetIds(IdClassSpecJoin);
     const auto filters = mModel->GetIds(IdClassSpecFilter);
-    WriteList(keys::Joins, {joins.begin(), joins.end()}, query);
-    WriteList(keys::Filters, {filters.begin(), filters.end()}, query);
+    WriteList(keys::kJoins, {joins.begin(), joins.end()}, query);
+    WriteList(keys::kFilters, {filters.begin(), filters.end()}, query);
     if (!query.empty())
-        json[keys::Query] = std::move(query);
+        json[keys::kQuery] = std::move(query);
 }
 
 void ContentWriter::WriteList(const char* key, const std::vector<amd_id>& ids, ordered_json& json)
@@ -108,28 +107,28 @@ void ContentWriter::WriteList(const char* key, const std::vector<amd_id>& ids, o
 ordered_json ContentWriter::WriteObject(const Record& record)
 {
     ordered_json json;
-    json[keys::Name] = record.name;
+    json[keys::kName] = record.name;
     ordered_json id = WriteId(record.id);
     if (!id.is_null())
-        json[keys::Id] = std::move(id);
+        json[keys::kId] = std::move(id);
     if (record.displayName != record.name)
-        json[keys::DisplayName] = record.displayName;
+        json[keys::kDisplayName] = record.displayName;
     if (!record.locale.empty())
-        json[keys::Locale] = record.locale;
+        json[keys::kLocale] = record.locale;
 
     const std::int32_t classCode = record.id.classCode;
     if (model::IsContainerClass(classCode))
-        WriteHeld(record.id, json);
+        WriteChildren(record.id, json);
     else if (classCode == IdClassQuerySubject)
         WriteSubject(record, json);
     else if (model::IsJoinClass(classCode))
         WriteJoin(record, json);
     else if (model::IsFilterClass(classCode))
-        json[keys::Condition] = record.text;
+        json[keys::kCondition] = record.text;
     if (classCode == IdClassShortcut) {
-        json[keys::Target] = WriteReference(record, record.referenced);
+        json[keys::kTarget] = WriteReference(record, record.referenced);
         if (record.shortcutKind != 0)
-            json[keys::Kind] = record.shortcutKind;
+            json[keys::kKind] = record.shortcutKind;
     }
     return json;
 }
@@ -137,11 +136,12 @@ ordered_json ContentWriter::WriteObject(const Record& record)
 void ContentWriter::WriteSubject(const Record& record, ordered_json& json)
 {
     if (!record.text.empty())
-        json[keys::Table] = record.text;
+        json[keys::kTable] = record.text;
     for (const amd_id& id : mModel->GetChildren(record.id)) {
         ordered_json item = WriteObject(*mModel->Find(id));
         const bool isMereName = item.size() == 1;
-        json[keys::Items].push_back(isMereName ? ordered_json(item[keys::Name]) : std::move(item));
+        json[keys::kItems].push_back(isMereName ? ordered_json(item[keys::kName])
+                                                : std::move(item));
     }
 }
 
@@ -149,17 +149,17 @@ void ContentWriter::WriteJoin(const Record& record, ordered_json& json) const
 {
     const bool isShortcut = record.id.classCode == IdClassRelationshipShortcut;
     if (record.id.classCode == IdClassRelationship136)
-        json[keys::Class] = IdClassRelationship136;
+        json[keys::kClass] = IdClassRelationship136;
     if (isShortcut)
-        json[keys::Target] = WriteReference(record, record.referenced);
-    json[keys::Left] = WriteReference(record, record.left);
+        json[keys::kTarget] = WriteReference(record, record.referenced);
+    json[keys::kLeft] = WriteReference(record, record.left);
     if (!isShortcut)
-        json[keys::LeftCardinality] = CardinalityJson(record.leftCardinality);
-    json[keys::Right] = WriteReference(record, record.right);
+        json[keys::kLeftCardinality] = CardinalityJson(record.leftCardinality);
+    json[keys::kRight] = WriteReference(record, record.right);
     if (!isShortcut)
-        json[keys::RightCardinality] = CardinalityJson(record.rightCardinality);
+        json[keys::kRightCardinality] = CardinalityJson(record.rightCardinality);
     if (!record.text.empty())
-        json[keys::Condition] = record.text;
+        json[keys::kCondition] = record.text;
 }
 
 ordered_json ContentWriter::WriteReference(const Record& from, const amd_id& to) const
@@ -171,8 +171,8 @@ ordered_json ContentWriter::WriteReference(const Record& from, const amd_id& to)
     if (LeadsTo(from, to, name))
         return model::ToText(name);
     ordered_json json;
-    json[keys::Class] = to.classCode;
-    json[keys::Id] = FullId(to);
+    json[keys::kClass] = to.classCode;
+    json[keys::kId] = FullId(to);
     return json;
 }
 

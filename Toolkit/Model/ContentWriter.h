@@ -12,7 +12,7 @@
 
 namespace qe::tool {
 
-/// Makes the document of a model file from a model. Ids are written only where reading would give
+/// Makes the document of a model file from a model. Ids are written only where reading would assign
 /// others; references by the shortest name that leads back to the object, by id where none does.
 /// Refers to the model.
 class ContentWriter
@@ -26,8 +26,8 @@ public:
 private:
     using Record = model::ObjectRecord;
 
-    /// Adds what the holder holds, in the order in which it is read.
-    void WriteHeld(const amd_id& holder, nlohmann::ordered_json& json);
+    /// Adds the children of an object, in the order in which they are read.
+    void WriteChildren(const amd_id& parent, nlohmann::ordered_json& json);
     /// Adds a list with the objects of those classes, unless there are none.
     void WriteList(const char* key, const std::vector<amd_id>& ids, nlohmann::ordered_json& json);
     void WriteQuery(nlohmann::ordered_json& json);
@@ -39,12 +39,12 @@ private:
     [[nodiscard]] nlohmann::ordered_json WriteReference(const Record& from, const amd_id& to) const;
     [[nodiscard]] bool LeadsTo(const Record& from, const amd_id& to,
                                const model::QualifiedName& name) const;
-    /// Gives what is to be written as the object's id: null where reading would give the same.
+    /// Returns what is to be written as the object's id: null where reading would assign the same.
     [[nodiscard]] nlohmann::ordered_json WriteId(const amd_id& id);
 
     const ToolModel* mTool;
     const model::Model* mModel;
-    /// The last numbers that reading gives by itself.
+    /// The last numbers that reading assigns by itself, for each class.
     std::map<std::int32_t, std::int32_t> mLastNumbers;
 };
 

@@ -3,7 +3,7 @@
 #include "Engine/Model/Model.h"
 #include "Engine/Model/ModelBuilder.h"
 #include "Engine/Model/ModelError.h"
-#include "Toolkit/Model/ModelKeys.h"
+#include "Toolkit/Model/ModelWords.h"
 
 namespace qe::tool {
 
@@ -13,25 +13,25 @@ using model::ModelBuilder;
 namespace {
 
 /// Each round leaves out what was wrong in the one before; mistakes that only show then are few.
-constexpr int MaximumRounds = 4;
+constexpr int kMaximumRounds = 4;
 
 std::string PlaceOf(const ContentObject& object, EAspect aspect)
 {
     switch (aspect) {
     case EAspect::Id:
-        return ChildPointer(object.pointer, keys::Id);
+        return ChildPointer(object.pointer, keys::kId);
     case EAspect::Name:
         return object.namePointer;
     case EAspect::Target:
-        return ChildPointer(object.pointer, keys::Target);
+        return ChildPointer(object.pointer, keys::kTarget);
     case EAspect::LeftEnd:
-        return ChildPointer(object.pointer, keys::Left);
+        return ChildPointer(object.pointer, keys::kLeft);
     case EAspect::RightEnd:
-        return ChildPointer(object.pointer, keys::Right);
+        return ChildPointer(object.pointer, keys::kRight);
     case EAspect::LeftCardinality:
-        return ChildPointer(object.pointer, keys::LeftCardinality);
+        return ChildPointer(object.pointer, keys::kLeftCardinality);
     case EAspect::RightCardinality:
-        return ChildPointer(object.pointer, keys::RightCardinality);
+        return ChildPointer(object.pointer, keys::kRightCardinality);
     case EAspect::Object:
     case EAspect::Parent:
         break;
@@ -39,32 +39,34 @@ std::string PlaceOf(const ContentObject& object, EAspect aspect)
     return object.pointer;
 }
 
-amd_id AddTo(ModelBuilder& builder, const ContentObject& object, const model::Reference& holder,
+amd_id AddTo(ModelBuilder& builder, const ContentObject& object, const model::Reference& parent,
              const model::ObjectOptions& options)
 {
     switch (object.classCode) {
     case model::IdClassNamespace:
-        return builder.AddNamespace(holder, object.name, options);
+        return builder.AddNamespace(parent, object.name, options);
     case IdClassFolder:
-        return builder.AddFolder(holder, object.name, options);
+        return builder.AddFolder(parent, object.name, options);
     case IdClassQuerySubject:
-        return builder.AddQuerySubject(holder, object.name, options);
+        return builder.AddQuerySubject(parent, object.name, options);
     case IdClassQueryItem:
-        return builder.AddItem(holder, object.name, options);
+        return builder.AddItem(parent, object.name, options);
     case IdClassShortcut:
-        return builder.AddShortcut(holder, object.name, {object.target, object.kind}, options);
+        return builder.AddShortcut(parent, object.name, {object.target, object.kind}, options);
     case IdClassRelationship:
-        return builder.AddRelationship(holder, object.name, object.left, object.right,
+        return builder.AddRelationship(parent, object.name, object.left, object.right,
                                        object.condition, options);
     case IdClassRelationship136:
-        return builder.AddRelationship136(holder, object.name, object.left, object.right,
+        return builder.AddRelationship136(parent, object.name, object.left, object.right,
                                           object.condition, options);
     case IdClassRelationshipShortcut:
-        return builder.AddRelationshipShortcut(
-            holder, object.name, {object.target, object.left.subject, object.right.subject},
-            options);
+        return builder.AddRelationshipShortcut(parent, object.name,
+                                               {.relationship = object.target,
+                                                .left = object.left.subject,
+                                                .right = object.right.subject},
+                                               options);
     case IdClassFilter:
-        return builder.AddFilter(holder, object.name, object.condition, options);
+        return builder.AddFilter(parent, object.name, object.condition, options);
     case IdClassSpecJoin:
         return builder.AddSpecJoin(object.name, object.left, object.right, object.condition,
                                    options);
@@ -75,18 +77,18 @@ amd_id AddTo(ModelBuilder& builder, const ContentObject& object, const model::Re
 
 } // namespace
 
-ModelAssembler::ModelAssembler(const ModelContent& content, FileProblems& problems)
+ModelAssembler::ModelAssembler(const ModelContent& content, JsonProblems& problems)
     : mContent(&content), mProblems(&problems), mLeftOut(content.objects.size(), false)
 {}
 
 std::shared_ptr<const model::Model> ModelAssembler::Assemble()
 {
-    for (int round = 0; round < MaximumRounds; ++round) {
+    for (int round = 0; round < kMaximumRounds; ++round) {
         try {
             return Build();
         } catch (const model::ModelError& error) {
             if (round == 0)
-                Tell(error);
+                Report(error);
             LeaveOut(error);
         }
     }
@@ -101,8 +103,8 @@ std::shared_ptr<const model::Model> ModelAssembler::Build()
     std::vector<amd_id> ids;
     for (std::size_t i = 0; i < mContent->objects.size(); ++i) {
         const ContentObject& object = mContent->objects[i];
-        const bool isHeld = object.holder != ContentObject::NoHolder;
-        if (isHeld && mLeftOut[object.holder])
+        const bool hasParent = object.parent != ContentObject::kNoParent;
+        if (hasParent && mLeftOut[object.parent])
             mLeftOut[i] = true;
         ids.emplace_back();
         if (mLeftOut[i])
@@ -110,17 +112,17 @@ std::shared_ptr<const model::Model> ModelAssembler::Build()
         model::ObjectOptions options = object.options;
         options.tag = static_cast<std::int64_t>(i);
         ids.back() = AddTo(builder, object,
-                           isHeld ? model::Reference(ids[object.holder]) : model::kTop, options);
+                           hasParent ? model::Reference(ids[object.parent]) : model::kTop, options);
     }
     return builder.Build();
 }
 
-void ModelAssembler::Tell(const model::ModelError& error)
+void ModelAssembler::Report(const model::ModelError& error)
 {
     for (const model::ModelProblem& problem : error.GetProblems()) {
         const ContentObject& object = mContent->objects[static_cast<std::size_t>(problem.tag)];
         const std::string pointer = PlaceOf(object, problem.aspect);
-        if (!mProblems->IsSettled(pointer))
+        if (!mProblems->IsReported(pointer))
             mProblems->Add(pointer, problem.text, problem.nearestNames);
     }
 }

@@ -2,7 +2,7 @@
 #define TOOLKIT_MODEL_MODELASSEMBLER_H
 
 #include "Toolkit/Model/ModelContent.h"
-#include "Toolkit/Text/FileProblems.h"
+#include "Toolkit/Text/JsonProblems.h"
 
 #include <cstddef>
 #include <memory>
@@ -17,27 +17,27 @@ class ModelError;
 
 namespace qe::tool {
 
-/// Makes a model of what a file says. Refers to both arguments.
+/// Makes a model of the content of a file. Refers to both arguments.
 class ModelAssembler
 {
 public:
-    ModelAssembler(const ModelContent& content, FileProblems& problems);
+    ModelAssembler(const ModelContent& content, JsonProblems& problems);
 
-    /// Gives the model, and tells what is wrong with it. As long as there are mistakes, objects
-    /// that have them are left out, so that conditions can still be checked against the rest; it
-    /// gives null when that does not lead to a model.
+    /// Returns the model, and reports what is wrong with it. As long as there are mistakes, objects
+    /// that have them are left out, so that conditions can still be checked against the rest; null
+    /// when that does not lead to a model.
     [[nodiscard]] std::shared_ptr<const model::Model> Assemble();
 
-    /// Gives the names of the objects that were left out.
+    /// Returns the names of the objects that were left out.
     [[nodiscard]] const std::set<std::string>& GetDoubtfulNames() const { return mDoubtfulNames; }
 
 private:
     [[nodiscard]] std::shared_ptr<const model::Model> Build();
-    void Tell(const model::ModelError& error);
+    void Report(const model::ModelError& error);
     void LeaveOut(const model::ModelError& error);
 
     const ModelContent* mContent;
-    FileProblems* mProblems;
+    JsonProblems* mProblems;
     std::vector<bool> mLeftOut;
     std::set<std::string> mDoubtfulNames;
 };

@@ -15,15 +15,15 @@ namespace qe::tool {
 /// defaults.
 struct ContentObject
 {
-    static constexpr std::size_t NoHolder = static_cast<std::size_t>(-1);
+    static constexpr std::size_t kNoParent = static_cast<std::size_t>(-1);
 
     std::int32_t classCode = 0;
     /// Where the file describes it.
     std::string pointer{};
-    /// Where the file says its name.
+    /// Where the file names it.
     std::string namePointer{};
-    /// The position of the object that holds it, which comes before it.
-    std::size_t holder = NoHolder;
+    /// The position of its parent, which comes before it.
+    std::size_t parent = kNoParent;
     std::string name{};
     model::ObjectOptions options{};
     model::Reference target{};
@@ -33,7 +33,7 @@ struct ContentObject
     std::string condition{};
 };
 
-/// What a model file says.
+/// The content of a model file, before names are looked up.
 struct ModelContent
 {
     std::string locale = "en";

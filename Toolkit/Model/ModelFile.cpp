@@ -4,9 +4,8 @@
 #include "Toolkit/Model/ContentReader.h"
 #include "Toolkit/Model/ContentWriter.h"
 #include "Toolkit/Model/ModelAssembler.h"
-#include "Toolkit/Text/FileProblems.h"
 #include "Toolkit/Text/InputFile.h"
-#include "Toolkit/Text/JsonLayout.h"
+#include "Toolkit/Text/JsonProblems.h"
 #include "Toolkit/Text/JsonText.h"
 
 #include <nlohmann/json.hpp>
@@ -22,8 +21,8 @@ ToolModel ReadModelFile(const std::filesystem::path& path)
 
 ToolModel ReadModelText(std::string_view text, const std::string& fileName)
 {
-    FileProblems problems(fileName);
-    const nlohmann::json document = ParseJson(text, fileName, problems);
+    JsonProblems problems(fileName);
+    const nlohmann::json document = ParseJson(text, problems);
     ModelContent content = ContentReader(problems).Read(document);
 
     ModelAssembler assembler(content, problems);
@@ -32,7 +31,7 @@ ToolModel ReadModelText(std::string_view text, const std::string& fileName)
     ConditionCheck conditions(result.model, assembler.GetDoubtfulNames(), problems);
     for (const ContentObject& object : content.objects)
         conditions.Check(object);
-    problems.RaiseIfAny();
+    problems.ThrowIfAny();
 
     result.userClasses = std::move(content.userClasses);
     result.governors = content.governors;
@@ -41,7 +40,7 @@ ToolModel ReadModelText(std::string_view text, const std::string& fileName)
 
 std::string WriteModelText(const ToolModel& model)
 {
-    return LayOut(ContentWriter(model).Write());
+    return FormatJson(ContentWriter(model).Write());
 }
 
 } // namespace qe::tool

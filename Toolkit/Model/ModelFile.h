@@ -9,15 +9,15 @@
 
 namespace qe::tool {
 
-/// Reads a model file (JSON; see Documentation/model-format.md). Raises an InputError that tells
+/// Reads a model file (JSON; see Documentation/model-format.md). Throws an InputError with
 /// as many of its mistakes as can be found at once.
 [[nodiscard]] ToolModel ReadModelFile(const std::filesystem::path& path);
 
-/// Reads the text of a model file. Messages show `fileName`.
+/// Reads the text of a model file like ReadModelFile. Messages show `fileName`.
 [[nodiscard]] ToolModel ReadModelText(std::string_view text, const std::string& fileName);
 
-/// Writes a model as the text of a model file, from which ReadModelText makes an equal one: same
-/// objects, ids, user classes and governors; the notes are left out. Equal models give equal
+/// Returns a model as the text of a model file, from which ReadModelText makes an equal one: same
+/// objects, ids, user classes and governors; the notes are left out. Equal models have equal
 /// texts. Bytes that are not UTF-8 are replaced by U+FFFD.
 [[nodiscard]] std::string WriteModelText(const ToolModel& model);
 

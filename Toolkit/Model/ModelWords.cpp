@@ -1,6 +1,5 @@
 #include "Toolkit/Model/ModelWords.h"
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -8,7 +7,7 @@ namespace qe::tool {
 
 namespace {
 
-const std::array<std::pair<std::string_view, model::CardinalityRange>, 4> Cardinalities{
+const std::array<std::pair<std::string_view, model::CardinalityRange>, 4> kCardinalities{
     {{"0..1", model::kZeroToOne},
      {"1..1", model::kOneToOne},
      {"0..n", model::kZeroToMany},
@@ -18,7 +17,7 @@ const std::array<std::pair<std::string_view, model::CardinalityRange>, 4> Cardin
 
 std::optional<model::CardinalityRange> ParseCardinality(std::string_view word)
 {
-    for (const auto& [name, range] : Cardinalities) {
+    for (const auto& [name, range] : kCardinalities) {
         if (name == word)
             return range;
     }
@@ -27,7 +26,7 @@ std::optional<model::CardinalityRange> ParseCardinality(std::string_view word)
 
 std::optional<std::string> CardinalityWord(const model::CardinalityRange& range)
 {
-    for (const auto& [name, known] : Cardinalities) {
+    for (const auto& [name, known] : kCardinalities) {
         if (known == range)
             return std::string(name);
     }
@@ -37,8 +36,8 @@ std::optional<std::string> CardinalityWord(const model::CardinalityRange& range)
 std::vector<std::string_view> CardinalityWords()
 {
     std::vector<std::string_view> words;
-    words.reserve(Cardinalities.size());
-    for (const auto& cardinality : Cardinalities)
+    words.reserve(kCardinalities.size());
+    for (const auto& cardinality : kCardinalities)
         words.push_back(cardinality.first);
     return words;
 }
@@ -53,14 +52,6 @@ const GovernorWords& ShortcutGroupingWords()
 {
     static const GovernorWords words{"target", "place"};
     return words;
-}
-
-std::optional<std::int32_t> ParseGovernor(const GovernorWords& words, std::string_view word)
-{
-    const auto found = std::find(words.begin(), words.end(), word);
-    if (found == words.end())
-        return std::nullopt;
-    return static_cast<std::int32_t>(found - words.begin());
 }
 
 } // namespace qe::tool

@@ -7,6 +7,7 @@
 #include "Toolkit/Format.h"
 #include "Toolkit/Page/PageParts.h"
 #include "Toolkit/Page/RequestRows.h"
+#include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputError.h"
 
 #include <algorithm>
@@ -81,7 +82,7 @@ private:
         if (place == "TITLE")
             return EscapeMarkup(Heading());
         if (place == "HEADING")
-            return "Joins for " + Names();
+            return "Joins for " + Names(Asked());
         if (place == "STYLE")
             return PageStyle;
         if (place == "SCRIPT")
@@ -100,7 +101,7 @@ private:
     void ListPaths();
     void AddPath(const Ids& joins, const std::string& measure);
     [[nodiscard]] std::string Heading() const;
-    [[nodiscard]] std::string Names() const;
+    [[nodiscard]] std::string Names(const Ids& subjects) const;
     [[nodiscard]] std::string Summary() const;
     [[nodiscard]] std::string InlineSvg() const;
     [[nodiscard]] std::string Choice() const;
@@ -169,21 +170,14 @@ Ids PageWriter::Asked() const
 
 std::string PageWriter::Heading() const
 {
-    std::string text = "Joins for ";
-    const char* separator = "";
-    for (const amd_id& subject : Asked()) {
-        text += separator + mAnswer.NameOf(subject);
-        separator = ", ";
-    }
-    return text;
+    return "Joins for " +
+           JoinTexts(Asked(), [this](const amd_id& subject) { return mAnswer.NameOf(subject); });
 }
 
-std::string PageWriter::Names() const
+std::string PageWriter::Names(const Ids& subjects) const
 {
-    std::string text;
-    for (const amd_id& subject : Asked())
-        text += (text.empty() ? "" : ", ") + Name(mAnswer.NameOf(subject));
-    return text;
+    return JoinTexts(subjects,
+                     [this](const amd_id& subject) { return Name(mAnswer.NameOf(subject)); });
 }
 
 std::string PageWriter::Summary() const
@@ -207,10 +201,7 @@ std::string PageWriter::Summary() const
     if (!mAnswer.separation.bridge.empty()) {
         text += "<p>Groups that no join connects:</p>\n<ul>\n";
         for (const Ids& group : mAnswer.separation.groups) {
-            std::string names;
-            for (const amd_id& subject : group)
-                names += (names.empty() ? "" : ", ") + Name(mAnswer.NameOf(subject));
-            text += "<li>" + names + "</li>\n";
+            text += "<li>" + Names(group) + "</li>\n";
         }
         text += "</ul>\n";
     }
@@ -232,13 +223,11 @@ std::string PageWriter::Choice() const
         "<section aria-labelledby=\"choice-heading\">\n<h2 id=\"choice-heading\">"
         "Ranked alternatives</h2>\n<fieldset>\n<legend>Show in the picture</legend>\n";
     for (std::size_t i = 0; i < mPaths.size(); ++i) {
-        std::string names;
-        for (const amd_id& id : mPaths[i].joins) {
+        const std::string names = JoinTexts(mPaths[i].joins, [this](const amd_id& id) {
             const AnswerJoin* const join = mAnswer.FindJoin(id);
             const bool isNamed = join != nullptr && !join->name.empty();
-            names += (names.empty() ? "" : ", ") +
-                     (isNamed ? Name(join->name) : EscapeMarkup(std::string(JoinKindTitle(id))));
-        }
+            return isNamed ? Name(join->name) : EscapeMarkup(std::string(JoinKindTitle(id)));
+        });
         text += "<label><input type=\"radio\" name=\"path\" value=\"" + std::to_string(i) + '"' +
                 (i == mChosen ? " checked" : "") + "><span>" +
                 (i == mChosen ? "<span class=\"badge\">chosen</span> " : "") + names +

@@ -3,20 +3,13 @@
 #include "Toolkit/Answers/JsonAnswer.h"
 #include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Ask/Question.h"
+#include "Toolkit/Text/DisplayText.h"
 
 #include <algorithm>
 
 namespace qe::tool {
 
 namespace {
-
-std::string List(const std::vector<std::string>& names)
-{
-    std::string text;
-    for (const std::string& name : names)
-        text += (text.empty() ? "" : ", ") + name;
-    return text;
-}
 
 std::string SelectorText(const SelectorChoice& selector)
 {
@@ -38,10 +31,8 @@ std::string SelectorText(const SelectorChoice& selector)
 
 std::string SettingsText(const Question& question)
 {
-    std::vector<std::string> settings;
-    for (const Setting& setting : question.settings)
-        settings.push_back(ToText(setting));
-    return settings.empty() ? "defaults" : List(settings);
+    const auto toText = [](const Setting& setting) { return ToText(setting); };
+    return question.settings.empty() ? "defaults" : JoinTexts(question.settings, toText);
 }
 
 } // namespace
@@ -53,16 +44,16 @@ std::vector<std::pair<std::string, std::string>> ListRequestRows(const Question&
     const Restriction& restriction = question.restriction;
     std::vector<std::pair<std::string, std::string>> rows{
         {"Operation", std::string(ToText(question.operation))},
-        {"Subjects", List(question.subjects)},
-        {"Second set", List(question.secondSet)},
-        {"Favoured joins", List(question.favouredJoins)},
-        {"Required joins", List(question.requiredJoins)},
-        {"Avoided joins", List(question.avoidedJoins)},
-        {"Favoured subjects", List(question.favouredSubjects)},
-        {"Only subjects", List(restriction.onlySubjects)},
-        {"Without subjects", List(restriction.withoutSubjects)},
-        {"Only joins", List(restriction.onlyJoins)},
-        {"Without joins", List(restriction.withoutJoins)},
+        {"Subjects", JoinTexts(question.subjects)},
+        {"Second set", JoinTexts(question.secondSet)},
+        {"Favoured joins", JoinTexts(question.favouredJoins)},
+        {"Required joins", JoinTexts(question.requiredJoins)},
+        {"Avoided joins", JoinTexts(question.avoidedJoins)},
+        {"Favoured subjects", JoinTexts(question.favouredSubjects)},
+        {"Only subjects", JoinTexts(restriction.onlySubjects)},
+        {"Without subjects", JoinTexts(restriction.withoutSubjects)},
+        {"Only joins", JoinTexts(restriction.onlyJoins)},
+        {"Without joins", JoinTexts(restriction.withoutJoins)},
         {"Selector", SelectorText(question.selector)},
         {"Ranking", std::string(ranking.useFactTableCount ? "weight, fact tables" : "weight") +
                         (ranking.useStraightestPath ? ", straightness" : "")},

@@ -87,10 +87,7 @@ std::string ToDisplayText(std::string_view text)
 
 std::string ToDisplayList(const std::vector<std::string>& texts)
 {
-    std::string shown;
-    for (const std::string& text : texts)
-        shown += (shown.empty() ? "" : ", ") + ToDisplayText(text);
-    return texts.empty() ? "none" : shown;
+    return texts.empty() ? "none" : JoinTexts(texts, ToDisplayText);
 }
 
 std::size_t DisplayWidth(std::string_view text)

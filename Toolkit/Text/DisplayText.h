@@ -2,18 +2,35 @@
 #define TOOLKIT_TEXT_DISPLAYTEXT_H
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace qe::tool {
 
-/// Makes any text harmless to show on one line of a terminal: control characters, characters that
-/// change the direction of writing or break lines, and bytes that are no UTF-8 become escapes such
-/// as "\n", "\u{202E}" and "\xFF". All other text stays as it is.
+/// Returns any text so that it is harmless on one line of a terminal: control characters,
+/// characters that change the direction of writing or break lines, and bytes that are no UTF-8
+/// become escapes such as "\n", "\u{202E}" and "\xFF". All other text stays as it is.
 [[nodiscard]] std::string ToDisplayText(std::string_view text);
 
-/// Makes texts harmless and puts commas between them; "none" stands for an empty list.
+/// Returns the texts of the items with `separator` between them; `toText` makes a text of an item.
+template <typename Items, typename ToText = std::identity>
+[[nodiscard]] std::string JoinTexts(const Items& items, const ToText& toText = {},
+                                    std::string_view separator = ", ")
+{
+    std::string joined;
+    bool isFirst = true;
+    for (const auto& item : items) {
+        if (!isFirst)
+            joined += separator;
+        joined += std::invoke(toText, item);
+        isFirst = false;
+    }
+    return joined;
+}
+
+/// Returns the texts, made harmless, with commas between them; "none" stands for an empty list.
 [[nodiscard]] std::string ToDisplayList(const std::vector<std::string>& texts);
 
 /// Returns the number of columns that a text from ToDisplayText takes: two for a wide letter, none

@@ -19,7 +19,7 @@ struct InputProblem
     std::vector<std::string> nearestNames{};
 };
 
-/// Tells all mistakes in one input. Nothing of that input is used.
+/// All mistakes in one input. Nothing of that input is used.
 class InputError : public std::exception
 {
 public:
@@ -30,7 +30,7 @@ public:
         return mProblems;
     }
 
-    /// Gives one line for each problem: "place: text (did you mean X or Y?)".
+    /// Returns one line for each problem: "place: text (did you mean X or Y?)".
     [[nodiscard]] const char* what() const noexcept override { return mText.c_str(); }
 
 private:

@@ -11,45 +11,48 @@ namespace qe::tool {
 
 namespace {
 
-[[noreturn]] void Refuse(const std::filesystem::path& path, const std::string& text)
+[[noreturn]] void Reject(const std::filesystem::path& path, const std::string& text)
 {
     throw InputError({{path.string(), text}});
-}
-
-std::ifstream Open(const std::filesystem::path& path)
-{
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(path, error);
-    if (status.type() == std::filesystem::file_type::not_found)
-        Refuse(path, "there is no such file");
-    if (status.type() == std::filesystem::file_type::directory)
-        Refuse(path, "is a folder, not a file");
-    if (status.type() == std::filesystem::file_type::none)
-        Refuse(path, "cannot be read: " + error.message());
-    errno = 0;
-    return std::ifstream(path, std::ios::binary);
 }
 
 /// Reads until the end of the file, or until there are more than `count` bytes.
 std::string Read(const std::filesystem::path& path, std::uintmax_t count)
 {
-    std::ifstream stream = Open(path);
+    std::ifstream stream = OpenInputFile(path);
     std::string text;
     std::array<char, 65536> block{};
     while (text.size() <= count && (stream.read(block.data(), block.size()) || stream.gcount() > 0))
         text.append(block.data(), static_cast<std::size_t>(stream.gcount()));
     if (!stream.eof() && text.size() <= count)
-        Refuse(path, "cannot be read: " + std::generic_category().message(errno));
+        Reject(path, "cannot be read: " + std::generic_category().message(errno));
     return text;
 }
 
 } // namespace
 
-std::string ReadInputFile(const std::filesystem::path& path)
+std::ifstream OpenInputFile(const std::filesystem::path& path)
 {
-    std::string text = Read(path, MaximumFileSize);
-    if (text.size() > MaximumFileSize)
-        Refuse(path, "is too large: more than " + std::to_string(MaximumFileSize) + " bytes");
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (status.type() == std::filesystem::file_type::not_found)
+        Reject(path, "there is no such file");
+    if (status.type() == std::filesystem::file_type::directory)
+        Reject(path, "is a folder, not a file");
+    if (status.type() == std::filesystem::file_type::none)
+        Reject(path, "cannot be read: " + error.message());
+    errno = 0;
+    std::ifstream stream(path, std::ios::binary);
+    if (!stream)
+        Reject(path, "cannot be read: " + std::generic_category().message(errno));
+    return stream;
+}
+
+std::string ReadInputFile(const std::filesystem::path& path, std::uintmax_t maximumSize)
+{
+    std::string text = Read(path, maximumSize);
+    if (text.size() > maximumSize)
+        Reject(path, "is too large: more than " + std::to_string(maximumSize) + " bytes");
     return text;
 }
 

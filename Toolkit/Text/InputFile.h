@@ -4,18 +4,25 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 namespace qe::tool {
 
-/// Larger input files are refused.
-inline constexpr std::uintmax_t MaximumFileSize = std::uintmax_t{64} * 1024 * 1024;
+/// The largest file that is read where no other size is given, in bytes.
+inline constexpr std::uintmax_t kMaximumFileSize = std::uintmax_t{64} * 1024 * 1024;
 
-/// Gives what the file holds, byte by byte. Raises an InputError when there is no such file, when
-/// it is a folder, too large or cannot be read. Pipes can be read.
-[[nodiscard]] std::string ReadInputFile(const std::filesystem::path& path);
+/// Opens a file to read it piece by piece. Throws an InputError when there is no such file, or when
+/// it is a folder or cannot be opened. Pipes can be read.
+[[nodiscard]] std::ifstream OpenInputFile(const std::filesystem::path& path);
 
-/// Gives the first bytes of the file, at most `count`, however large the file is. Raises the same.
+/// Returns what the file holds, byte by byte. Throws an InputError like OpenInputFile, and when the
+/// file holds more than `maximumSize` bytes or cannot be read.
+[[nodiscard]] std::string ReadInputFile(const std::filesystem::path& path,
+                                        std::uintmax_t maximumSize = kMaximumFileSize);
+
+/// Returns the first bytes of the file, at most `count`, however large the file is. Throws an
+/// InputError like ReadInputFile.
 [[nodiscard]] std::string ReadInputStart(const std::filesystem::path& path, std::size_t count);
 
 } // namespace qe::tool

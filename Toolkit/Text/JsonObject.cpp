@@ -5,14 +5,10 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <limits>
 
 namespace qe::tool {
 
 namespace {
-
-constexpr std::int32_t LeastNumber = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t GreatestNumber = std::numeric_limits<std::int32_t>::max();
 
 std::string TypeTitle(const nlohmann::json& value)
 {
@@ -34,15 +30,15 @@ std::string TypeTitle(const nlohmann::json& value)
 
 } // namespace
 
-void RefuseType(const PlacedJson& json, const std::string& wanted, FileProblems& problems)
+void RejectType(const PlacedJson& json, const std::string& wanted, JsonProblems& problems)
 {
     problems.Add(json.pointer, "must be " + wanted + ", not " + TypeTitle(*json.value));
 }
 
-std::optional<std::string> ReadText(const PlacedJson& json, FileProblems& problems)
+std::optional<std::string> ReadText(const PlacedJson& json, JsonProblems& problems)
 {
     if (!json.value->is_string()) {
-        RefuseType(json, "a string", problems);
+        RejectType(json, "a string", problems);
         return std::nullopt;
     }
     const auto& text = json.value->get_ref<const std::string&>();
@@ -53,31 +49,57 @@ std::optional<std::string> ReadText(const PlacedJson& json, FileProblems& proble
     return text;
 }
 
-std::optional<std::int32_t> ReadNumber(const PlacedJson& json, FileProblems& problems)
+std::optional<std::int32_t> ReadNumber(const PlacedJson& json, JsonProblems& problems,
+                                       const NumberRange& range)
 {
     if (!json.value->is_number_integer()) {
-        RefuseType(json, "a whole number", problems);
+        RejectType(json, "a whole number", problems);
         return std::nullopt;
     }
     // Numbers that only fit the unsigned type would turn negative in the signed one.
-    const bool tooLarge = json.value->is_number_unsigned() &&
-                          json.value->get<std::uint64_t>() > std::uint64_t{GreatestNumber};
     const auto number = json.value->get<std::int64_t>();
-    if (tooLarge || number < LeastNumber || number > GreatestNumber) {
-        problems.Add(json.pointer, "must lie between " + std::to_string(LeastNumber) + " and " +
-                                       std::to_string(GreatestNumber) + ": " + json.value->dump());
+    const bool isTooLarge = json.value->is_number_unsigned() && number < 0;
+    if (isTooLarge || number < range.minimum || number > range.maximum) {
+        problems.Add(json.pointer, "must lie between " + std::to_string(range.minimum) + " and " +
+                                       std::to_string(range.maximum) + ": " + json.value->dump());
         return std::nullopt;
     }
     return static_cast<std::int32_t>(number);
 }
 
-JsonObject::JsonObject(const PlacedJson& json, FileProblems& problems)
+std::optional<std::size_t>
+ReadWord(const PlacedJson& json, const std::vector<std::string_view>& words, JsonProblems& problems)
+{
+    const auto word = ReadText(json, problems);
+    if (!word)
+        return std::nullopt;
+    const auto found = std::find(words.begin(), words.end(), *word);
+    if (found != words.end())
+        return static_cast<std::size_t>(found - words.begin());
+    problems.Add(json.pointer, "unknown value: \"" + *word + '"', {words.begin(), words.end()});
+    return std::nullopt;
+}
+
+std::vector<PlacedJson> ReadList(const PlacedJson& json, JsonProblems& problems)
+{
+    std::vector<PlacedJson> elements;
+    if (!json.value->is_array()) {
+        RejectType(json, "a list", problems);
+        return elements;
+    }
+    elements.reserve(json.value->size());
+    for (const nlohmann::json& element : *json.value)
+        elements.push_back({&element, ChildPointer(json.pointer, elements.size())});
+    return elements;
+}
+
+JsonObject::JsonObject(const PlacedJson& json, JsonProblems& problems)
     : mPointer(json.pointer), mProblems(&problems)
 {
     if (json.value->is_object())
         mObject = json.value;
     else
-        RefuseType(json, "an object", problems);
+        RejectType(json, "an object", problems);
 }
 
 PlacedJson JsonObject::Find(std::string_view key, EPresence presence)
@@ -85,7 +107,7 @@ PlacedJson JsonObject::Find(std::string_view key, EPresence presence)
     mKnownKeys.push_back(key);
     PlacedJson found{nullptr, ChildPointer(mPointer, key)};
     if (mObject == nullptr) {
-        mProblems->Settle(found.pointer);
+        mProblems->MarkReported(found.pointer);
         return found;
     }
     const auto member = mObject->find(key);
@@ -93,7 +115,7 @@ PlacedJson JsonObject::Find(std::string_view key, EPresence presence)
         found.value = &*member;
     } else if (presence == EPresence::Required) {
         mProblems->Add(mPointer, "lacks the key \"" + std::string(key) + '"');
-        mProblems->Settle(found.pointer);
+        mProblems->MarkReported(found.pointer);
     }
     return found;
 }
@@ -104,28 +126,48 @@ std::string JsonObject::GetText(std::string_view key, EPresence presence)
     return found.value == nullptr ? std::string() : ReadText(found, *mProblems).value_or("");
 }
 
-std::optional<std::int32_t> JsonObject::GetNumber(std::string_view key)
+std::optional<std::vector<std::string>> JsonObject::GetTexts(std::string_view key)
 {
     const PlacedJson found = Find(key);
-    return found.value == nullptr ? std::nullopt : ReadNumber(found, *mProblems);
+    if (found.value == nullptr)
+        return std::nullopt;
+    std::vector<std::string> texts;
+    for (const PlacedJson& element : ReadList(found, *mProblems)) {
+        if (auto text = ReadText(element, *mProblems))
+            texts.push_back(std::move(*text));
+    }
+    return texts;
+}
+
+std::optional<std::int32_t> JsonObject::GetNumber(std::string_view key, const NumberRange& range)
+{
+    const PlacedJson found = Find(key);
+    return found.value == nullptr ? std::nullopt : ReadNumber(found, *mProblems, range);
+}
+
+std::optional<bool> JsonObject::GetBoolean(std::string_view key)
+{
+    const PlacedJson found = Find(key);
+    if (found.value == nullptr)
+        return std::nullopt;
+    if (found.value->is_boolean())
+        return found.value->get<bool>();
+    RejectType(found, "true or false", *mProblems);
+    return std::nullopt;
 }
 
 std::vector<PlacedJson> JsonObject::GetList(std::string_view key)
 {
-    std::vector<PlacedJson> elements;
     const PlacedJson found = Find(key);
-    if (found.value == nullptr)
-        return elements;
-    if (!found.value->is_array()) {
-        RefuseType(found, "a list", *mProblems);
-        return elements;
-    }
-    for (const nlohmann::json& element : *found.value)
-        elements.push_back({&element, ChildPointer(found.pointer, elements.size())});
-    return elements;
+    return found.value == nullptr ? std::vector<PlacedJson>() : ReadList(found, *mProblems);
 }
 
-void JsonObject::RefuseOtherKeys()
+void JsonObject::Ignore(std::initializer_list<std::string_view> keys)
+{
+    mKnownKeys.insert(mKnownKeys.end(), keys.begin(), keys.end());
+}
+
+void JsonObject::RejectUnknownKeys()
 {
     if (mObject == nullptr)
         return;

@@ -1,11 +1,14 @@
 #ifndef TOOLKIT_TEXT_JSONOBJECT_H
 #define TOOLKIT_TEXT_JSONOBJECT_H
 
-#include "Toolkit/Text/FileProblems.h"
+#include "Toolkit/Text/JsonProblems.h"
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,42 +30,84 @@ enum class EPresence
     Required,
 };
 
-/// One object of a document, read key by key. What has the wrong type is told and counts as
-/// absent. Refers to the document and the problems.
+/// Both ends belong to the range.
+struct NumberRange
+{
+    std::int32_t minimum = std::numeric_limits<std::int32_t>::min();
+    std::int32_t maximum = std::numeric_limits<std::int32_t>::max();
+};
+
+/// Words with the values that they stand for.
+template <typename Value>
+using JsonWords = std::vector<std::pair<std::string_view, Value>>;
+
+/// One object of a document, read key by key. What has the wrong type or value is reported and
+/// counts as absent. Refers to the document, the problems and the keys.
 class JsonObject
 {
 public:
-    /// A value that is no object is told and counts as one without keys.
-    JsonObject(const PlacedJson& json, FileProblems& problems);
+    /// A value that is no object is reported and counts as one without keys.
+    JsonObject(const PlacedJson& json, JsonProblems& problems);
 
     [[nodiscard]] const std::string& GetPointer() const { return mPointer; }
 
-    /// Gives the value of a key; its `value` is null when there is none.
+    /// Returns the value of a key; its `value` is null when there is none.
     [[nodiscard]] PlacedJson Find(std::string_view key, EPresence presence = EPresence::Optional);
-    /// Gives the text of a key; empty when there is none.
+    /// Returns the text of a key; empty when there is none.
     [[nodiscard]] std::string GetText(std::string_view key,
                                       EPresence presence = EPresence::Optional);
-    [[nodiscard]] std::optional<std::int32_t> GetNumber(std::string_view key);
-    /// Gives the elements of the list of a key.
+    /// Returns the texts in the list of a key.
+    [[nodiscard]] std::optional<std::vector<std::string>> GetTexts(std::string_view key);
+    [[nodiscard]] std::optional<std::int32_t> GetNumber(std::string_view key,
+                                                        const NumberRange& range = {});
+    [[nodiscard]] std::optional<bool> GetBoolean(std::string_view key);
+    /// Returns what the word of a key stands for.
+    template <typename Value>
+    [[nodiscard]] std::optional<Value> GetChoice(std::string_view key,
+                                                 const JsonWords<Value>& choices);
+    /// Returns the elements of the list of a key.
     [[nodiscard]] std::vector<PlacedJson> GetList(std::string_view key);
 
-    /// Tells the keys that nobody has asked for.
-    void RefuseOtherKeys();
+    /// Lets the object have the keys, whatever they hold.
+    void Ignore(std::initializer_list<std::string_view> keys);
+
+    /// Reports the keys that nobody has asked for.
+    void RejectUnknownKeys();
 
 private:
     const nlohmann::json* mObject = nullptr;
     std::string mPointer;
-    FileProblems* mProblems;
+    JsonProblems* mProblems;
     std::vector<std::string_view> mKnownKeys;
 };
 
-/// Reads a text without U+0000. Gives nothing, and tells it, when the value is none.
-[[nodiscard]] std::optional<std::string> ReadText(const PlacedJson& json, FileProblems& problems);
-/// Reads a whole number of 32 bits. Gives nothing, and tells it, when the value is none.
-[[nodiscard]] std::optional<std::int32_t> ReadNumber(const PlacedJson& json,
-                                                     FileProblems& problems);
-/// Tells that the value should have been `wanted`, such as "a string".
-void RefuseType(const PlacedJson& json, const std::string& wanted, FileProblems& problems);
+/// Returns a text without U+0000; nothing, and reports it, when the value is none.
+[[nodiscard]] std::optional<std::string> ReadText(const PlacedJson& json, JsonProblems& problems);
+/// Returns a whole number of the range; nothing, and reports it, when the value is none.
+[[nodiscard]] std::optional<std::int32_t> ReadNumber(const PlacedJson& json, JsonProblems& problems,
+                                                     const NumberRange& range = {});
+/// Returns the position of the word that the value is; nothing, and reports it, when the value is
+/// none of the words.
+[[nodiscard]] std::optional<std::size_t> ReadWord(const PlacedJson& json,
+                                                  const std::vector<std::string_view>& words,
+                                                  JsonProblems& problems);
+/// Returns the elements of a list; nothing, and reports it, when the value is none.
+[[nodiscard]] std::vector<PlacedJson> ReadList(const PlacedJson& json, JsonProblems& problems);
+/// Reports that the value should have been `wanted`, such as "a string".
+void RejectType(const PlacedJson& json, const std::string& wanted, JsonProblems& problems);
+
+template <typename Value>
+std::optional<Value> JsonObject::GetChoice(std::string_view key, const JsonWords<Value>& choices)
+{
+    const PlacedJson found = Find(key);
+    if (found.value == nullptr)
+        return std::nullopt;
+    std::vector<std::string_view> words;
+    for (const auto& choice : choices)
+        words.push_back(choice.first);
+    const auto position = ReadWord(found, words, *mProblems);
+    return position ? std::optional<Value>(choices[*position].second) : std::nullopt;
+}
 
 } // namespace qe::tool
 

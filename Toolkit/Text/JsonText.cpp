@@ -4,6 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cstddef>
 #include <set>
 #include <vector>
 
@@ -12,11 +14,21 @@ namespace qe::tool {
 namespace {
 
 using nlohmann::json;
+using nlohmann::ordered_json;
 
-std::string PlaceOf(std::string_view text, std::size_t offset, const std::string& fileName)
+/// Objects and lists may be nested this deep.
+constexpr std::size_t kMaximumDepth = 256;
+
+/// Texts for people are at most this wide, where they can be.
+constexpr std::size_t kLineWidth = 100;
+
+/// Returns the place of a byte; of a document without a name, which is a single line, the column.
+std::string PlaceOf(std::string_view text, std::size_t offset, const std::string& documentName)
 {
     const auto [line, column] = PositionCounter(text).MoveTo(offset);
-    return fileName + ':' + std::to_string(line) + ':' + std::to_string(column);
+    if (documentName.empty())
+        return "column " + std::to_string(column);
+    return documentName + ':' + std::to_string(line) + ':' + std::to_string(column);
 }
 
 /// Follows the parser through the text, which knows neither where in the document it is nor
@@ -24,9 +36,7 @@ std::string PlaceOf(std::string_view text, std::size_t offset, const std::string
 class DocumentWalk
 {
 public:
-    DocumentWalk(const std::string& fileName, FileProblems& problems)
-        : mFileName(fileName), mProblems(&problems)
-    {}
+    explicit DocumentWalk(JsonProblems& problems) : mProblems(&problems) {}
 
     void Step(json::parse_event_t event, const json& parsed)
     {
@@ -37,7 +47,7 @@ public:
             Enter(event);
             break;
         case json::parse_event_t::key:
-            NoteKey(parsed.get_ref<const std::string&>());
+            RecordKey(parsed.get_ref<const std::string&>());
             break;
         case json::parse_event_t::value:
             CountElement();
@@ -47,7 +57,7 @@ public:
         }
     }
 
-    /// Gives the pointer to the value that comes next.
+    /// Returns the pointer to the value that comes next.
     [[nodiscard]] std::string GetNextPointer() const
     {
         std::string pointer = GetPointer();
@@ -73,14 +83,14 @@ private:
 
     void Enter(json::parse_event_t event)
     {
-        if (mLevels.size() == MaximumDepth)
+        if (mLevels.size() == kMaximumDepth)
             throw InputError(
-                {{mFileName + '#' + GetPointer(),
-                  "is nested too deep: more than " + std::to_string(MaximumDepth) + " levels"}});
+                {{mProblems->ToPlace(GetPointer()),
+                  "is nested too deep: more than " + std::to_string(kMaximumDepth) + " levels"}});
         mLevels.push_back({event == json::parse_event_t::array_start});
     }
 
-    void NoteKey(const std::string& key)
+    void RecordKey(const std::string& key)
     {
         Level& level = mLevels.back();
         level.key = key;
@@ -97,24 +107,56 @@ private:
         return pointer;
     }
 
-    std::string mFileName;
-    FileProblems* mProblems;
+    JsonProblems* mProblems;
     std::vector<Level> mLevels;
 };
 
-/// Takes the parser's own place and number out of its message.
-std::string Reason(const std::string& message)
+/// Returns the parser's message without its own place and number.
+std::string Reason(const json::exception& error)
 {
+    const std::string message = error.what();
     const std::size_t start = message.find("syntax error");
     return start == std::string::npos ? message.substr(message.find("] ") + 2)
                                       : message.substr(start);
 }
 
+std::string Scalar(const ordered_json& value)
+{
+    return value.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+}
+
+/// Returns the text of `value`, whose first line begins in the column `indent` + `lead`.
+std::string Render(const ordered_json& value, std::size_t indent, std::size_t lead)
+{
+    if (!value.is_structured() || value.empty())
+        return Scalar(value);
+
+    std::vector<std::string> parts;
+    std::size_t width = indent + lead + 4;
+    bool fits = true;
+    for (const auto& member : value.items()) {
+        const std::string key = value.is_object() ? Scalar(member.key()) + ": " : std::string();
+        parts.push_back(key + Render(member.value(), indent + 2, key.size()));
+        width += parts.back().size() + 2;
+        fits = fits && parts.back().find('\n') == std::string::npos;
+    }
+    const bool oneLine = fits && width <= kLineWidth;
+    const std::string margin(indent + 2, ' ');
+    std::string text = value.is_object() ? "{" : "[";
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        text += i == 0 ? "" : ",";
+        text += oneLine ? (i == 0 && value.is_array() ? "" : " ") : '\n' + margin;
+        text += parts[i];
+    }
+    text += oneLine ? (value.is_array() ? "" : " ") : '\n' + std::string(indent, ' ');
+    return text + (value.is_object() ? '}' : ']');
+}
+
 } // namespace
 
-json ParseJson(std::string_view text, const std::string& fileName, FileProblems& problems)
+json ParseJson(std::string_view text, JsonProblems& problems)
 {
-    DocumentWalk walk(fileName, problems);
+    DocumentWalk walk(problems);
     try {
         return json::parse(text, [&walk](int, json::parse_event_t event, json& parsed) {
             walk.Step(event, parsed);
@@ -122,11 +164,18 @@ json ParseJson(std::string_view text, const std::string& fileName, FileProblems&
         });
     } catch (const json::parse_error& error) {
         const std::size_t offset = error.byte == 0 ? 0 : error.byte - 1;
-        throw InputError({{PlaceOf(text, offset, fileName), Reason(error.what())}});
+        const std::string& documentName = problems.GetDocumentName();
+        throw InputError({{PlaceOf(text, offset, documentName),
+                           documentName.empty() ? "not valid JSON" : Reason(error)}});
     } catch (const json::exception& error) {
         // A number that no number type holds.
-        throw InputError({{fileName + '#' + walk.GetNextPointer(), Reason(error.what())}});
+        throw InputError({{problems.ToPlace(walk.GetNextPointer()), Reason(error)}});
     }
+}
+
+std::string FormatJson(const ordered_json& document)
+{
+    return Render(document, 0, 0) + '\n';
 }
 
 } // namespace qe::tool

@@ -1,24 +1,23 @@
 #ifndef TOOLKIT_TEXT_JSONTEXT_H
 #define TOOLKIT_TEXT_JSONTEXT_H
 
-#include "Toolkit/Text/FileProblems.h"
+#include "Toolkit/Text/JsonProblems.h"
 
 #include <nlohmann/json_fwd.hpp>
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace qe::tool {
 
-/// Objects and lists may be nested this deep.
-inline constexpr std::size_t MaximumDepth = 256;
+/// Returns the JSON document that the text is. Throws an InputError with line and column (in
+/// characters, from 1) when the text is not JSON in UTF-8, or when it is nested deeper than 256
+/// levels. Keys that one object has twice are added to `problems`; the last one counts.
+[[nodiscard]] nlohmann::json ParseJson(std::string_view text, JsonProblems& problems);
 
-/// Reads JSON. Raises an InputError with line and column (in characters, from 1) when the text is
-/// not JSON in UTF-8, or when it is nested too deep. Keys that one object has twice are added to
-/// `problems`; the last one counts.
-[[nodiscard]] nlohmann::json ParseJson(std::string_view text, const std::string& fileName,
-                                       FileProblems& problems);
+/// Returns JSON for people: what fits on a line stands on one, everything else is indented by two
+/// spaces. Bytes that are not UTF-8 are replaced by U+FFFD. Ends with a line break.
+[[nodiscard]] std::string FormatJson(const nlohmann::ordered_json& document);
 
 } // namespace qe::tool
 

@@ -7,7 +7,7 @@
 
 namespace qe::tool {
 
-/// A table for people: columns as wide as their widest cell, two blanks apart. The last column is
+/// A table for people: columns as wide as their widest cell, two spaces apart. The last column is
 /// not padded. Cells are made harmless for the terminal as they are written.
 class TextTable
 {

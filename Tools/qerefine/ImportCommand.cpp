@@ -1,7 +1,6 @@
 #include "Tools/qerefine/Commands.h"
 
-#include "Toolkit/Import/SqlImport.h"
-#include "Toolkit/Import/SqliteImport.h"
+#include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Model/ModelFile.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputError.h"

@@ -183,7 +183,7 @@ ToolModel QuestionOptions::OpenModel(CommandContext& context)
     for (const std::string& text : mSettings)
         mQuestion.settings.push_back(ParseSetting(text));
     ApplySettings(mQuestion.settings);
-    OpenOptions options;
+    ImportOptions options;
     options.roles = mRoles == "shortcuts" ? ERoles::Shortcuts : ERoles::Plain;
     ToolModel model = tool::OpenModel(mModelPath, options);
     for (const std::string& note : model.notes)

@@ -27,7 +27,7 @@ void RequestFileOptions::AddTo(CLI::App& command)
         ->type_name("JSON");
 }
 
-OpenOptions RequestFileOptions::GetOpenOptions() const
+ImportOptions RequestFileOptions::GetOpenOptions() const
 {
     return {roles == "shortcuts" ? ERoles::Shortcuts : ERoles::Plain};
 }

@@ -31,7 +31,7 @@ struct RequestFileOptions
     /// Adds the options; the object outlives the command.
     void AddTo(CLI::App& command);
 
-    [[nodiscard]] OpenOptions GetOpenOptions() const;
+    [[nodiscard]] ImportOptions GetOpenOptions() const;
     /// Sets the settings for the process and gives the question with what requests do not say.
     /// Throws InputError.
     [[nodiscard]] Question Prepare() const;

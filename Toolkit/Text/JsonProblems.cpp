@@ -1,4 +1,4 @@
-#include "Toolkit/Text/FileProblems.h"
+#include "Toolkit/Text/JsonProblems.h"
 
 #include <cstdio>
 #include <utility>
@@ -7,7 +7,7 @@ namespace qe::tool {
 
 namespace {
 
-constexpr std::size_t MaximumProblems = 100;
+constexpr std::size_t kMaximumProblems = 100;
 
 /// Keeps what a file holds from breaking the lines of a message.
 std::string OnOneLine(const std::string& text)
@@ -28,27 +28,32 @@ std::string OnOneLine(const std::string& text)
 
 } // namespace
 
-void FileProblems::Add(const std::string& pointer, const std::string& text,
+void JsonProblems::Add(const std::string& pointer, const std::string& text,
                        std::vector<std::string> nearestNames)
 {
-    Settle(pointer);
-    if (mProblems.size() == MaximumProblems) {
+    MarkReported(pointer);
+    if (mProblems.size() == kMaximumProblems) {
         ++mLeftOut;
         return;
     }
     for (std::string& name : nearestNames)
         name = OnOneLine(name);
-    mProblems.push_back(
-        {mFileName + '#' + OnOneLine(pointer), OnOneLine(text), std::move(nearestNames)});
+    mProblems.push_back({ToPlace(OnOneLine(pointer)), OnOneLine(text), std::move(nearestNames)});
 }
 
-void FileProblems::RaiseIfAny()
+std::string JsonProblems::ToPlace(const std::string& pointer) const
+{
+    return mDocumentName.empty() ? pointer : mDocumentName + '#' + pointer;
+}
+
+void JsonProblems::ThrowIfAny() const
 {
     if (mProblems.empty())
         return;
+    std::vector<InputProblem> problems = mProblems;
     if (mLeftOut > 0)
-        mProblems.push_back({mFileName, "further mistakes: " + std::to_string(mLeftOut)});
-    throw InputError(std::move(mProblems));
+        problems.push_back({mDocumentName, "further mistakes: " + std::to_string(mLeftOut)});
+    throw InputError(std::move(problems));
 }
 
 std::string ChildPointer(const std::string& pointer, std::string_view key)
