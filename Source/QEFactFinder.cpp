@@ -1,53 +1,13 @@
 #include "QEFactFinder.h"
 
-#include "BMT_I_Association.h"
-#include "Facts/FactGraphDump.h"
-#include "Joins/RaiseFailure.h"
+#include "Facts/FactDump.h"
+#include "Facts/FactFailure.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <iterator>
 #include <ostream>
 
 template class AUT_RefPtr<AQE_I_FactFinder>;
-
-namespace {
-
-enum class ESide
-{
-    ToOne,
-    ToMany,
-    Unusable
-};
-
-ESide ToSide(int maximum)
-{
-    switch (maximum) {
-    case BMT_I_Association::CardinalityZero:
-    case BMT_I_Association::CardinalityOne:
-        return ESide::ToOne;
-    case BMT_I_Association::CardinalityMany:
-        return ESide::ToMany;
-    default:
-        return ESide::Unusable;
-    }
-}
-
-constexpr std::uint32_t UnusableLeftCardinality = 0xA9EBF43B;
-constexpr std::uint32_t UnusableRightCardinality = 0xA9E9BA5B;
-constexpr std::uint32_t ManyToManyJoin = 0xA9E12896;
-
-void RejectJoin(std::uint32_t messageNumber, int line)
-{
-    qe::RaiseFailure({.severity = 1,
-                      .code = -1,
-                      .messageNumber = messageNumber,
-                      .parameters = {},
-                      .sourcePath = "Source/QEFactFinder",
-                      .sourceLine = line});
-}
-
-} // namespace
 
 AQE_I_FactFinder::~AQE_I_FactFinder() = default;
 
@@ -63,20 +23,7 @@ AQE_FactFinder::~AQE_FactFinder() = default;
 void AQE_FactFinder::AddJoin(amd_id /*joinId*/, amd_id left, int leftMax, amd_id right,
                              int rightMax)
 {
-    const ESide leftSide = ToSide(leftMax);
-    const ESide rightSide = ToSide(rightMax);
-    if (leftSide == ESide::Unusable)
-        RejectJoin(UnusableLeftCardinality, 154);
-    else if (rightSide == ESide::Unusable)
-        RejectJoin(UnusableRightCardinality, leftSide == ESide::ToOne ? 128 : 147);
-    else if (leftSide == ESide::ToMany && rightSide == ESide::ToMany)
-        RejectJoin(ManyToManyJoin, 141);
-    else if (leftSide == ESide::ToMany)
-        mGraph.AddOneToManyJoin(right, left);
-    else if (rightSide == ESide::ToMany)
-        mGraph.AddOneToManyJoin(left, right);
-    else
-        mGraph.AddOneToOneJoin(left, right);
+    qe::RaiseUnlessAdded(mGraph.AddJoin({left, leftMax}, {right, rightMax}));
 }
 
 void AQE_FactFinder::GetDimensions(amd_id id, std::vector<amd_id>* dimensions, bool recursive)

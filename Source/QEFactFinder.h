@@ -2,7 +2,7 @@
 #define SOURCE_QEFACTFINDER_H
 
 #include "AQE_I_FactFinder.h"
-#include "Facts/FactGraph.h"
+#include "Rules/FactGraph.h"
 #include "amd_id.h"
 
 #include <iosfwd>

@@ -4,6 +4,7 @@
 #include "AQE_LogFile.h"
 #include "I18NConverter.h"
 #include "IdClass.h"
+#include "Joins/HostNumbers.h"
 #include "QERes.h"
 #include "Shortcuts/ShortcutGroupDump.h"
 #include "Shortcuts/ShortcutGroupMembers.h"
@@ -17,9 +18,9 @@
 
 namespace {
 
-constexpr int LogLevel = 11;
+constexpr int kLogLevel = 11;
 /// The domain of the ids of synthetic joins.
-constexpr std::int32_t SyntheticDomain = 100;
+constexpr std::int32_t kSyntheticDomain = 100;
 
 } // namespace
 
@@ -129,7 +130,7 @@ void AQE_QuerySubjectShortcutInfo::AddShortcutJoin(const amd_id& left, const amd
     constexpr auto one = BMT_I_Association::CardinalityOne;
     QEjoinInfo info;
     info.weight = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeShortcut);
-    info.joinId = {SyntheticDomain, IdClassShortcutJoin,
+    info.joinId = {kSyntheticDomain, IdClassShortcutJoin,
                    static_cast<std::int32_t>(mShortcutJoins.size())};
     info.leftQuerySubject = left;
     info.rightQuerySubject = right;
@@ -179,12 +180,13 @@ void AQE_QuerySubjectShortcutInfo::Dump(std::ostream& out)
 
 void AQE_QuerySubjectShortcutInfo::WriteLog()
 {
-    AQE_LogFile log(QERes::getString(340), LogLevel, 0xA9E143D7, 0xA9E60195,
+    AQE_LogFile log(QERes::getString(qe::host::kComponentNameText), kLogLevel,
+                    qe::host::kShortcutLogComponent, qe::host::kShortcutLogMessage,
                     "Join Information for the Shortcuts");
-    if (log.GetLogLevel() < LogLevel)
+    if (log.GetLogLevel() < kLogLevel)
         return;
     std::ostringstream stream;
     Dump(stream);
     stream << std::ends;
-    log.Log(LogLevel, AUT_GetUTF8Converter().Convert(stream.str().c_str()));
+    log.Log(kLogLevel, AUT_GetUTF8Converter().Convert(stream.str().c_str()));
 }

@@ -4,13 +4,18 @@
 #include "AQE_RequestContext.h"
 #include "Joins/JoinInfoReader.h"
 #include "Joins/JoinedQuerySubjects.h"
+#include "Joins/RaiseFailure.h"
+#include "PathSelection.h"
 #include "QEJoinTree.h"
-#include "Ranking/PathChoice.h"
-#include "Ranking/TwoGroupPaths.h"
+#include "Ranking/PathRanking.h"
+#include "Ranking/PathWeigher.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <iterator>
 #include <set>
+#include <utility>
 
 namespace {
 
@@ -18,15 +23,68 @@ using Ids = std::vector<amd_id>;
 
 constexpr int kNoWeight = -1;
 constexpr int kAllCandidatesMode = 3;
-constexpr int kChoiceLine = 185;
-constexpr int kChoiceBetweenLine = 303;
+
+/// How one of several candidates is chosen.
+struct ChoiceRules
+{
+    /// Chooses among the ranked paths; null takes the best-ranked one. Borrowed.
+    AQE_I_PathSelector* selector = nullptr;
+    qe::RankingSwitches ranking;
+    /// What a wrong choice of the selector is reported as.
+    const qe::host::Failure& wrongChoice;
+};
+
+std::function<int(const Ids&)> WeighIn(const AUT_RefPtr<AQE_JoinTree>& tree)
+{
+    return [tree](const Ids& path) { return tree->GetPathWeight(path); };
+}
 
 qe::CandidatePaths GetCandidates(const AUT_RefPtr<AQE_JoinTree>& tree, const Ids& favouredJoins,
                                  const Ids& requiredJoins)
 {
-    qe::CandidatePaths candidates{tree, {}, favouredJoins, requiredJoins};
+    qe::CandidatePaths candidates{.paths = {},
+                                  .getPathWeight = WeighIn(tree),
+                                  .favouredJoins = favouredJoins,
+                                  .requiredJoins = requiredJoins};
     tree->GetJoinPaths(candidates.paths);
     return candidates;
+}
+
+/// Returns the position that the selector chooses; the first without a selector.
+std::size_t SelectDescriptor(const std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>& descriptors,
+                             const ChoiceRules& rules)
+{
+    if (rules.selector == nullptr)
+        return 0;
+    if (!descriptors.empty()) {
+        const std::size_t index = rules.selector->SelectPath(descriptors);
+        if (index < descriptors.size())
+            return index;
+    }
+    qe::RaiseFailure(rules.wrongChoice);
+    return 0;
+}
+
+/// Returns the chosen path; there must be a candidate. A single one is taken as it is; several are
+/// weighed and ranked and put before the selector.
+Ids ChoosePath(const qe::CandidatePaths& candidates, const qe::RefinerServices& services,
+               const ChoiceRules& rules)
+{
+    if (candidates.paths.size() == 1)
+        return candidates.paths.front();
+    const auto weighted = qe::WeighPaths(candidates, services);
+    const auto descriptors = qe::DescribePaths(
+        weighted, qe::RankPaths(weighted, rules.ranking, qe::JoinInfoReader(services)));
+    Ids chosen;
+    descriptors[SelectDescriptor(descriptors, rules)]->GetJoinPath(chosen);
+    return chosen;
+}
+
+/// Weighs all candidates and returns the positions of the best, ascending.
+std::vector<std::size_t> ChooseBestPaths(const qe::CandidatePaths& candidates,
+                                         const qe::RefinerServices& services)
+{
+    return qe::SelectBestPaths(qe::WeighPaths(candidates, services), qe::JoinInfoReader(services));
 }
 
 bool LacksPath(const std::vector<Ids>& paths)
@@ -89,9 +147,11 @@ void AQE_Refiner::ComputeJoinPath(const Ids& querySubjects, const Ids& favouredJ
     if (mGovernors == nullptr && tree->GetPathWeight(candidates.paths.front()) == kNoWeight)
         return;
 
-    const Ids chosen =
-        qe::ChoosePath(candidates, GetServices(),
-                       {mPathSelector, {mUseFactTableCount, mUseStraightestPath}, kChoiceLine});
+    const Ids chosen = ChoosePath(candidates, GetServices(),
+                                  {.selector = mPathSelector,
+                                   .ranking = {.useFactTableCount = mUseFactTableCount,
+                                               .useStraightestPath = mUseStraightestPath},
+                                   .wrongChoice = qe::host::kWrongChoice});
     const Ids readable = qe::JoinInfoReader(GetServices()).KeepReadableJoins(chosen);
     // What stood in the caller's vector belongs to the answer, and to what is remembered of it.
     Ids answer = joinPath;
@@ -132,7 +192,7 @@ bool AQE_Refiner::ComputeBestJoinPaths(const Ids& querySubjects, const Ids& favo
         return tree->IsConnected();
     }
     std::vector<Ids> best;
-    for (const std::size_t index : qe::ChooseBestPaths(candidates, GetServices()))
+    for (const std::size_t index : ChooseBestPaths(candidates, GetServices()))
         best.push_back(candidates.paths[index]);
     Append(bestPaths, best);
     return true;
@@ -145,16 +205,26 @@ void AQE_Refiner::ComputeJoinPathBetween(const Ids& firstSet, const Ids& avoided
                                          int& resultWeight, Ids& endPair)
 {
     joinPath.clear();
-    const qe::TwoGroupPaths paths({firstSet, avoidedJoins, secondSet, furtherAvoidedJoins,
-                                   favouredJoins, requiredJoins, nodes, joins},
-                                  GetServices(), resultWeight);
-    if (paths.GetPaths().empty())
+    std::vector<EndPair> endPairs;
+    const qe::CandidatePaths candidates =
+        FindPathsBetween({firstSet, avoidedJoins, secondSet, furtherAvoidedJoins, favouredJoins,
+                          requiredJoins, nodes, joins},
+                         resultWeight, endPairs);
+    if (candidates.paths.empty())
         return;
     // Between two groups how straight a path is plays no part.
-    const Ids chosen =
-        paths.Choose({mPathSelector, {mUseFactTableCount, false}, kChoiceBetweenLine});
+    const Ids chosen = ChoosePath(
+        candidates, GetServices(),
+        {.selector = mPathSelector,
+         .ranking = {.useFactTableCount = mUseFactTableCount, .useStraightestPath = false},
+         .wrongChoice = qe::host::kWrongChoiceBetweenGroups});
     Ids readable = qe::JoinInfoReader(GetServices()).KeepReadableJoins(chosen);
-    const EndPair& ends = paths.GetEndPair(paths.GetIndex(chosen));
+    // The same path may have been found more than once; the ends are those of the first.
+    const auto first = std::find(candidates.paths.begin(), candidates.paths.end(), chosen);
+    const EndPair& ends =
+        endPairs[first == candidates.paths.end()
+                     ? 0
+                     : static_cast<std::size_t>(first - candidates.paths.begin())];
     Ids endIds{ends.first, ends.second};
     Append(endPair, endIds);
     joinPath.swap(readable);
@@ -168,19 +238,36 @@ void AQE_Refiner::ComputeBestJoinPathsBetween(const Ids& firstSet, const Ids& av
                                               std::vector<EndPair>& endPairs)
 {
     bestPaths.clear();
-    const qe::TwoGroupPaths paths({firstSet, avoidedJoins, secondSet, furtherAvoidedJoins,
-                                   favouredJoins, requiredJoins, nodes, joins},
-                                  GetServices(), resultWeight);
-    if (LacksPath(paths.GetPaths()))
+    std::vector<EndPair> allEnds;
+    const qe::CandidatePaths candidates =
+        FindPathsBetween({firstSet, avoidedJoins, secondSet, furtherAvoidedJoins, favouredJoins,
+                          requiredJoins, nodes, joins},
+                         resultWeight, allEnds);
+    if (LacksPath(candidates.paths))
         return;
     std::vector<Ids> best;
     std::vector<EndPair> bestEnds;
-    for (const std::size_t index : paths.ChooseBest()) {
-        best.push_back(paths.GetPaths()[index]);
-        bestEnds.push_back(paths.GetEndPair(index));
+    for (const std::size_t index : ChooseBestPaths(candidates, GetServices())) {
+        best.push_back(candidates.paths[index]);
+        bestEnds.push_back(allEnds[index]);
     }
     Append(endPairs, bestEnds);
     bestPaths.swap(best);
+}
+
+qe::CandidatePaths AQE_Refiner::FindPathsBetween(const TwoGroupLists& lists, int& resultWeight,
+                                                 std::vector<EndPair>& endPairs) const
+{
+    qe::CandidatePaths candidates{.paths = {},
+                                  .getPathWeight = {},
+                                  .favouredJoins = lists.favouredJoins,
+                                  .requiredJoins = lists.requiredJoins};
+    resultWeight = kNoWeight;
+    candidates.getPathWeight = WeighIn(AUT_RefPtr<AQE_JoinTree>(new AQE_JoinTree(
+        mGateway, lists.firstSet, lists.avoidedJoins, lists.secondSet, lists.furtherAvoidedJoins,
+        lists.favouredJoins, lists.requiredJoins, lists.nodes, lists.joins, candidates.paths,
+        resultWeight, endPairs, mGovernors, mRequestContext, mShortcutInfo)));
+    return candidates;
 }
 
 void AQE_Refiner::SetShortcutInfo(AQE_I_QuerySubjectShortcutInfo* shortcutInfo)

@@ -3,6 +3,7 @@
 
 #include "AQE_I_Refiner.h"
 #include "Joins/RefinerServices.h"
+#include "Ranking/PathWeigher.h"
 #include "amd_id.h"
 
 #include <utility>
@@ -53,8 +54,26 @@ public:
                           const Ids* avoidedJoins, Ids& treeJoins) override;
 
 private:
+    /// The lists of one request for paths between two groups. Borrowed.
+    struct TwoGroupLists
+    {
+        const Ids& firstSet;
+        const Ids& avoidedJoins;
+        const Ids& secondSet;
+        const Ids& furtherAvoidedJoins;
+        const Ids& favouredJoins;
+        const Ids& requiredJoins;
+        const Ids& nodes;
+        const Ids& joins;
+    };
+
     [[nodiscard]] AQE_JoinCache* FindJoinCache() const;
     [[nodiscard]] qe::RefinerServices GetServices() const;
+    /// Returns the least-weight paths between the two groups and replaces `endPairs` by the ends of
+    /// each. Sets `resultWeight` to their weight: to the unreachable distance when there are none,
+    /// and to -1 when there was nothing to search.
+    [[nodiscard]] qe::CandidatePaths FindPathsBetween(const TwoGroupLists& lists, int& resultWeight,
+                                                      std::vector<EndPair>& endPairs) const;
 
     amdi_gateway* mGateway;
     AQE_I_PathSelector* mPathSelector;

@@ -2,6 +2,7 @@
 #define SOURCE_JOINTREE_CROSSPRODUCTGOVERNOR_H
 
 #include "I18NString.h"
+#include "Joins/HostNumbers.h"
 #include "amd_id.h"
 
 #include <functional>
@@ -27,8 +28,8 @@ public:
                          AQE_RequestContext* requestContext);
 
     /// Checks for the ways of growing that meet unconnected query subjects one by one. An error is
-    /// raised from `sourceLine`.
-    void CheckCrossProduct(const NamesText& names, int sourceLine) const;
+    /// raised as `failure`.
+    void CheckCrossProduct(const NamesText& names, const host::Failure& failure) const;
 
     /// Checks for the cheapest-trees search, which found no tree for `subjects`. Whatever does not
     /// forbid a cross product warns here, and a user setting can switch the check off.
@@ -44,7 +45,7 @@ public:
 private:
     [[nodiscard]] const amdi_object* FindObject(const amd_id& id) const;
     void Warn() const;
-    void RaiseUnlessHarmless(const NamesText& names, int sourceLine) const;
+    void RaiseUnlessHarmless(const NamesText& names, const host::Failure& failure) const;
     [[nodiscard]] I18NString GetUserClasses() const;
 
     amdi_gateway* mGateway;

@@ -5,14 +5,11 @@
 #include "JoinTree/CrossProductGovernor.h"
 #include "JoinTree/JoinTreeLog.h"
 #include "JoinTree/PairwiseGrowth.h"
-#include "ORVAssertError.h"
+#include "Joins/RaiseFailure.h"
 
 namespace {
 
 using Ids = std::vector<amd_id>;
-
-constexpr int kPairwiseCheckLine = 1088;
-constexpr int kLibraryCheckLine = 935;
 
 } // namespace
 
@@ -25,7 +22,7 @@ void AQE_JoinTree::GetShortestPathTree()
     qe::PairwiseGrowth growth(*mGraph, *mTree, mNodeIndex, reader, log);
     growth.Grow(mEntities, [&](const amd_id& first, const amd_id& second) {
         governor.CheckCrossProduct([&] { return governor.GetPairNames(first, second); },
-                                   kPairwiseCheckLine);
+                                   qe::host::kCrossProductOfPair);
     });
     if (!mTree->IsConnected())
         return;
@@ -60,7 +57,7 @@ void AQE_JoinTree::GetShortestPathTreeOfLibrary()
     if (mEntities.size() > 1 && edges.empty()) {
         const qe::CrossProductGovernor governor(mGateway, mGovernors, mRequestContext);
         governor.CheckCrossProduct([&] { return governor.JoinSubjectNames(mEntities); },
-                                   kLibraryCheckLine);
+                                   qe::host::kCrossProductOfShortestPaths);
     }
     for (std::size_t position = 0; position < edges.size(); ++position) {
         const auto ends = reader.GetJoinEnds(edges[position], EShortcutUse::Consult);
@@ -96,10 +93,8 @@ void AQE_JoinTree::CloseTree(EShortcutUse shortcutUse)
         log.LogClosingAt(entity, joins.size());
         for (const amd_id& join : joins) {
             const auto ends = reader.GetJoinEnds(join, shortcutUse).value_or(qe::JoinEnds());
-            ORV_ASSERT(ends.right == entity || ends.left == entity,
-                       "ORV_ASSERT(right == mMinimumSpanningTreeEntities [i] || "
-                       "left == mMinimumSpanningTreeEntities [i]);",
-                       "Source/QEJoinTree", 1305);
+            if (ends.right != entity && ends.left != entity)
+                qe::RaiseBrokenInvariant(qe::host::kStrayJoinAtEntity);
             if (!isReached(ends.right == entity ? ends.left : ends.right))
                 continue;
             log.LogClosingJoin(ends);

@@ -1,24 +1,55 @@
 #include "AQE_I_Refiner.h"
 
 #include "AUT_I_UserConfiguration.h"
-#include "ORVAssertError.h"
+#include "Joins/RaiseFailure.h"
 
-#include <array>
 #include <atomic>
+#include <optional>
 
 namespace {
 
 constexpr int kAllCandidatesMode = 3;
 
-/// One weight for each edge type, and the line that an unknown type is reported from.
-struct WeightTable
-{
-    std::array<int, 6> weights;
-    int failureLine;
-};
+/// Longer than any path: the distance of what cannot be reached.
+constexpr int kUnreachable = 8888;
 
-constexpr WeightTable kDefaultWeights{{2, 2, 7, 3, 17, 8888}, 582};
-constexpr WeightTable kOtherWeights{{1, 1, 5, 2, 11, 8888}, 609};
+/// Returns the weight of a type of edge, or nothing when there is no such type.
+std::optional<int> FindDefaultWeight(AQE_I_Refiner::EEdgeType type)
+{
+    switch (type) {
+    case AQE_I_Refiner::EdgeTypeRelationship136:
+    case AQE_I_Refiner::EdgeTypeShortcut:
+        return 2;
+    case AQE_I_Refiner::EdgeTypeBothEndsInSet:
+        return 3;
+    case AQE_I_Refiner::EdgeTypeOneEndInSet:
+        return 7;
+    case AQE_I_Refiner::EdgeTypeJoin:
+        return 17;
+    case AQE_I_Refiner::EdgeTypeNone:
+        return kUnreachable;
+    }
+    return std::nullopt;
+}
+
+/// The same for every other value of "FFJoins".
+std::optional<int> FindOtherWeight(AQE_I_Refiner::EEdgeType type)
+{
+    switch (type) {
+    case AQE_I_Refiner::EdgeTypeRelationship136:
+    case AQE_I_Refiner::EdgeTypeShortcut:
+        return 1;
+    case AQE_I_Refiner::EdgeTypeBothEndsInSet:
+        return 2;
+    case AQE_I_Refiner::EdgeTypeOneEndInSet:
+        return 5;
+    case AQE_I_Refiner::EdgeTypeJoin:
+        return 11;
+    case AQE_I_Refiner::EdgeTypeNone:
+        return kUnreachable;
+    }
+    return std::nullopt;
+}
 
 /// The setting "FFJoins" as it was when it was first asked for. Two first callers at once may
 /// both read it, with the same result.
@@ -44,11 +75,10 @@ int AQE_I_Refiner::GetFFJoinsMode()
 
 int AQE_I_Refiner::GetEdgeWeightForType(EEdgeType type)
 {
-    const WeightTable& table =
-        GetFFJoinsMode() == kAllCandidatesMode ? kDefaultWeights : kOtherWeights;
-    const auto position = static_cast<unsigned>(type);
-    if (position < table.weights.size())
-        return table.weights[position];
-    ORV_ASSERT(false, "ORV_ASSERT(false);", "Source/QEI_Refiner", table.failureLine);
-    return 0;
+    const bool isDefault = GetFFJoinsMode() == kAllCandidatesMode;
+    const std::optional<int> weight = isDefault ? FindDefaultWeight(type) : FindOtherWeight(type);
+    if (!weight)
+        qe::RaiseBrokenInvariant(isDefault ? qe::host::kUnknownEdgeTypeByDefault
+                                           : qe::host::kUnknownEdgeType);
+    return weight.value_or(0);
 }

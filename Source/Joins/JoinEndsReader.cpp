@@ -2,7 +2,7 @@
 
 #include "AQE_I_QuerySubjectShortcutInfo.h"
 #include "AQE_I_Refiner.h"
-#include "IdClass.h"
+#include "Rules/FavouredWeight.h"
 
 namespace qe {
 
@@ -28,8 +28,15 @@ std::optional<WeighedJoin> JoinEndsReader::GetWeighedJoin(const amd_id& join,
                                                           EShortcutUse shortcutUse) const
 {
     auto read = Read(join, shortcutUse);
-    if (read)
-        read->weight = AdjustJoinWeight(read->ends, read->weight);
+    if (!read)
+        return read;
+    const auto resolve = [this](const amd_id& shortcut) {
+        return AQE_I_Refiner::GetRefQuerySubject(mGateway, shortcut, nullptr, nullptr);
+    };
+    read->weight = ApplyFavour(
+        *read, {mFavouredSubjects, resolve},
+        {.oneEnd = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeOneEndInSet),
+         .bothEnds = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeBothEndsInSet)});
     return read;
 }
 
@@ -42,37 +49,6 @@ std::optional<WeighedJoin> JoinEndsReader::Read(const amd_id& join, EShortcutUse
     if (!known)
         return std::nullopt;
     return WeighedJoin{{info.leftQuerySubject, info.rightQuerySubject}, info.weight};
-}
-
-int JoinEndsReader::AdjustJoinWeight(const JoinEnds& ends, int weight) const
-{
-    const int bothEndsWeight =
-        AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeBothEndsInSet);
-    if (weight <= bothEndsWeight || mFavouredSubjects.empty())
-        return weight;
-    bool left = IsFavoured(ends.left);
-    bool right = IsFavoured(ends.right);
-    // What a shortcut stands for counts only when neither end is favoured as it stands.
-    if (!left && !right) {
-        left = StandsForFavoured(ends.left);
-        right = StandsForFavoured(ends.right);
-    }
-    if (left && right)
-        return bothEndsWeight;
-    if (left || right)
-        return AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeOneEndInSet);
-    return weight;
-}
-
-bool JoinEndsReader::IsFavoured(const amd_id& end) const
-{
-    return mFavouredSubjects.count(end) != 0;
-}
-
-bool JoinEndsReader::StandsForFavoured(const amd_id& end) const
-{
-    return end.classCode == IdClassShortcut &&
-           IsFavoured(AQE_I_Refiner::GetRefQuerySubject(mGateway, end, nullptr, nullptr));
 }
 
 } // namespace qe

@@ -2,15 +2,19 @@
 
 #include "AUT_I_UserConfiguration.h"
 #include "IdClass.h"
-#include "QEJoinTree.h"
 #include "Ranking/FolderDistance.h"
-#include "Ranking/WrappingArithmetic.h"
+#include "Rules/WrappingArithmetic.h"
 
 #include <atomic>
+#include <cstdint>
+#include <map>
+#include <set>
 
 namespace qe {
 
 namespace {
+
+using Ids = std::vector<amd_id>;
 
 constexpr std::int32_t kFolderScale = 1000;
 
@@ -24,16 +28,13 @@ struct CachedFolderSetting
 
 CachedFolderSetting cachedSetting;
 
-} // namespace
-
-PathWeigher::PathWeigher(const RefinerServices& services, const AQE_JoinTree& tree,
-                         const Ids& favouredJoins, const Ids& requiredJoins)
-    : mServices(services), mTree(tree), mExemptJoins(favouredJoins.begin(), favouredJoins.end())
+enum class EFolders
 {
-    mExemptJoins.insert(requiredJoins.begin(), requiredJoins.end());
-}
+    Ignore,
+    Count
+};
 
-PathWeigher::EFolders PathWeigher::GetFolderMode()
+EFolders GetFolderMode()
 {
     if (!cachedSetting.alreadyRead) {
         // Noted first: the configuration is asked once, even when it fails to answer.
@@ -44,6 +45,31 @@ PathWeigher::EFolders PathWeigher::GetFolderMode()
     }
     return cachedSetting.adjustByFolder ? EFolders::Count : EFolders::Ignore;
 }
+
+/// Weighs the paths of one operation.
+class PathWeigher
+{
+public:
+    PathWeigher(const CandidatePaths& candidates, const RefinerServices& services)
+        : mCandidates(candidates),
+          mServices(services),
+          mExemptJoins(candidates.favouredJoins.begin(), candidates.favouredJoins.end())
+    {
+        mExemptJoins.insert(candidates.requiredJoins.begin(), candidates.requiredJoins.end());
+    }
+
+    [[nodiscard]] std::int32_t ComputePathWeight(const Ids& path);
+
+private:
+    [[nodiscard]] std::int32_t ComputeTerm(const amd_id& join, EFolders folders) const;
+    [[nodiscard]] bool IsExempt(const amd_id& join) const;
+
+    const CandidatePaths& mCandidates;
+    const RefinerServices& mServices;
+    std::set<amd_id> mExemptJoins;
+    /// What each join adds to a path; alternatives share most of their joins.
+    std::map<amd_id, std::int32_t> mTerms;
+};
 
 std::int32_t PathWeigher::ComputePathWeight(const Ids& path)
 {
@@ -60,7 +86,7 @@ std::int32_t PathWeigher::ComputePathWeight(const Ids& path)
 
 std::int32_t PathWeigher::ComputeTerm(const amd_id& join, EFolders folders) const
 {
-    const std::int32_t edgeWeight = mTree.GetPathWeight({join});
+    const std::int32_t edgeWeight = mCandidates.getPathWeight({join});
     if (folders == EFolders::Ignore)
         return edgeWeight;
     const std::int32_t scaled = MultiplyWrapping(kFolderScale, edgeWeight);
@@ -73,6 +99,19 @@ bool PathWeigher::IsExempt(const amd_id& join) const
 {
     return join.classCode == IdClassSpecJoin || mExemptJoins.count(join) != 0 ||
            join.classCode == IdClassShortcutJoin;
+}
+
+} // namespace
+
+std::vector<WeightedPath> WeighPaths(const CandidatePaths& candidates,
+                                     const RefinerServices& services)
+{
+    PathWeigher weigher(candidates, services);
+    std::vector<WeightedPath> weighted;
+    weighted.reserve(candidates.paths.size());
+    for (const Ids& path : candidates.paths)
+        weighted.push_back({path, weigher.ComputePathWeight(path)});
+    return weighted;
 }
 
 } // namespace qe

@@ -1,6 +1,6 @@
-#include "Facts/FactGraphDump.h"
+#include "Facts/FactDump.h"
 
-#include "Facts/FactGraph.h"
+#include "Rules/FactGraph.h"
 
 #include <algorithm>
 #include <cstddef>
