@@ -23,9 +23,6 @@ public:
     void GetSharedDimensions(std::vector<amd_id>& dimensions) override;
 
 private:
-    void DumpFacts(std::ostream& out);
-    void DumpSharedDimensions(std::ostream& out);
-
     qe::FactGraph mGraph;
 };
 

@@ -3,8 +3,9 @@
 #include "AQE_JoinCache.h"
 #include "AQE_RequestContext.h"
 #include "Joins/JoinInfoReader.h"
-#include "Joins/JoinedQuerySubjects.h"
+#include "Joins/JoinReader.h"
 #include "Joins/RaiseFailure.h"
+#include "Joins/UserSettings.h"
 #include "PathSelection.h"
 #include "QEJoinTree.h"
 #include "Ranking/PathRanking.h"
@@ -22,7 +23,6 @@ namespace {
 using Ids = std::vector<amd_id>;
 
 constexpr int kNoWeight = -1;
-constexpr int kAllCandidatesMode = 3;
 
 /// How one of several candidates is chosen.
 struct ChoiceRules
@@ -137,9 +137,13 @@ void AQE_Refiner::ComputeJoinPath(const Ids& querySubjects, const Ids& favouredJ
         cache->GetJoinPath(querySubjects, favouredJoins, requiredJoins, joinPath))
         return;
 
-    const AUT_RefPtr<AQE_JoinTree> tree(new AQE_JoinTree(
-        mGateway, querySubjects, favouredJoins, requiredJoins, nodes, joins, mGovernors,
-        mRequestContext, nullptr, mShortcutInfo, false, favouredSubjects));
+    const AUT_RefPtr<AQE_JoinTree> tree(
+        new AQE_JoinTree(GetServices(), qe::JoinTreeRequest{.subjects = querySubjects,
+                                                            .favouredJoins = favouredJoins,
+                                                            .requiredJoins = requiredJoins,
+                                                            .nodes = nodes,
+                                                            .joins = joins,
+                                                            .favouredSubjects = favouredSubjects}));
     const qe::CandidatePaths candidates = GetCandidates(tree, favouredJoins, requiredJoins);
     if (LacksPath(candidates.paths))
         return;
@@ -164,8 +168,11 @@ void AQE_Refiner::ComputeJoinPath(const Ids& querySubjects, const Ids& favouredJ
 void AQE_Refiner::GetJoinedQuerySubjects(const Ids& querySubjects, const Ids& nodes,
                                          const Ids& joins, Ids& joinedQuerySubjects)
 {
-    const AQE_JoinTree tree(mGateway, querySubjects, {}, {}, nodes, joins, mGovernors,
-                            mRequestContext, nullptr, mShortcutInfo, true, {});
+    const AQE_JoinTree tree(
+        GetServices(), qe::JoinTreeRequest{.subjects = querySubjects,
+                                           .nodes = nodes,
+                                           .joins = joins,
+                                           .use = qe::JoinTreeRequest::EUse::ConnectivityOnly});
     Ids connectingJoins;
     tree.GetConnectingJoins(connectingJoins);
     std::set<amd_id> subjects = qe::CollectJoinEnds(mGateway, connectingJoins);
@@ -180,14 +187,18 @@ bool AQE_Refiner::ComputeBestJoinPaths(const Ids& querySubjects, const Ids& favo
 {
     if (querySubjects.size() < 2)
         return true;
-    const AUT_RefPtr<AQE_JoinTree> tree(new AQE_JoinTree(
-        mGateway, querySubjects, favouredJoins, requiredJoins, nodes, joins, mGovernors,
-        mRequestContext, avoidedJoins.empty() ? nullptr : &avoidedJoins, mShortcutInfo, false,
-        favouredSubjects));
+    const AUT_RefPtr<AQE_JoinTree> tree(
+        new AQE_JoinTree(GetServices(), qe::JoinTreeRequest{.subjects = querySubjects,
+                                                            .favouredJoins = favouredJoins,
+                                                            .requiredJoins = requiredJoins,
+                                                            .nodes = nodes,
+                                                            .joins = joins,
+                                                            .avoidedJoins = avoidedJoins,
+                                                            .favouredSubjects = favouredSubjects}));
     qe::CandidatePaths candidates = GetCandidates(tree, favouredJoins, requiredJoins);
     if (LacksPath(candidates.paths) || tree->GetPathWeight(candidates.paths.front()) == kNoWeight)
         return false;
-    if (GetFFJoinsMode() == kAllCandidatesMode) {
+    if (GetFFJoinsMode() == qe::settings::kFFJoinsAllCandidates) {
         bestPaths.swap(candidates.paths);
         return tree->IsConnected();
     }
@@ -207,8 +218,14 @@ void AQE_Refiner::ComputeJoinPathBetween(const Ids& firstSet, const Ids& avoided
     joinPath.clear();
     std::vector<EndPair> endPairs;
     const qe::CandidatePaths candidates =
-        FindPathsBetween({firstSet, avoidedJoins, secondSet, furtherAvoidedJoins, favouredJoins,
-                          requiredJoins, nodes, joins},
+        FindPathsBetween({.firstSet = firstSet,
+                          .avoidedJoins = avoidedJoins,
+                          .secondSet = secondSet,
+                          .furtherAvoidedJoins = furtherAvoidedJoins,
+                          .favouredJoins = favouredJoins,
+                          .requiredJoins = requiredJoins,
+                          .nodes = nodes,
+                          .joins = joins},
                          resultWeight, endPairs);
     if (candidates.paths.empty())
         return;
@@ -240,8 +257,14 @@ void AQE_Refiner::ComputeBestJoinPathsBetween(const Ids& firstSet, const Ids& av
     bestPaths.clear();
     std::vector<EndPair> allEnds;
     const qe::CandidatePaths candidates =
-        FindPathsBetween({firstSet, avoidedJoins, secondSet, furtherAvoidedJoins, favouredJoins,
-                          requiredJoins, nodes, joins},
+        FindPathsBetween({.firstSet = firstSet,
+                          .avoidedJoins = avoidedJoins,
+                          .secondSet = secondSet,
+                          .furtherAvoidedJoins = furtherAvoidedJoins,
+                          .favouredJoins = favouredJoins,
+                          .requiredJoins = requiredJoins,
+                          .nodes = nodes,
+                          .joins = joins},
                          resultWeight, allEnds);
     if (LacksPath(candidates.paths))
         return;
@@ -255,18 +278,18 @@ void AQE_Refiner::ComputeBestJoinPathsBetween(const Ids& firstSet, const Ids& av
     bestPaths.swap(best);
 }
 
-qe::CandidatePaths AQE_Refiner::FindPathsBetween(const TwoGroupLists& lists, int& resultWeight,
+qe::CandidatePaths AQE_Refiner::FindPathsBetween(const qe::TwoSetRequest& request,
+                                                 int& resultWeight,
                                                  std::vector<EndPair>& endPairs) const
 {
     qe::CandidatePaths candidates{.paths = {},
                                   .getPathWeight = {},
-                                  .favouredJoins = lists.favouredJoins,
-                                  .requiredJoins = lists.requiredJoins};
+                                  .favouredJoins = request.favouredJoins,
+                                  .requiredJoins = request.requiredJoins};
     resultWeight = kNoWeight;
     candidates.getPathWeight = WeighIn(AUT_RefPtr<AQE_JoinTree>(new AQE_JoinTree(
-        mGateway, lists.firstSet, lists.avoidedJoins, lists.secondSet, lists.furtherAvoidedJoins,
-        lists.favouredJoins, lists.requiredJoins, lists.nodes, lists.joins, candidates.paths,
-        resultWeight, endPairs, mGovernors, mRequestContext, mShortcutInfo)));
+        GetServices(), request,
+        {.paths = candidates.paths, .weight = resultWeight, .endPairs = endPairs})));
     return candidates;
 }
 
@@ -281,8 +304,19 @@ bool AQE_Refiner::GetJoinTreeJoins(amdi_gateway* gateway, const Ids& querySubjec
                                    AQE_RequestContext* requestContext, const Ids* avoidedJoins,
                                    Ids& treeJoins)
 {
-    const AQE_JoinTree tree(gateway, querySubjects, favouredJoins, requiredJoins, nodes, joins,
-                            governors, requestContext, avoidedJoins, mShortcutInfo);
+    const qe::RefinerServices services{.gateway = gateway,
+                                       .governors = governors,
+                                       .requestContext = requestContext,
+                                       .shortcutInfo = mShortcutInfo};
+    const AQE_JoinTree tree(
+        services,
+        qe::JoinTreeRequest{.subjects = querySubjects,
+                            .favouredJoins = favouredJoins,
+                            .requiredJoins = requiredJoins,
+                            .nodes = nodes,
+                            .joins = joins,
+                            .avoidedJoins = avoidedJoins == nullptr ? qe::kNoIds : *avoidedJoins,
+                            .use = qe::JoinTreeRequest::EUse::ConnectOverShortcuts});
     Ids found;
     tree.GetTreeJoins(found);
     Append(treeJoins, found);

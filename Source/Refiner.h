@@ -2,7 +2,8 @@
 #define SOURCE_REFINER_H
 
 #include "AQE_I_Refiner.h"
-#include "Joins/RefinerServices.h"
+#include "JoinTree/JoinTreeRequest.h"
+#include "Joins/JoinInfoReader.h"
 #include "Ranking/PathWeigher.h"
 #include "amd_id.h"
 
@@ -54,25 +55,13 @@ public:
                           const Ids* avoidedJoins, Ids& treeJoins) override;
 
 private:
-    /// The lists of one request for paths between two groups. Borrowed.
-    struct TwoGroupLists
-    {
-        const Ids& firstSet;
-        const Ids& avoidedJoins;
-        const Ids& secondSet;
-        const Ids& furtherAvoidedJoins;
-        const Ids& favouredJoins;
-        const Ids& requiredJoins;
-        const Ids& nodes;
-        const Ids& joins;
-    };
-
     [[nodiscard]] AQE_JoinCache* FindJoinCache() const;
     [[nodiscard]] qe::RefinerServices GetServices() const;
     /// Returns the least-weight paths between the two groups and replaces `endPairs` by the ends of
     /// each. Sets `resultWeight` to their weight: to the unreachable distance when there are none,
     /// and to -1 when there was nothing to search.
-    [[nodiscard]] qe::CandidatePaths FindPathsBetween(const TwoGroupLists& lists, int& resultWeight,
+    [[nodiscard]] qe::CandidatePaths FindPathsBetween(const qe::TwoSetRequest& request,
+                                                      int& resultWeight,
                                                       std::vector<EndPair>& endPairs) const;
 
     amdi_gateway* mGateway;

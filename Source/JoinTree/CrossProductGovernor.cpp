@@ -4,9 +4,9 @@
 #include "AQE_I_Authentication.h"
 #include "AQE_Nag.h"
 #include "AQE_RequestContext.h"
-#include "AUT_I_UserConfiguration.h"
 #include "HBNMessage.h"
 #include "Joins/RaiseFailure.h"
+#include "Joins/UserSettings.h"
 #include "QERes.h"
 #include "amdi_gateway.h"
 #include "amdi_object.h"
@@ -24,17 +24,12 @@ constexpr std::int32_t kDeny = 2;
 
 constexpr int kHarmlessCommandType = 3;
 
-bool IsCheapestTreesCheckOff()
-{
-    const auto configuration = AUT_I_UserConfiguration::Create(RootKeyUser);
-    return configuration->GetInt("QueryEngine", "DoNotApplyCrossProductGovernor", 0) != 0;
-}
-
 } // namespace
 
-CrossProductGovernor::CrossProductGovernor(amdi_gateway* gateway, const AQE_Governors* governors,
-                                           AQE_RequestContext* requestContext)
-    : mGateway(gateway), mGovernors(governors), mRequestContext(requestContext)
+CrossProductGovernor::CrossProductGovernor(const RefinerServices& services)
+    : mGateway(services.gateway),
+      mGovernors(services.governors),
+      mRequestContext(services.requestContext)
 {}
 
 void CrossProductGovernor::CheckCrossProduct(const NamesText& names,
@@ -50,7 +45,7 @@ void CrossProductGovernor::CheckCrossProduct(const NamesText& names,
 
 void CrossProductGovernor::CheckCheapestTrees(const std::vector<amd_id>& subjects) const
 {
-    if (IsCheapestTreesCheckOff() || mGovernors == nullptr)
+    if (settings::IsDoNotApplyCrossProductGovernorOn() || mGovernors == nullptr)
         return;
     if (mGovernors->crossProductAllowed == kDeny)
         RaiseUnlessHarmless([&] { return JoinSubjectNames(subjects); },

@@ -71,8 +71,7 @@ void JoinTreeLog::LogPath(const Ids& path, int weight)
     line << "weight:" << weight;
     const char* separator = " joins:\n    ";
     for (const amd_id& join : path) {
-        const JoinEnds ends = mEndsReader.GetJoinEnds(join, JoinEndsReader::EShortcutUse::Ignore)
-                                  .value_or(JoinEnds());
+        const JoinEnds ends = mEndsReader.GetJoinEnds(join).value_or(JoinEnds());
         line << separator << "id=" << ToText(join) << " left=" << ToText(ends.left)
              << " right=" << ToText(ends.right) << " (" << GetEndName(ends.left) << ", "
              << GetEndName(ends.right) << ")";

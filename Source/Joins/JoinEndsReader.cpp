@@ -6,32 +6,26 @@
 
 namespace qe {
 
-JoinEndsReader::JoinEndsReader(amdi_gateway* gateway, AQE_RequestContext* requestContext,
-                               AQE_I_QuerySubjectShortcutInfo* shortcutInfo,
-                               const std::set<amd_id>& favouredSubjects)
-    : mGateway(gateway),
-      mRequestContext(requestContext),
-      mShortcutInfo(shortcutInfo),
-      mFavouredSubjects(favouredSubjects)
+JoinEndsReader::JoinEndsReader(const RefinerServices& services,
+                               const std::set<amd_id>& favouredSubjects, EShortcutUse shortcutUse)
+    : mServices(services), mFavouredSubjects(favouredSubjects), mShortcutUse(shortcutUse)
 {}
 
-std::optional<JoinEnds> JoinEndsReader::GetJoinEnds(const amd_id& join,
-                                                    EShortcutUse shortcutUse) const
+std::optional<JoinEnds> JoinEndsReader::GetJoinEnds(const amd_id& join) const
 {
-    const auto read = Read(join, shortcutUse);
+    const auto read = Read(join);
     if (!read)
         return std::nullopt;
     return read->ends;
 }
 
-std::optional<WeighedJoin> JoinEndsReader::GetWeighedJoin(const amd_id& join,
-                                                          EShortcutUse shortcutUse) const
+std::optional<WeighedJoin> JoinEndsReader::GetWeighedJoin(const amd_id& join) const
 {
-    auto read = Read(join, shortcutUse);
+    auto read = Read(join);
     if (!read)
         return read;
     const auto resolve = [this](const amd_id& shortcut) {
-        return AQE_I_Refiner::GetRefQuerySubject(mGateway, shortcut, nullptr, nullptr);
+        return AQE_I_Refiner::GetRefQuerySubject(mServices.gateway, shortcut, nullptr, nullptr);
     };
     read->weight = ApplyFavour(
         *read, {mFavouredSubjects, resolve},
@@ -40,12 +34,13 @@ std::optional<WeighedJoin> JoinEndsReader::GetWeighedJoin(const amd_id& join,
     return read;
 }
 
-std::optional<WeighedJoin> JoinEndsReader::Read(const amd_id& join, EShortcutUse shortcutUse) const
+std::optional<WeighedJoin> JoinEndsReader::Read(const amd_id& join) const
 {
     AQE_I_Refiner::QEjoinInfo info;
-    bool known = AQE_I_Refiner::GetJoinInfo(mGateway, mRequestContext, join, info);
-    if (!known && shortcutUse == EShortcutUse::Consult && mShortcutInfo != nullptr)
-        known = mShortcutInfo->GetJoinInfo(join, info);
+    bool known =
+        AQE_I_Refiner::GetJoinInfo(mServices.gateway, mServices.requestContext, join, info);
+    if (!known && mShortcutUse == EShortcutUse::Consult && mServices.shortcutInfo != nullptr)
+        known = mServices.shortcutInfo->GetJoinInfo(join, info);
     if (!known)
         return std::nullopt;
     return WeighedJoin{{info.leftQuerySubject, info.rightQuerySubject}, info.weight};

@@ -1,7 +1,7 @@
 #ifndef SOURCE_RANKING_PATHWEIGHER_H
 #define SOURCE_RANKING_PATHWEIGHER_H
 
-#include "Joins/RefinerServices.h"
+#include "Joins/JoinInfoReader.h"
 #include "Ranking/PathRanking.h"
 #include "amd_id.h"
 
