@@ -49,3 +49,20 @@ AQE_FirstPathSelector::SelectAlternative(const std::vector<std::vector<amd_id>>&
 {
     return 0;
 }
+
+namespace qe {
+
+std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>
+DescribePaths(std::span<const WeightedPath> candidates, std::span<const RankedPath> ranked)
+{
+    std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>> descriptors;
+    descriptors.reserve(ranked.size());
+    for (const RankedPath& path : ranked) {
+        const WeightedPath& candidate = candidates[path.candidate];
+        descriptors.push_back(AUT_RefPtr<AQE_I_JoinPathDescriptor>(
+            new AQE_JoinPathDescriptor(candidate.path, path.ranking, candidate.weight)));
+    }
+    return descriptors;
+}
+
+} // namespace qe

@@ -3,9 +3,12 @@
 
 #include "AQE_I_JoinPathDescriptor.h"
 #include "AQE_I_PathSelector.h"
+#include "AUT_RefPtr.h"
+#include "Ranking/PathRanking.h"
 #include "amd_id.h"
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 /// A ranked candidate join path.
@@ -36,5 +39,13 @@ public:
     SelectPath(const std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>& descriptors) override;
     std::uint32_t SelectAlternative(const std::vector<std::vector<amd_id>>& paths) override;
 };
+
+namespace qe {
+
+/// Returns one descriptor for each ranked path, in their order.
+[[nodiscard]] std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>
+DescribePaths(std::span<const WeightedPath> candidates, std::span<const RankedPath> ranked);
+
+} // namespace qe
 
 #endif

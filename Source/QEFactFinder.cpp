@@ -1,53 +1,11 @@
 #include "QEFactFinder.h"
 
-#include "BMT_I_Association.h"
-#include "Facts/FactGraphDump.h"
-#include "Joins/RaiseFailure.h"
+#include "Facts/FactFailure.h"
+#include "Facts/FactQueries.h"
 
-#include <algorithm>
-#include <cstdint>
-#include <iterator>
 #include <ostream>
 
 template class AUT_RefPtr<AQE_I_FactFinder>;
-
-namespace {
-
-enum class ESide
-{
-    ToOne,
-    ToMany,
-    Unusable
-};
-
-ESide ToSide(int maximum)
-{
-    switch (maximum) {
-    case BMT_I_Association::CardinalityZero:
-    case BMT_I_Association::CardinalityOne:
-        return ESide::ToOne;
-    case BMT_I_Association::CardinalityMany:
-        return ESide::ToMany;
-    default:
-        return ESide::Unusable;
-    }
-}
-
-constexpr std::uint32_t UnusableLeftCardinality = 0xA9EBF43B;
-constexpr std::uint32_t UnusableRightCardinality = 0xA9E9BA5B;
-constexpr std::uint32_t ManyToManyJoin = 0xA9E12896;
-
-void RejectJoin(std::uint32_t messageNumber, int line)
-{
-    qe::RaiseFailure({.severity = 1,
-                      .code = -1,
-                      .messageNumber = messageNumber,
-                      .parameters = {},
-                      .sourcePath = "Source/QEFactFinder",
-                      .sourceLine = line});
-}
-
-} // namespace
 
 AQE_I_FactFinder::~AQE_I_FactFinder() = default;
 
@@ -63,98 +21,29 @@ AQE_FactFinder::~AQE_FactFinder() = default;
 void AQE_FactFinder::AddJoin(amd_id /*joinId*/, amd_id left, int leftMax, amd_id right,
                              int rightMax)
 {
-    const ESide leftSide = ToSide(leftMax);
-    const ESide rightSide = ToSide(rightMax);
-    if (leftSide == ESide::Unusable)
-        RejectJoin(UnusableLeftCardinality, 154);
-    else if (rightSide == ESide::Unusable)
-        RejectJoin(UnusableRightCardinality, leftSide == ESide::ToOne ? 128 : 147);
-    else if (leftSide == ESide::ToMany && rightSide == ESide::ToMany)
-        RejectJoin(ManyToManyJoin, 141);
-    else if (leftSide == ESide::ToMany)
-        mGraph.AddOneToManyJoin(right, left);
-    else if (rightSide == ESide::ToMany)
-        mGraph.AddOneToManyJoin(left, right);
-    else
-        mGraph.AddOneToOneJoin(left, right);
+    qe::RaiseUnlessAdded(mGraph.AddJoin({.subject = left, .maximum = leftMax},
+                                        {.subject = right, .maximum = rightMax}));
 }
 
 void AQE_FactFinder::GetDimensions(amd_id id, std::vector<amd_id>* dimensions, bool recursive)
 {
-    const qe::FactNode* const node = mGraph.Find(id);
-    if (node == nullptr || dimensions == nullptr)
-        return;
-    for (const qe::FactNode* const child : node->mChildren) {
-        for (const amd_id& dimension : child->mIds) {
-            if (std::find(dimensions->begin(), dimensions->end(), dimension) != dimensions->end())
-                continue;
-            dimensions->push_back(dimension);
-            if (recursive)
-                GetDimensions(dimension, dimensions, recursive);
-        }
-    }
+    if (dimensions != nullptr)
+        qe::AppendDimensions(mGraph, id, recursive ? qe::EDimensions::All : qe::EDimensions::Own,
+                             *dimensions);
 }
 
 void AQE_FactFinder::GetFacts(std::vector<amd_id>& facts)
 {
-    for (const qe::FactNode* const root : mGraph.GetRoots())
-        facts.push_back(root->mIds.front());
+    qe::AppendFacts(mGraph, facts);
 }
 
 void AQE_FactFinder::GetSharedDimensions(std::vector<amd_id>& dimensions)
 {
-    const std::vector<qe::FactNode*>& roots = mGraph.GetRoots();
-    if (roots.empty())
-        return;
-    const amd_id firstFact = roots.front()->mIds.front();
-    if (roots.size() == 1) {
-        // What everything shares when there is a single fact is the fact itself.
-        dimensions.push_back(firstFact);
-        return;
-    }
-    GetDimensions(firstFact, &dimensions, true);
-    std::sort(dimensions.begin(), dimensions.end());
-    for (auto root = std::next(roots.begin()); root != roots.end(); ++root) {
-        std::vector<amd_id> further;
-        GetDimensions((*root)->mIds.front(), &further, true);
-        std::sort(further.begin(), further.end());
-        std::vector<amd_id> common;
-        std::set_intersection(dimensions.begin(), dimensions.end(), further.begin(), further.end(),
-                              std::back_inserter(common));
-        dimensions.swap(common);
-    }
+    qe::AppendSharedDimensions(mGraph, dimensions);
 }
 
 void AQE_FactFinder::Dump(std::ostream& out)
 {
     out << "FactFinder::Dump" << std::endl;
-    qe::DumpFactGraph(mGraph, out);
-    DumpFacts(out);
-    DumpSharedDimensions(out);
-}
-
-void AQE_FactFinder::DumpFacts(std::ostream& out)
-{
-    out << "Facts:" << std::endl;
-    std::vector<amd_id> facts;
-    GetFacts(facts);
-    for (const amd_id& fact : facts) {
-        // Every fact line shows the same unset pair; the trees above name the facts.
-        out << "    " << ToText(amd_id{}) << std::endl;
-        std::vector<amd_id> dimensions;
-        GetDimensions(fact, &dimensions, true);
-        out << "    -->";
-        for (const amd_id& dimension : dimensions)
-            out << ' ' << ToText(dimension);
-        out << std::endl;
-    }
-}
-
-void AQE_FactFinder::DumpSharedDimensions(std::ostream& out)
-{
-    out << "Shared Dimensions:" << std::endl;
-    std::vector<amd_id> dimensions;
-    GetSharedDimensions(dimensions);
-    for (const amd_id& dimension : dimensions)
-        out << "    " << ToText(dimension) << std::endl;
+    qe::DumpFacts(mGraph, out);
 }

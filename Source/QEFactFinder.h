@@ -2,7 +2,7 @@
 #define SOURCE_QEFACTFINDER_H
 
 #include "AQE_I_FactFinder.h"
-#include "Facts/FactGraph.h"
+#include "Rules/FactGraph.h"
 #include "amd_id.h"
 
 #include <iosfwd>
@@ -23,9 +23,6 @@ public:
     void GetSharedDimensions(std::vector<amd_id>& dimensions) override;
 
 private:
-    void DumpFacts(std::ostream& out);
-    void DumpSharedDimensions(std::ostream& out);
-
     qe::FactGraph mGraph;
 };
 

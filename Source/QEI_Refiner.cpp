@@ -1,14 +1,18 @@
 #include "AQE_I_Refiner.h"
 
+#include "AQE_Compatibility.h"
 #include "AQE_JoinCache.h"
 #include "AQE_RequestContext.h"
 #include "Joins/JoinReader.h"
+#include "Joins/RaiseFailure.h"
 #include "Joins/TypedLookup.h"
+#include "Joins/UserSettings.h"
 #include "Refiner.h"
 #include "amdi_filter.h"
 #include "amdi_shortcut.h"
 #include "amdi_specFilter.h"
 
+#include <optional>
 #include <set>
 
 template class AUT_RefPtr<AQE_I_Refiner>;
@@ -31,6 +35,57 @@ bool ReadFilter(amdi_gateway* gateway, IdClass kind, AQE_I_Refiner::QEFilterInfo
     info.expression = condition;
     return true;
 }
+
+/// Longer than any path: the distance of what cannot be reached.
+constexpr int kUnreachable = 8888;
+
+/// Returns the weight of a type of edge, or nothing when there is no such type.
+std::optional<int> FindDefaultWeight(AQE_I_Refiner::EEdgeType type)
+{
+    switch (type) {
+    case AQE_I_Refiner::EdgeTypeRelationship136:
+    case AQE_I_Refiner::EdgeTypeShortcut:
+        return 2;
+    case AQE_I_Refiner::EdgeTypeBothEndsInSet:
+        return 3;
+    case AQE_I_Refiner::EdgeTypeOneEndInSet:
+        return 7;
+    case AQE_I_Refiner::EdgeTypeJoin:
+        return 17;
+    case AQE_I_Refiner::EdgeTypeNone:
+        return kUnreachable;
+    }
+    return std::nullopt;
+}
+
+/// The same for every other value of "FFJoins".
+std::optional<int> FindOtherWeight(AQE_I_Refiner::EEdgeType type)
+{
+    switch (type) {
+    case AQE_I_Refiner::EdgeTypeRelationship136:
+    case AQE_I_Refiner::EdgeTypeShortcut:
+        return 1;
+    case AQE_I_Refiner::EdgeTypeBothEndsInSet:
+        return 2;
+    case AQE_I_Refiner::EdgeTypeOneEndInSet:
+        return 5;
+    case AQE_I_Refiner::EdgeTypeJoin:
+        return 11;
+    case AQE_I_Refiner::EdgeTypeNone:
+        return kUnreachable;
+    }
+    return std::nullopt;
+}
+
+/// The setting "FFJoins" as it was when it was first asked for. Two first callers at once may
+/// both read it, with the same result.
+struct CachedMode
+{
+    std::atomic<bool> notYetRead{true};
+    std::atomic<int> mode{0};
+};
+
+CachedMode cachedMode;
 
 } // namespace
 
@@ -61,6 +116,21 @@ bool AQE_I_Refiner::GetJoinInfo(amdi_gateway* gateway, AQE_RequestContext* conte
     return true;
 }
 
+int AQE_I_Refiner::GetFFJoinsMode()
+{
+    return qe::settings::GetFFJoins();
+}
+
+int AQE_I_Refiner::GetEdgeWeightForType(EEdgeType type)
+{
+    const bool isDefault = GetFFJoinsMode() == qe::settings::kFFJoinsAllCandidates;
+    const std::optional<int> weight = isDefault ? FindDefaultWeight(type) : FindOtherWeight(type);
+    if (!weight)
+        qe::RaiseBrokenInvariant(isDefault ? qe::host::kUnknownEdgeTypeByDefault
+                                           : qe::host::kUnknownEdgeType);
+    return weight.value_or(0);
+}
+
 bool AQE_I_Refiner::GetFilterInfo(amdi_gateway* gateway, const amd_id& filterId, QEFilterInfo& info,
                                   const I18NLocale& /*locale*/)
 {
@@ -89,4 +159,18 @@ amd_id AQE_I_Refiner::GetRefQuerySubject(amdi_gateway* gateway, const amd_id& id
         current = shortcut->GetReferencedId();
     }
     return current.classCode == IdClassQuerySubject ? current : amd_id{};
+}
+
+void AQE_GetConnectivity()
+{}
+
+void AQE_GetPathsBetweenTwoSubjectEntities()
+{}
+
+void AQE_GetPathsBetweenTwoSubjectEntities_2_0()
+{}
+
+bool AQE_IsObjectConnected()
+{
+    return false;
 }

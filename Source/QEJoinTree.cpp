@@ -1,10 +1,19 @@
 #include "QEJoinTree.h"
 
+#include "AQE_Convert2ModelQuerySubjectId.h"
+#include "AQE_I_Refiner.h"
+#include "JoinTree/CandidateGraph.h"
+#include "JoinTree/CrossProductGovernor.h"
+#include "JoinTree/ShortestPathTree.h"
+#include "Joins/UserSettings.h"
+
 #include <iostream>
 
 namespace {
 
 using Ids = std::vector<amd_id>;
+using EShortcutUse = qe::JoinEndsReader::EShortcutUse;
+using EUse = qe::JoinTreeRequest::EUse;
 
 Ids Concatenate(const Ids& first, const Ids& second)
 {
@@ -13,55 +22,102 @@ Ids Concatenate(const Ids& first, const Ids& second)
     return all;
 }
 
+const Ids& OrNone(const Ids* ids)
+{
+    return ids == nullptr ? qe::kNoIds : *ids;
+}
+
 } // namespace
 
-AQE_JoinTree::AQE_JoinTree(amdi_gateway* gateway, const Ids& subjects, const Ids& favouredJoins,
-                           AQE_Governors* governors, AQE_RequestContext* requestContext,
-                           AQE_I_QuerySubjectShortcutInfo* shortcutInfo)
+AQE_JoinTree::AQE_JoinTree(const qe::RefinerServices& services, const Ids& subjects,
+                           const Ids& favouredJoins)
     : mTraceStream(&std::cout),
-      mGateway(gateway),
+      mGateway(services.gateway),
       mEntities(subjects),
       mPreferredJoins(favouredJoins),
       mGraph(AQE_I_UndirectedGraph::Create()),
       mTree(AQE_I_UndirectedGraph::Create()),
-      mShortcutInfo(shortcutInfo),
-      mGovernors(governors),
-      mRequestContext(requestContext)
+      mShortcutInfo(services.shortcutInfo),
+      mGovernors(services.governors),
+      mRequestContext(services.requestContext)
 {}
+
+AQE_JoinTree::AQE_JoinTree(const qe::RefinerServices& services, const qe::JoinTreeRequest& request)
+    : AQE_JoinTree(services, request.subjects, request.favouredJoins)
+{
+    mConnectivityOnly = request.use == EUse::ConnectivityOnly;
+    if (request.subjects.empty() || request.nodes.empty())
+        return;
+    mFavouredSubjects.insert(request.favouredSubjects.begin(), request.favouredSubjects.end());
+    Build(request, request.use == EUse::ConnectOverShortcuts ? EBuild::ConnectOverShortcuts
+                                                             : EBuild::ConnectSubjects);
+}
+
+AQE_JoinTree::AQE_JoinTree(const qe::RefinerServices& services, const qe::TwoSetRequest& request,
+                           const qe::TwoSetResult& result)
+    : AQE_JoinTree(services, qe::kNoIds, qe::kNoIds)
+{
+    if (request.firstSet.empty() || request.secondSet.empty() || request.nodes.empty() ||
+        request.joins.empty())
+        return;
+    const Ids allAvoided = Concatenate(request.avoidedJoins, request.furtherAvoidedJoins);
+    Build({.subjects = qe::kNoIds,
+           .favouredJoins = request.favouredJoins,
+           .requiredJoins = request.requiredJoins,
+           .nodes = request.nodes,
+           .joins = request.joins,
+           .avoidedJoins = allAvoided},
+          EBuild::TwoSets);
+    ShortestPathsBetween(request.firstSet, request.secondSet, result.paths, result.weight);
+    result.endPairs = mEndpointPairs;
+}
 
 AQE_JoinTree::AQE_JoinTree(amdi_gateway* gateway, const Ids& subjects, const Ids& favouredJoins,
                            const Ids& requiredJoins, const Ids& nodes, const Ids& joins,
                            AQE_Governors* governors, AQE_RequestContext* requestContext,
                            const Ids* avoidedJoins, AQE_I_QuerySubjectShortcutInfo* shortcutInfo,
                            bool connectivityOnly, const Ids& favouredSubjects)
-    : AQE_JoinTree(gateway, subjects, favouredJoins, governors, requestContext, shortcutInfo)
-{
-    mConnectivityOnly = connectivityOnly;
-    if (subjects.empty() || nodes.empty())
-        return;
-    mFavouredSubjects.insert(favouredSubjects.begin(), favouredSubjects.end());
-    Build({subjects, favouredJoins, requiredJoins, nodes, joins, avoidedJoins},
-          EUse::ConnectSubjects);
-}
+    : AQE_JoinTree(
+          qe::RefinerServices{.gateway = gateway,
+                              .governors = governors,
+                              .requestContext = requestContext,
+                              .shortcutInfo = shortcutInfo},
+          qe::JoinTreeRequest{.subjects = subjects,
+                              .favouredJoins = favouredJoins,
+                              .requiredJoins = requiredJoins,
+                              .nodes = nodes,
+                              .joins = joins,
+                              .avoidedJoins = OrNone(avoidedJoins),
+                              .favouredSubjects = favouredSubjects,
+                              .use = connectivityOnly ? EUse::ConnectivityOnly : EUse::Connect})
+{}
 
 AQE_JoinTree::AQE_JoinTree(amdi_gateway* gateway, const Ids& subjects, const Ids& favouredJoins,
                            const Ids& requiredJoins, const Ids& nodes, const Ids& joins,
                            AQE_Governors* governors, AQE_RequestContext* requestContext,
                            const Ids* avoidedJoins, AQE_I_QuerySubjectShortcutInfo* shortcutInfo)
-    : AQE_JoinTree(gateway, subjects, favouredJoins, governors, requestContext, shortcutInfo)
-{
-    if (!subjects.empty() && !nodes.empty())
-        BuildWithShortcuts({subjects, favouredJoins, requiredJoins, nodes, joins, avoidedJoins});
-}
+    : AQE_JoinTree(qe::RefinerServices{.gateway = gateway,
+                                       .governors = governors,
+                                       .requestContext = requestContext,
+                                       .shortcutInfo = shortcutInfo},
+                   qe::JoinTreeRequest{.subjects = subjects,
+                                       .favouredJoins = favouredJoins,
+                                       .requiredJoins = requiredJoins,
+                                       .nodes = nodes,
+                                       .joins = joins,
+                                       .avoidedJoins = OrNone(avoidedJoins),
+                                       .use = EUse::ConnectOverShortcuts})
+{}
 
 AQE_JoinTree::AQE_JoinTree(amdi_gateway* gateway, const Ids& subjects, const Ids& favouredJoins,
                            const Ids& nodes, const Ids& joins, AQE_Governors* governors,
                            AQE_RequestContext* requestContext)
-    : AQE_JoinTree(gateway, subjects, favouredJoins, governors, requestContext, nullptr)
-{
-    if (!subjects.empty() && !nodes.empty())
-        Build({subjects, favouredJoins, {}, nodes, joins, nullptr}, EUse::ConnectSubjects);
-}
+    : AQE_JoinTree(
+          qe::RefinerServices{
+              .gateway = gateway, .governors = governors, .requestContext = requestContext},
+          qe::JoinTreeRequest{
+              .subjects = subjects, .favouredJoins = favouredJoins, .nodes = nodes, .joins = joins})
+{}
 
 AQE_JoinTree::AQE_JoinTree(amdi_gateway* gateway, const Ids& firstSet, const Ids& avoidedJoins,
                            const Ids& secondSet, const Ids& furtherAvoidedJoins,
@@ -70,15 +126,21 @@ AQE_JoinTree::AQE_JoinTree(amdi_gateway* gateway, const Ids& firstSet, const Ids
                            std::vector<EndPair>& resultPairs, AQE_Governors* governors,
                            AQE_RequestContext* requestContext,
                            AQE_I_QuerySubjectShortcutInfo* shortcutInfo)
-    : AQE_JoinTree(gateway, {}, {}, governors, requestContext, shortcutInfo)
-{
-    if (firstSet.empty() || secondSet.empty() || nodes.empty() || joins.empty())
-        return;
-    const Ids allAvoided = Concatenate(avoidedJoins, furtherAvoidedJoins);
-    Build({allAvoided, favouredJoins, requiredJoins, nodes, joins, nullptr}, EUse::TwoSets);
-    ShortestPathsBetween(firstSet, secondSet, resultPaths, resultWeight);
-    resultPairs = mEndpointPairs;
-}
+    : AQE_JoinTree(
+          qe::RefinerServices{.gateway = gateway,
+                              .governors = governors,
+                              .requestContext = requestContext,
+                              .shortcutInfo = shortcutInfo},
+          qe::TwoSetRequest{.firstSet = firstSet,
+                            .avoidedJoins = avoidedJoins,
+                            .secondSet = secondSet,
+                            .furtherAvoidedJoins = furtherAvoidedJoins,
+                            .favouredJoins = favouredJoins,
+                            .requiredJoins = requiredJoins,
+                            .nodes = nodes,
+                            .joins = joins},
+          qe::TwoSetResult{.paths = resultPaths, .weight = resultWeight, .endPairs = resultPairs})
+{}
 
 AQE_JoinTree::AQE_JoinTree(amdi_gateway* gateway, const Ids& subjects, const Ids& favouredJoins,
                            const Ids& nodes, const Ids& joins, std::ostream& traceStream,
@@ -127,7 +189,116 @@ void AQE_JoinTree::GetJoinPaths(std::vector<Ids>& paths) const
         paths.push_back(std::move(edges));
 }
 
-qe::JoinEndsReader AQE_JoinTree::GetEndsReader() const
+void AQE_JoinTree::Build(const qe::JoinTreeRequest& request, EBuild build)
 {
-    return {mGateway, mRequestContext, mShortcutInfo, mFavouredSubjects};
+    mNewAlgo = build != EBuild::ConnectOverShortcuts && qe::settings::IsNewAlgoOn();
+    mJoinPaths.clear();
+    mJoinPathsWeight = -1;
+    mConnected = false;
+
+    const qe::JoinEndsReader endsReader(
+        GetServices(), mFavouredSubjects,
+        build == EBuild::ConnectOverShortcuts ? EShortcutUse::Consult : EShortcutUse::Ignore);
+    qe::CandidateGraph candidates({.full = *mGraph, .tree = *mTree}, endsReader, mShortcutInfo);
+    candidates.Load(request.nodes, request.joins, request.requiredJoins);
+    if (mConnectivityOnly) {
+        mGraph->GetTreeEdges(request.subjects, mConnectingJoins);
+        return;
+    }
+
+    NumberNodes(request.nodes);
+    for (const amd_id& subject : request.subjects)
+        mTree->AddNode(subject);
+    candidates.Favour(request.favouredJoins);
+    if (build != EBuild::TwoSets)
+        candidates.Require(request.requiredJoins, mEntities);
+    candidates.AddShortcutJoins();
+    // Avoided joins come last: what is favoured or required as well is avoided all the same.
+    candidates.Avoid(request.avoidedJoins);
+
+    if (build == EBuild::TwoSets)
+        return;
+    if (mNewAlgo)
+        CheapestTreesStep();
+    else
+        GrowUnlessConnected(endsReader);
+}
+
+void AQE_JoinTree::NumberNodes(const Ids& nodes)
+{
+    for (const amd_id& node : nodes)
+        mNodeIndex.emplace(node, static_cast<std::int32_t>(mNodeIndex.size()));
+}
+
+void AQE_JoinTree::GrowUnlessConnected(const qe::JoinEndsReader& endsReader)
+{
+    if (mTree->IsConnected())
+        return;
+    qe::ShortestPathTree growth(GetServices(), {.full = *mGraph, .tree = *mTree}, endsReader);
+    if (endsReader.GetShortcutUse() == EShortcutUse::Consult) {
+        growth.GrowByGraph(mEntities);
+    } else {
+        qe::SpanningTree spanningTree = growth.GrowPairwise(mEntities, mNodeIndex);
+        mTreeJoins = std::move(spanningTree.joins);
+        mTreeWeight = spanningTree.weight;
+        mMinimumSpanningTreeEntities = std::move(spanningTree.entities);
+    }
+    if (mTree->IsConnected())
+        growth.Close(mMinimumSpanningTreeEntities);
+}
+
+void AQE_JoinTree::CheapestTreesStep()
+{
+    if (mTree->IsConnected()) {
+        Ids edges;
+        mTree->GetEdges(edges);
+        if (!edges.empty()) {
+            mJoinPathsWeight = mTree->GetPathWeight(edges);
+            mJoinPaths.push_back(std::move(edges));
+        }
+        return;
+    }
+    Ids modelIds;
+    modelIds.reserve(mEntities.size());
+    for (const amd_id& entity : mEntities)
+        modelIds.push_back(AQE_Convert2ModelQuerySubjectId(entity, mGateway));
+    mConnected = mGraph->GetCheapestTrees(modelIds, mJoinPaths, mJoinPathsWeight);
+    if (!mConnected)
+        qe::CrossProductGovernor(GetServices()).CheckCheapestTrees(modelIds);
+}
+
+void AQE_JoinTree::ShortestPathsBetween(const Ids& firstSet, const Ids& secondSet,
+                                        std::vector<Ids>& paths, int& minWeight)
+{
+    const int unreachable = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeNone);
+    minWeight = unreachable;
+    mEndpointPairs.clear();
+    std::vector<Ids> found;
+    for (const amd_id& first : firstSet) {
+        for (const amd_id& second : secondSet) {
+            if (first == second)
+                continue;
+            Ids path;
+            int weight = -1;
+            mGraph->GetShortestPath(first, second, path, weight);
+            if (weight < 0 || weight >= unreachable || weight > minWeight)
+                continue;
+            if (weight < minWeight) {
+                minWeight = weight;
+                found.clear();
+                mEndpointPairs.clear();
+            }
+            found.push_back(std::move(path));
+            mEndpointPairs.emplace_back(first, second);
+        }
+    }
+    paths.insert(paths.end(), found.begin(), found.end());
+}
+
+qe::RefinerServices AQE_JoinTree::GetServices() const
+{
+    return {.gateway = mGateway,
+            .governors = mGovernors,
+            .requestContext = mRequestContext,
+            .shortcutInfo = mShortcutInfo};
 }

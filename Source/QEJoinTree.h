@@ -3,7 +3,9 @@
 
 #include "AQE_I_UndirectedGraph.h"
 #include "AUT_RefPtr.h"
+#include "JoinTree/JoinTreeRequest.h"
 #include "Joins/JoinEndsReader.h"
+#include "Joins/JoinInfoReader.h"
 #include "amd_id.h"
 
 #include <cstdint>
@@ -29,9 +31,9 @@ struct AQE_Governors;
 ///
 /// All work is done in the constructor; the accessors read what it found. Pointers are borrowed
 /// and must outlive the tree; governors, request context and shortcut information may be null.
-/// When subjects or nodes are empty nothing is built, and the accessors tell of an empty tree.
-/// Exceptions of the gateway pass through, and so does the error of the cross-product governor.
-/// An ORVAssertError is raised when the pairwise algorithm has to close the tree at a join that it
+/// Where nothing is built, the accessors read an empty tree.
+/// Exceptions of the gateway pass through, and so does the error of the cross-product governor. An
+/// ORVAssertError is raised when the pairwise algorithm has to close the tree at a join that it
 /// cannot read, as synthetic shortcut joins are.
 class AQE_JoinTree
 {
@@ -39,31 +41,33 @@ public:
     using Ids = std::vector<amd_id>;
     using EndPair = std::pair<amd_id, amd_id>;
 
-    /// Connects the subjects. With `connectivityOnly` the result is nothing but the joins of one
-    /// cheapest tree; favoured, required and avoided joins and synthetic shortcut joins then do
-    /// not count.
+    /// Connects the subjects of the request. When subjects or nodes are empty nothing is built.
+    AQE_JoinTree(const qe::RefinerServices& services, const qe::JoinTreeRequest& request);
+
+    /// Finds the paths between two sets and writes them to `result`.
+    AQE_JoinTree(const qe::RefinerServices& services, const qe::TwoSetRequest& request,
+                 const qe::TwoSetResult& result);
+
+    /// The standard use: Connect, or with `connectivityOnly` ConnectivityOnly. `avoidedJoins` and
+    /// `shortcutInfo` may be null.
     AQE_JoinTree(amdi_gateway* gateway, const Ids& subjects, const Ids& favouredJoins,
                  const Ids& requiredJoins, const Ids& nodes, const Ids& joins,
                  AQE_Governors* governors, AQE_RequestContext* requestContext,
                  const Ids* avoidedJoins, AQE_I_QuerySubjectShortcutInfo* shortcutInfo,
                  bool connectivityOnly, const Ids& favouredSubjects);
 
-    /// Connects the subjects by a tree of shortest paths that also passes over synthetic shortcut
-    /// joins, whatever "NewAlgo" says.
+    /// The shortcut-aware use, ConnectOverShortcuts. `avoidedJoins` may be null.
     AQE_JoinTree(amdi_gateway* gateway, const Ids& subjects, const Ids& favouredJoins,
                  const Ids& requiredJoins, const Ids& nodes, const Ids& joins,
                  AQE_Governors* governors, AQE_RequestContext* requestContext,
                  const Ids* avoidedJoins, AQE_I_QuerySubjectShortcutInfo* shortcutInfo);
 
-    /// Connects the subjects without required or avoided joins and without shortcuts.
+    /// The plain use: Connect, without required or avoided joins and without shortcuts.
     AQE_JoinTree(amdi_gateway* gateway, const Ids& subjects, const Ids& favouredJoins,
                  const Ids& nodes, const Ids& joins, AQE_Governors* governors,
                  AQE_RequestContext* requestContext);
 
-    /// Finds all least-weight paths from a member of the first set to a member of the second that
-    /// use no avoided join. Appends them to `resultPaths`, replaces `resultPairs` by their ends,
-    /// and sets `resultWeight` to their weight, or to the unreachable distance when there is none.
-    /// All three stay as they are when a set, the nodes or the joins are empty.
+    /// The two-set use.
     AQE_JoinTree(amdi_gateway* gateway, const Ids& firstSet, const Ids& avoidedJoins,
                  const Ids& secondSet, const Ids& furtherAvoidedJoins, const Ids& favouredJoins,
                  const Ids& requiredJoins, const Ids& nodes, const Ids& joins,
@@ -71,7 +75,7 @@ public:
                  std::vector<EndPair>& resultPairs, AQE_Governors* governors,
                  AQE_RequestContext* requestContext, AQE_I_QuerySubjectShortcutInfo* shortcutInfo);
 
-    /// Is the plain constructor with a stream to trace to.
+    /// The plain use with a stream to trace to.
     AQE_JoinTree(amdi_gateway* gateway, const Ids& subjects, const Ids& favouredJoins,
                  const Ids& nodes, const Ids& joins, std::ostream& traceStream,
                  AQE_Governors* governors, AQE_RequestContext* requestContext);
@@ -80,71 +84,43 @@ public:
     AQE_JoinTree& operator=(const AQE_JoinTree&) = delete;
     virtual ~AQE_JoinTree();
 
-    /// Tells whether the cheapest-trees search connected the subjects. False when another way
+    /// Returns whether the cheapest-trees search connected the subjects. False when something else
     /// did, also when the required joins alone connect them.
     [[nodiscard]] bool IsConnected() const { return mConnected; }
 
     /// Appends the joins of the tree graph.
     void GetTreeJoins(Ids& joins) const;
 
-    /// Gives the weight of a path: in the full graph when the cheapest-trees algorithm was on, and
-    /// -1 when that has no path; otherwise in the tree graph.
+    /// Returns the weight of a path: in the full graph when the cheapest-trees algorithm was on,
+    /// and -1 when that has no path; otherwise in the tree graph.
     [[nodiscard]] int GetPathWeight(const Ids& path) const;
 
     /// Replaces `joins` by the result of the connectivity-only use.
     void GetConnectingJoins(Ids& joins) const;
 
-    /// Gives the candidate join paths. Those of the cheapest-trees search replace `paths`; those
-    /// of the other ways are appended.
+    /// Returns the candidate join paths. Those of the cheapest-trees search replace `paths`; those
+    /// that were grown are appended.
     void GetJoinPaths(std::vector<Ids>& paths) const;
 
 private:
-    using EShortcutUse = qe::JoinEndsReader::EShortcutUse;
-
-    /// What the joins of a build are for.
-    struct BuildLists
-    {
-        /// The subjects; in the two-set use the avoided joins.
-        const Ids& subjects;
-        const Ids& favouredJoins;
-        const Ids& requiredJoins;
-        const Ids& nodes;
-        const Ids& joins;
-        const Ids* avoidedJoins;
-    };
-
-    enum class EUse
+    /// What a build is for.
+    enum class EBuild
     {
         ConnectSubjects,
+        ConnectOverShortcuts,
         TwoSets,
     };
 
-    AQE_JoinTree(amdi_gateway* gateway, const Ids& subjects, const Ids& favouredJoins,
-                 AQE_Governors* governors, AQE_RequestContext* requestContext,
-                 AQE_I_QuerySubjectShortcutInfo* shortcutInfo);
+    AQE_JoinTree(const qe::RefinerServices& services, const Ids& subjects,
+                 const Ids& favouredJoins);
 
-    void Build(const BuildLists& lists, EUse use);
-    void BuildWithShortcuts(const BuildLists& lists);
-    void LoadCandidateGraph(const BuildLists& lists, EShortcutUse shortcutUse);
+    void Build(const qe::JoinTreeRequest& request, EBuild build);
     void NumberNodes(const Ids& nodes);
-    void AddSubjects(const Ids& subjects);
-    void FavourJoins(const Ids& favouredJoins, EShortcutUse shortcutUse);
-    void RequireJoins(const Ids& requiredJoins, EShortcutUse shortcutUse);
-    void AddEntity(const amd_id& id);
-    void AddShortcutJoins();
-    void AvoidJoins(const Ids& avoidedJoins);
-
-    void GrowUnlessConnected(EShortcutUse shortcutUse);
-    void GetShortestPathTree();
-    void GetShortestPathTreeOfLibrary();
-    void CollectSpanningTreeEntities();
-    void AddTreeEdge(const amd_id& join, const qe::JoinEnds& ends, int weight);
-    void CloseTree(EShortcutUse shortcutUse);
+    void GrowUnlessConnected(const qe::JoinEndsReader& endsReader);
     void CheapestTreesStep();
     void ShortestPathsBetween(const Ids& firstSet, const Ids& secondSet, std::vector<Ids>& paths,
                               int& minWeight);
-
-    [[nodiscard]] qe::JoinEndsReader GetEndsReader() const;
+    [[nodiscard]] qe::RefinerServices GetServices() const;
 
     [[maybe_unused]] std::ostream* mTraceStream;
     [[maybe_unused]] bool mTrace = false;

@@ -2,12 +2,12 @@
 #define SOURCE_QUERYSUBJECTSHORTCUTINFO_H
 
 #include "AQE_I_QuerySubjectShortcutInfo.h"
+#include "Shortcuts/ShortcutGroups.h"
 #include "Shortcuts/ShortcutReferences.h"
 #include "amd_id.h"
 
 #include <iosfwd>
 #include <map>
-#include <set>
 #include <vector>
 
 /// The shortcut information: gathers what refers to what, forms the groups by one of two rules,
@@ -29,23 +29,12 @@ public:
     void Dump(std::ostream& out) override;
 
 private:
-    using Containers = qe::ShortcutReferences::Containers;
-
     void RecordJoins(const std::vector<amd_id>& joins);
 
-    void BuildGroupsByTarget();
-    void GroupByTarget(const amd_id& target, const Containers& containers);
-
-    void BuildGroupsByContainer();
-    void GroupByContainer(const Containers& containers);
-
-    void JoinPairwise(const std::vector<amd_id>& ends);
-    void AddShortcutJoin(const amd_id& left, const amd_id& right);
+    void BuildGroups();
     void WriteLog();
 
-    std::vector<QEjoinInfo> mShortcutJoins;
-    /// The members of each group by its key, which is no member itself.
-    std::map<amd_id, std::set<amd_id>> mGroups;
+    qe::ShortcutGroups mGroups;
     std::map<amd_id, amd_id> mGroupKeyCache;
     /// Set when a build starts, so that one that fails is not tried again.
     bool mBuilt = false;

@@ -3,30 +3,88 @@
 #include "AQE_JoinCache.h"
 #include "AQE_RequestContext.h"
 #include "Joins/JoinInfoReader.h"
-#include "Joins/JoinedQuerySubjects.h"
+#include "Joins/JoinReader.h"
+#include "Joins/RaiseFailure.h"
+#include "Joins/UserSettings.h"
+#include "PathSelection.h"
 #include "QEJoinTree.h"
-#include "Ranking/PathChoice.h"
-#include "Ranking/TwoGroupPaths.h"
+#include "Ranking/PathRanking.h"
+#include "Ranking/PathWeigher.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <iterator>
 #include <set>
+#include <utility>
 
 namespace {
 
 using Ids = std::vector<amd_id>;
 
 constexpr int kNoWeight = -1;
-constexpr int kAllCandidatesMode = 3;
-constexpr int kChoiceLine = 185;
-constexpr int kChoiceBetweenLine = 303;
+
+/// How one of several candidates is chosen.
+struct ChoiceRules
+{
+    /// Chooses among the ranked paths; null takes the best-ranked one. Borrowed.
+    AQE_I_PathSelector* selector = nullptr;
+    qe::RankingSwitches ranking;
+    /// What a wrong choice of the selector is reported as.
+    const qe::host::Failure& wrongChoice;
+};
+
+std::function<int(const Ids&)> WeighIn(const AUT_RefPtr<AQE_JoinTree>& tree)
+{
+    return [tree](const Ids& path) { return tree->GetPathWeight(path); };
+}
 
 qe::CandidatePaths GetCandidates(const AUT_RefPtr<AQE_JoinTree>& tree, const Ids& favouredJoins,
                                  const Ids& requiredJoins)
 {
-    qe::CandidatePaths candidates{tree, {}, favouredJoins, requiredJoins};
+    qe::CandidatePaths candidates{.paths = {},
+                                  .getPathWeight = WeighIn(tree),
+                                  .favouredJoins = favouredJoins,
+                                  .requiredJoins = requiredJoins};
     tree->GetJoinPaths(candidates.paths);
     return candidates;
+}
+
+/// Returns the position that the selector chooses; the first without a selector.
+std::size_t SelectDescriptor(const std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>& descriptors,
+                             const ChoiceRules& rules)
+{
+    if (rules.selector == nullptr)
+        return 0;
+    if (!descriptors.empty()) {
+        const std::size_t index = rules.selector->SelectPath(descriptors);
+        if (index < descriptors.size())
+            return index;
+    }
+    qe::RaiseFailure(rules.wrongChoice);
+    return 0;
+}
+
+/// Returns the chosen path; there must be a candidate. A single one is taken as it is; several are
+/// weighed and ranked and put before the selector.
+Ids ChoosePath(const qe::CandidatePaths& candidates, const qe::RefinerServices& services,
+               const ChoiceRules& rules)
+{
+    if (candidates.paths.size() == 1)
+        return candidates.paths.front();
+    const auto weighted = qe::WeighPaths(candidates, services);
+    const auto descriptors = qe::DescribePaths(
+        weighted, qe::RankPaths(weighted, rules.ranking, qe::JoinInfoReader(services)));
+    Ids chosen;
+    descriptors[SelectDescriptor(descriptors, rules)]->GetJoinPath(chosen);
+    return chosen;
+}
+
+/// Weighs all candidates and returns the positions of the best, ascending.
+std::vector<std::size_t> ChooseBestPaths(const qe::CandidatePaths& candidates,
+                                         const qe::RefinerServices& services)
+{
+    return qe::SelectBestPaths(qe::WeighPaths(candidates, services), qe::JoinInfoReader(services));
 }
 
 bool LacksPath(const std::vector<Ids>& paths)
@@ -79,9 +137,13 @@ void AQE_Refiner::ComputeJoinPath(const Ids& querySubjects, const Ids& favouredJ
         cache->GetJoinPath(querySubjects, favouredJoins, requiredJoins, joinPath))
         return;
 
-    const AUT_RefPtr<AQE_JoinTree> tree(new AQE_JoinTree(
-        mGateway, querySubjects, favouredJoins, requiredJoins, nodes, joins, mGovernors,
-        mRequestContext, nullptr, mShortcutInfo, false, favouredSubjects));
+    const AUT_RefPtr<AQE_JoinTree> tree(
+        new AQE_JoinTree(GetServices(), qe::JoinTreeRequest{.subjects = querySubjects,
+                                                            .favouredJoins = favouredJoins,
+                                                            .requiredJoins = requiredJoins,
+                                                            .nodes = nodes,
+                                                            .joins = joins,
+                                                            .favouredSubjects = favouredSubjects}));
     const qe::CandidatePaths candidates = GetCandidates(tree, favouredJoins, requiredJoins);
     if (LacksPath(candidates.paths))
         return;
@@ -89,9 +151,11 @@ void AQE_Refiner::ComputeJoinPath(const Ids& querySubjects, const Ids& favouredJ
     if (mGovernors == nullptr && tree->GetPathWeight(candidates.paths.front()) == kNoWeight)
         return;
 
-    const Ids chosen =
-        qe::ChoosePath(candidates, GetServices(),
-                       {mPathSelector, {mUseFactTableCount, mUseStraightestPath}, kChoiceLine});
+    const Ids chosen = ChoosePath(candidates, GetServices(),
+                                  {.selector = mPathSelector,
+                                   .ranking = {.useFactTableCount = mUseFactTableCount,
+                                               .useStraightestPath = mUseStraightestPath},
+                                   .wrongChoice = qe::host::kWrongChoice});
     const Ids readable = qe::JoinInfoReader(GetServices()).KeepReadableJoins(chosen);
     // What stood in the caller's vector belongs to the answer, and to what is remembered of it.
     Ids answer = joinPath;
@@ -104,8 +168,11 @@ void AQE_Refiner::ComputeJoinPath(const Ids& querySubjects, const Ids& favouredJ
 void AQE_Refiner::GetJoinedQuerySubjects(const Ids& querySubjects, const Ids& nodes,
                                          const Ids& joins, Ids& joinedQuerySubjects)
 {
-    const AQE_JoinTree tree(mGateway, querySubjects, {}, {}, nodes, joins, mGovernors,
-                            mRequestContext, nullptr, mShortcutInfo, true, {});
+    const AQE_JoinTree tree(
+        GetServices(), qe::JoinTreeRequest{.subjects = querySubjects,
+                                           .nodes = nodes,
+                                           .joins = joins,
+                                           .use = qe::JoinTreeRequest::EUse::ConnectivityOnly});
     Ids connectingJoins;
     tree.GetConnectingJoins(connectingJoins);
     std::set<amd_id> subjects = qe::CollectJoinEnds(mGateway, connectingJoins);
@@ -120,19 +187,23 @@ bool AQE_Refiner::ComputeBestJoinPaths(const Ids& querySubjects, const Ids& favo
 {
     if (querySubjects.size() < 2)
         return true;
-    const AUT_RefPtr<AQE_JoinTree> tree(new AQE_JoinTree(
-        mGateway, querySubjects, favouredJoins, requiredJoins, nodes, joins, mGovernors,
-        mRequestContext, avoidedJoins.empty() ? nullptr : &avoidedJoins, mShortcutInfo, false,
-        favouredSubjects));
+    const AUT_RefPtr<AQE_JoinTree> tree(
+        new AQE_JoinTree(GetServices(), qe::JoinTreeRequest{.subjects = querySubjects,
+                                                            .favouredJoins = favouredJoins,
+                                                            .requiredJoins = requiredJoins,
+                                                            .nodes = nodes,
+                                                            .joins = joins,
+                                                            .avoidedJoins = avoidedJoins,
+                                                            .favouredSubjects = favouredSubjects}));
     qe::CandidatePaths candidates = GetCandidates(tree, favouredJoins, requiredJoins);
     if (LacksPath(candidates.paths) || tree->GetPathWeight(candidates.paths.front()) == kNoWeight)
         return false;
-    if (GetFFJoinsMode() == kAllCandidatesMode) {
+    if (GetFFJoinsMode() == qe::settings::kFFJoinsAllCandidates) {
         bestPaths.swap(candidates.paths);
         return tree->IsConnected();
     }
     std::vector<Ids> best;
-    for (const std::size_t index : qe::ChooseBestPaths(candidates, GetServices()))
+    for (const std::size_t index : ChooseBestPaths(candidates, GetServices()))
         best.push_back(candidates.paths[index]);
     Append(bestPaths, best);
     return true;
@@ -145,16 +216,32 @@ void AQE_Refiner::ComputeJoinPathBetween(const Ids& firstSet, const Ids& avoided
                                          int& resultWeight, Ids& endPair)
 {
     joinPath.clear();
-    const qe::TwoGroupPaths paths({firstSet, avoidedJoins, secondSet, furtherAvoidedJoins,
-                                   favouredJoins, requiredJoins, nodes, joins},
-                                  GetServices(), resultWeight);
-    if (paths.GetPaths().empty())
+    std::vector<EndPair> endPairs;
+    const qe::CandidatePaths candidates =
+        FindPathsBetween({.firstSet = firstSet,
+                          .avoidedJoins = avoidedJoins,
+                          .secondSet = secondSet,
+                          .furtherAvoidedJoins = furtherAvoidedJoins,
+                          .favouredJoins = favouredJoins,
+                          .requiredJoins = requiredJoins,
+                          .nodes = nodes,
+                          .joins = joins},
+                         resultWeight, endPairs);
+    if (candidates.paths.empty())
         return;
     // Between two groups how straight a path is plays no part.
-    const Ids chosen =
-        paths.Choose({mPathSelector, {mUseFactTableCount, false}, kChoiceBetweenLine});
+    const Ids chosen = ChoosePath(
+        candidates, GetServices(),
+        {.selector = mPathSelector,
+         .ranking = {.useFactTableCount = mUseFactTableCount, .useStraightestPath = false},
+         .wrongChoice = qe::host::kWrongChoiceBetweenGroups});
     Ids readable = qe::JoinInfoReader(GetServices()).KeepReadableJoins(chosen);
-    const EndPair& ends = paths.GetEndPair(paths.GetIndex(chosen));
+    // The same path may have been found more than once; the ends are those of the first.
+    const auto first = std::find(candidates.paths.begin(), candidates.paths.end(), chosen);
+    const EndPair& ends =
+        endPairs[first == candidates.paths.end()
+                     ? 0
+                     : static_cast<std::size_t>(first - candidates.paths.begin())];
     Ids endIds{ends.first, ends.second};
     Append(endPair, endIds);
     joinPath.swap(readable);
@@ -168,19 +255,42 @@ void AQE_Refiner::ComputeBestJoinPathsBetween(const Ids& firstSet, const Ids& av
                                               std::vector<EndPair>& endPairs)
 {
     bestPaths.clear();
-    const qe::TwoGroupPaths paths({firstSet, avoidedJoins, secondSet, furtherAvoidedJoins,
-                                   favouredJoins, requiredJoins, nodes, joins},
-                                  GetServices(), resultWeight);
-    if (LacksPath(paths.GetPaths()))
+    std::vector<EndPair> allEnds;
+    const qe::CandidatePaths candidates =
+        FindPathsBetween({.firstSet = firstSet,
+                          .avoidedJoins = avoidedJoins,
+                          .secondSet = secondSet,
+                          .furtherAvoidedJoins = furtherAvoidedJoins,
+                          .favouredJoins = favouredJoins,
+                          .requiredJoins = requiredJoins,
+                          .nodes = nodes,
+                          .joins = joins},
+                         resultWeight, allEnds);
+    if (LacksPath(candidates.paths))
         return;
     std::vector<Ids> best;
     std::vector<EndPair> bestEnds;
-    for (const std::size_t index : paths.ChooseBest()) {
-        best.push_back(paths.GetPaths()[index]);
-        bestEnds.push_back(paths.GetEndPair(index));
+    for (const std::size_t index : ChooseBestPaths(candidates, GetServices())) {
+        best.push_back(candidates.paths[index]);
+        bestEnds.push_back(allEnds[index]);
     }
     Append(endPairs, bestEnds);
     bestPaths.swap(best);
+}
+
+qe::CandidatePaths AQE_Refiner::FindPathsBetween(const qe::TwoSetRequest& request,
+                                                 int& resultWeight,
+                                                 std::vector<EndPair>& endPairs) const
+{
+    qe::CandidatePaths candidates{.paths = {},
+                                  .getPathWeight = {},
+                                  .favouredJoins = request.favouredJoins,
+                                  .requiredJoins = request.requiredJoins};
+    resultWeight = kNoWeight;
+    candidates.getPathWeight = WeighIn(AUT_RefPtr<AQE_JoinTree>(new AQE_JoinTree(
+        GetServices(), request,
+        {.paths = candidates.paths, .weight = resultWeight, .endPairs = endPairs})));
+    return candidates;
 }
 
 void AQE_Refiner::SetShortcutInfo(AQE_I_QuerySubjectShortcutInfo* shortcutInfo)
@@ -194,8 +304,19 @@ bool AQE_Refiner::GetJoinTreeJoins(amdi_gateway* gateway, const Ids& querySubjec
                                    AQE_RequestContext* requestContext, const Ids* avoidedJoins,
                                    Ids& treeJoins)
 {
-    const AQE_JoinTree tree(gateway, querySubjects, favouredJoins, requiredJoins, nodes, joins,
-                            governors, requestContext, avoidedJoins, mShortcutInfo);
+    const qe::RefinerServices services{.gateway = gateway,
+                                       .governors = governors,
+                                       .requestContext = requestContext,
+                                       .shortcutInfo = mShortcutInfo};
+    const AQE_JoinTree tree(
+        services,
+        qe::JoinTreeRequest{.subjects = querySubjects,
+                            .favouredJoins = favouredJoins,
+                            .requiredJoins = requiredJoins,
+                            .nodes = nodes,
+                            .joins = joins,
+                            .avoidedJoins = avoidedJoins == nullptr ? qe::kNoIds : *avoidedJoins,
+                            .use = qe::JoinTreeRequest::EUse::ConnectOverShortcuts});
     Ids found;
     tree.GetTreeJoins(found);
     Append(treeJoins, found);

@@ -2,7 +2,9 @@
 #define SOURCE_REFINER_H
 
 #include "AQE_I_Refiner.h"
-#include "Joins/RefinerServices.h"
+#include "JoinTree/JoinTreeRequest.h"
+#include "Joins/JoinInfoReader.h"
+#include "Ranking/PathWeigher.h"
 #include "amd_id.h"
 
 #include <utility>
@@ -55,6 +57,12 @@ public:
 private:
     [[nodiscard]] AQE_JoinCache* FindJoinCache() const;
     [[nodiscard]] qe::RefinerServices GetServices() const;
+    /// Returns the least-weight paths between the two groups and replaces `endPairs` by the ends of
+    /// each. Sets `resultWeight` to their weight: to the unreachable distance when there are none,
+    /// and to -1 when there was nothing to search.
+    [[nodiscard]] qe::CandidatePaths FindPathsBetween(const qe::TwoSetRequest& request,
+                                                      int& resultWeight,
+                                                      std::vector<EndPair>& endPairs) const;
 
     amdi_gateway* mGateway;
     AQE_I_PathSelector* mPathSelector;

@@ -4,9 +4,9 @@
 #include "AQE_I_Authentication.h"
 #include "AQE_Nag.h"
 #include "AQE_RequestContext.h"
-#include "AUT_I_UserConfiguration.h"
 #include "HBNMessage.h"
 #include "Joins/RaiseFailure.h"
+#include "Joins/UserSettings.h"
 #include "QERes.h"
 #include "amdi_gateway.h"
 #include "amdi_object.h"
@@ -23,40 +23,33 @@ constexpr std::int32_t kWarn = 1;
 constexpr std::int32_t kDeny = 2;
 
 constexpr int kHarmlessCommandType = 3;
-constexpr long kSeparatorText = 29;
-constexpr std::uint32_t kWarningNumber = 0xA9E29A41;
-constexpr std::uint32_t kErrorNumber = 0xA9EE8A4D;
-constexpr int kCheapestTreesLine = 547;
-
-bool IsCheapestTreesCheckOff()
-{
-    const auto configuration = AUT_I_UserConfiguration::Create(RootKeyUser);
-    return configuration->GetInt("QueryEngine", "DoNotApplyCrossProductGovernor", 0) != 0;
-}
 
 } // namespace
 
-CrossProductGovernor::CrossProductGovernor(amdi_gateway* gateway, const AQE_Governors* governors,
-                                           AQE_RequestContext* requestContext)
-    : mGateway(gateway), mGovernors(governors), mRequestContext(requestContext)
+CrossProductGovernor::CrossProductGovernor(const RefinerServices& services)
+    : mGateway(services.gateway),
+      mGovernors(services.governors),
+      mRequestContext(services.requestContext)
 {}
 
-void CrossProductGovernor::CheckCrossProduct(const NamesText& names, int sourceLine) const
+void CrossProductGovernor::CheckCrossProduct(const NamesText& names,
+                                             const host::Failure& failure) const
 {
     if (mGovernors == nullptr || mGovernors->crossProductAllowed == kNoCheck)
         return;
     if (mGovernors->crossProductAllowed == kWarn)
         Warn();
     else if (mGovernors->crossProductAllowed == kDeny)
-        RaiseUnlessHarmless(names, sourceLine);
+        RaiseUnlessHarmless(names, failure);
 }
 
 void CrossProductGovernor::CheckCheapestTrees(const std::vector<amd_id>& subjects) const
 {
-    if (IsCheapestTreesCheckOff() || mGovernors == nullptr)
+    if (settings::IsDoNotApplyCrossProductGovernorOn() || mGovernors == nullptr)
         return;
     if (mGovernors->crossProductAllowed == kDeny)
-        RaiseUnlessHarmless([&] { return JoinSubjectNames(subjects); }, kCheapestTreesLine);
+        RaiseUnlessHarmless([&] { return JoinSubjectNames(subjects); },
+                            host::kCrossProductOfCheapestTrees);
     else
         Warn();
 }
@@ -67,7 +60,7 @@ I18NString CrossProductGovernor::GetPairNames(const amd_id& first, const amd_id&
         const amdi_object* const object = FindObject(id);
         return object == nullptr ? I18NString() : object->GetName();
     };
-    return getName(first) + QERes::getString(kSeparatorText) + getName(second);
+    return getName(first) + QERes::getString(host::kNameSeparatorText) + getName(second);
 }
 
 I18NString CrossProductGovernor::JoinSubjectNames(const std::vector<amd_id>& subjects) const
@@ -78,7 +71,7 @@ I18NString CrossProductGovernor::JoinSubjectNames(const std::vector<amd_id>& sub
         if (object == nullptr)
             continue;
         if (position > 0)
-            names += QERes::getString(kSeparatorText);
+            names += QERes::getString(host::kNameSeparatorText);
         I18NString displayName;
         object->GetDisplayName(displayName);
         names += displayName;
@@ -93,19 +86,19 @@ const amdi_object* CrossProductGovernor::FindObject(const amd_id& id) const
 
 void CrossProductGovernor::Warn() const
 {
-    HBNMessage message(kWarningNumber);
+    HBNMessage message(host::kCrossProductWarning);
     message.AddParameter(ORVMessageParm(GetUserClasses()));
     AQE_Nag::CreateMessage(mRequestContext, QF_Message_V3::SeverityWarning,
                            QF_Message_V3::TypeGovernor, message);
 }
 
-void CrossProductGovernor::RaiseUnlessHarmless(const NamesText& names, int sourceLine) const
+void CrossProductGovernor::RaiseUnlessHarmless(const NamesText& names,
+                                               const host::Failure& failure) const
 {
     if (mRequestContext != nullptr &&
         static_cast<int>(mRequestContext->GetCommandType()) == kHarmlessCommandType)
         return;
-    RaiseFailure(
-        {1, 101, kErrorNumber, {names(), GetUserClasses()}, "Source/QEJoinTree", sourceLine});
+    RaiseFailure(failure, {names(), GetUserClasses()});
 }
 
 I18NString CrossProductGovernor::GetUserClasses() const

@@ -2,6 +2,8 @@
 #define SOURCE_JOINTREE_CROSSPRODUCTGOVERNOR_H
 
 #include "I18NString.h"
+#include "Joins/HostNumbers.h"
+#include "Joins/JoinInfoReader.h"
 #include "amd_id.h"
 
 #include <functional>
@@ -15,36 +17,35 @@ struct AQE_Governors;
 namespace qe {
 
 /// Decides what happens when query subjects cannot be connected by joins, so that the query would
-/// need a cross product: nothing, a warning to the user, or an error. Borrows what it is given;
-/// governors and request context may be null.
+/// need a cross product: nothing, a warning to the user, or an error. Borrows what it is given; all
+/// of it may be null, and without governors nothing happens.
 class CrossProductGovernor
 {
 public:
     /// Names the query subjects; asked only when an error is about to be raised.
     using NamesText = std::function<I18NString()>;
 
-    CrossProductGovernor(amdi_gateway* gateway, const AQE_Governors* governors,
-                         AQE_RequestContext* requestContext);
+    explicit CrossProductGovernor(const RefinerServices& services);
 
-    /// Checks for the ways of growing that meet unconnected query subjects one by one. An error is
-    /// raised from `sourceLine`.
-    void CheckCrossProduct(const NamesText& names, int sourceLine) const;
+    /// Checks for the growths that meet unconnected query subjects one by one. An error is
+    /// raised as `failure`.
+    void CheckCrossProduct(const NamesText& names, const host::Failure& failure) const;
 
     /// Checks for the cheapest-trees search, which found no tree for `subjects`. Whatever does not
     /// forbid a cross product warns here, and a user setting can switch the check off.
     void CheckCheapestTrees(const std::vector<amd_id>& subjects) const;
 
-    /// Gives the names of two subjects.
+    /// Returns the names of two subjects.
     [[nodiscard]] I18NString GetPairNames(const amd_id& first, const amd_id& second) const;
 
-    /// Gives the display names of the subjects. An id without an object adds no name, but its
+    /// Returns the display names of the subjects. An id without an object adds no name, but its
     /// position counts for the separators.
     [[nodiscard]] I18NString JoinSubjectNames(const std::vector<amd_id>& subjects) const;
 
 private:
     [[nodiscard]] const amdi_object* FindObject(const amd_id& id) const;
     void Warn() const;
-    void RaiseUnlessHarmless(const NamesText& names, int sourceLine) const;
+    void RaiseUnlessHarmless(const NamesText& names, const host::Failure& failure) const;
     [[nodiscard]] I18NString GetUserClasses() const;
 
     amdi_gateway* mGateway;

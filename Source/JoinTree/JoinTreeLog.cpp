@@ -1,6 +1,7 @@
 #include "JoinTree/JoinTreeLog.h"
 
 #include "AUT_RefPtr.h"
+#include "Joins/HostNumbers.h"
 #include "QERes.h"
 #include "amdi_gateway.h"
 #include "amdi_object.h"
@@ -14,7 +15,6 @@ namespace qe {
 namespace {
 
 constexpr int kLevel = 7;
-constexpr long kLogName = 340;
 
 std::string GetAddressText(const JoinDistance* distance)
 {
@@ -26,7 +26,7 @@ std::string GetAddressText(const JoinDistance* distance)
 } // namespace
 
 JoinTreeLog::JoinTreeLog(amdi_gateway* gateway, const JoinEndsReader& endsReader)
-    : mGateway(gateway), mEndsReader(endsReader), mFile(QERes::getString(kLogName))
+    : mGateway(gateway), mEndsReader(endsReader), mFile(QERes::getString(host::kComponentNameText))
 {}
 
 bool JoinTreeLog::IsOn() const
@@ -71,8 +71,7 @@ void JoinTreeLog::LogPath(const Ids& path, int weight)
     line << "weight:" << weight;
     const char* separator = " joins:\n    ";
     for (const amd_id& join : path) {
-        const JoinEnds ends = mEndsReader.GetJoinEnds(join, JoinEndsReader::EShortcutUse::Ignore)
-                                  .value_or(JoinEnds());
+        const JoinEnds ends = mEndsReader.GetJoinEnds(join).value_or(JoinEnds());
         line << separator << "id=" << ToText(join) << " left=" << ToText(ends.left)
              << " right=" << ToText(ends.right) << " (" << GetEndName(ends.left) << ", "
              << GetEndName(ends.right) << ")";

@@ -3,11 +3,11 @@
 
 #include "AQE_LogFile.h"
 #include "I18NString.h"
-#include "JoinTree/JoinDistance.h"
 #include "Joins/JoinEndsReader.h"
 #include "amd_id.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <list>
 #include <string_view>
 #include <vector>
@@ -19,6 +19,25 @@ class AUT_RefPtr;
 
 namespace qe {
 
+/// One shortest path between two nodes of the candidate graph, as the pairwise growth keeps it.
+struct JoinDistance
+{
+    amd_id from;
+    amd_id to;
+    /// The joins of the path in walking order.
+    std::vector<amd_id> path;
+    std::int32_t weight = 0;
+    /// Positions of the two nodes in the label array; -1 for a node outside it.
+    std::int32_t fromIndex = -1;
+    std::int32_t toIndex = -1;
+
+    /// Returns whether both lead from the same node to the same node, by whatever path.
+    [[nodiscard]] bool IsSameDistance(const JoinDistance& other) const
+    {
+        return from == other.from && to == other.to;
+    }
+};
+
 /// Writes how a join tree grows to the log, at level 7. Nothing is composed, and the gateway is
 /// not asked for names, when that level is off.
 class JoinTreeLog
@@ -27,6 +46,7 @@ public:
     using Ids = std::vector<amd_id>;
     using PendingDistances = std::list<AUT_RefPtr<JoinDistance>>;
 
+    /// Borrows both; the gateway may be null.
     JoinTreeLog(amdi_gateway* gateway, const JoinEndsReader& endsReader);
 
     void LogEntities(const Ids& entities);

@@ -57,8 +57,12 @@ void PairwiseGrowth::FindPairwiseDistances(const UnconnectedPair& onUnconnectedP
 const JoinDistance& PairwiseGrowth::AddDistance(const amd_id& from, const amd_id& to, Ids path,
                                                 int weight)
 {
-    mPending.push_back(DistancePtr(
-        new JoinDistance{from, to, std::move(path), weight, GetIndex(from), GetIndex(to)}));
+    mPending.push_back(DistancePtr(new JoinDistance{.from = from,
+                                                    .to = to,
+                                                    .path = std::move(path),
+                                                    .weight = weight,
+                                                    .fromIndex = GetIndex(from),
+                                                    .toIndex = GetIndex(to)}));
     return *mPending.back();
 }
 
@@ -95,8 +99,8 @@ PairwiseGrowth::Ids PairwiseGrowth::MergePath(const JoinDistance& distance)
     const std::int32_t label = mNextLabel++;
     Ids newNodes;
     for (const amd_id& join : distance.path) {
-        const auto ends = mEndsReader.GetJoinEnds(join, JoinEndsReader::EShortcutUse::Ignore);
-        if (!ends || !TakeIntoPiece(*ends, label))
+        const auto ends = mEndsReader.GetJoinEnds(join);
+        if (!ends || !MergePieces(*ends, label))
             continue;
         AddJoinToTree(join, *ends);
         for (const amd_id& node : {ends->right, ends->left})
@@ -106,9 +110,9 @@ PairwiseGrowth::Ids PairwiseGrowth::MergePath(const JoinDistance& distance)
     return newNodes;
 }
 
-/// Gives both ends the label, and with them the entities of the pieces that they belonged to.
-/// Gives false, and changes nothing, when the ends are in one piece already.
-bool PairwiseGrowth::TakeIntoPiece(const JoinEnds& ends, std::int32_t label)
+/// Sets the label of both ends, and of the entities of the pieces that they belonged to. Returns
+/// false, and changes nothing, when the ends are in one piece already.
+bool PairwiseGrowth::MergePieces(const JoinEnds& ends, std::int32_t label)
 {
     const std::int32_t leftLabel = GetLabel(ends.left);
     const std::int32_t rightLabel = GetLabel(ends.right);

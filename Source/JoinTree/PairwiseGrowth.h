@@ -3,7 +3,6 @@
 
 #include "AQE_I_UndirectedGraph.h"
 #include "AUT_RefPtr.h"
-#include "JoinTree/JoinDistance.h"
 #include "JoinTree/JoinTreeLog.h"
 #include "Joins/JoinEndsReader.h"
 #include "amd_id.h"
@@ -35,7 +34,7 @@ class PairwiseGrowth
 public:
     using Ids = std::vector<amd_id>;
     using NodeIndex = std::map<amd_id, std::int32_t>;
-    /// Is told of each pair of entities without a path between them. What it throws ends the
+    /// Called for each pair of entities without a path between them. What it throws ends the
     /// growth.
     using UnconnectedPair = std::function<void(const amd_id& first, const amd_id& second)>;
 
@@ -56,7 +55,7 @@ private:
     [[nodiscard]] DistancePtr PickCheapest() const;
     void RemoveSameDistances(const JoinDistance& distance);
     [[nodiscard]] Ids MergePath(const JoinDistance& distance);
-    [[nodiscard]] bool TakeIntoPiece(const JoinEnds& ends, std::int32_t label);
+    [[nodiscard]] bool MergePieces(const JoinEnds& ends, std::int32_t label);
     void AddJoinToTree(const amd_id& join, const JoinEnds& ends);
     void AddDistances(const Ids& newNodes);
 

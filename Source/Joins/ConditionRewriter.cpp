@@ -4,10 +4,13 @@
 #include "AQE_ExpressionVisitorString.h"
 #include "AUT_RefPtr.h"
 #include "IdClass.h"
+#include "Joins/HostNumbers.h"
 #include "QERes.h"
+#include "Rules/JoinEnds.h"
 #include "amdi_gateway.h"
 #include "amdi_object.h"
 
+#include <cstddef>
 #include <span>
 #include <vector>
 
@@ -16,7 +19,6 @@ namespace qe {
 namespace {
 
 constexpr int kReferenceNode = 10;
-constexpr long kContextText = 340;
 
 using References = std::vector<AQE_ExpressionNode*>;
 
@@ -77,9 +79,9 @@ bool RetargetSides(amdi_gateway& gateway, const EndReplacement& ends, const Refe
     if (references.size() < 2)
         return false;
     const std::span all(references);
-    const std::size_t half = all.size() / 2;
-    RetargetReferences(gateway, all.first(half), ends.oldLeft, ends.newLeft);
-    RetargetReferences(gateway, all.subspan(half), ends.oldRight, ends.newRight);
+    const std::size_t left = CountLeftReferences(all.size());
+    RetargetReferences(gateway, all.first(left), ends.oldLeft, ends.newLeft);
+    RetargetReferences(gateway, all.subspan(left), ends.oldRight, ends.newRight);
     return true;
 }
 
@@ -91,9 +93,9 @@ I18NString ReplaceEndReferences(amdi_gateway& gateway, const EndReplacement& end
     if (ends.newLeft == ends.newRight)
         return text;
 
-    const AUT_RefPtr<AQE_Expression> expression(
-        AQE_Expression::Create(AQE_Expression::GetUntaggedExpression(text), &gateway,
-                               QERes::getString(kContextText), gateway.GetLocale(ends.oldLeft)));
+    const AUT_RefPtr<AQE_Expression> expression(AQE_Expression::Create(
+        AQE_Expression::GetUntaggedExpression(text), &gateway,
+        QERes::getString(host::kComponentNameText), gateway.GetLocale(ends.oldLeft)));
     References references;
     CollectItemReferences(expression.Get(), references);
     if (!RetargetSides(gateway, ends, references))

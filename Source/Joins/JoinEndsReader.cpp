@@ -2,77 +2,48 @@
 
 #include "AQE_I_QuerySubjectShortcutInfo.h"
 #include "AQE_I_Refiner.h"
-#include "IdClass.h"
+#include "Rules/FavouredWeight.h"
 
 namespace qe {
 
-JoinEndsReader::JoinEndsReader(amdi_gateway* gateway, AQE_RequestContext* requestContext,
-                               AQE_I_QuerySubjectShortcutInfo* shortcutInfo,
-                               const std::set<amd_id>& favouredSubjects)
-    : mGateway(gateway),
-      mRequestContext(requestContext),
-      mShortcutInfo(shortcutInfo),
-      mFavouredSubjects(favouredSubjects)
+JoinEndsReader::JoinEndsReader(const RefinerServices& services,
+                               const std::set<amd_id>& favouredSubjects, EShortcutUse shortcutUse)
+    : mServices(services), mFavouredSubjects(favouredSubjects), mShortcutUse(shortcutUse)
 {}
 
-std::optional<JoinEnds> JoinEndsReader::GetJoinEnds(const amd_id& join,
-                                                    EShortcutUse shortcutUse) const
+std::optional<JoinEnds> JoinEndsReader::GetJoinEnds(const amd_id& join) const
 {
-    const auto read = Read(join, shortcutUse);
+    const auto read = Read(join);
     if (!read)
         return std::nullopt;
     return read->ends;
 }
 
-std::optional<WeighedJoin> JoinEndsReader::GetWeighedJoin(const amd_id& join,
-                                                          EShortcutUse shortcutUse) const
+std::optional<WeighedJoin> JoinEndsReader::GetWeighedJoin(const amd_id& join) const
 {
-    auto read = Read(join, shortcutUse);
-    if (read)
-        read->weight = AdjustJoinWeight(read->ends, read->weight);
+    auto read = Read(join);
+    if (!read)
+        return read;
+    const auto resolve = [this](const amd_id& shortcut) {
+        return AQE_I_Refiner::GetRefQuerySubject(mServices.gateway, shortcut, nullptr, nullptr);
+    };
+    read->weight = ApplyFavour(
+        *read, {mFavouredSubjects, resolve},
+        {.oneEnd = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeOneEndInSet),
+         .bothEnds = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeBothEndsInSet)});
     return read;
 }
 
-std::optional<WeighedJoin> JoinEndsReader::Read(const amd_id& join, EShortcutUse shortcutUse) const
+std::optional<WeighedJoin> JoinEndsReader::Read(const amd_id& join) const
 {
     AQE_I_Refiner::QEjoinInfo info;
-    bool known = AQE_I_Refiner::GetJoinInfo(mGateway, mRequestContext, join, info);
-    if (!known && shortcutUse == EShortcutUse::Consult && mShortcutInfo != nullptr)
-        known = mShortcutInfo->GetJoinInfo(join, info);
+    bool known =
+        AQE_I_Refiner::GetJoinInfo(mServices.gateway, mServices.requestContext, join, info);
+    if (!known && mShortcutUse == EShortcutUse::Consult && mServices.shortcutInfo != nullptr)
+        known = mServices.shortcutInfo->GetJoinInfo(join, info);
     if (!known)
         return std::nullopt;
     return WeighedJoin{{info.leftQuerySubject, info.rightQuerySubject}, info.weight};
-}
-
-int JoinEndsReader::AdjustJoinWeight(const JoinEnds& ends, int weight) const
-{
-    const int bothEndsWeight =
-        AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeBothEndsInSet);
-    if (weight <= bothEndsWeight || mFavouredSubjects.empty())
-        return weight;
-    bool left = IsFavoured(ends.left);
-    bool right = IsFavoured(ends.right);
-    // What a shortcut stands for counts only when neither end is favoured as it stands.
-    if (!left && !right) {
-        left = StandsForFavoured(ends.left);
-        right = StandsForFavoured(ends.right);
-    }
-    if (left && right)
-        return bothEndsWeight;
-    if (left || right)
-        return AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeOneEndInSet);
-    return weight;
-}
-
-bool JoinEndsReader::IsFavoured(const amd_id& end) const
-{
-    return mFavouredSubjects.count(end) != 0;
-}
-
-bool JoinEndsReader::StandsForFavoured(const amd_id& end) const
-{
-    return end.classCode == IdClassShortcut &&
-           IsFavoured(AQE_I_Refiner::GetRefQuerySubject(mGateway, end, nullptr, nullptr));
 }
 
 } // namespace qe

@@ -1,32 +1,16 @@
 #ifndef SOURCE_JOINS_JOINENDSREADER_H
 #define SOURCE_JOINS_JOINENDSREADER_H
 
+#include "Joins/JoinInfoReader.h"
+#include "Rules/JoinEnds.h"
 #include "amd_id.h"
 
 #include <optional>
 #include <set>
 
-class AQE_I_QuerySubjectShortcutInfo;
-class AQE_RequestContext;
-class amdi_gateway;
-
 namespace qe {
 
-/// The two ends of a join, each a query subject or a shortcut.
-struct JoinEnds
-{
-    amd_id left;
-    amd_id right;
-};
-
-/// A join as the join graph takes it: its ends and its weight.
-struct WeighedJoin
-{
-    JoinEnds ends;
-    int weight = 0;
-};
-
-/// Reads the ends and weights of joins for a join tree. Borrows what it is given.
+/// Reads the ends and weights of joins for a join tree.
 class JoinEndsReader
 {
 public:
@@ -38,32 +22,26 @@ public:
         Consult,
     };
 
-    /// Takes the shortcut information, which may be null, and the query subjects whose joins are
-    /// made cheaper.
-    JoinEndsReader(amdi_gateway* gateway, AQE_RequestContext* requestContext,
-                   AQE_I_QuerySubjectShortcutInfo* shortcutInfo,
-                   const std::set<amd_id>& favouredSubjects);
+    /// Borrows what the services name, and the query subjects whose joins are made cheaper.
+    JoinEndsReader(const RefinerServices& services, const std::set<amd_id>& favouredSubjects,
+                   EShortcutUse shortcutUse);
 
-    /// Gives the ends of a join, or nothing when it cannot be read.
-    [[nodiscard]] std::optional<JoinEnds> GetJoinEnds(const amd_id& join,
-                                                      EShortcutUse shortcutUse) const;
+    /// Returns whether synthetic shortcut joins are consulted.
+    [[nodiscard]] EShortcutUse GetShortcutUse() const { return mShortcutUse; }
 
-    /// Gives the ends of a join and its weight, made cheaper where its ends are favoured query
+    /// Returns the ends of a join, or nothing when it cannot be read.
+    [[nodiscard]] std::optional<JoinEnds> GetJoinEnds(const amd_id& join) const;
+
+    /// Returns the ends of a join and its weight, made cheaper where its ends are favoured query
     /// subjects; nothing when it cannot be read.
-    [[nodiscard]] std::optional<WeighedJoin> GetWeighedJoin(const amd_id& join,
-                                                            EShortcutUse shortcutUse) const;
+    [[nodiscard]] std::optional<WeighedJoin> GetWeighedJoin(const amd_id& join) const;
 
 private:
-    [[nodiscard]] std::optional<WeighedJoin> Read(const amd_id& join,
-                                                  EShortcutUse shortcutUse) const;
-    [[nodiscard]] int AdjustJoinWeight(const JoinEnds& ends, int weight) const;
-    [[nodiscard]] bool IsFavoured(const amd_id& end) const;
-    [[nodiscard]] bool StandsForFavoured(const amd_id& end) const;
+    [[nodiscard]] std::optional<WeighedJoin> Read(const amd_id& join) const;
 
-    amdi_gateway* mGateway;
-    AQE_RequestContext* mRequestContext;
-    AQE_I_QuerySubjectShortcutInfo* mShortcutInfo;
+    RefinerServices mServices;
     const std::set<amd_id>& mFavouredSubjects;
+    EShortcutUse mShortcutUse;
 };
 
 } // namespace qe

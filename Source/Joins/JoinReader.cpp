@@ -4,16 +4,17 @@
 #include "AQE_ToRelationshipJoinCardinalityValue.h"
 #include "Joins/ConditionRewriter.h"
 #include "Joins/TypedLookup.h"
+#include "Rules/Cardinality.h"
 #include "amdi_relationship.h"
 #include "amdi_relationshipShortcut.h"
 
+#include <cstdint>
 #include <utility>
 
 namespace qe {
 
 namespace {
 
-using CardinalityRange = BMT_I_Association::CardinalityRange;
 using QEjoinInfo = AQE_I_Refiner::QEjoinInfo;
 
 amd_id Resolve(amdi_gateway* gateway, const amd_id& id)
@@ -104,7 +105,7 @@ const amdi_relationship* FindReferencedRelationship(amdi_gateway* gateway, const
     return LookUp<amdi_relationship>(gateway, current, IdClassRelationship);
 }
 
-/// Tells whether the shortcut names its ends the other way round than the relationship does. The
+/// Returns whether the shortcut names its ends the other way round than the relationship does. The
 /// ends of a self-join cannot be told apart and stay.
 bool AreEndsReversed(amdi_gateway* gateway, const amd_id& relationshipLeft,
                      const amd_id& relationshipRight, const QEjoinInfo& shortcutEnds)
@@ -140,9 +141,29 @@ bool ReadRelationshipShortcut(amdi_gateway* gateway, const amd_id& joinId, QEjoi
     // The ends now stand as the relationship has them, and so do its cardinalities.
     info.leftCardinality = relationship->GetLeftCardinality();
     info.rightCardinality = relationship->GetRightCardinality();
-    const EndReplacement ends{relationshipLeft, info.leftQuerySubject, relationshipRight,
-                              info.rightQuerySubject};
-    info.expression = ReplaceEndReferences(*gateway, ends, info.expression);
+    info.expression = ReplaceEndReferences(*gateway,
+                                           {.oldLeft = relationshipLeft,
+                                            .newLeft = info.leftQuerySubject,
+                                            .oldRight = relationshipRight,
+                                            .newRight = info.rightQuerySubject},
+                                           info.expression);
+    return true;
+}
+
+template <typename Join>
+void AddEnds(const Join& join, std::set<amd_id>& ends)
+{
+    ends.insert(join.GetLeftId());
+    ends.insert(join.GetRightId());
+}
+
+/// Adds the ends of a relationship. Returns whether the id names one.
+bool AddRelationshipEnds(amdi_gateway* gateway, const amd_id& id, std::set<amd_id>& ends)
+{
+    const auto* const relationship = LookUp<amdi_relationship>(gateway, id, IdClassRelationship);
+    if (relationship == nullptr)
+        return false;
+    AddEnds(*relationship, ends);
     return true;
 }
 
@@ -164,6 +185,22 @@ bool ReadJoin(amdi_gateway* gateway, const amd_id& joinId, QEjoinInfo& info)
     default:
         return false;
     }
+}
+
+std::set<amd_id> CollectJoinEnds(amdi_gateway* gateway, const std::vector<amd_id>& joins)
+{
+    std::set<amd_id> ends;
+    for (const amd_id& join : joins) {
+        if (AddRelationshipEnds(gateway, join, ends))
+            continue;
+        const auto* const shortcut =
+            LookUp<amdi_relationshipShortcut>(gateway, join, IdClassRelationshipShortcut);
+        if (shortcut == nullptr)
+            continue;
+        AddEnds(*shortcut, ends);
+        AddRelationshipEnds(gateway, shortcut->GetReferencedId(), ends);
+    }
+    return ends;
 }
 
 } // namespace qe

@@ -4,15 +4,24 @@
 #include "AQE_I_Refiner.h"
 #include "amd_id.h"
 
+#include <set>
+#include <vector>
+
 class amdi_gateway;
 
 namespace qe {
 
-/// Reads the join from the gateway into `info`, by its class. Gives false when the class is no
+/// Reads the join from the gateway into `info`, by its class. Returns false when the class is no
 /// class of joins (`info` is then untouched), when there is no such join, or when an end of a
 /// relationship leads to no query subject (`info` then lacks the condition).
 [[nodiscard]] bool ReadJoin(amdi_gateway* gateway, const amd_id& joinId,
                             AQE_I_Refiner::QEjoinInfo& info);
+
+/// Returns the ends of the relationships and relationship shortcuts among the joins. A relationship
+/// shortcut brings its own ends and, when it stands for a relationship directly, those of the
+/// relationship. Joins of any other kind bring none.
+[[nodiscard]] std::set<amd_id> CollectJoinEnds(amdi_gateway* gateway,
+                                               const std::vector<amd_id>& joins);
 
 } // namespace qe
 

@@ -2,6 +2,7 @@
 
 #include "AUT_LogException.h"
 #include "HBNException.h"
+#include "ORVAssertError.h"
 
 #include <algorithm>
 #include <array>
@@ -9,17 +10,22 @@
 
 namespace qe {
 
-void RaiseFailure(const Failure& failure)
+void RaiseFailure(const host::Failure& failure, const std::vector<I18NString>& parameters)
 {
-    std::array<I18NString, 6> parameters;
-    const std::size_t count = std::min(failure.parameters.size(), parameters.size());
-    std::copy_n(failure.parameters.begin(), count, parameters.begin());
+    std::array<I18NString, 6> texts;
+    const std::size_t count = std::min(parameters.size(), texts.size());
+    std::copy_n(parameters.begin(), count, texts.begin());
 
     HBNException exception(failure.severity, failure.code);
-    HBNAddMessages(exception, failure.messageNumber, static_cast<int>(count), parameters[0],
-                   parameters[1], parameters[2], parameters[3], parameters[4], parameters[5]);
-    AUT_LogException(exception, failure.sourcePath, failure.sourceLine);
-    ORV_THROW(exception, failure.sourcePath, failure.sourceLine, "QE");
+    HBNAddMessages(exception, failure.messageNumber, static_cast<int>(count), texts[0], texts[1],
+                   texts[2], texts[3], texts[4], texts[5]);
+    AUT_LogException(exception, failure.place.source, failure.place.line);
+    ORV_THROW(exception, failure.place.source, failure.place.line, "QE");
+}
+
+void RaiseBrokenInvariant(const host::BrokenInvariant& invariant)
+{
+    ORV_ASSERT(false, invariant.text, invariant.place.source, invariant.place.line);
 }
 
 } // namespace qe

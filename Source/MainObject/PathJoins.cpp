@@ -1,37 +1,12 @@
 #include "MainObject/PathJoins.h"
 
 #include "AQE_I_Refiner.h"
-#include "ORVAssertError.h"
+#include "Joins/RaiseFailure.h"
+#include "Rules/Cardinality.h"
 
 #include <algorithm>
 
 namespace qe {
-
-namespace {
-
-using Range = BMT_I_Association::CardinalityRange;
-
-bool HasBound(const Range& range, BMT_I_Association::ECardinality bound)
-{
-    return range.minimum == bound || range.maximum == bound;
-}
-
-} // namespace
-
-bool IsMany(const Range& range)
-{
-    return HasBound(range, BMT_I_Association::CardinalityMany);
-}
-
-bool IsOptional(const Range& range)
-{
-    return HasBound(range, BMT_I_Association::CardinalityZero);
-}
-
-bool IsExactlyOne(const Range& range)
-{
-    return range == Range{BMT_I_Association::CardinalityOne, BMT_I_Association::CardinalityOne};
-}
 
 PathJoins::PathJoins(amdi_gateway* gateway, AQE_RequestContext* requestContext,
                      const std::vector<amd_id>& path)
@@ -87,7 +62,7 @@ PathJoins::Range PathJoins::GetEndCardinality(const amd_id& join, const amd_id& 
         return info.leftCardinality;
     if (isKnown && end == info.rightQuerySubject)
         return info.rightCardinality;
-    ORV_ASSERT(false, "ORV_ASSERT(false);", "Source/QEMainObjectPathSelector", 465);
+    RaiseBrokenInvariant(host::kMissingJoinOfPath);
     return {};
 }
 

@@ -14,13 +14,6 @@ class amdi_gateway;
 
 namespace qe {
 
-/// Tells whether either bound of the range is "many".
-[[nodiscard]] bool IsMany(const BMT_I_Association::CardinalityRange& range);
-/// Tells whether either bound of the range is zero.
-[[nodiscard]] bool IsOptional(const BMT_I_Association::CardinalityRange& range);
-/// Tells whether both bounds of the range are one.
-[[nodiscard]] bool IsExactlyOne(const BMT_I_Association::CardinalityRange& range);
-
 /// The joins of one join path, in path order, found by the query subjects at their ends. Joins
 /// that cannot be read are left out.
 class PathJoins

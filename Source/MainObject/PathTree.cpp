@@ -1,5 +1,7 @@
 #include "MainObject/PathTree.h"
 
+#include "Rules/Cardinality.h"
+
 #include <map>
 
 namespace qe {

@@ -1,5 +1,7 @@
 #include "MainObject/PathTreeScore.h"
 
+#include "Rules/Cardinality.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -16,9 +18,9 @@ enum class EFactor
 
 EFactor GetFactor(const PathJoins::RangePair& ranges, EScoring scoring)
 {
-    if (scoring == EScoring::FindCandidates && IsMany(ranges.first))
+    if (scoring == EScoring::FindCandidates && HasManyBound(ranges.first))
         return EFactor::Halve;
-    if (IsMany(ranges.second))
+    if (HasManyBound(ranges.second))
         return EFactor::Double;
     if (scoring == EScoring::TestWithOptional && IsOptional(ranges.first))
         return EFactor::Double;
@@ -51,7 +53,7 @@ PathTreeScore ScoreTree(const PathTree& tree, const PathJoins& joins, EScoring s
     for (std::size_t index = 1; index < nodes.size(); ++index) {
         const PathTreeNode& node = nodes[index];
         const auto ranges = joins.GetRangesBetween(tree.GetParentId(node), node.id);
-        if (IsMany(ranges.first) && IsMany(ranges.second)) {
+        if (HasManyBound(ranges.first) && HasManyBound(ranges.second)) {
             result.metManyToMany = true;
             return result;
         }

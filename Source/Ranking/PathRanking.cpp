@@ -1,14 +1,15 @@
 #include "Ranking/PathRanking.h"
 
-#include "PathSelection.h"
-#include "Ranking/PathShape.h"
+#include "Facts/FactFailure.h"
+#include "I18NString.h"
 #include "Ranking/RankingLog.h"
-#include "Ranking/WrappingArithmetic.h"
+#include "Rules/WrappingArithmetic.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <map>
 #include <numeric>
+#include <optional>
+#include <set>
 
 namespace qe {
 
@@ -16,123 +17,196 @@ namespace {
 
 /// Positions in the list of paths to rank.
 using Indices = std::vector<std::size_t>;
+using PathSignature = std::set<I18NString>;
 
-/// Sorts the members by a key, and keeps their order among equals.
-template <typename GetKey>
-std::map<std::int32_t, Indices> GroupBy(const Indices& members, GetKey getKey)
+/// Reads the joins of candidates, and raises what keeps their fact tables from being counted.
+class CandidateJoins : public PathJoinSource
 {
-    std::map<std::int32_t, Indices> groups;
-    for (const std::size_t member : members)
-        groups[getKey(member)].push_back(member);
-    return groups;
+public:
+    explicit CandidateJoins(const JoinInfoReader& joinInfos) : mJoinInfos(joinInfos) {}
+
+    [[nodiscard]] std::optional<PathJoin> ReadPathJoin(const amd_id& join) const override
+    {
+        const auto info = mJoinInfos.LookUpJoinInfo(join);
+        if (!info)
+            return std::nullopt;
+        return PathJoin{.ends = {info->leftQuerySubject, info->rightQuerySubject},
+                        .leftCardinality = info->leftCardinality,
+                        .rightCardinality = info->rightCardinality};
+    }
+
+    void ReportUncountable(EFactJoin problem) const override { RaiseUnlessAdded(problem); }
+
+private:
+    const JoinInfoReader& mJoinInfos;
+};
+
+Indices ListAll(std::size_t count)
+{
+    Indices all(count);
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    return all;
 }
 
-std::int32_t FindDivisor(const std::vector<WeightedPath>& paths)
+std::int32_t FindDivisor(std::span<const WeightedPath> paths)
 {
+    constexpr std::int32_t kDivisorOfWeightless = 10000;
     std::int32_t maxWeight = -1;
     for (const WeightedPath& path : paths)
         maxWeight = std::max(maxWeight, path.weight);
-    return maxWeight == 0 ? 10000 : maxWeight;
+    return maxWeight == 0 ? kDivisorOfWeightless : maxWeight;
 }
+
+/// Measures candidates by one criterion after the other.
+class Measurer
+{
+public:
+    Measurer(std::span<const WeightedPath> paths, const JoinInfoReader& joinInfos)
+        : mPaths(paths), mJoins(joinInfos), mMeasures(paths.size())
+    {
+        for (std::size_t index = 0; index < paths.size(); ++index)
+            mMeasures[index].weight = paths[index].weight;
+    }
+
+    [[nodiscard]] const PathMeasure& Get(std::size_t index) const { return mMeasures[index]; }
+
+    [[nodiscard]] std::int32_t MeasureKey(const RankingCriterion& criterion, std::size_t index)
+    {
+        if (criterion.measure != nullptr)
+            criterion.measure(mPaths[index].path, mJoins, mMeasures[index]);
+        return criterion.getKey(mMeasures[index]);
+    }
+
+private:
+    std::span<const WeightedPath> mPaths;
+    CandidateJoins mJoins;
+    std::vector<PathMeasure> mMeasures;
+};
 
 /// One ranking under way.
 class RankingRun
 {
 public:
-    using Descriptors = std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>;
-
-    RankingRun(const std::vector<WeightedPath>& paths, const RankingCriteria& criteria,
-               const JoinInfoReader& joinInfos, Descriptors& descriptors)
+    RankingRun(std::span<const WeightedPath> paths, const RankingSwitches& switches,
+               const JoinInfoReader& joinInfos)
         : mPaths(paths),
-          mCriteria(criteria),
+          mSwitches(switches),
           mJoinInfos(joinInfos),
-          mDescriptors(descriptors),
+          mMeasurer(paths, joinInfos),
           mLog(joinInfos),
           mDivisor(FindDivisor(paths))
     {}
 
-    void RankAll();
+    [[nodiscard]] std::vector<RankedPath> RankAll();
 
 private:
-    void RankEqualWeights(const Indices& members);
-    void RankEqualFactTables(const Indices& members, std::int32_t factTableKey);
-    [[nodiscard]] Indices SetRepeatsBack(const Indices& members) const;
-    void Emit(const WeightedPath& path, std::int32_t factTableKey, std::int32_t straightnessKey);
+    void RankBy(std::span<const RankingCriterion> criteria, const Indices& members);
+    [[nodiscard]] Indices MoveDuplicatesLast(const Indices& members) const;
+    [[nodiscard]] PathSignature GetSignature(std::size_t index) const;
+    void Emit(std::size_t index);
 
-    const std::vector<WeightedPath>& mPaths;
-    const RankingCriteria& mCriteria;
+    std::span<const WeightedPath> mPaths;
+    const RankingSwitches& mSwitches;
     const JoinInfoReader& mJoinInfos;
-    Descriptors& mDescriptors;
+    Measurer mMeasurer;
     RankingLog mLog;
     std::int32_t mDivisor;
+    std::vector<RankedPath> mRanked;
 };
 
-void RankingRun::RankAll()
+std::vector<RankedPath> RankingRun::RankAll()
 {
-    Indices all(mPaths.size());
-    std::iota(all.begin(), all.end(), std::size_t{0});
-    const auto byWeight = GroupBy(all, [&](std::size_t index) { return mPaths[index].weight; });
-    for (const auto& group : byWeight)
-        RankEqualWeights(group.second);
+    RankBy(GetRankingCriteria(), ListAll(mPaths.size()));
     mLog.LogEnd(mPaths.size());
+    return std::move(mRanked);
 }
 
-void RankingRun::RankEqualWeights(const Indices& members)
+/// Ranks members that are equal in all criteria before the first of `criteria`.
+void RankingRun::RankBy(std::span<const RankingCriterion> criteria, const Indices& members)
 {
-    const auto byFactTables = GroupBy(members, [&](std::size_t index) {
-        return mCriteria.useFactTableCount ? CountFactTables(mPaths[index].path, mJoinInfos) : 1;
-    });
-    for (const auto& group : byFactTables)
-        RankEqualFactTables(group.second, group.first);
-}
-
-void RankingRun::RankEqualFactTables(const Indices& members, std::int32_t factTableKey)
-{
-    const auto byStraightness = GroupBy(members, [&](std::size_t index) {
-        const WeightedPath& path = mPaths[index];
-        return mCriteria.useStraightestPath
-                   ? AdjustWeightForStraightness(path.path, path.weight, mJoinInfos)
-                   : path.weight;
-    });
-    for (const auto& group : byStraightness) {
-        for (const std::size_t index : SetRepeatsBack(group.second))
-            Emit(mPaths[index], factTableKey, group.first);
+    if (criteria.empty()) {
+        for (const std::size_t index : MoveDuplicatesLast(members))
+            Emit(index);
+        return;
     }
+    const RankingCriterion& criterion = criteria.front();
+    if (!criterion.isOn(mSwitches))
+        return RankBy(criteria.subspan(1), members);
+    std::map<std::int32_t, Indices> groups;
+    for (const std::size_t member : members)
+        groups[mMeasurer.MeasureKey(criterion, member)].push_back(member);
+    for (const auto& group : groups)
+        RankBy(criteria.subspan(1), group.second);
 }
 
-Indices RankingRun::SetRepeatsBack(const Indices& members) const
+Indices RankingRun::MoveDuplicatesLast(const Indices& members) const
 {
     std::map<PathSignature, std::size_t> distinct;
-    Indices repeats;
+    Indices duplicates;
     for (const std::size_t index : members) {
-        if (!distinct.emplace(GetPathSignature(mPaths[index].path, mJoinInfos), index).second)
-            repeats.push_back(index);
+        if (!distinct.emplace(GetSignature(index), index).second)
+            duplicates.push_back(index);
     }
     Indices ordered;
     for (const auto& entry : distinct)
         ordered.push_back(entry.second);
-    ordered.insert(ordered.end(), repeats.begin(), repeats.end());
+    ordered.insert(ordered.end(), duplicates.begin(), duplicates.end());
     return ordered;
 }
 
-void RankingRun::Emit(const WeightedPath& path, std::int32_t factTableKey,
-                      std::int32_t straightnessKey)
+PathSignature RankingRun::GetSignature(std::size_t index) const
 {
+    const auto lookUpName = [this](const amd_id& join) {
+        auto info = mJoinInfos.LookUpJoinInfo(join);
+        return info ? std::optional(std::move(info->name)) : std::nullopt;
+    };
+    return GetPathSignature<I18NString>(mPaths[index].path, lookUpName);
+}
+
+void RankingRun::Emit(std::size_t index)
+{
+    const WeightedPath& path = mPaths[index];
     const std::int32_t ranking =
         SubtractWrapping(100, DivideWrapping(MultiplyWrapping(path.weight, 100), mDivisor));
-    const AUT_RefPtr<AQE_I_JoinPathDescriptor> descriptor(
-        new AQE_JoinPathDescriptor(path.path, ranking, path.weight));
-    mDescriptors.push_back(descriptor);
-    mLog.LogRankedPath({path.path, path.weight, factTableKey, straightnessKey, ranking});
+    mRanked.push_back({.candidate = index, .ranking = ranking});
+    mLog.LogRankedPath(path.path, mMeasurer.Get(index), ranking);
+}
+
+/// Returns the members with the least key, in their order.
+Indices KeepLeast(const RankingCriterion& criterion, const Indices& members, Measurer& measurer)
+{
+    Indices kept;
+    std::int32_t least = 0;
+    for (const std::size_t member : members) {
+        const std::int32_t key = measurer.MeasureKey(criterion, member);
+        if (kept.empty() || key < least) {
+            kept.clear();
+            least = key;
+        }
+        if (key == least)
+            kept.push_back(member);
+    }
+    return kept;
 }
 
 } // namespace
 
-void RankPaths(const std::vector<WeightedPath>& paths, const RankingCriteria& criteria,
-               const JoinInfoReader& joinInfos,
-               std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>& descriptors)
+std::vector<RankedPath> RankPaths(std::span<const WeightedPath> paths,
+                                  const RankingSwitches& switches, const JoinInfoReader& joinInfos)
 {
-    RankingRun(paths, criteria, joinInfos, descriptors).RankAll();
+    return RankingRun(paths, switches, joinInfos).RankAll();
+}
+
+std::vector<std::size_t> SelectBestPaths(std::span<const WeightedPath> paths,
+                                         const JoinInfoReader& joinInfos)
+{
+    Measurer measurer(paths, joinInfos);
+    Indices best = ListAll(paths.size());
+    for (const RankingCriterion& criterion : GetRankingCriteria()) {
+        if (criterion.countsForBest)
+            best = KeepLeast(criterion, best, measurer);
+    }
+    return best;
 }
 
 } // namespace qe

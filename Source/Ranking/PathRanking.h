@@ -1,12 +1,13 @@
 #ifndef SOURCE_RANKING_PATHRANKING_H
 #define SOURCE_RANKING_PATHRANKING_H
 
-#include "AQE_I_JoinPathDescriptor.h"
-#include "AUT_RefPtr.h"
 #include "Joins/JoinInfoReader.h"
+#include "Rules/RankingCriteria.h"
 #include "amd_id.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace qe {
@@ -18,25 +19,31 @@ struct WeightedPath
     std::int32_t weight = 0;
 };
 
-/// What orders paths of equal weight, in this sequence.
-struct RankingCriteria
+/// The place of one candidate in a ranking.
+struct RankedPath
 {
-    bool useFactTableCount = false;
-    bool useStraightestPath = false;
+    /// The position of the candidate among those that were ranked.
+    std::size_t candidate = 0;
+    /// 100 for weight 0 and 0 for the largest weight; negative weights lead outside that range.
+    std::int32_t ranking = 0;
 };
 
-/// Appends one descriptor for each path to `descriptors`, best first.
+/// Returns every candidate once, best first, and writes the ranking to the log.
 ///
-/// Paths are ordered by weight, then by number of fact tables and by straightness as far as the
-/// criteria want these. Among equals the paths come in the order of their signatures, where only
-/// the first path with a signature counts; the others follow behind all of them in the order in
-/// which they were given. The ranking is 100 for weight 0 and 0 for the largest weight; negative
-/// weights lead outside that range.
+/// Paths are ordered by the ranking's criteria as far as these are on. Among equals they come in
+/// the order of their signatures, where only the first path with a signature counts; the others
+/// follow behind all of them in the order in which they were given.
 ///
-/// Errors of the fact finder and of the gateway pass through; what was appended before stays.
-void RankPaths(const std::vector<WeightedPath>& paths, const RankingCriteria& criteria,
-               const JoinInfoReader& joinInfos,
-               std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>& descriptors);
+/// Raises an HBNException when fact tables are to be counted and the joins of a path do not let
+/// them be; what the gateway throws passes through.
+[[nodiscard]] std::vector<RankedPath> RankPaths(std::span<const WeightedPath> paths,
+                                                const RankingSwitches& switches,
+                                                const JoinInfoReader& joinInfos);
+
+/// Returns the positions of the best candidates, ascending: those with the least weight and, among
+/// these, the fewest fact tables. Raises what RankPaths raises.
+[[nodiscard]] std::vector<std::size_t> SelectBestPaths(std::span<const WeightedPath> paths,
+                                                       const JoinInfoReader& joinInfos);
 
 } // namespace qe
 

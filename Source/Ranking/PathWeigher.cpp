@@ -1,67 +1,65 @@
 #include "Ranking/PathWeigher.h"
 
-#include "AUT_I_UserConfiguration.h"
 #include "IdClass.h"
-#include "QEJoinTree.h"
+#include "Joins/UserSettings.h"
 #include "Ranking/FolderDistance.h"
-#include "Ranking/WrappingArithmetic.h"
+#include "Rules/WrappingArithmetic.h"
 
-#include <atomic>
+#include <cstdint>
+#include <map>
+#include <set>
 
 namespace qe {
 
 namespace {
 
+using Ids = std::vector<amd_id>;
+
 constexpr std::int32_t kFolderScale = 1000;
 
-/// The setting "AdjustWeightByFolder" as it was when it was first asked for. Two first callers at
-/// once may both read it, with the same result.
-struct CachedFolderSetting
+/// Weighs the paths of one operation.
+class PathWeigher
 {
-    std::atomic<bool> alreadyRead{false};
-    std::atomic<bool> adjustByFolder{true};
-};
-
-CachedFolderSetting cachedSetting;
-
-} // namespace
-
-PathWeigher::PathWeigher(const RefinerServices& services, const AQE_JoinTree& tree,
-                         const Ids& favouredJoins, const Ids& requiredJoins)
-    : mServices(services), mTree(tree), mExemptJoins(favouredJoins.begin(), favouredJoins.end())
-{
-    mExemptJoins.insert(requiredJoins.begin(), requiredJoins.end());
-}
-
-PathWeigher::EFolders PathWeigher::GetFolderMode()
-{
-    if (!cachedSetting.alreadyRead) {
-        // Noted first: the configuration is asked once, even when it fails to answer.
-        cachedSetting.alreadyRead = true;
-        const auto configuration = AUT_I_UserConfiguration::Create(RootKeyUser);
-        if (configuration->GetInt("General Options", "AdjustWeightByFolder", 0) == 0)
-            cachedSetting.adjustByFolder = false;
+public:
+    PathWeigher(const CandidatePaths& candidates, const RefinerServices& services)
+        : mCandidates(candidates),
+          mServices(services),
+          mExemptJoins(candidates.favouredJoins.begin(), candidates.favouredJoins.end())
+    {
+        mExemptJoins.insert(candidates.requiredJoins.begin(), candidates.requiredJoins.end());
     }
-    return cachedSetting.adjustByFolder ? EFolders::Count : EFolders::Ignore;
-}
+
+    [[nodiscard]] std::int32_t ComputePathWeight(const Ids& path);
+
+private:
+    [[nodiscard]] std::int32_t ComputeTerm(const amd_id& join) const;
+    [[nodiscard]] bool IsExempt(const amd_id& join) const;
+
+    const CandidatePaths& mCandidates;
+    const RefinerServices& mServices;
+    std::set<amd_id> mExemptJoins;
+    bool mIsAdjustedByFolder = false;
+    /// What each join adds to a path; alternatives share most of their joins.
+    std::map<amd_id, std::int32_t> mTerms;
+};
 
 std::int32_t PathWeigher::ComputePathWeight(const Ids& path)
 {
-    const EFolders folders = GetFolderMode();
+    mIsAdjustedByFolder = settings::IsAdjustWeightByFolderOn();
     std::int32_t weight = 0;
     for (const amd_id& join : path) {
         auto term = mTerms.find(join);
         if (term == mTerms.end())
-            term = mTerms.emplace(join, ComputeTerm(join, folders)).first;
+            term = mTerms.emplace(join, ComputeTerm(join)).first;
         weight = AddWrapping(weight, term->second);
     }
     return weight;
 }
 
-std::int32_t PathWeigher::ComputeTerm(const amd_id& join, EFolders folders) const
+std::int32_t PathWeigher::ComputeTerm(const amd_id& join) const
 {
-    const std::int32_t edgeWeight = mTree.GetPathWeight({join});
-    if (folders == EFolders::Ignore)
+    const std::int32_t edgeWeight = mCandidates.getPathWeight({join});
+    if (!mIsAdjustedByFolder)
         return edgeWeight;
     const std::int32_t scaled = MultiplyWrapping(kFolderScale, edgeWeight);
     if (IsExempt(join))
@@ -73,6 +71,19 @@ bool PathWeigher::IsExempt(const amd_id& join) const
 {
     return join.classCode == IdClassSpecJoin || mExemptJoins.count(join) != 0 ||
            join.classCode == IdClassShortcutJoin;
+}
+
+} // namespace
+
+std::vector<WeightedPath> WeighPaths(const CandidatePaths& candidates,
+                                     const RefinerServices& services)
+{
+    PathWeigher weigher(candidates, services);
+    std::vector<WeightedPath> weighted;
+    weighted.reserve(candidates.paths.size());
+    for (const Ids& path : candidates.paths)
+        weighted.push_back({path, weigher.ComputePathWeight(path)});
+    return weighted;
 }
 
 } // namespace qe

@@ -1,6 +1,8 @@
 #include "Ranking/RankingLog.h"
 
+#include "Joins/HostNumbers.h"
 #include "QERes.h"
+#include "Rules/RankingCriteria.h"
 
 #include <string>
 
@@ -10,7 +12,6 @@ namespace {
 
 constexpr int kLevel = 5;
 constexpr int kMaxLoggedPaths = 30;
-constexpr long kLogName = 340;
 
 std::string InParentheses(std::int64_t number)
 {
@@ -20,27 +21,30 @@ std::string InParentheses(std::int64_t number)
 } // namespace
 
 RankingLog::RankingLog(const JoinInfoReader& joinInfos)
-    : mJoinInfos(joinInfos), mFile(QERes::getString(kLogName)), mIsOn(mFile.GetLogLevel() >= kLevel)
+    : mJoinInfos(joinInfos),
+      mFile(QERes::getString(host::kComponentNameText)),
+      mIsOn(mFile.GetLogLevel() >= kLevel)
 {
     if (mIsOn)
         mFile.Log(kLevel, "AQE_Refiner::RankPaths -> START LOGGING COMPUTED JOIN PATHS\n");
 }
 
-void RankingLog::LogRankedPath(const RankedPath& ranked)
+void RankingLog::LogRankedPath(const std::vector<amd_id>& path, const PathMeasure& measure,
+                               std::int32_t ranking)
 {
     if (!mIsOn || mLoggedCount >= kMaxLoggedPaths)
         return;
     ++mLoggedCount;
     std::string text = "\nPath " + std::to_string(mLoggedCount) + ": ";
-    for (const amd_id& join : ranked.path) {
+    for (const amd_id& join : path) {
         if (const auto info = mJoinInfos.LookUpJoinInfo(join))
             text.append(info->name.View()).append(", ");
     }
-    text += "\nComputed weight " + InParentheses(ranked.weight) + ", ";
-    text += "computed number of fact tables " + InParentheses(ranked.factTableKey) + ", ";
-    text += "adjusted weight considering straightest path " +
-            InParentheses(ranked.straightnessKey) + ", ";
-    text += "ranking using computed weight " + InParentheses(ranked.ranking) + "\n";
+    text += '\n';
+    for (const RankingCriterion& criterion : GetRankingCriteria())
+        text.append(criterion.logText)
+            .append(" " + InParentheses(criterion.getKey(measure)) + ", ");
+    text += "ranking using computed weight " + InParentheses(ranking) + "\n";
     mFile.Log(kLevel, I18NString(text));
 }
 

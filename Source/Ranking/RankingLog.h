@@ -3,6 +3,7 @@
 
 #include "AQE_LogFile.h"
 #include "Joins/JoinInfoReader.h"
+#include "Rules/PathMeasure.h"
 #include "amd_id.h"
 
 #include <cstddef>
@@ -10,16 +11,6 @@
 #include <vector>
 
 namespace qe {
-
-/// What the ranking found out about a path.
-struct RankedPath
-{
-    const std::vector<amd_id>& path;
-    std::int32_t weight;
-    std::int32_t factTableKey;
-    std::int32_t straightnessKey;
-    std::int32_t ranking;
-};
 
 /// Writes one ranking to the log, at level 5: an opening entry, the first 30 paths in rank order,
 /// and how many there were. When that level is off nothing is composed or read.
@@ -29,7 +20,9 @@ public:
     /// Opens the log and writes the opening entry.
     explicit RankingLog(const JoinInfoReader& joinInfos);
 
-    void LogRankedPath(const RankedPath& ranked);
+    /// Writes the next path, with its keys in all criteria of the ranking.
+    void LogRankedPath(const std::vector<amd_id>& path, const PathMeasure& measure,
+                       std::int32_t ranking);
     void LogEnd(std::size_t pathCount);
 
 private:

@@ -29,13 +29,13 @@ void ShortcutReferences::RegisterShortcut(amdi_gateway* gateway, const amd_id& s
     const amdi_object* const targetObject = gateway->GetObject(target);
     if (targetObject == nullptr)
         return;
-    const amd_id targetContainer = targetObject->GetParentId();
-    mShortcutRecords[shortcut] = {chainParents.front(), target, targetContainer};
+    const amd_id targetParent = targetObject->GetParentId();
+    mShortcutRecords[shortcut] = {chainParents.front(), target, targetParent};
 
-    Containers& containers = mReferencesByTarget[target];
-    containers[targetContainer].insert(target);
+    ReferencesByParent& parents = mReferencesByTarget[target];
+    parents[targetParent].insert(target);
     for (std::size_t i = 0; i < chain.size(); ++i)
-        containers[chainParents[i]].insert(chain[i]);
+        parents[chainParents[i]].insert(chain[i]);
 }
 
 void ShortcutReferences::RecordJoinedReferences(const amd_id& left, const amd_id& right)
@@ -47,47 +47,47 @@ void ShortcutReferences::RecordJoinedReferences(const amd_id& left, const amd_id
     const amd_id rightTarget = IsShortcut(right) ? mShortcutRecords[right].target : right;
     if (leftTarget != rightTarget)
         return;
-    // An end that is no shortcut is the target itself, whose container the other end knows.
-    const amd_id leftContainer = IsShortcut(left) ? mShortcutRecords[left].shortcutContainer
-                                                  : mShortcutRecords[right].targetContainer;
-    const amd_id rightContainer = IsShortcut(right) ? mShortcutRecords[right].shortcutContainer
-                                                    : mShortcutRecords[left].targetContainer;
-    if (leftContainer == rightContainer)
+    // An end that is no shortcut is the target itself, whose parent the other end knows.
+    const amd_id leftParent = IsShortcut(left) ? mShortcutRecords[left].shortcutParent
+                                               : mShortcutRecords[right].targetParent;
+    const amd_id rightParent = IsShortcut(right) ? mShortcutRecords[right].shortcutParent
+                                                 : mShortcutRecords[left].targetParent;
+    if (leftParent == rightParent)
         return;
     mJoinedReferences[leftTarget].insert({left, right});
 }
 
 void ShortcutReferences::ConsolidateJoinedReferences()
 {
-    for (auto& [target, containers] : mReferencesByTarget) {
+    for (auto& [target, parents] : mReferencesByTarget) {
         const auto joined = mJoinedReferences.find(target);
         if (joined != mJoinedReferences.end())
-            ConsolidateJoinedReferences(containers, joined->second);
+            ConsolidateJoinedReferences(parents, joined->second);
     }
 }
 
-void ShortcutReferences::ConsolidateJoinedReferences(Containers& containers,
+void ShortcutReferences::ConsolidateJoinedReferences(ReferencesByParent& parents,
                                                      const std::set<amd_id>& joined)
 {
-    const amd_id best = ChooseContainer(joined);
-    if (!best.IsValid() || containers.find(best) == containers.end())
+    const amd_id best = ChooseParent(joined);
+    if (!best.IsValid() || parents.find(best) == parents.end())
         return;
     for (const amd_id& reference : joined) {
         if (!IsShortcut(reference))
             continue;
-        const amd_id container = mShortcutRecords[reference].shortcutContainer;
-        const auto home = containers.find(container);
-        if (container == best || home == containers.end() || home->second.erase(reference) == 0)
+        const amd_id parent = mShortcutRecords[reference].shortcutParent;
+        const auto home = parents.find(parent);
+        if (parent == best || home == parents.end() || home->second.erase(reference) == 0)
             continue;
-        containers[best].insert(reference);
+        parents[best].insert(reference);
     }
-    std::erase_if(containers, [](const auto& entry) { return entry.second.empty(); });
+    std::erase_if(parents, [](const auto& entry) { return entry.second.empty(); });
 }
 
-amd_id ShortcutReferences::ChooseContainer(const std::set<amd_id>& joined)
+amd_id ShortcutReferences::ChooseParent(const std::set<amd_id>& joined)
 {
     amd_id best;
-    amd_id targetContainer;
+    amd_id targetParent;
     amd_id joinedTarget;
     for (const amd_id& reference : joined) {
         if (!IsShortcut(reference)) {
@@ -95,11 +95,11 @@ amd_id ShortcutReferences::ChooseContainer(const std::set<amd_id>& joined)
             continue;
         }
         const ShortcutRecord& record = mShortcutRecords[reference];
-        if (!best.IsValid() || record.shortcutContainer < best)
-            best = record.shortcutContainer;
-        targetContainer = record.targetContainer;
+        if (!best.IsValid() || record.shortcutParent < best)
+            best = record.shortcutParent;
+        targetParent = record.targetParent;
     }
-    return joinedTarget.IsValid() ? targetContainer : best;
+    return joinedTarget.IsValid() ? targetParent : best;
 }
 
 void ShortcutReferences::Clear() noexcept

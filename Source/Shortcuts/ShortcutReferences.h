@@ -10,32 +10,33 @@ class amdi_gateway;
 
 namespace qe {
 
-/// What refers to which query subject (the target), and in which container each reference lies.
+/// What refers to which query subject (the target), and in which parent each reference lies.
 ///
 /// Filled with the shortcuts of a request first and with its real joins then; after
-/// consolidation, references that are joined to each other across containers count as lying in
-/// one container.
+/// consolidation, references that are joined to each other across parents count as lying in
+/// one parent.
 class ShortcutReferences
 {
 public:
-    /// The references to one target by container: the target itself and shortcuts to it.
-    using Containers = std::map<amd_id, std::set<amd_id>>;
+    /// The references to one target by the parent in which they lie: the target itself and
+    /// shortcuts to it.
+    using ReferencesByParent = std::map<amd_id, std::set<amd_id>>;
 
-    /// Takes in a shortcut, its target and every shortcut on the way there. A shortcut that leads
+    /// Records a shortcut, its target and every shortcut on the path there. A shortcut that leads
     /// to no query subject, or to one without an object, is left out.
     void RegisterShortcut(amdi_gateway* gateway, const amd_id& shortcut);
 
-    /// Takes in a real join between `left` and `right`. It counts when both refer to one target
-    /// from different containers.
+    /// Records a real join between `left` and `right`. It counts when both refer to one target
+    /// from different parents.
     void RecordJoinedReferences(const amd_id& left, const amd_id& right);
 
-    /// Moves, for every target, the shortcuts that are joined across containers into one
-    /// container: the target's own when the target is joined too, otherwise the least one among
-    /// theirs. Containers that this empties disappear.
+    /// Moves, for every target, the shortcuts that are joined across parents into one
+    /// parent: the target's own when the target is joined too, otherwise the least one among
+    /// theirs. Parents that this empties disappear.
     void ConsolidateJoinedReferences();
 
-    /// Gives the references of each target.
-    [[nodiscard]] const std::map<amd_id, Containers>& GetByTarget() const noexcept
+    /// Returns the references of each target.
+    [[nodiscard]] const std::map<amd_id, ReferencesByParent>& GetByTarget() const noexcept
     {
         return mReferencesByTarget;
     }
@@ -46,17 +47,17 @@ public:
 private:
     struct ShortcutRecord
     {
-        amd_id shortcutContainer;
+        amd_id shortcutParent;
         amd_id target;
-        amd_id targetContainer;
+        amd_id targetParent;
     };
 
-    void ConsolidateJoinedReferences(Containers& containers, const std::set<amd_id>& joined);
-    [[nodiscard]] amd_id ChooseContainer(const std::set<amd_id>& joined);
+    void ConsolidateJoinedReferences(ReferencesByParent& parents, const std::set<amd_id>& joined);
+    [[nodiscard]] amd_id ChooseParent(const std::set<amd_id>& joined);
 
-    std::map<amd_id, Containers> mReferencesByTarget;
+    std::map<amd_id, ReferencesByParent> mReferencesByTarget;
     std::map<amd_id, ShortcutRecord> mShortcutRecords;
-    /// The references to each target that real joins connect across containers.
+    /// The references to each target that real joins connect across parents.
     std::map<amd_id, std::set<amd_id>> mJoinedReferences;
 };
 

@@ -1,6 +1,6 @@
 #include "Engine/Services/LogCapture.h"
 #include "HBNException.h"
-#include "Ranking/BestPaths.h"
+#include "PathSelection.h"
 #include "Ranking/FolderDistance.h"
 #include "Ranking/PathRanking.h"
 #include "Tests/Support/CountingGateway.h"
@@ -14,7 +14,7 @@
 namespace {
 
 using qe::JoinInfoReader;
-using qe::RankingCriteria;
+using qe::RankingSwitches;
 using qe::WeightedPath;
 using qe::test::CountingGateway;
 using qe::test::Descriptors;
@@ -29,17 +29,14 @@ struct Candidate
 };
 
 Descriptors Rank(const ModelText& model, const std::vector<Candidate>& candidates,
-                 const RankingCriteria& criteria = {}, amdi_gateway* gateway = nullptr)
+                 const RankingSwitches& switches = {}, amdi_gateway* gateway = nullptr)
 {
     std::vector<WeightedPath> paths;
     for (const Candidate& candidate : candidates)
         paths.push_back({model.Ids(candidate.joins), candidate.weight});
-    Descriptors descriptors;
-    qe::RankPaths(paths, criteria,
-                  JoinInfoReader({gateway == nullptr ? &model.GetGateway() : gateway, nullptr,
-                                  nullptr, nullptr}),
-                  descriptors);
-    return descriptors;
+    const JoinInfoReader joinInfos(
+        {gateway == nullptr ? &model.GetGateway() : gateway, nullptr, nullptr, nullptr});
+    return qe::DescribePaths(paths, qe::RankPaths(paths, switches, joinInfos));
 }
 
 std::vector<int> RankNumbers(const std::vector<int>& weights)
@@ -141,12 +138,17 @@ TEST(BestPaths, HaveTheLeastWeightAndThenTheFewestFactTables)
 {
     const ModelText model(kShapes);
     const JoinInfoReader joinInfos({&model.GetGateway(), nullptr, nullptr, nullptr});
-    const std::vector<std::vector<amd_id>> paths{model.Ids("ab"),         model.Ids("ab, bc, ec"),
-                                                 model.Ids("ab, ac, ad"), model.Ids("ab, ac, ad"),
-                                                 model.Ids("abm"),        model.Ids("ab, bc, cd")};
-    EXPECT_THAT(qe::SelectBestPaths(paths, {5, 3, 3, 3, 3, 4}, joinInfos), ElementsAre(2, 3));
-    EXPECT_THAT(qe::SelectBestPaths(paths, {5, -3, 3, 3, 3, -3}, joinInfos), ElementsAre(5));
-    EXPECT_TRUE(qe::SelectBestPaths({}, {}, joinInfos).empty());
+    const auto selectBest = [&](const std::vector<int>& weights) {
+        const std::vector<std::string> paths{"ab",         "ab, bc, ec", "ab, ac, ad",
+                                             "ab, ac, ad", "abm",        "ab, bc, cd"};
+        std::vector<WeightedPath> weighted;
+        for (std::size_t index = 0; index < weights.size(); ++index)
+            weighted.push_back({model.Ids(paths[index]), weights[index]});
+        return qe::SelectBestPaths(weighted, joinInfos);
+    };
+    EXPECT_THAT(selectBest({5, 3, 3, 3, 3, 4}), ElementsAre(2, 3));
+    EXPECT_THAT(selectBest({5, -3, 3, 3, 3, -3}), ElementsAre(5));
+    EXPECT_TRUE(selectBest({}).empty());
 }
 
 TEST(FolderDistance, GoesOverTheNearestCommonFolder)

@@ -68,16 +68,16 @@ struct ChoiceCase
 {
     const char* model;
     const char* path;
-    ECriterion criterion;
+    std::string_view criterion;
 };
 
 TEST(AskTest, AnswersTellWhatDecided)
 {
     const ChoiceCase cases[] = {
-        {"A >- M : am; M >- Z : mz", "am mz", ECriterion::OnlyCandidate},
-        {"A >- M : am; M >- Z : mz; A >- L : al; L >- Z : lz", "al lz", ECriterion::JoinNames},
-        {"A >- M : am; M -< Z : mz; A >- N : an; N >- Z : nz", "an nz", ECriterion::FactTables},
-        {"A >- M : j; M >- Z : j; A >- L : j; L >- Z : j", "j j", ECriterion::Order},
+        {"A >- M : am; M >- Z : mz", "am mz", decision::kOnlyCandidate},
+        {"A >- M : am; M >- Z : mz; A >- L : al; L >- Z : lz", "al lz", decision::kJoinNames},
+        {"A >- M : am; M -< Z : mz; A >- N : an; N >- Z : nz", "an nz", "fact tables"},
+        {"A >- M : j; M >- Z : j; A >- L : j; L >- Z : j", "j j", decision::kOrder},
     };
     for (const ChoiceCase& entry : cases) {
         const Answer answer = Ask(MakeModel(entry.model), Connect({"A", "Z"}));
@@ -92,7 +92,7 @@ TEST(AskTest, AnswersTellWhatDecided)
     question.selector.choose = [](const Answer& soFar) { return soFar.alternatives.size() - 1; };
     const Answer chosen = Ask(MakeModel(cases[1].model), question);
     EXPECT_EQ(NamesOf(chosen, chosen.path), "am mz");
-    EXPECT_EQ(chosen.criterion, ECriterion::Selector);
+    EXPECT_EQ(chosen.criterion, decision::kSelector);
 
     question.selector.choose = [](const Answer&) { return std::size_t{7}; };
     const Answer failed = Ask(MakeModel(cases[1].model), question);

@@ -132,7 +132,6 @@ Json SettingsToJson(const Question& question)
 Json ToJson(const Question& question, const Answer& answer, std::size_t maximumAlternatives)
 {
     const std::size_t shown = std::min(maximumAlternatives, answer.alternatives.size());
-    const std::string_view criterion = ToText(answer.criterion);
     return {{"version", JsonAnswerVersion},
             {"operation", ToText(question.operation)},
             {"subjects", NamesToJson(answer, answer.terminals)},
@@ -144,7 +143,7 @@ Json ToJson(const Question& question, const Answer& answer, std::size_t maximumA
             {"connected", answer.connected},
             {"weight", OrNull(answer.weight)},
             {"path", ToJson(answer.path)},
-            {"criterion", criterion.empty() ? Json() : Json(criterion)},
+            {"criterion", answer.criterion.empty() ? Json() : Json(answer.criterion)},
             {"chosen", OrNull(answer.chosen)},
             {"mainObject",
              answer.mainObject.IsValid() ? Json(answer.NameOf(answer.mainObject)) : Json()},

@@ -1,6 +1,7 @@
 #include "Toolkit/Answers/SqlAnswer.h"
 
 #include "IdClass.h"
+#include "Source/Rules/Cardinality.h"
 #include "Toolkit/Answers/SqlCondition.h"
 #include "Toolkit/Answers/SqlIdentifier.h"
 #include "Toolkit/Answers/SqlTables.h"
@@ -206,7 +207,7 @@ int SqlWriter::CountManySteps(std::size_t start) const
             if (const auto step = StepFrom(isIn, *join)) {
                 isIn[step->to] = true;
                 isGrowing = true;
-                count += step->toCardinality.maximum == BMT_I_Association::CardinalityMany ? 1 : 0;
+                count += IsToMany(step->toCardinality) ? 1 : 0;
             }
         }
     }

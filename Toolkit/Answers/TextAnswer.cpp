@@ -132,8 +132,8 @@ void TextAnswerWriter::WriteCandidates()
         return;
     mOut << '\n';
     WriteAlternatives(mOut, mAnswer, mMaximum);
-    if (mAnswer.criterion != ECriterion::None)
-        mOut << "Decided by: " << ToText(mAnswer.criterion) << '\n';
+    if (!mAnswer.criterion.empty())
+        mOut << "Decided by: " << mAnswer.criterion << '\n';
     if (mAnswer.mainObject.IsValid())
         mOut << "Main object: " << ToDisplayText(mAnswer.NameOf(mAnswer.mainObject)) << '\n';
 }

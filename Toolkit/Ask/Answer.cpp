@@ -57,29 +57,4 @@ std::string ToText(const BMT_I_Association::CardinalityRange& range)
     return ToText(range.minimum) + ".." + ToText(range.maximum);
 }
 
-std::string_view ToText(ECriterion criterion)
-{
-    switch (criterion) {
-    case ECriterion::None:
-        return "";
-    case ECriterion::OnlyCandidate:
-        return "only candidate";
-    case ECriterion::Weight:
-        return "weight";
-    case ECriterion::FactTables:
-        return "fact tables";
-    case ECriterion::Straightness:
-        return "straightness";
-    case ECriterion::JoinNames:
-        return "join names";
-    case ECriterion::Order:
-        return "order";
-    case ECriterion::Keys:
-        return "keys";
-    case ECriterion::Selector:
-        return "selector";
-    }
-    return "";
-}
-
 } // namespace qe::tool

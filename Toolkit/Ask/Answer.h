@@ -3,6 +3,7 @@
 
 #include "AQE_Governors.h"
 #include "BMT_I_Association.h"
+#include "Source/Rules/PathMeasure.h"
 #include "amd_id.h"
 
 #include <cstddef>
@@ -42,40 +43,32 @@ struct AnswerJoin
     int weight = 0;
 };
 
-/// One of the ranked candidate paths.
-struct Alternative
+/// One of the candidate paths, with what the ranking compares. Its figures are read off the list of
+/// ranking criteria.
+struct Alternative : PathMeasure
 {
     std::vector<amd_id> joins{};
-    int weight = 0;
-    /// The facts that the path touches, a many-to-many join counting as one-to-one; nothing when
-    /// facts and dimensions cannot be told apart.
-    std::optional<int> factTables{};
-    int manyToManyJoins = 0;
-    /// How often the path branches: 0 for a chain.
-    int branches = 0;
     /// 100 for weight 0, 0 for the heaviest; nothing for what was not ranked.
     std::optional<int> rank{};
 };
 
-/// What tells the chosen path from the next best.
-enum class ECriterion : std::uint8_t
-{
-    /// There is no path.
-    None,
-    /// There was one candidate.
-    OnlyCandidate,
-    Weight,
-    FactTables,
-    Straightness,
-    /// Equally good; the names of its joins come first.
-    JoinNames,
-    /// Equally good, with the same join names; it was found first.
-    Order,
-    /// Among equally cheap ones, the keys speak for it.
-    Keys,
-    /// The selector's own rule.
-    Selector,
-};
+/// What tells the chosen path from the next best is named as output shows it: by the name of a
+/// ranking criterion, or by one of these.
+namespace decision {
+
+/// There is no path.
+inline constexpr std::string_view kNone;
+inline constexpr std::string_view kOnlyCandidate = "only candidate";
+/// Equally good; the names of its joins come first.
+inline constexpr std::string_view kJoinNames = "join names";
+/// Equally good, with the same join names; it was found first.
+inline constexpr std::string_view kOrder = "order";
+/// Among equally cheap ones, the keys speak for it.
+inline constexpr std::string_view kKeys = "keys";
+/// The selector's own rule.
+inline constexpr std::string_view kSelector = "selector";
+
+} // namespace decision
 
 /// A message that the request carries back to its user.
 struct AnswerMessage
@@ -139,7 +132,8 @@ struct Answer
     /// ranked; the best paths, which nobody chooses among, stand in the refiner's order.
     std::vector<Alternative> alternatives{};
     std::optional<std::size_t> chosen{};
-    ECriterion criterion = ECriterion::None;
+    /// The name of a ranking criterion, or one of namespace decision.
+    std::string_view criterion = decision::kNone;
     std::vector<std::vector<amd_id>> bestPaths{};
     /// Between two sets: the subjects at the ends of the path, or of each of the best paths.
     std::vector<std::pair<amd_id, amd_id>> endPairs{};
@@ -164,9 +158,6 @@ struct Answer
 
 /// Writes a cardinality as models do, such as "1..n"; "?" for a bound that is not known.
 [[nodiscard]] std::string ToText(const BMT_I_Association::CardinalityRange& range);
-
-/// Names the criterion as output shows it, such as "fact tables"; empty for None.
-[[nodiscard]] std::string_view ToText(ECriterion criterion);
 
 } // namespace qe::tool
 

@@ -206,10 +206,10 @@ std::uint32_t Asking::Select(const Descriptors& descriptors)
         alternative.rank = descriptor->GetRank();
         mAnswer.alternatives.push_back(std::move(alternative));
     }
-    RankingChoice ranking = mQuestion.ranking;
+    RankingSwitches ranking = mQuestion.ranking;
     // Between two sets how straight a path is plays no part.
     ranking.useStraightestPath &= mQuestion.operation == EOperation::Path;
-    mAnswer.criterion = FindCriterion(mAnswer, ranking);
+    mAnswer.criterion = FindDecision(mAnswer, ranking);
     // Between two sets the ranking has no weights of its own and counts -1 for each join.
     for (Alternative& alternative : mAnswer.alternatives) {
         if (alternative.weight < 0)
@@ -229,9 +229,9 @@ std::uint32_t Asking::Select(const Descriptors& descriptors)
     if (choice < mAnswer.alternatives.size())
         mAnswer.chosen = choice;
     if (isKeyChoice)
-        mAnswer.criterion = ECriterion::Keys;
+        mAnswer.criterion = decision::kKeys;
     else if (choice != 0 || mQuestion.selector.kind == ESelector::Ask)
-        mAnswer.criterion = ECriterion::Selector;
+        mAnswer.criterion = decision::kSelector;
     return choice;
 }
 
@@ -254,7 +254,7 @@ void Asking::NoteOnlyCandidate()
         return;
     mAnswer.alternatives.push_back(MeasurePath(mAnswer, mAnswer.path));
     mAnswer.chosen = 0;
-    mAnswer.criterion = ECriterion::OnlyCandidate;
+    mAnswer.criterion = decision::kOnlyCandidate;
 }
 
 void Asking::NoteBestPaths()

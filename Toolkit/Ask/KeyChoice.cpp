@@ -1,6 +1,7 @@
 #include "Toolkit/Ask/KeyChoice.h"
 
 #include "Engine/Services/AsciiText.h"
+#include "Source/Rules/Cardinality.h"
 #include "Toolkit/Ask/ColumnPairs.h"
 
 #include <algorithm>
@@ -65,12 +66,6 @@ std::size_t CountDifferingWords(const std::string& left, const std::string& righ
     std::set_symmetric_difference(ofLeft.begin(), ofLeft.end(), ofRight.begin(), ofRight.end(),
                                   std::back_inserter(differing));
     return differing.size();
-}
-
-bool IsExactlyOne(const BMT_I_Association::CardinalityRange& end)
-{
-    return end.minimum == BMT_I_Association::CardinalityOne &&
-           end.maximum == BMT_I_Association::CardinalityOne;
 }
 
 KeyMeasure Measure(const AnswerJoin& join)

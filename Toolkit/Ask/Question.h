@@ -2,6 +2,7 @@
 #define TOOLKIT_ASK_QUESTION_H
 
 #include "AQE_RequestContext.h"
+#include "Source/Rules/RankingCriteria.h"
 #include "Toolkit/Ask/Setting.h"
 
 #include <cstddef>
@@ -59,13 +60,6 @@ struct SelectorChoice
     ChooseAlternative choose{};
 };
 
-/// How paths of equal weight are ranked.
-struct RankingChoice
-{
-    bool useFactTableCount = true;
-    bool useStraightestPath = false;
-};
-
 /// What the candidate graph leaves out of the model. Empty `only` lists leave everything in.
 struct Restriction
 {
@@ -97,7 +91,7 @@ struct Question
     std::vector<std::string> avoidedJoins{};
     std::vector<std::string> favouredSubjects{};
     Restriction restriction{};
-    RankingChoice ranking{};
+    RankingSwitches ranking{.useFactTableCount = true, .useStraightestPath = false};
     SelectorChoice selector{};
     GovernorChoice governors{};
     AQE_RequestContext::ECommandType commandType = AQE_RequestContext::CommandTypeQuery;

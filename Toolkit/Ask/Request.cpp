@@ -2,6 +2,7 @@
 
 #include "AQE_JoinCache.h"
 #include "IdClass.h"
+#include "Source/Rules/FavouredWeight.h"
 #include "Toolkit/Model/ToolModel.h"
 
 namespace qe::tool {
@@ -51,7 +52,7 @@ AQE_I_QuerySubjectShortcutInfo& Request::GetShortcutInfo()
 }
 
 AUT_RefPtr<AQE_I_Refiner> Request::MakeRefiner(AQE_I_PathSelector* selector,
-                                               const RankingChoice& ranking)
+                                               const RankingSwitches& ranking)
 {
     AUT_RefPtr<AQE_I_Refiner> refiner =
         AQE_I_Refiner::Create(&mGateway, selector, &mGovernors, &mContext,
@@ -80,29 +81,13 @@ int Request::GetWeight(const AQE_I_Refiner::QEjoinInfo& info)
         return info.weight;
     if (mCheapJoins.count(info.joinId) != 0)
         return WeightOf(AQE_I_Refiner::EdgeTypeRelationship136);
-    const int bothIn = WeightOf(AQE_I_Refiner::EdgeTypeBothEndsInSet);
-    if (mFavouredSubjects.empty() || info.weight <= bothIn)
-        return info.weight;
-    bool left = IsFavoured(info.leftQuerySubject);
-    bool right = IsFavoured(info.rightQuerySubject);
-    if (!left && !right) {
-        left = StandsForFavoured(info.leftQuerySubject);
-        right = StandsForFavoured(info.rightQuerySubject);
-    }
-    if (left && right)
-        return bothIn;
-    return left || right ? WeightOf(AQE_I_Refiner::EdgeTypeOneEndInSet) : info.weight;
-}
-
-bool Request::IsFavoured(const amd_id& end) const
-{
-    return mFavouredSubjects.count(end) != 0;
-}
-
-bool Request::StandsForFavoured(const amd_id& end)
-{
-    return end.classCode == IdClassShortcut &&
-           IsFavoured(AQE_I_Refiner::GetRefQuerySubject(&mGateway, end, nullptr, nullptr));
+    const auto resolve = [this](const amd_id& shortcut) {
+        return AQE_I_Refiner::GetRefQuerySubject(&mGateway, shortcut, nullptr, nullptr);
+    };
+    return ApplyFavour({{info.leftQuerySubject, info.rightQuerySubject}, info.weight},
+                       {mFavouredSubjects, resolve},
+                       {.oneEnd = WeightOf(AQE_I_Refiner::EdgeTypeOneEndInSet),
+                        .bothEnds = WeightOf(AQE_I_Refiner::EdgeTypeBothEndsInSet)});
 }
 
 } // namespace qe::tool

@@ -35,12 +35,12 @@ public:
     [[nodiscard]] model::ModelGateway& GetGateway() { return mGateway; }
     [[nodiscard]] AQE_Governors& GetGovernors() { return mGovernors; }
     [[nodiscard]] AQE_RequestContext& GetContext() { return mContext; }
-    /// Gives the shortcut information, which is built on the first call.
+    /// Returns the shortcut information, which is built on the first call.
     [[nodiscard]] AQE_I_QuerySubjectShortcutInfo& GetShortcutInfo();
 
     /// Makes a refiner that knows the shortcut information. `selector` is borrowed.
     [[nodiscard]] AUT_RefPtr<AQE_I_Refiner> MakeRefiner(AQE_I_PathSelector* selector,
-                                                        const RankingChoice& ranking);
+                                                        const RankingSwitches& ranking);
 
     /// Reads a join of the model or one to what a shortcut stands for, with the weight that it has
     /// in the graph of this question. Nothing when it cannot be read.
@@ -60,8 +60,6 @@ private:
     };
 
     [[nodiscard]] int GetWeight(const AQE_I_Refiner::QEjoinInfo& info);
-    [[nodiscard]] bool IsFavoured(const amd_id& end) const;
-    [[nodiscard]] bool StandsForFavoured(const amd_id& end);
 
     const ResolvedQuestion& mResolved;
     UserClasses mUserClasses;

@@ -1,5 +1,6 @@
 #include "AQE_I_Refiner.h"
 #include "Engine/Model/Model.h"
+#include "Source/Rules/Cardinality.h"
 #include "Toolkit/Check/CheapestPaths.h"
 #include "Toolkit/Check/Rules.h"
 
@@ -133,7 +134,7 @@ std::string PairSearch::Advise(const AmbiguousPair& pair, const Path& path) cons
 {
     const CheckedJoin& last = mModel.GetJoins()[path.back()];
     const bool endsInMany =
-        IsMany(last.left == pair.to ? last.leftCardinality : last.rightCardinality);
+        IsToMany(last.left == pair.to ? last.leftCardinality : last.rightCardinality);
     const std::string dimension = mModel.NameOf(endsInMany ? pair.from : pair.to);
     std::string advice = "A request decides by favouring a join that only one of the paths uses. ";
     advice += path.size() == 1

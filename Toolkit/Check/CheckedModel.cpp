@@ -108,11 +108,6 @@ std::string CheckedModel::NameOf(std::size_t subject) const
     return NameOf(mSubjects[subject]);
 }
 
-bool IsMany(const BMT_I_Association::CardinalityRange& range)
-{
-    return range.maximum == BMT_I_Association::CardinalityMany;
-}
-
 std::string ListNames(const CheckedModel& model, const std::vector<std::size_t>& subjects,
                       std::size_t limit)
 {

@@ -76,9 +76,6 @@ private:
     std::map<std::string, int> mNameCounts;
 };
 
-/// Tells whether the end of that cardinality may have many rows.
-[[nodiscard]] bool IsMany(const BMT_I_Association::CardinalityRange& range);
-
 /// Writes names between commas: the first `limit`, then "and 7 more".
 [[nodiscard]] std::string ListNames(const CheckedModel& model,
                                     const std::vector<std::size_t>& subjects, std::size_t limit);

@@ -1,4 +1,5 @@
 #include "Toolkit/Check/FactSets.h"
+#include "Source/Rules/Cardinality.h"
 
 #include <algorithm>
 
@@ -8,8 +9,8 @@ FactSets::FactSets(const CheckedModel& model)
     : mDetails(model.GetSubjects().size()), mIsFact(model.GetSubjects().size(), false)
 {
     for (const CheckedJoin& join : model.GetJoins()) {
-        const bool leftIsMany = IsMany(join.leftCardinality);
-        if (leftIsMany == IsMany(join.rightCardinality) || join.left == join.right)
+        const bool leftIsMany = IsToMany(join.leftCardinality);
+        if (leftIsMany == IsToMany(join.rightCardinality) || join.left == join.right)
             continue;
         const std::size_t fact = leftIsMany ? join.left : join.right;
         mDetails[join.OtherEnd(fact)].push_back(fact);

@@ -1,3 +1,4 @@
+#include "Source/Rules/Cardinality.h"
 #include "Toolkit/Check/CheckedModel.h"
 #include "Toolkit/Check/Rules.h"
 
@@ -7,7 +8,7 @@ RuleFindings FindManyToManyJoins(const CheckedModel& model, const CheckLimits& l
 {
     RuleFindings found;
     for (const CheckedJoin& join : model.GetJoins()) {
-        if (!IsMany(join.leftCardinality) || !IsMany(join.rightCardinality))
+        if (!IsManyToMany(join.leftCardinality, join.rightCardinality))
             continue;
         if (++found.total > limits.findings)
             continue;

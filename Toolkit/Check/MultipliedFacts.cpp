@@ -1,3 +1,4 @@
+#include "Source/Rules/Cardinality.h"
 #include "Toolkit/Check/CheckedModel.h"
 #include "Toolkit/Check/Rules.h"
 
@@ -23,9 +24,9 @@ RuleFindings FindMultipliedFacts(const CheckedModel& model, const CheckLimits& l
         for (const CheckedModel::Step& step : model.GetSteps(i)) {
             const CheckedJoin& join = model.GetJoins()[step.join];
             const bool isMany =
-                IsMany(join.left == i ? join.leftCardinality : join.rightCardinality);
+                IsToMany(join.left == i ? join.leftCardinality : join.rightCardinality);
             const bool toMany =
-                IsMany(join.left == i ? join.rightCardinality : join.leftCardinality);
+                IsToMany(join.left == i ? join.rightCardinality : join.leftCardinality);
             if (isMany && !toMany)
                 dimensions.insert(step.subject);
             if (toMany && !isMany)

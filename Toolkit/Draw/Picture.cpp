@@ -1,6 +1,7 @@
 #include "Toolkit/Draw/Picture.h"
 
 #include "IdClass.h"
+#include "Source/Rules/Cardinality.h"
 #include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Check/CheckedModel.h"
 
@@ -33,9 +34,9 @@ PictureEdge MakePictureEdge(const AnswerJoin& join, const std::map<amd_id, std::
     if (isShortcutJoin)
         edge.kind = PictureEdge::EKind::StandsFor;
     // The shortcut comes before what it stands for.
-    const bool isReversed = isShortcutJoin
-                                ? join.right.classCode == IdClassShortcut
-                                : IsMany(join.rightCardinality) && !IsMany(join.leftCardinality);
+    const bool isReversed =
+        isShortcutJoin ? join.right.classCode == IdClassShortcut
+                       : IsToMany(join.rightCardinality) && !IsToMany(join.leftCardinality);
     if (isReversed) {
         std::swap(edge.first, edge.second);
         std::swap(edge.firstCardinality, edge.secondCardinality);
@@ -45,8 +46,8 @@ PictureEdge MakePictureEdge(const AnswerJoin& join, const std::map<amd_id, std::
 
 void FactMarks::Add(const AnswerJoin& join)
 {
-    const bool leftIsMany = IsMany(join.leftCardinality);
-    if (leftIsMany == IsMany(join.rightCardinality) || join.left == join.right)
+    const bool leftIsMany = IsToMany(join.leftCardinality);
+    if (leftIsMany == IsToMany(join.rightCardinality) || join.left == join.right)
         return;
     mMarks.emplace(leftIsMany ? join.left : join.right, EMark::Fact);
     mMarks[leftIsMany ? join.right : join.left] = EMark::Dimension;

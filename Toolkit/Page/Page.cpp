@@ -188,9 +188,8 @@ std::string PageWriter::Summary() const
     else
         text += "<p>" + std::to_string(mPaths[mChosen].joins.size()) + " joins" +
                 (mAnswer.weight ? ", weight " + std::to_string(*mAnswer.weight) : "") +
-                (ToText(mAnswer.criterion).empty()
-                     ? std::string()
-                     : ". Decided by: " + std::string(ToText(mAnswer.criterion))) +
+                (mAnswer.criterion.empty() ? std::string()
+                                           : ". Decided by: " + std::string(mAnswer.criterion)) +
                 ".</p>\n";
     for (const AnswerMessage& warning : mAnswer.warnings)
         text += "<p class=\"problem\">" + EscapeMarkup(warning.text) + "</p>\n";

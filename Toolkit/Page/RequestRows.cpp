@@ -40,7 +40,7 @@ std::string SettingsText(const Question& question)
 std::vector<std::pair<std::string, std::string>> ListRequestRows(const Question& question,
                                                                  const Answer& answer)
 {
-    const RankingChoice& ranking = question.ranking;
+    const RankingSwitches& ranking = question.ranking;
     const Restriction& restriction = question.restriction;
     std::vector<std::pair<std::string, std::string>> rows{
         {"Operation", std::string(ToText(question.operation))},

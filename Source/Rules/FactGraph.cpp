@@ -1,6 +1,6 @@
-#include "Facts/FactGraph.h"
+#include "Rules/FactGraph.h"
 
-#include "Joins/RaiseFailure.h"
+#include "BMT_I_Association.h"
 
 #include <algorithm>
 #include <set>
@@ -21,10 +21,10 @@ void AppendOnce(std::vector<T>& values, const T& value)
         values.push_back(value);
 }
 
-/// Tells whether a node above `node` holds `id`. Each node is walked once: merged nodes may be
-/// their own parents, and a walk along every path would take exponential time in a lattice of
+/// Returns whether `id` belongs to a node above `node`. Each node is walked once: merged nodes may
+/// be their own parents, and a walk along every path would take exponential time in a lattice of
 /// dimensions.
-bool IsHeldAbove(const FactNode& node, const amd_id& id)
+bool IsFoundAbove(const FactNode& node, const amd_id& id)
 {
     std::set<const FactNode*> visited(node.mParents.begin(), node.mParents.end());
     std::vector<const FactNode*> pending(visited.begin(), visited.end());
@@ -41,20 +41,48 @@ bool IsHeldAbove(const FactNode& node, const amd_id& id)
     return false;
 }
 
-void CheckForCycle(const amd_id& id, const FactNode& node)
+enum class ESide
 {
-    if (IsHeldAbove(node, id))
-        RaiseFailure({.severity = 1,
-                      .code = -1,
-                      .messageNumber = 0xA9E09D1F,
-                      .parameters = {},
-                      .sourcePath = "Source/QEFactFinder",
-                      .sourceLine = 316});
+    ToOne,
+    ToMany,
+    Unusable
+};
+
+ESide ToSide(std::int32_t maximum)
+{
+    switch (maximum) {
+    case BMT_I_Association::CardinalityZero:
+    case BMT_I_Association::CardinalityOne:
+        return ESide::ToOne;
+    case BMT_I_Association::CardinalityMany:
+        return ESide::ToMany;
+    default:
+        return ESide::Unusable;
+    }
 }
 
 } // namespace
 
-void FactGraph::AddOneToManyJoin(const amd_id& one, const amd_id& many)
+EFactJoin FactGraph::AddJoin(const FactJoinEnd& left, const FactJoinEnd& right)
+{
+    const ESide leftSide = ToSide(left.maximum);
+    const ESide rightSide = ToSide(right.maximum);
+    if (leftSide == ESide::Unusable)
+        return EFactJoin::LeftUnusable;
+    if (rightSide == ESide::Unusable)
+        return leftSide == ESide::ToOne ? EFactJoin::RightUnusableBesideOne
+                                        : EFactJoin::RightUnusableBesideMany;
+    if (leftSide == ESide::ToMany && rightSide == ESide::ToMany)
+        return EFactJoin::ManyToMany;
+    if (leftSide == ESide::ToMany)
+        return AddOneToManyJoin(right.subject, left.subject);
+    if (rightSide == ESide::ToMany)
+        return AddOneToManyJoin(left.subject, right.subject);
+    AddOneToOneJoin(left.subject, right.subject);
+    return EFactJoin::Added;
+}
+
+EFactJoin FactGraph::AddOneToManyJoin(const amd_id& one, const amd_id& many)
 {
     FactNode* manyNode = Find(many);
     const bool manyIsNew = manyNode == nullptr;
@@ -66,13 +94,13 @@ void FactGraph::AddOneToManyJoin(const amd_id& one, const amd_id& many)
 
     oneNode->mParents.insert(manyNode);
     if (Contains(manyNode->mChildren, oneNode))
-        return;
+        return EFactJoin::Added;
     manyNode->mChildren.push_back(oneNode);
     RemoveRoot(*oneNode);
     if (manyIsNew)
         mRoots.push_back(manyNode);
-    CheckForCycle(many, *manyNode);
-    CheckForCycle(one, *oneNode);
+    return IsFoundAbove(*manyNode, many) || IsFoundAbove(*oneNode, one) ? EFactJoin::Cyclic
+                                                                        : EFactJoin::Added;
 }
 
 void FactGraph::AddOneToOneJoin(const amd_id& a, const amd_id& b)

@@ -1,5 +1,5 @@
-#ifndef SOURCE_QEMAINOBJECTPATHSELECTOR_H
-#define SOURCE_QEMAINOBJECTPATHSELECTOR_H
+#ifndef SOURCE_MAINOBJECT_MAINOBJECT_H
+#define SOURCE_MAINOBJECT_MAINOBJECT_H
 
 #include "MainObject/PathJoins.h"
 #include "MainObjectPathSelector.h"
@@ -20,7 +20,7 @@ struct MainObject
     std::set<amd_id> pathObjects;
 };
 
-/// Gives the main object of a path that has to reach all subjects, or nothing when it has none.
+/// Returns the main object of a path that has to reach all subjects, or nothing when it has none.
 /// `joins` are the joins of `path`.
 [[nodiscard]] std::optional<MainObject>
 FindMainObject(const PathJoins& joins, const std::vector<amd_id>& path,

@@ -1,0 +1,78 @@
+#ifndef SOURCE_RULES_PATHMEASURE_H
+#define SOURCE_RULES_PATHMEASURE_H
+
+#include "Rules/Cardinality.h"
+#include "Rules/FactGraph.h"
+#include "Rules/JoinEnds.h"
+#include "amd_id.h"
+
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <span>
+#include <utility>
+
+namespace qe {
+
+/// One join of a path, as far as paths are measured by it.
+struct PathJoin
+{
+    JoinEnds ends;
+    CardinalityRange leftCardinality;
+    CardinalityRange rightCardinality;
+};
+
+/// Where the joins of paths are read from.
+class PathJoinSource
+{
+public:
+    virtual ~PathJoinSource() = default;
+
+    /// Returns the join, or nothing when it cannot be read; such joins count for nothing.
+    [[nodiscard]] virtual std::optional<PathJoin> ReadPathJoin(const amd_id& join) const = 0;
+
+    /// Is told why the fact tables of a path cannot be counted. What it throws ends the measuring
+    /// and passes through.
+    virtual void ReportUncountable(EFactJoin problem) const = 0;
+};
+
+/// What paths are compared by.
+struct PathMeasure
+{
+    std::int32_t weight = 0;
+    /// The facts among the query subjects of the path, a many-to-many join counting as one-to-one.
+    /// Nothing when they were not counted, or facts and dimensions cannot be told apart.
+    std::optional<std::int32_t> factTables{};
+    std::int32_t manyToManyJoins = 0;
+    /// How often the path branches: 0 for a chain.
+    std::int32_t branches = 0;
+};
+
+/// Sets the fact tables and the many-to-many joins of the path. At the first join from which facts
+/// cannot be told apart `source` is told of it; unless it throws, `factTables` stays empty and the
+/// many-to-many joins are counted to the end.
+void CountFactTables(std::span<const amd_id> path, const PathJoinSource& source,
+                     PathMeasure& measure);
+
+/// Sets how much the path branches: for every query subject that more than two ends of its joins
+/// meet, their number less two. A join of a query subject with itself has two ends there.
+void CountBranches(std::span<const amd_id> path, const PathJoinSource& source,
+                   PathMeasure& measure);
+
+/// Returns the names of the joins of a path. `lookUpName` returns the name of a join, or nothing
+/// when it cannot be read; such a join goes by the name "Dummy".
+template <typename Name, typename LookUpName>
+[[nodiscard]] std::set<Name> GetPathSignature(std::span<const amd_id> path,
+                                              const LookUpName& lookUpName)
+{
+    std::set<Name> signature;
+    for (const amd_id& join : path) {
+        std::optional<Name> name = lookUpName(join);
+        signature.insert(name ? std::move(*name) : Name("Dummy"));
+    }
+    return signature;
+}
+
+} // namespace qe
+
+#endif
