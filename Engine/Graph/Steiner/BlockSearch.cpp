@@ -1,10 +1,10 @@
 #include "Engine/Graph/Steiner/BlockSearch.h"
 
+#include "Engine/Graph/Core/Distance.h"
 #include "Engine/Graph/Steiner/Bound/RestBound.h"
 #include "Engine/Graph/Steiner/Exact/SubsetProgramme.h"
 #include "Engine/Graph/Steiner/List/DerivationBuilder.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
-#include "Engine/Graph/Steiner/Network/Saturated.h"
 
 #include <algorithm>
 #include <array>
@@ -80,13 +80,12 @@ BlockSearch::BlockSearch(Network& block, std::uint64_t knownWeight, Budget& budg
       mAscent(mNetwork),
       mKnownWeight(knownWeight),
       mBestRoot(mNetwork.GetTerminals().front()),
-      mVerdicts{std::vector<std::uint8_t>(mNetwork.GetEdgeCount(), 0),
-                std::vector<std::uint8_t>(mNetwork.GetEdgeCount(), 0)}
+      mVerdicts{EdgeMarks(mNetwork.GetEdgeCount()), EdgeMarks(mNetwork.GetEdgeCount())}
 {
-    mTree.weight = Saturated;
+    mTree.weight = kUnreached;
 }
 
-void BlockSearch::FindTree(std::uint32_t start, std::span<const std::uint8_t> isUsable)
+void BlockSearch::FindTree(NodeIndex start, const EdgeMarks& isUsable)
 {
     SteinerTree tree = mGrower.Grow(start, isUsable);
     if (tree.weight < mTree.weight)
@@ -104,11 +103,11 @@ void BlockSearch::ImproveTree(SteinerTree& tree)
 
 /// Bounds the optimum from below with the given root, guided or not, and marks what the bound
 /// excludes.
-void BlockSearch::Ascend(std::uint32_t root, std::span<const std::uint32_t> guide)
+void BlockSearch::Ascend(NodeIndex root, std::span<const EdgeIndex> guide)
 {
     mAscent.Run(root, guide, mBudget);
     // At the root branches are joined most cheaply, so it had better be where many meet.
-    const auto getDegree = [this](std::uint32_t node) { return mNetwork.GetArcs(node).size(); };
+    const auto getDegree = [this](NodeIndex node) { return mNetwork.GetArcs(node).size(); };
     if (std::pair(mAscent.GetBound(), getDegree(root)) >
         std::pair(mLowerBound, getDegree(mBestRoot))) {
         mLowerBound = mAscent.GetBound();
@@ -122,21 +121,21 @@ void BlockSearch::Ascend(std::uint32_t root, std::span<const std::uint32_t> guid
 /// Bounds the optimum from above by a tree grown along edges that the ascent has used up.
 void BlockSearch::FindTreeAlong(const DualAscent& ascent)
 {
-    std::vector<std::uint8_t> isUsable(mNetwork.GetEdgeCount());
-    for (std::uint32_t edge = 0; edge < mNetwork.GetEdgeCount(); ++edge) {
-        isUsable[edge] = ascent.GetReduced(2 * edge) == 0 || ascent.GetReduced(2 * edge + 1) == 0;
-    }
+    EdgeMarks isUsable(mNetwork.GetEdgeCount());
+    for (const EdgeIndex edge : mNetwork.GetEdges())
+        isUsable[edge] = ascent.GetReduced(HalfEdge::Forward(edge)) == 0 ||
+                         ascent.GetReduced(HalfEdge::Backward(edge)) == 0;
     FindTree(ascent.GetRoot(), isUsable);
 }
 
 /// Answers the best root and others spread over the terminals.
-std::vector<std::uint32_t> BlockSearch::ChooseRoots(std::size_t most) const
+std::vector<NodeIndex> BlockSearch::ChooseRoots(std::size_t most) const
 {
-    const std::span<const std::uint32_t> terminals = mNetwork.GetTerminals();
-    std::vector<std::uint32_t> roots{mBestRoot};
+    const std::span<const NodeIndex> terminals = mNetwork.GetTerminals();
+    std::vector<NodeIndex> roots{mBestRoot};
     const std::size_t count = std::min(most, terminals.size());
     for (std::size_t place = 0; place < count && roots.size() < count; ++place) {
-        const std::uint32_t root = terminals[place * terminals.size() / count];
+        const NodeIndex root = terminals[place * terminals.size() / count];
         if (root != mBestRoot)
             roots.push_back(root);
     }
@@ -145,17 +144,17 @@ std::vector<std::uint32_t> BlockSearch::ChooseRoots(std::size_t most) const
 
 std::size_t BlockSearch::ShedFast(std::size_t round)
 {
-    const std::span<const std::uint32_t> terminals = mNetwork.GetTerminals();
+    const std::span<const NodeIndex> terminals = mNetwork.GetTerminals();
     Ascend(terminals[round % terminals.size()], {});
     return RemoveDispensable(mBlock, mNetwork, mVerdicts);
 }
 
 std::size_t BlockSearch::ShedThoroughly()
 {
-    const std::span<const std::uint32_t> terminals = mNetwork.GetTerminals();
+    const std::span<const NodeIndex> terminals = mNetwork.GetTerminals();
     FindTree(terminals.front(), {});
-    const std::uint32_t hub = *std::max_element(
-        terminals.begin(), terminals.end(), [this](std::uint32_t left, std::uint32_t right) {
+    const NodeIndex hub = *std::max_element(
+        terminals.begin(), terminals.end(), [this](NodeIndex left, NodeIndex right) {
             return mNetwork.GetArcs(left).size() < mNetwork.GetArcs(right).size();
         });
     Ascend(hub, {});
@@ -165,7 +164,7 @@ std::size_t BlockSearch::ShedThoroughly()
     ImproveTree(mTree);
     mKnownWeight = std::min(mKnownWeight, mTree.weight);
     for (std::size_t start = 0; start < starts && !mBudget.IsExhausted(); ++start) {
-        const std::vector<std::uint32_t> guide = mTree.edges;
+        const std::vector<EdgeIndex> guide = mTree.edges;
         Ascend(terminals[start * terminals.size() / starts], guide);
     }
     if (!mBudget.IsExhausted())
@@ -197,7 +196,7 @@ std::optional<BlockSearch::Outcome> BlockSearch::SearchSteadily(TreeFamily& fami
 /// Grows trees from many terminals and improves each by itself.
 void BlockSearch::FindTreeFromManyStarts()
 {
-    const std::span<const std::uint32_t> terminals = mNetwork.GetTerminals();
+    const std::span<const NodeIndex> terminals = mNetwork.GetTerminals();
     const std::size_t starts = std::min(ManyStarts, terminals.size());
     LocalSearch localSearch(mNetwork, mGrower);
     for (std::size_t start = 0; start < starts && mTree.weight > mLowerBound; ++start) {
@@ -218,7 +217,7 @@ BlockSearch::Outcome BlockSearch::Search(TreeFamily& family)
         outcome = SearchWithin(family, LastEfforts, mKnownWeight);
     if (outcome)
         return *outcome;
-    if (mTree.weight == Saturated)
+    if (mTree.weight == kUnreached)
         FindTree(mNetwork.GetTerminals().front(), {});
     FindTreeFromManyStarts();
     return AnswerTree(family, mTree.edges, mTree.weight, mLowerBound);
@@ -289,7 +288,7 @@ void BlockSearch::Dive()
     const double inflation = DiveInflation * gap / static_cast<double>(mLowerBound);
     if (programme.Dive(inflation, DiveLabels) != SubsetProgramme<Words>::EOutcome::Solved)
         return;
-    std::vector<std::uint32_t> edges;
+    std::vector<EdgeIndex> edges;
     DerivationBuilder<Words>(programme, {}, mBudget).AppendOneTree(edges);
     std::sort(edges.begin(), edges.end());
     edges.erase(std::unique(edges.begin(), edges.end()), edges.end());
@@ -303,10 +302,10 @@ void BlockSearch::Dive()
 }
 
 BlockSearch::Outcome BlockSearch::AnswerTree(TreeFamily& family,
-                                             const std::vector<std::uint32_t>& edges,
+                                             const std::vector<EdgeIndex>& edges,
                                              std::uint64_t weight, std::uint64_t lowerBound) const
 {
-    for (const std::uint32_t edge : edges)
+    for (const EdgeIndex edge : edges)
         family.AddStrand(mBlock.GetStrand(mNetwork.GetNetworkEdge(edge)));
     return {weight, std::min(weight, lowerBound), ECount::AtLeast};
 }
@@ -317,12 +316,12 @@ template <std::size_t Words>
 void BlockSearch::AddBounds(std::size_t most, std::uint64_t limit,
                             std::vector<RestBound<Words>>& bounds)
 {
-    const std::vector<std::uint32_t> roots = ChooseRoots(most);
+    const std::vector<NodeIndex> roots = ChooseRoots(most);
     most = std::min(most, 2 * roots.size());
     while (bounds.size() < most && !mBudget.IsExhausted()) {
         const std::size_t round = bounds.size() / roots.size();
         const std::size_t place = bounds.size() % roots.size();
-        std::vector<std::uint32_t> guide;
+        std::vector<EdgeIndex> guide;
         if ((round + place) % 2 == 0)
             guide = mTree.edges;
         RestBound<Words>& bound = bounds.emplace_back(mNetwork, mBestRoot);
@@ -366,13 +365,13 @@ BlockSearch::SearchWith(TreeFamily& family, std::span<const Effort> efforts, std
         return std::nullopt;
     }
     std::vector<StrandIndex> strands;
-    for (std::uint32_t edge = 0; edge < mNetwork.GetEdgeCount(); ++edge)
+    for (const EdgeIndex edge : mNetwork.GetEdges())
         strands.push_back(mBlock.GetStrand(mNetwork.GetNetworkEdge(edge)));
     const std::uint64_t weight = programme->GetBound();
     DerivationGraph graph(mBlock.GetStrands());
     DerivationBuilder<Words> builder(*programme, strands, mBudget);
     if (builder.Build(graph) == DerivationBuilder<Words>::EOutcome::Exhausted) {
-        std::vector<std::uint32_t> edges;
+        std::vector<EdgeIndex> edges;
         builder.AppendOneTree(edges);
         return AnswerTree(family, edges, weight, weight);
     }

@@ -69,12 +69,12 @@ public:
     };
 
 private:
-    void FindTree(std::uint32_t start, std::span<const std::uint8_t> isUsable);
+    void FindTree(NodeIndex start, const EdgeMarks& isUsable);
     void ImproveTree(SteinerTree& tree);
-    void Ascend(std::uint32_t root, std::span<const std::uint32_t> guide);
+    void Ascend(NodeIndex root, std::span<const EdgeIndex> guide);
     void FindTreeAlong(const DualAscent& ascent);
     void FindTreeFromManyStarts();
-    [[nodiscard]] std::vector<std::uint32_t> ChooseRoots(std::size_t most) const;
+    [[nodiscard]] std::vector<NodeIndex> ChooseRoots(std::size_t most) const;
     template <std::size_t Words>
     void AddBounds(std::size_t most, std::uint64_t limit, std::vector<RestBound<Words>>& bounds);
     template <std::size_t Words>
@@ -88,7 +88,7 @@ private:
                                       std::uint64_t limit);
     template <std::size_t Words>
     void Dive();
-    Outcome AnswerTree(TreeFamily& family, const std::vector<std::uint32_t>& edges,
+    Outcome AnswerTree(TreeFamily& family, const std::vector<EdgeIndex>& edges,
                        std::uint64_t weight, std::uint64_t lowerBound) const;
 
     Network& mBlock;
@@ -98,7 +98,7 @@ private:
     DualAscent mAscent;
     std::uint64_t mKnownWeight;
     std::uint64_t mLowerBound = 0;
-    std::uint32_t mBestRoot = 0;
+    NodeIndex mBestRoot;
     SteinerTree mTree;
     EdgeVerdicts mVerdicts;
     std::optional<CutExchange> mExchange;

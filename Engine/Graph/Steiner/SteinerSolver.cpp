@@ -1,11 +1,12 @@
 #include "Engine/Graph/Steiner/SteinerSolver.h"
 
+#include "Engine/Graph/Core/Distance.h"
 #include "Engine/Graph/Steiner/BlockSearch.h"
 #include "Engine/Graph/Steiner/List/TreeFamily.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
 #include "Engine/Graph/Steiner/Network/NetworkBuilder.h"
-#include "Engine/Graph/Steiner/Network/Saturated.h"
-#include "Engine/Graph/Steiner/Network/ZeroGroups.h"
+#include "Engine/Graph/Steiner/Network/SaturatingCount.h"
+#include "Engine/Graph/Steiner/Network/ZeroWeightComponents.h"
 #include "Engine/Graph/Steiner/Reduce/BlockSplit.h"
 #include "Engine/Graph/Steiner/Reduce/DegreeReduction.h"
 #include "Engine/Graph/Steiner/Reduce/DistanceReduction.h"
@@ -66,7 +67,7 @@ private:
     bool IsWorthReducing(std::size_t shed, std::size_t edgesBefore);
     bool IsWorthMeasuring(const OpenNetwork& open);
     void ListTrees();
-    void ListTreesThrough(ZeroGroups& zeroGroups);
+    void ListTreesThrough(ZeroWeightComponents& components);
     void SortTrees();
 
     const GraphView& mGraph;
@@ -81,19 +82,19 @@ private:
 
 SteinerResult SteinerSolver::Solve()
 {
-    ZeroGroups zeroGroups(mGraph, mTerminals);
+    ZeroWeightComponents components(mGraph, mTerminals);
     std::optional<Network> network =
-        BuildNetwork(mGraph, mTerminals, zeroGroups.GetGroups(), mStrands);
+        BuildNetwork(mGraph, mTerminals, components.GetComponents(), mStrands);
     if (!network)
         return mResult;
     mResult.connected = true;
-    mOpen.push_back({std::move(*network), Saturated, 0, EReductions::Degrees});
+    mOpen.push_back({std::move(*network), kUnreached, 0, EReductions::Degrees});
     while (!mOpen.empty())
         Reduce(TakeSmallest());
-    if (zeroGroups.GetGroups().empty())
+    if (components.GetComponents().empty())
         ListTrees();
     else
-        ListTreesThrough(zeroGroups);
+        ListTreesThrough(components);
     SortTrees();
     return std::move(mResult);
 }
@@ -127,7 +128,7 @@ void SteinerSolver::Reduce(OpenNetwork open)
         return;
     }
     for (Network& block : blocks)
-        mOpen.push_back({std::move(block), Saturated, 0, open.reductions});
+        mOpen.push_back({std::move(block), kUnreached, 0, open.reductions});
 }
 
 /// Takes over what was fixed in the network since the last time.
@@ -140,7 +141,7 @@ void SteinerSolver::TakeFixed(OpenNetwork& open)
     open.takenWeight += weight;
     mResult.weight += weight;
     mResult.lowerBound += weight;
-    if (open.knownWeight != Saturated)
+    if (open.knownWeight != kUnreached)
         open.knownWeight -= weight;
 }
 
@@ -203,7 +204,7 @@ bool SteinerSolver::IsWorthMeasuring(const OpenNetwork& open)
 void SteinerSolver::ListTrees()
 {
     mResult.count = mFamily.GetCount();
-    if (mResult.count == Saturated)
+    if (mResult.count == kSaturatedCount)
         mResult.countProof = ECount::AtLeast;
     const std::uint64_t listed = std::min<std::uint64_t>(mResult.count, mLimits.maximumTrees);
     for (std::uint64_t rank = 0; rank < listed; ++rank) {
@@ -213,20 +214,21 @@ void SteinerSolver::ListTrees()
     }
 }
 
-/// Lists every tree over the groups with every way to run through the groups.
-void SteinerSolver::ListTreesThrough(ZeroGroups& zeroGroups)
+/// Lists every tree over the components with every path through them.
+void SteinerSolver::ListTreesThrough(ZeroWeightComponents& components)
 {
     const std::uint64_t most = mLimits.maximumTrees + CountedBeyondList;
     const auto take = [this, most](const std::vector<EdgeIndex>& tree) {
         if (mResult.trees.size() < mLimits.maximumTrees)
             mResult.trees.push_back(tree);
         ++mResult.count;
-        return mResult.count < most ? ZeroGroups::EStep::Continue : ZeroGroups::EStep::Stop;
+        return mResult.count < most ? ZeroWeightComponents::EStep::Continue
+                                    : ZeroWeightComponents::EStep::Stop;
     };
     for (std::uint64_t rank = 0; rank < mFamily.GetCount(); ++rank) {
         const std::vector<EdgeIndex> outer = mFamily.GetTree(rank);
-        const ZeroGroups::EStep step = zeroGroups.ForEachTree(outer, mBudget, take);
-        if (step == ZeroGroups::EStep::Stop || mBudget.IsExhausted()) {
+        const ZeroWeightComponents::EStep step = components.ForEachTree(outer, mBudget, take);
+        if (step == ZeroWeightComponents::EStep::Stop || mBudget.IsExhausted()) {
             mResult.countProof = ECount::AtLeast;
             return;
         }

@@ -52,17 +52,17 @@ Trees SearchExhaustively(const Network& network)
     SmallGraph rest;
     rest.nodeCount = network.GetNodeLimit();
     std::vector<StrandIndex> strands;
-    for (std::uint32_t edge = 0; edge < network.GetEdgeLimit(); ++edge) {
+    for (const EdgeIndex edge : network.GetEdgeIndices()) {
         if (!network.HasEdge(edge))
             continue;
-        rest.edges.push_back({network.GetOrigin(2 * edge), network.GetOrigin(2 * edge + 1),
-                              static_cast<int>(network.GetWeight(edge))});
+        const auto [end1, end2] = network.GetEnds(edge);
+        rest.edges.push_back({end1.value, end2.value, static_cast<int>(network.GetWeight(edge))});
         strands.push_back(network.GetStrand(edge));
     }
     std::vector<std::size_t> terminals;
-    for (std::uint32_t node = 0; node < network.GetNodeLimit(); ++node) {
+    for (const NodeIndex node : network.GetNodes()) {
         if (network.IsTerminal(node))
-            terminals.push_back(node);
+            terminals.push_back(node.value);
     }
     Trees all;
     const std::optional<SmallGraph::Trees> found = rest.FindCheapestTrees(terminals);

@@ -4,26 +4,26 @@
 #include "Engine/Graph/Steiner/Bound/ReducedDistances.h"
 #include "Engine/Graph/Steiner/Network/FlatNetwork.h"
 #include "Engine/Graph/Steiner/Network/Network.h"
-#include "Engine/Graph/Steiner/Network/Saturated.h"
+
+#include <vector>
 
 namespace qe::graph {
 
 namespace {
 
-constexpr std::uint32_t None = 0xFFFFFFFF;
-
 /// Answers the only edge that can connect the node, a terminal: of the half-edges that leave it,
-/// or whose other halves enter it, `isUsable` holds for those of one. None when there are several.
+/// or whose other halves enter it, `isUsable` holds for those of one. invalid when there are
+/// several.
 template <typename IsUsable>
-std::uint32_t FindOnlyEdge(const FlatNetwork& network, std::uint32_t node, const IsUsable& isUsable)
+EdgeIndex FindOnlyEdge(const FlatNetwork& network, NodeIndex node, const IsUsable& isUsable)
 {
-    std::uint32_t only = None;
+    EdgeIndex only;
     for (const FlatNetwork::Arc& arc : network.GetArcs(node)) {
         if (!isUsable(arc.half))
             continue;
-        if (only != None)
-            return None;
-        only = arc.half / 2;
+        if (only.IsValid())
+            return {};
+        only = arc.half.Edge();
     }
     return only;
 }
@@ -34,24 +34,24 @@ void JudgeEdges(const FlatNetwork& network, const DualAscent& ascent, std::uint6
                 EdgeVerdicts& verdicts)
 {
     const std::uint64_t slack = weight - ascent.GetBound();
-    const std::vector<std::uint64_t> fromRoot = GetReducedFromRoot(network, ascent, slack);
-    const std::vector<std::uint64_t> toTerminal = GetReducedToTerminal(network, ascent, slack);
-    const auto isUsable = [&](std::uint32_t half) {
-        return verdicts.isDispensable[half / 2] == 0 &&
+    const NodeDistances fromRoot = GetReducedFromRoot(network, ascent, slack);
+    const NodeDistances toTerminal = GetReducedToTerminal(network, ascent, slack);
+    const auto isUsable = [&](HalfEdge half) {
+        return verdicts.isDispensable[half.Edge()] == 0 &&
                fromRoot[network.GetOrigin(half)] + ascent.GetReduced(half) +
                        toTerminal[network.GetTarget(half)] <=
                    slack;
     };
-    for (std::uint32_t edge = 0; edge < network.GetEdgeCount(); ++edge) {
-        const std::uint32_t half = 2 * edge;
-        if (!isUsable(half) && !isUsable(half + 1))
+    for (const EdgeIndex edge : network.GetEdges()) {
+        if (!isUsable(HalfEdge::Forward(edge)) && !isUsable(HalfEdge::Backward(edge)))
             verdicts.isDispensable[edge] = 1;
     }
-    for (const std::uint32_t terminal : network.GetTerminals()) {
-        const std::uint32_t flip = terminal == ascent.GetRoot() ? 0 : 1;
-        const std::uint32_t edge = FindOnlyEdge(
-            network, terminal, [&](std::uint32_t half) { return isUsable(half ^ flip); });
-        if (edge != None)
+    for (const NodeIndex terminal : network.GetTerminals()) {
+        const bool isRoot = terminal == ascent.GetRoot();
+        const EdgeIndex edge = FindOnlyEdge(network, terminal, [&](HalfEdge half) {
+            return isUsable(isRoot ? half : half.Reversed());
+        });
+        if (edge.IsValid())
             verdicts.isForced[edge] = 1;
     }
 }
@@ -60,8 +60,8 @@ std::size_t RemoveDispensable(Network& network, const FlatNetwork& flat,
                               const EdgeVerdicts& verdicts)
 {
     std::size_t count = 0;
-    for (std::uint32_t edge = 0; edge < flat.GetEdgeCount(); ++edge) {
-        const std::uint32_t networkEdge = flat.GetNetworkEdge(edge);
+    for (const EdgeIndex edge : flat.GetEdges()) {
+        const EdgeIndex networkEdge = flat.GetNetworkEdge(edge);
         if (verdicts.isDispensable[edge] == 0 || !network.HasEdge(networkEdge))
             continue;
         network.RemoveEdge(networkEdge);
@@ -74,19 +74,19 @@ std::size_t RemoveDispensable(Network& network, const FlatNetwork& flat,
 // indices stay good.
 void ContractForced(Network& network, const FlatNetwork& flat, const EdgeVerdicts& verdicts)
 {
-    std::vector<std::uint32_t> open;
-    std::vector<std::uint32_t> degrees(network.GetNodeLimit(), 0);
-    for (std::uint32_t edge = 0; edge < flat.GetEdgeCount(); ++edge) {
+    std::vector<HalfEdge> open;
+    IndexedVector<NodeIndex, std::uint32_t> degrees(network.GetNodeLimit(), 0);
+    for (const EdgeIndex edge : flat.GetEdges()) {
         if (verdicts.isForced[edge] == 0)
             continue;
-        const std::uint32_t half = 2 * flat.GetNetworkEdge(edge);
+        const HalfEdge half = HalfEdge::Forward(flat.GetNetworkEdge(edge));
         open.push_back(half);
         ++degrees[network.GetOrigin(half)];
         ++degrees[network.GetTarget(half)];
     }
     const auto contractLeaves = [&] {
-        return std::erase_if(open, [&](std::uint32_t half) {
-            const std::uint32_t leaf = degrees[network.GetOrigin(half)] == 1 ? half : half + 1;
+        return std::erase_if(open, [&](HalfEdge half) {
+            const HalfEdge leaf = degrees[network.GetOrigin(half)] == 1 ? half : half.Reversed();
             if (degrees[network.GetOrigin(leaf)] != 1)
                 return false;
             --degrees[network.GetOrigin(leaf)];

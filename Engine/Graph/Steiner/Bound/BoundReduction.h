@@ -1,9 +1,10 @@
 #ifndef ENGINE_GRAPH_STEINER_BOUND_BOUNDREDUCTION_H
 #define ENGINE_GRAPH_STEINER_BOUND_BOUNDREDUCTION_H
 
+#include "Engine/Graph/Core/Indices.h"
+
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 namespace qe::graph {
 
@@ -15,9 +16,9 @@ class Network;
 struct EdgeVerdicts
 {
     /// The edges that are in no lightest tree.
-    std::vector<std::uint8_t> isDispensable;
+    IndexedVector<EdgeIndex, std::uint8_t> isDispensable;
     /// The edges that are in every lightest tree.
-    std::vector<std::uint8_t> isForced;
+    IndexedVector<EdgeIndex, std::uint8_t> isForced;
 };
 
 /// Judges the edges by a dual ascent and a weight that some tree has.

@@ -25,8 +25,8 @@ constexpr std::uint64_t WorthwhileShare = 50;
 
 } // namespace
 
-CutExchange::CutExchange(const FlatNetwork& network, std::uint32_t root,
-                         std::span<const std::uint32_t> guide, Budget& budget)
+CutExchange::CutExchange(const FlatNetwork& network, NodeIndex root,
+                         std::span<const EdgeIndex> guide, Budget& budget)
     : mNetwork(network),
       mBudget(budget),
       mAscent(network),
@@ -64,13 +64,13 @@ void CutExchange::Report(CutObserver& observer) const
         observer.Raise(cut.nodes, cut.entering, cut.price);
 }
 
-void CutExchange::Raise(std::span<const std::uint32_t> nodes,
-                        std::span<const std::uint32_t> entering, std::uint64_t price)
+void CutExchange::Raise(std::span<const NodeIndex> nodes, std::span<const std::uint32_t> entering,
+                        std::uint64_t price)
 {
     Cut& cut = mCuts.emplace_back(
         Cut{{nodes.begin(), nodes.end()}, {entering.begin(), entering.end()}, {}, price});
     std::copy_if(nodes.begin(), nodes.end(), std::back_inserter(cut.terminals),
-                 [this](std::uint32_t node) { return mNetwork.IsTerminal(node); });
+                 [this](NodeIndex node) { return mNetwork.IsTerminal(node); });
     mBudget.Charge(GetBytes(cut));
     mCharged += GetBytes(cut);
 }
@@ -98,33 +98,33 @@ void CutExchange::Exchange()
 /// Chooses a terminal and some of those nearest to it.
 void CutExchange::ChooseTerminals()
 {
-    const std::span<const std::uint32_t> terminals = mNetwork.GetTerminals();
-    std::fill(mIsChosen.begin(), mIsChosen.end(), std::uint8_t{0});
+    const std::span<const NodeIndex> terminals = mNetwork.GetTerminals();
+    mIsChosen.assign(mNetwork.GetNodeCount(), 0);
     const std::size_t centre = mRandom() % terminals.size();
     if (mNearest[centre].empty())
         mNearest[centre] = FindNearest(terminals[centre]);
     const std::size_t count = 1 + mRandom() % mNearest[centre].size();
-    for (const std::uint32_t terminal : std::span(mNearest[centre]).first(count))
+    for (const NodeIndex terminal : std::span(mNearest[centre]).first(count))
         mIsChosen[terminal] = 1;
 }
 
-std::vector<std::uint32_t> CutExchange::FindNearest(std::uint32_t terminal) const
+std::vector<NodeIndex> CutExchange::FindNearest(NodeIndex terminal) const
 {
-    using QueueEntry = std::pair<std::uint64_t, std::uint32_t>;
+    using QueueEntry = std::pair<std::uint64_t, NodeIndex>;
     std::priority_queue<QueueEntry, std::vector<QueueEntry>, std::greater<>> queue;
-    std::unordered_map<std::uint32_t, std::uint64_t> distances{{terminal, 0}};
-    std::vector<std::uint32_t> nearest;
+    std::unordered_map<std::uint32_t, std::uint64_t> distances{{terminal.value, 0}};
+    std::vector<NodeIndex> nearest;
     queue.emplace(0, terminal);
     while (!queue.empty() && nearest.size() < MostChosen) {
         const auto [distance, node] = queue.top();
         queue.pop();
-        if (distance > distances[node])
+        if (distance > distances[node.value])
             continue;
         if (mNetwork.IsTerminal(node))
             nearest.push_back(node);
         for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
             const std::uint64_t next = distance + arc.weight;
-            const auto [place, isNew] = distances.try_emplace(arc.target, next);
+            const auto [place, isNew] = distances.try_emplace(arc.target.value, next);
             if (!isNew && next >= place->second)
                 continue;
             place->second = next;
@@ -139,7 +139,7 @@ void CutExchange::SetAside()
 {
     const auto isKept = [this](const Cut& cut) {
         return std::none_of(cut.terminals.begin(), cut.terminals.end(),
-                            [this](std::uint32_t node) { return mIsChosen[node] != 0; }) ||
+                            [this](NodeIndex node) { return mIsChosen[node] != 0; }) ||
                mRandom() % 10 >= TakenOfTen;
     };
     const auto first = std::partition(mCuts.begin(), mCuts.end(), isKept);

@@ -29,8 +29,8 @@ class CutExchange : private CutObserver
 {
 public:
     /// Bounds the optimum by an ascent from the root along a light tree.
-    CutExchange(const FlatNetwork& network, std::uint32_t root,
-                std::span<const std::uint32_t> guide, Budget& budget);
+    CutExchange(const FlatNetwork& network, NodeIndex root, std::span<const EdgeIndex> guide,
+                Budget& budget);
     CutExchange(const CutExchange&) = delete;
     CutExchange& operator=(const CutExchange&) = delete;
     ~CutExchange() override;
@@ -53,17 +53,17 @@ public:
 private:
     struct Cut
     {
-        std::vector<std::uint32_t> nodes;
+        std::vector<NodeIndex> nodes;
         std::vector<std::uint32_t> entering;
-        std::vector<std::uint32_t> terminals;
+        std::vector<NodeIndex> terminals;
         std::uint64_t price;
     };
 
-    void Raise(std::span<const std::uint32_t> nodes, std::span<const std::uint32_t> entering,
+    void Raise(std::span<const NodeIndex> nodes, std::span<const std::uint32_t> entering,
                std::uint64_t price) override;
     void Exchange();
     void ChooseTerminals();
-    [[nodiscard]] std::vector<std::uint32_t> FindNearest(std::uint32_t terminal) const;
+    [[nodiscard]] std::vector<NodeIndex> FindNearest(NodeIndex terminal) const;
     void SetAside();
     void Restore(std::size_t kept);
     void Discharge(const Cut& cut);
@@ -76,8 +76,8 @@ private:
     /// What the exchange at hand took back, and then what it leaves to be dropped.
     std::vector<Cut> mAside;
     /// For each terminal those nearest to it, itself first; found when first asked for.
-    std::vector<std::vector<std::uint32_t>> mNearest;
-    std::vector<std::uint8_t> mIsChosen;
+    std::vector<std::vector<NodeIndex>> mNearest;
+    IndexedVector<NodeIndex, std::uint8_t> mIsChosen;
     std::mt19937 mRandom;
     std::size_t mCharged = 0;
 };

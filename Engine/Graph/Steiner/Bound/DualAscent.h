@@ -20,8 +20,8 @@ public:
     /// Takes a set of nodes without the root, that every tree must enter for the terminals in
     /// it, the slots (see DualAscent) of the arcs into it, and the price that these have just been
     /// charged.
-    virtual void Raise(std::span<const std::uint32_t> nodes,
-                       std::span<const std::uint32_t> entering, std::uint64_t price) = 0;
+    virtual void Raise(std::span<const NodeIndex> nodes, std::span<const std::uint32_t> entering,
+                       std::uint64_t price) = 0;
 };
 
 /// Proves a lower bound for the weight of every tree, by raising prices on directed cuts.
@@ -46,7 +46,7 @@ public:
     ///
     /// A light tree, when given, guides the ascent: where its bound is tight, every set that pays
     /// is entered by a lightest tree once, so sets that the given tree enters more often wait.
-    void Run(std::uint32_t root, std::span<const std::uint32_t> guide, Budget& budget,
+    void Run(NodeIndex root, std::span<const EdgeIndex> guide, Budget& budget,
              CutObserver* observer = nullptr);
 
     /// Goes on with the terminals that the root does not reach, in a random order and without
@@ -58,18 +58,17 @@ public:
     /// Charges the price of a cut that was taken back once more.
     void Charge(std::span<const std::uint32_t> entering, std::uint64_t price);
 
-    [[nodiscard]] std::uint32_t GetRoot() const { return mRoot; }
+    [[nodiscard]] NodeIndex GetRoot() const { return mRoot; }
     [[nodiscard]] std::uint64_t GetBound() const { return mBound; }
     /// Answers how many half-edges have been looked at, over all runs: what they cost, by a measure
     /// that is the same on every machine.
     [[nodiscard]] std::uint64_t GetWork() const { return mWork; }
     /// Answers the reduced weight of going along the half-edge.
-    [[nodiscard]] std::uint64_t GetReduced(std::uint32_t half) const
-    {
-        return mReduced[mSlots[half]];
-    }
+    [[nodiscard]] std::uint64_t GetReduced(HalfEdge half) const { return mReduced[mSlots[half]]; }
 
 private:
+    using NodeMarks = IndexedVector<NodeIndex, std::uint8_t>;
+
     enum class EOutcome
     {
         Finished,
@@ -78,44 +77,44 @@ private:
     struct Entry
     {
         std::uint64_t cost;
-        std::uint32_t terminal;
+        NodeIndex terminal;
         friend auto operator<=>(const Entry&, const Entry&) = default;
     };
 
-    EOutcome Ascend(std::uint32_t terminal, std::uint64_t costLimit, std::uint64_t& cost,
+    EOutcome Ascend(NodeIndex terminal, std::uint64_t costLimit, std::uint64_t& cost,
                     CutObserver* observer);
-    void SetGuide(std::span<const std::uint32_t> guide);
+    void SetGuide(std::span<const EdgeIndex> guide);
     [[nodiscard]] std::uint64_t GetCost() const;
-    bool Spread(std::uint32_t terminal);
-    [[nodiscard]] std::vector<std::uint32_t> ChooseSpeakers(std::mt19937& random);
-    void MarkFrom(std::uint32_t node, std::vector<std::uint8_t>& marks);
+    bool Spread(NodeIndex terminal);
+    [[nodiscard]] std::vector<NodeIndex> ChooseSpeakers(std::mt19937& random);
+    void MarkFrom(NodeIndex node, NodeMarks& marks);
     void RaiseCut(CutObserver* observer);
 
     const FlatNetwork& mNetwork;
-    std::uint32_t mRoot = 0;
+    NodeIndex mRoot;
     std::uint64_t mBound = 0;
     std::uint64_t mWork = 0;
     /// Slot of each half-edge.
-    std::vector<std::uint32_t> mSlots;
+    IndexedVector<HalfEdge, std::uint32_t> mSlots;
     /// First slot at each node, and behind the last.
     std::vector<std::uint32_t> mFirstSlot;
     /// Node that the half-edge of each slot leaves.
-    std::vector<std::uint32_t> mOrigins;
+    std::vector<NodeIndex> mOrigins;
     std::vector<std::uint64_t> mReduced;
-    std::vector<std::uint8_t> mIsActive;
+    NodeMarks mIsActive;
     /// Nodes known to be reached from the root by arcs with nothing left: a set that meets one
     /// would come upon the root.
-    std::vector<std::uint8_t> mIsReached;
-    std::vector<std::uint8_t> mIsSpokenFor;
-    std::vector<std::uint32_t> mOpen;
+    NodeMarks mIsReached;
+    NodeMarks mIsSpokenFor;
+    std::vector<NodeIndex> mOpen;
     /// Slots by which the guiding tree leads away from the root.
     std::vector<std::uint8_t> mIsGuide;
     /// The set at hand: its nodes, how many of them have been spread from, and the slots that
     /// lead into it with some weight left.
-    std::vector<std::uint32_t> mSet;
+    std::vector<NodeIndex> mSet;
     std::size_t mSpread = 0;
     std::vector<std::uint32_t> mEntering;
-    std::vector<std::uint32_t> mStamps;
+    IndexedVector<NodeIndex, std::uint32_t> mStamps;
     std::uint32_t mStamp = 0;
 };
 

@@ -1,24 +1,25 @@
 #include "Engine/Graph/Steiner/Bound/ReducedDistances.h"
 
+#include "Engine/Graph/Core/Distance.h"
 #include "Engine/Graph/Steiner/Bound/DualAscent.h"
 #include "Engine/Graph/Steiner/Network/FlatNetwork.h"
-#include "Engine/Graph/Steiner/Network/Saturated.h"
 
 #include <functional>
 #include <queue>
 #include <utility>
+#include <vector>
 
 namespace qe::graph {
 
 namespace {
 
-using QueueEntry = std::pair<std::uint64_t, std::uint32_t>;
+using QueueEntry = std::pair<std::uint64_t, NodeIndex>;
 using Queue = std::priority_queue<QueueEntry, std::vector<QueueEntry>, std::greater<>>;
 
 /// Spreads from what is queued; `flip` is 0 to walk with the half-edges and 1 to walk against
 /// them.
 void Spread(const FlatNetwork& network, const DualAscent& ascent, std::uint32_t flip,
-            std::uint64_t most, Queue& queue, std::vector<std::uint64_t>& distances)
+            std::uint64_t most, Queue& queue, NodeDistances& distances)
 {
     while (!queue.empty()) {
         const auto [distance, node] = queue.top();
@@ -26,7 +27,8 @@ void Spread(const FlatNetwork& network, const DualAscent& ascent, std::uint32_t 
         if (distance > distances[node])
             continue;
         for (const FlatNetwork::Arc& arc : network.GetArcs(node)) {
-            const std::uint64_t next = distance + ascent.GetReduced(arc.half ^ flip);
+            const std::uint64_t next =
+                distance + ascent.GetReduced(HalfEdge{arc.half.value ^ flip});
             if (next > most || next >= distances[arc.target])
                 continue;
             distances[arc.target] = next;
@@ -37,10 +39,10 @@ void Spread(const FlatNetwork& network, const DualAscent& ascent, std::uint32_t 
 
 } // namespace
 
-std::vector<std::uint64_t> GetReducedFromRoot(const FlatNetwork& network, const DualAscent& ascent,
-                                              std::uint64_t most)
+NodeDistances GetReducedFromRoot(const FlatNetwork& network, const DualAscent& ascent,
+                                 std::uint64_t most)
 {
-    std::vector<std::uint64_t> distances(network.GetNodeCount(), Unreached);
+    NodeDistances distances(network.GetNodeCount(), kUnreached);
     Queue queue;
     distances[ascent.GetRoot()] = 0;
     queue.emplace(0, ascent.GetRoot());
@@ -48,10 +50,10 @@ std::vector<std::uint64_t> GetReducedFromRoot(const FlatNetwork& network, const 
     return distances;
 }
 
-std::vector<std::uint64_t> GetReducedTo(const FlatNetwork& network, const DualAscent& ascent,
-                                        std::uint32_t target, std::uint64_t most)
+NodeDistances GetReducedTo(const FlatNetwork& network, const DualAscent& ascent, NodeIndex target,
+                           std::uint64_t most)
 {
-    std::vector<std::uint64_t> distances(network.GetNodeCount(), Unreached);
+    NodeDistances distances(network.GetNodeCount(), kUnreached);
     Queue queue;
     distances[target] = 0;
     queue.emplace(0, target);
@@ -59,12 +61,12 @@ std::vector<std::uint64_t> GetReducedTo(const FlatNetwork& network, const DualAs
     return distances;
 }
 
-std::vector<std::uint64_t> GetReducedToTerminal(const FlatNetwork& network,
-                                                const DualAscent& ascent, std::uint64_t most)
+NodeDistances GetReducedToTerminal(const FlatNetwork& network, const DualAscent& ascent,
+                                   std::uint64_t most)
 {
-    std::vector<std::uint64_t> distances(network.GetNodeCount(), Unreached);
+    NodeDistances distances(network.GetNodeCount(), kUnreached);
     Queue queue;
-    for (const std::uint32_t terminal : network.GetTerminals()) {
+    for (const NodeIndex terminal : network.GetTerminals()) {
         if (terminal == ascent.GetRoot())
             continue;
         distances[terminal] = 0;

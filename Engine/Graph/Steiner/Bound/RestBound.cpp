@@ -1,7 +1,5 @@
 #include "Engine/Graph/Steiner/Bound/RestBound.h"
 
-#include "Engine/Graph/Steiner/Bound/ReducedDistances.h"
-
 #include <algorithm>
 
 namespace qe::graph {
@@ -13,30 +11,30 @@ constexpr std::uint32_t None = 0xFFFFFFFF;
 } // namespace
 
 template <std::size_t Words>
-RestBound<Words>::RestBound(const FlatNetwork& network, std::uint32_t searchRoot)
+RestBound<Words>::RestBound(const FlatNetwork& network, NodeIndex searchRoot)
     : mNetwork(network),
       mSearchRoot(searchRoot),
       mBits(network.GetNodeCount(), None),
       mLast(network.GetNodeCount(), None)
 {
     std::uint32_t bit = 0;
-    for (const std::uint32_t terminal : network.GetTerminals())
+    for (const NodeIndex terminal : network.GetTerminals())
         mBits[terminal] = bit++;
 }
 
 template <std::size_t Words>
-void RestBound<Words>::Raise(std::span<const std::uint32_t> nodes,
+void RestBound<Words>::Raise(std::span<const NodeIndex> nodes,
                              std::span<const std::uint32_t> /*entering*/, std::uint64_t price)
 {
     Set terminals;
-    for (const std::uint32_t node : nodes) {
+    for (const NodeIndex node : nodes) {
         if (mBits[node] != None)
             terminals.Add(mBits[node]);
     }
     const std::uint32_t set = mSets.Intern(terminals);
     mPrices.resize(mSets.GetCount(), 0);
     mPrices[set] += price;
-    for (const std::uint32_t node : nodes) {
+    for (const NodeIndex node : nodes) {
         const std::uint32_t last = mLast[node];
         if (last != None && mRaised[last].set == set) {
             mRaised[last].price += price;
@@ -58,7 +56,7 @@ void RestBound<Words>::Finish(const DualAscent& ascent, std::uint64_t limit)
     mTotals.assign(mNetwork.GetNodeCount(), 0);
     mFirst.assign(mNetwork.GetNodeCount() + 1, 0);
     for (const NumberedCharge& raised : mRaised) {
-        ++mFirst[raised.node + 1];
+        ++mFirst[raised.node.value + 1];
         mTotals[raised.node] += raised.price;
     }
     for (std::uint32_t node = 0; node < mNetwork.GetNodeCount(); ++node)
@@ -66,7 +64,7 @@ void RestBound<Words>::Finish(const DualAscent& ascent, std::uint64_t limit)
     std::vector<std::uint32_t> place(mFirst.begin(), mFirst.end() - 1);
     mCharges.resize(mRaised.size());
     for (const NumberedCharge& raised : mRaised)
-        mCharges[place[raised.node]++] = {mSets.Get(raised.set), raised.price};
+        mCharges[place[raised.node.value]++] = {mSets.Get(raised.set), raised.price};
     mRaised = {};
 }
 

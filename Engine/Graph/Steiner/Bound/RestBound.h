@@ -2,6 +2,7 @@
 #define ENGINE_GRAPH_STEINER_BOUND_RESTBOUND_H
 
 #include "Engine/Graph/Steiner/Bound/DualAscent.h"
+#include "Engine/Graph/Steiner/Bound/ReducedDistances.h"
 #include "Engine/Graph/Steiner/Network/SetTable.h"
 
 #include <cstddef>
@@ -28,9 +29,9 @@ public:
     using Set = TerminalSet<Words>;
 
     /// Takes the root of the search.
-    RestBound(const FlatNetwork& network, std::uint32_t searchRoot);
+    RestBound(const FlatNetwork& network, NodeIndex searchRoot);
 
-    void Raise(std::span<const std::uint32_t> nodes, std::span<const std::uint32_t> entering,
+    void Raise(std::span<const NodeIndex> nodes, std::span<const std::uint32_t> entering,
                std::uint64_t price) override;
 
     /// Packs what was raised for the search; needs the reduced weights of the finished ascent,
@@ -44,10 +45,10 @@ public:
     [[nodiscard]] bool IsBoundAlone(const Set& set) const { return !set.Contains(mRootBit); }
 
     /// Answers the bound, from the part that the set demands.
-    [[nodiscard]] std::uint64_t Get(std::uint32_t node, const Set& set, std::uint64_t setPart) const
+    [[nodiscard]] std::uint64_t Get(NodeIndex node, const Set& set, std::uint64_t setPart) const
     {
         std::uint64_t joined = 0;
-        for (std::uint32_t place = mFirst[node]; place < mFirst[node + 1]; ++place) {
+        for (std::uint32_t place = mFirst[node.value]; place < mFirst[node.value + 1]; ++place) {
             if (mCharges[place].set.IsSubsetOf(set))
                 joined += mCharges[place].price;
         }
@@ -64,27 +65,27 @@ private:
     };
     struct NumberedCharge
     {
-        std::uint32_t node;
+        NodeIndex node;
         std::uint32_t set;
         std::uint64_t price;
     };
 
     const FlatNetwork& mNetwork;
-    std::uint32_t mSearchRoot;
+    NodeIndex mSearchRoot;
     /// The number that the ascent's root has among the terminals.
     std::uint32_t mRootBit = 0;
-    std::vector<std::uint32_t> mBits;
+    IndexedVector<NodeIndex, std::uint32_t> mBits;
     SetTable<Words> mSets;
     std::vector<std::uint64_t> mPrices;
     std::vector<NumberedCharge> mRaised;
     /// Place in mRaised of the last charge at each node.
-    std::vector<std::uint32_t> mLast;
+    IndexedVector<NodeIndex, std::uint32_t> mLast;
     std::vector<std::uint32_t> mFirst;
     std::vector<Charge> mCharges;
     /// Sum of the charges at each node.
-    std::vector<std::uint64_t> mTotals;
-    std::vector<std::uint64_t> mWaysFromRoot;
-    std::vector<std::uint64_t> mWaysToSearchRoot;
+    IndexedVector<NodeIndex, std::uint64_t> mTotals;
+    NodeDistances mWaysFromRoot;
+    NodeDistances mWaysToSearchRoot;
 };
 
 } // namespace qe::graph

@@ -1,6 +1,8 @@
 #ifndef ENGINE_GRAPH_STEINER_EXACT_LABELTABLE_H
 #define ENGINE_GRAPH_STEINER_EXACT_LABELTABLE_H
 
+#include "Engine/Graph/Core/Indices.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -10,7 +12,7 @@ namespace qe::graph {
 /// What is known of the lightest partial tree that joins a set of terminals to a node.
 struct Label
 {
-    std::uint32_t node;
+    NodeIndex node;
     std::uint32_t set;
     std::uint64_t weight;
     /// Lower bound for what is missing to a whole tree.
@@ -31,7 +33,7 @@ public:
     LabelTable();
 
     /// Answers the number of the label, or None.
-    [[nodiscard]] std::uint32_t Find(std::uint32_t node, std::uint32_t set) const
+    [[nodiscard]] std::uint32_t Find(NodeIndex node, std::uint32_t set) const
     {
         return mSlots[FindSlot(GetKey(node, set))].label;
     }
@@ -54,9 +56,9 @@ private:
         std::uint32_t label = None;
     };
 
-    [[nodiscard]] static std::uint64_t GetKey(std::uint32_t node, std::uint32_t set)
+    [[nodiscard]] static std::uint64_t GetKey(NodeIndex node, std::uint32_t set)
     {
-        return (std::uint64_t{set} << 32) | node;
+        return (std::uint64_t{set} << 32) | node.value;
     }
     [[nodiscard]] std::size_t FindSlot(std::uint64_t key) const;
     void Grow();

@@ -1,5 +1,7 @@
 #include "Engine/Graph/Steiner/Exact/NodeLabels.h"
 
+#include "Engine/Graph/Core/Distance.h"
+
 namespace qe::graph {
 
 namespace {
@@ -32,7 +34,7 @@ template <std::size_t Words>
 void NodeLabels<Words>::MakeTable(std::size_t size)
 {
     mPlaces.assign(size, 0);
-    mOffered.assign(size, Saturated);
+    mOffered.assign(size, kUnreached);
     for (std::size_t place = 0; place < mEntries.size(); ++place)
         mPlaces[mEntries[place].set.words[0]] = static_cast<std::uint32_t>(place + 1);
 }

@@ -1,7 +1,6 @@
 #ifndef ENGINE_GRAPH_STEINER_EXACT_NODELABELS_H
 #define ENGINE_GRAPH_STEINER_EXACT_NODELABELS_H
 
-#include "Engine/Graph/Steiner/Network/Saturated.h"
 #include "Engine/Graph/Steiner/Network/TerminalSet.h"
 
 #include <cstddef>

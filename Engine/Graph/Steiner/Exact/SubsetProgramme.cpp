@@ -1,7 +1,7 @@
 #include "Engine/Graph/Steiner/Exact/SubsetProgramme.h"
 
+#include "Engine/Graph/Core/Distance.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
-#include "Engine/Graph/Steiner/Network/Saturated.h"
 
 #include <algorithm>
 #include <functional>
@@ -9,7 +9,7 @@
 namespace qe::graph {
 
 template <std::size_t Words>
-SubsetProgramme<Words>::SubsetProgramme(const FlatNetwork& network, std::uint32_t root,
+SubsetProgramme<Words>::SubsetProgramme(const FlatNetwork& network, NodeIndex root,
                                         std::span<const RestBound<Words>> bounds,
                                         std::uint64_t limit, Budget& budget)
     : mNetwork(network),
@@ -21,7 +21,7 @@ SubsetProgramme<Words>::SubsetProgramme(const FlatNetwork& network, std::uint32_
       mSettledAt(network.GetNodeCount())
 {
     std::uint32_t bit = 0;
-    for (const std::uint32_t terminal : network.GetTerminals()) {
+    for (const NodeIndex terminal : network.GetTerminals()) {
         mBits[terminal] = bit++;
         if (terminal != root)
             mAll.Add(mBits[terminal]);
@@ -67,7 +67,7 @@ typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Dive(double in
 template <std::size_t Words>
 void SubsetProgramme<Words>::OfferTerminals()
 {
-    for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
+    for (const NodeIndex terminal : mNetwork.GetTerminals()) {
         if (terminal != mRoot)
             Offer(terminal, Intern(Set::Single(mBits[terminal])), 0, EOrigin::Grown);
     }
@@ -120,13 +120,13 @@ std::uint32_t SubsetProgramme<Words>::Intern(const Set& set)
         if (bound.IsBoundAlone(set))
             least = std::max(least, mSetParts.back());
     }
-    mSetInfos.push_back({least, Saturated});
+    mSetInfos.push_back({least, kUnreached});
     return number;
 }
 
 /// Answers the greatest bound, or the first one that is above the limit.
 template <std::size_t Words>
-std::uint64_t SubsetProgramme<Words>::GetRest(std::uint32_t node, std::uint32_t set,
+std::uint64_t SubsetProgramme<Words>::GetRest(NodeIndex node, std::uint32_t set,
                                               std::uint64_t limit) const
 {
     std::uint64_t rest = 0;
@@ -138,7 +138,7 @@ std::uint64_t SubsetProgramme<Words>::GetRest(std::uint32_t node, std::uint32_t 
 }
 
 template <std::size_t Words>
-void SubsetProgramme<Words>::Offer(std::uint32_t node, std::uint32_t set, std::uint64_t weight,
+void SubsetProgramme<Words>::Offer(NodeIndex node, std::uint32_t set, std::uint64_t weight,
                                    EOrigin origin)
 {
     const SetInfo& info = mSetInfos[set];
@@ -247,14 +247,14 @@ bool SubsetProgramme<Words>::IsNextBranch(const Set& branch, const Set& begun) c
 }
 
 template <std::size_t Words>
-std::uint32_t SubsetProgramme<Words>::FindSettled(std::uint32_t node, const Set& set) const
+std::uint32_t SubsetProgramme<Words>::FindSettled(NodeIndex node, const Set& set) const
 {
     const std::uint32_t number = mSets.Find(set);
     return number == SetTable<Words>::None ? LabelTable::None : FindSettled(node, number);
 }
 
 template <std::size_t Words>
-std::uint32_t SubsetProgramme<Words>::FindSettled(std::uint32_t node, std::uint32_t set) const
+std::uint32_t SubsetProgramme<Words>::FindSettled(NodeIndex node, std::uint32_t set) const
 {
     const std::uint32_t label = mLabels.Find(node, set);
     return label != LabelTable::None && mLabels.Get(label).isSettled ? label : LabelTable::None;

@@ -45,7 +45,7 @@ public:
     using Set = TerminalSet<Words>;
 
     /// Takes at least one bound for this root, and a weight above which trees are not looked for.
-    SubsetProgramme(const FlatNetwork& network, std::uint32_t root,
+    SubsetProgramme(const FlatNetwork& network, NodeIndex root,
                     std::span<const RestBound<Words>> bounds, std::uint64_t limit, Budget& budget);
     SubsetProgramme(const SubsetProgramme&) = delete;
     SubsetProgramme& operator=(const SubsetProgramme&) = delete;
@@ -73,15 +73,15 @@ public:
     [[nodiscard]] std::uint64_t GetBound() const { return mBound; }
 
     [[nodiscard]] const FlatNetwork& GetNetwork() const { return mNetwork; }
-    [[nodiscard]] std::uint32_t GetRoot() const { return mRoot; }
-    [[nodiscard]] std::uint32_t GetBit(std::uint32_t node) const { return mBits[node]; }
+    [[nodiscard]] NodeIndex GetRoot() const { return mRoot; }
+    [[nodiscard]] std::uint32_t GetBit(NodeIndex node) const { return mBits[node]; }
     [[nodiscard]] const LabelTable& GetLabels() const { return mLabels; }
     [[nodiscard]] const Set& GetSet(std::uint32_t number) const { return mSets.Get(number); }
     /// Answers the settled label of the node and set, or LabelTable::None.
-    [[nodiscard]] std::uint32_t FindSettled(std::uint32_t node, const Set& set) const;
-    [[nodiscard]] std::uint32_t FindSettled(std::uint32_t node, std::uint32_t set) const;
+    [[nodiscard]] std::uint32_t FindSettled(NodeIndex node, const Set& set) const;
+    [[nodiscard]] std::uint32_t FindSettled(NodeIndex node, std::uint32_t set) const;
     /// Answers the settled labels of the node.
-    [[nodiscard]] const NodeLabels<Words>& GetSettled(std::uint32_t node) const
+    [[nodiscard]] const NodeLabels<Words>& GetSettled(NodeIndex node) const
     {
         return mSettledAt[node];
     }
@@ -111,8 +111,8 @@ private:
         Grown,
         Joined,
     };
-    void Offer(std::uint32_t node, std::uint32_t set, std::uint64_t weight, EOrigin origin);
-    [[nodiscard]] std::uint64_t GetRest(std::uint32_t node, std::uint32_t set,
+    void Offer(NodeIndex node, std::uint32_t set, std::uint64_t weight, EOrigin origin);
+    [[nodiscard]] std::uint64_t GetRest(NodeIndex node, std::uint32_t set,
                                         std::uint64_t limit) const;
     void OfferTerminals();
     void Settle(std::uint32_t number);
@@ -126,18 +126,18 @@ private:
     const FlatNetwork& mNetwork;
     std::span<const RestBound<Words>> mRestBounds;
     Budget& mBudget;
-    std::uint32_t mRoot;
+    NodeIndex mRoot;
     std::uint64_t mLimit;
     std::uint64_t mBound = 0;
     double mInflation = 0;
-    std::vector<std::uint32_t> mBits;
+    IndexedVector<NodeIndex, std::uint32_t> mBits;
     Set mAll;
     SetTable<Words> mSets;
     std::vector<SetInfo> mSetInfos;
     /// For each set what each bound says of it alone.
     std::vector<std::uint64_t> mSetParts;
     LabelTable mLabels;
-    std::vector<NodeLabels<Words>> mSettledAt;
+    IndexedVector<NodeIndex, NodeLabels<Words>> mSettledAt;
     std::vector<QueueEntry> mQueue;
     std::size_t mSettledCount = 0;
     std::size_t mCharged = 0;

@@ -22,13 +22,13 @@ void LocalSearch::Improve(SteinerTree& tree, const std::function<bool()>& isOver
         for (std::uint32_t path = 0; path < mPathEnds.size(); ++path) {
             if (isOver())
                 return;
-            if (TryWithout(tree, None, path)) {
+            if (TryWithout(tree, {}, path)) {
                 isImproved = true;
                 CutIntoPaths(tree);
             }
         }
-        const std::vector<std::uint32_t> nodes = mTreeNodes;
-        for (const std::uint32_t node : nodes) {
+        const std::vector<NodeIndex> nodes = mTreeNodes;
+        for (const NodeIndex node : nodes) {
             if (isOver())
                 return;
             if (IsKey(node) && !mNetwork.IsTerminal(node) && TryWithout(tree, node, None)) {
@@ -39,19 +39,18 @@ void LocalSearch::Improve(SteinerTree& tree, const std::function<bool()>& isOver
     }
 }
 
-bool LocalSearch::IsKey(std::uint32_t node) const
+bool LocalSearch::IsKey(NodeIndex node) const
 {
     return mEdgesAt[node].size() > 2 || (mNetwork.IsTerminal(node) && !mEdgesAt[node].empty());
 }
 
 void LocalSearch::CutIntoPaths(const SteinerTree& tree)
 {
-    for (const std::uint32_t node : mTreeNodes)
+    for (const NodeIndex node : mTreeNodes)
         mEdgesAt[node].clear();
     mTreeNodes.clear();
     for (std::uint32_t place = 0; place < tree.edges.size(); ++place) {
-        for (const std::uint32_t side : {0U, 1U}) {
-            const std::uint32_t node = mNetwork.GetOrigin(2 * tree.edges[place] + side);
+        for (const NodeIndex node : mNetwork.GetEnds(tree.edges[place])) {
             if (mEdgesAt[node].empty())
                 mTreeNodes.push_back(node);
             mEdgesAt[node].push_back(place);
@@ -60,7 +59,7 @@ void LocalSearch::CutIntoPaths(const SteinerTree& tree)
     std::sort(mTreeNodes.begin(), mTreeNodes.end());
     mPathOfEdge.assign(tree.edges.size(), None);
     mPathEnds.clear();
-    for (const std::uint32_t node : mTreeNodes) {
+    for (const NodeIndex node : mTreeNodes) {
         for (const std::uint32_t place : mEdgesAt[node]) {
             if (IsKey(node) && mPathOfEdge[place] == None)
                 WalkPath(tree, node, place);
@@ -68,15 +67,14 @@ void LocalSearch::CutIntoPaths(const SteinerTree& tree)
     }
 }
 
-void LocalSearch::WalkPath(const SteinerTree& tree, std::uint32_t node, std::uint32_t place)
+void LocalSearch::WalkPath(const SteinerTree& tree, NodeIndex node, std::uint32_t place)
 {
     const auto path = static_cast<std::uint32_t>(mPathEnds.size());
-    const std::uint32_t start = node;
+    const NodeIndex start = node;
     for (;;) {
         mPathOfEdge[place] = path;
-        const std::uint32_t edge = tree.edges[place];
-        const std::uint32_t end1 = mNetwork.GetOrigin(2 * edge);
-        node = end1 == node ? mNetwork.GetOrigin(2 * edge + 1) : end1;
+        const auto [end1, end2] = mNetwork.GetEnds(tree.edges[place]);
+        node = end1 == node ? end2 : end1;
         if (IsKey(node))
             break;
         place = mEdgesAt[node][mEdgesAt[node][0] == place ? 1 : 0];
@@ -84,7 +82,7 @@ void LocalSearch::WalkPath(const SteinerTree& tree, std::uint32_t node, std::uin
     mPathEnds.emplace_back(start, node);
 }
 
-bool LocalSearch::TryWithout(SteinerTree& tree, std::uint32_t key, std::uint32_t path)
+bool LocalSearch::TryWithout(SteinerTree& tree, NodeIndex key, std::uint32_t path)
 {
     mKept.clear();
     mStarts.clear();
@@ -97,7 +95,7 @@ bool LocalSearch::TryWithout(SteinerTree& tree, std::uint32_t key, std::uint32_t
             mIsKept[place] = 1;
             continue;
         }
-        for (const std::uint32_t end : {end1, end2}) {
+        for (const NodeIndex end : {end1, end2}) {
             if (end != key)
                 mStarts.push_back(end);
         }
@@ -110,13 +108,13 @@ bool LocalSearch::TryWithout(SteinerTree& tree, std::uint32_t key, std::uint32_t
 }
 
 /// Answers the start in the smallest part: the search for another way spreads least from there.
-std::uint32_t LocalSearch::ChooseStart(const SteinerTree& tree)
+NodeIndex LocalSearch::ChooseStart(const SteinerTree& tree)
 {
     std::sort(mStarts.begin(), mStarts.end());
     mStarts.erase(std::unique(mStarts.begin(), mStarts.end()), mStarts.end());
-    std::uint32_t best = mStarts.front();
+    NodeIndex best = mStarts.front();
     std::size_t least = tree.edges.size() + 1;
-    for (const std::uint32_t start : mStarts) {
+    for (const NodeIndex start : mStarts) {
         const std::size_t size = CountPart(tree, start, least);
         if (size < least) {
             least = size;
@@ -127,7 +125,7 @@ std::uint32_t LocalSearch::ChooseStart(const SteinerTree& tree)
 }
 
 /// Answers how many kept edges hang together with the node, or `most` when there are more.
-std::size_t LocalSearch::CountPart(const SteinerTree& tree, std::uint32_t start, std::size_t most)
+std::size_t LocalSearch::CountPart(const SteinerTree& tree, NodeIndex start, std::size_t most)
 {
     std::size_t count = 0;
     mOpen.assign(1, {start, None});
@@ -137,8 +135,7 @@ std::size_t LocalSearch::CountPart(const SteinerTree& tree, std::uint32_t start,
         for (const std::uint32_t place : mEdgesAt[node]) {
             if (mIsKept[place] == 0 || place == entry)
                 continue;
-            const std::uint32_t end1 = mNetwork.GetOrigin(2 * tree.edges[place]);
-            const std::uint32_t end2 = mNetwork.GetOrigin(2 * tree.edges[place] + 1);
+            const auto [end1, end2] = mNetwork.GetEnds(tree.edges[place]);
             mOpen.emplace_back(end1 == node ? end2 : end1, place);
             ++count;
         }

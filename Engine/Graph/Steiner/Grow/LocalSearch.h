@@ -26,26 +26,25 @@ public:
 
 private:
     void CutIntoPaths(const SteinerTree& tree);
-    void WalkPath(const SteinerTree& tree, std::uint32_t node, std::uint32_t place);
-    [[nodiscard]] bool IsKey(std::uint32_t node) const;
-    bool TryWithout(SteinerTree& tree, std::uint32_t key, std::uint32_t path);
-    [[nodiscard]] std::uint32_t ChooseStart(const SteinerTree& tree);
-    [[nodiscard]] std::size_t CountPart(const SteinerTree& tree, std::uint32_t start,
-                                        std::size_t most);
+    void WalkPath(const SteinerTree& tree, NodeIndex node, std::uint32_t place);
+    [[nodiscard]] bool IsKey(NodeIndex node) const;
+    bool TryWithout(SteinerTree& tree, NodeIndex key, std::uint32_t path);
+    [[nodiscard]] NodeIndex ChooseStart(const SteinerTree& tree);
+    [[nodiscard]] std::size_t CountPart(const SteinerTree& tree, NodeIndex start, std::size_t most);
 
     const FlatNetwork& mNetwork;
     TreeGrower& mGrower;
     /// Positions in the tree of the edges at each node of it.
-    std::vector<std::vector<std::uint32_t>> mEdgesAt;
-    std::vector<std::uint32_t> mTreeNodes;
+    IndexedVector<NodeIndex, std::vector<std::uint32_t>> mEdgesAt;
+    std::vector<NodeIndex> mTreeNodes;
     std::vector<std::uint32_t> mPathOfEdge;
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> mPathEnds;
+    std::vector<std::pair<NodeIndex, NodeIndex>> mPathEnds;
     /// What an exchange leaves of the tree, and the ends of what it takes out.
-    std::vector<std::uint32_t> mKept;
+    std::vector<EdgeIndex> mKept;
     std::vector<std::uint8_t> mIsKept;
-    std::vector<std::uint32_t> mStarts;
+    std::vector<NodeIndex> mStarts;
     /// Nodes still to be counted from, each with the position of the edge that led there.
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> mOpen;
+    std::vector<std::pair<NodeIndex, std::uint32_t>> mOpen;
 };
 
 } // namespace qe::graph

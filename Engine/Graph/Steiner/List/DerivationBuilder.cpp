@@ -100,7 +100,7 @@ void DerivationBuilder<Words>::FindSteps(Item& item)
         if (below == LabelTable::None)
             continue;
         if (mProgramme.GetLabels().Get(below).weight + arc.weight == label.weight)
-            mSteps.push_back({arc.half / 2, below});
+            mSteps.push_back({arc.half.Edge(), below});
     }
     item.stepCount = static_cast<std::uint32_t>(mSteps.size()) - item.firstStep;
 }
@@ -159,7 +159,7 @@ void DerivationBuilder<Words>::AddParts(Item& item, DerivationGraph& graph) cons
         graph.AddEmpty();
     for (std::uint32_t place = 0; place < item.stepCount; ++place) {
         const Step& step = mSteps[item.firstStep + place];
-        graph.AddStep(mStrands[step.edge], mItems[mItemOfLabel[step.label]].part);
+        graph.AddStep(mStrands[step.edge.value], mItems[mItemOfLabel[step.label]].part);
     }
     item.part = graph.AddPart();
     graph.AddJoin(item.branch, DerivationGraph::None);
@@ -171,7 +171,7 @@ void DerivationBuilder<Words>::AddParts(Item& item, DerivationGraph& graph) cons
 }
 
 template <std::size_t Words>
-void DerivationBuilder<Words>::AppendOneTree(std::vector<std::uint32_t>& edges)
+void DerivationBuilder<Words>::AppendOneTree(std::vector<EdgeIndex>& edges)
 {
     std::vector<std::uint32_t> open{
         mProgramme.FindSettled(mProgramme.GetRoot(), mProgramme.GetAll())};

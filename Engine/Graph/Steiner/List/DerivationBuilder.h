@@ -42,12 +42,12 @@ public:
     [[nodiscard]] std::uint32_t GetWhole() const { return mWhole; }
 
     /// Appends the edges of one lightest tree, by the first way that fits at every label.
-    void AppendOneTree(std::vector<std::uint32_t>& edges);
+    void AppendOneTree(std::vector<EdgeIndex>& edges);
 
 private:
     struct Step
     {
-        std::uint32_t edge;
+        EdgeIndex edge;
         std::uint32_t label;
     };
     struct Join

@@ -1,6 +1,6 @@
 #include "Engine/Graph/Steiner/List/DerivationGraph.h"
 
-#include "Engine/Graph/Steiner/Network/Saturated.h"
+#include "Engine/Graph/Steiner/Network/SaturatingCount.h"
 
 #include <utility>
 
@@ -31,13 +31,13 @@ void DerivationGraph::AddChoice(std::uint32_t strand, std::uint32_t first, std::
 {
     std::uint64_t count = strand == None ? 1 : mStrands->GetCount({strand});
     if (first != None)
-        count = SaturatingMultiply(count, GetCount(first));
+        count = MultiplyCounts(count, GetCount(first));
     if (second != None)
-        count = SaturatingMultiply(count, GetCount(second));
+        count = MultiplyCounts(count, GetCount(second));
     if (count == 0)
         return;
     mChoices.push_back({strand, first, second, count});
-    mParts.back().count = SaturatingAdd(mParts.back().count, count);
+    mParts.back().count = AddCounts(mParts.back().count, count);
 }
 
 void DerivationGraph::AppendEdges(std::uint32_t part, std::uint64_t rank,

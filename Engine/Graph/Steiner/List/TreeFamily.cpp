@@ -1,6 +1,6 @@
 #include "Engine/Graph/Steiner/List/TreeFamily.h"
 
-#include "Engine/Graph/Steiner/Network/Saturated.h"
+#include "Engine/Graph/Steiner/Network/SaturatingCount.h"
 
 #include <algorithm>
 #include <utility>
@@ -9,13 +9,13 @@ namespace qe::graph {
 
 void TreeFamily::AddStrand(StrandIndex strand)
 {
-    mCount = SaturatingMultiply(mCount, mStrands->GetCount(strand));
+    mCount = MultiplyCounts(mCount, mStrands->GetCount(strand));
     mFixed.push_back(strand);
 }
 
 void TreeFamily::AddDerivations(DerivationGraph&& graph, std::uint32_t part)
 {
-    mCount = SaturatingMultiply(mCount, graph.GetCount(part));
+    mCount = MultiplyCounts(mCount, graph.GetCount(part));
     mBlocks.push_back({std::move(graph), part});
 }
 

@@ -1,7 +1,6 @@
 #include "Engine/Graph/Steiner/Reduce/BranchReduction.h"
 
 #include "Engine/Graph/Steiner/Network/Network.h"
-#include "Engine/Graph/Steiner/Network/Saturated.h"
 #include "Engine/Graph/Steiner/Reduce/NearDistances.h"
 #include "Engine/Graph/Steiner/Reduce/SpecialDistances.h"
 
@@ -28,18 +27,18 @@ public:
 private:
     struct Spoke
     {
-        std::uint32_t end;
+        NodeIndex end;
         std::uint64_t weight;
         StrandIndex strand;
     };
 
-    void Measure(std::uint32_t node);
+    void Measure(NodeIndex node);
     [[nodiscard]] bool IsBranchless() const;
     [[nodiscard]] bool IsPassed(std::uint32_t spoke1, std::uint32_t spoke2) const
     {
         return mSpecial[spoke1][spoke2] >= mSpokes[spoke1].weight + mSpokes[spoke2].weight;
     }
-    void Bypass(std::uint32_t node);
+    void Bypass(NodeIndex node);
 
     Network& mNetwork;
     const SpecialDistances& mDistances;
@@ -52,7 +51,7 @@ private:
 std::size_t BranchReduction::Run()
 {
     std::size_t count = 0;
-    for (std::uint32_t node = 0; node < mNetwork.GetNodeLimit(); ++node) {
+    for (const NodeIndex node : mNetwork.GetNodes()) {
         if (mNetwork.IsTerminal(node) || mNetwork.GetDegree(node) != Spokes)
             continue;
         Measure(node);
@@ -64,14 +63,13 @@ std::size_t BranchReduction::Run()
     return count;
 }
 
-void BranchReduction::Measure(std::uint32_t node)
+void BranchReduction::Measure(NodeIndex node)
 {
     mSpokes.clear();
     std::uint64_t heaviest = 0;
-    for (std::uint32_t half = mNetwork.GetFirst(node); half != Network::None;
-         half = mNetwork.GetNext(half)) {
-        const std::uint64_t weight = mNetwork.GetWeight(half / 2);
-        mSpokes.push_back({mNetwork.GetTarget(half), weight, mNetwork.GetStrand(half / 2)});
+    for (HalfEdge half = mNetwork.GetFirst(node); half.IsValid(); half = mNetwork.GetNext(half)) {
+        const std::uint64_t weight = mNetwork.GetWeight(half.Edge());
+        mSpokes.push_back({mNetwork.GetTarget(half), weight, mNetwork.GetStrand(half.Edge())});
         heaviest = std::max(heaviest, weight);
     }
     for (std::uint32_t left = 0; left + 1 < mSpokes.size(); ++left) {
@@ -93,10 +91,10 @@ bool BranchReduction::IsBranchless() const
     return span < mSpokes[0].weight + mSpokes[1].weight + mSpokes[2].weight;
 }
 
-void BranchReduction::Bypass(std::uint32_t node)
+void BranchReduction::Bypass(NodeIndex node)
 {
-    while (mNetwork.GetFirst(node) != Network::None)
-        mNetwork.RemoveEdge(mNetwork.GetFirst(node) / 2);
+    while (mNetwork.GetFirst(node).IsValid())
+        mNetwork.RemoveEdge(mNetwork.GetFirst(node).Edge());
     for (std::uint32_t left = 0; left < mSpokes.size(); ++left) {
         for (std::uint32_t right = left + 1; right < mSpokes.size(); ++right) {
             if (!IsPassed(left, right))

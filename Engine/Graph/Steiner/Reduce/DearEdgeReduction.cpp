@@ -12,11 +12,11 @@ std::size_t RemoveDearEdges(Network& network, const SpecialDistances& distances)
 {
     NearDistances near(network);
     const std::uint32_t edgesBefore = network.GetEdgeCount();
-    for (std::uint32_t node = 0; node < network.GetNodeLimit(); ++node) {
+    for (const NodeIndex node : network.GetNodes()) {
         std::uint64_t heaviest = 0;
-        for (std::uint32_t half = network.GetFirst(node); half != Network::None;) {
-            const std::uint32_t edge = half / 2;
-            const std::uint32_t target = network.GetTarget(half);
+        for (HalfEdge half = network.GetFirst(node); half.IsValid();) {
+            const EdgeIndex edge = half.Edge();
+            const NodeIndex target = network.GetTarget(half);
             half = network.GetNext(half);
             if (target < node)
                 continue;
@@ -28,9 +28,9 @@ std::size_t RemoveDearEdges(Network& network, const SpecialDistances& distances)
         if (heaviest < 2)
             continue;
         near.Run(node, heaviest - 1);
-        for (std::uint32_t half = network.GetFirst(node); half != Network::None;) {
-            const std::uint32_t edge = half / 2;
-            const std::uint32_t target = network.GetTarget(half);
+        for (HalfEdge half = network.GetFirst(node); half.IsValid();) {
+            const EdgeIndex edge = half.Edge();
+            const NodeIndex target = network.GetTarget(half);
             half = network.GetNext(half);
             if (target > node && near.Get(target) < network.GetWeight(edge))
                 network.RemoveEdge(edge);

@@ -1,7 +1,7 @@
 #include "Engine/Graph/Steiner/Reduce/NearDistances.h"
 
+#include "Engine/Graph/Core/Distance.h"
 #include "Engine/Graph/Steiner/Network/Network.h"
-#include "Engine/Graph/Steiner/Network/Saturated.h"
 
 #include <algorithm>
 #include <functional>
@@ -16,13 +16,13 @@ constexpr std::size_t MostSettled = 40;
 } // namespace
 
 NearDistances::NearDistances(const Network& network)
-    : mNetwork(network), mDistances(network.GetNodeLimit(), Unreached)
+    : mNetwork(network), mDistances(network.GetNodeLimit(), kUnreached)
 {}
 
-void NearDistances::Run(std::uint32_t source, std::uint64_t most)
+void NearDistances::Run(NodeIndex source, std::uint64_t most)
 {
-    for (const std::uint32_t node : mTouched)
-        mDistances[node] = Unreached;
+    for (const NodeIndex node : mTouched)
+        mDistances[node] = kUnreached;
     mTouched.clear();
     mQueue.clear();
     Push(0, source);
@@ -33,18 +33,18 @@ void NearDistances::Run(std::uint32_t source, std::uint64_t most)
         if (distance > mDistances[node])
             continue;
         ++settled;
-        for (std::uint32_t half = mNetwork.GetFirst(node); half != Network::None;
+        for (HalfEdge half = mNetwork.GetFirst(node); half.IsValid();
              half = mNetwork.GetNext(half)) {
-            const std::uint64_t next = distance + mNetwork.GetWeight(half / 2);
+            const std::uint64_t next = distance + mNetwork.GetWeight(half.Edge());
             if (next <= most && next < mDistances[mNetwork.GetTarget(half)])
                 Push(next, mNetwork.GetTarget(half));
         }
     }
 }
 
-void NearDistances::Push(std::uint64_t distance, std::uint32_t node)
+void NearDistances::Push(std::uint64_t distance, NodeIndex node)
 {
-    if (mDistances[node] == Unreached)
+    if (mDistances[node] == kUnreached)
         mTouched.push_back(node);
     mDistances[node] = distance;
     mQueue.emplace_back(distance, node);

@@ -1,6 +1,8 @@
 #ifndef ENGINE_GRAPH_STEINER_REDUCE_NEARDISTANCES_H
 #define ENGINE_GRAPH_STEINER_REDUCE_NEARDISTANCES_H
 
+#include "Engine/Graph/Core/Indices.h"
+
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -17,19 +19,19 @@ public:
     explicit NearDistances(const Network& network);
 
     /// Measures from the node as far as the given distance, and forgets what was known.
-    void Run(std::uint32_t source, std::uint64_t most);
+    void Run(NodeIndex source, std::uint64_t most);
 
-    /// Answers the weight of some way to the node, Unreached when none was found.
-    [[nodiscard]] std::uint64_t Get(std::uint32_t node) const { return mDistances[node]; }
+    /// Answers the weight of some way to the node, kUnreached when none was found.
+    [[nodiscard]] std::uint64_t Get(NodeIndex node) const { return mDistances[node]; }
 
 private:
-    using QueueEntry = std::pair<std::uint64_t, std::uint32_t>;
+    using QueueEntry = std::pair<std::uint64_t, NodeIndex>;
 
-    void Push(std::uint64_t distance, std::uint32_t node);
+    void Push(std::uint64_t distance, NodeIndex node);
 
     const Network& mNetwork;
-    std::vector<std::uint64_t> mDistances;
-    std::vector<std::uint32_t> mTouched;
+    IndexedVector<NodeIndex, std::uint64_t> mDistances;
+    std::vector<NodeIndex> mTouched;
     std::vector<QueueEntry> mQueue;
 };
 

@@ -1,25 +1,25 @@
 #include "Engine/Graph/Steiner/Reduce/NearestNodeReduction.h"
 
+#include "Engine/Graph/Core/Distance.h"
 #include "Engine/Graph/Steiner/Network/Network.h"
-#include "Engine/Graph/Steiner/Network/Saturated.h"
 #include "Engine/Graph/Steiner/Reduce/SpecialDistances.h"
 
-#include <vector>
+#include <cstddef>
+#include <cstdint>
 
 namespace qe::graph {
 
 namespace {
 
-/// Answers the half-edge by which every lightest tree leaves the terminal, or None.
-std::uint32_t FindNeeded(const Network& network, const SpecialDistances& distances,
-                         std::uint32_t terminal)
+/// Returns the half-edge by which every minimum Steiner tree leaves the terminal; an invalid one
+/// when none is known.
+HalfEdge FindNeeded(const Network& network, const SpecialDistances& distances, NodeIndex terminal)
 {
-    std::uint32_t lightest = Network::None;
-    std::uint64_t weight = Unreached;
-    std::uint64_t nextWeight = Unreached;
-    for (std::uint32_t half = network.GetFirst(terminal); half != Network::None;
-         half = network.GetNext(half)) {
-        const std::uint64_t other = network.GetWeight(half / 2);
+    HalfEdge lightest;
+    std::uint64_t weight = kUnreached;
+    std::uint64_t nextWeight = kUnreached;
+    for (HalfEdge half = network.GetFirst(terminal); half.IsValid(); half = network.GetNext(half)) {
+        const std::uint64_t other = network.GetWeight(half.Edge());
         if (other < weight) {
             nextWeight = weight;
             weight = other;
@@ -28,13 +28,13 @@ std::uint32_t FindNeeded(const Network& network, const SpecialDistances& distanc
             nextWeight = other;
         }
     }
-    if (nextWeight == Unreached)
-        return Network::None;
+    if (nextWeight == kUnreached)
+        return {};
     for (const auto& near : distances.GetNearest(network.GetTarget(lightest))) {
         if (near.terminal != terminal)
-            return weight + near.distance < nextWeight ? lightest : Network::None;
+            return weight + near.distance < nextWeight ? lightest : HalfEdge{};
     }
-    return Network::None;
+    return {};
 }
 
 } // namespace
@@ -42,13 +42,13 @@ std::uint32_t FindNeeded(const Network& network, const SpecialDistances& distanc
 std::size_t ContractNearest(Network& network, const SpecialDistances& distances)
 {
     // What was measured before a contraction tells nothing about the ends of it.
-    std::vector<std::uint8_t> isTouched(network.GetNodeLimit(), 0);
+    IndexedVector<NodeIndex, std::uint8_t> isTouched(network.GetNodeLimit(), 0);
     std::size_t count = 0;
-    for (std::uint32_t node = 0; node < network.GetNodeLimit(); ++node) {
+    for (const NodeIndex node : network.GetNodes()) {
         if (!network.IsTerminal(node) || isTouched[node] != 0 || network.GetTerminalCount() == 1)
             continue;
-        const std::uint32_t half = FindNeeded(network, distances, node);
-        if (half == Network::None || isTouched[network.GetTarget(half)] != 0)
+        const HalfEdge half = FindNeeded(network, distances, node);
+        if (!half.IsValid() || isTouched[network.GetTarget(half)] != 0)
             continue;
         isTouched[node] = 1;
         isTouched[network.GetTarget(half)] = 1;

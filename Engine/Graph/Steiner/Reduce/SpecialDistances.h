@@ -1,6 +1,7 @@
 #ifndef ENGINE_GRAPH_STEINER_REDUCE_SPECIALDISTANCES_H
 #define ENGINE_GRAPH_STEINER_REDUCE_SPECIALDISTANCES_H
 
+#include "Engine/Graph/Core/Indices.h"
 #include "Engine/Graph/Spanning/BottleneckForest.h"
 
 #include <array>
@@ -27,30 +28,29 @@ public:
     struct NearTerminal
     {
         std::uint64_t distance;
-        std::uint32_t terminal;
+        NodeIndex terminal;
     };
 
     explicit SpecialDistances(const Network& network);
 
-    /// Answers a bound for the special distance of two different nodes, or Unreached.
-    [[nodiscard]] std::uint64_t GetBound(std::uint32_t node1, std::uint32_t node2) const;
+    /// Answers a bound for the special distance of two different nodes, or kUnreached.
+    [[nodiscard]] std::uint64_t GetBound(NodeIndex node1, NodeIndex node2) const;
 
     /// Answers up to four terminals that the node reaches without passing another, nearest first.
-    [[nodiscard]] std::span<const NearTerminal> GetNearest(std::uint32_t node) const
+    [[nodiscard]] std::span<const NearTerminal> GetNearest(NodeIndex node) const
     {
         return {mNearest[node].data(), mCounts[node]};
     }
 
 private:
-    static constexpr std::size_t Most = 4;
+    static constexpr std::size_t kMost = 4;
 
     void FindNearest(const Network& network);
     void SpanTerminals(const Network& network);
-    [[nodiscard]] std::uint64_t GetBottleneck(std::uint32_t terminal1,
-                                              std::uint32_t terminal2) const;
+    [[nodiscard]] std::uint64_t GetBottleneck(NodeIndex terminal1, NodeIndex terminal2) const;
 
-    std::vector<std::array<NearTerminal, Most>> mNearest;
-    std::vector<std::uint8_t> mCounts;
+    IndexedVector<NodeIndex, std::array<NearTerminal, kMost>> mNearest;
+    IndexedVector<NodeIndex, std::uint8_t> mCounts;
     BottleneckForest mForest;
     /// Distances that the steps of the forest stand for.
     std::vector<std::uint64_t> mSteps;
