@@ -66,10 +66,10 @@ void DualAscent::Resume(std::mt19937& random, Budget& budget, CutObserver& obser
 {
     mIsReached.assign(mNetwork.GetNodeCount(), 0);
     MarkFrom(mRoot, mIsReached);
-    const std::vector<std::uint32_t> speakers = ChooseSpeakers(random);
-    for (const std::uint32_t terminal : speakers)
+    const std::vector<std::uint32_t> representatives = ChooseRepresentatives(random);
+    for (const std::uint32_t terminal : representatives)
         mIsActive[terminal] = 1;
-    for (const std::uint32_t terminal : speakers) {
+    for (const std::uint32_t terminal : representatives) {
         std::uint64_t cost = 0;
         if (!budget.IsExhausted())
             Ascend(terminal, Saturated, cost, &observer);
@@ -79,7 +79,7 @@ void DualAscent::Resume(std::mt19937& random, Budget& budget, CutObserver& obser
 
 /// Orders the terminals that the root does not reach by arcs with nothing left, and drops those
 /// that a later one reaches so: in their turn, the later one would speak for them.
-std::vector<std::uint32_t> DualAscent::ChooseSpeakers(std::mt19937& random)
+std::vector<std::uint32_t> DualAscent::ChooseRepresentatives(std::mt19937& random)
 {
     std::vector<std::uint32_t> unreached;
     for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
@@ -87,16 +87,16 @@ std::vector<std::uint32_t> DualAscent::ChooseSpeakers(std::mt19937& random)
             unreached.push_back(terminal);
     }
     std::shuffle(unreached.begin(), unreached.end(), random);
-    mIsSpokenFor = mIsReached;
-    std::vector<std::uint32_t> speakers;
+    mIsRepresented = mIsReached;
+    std::vector<std::uint32_t> representatives;
     for (const std::uint32_t terminal : unreached) {
-        if (mIsSpokenFor[terminal] == 0) {
-            speakers.push_back(terminal);
-            MarkFrom(terminal, mIsSpokenFor);
+        if (mIsRepresented[terminal] == 0) {
+            representatives.push_back(terminal);
+            MarkFrom(terminal, mIsRepresented);
         }
     }
-    std::reverse(speakers.begin(), speakers.end());
-    return speakers;
+    std::reverse(representatives.begin(), representatives.end());
+    return representatives;
 }
 
 /// Marks the node and what it reaches by arcs with nothing left and over nodes without a mark.

@@ -87,7 +87,7 @@ private:
     void SetGuide(std::span<const std::uint32_t> guide);
     [[nodiscard]] std::uint64_t GetCost() const;
     bool Spread(std::uint32_t terminal);
-    [[nodiscard]] std::vector<std::uint32_t> ChooseSpeakers(std::mt19937& random);
+    [[nodiscard]] std::vector<std::uint32_t> ChooseRepresentatives(std::mt19937& random);
     void MarkFrom(std::uint32_t node, std::vector<std::uint8_t>& marks);
     void RaiseCut(CutObserver* observer);
 
@@ -106,7 +106,7 @@ private:
     /// Nodes known to be reached from the root by arcs with nothing left: a set that meets one
     /// would come upon the root.
     std::vector<std::uint8_t> mIsReached;
-    std::vector<std::uint8_t> mIsSpokenFor;
+    std::vector<std::uint8_t> mIsRepresented;
     std::vector<std::uint32_t> mOpen;
     /// Slots by which the guiding tree leads away from the root.
     std::vector<std::uint8_t> mIsGuide;

@@ -28,7 +28,7 @@ SteinerTree TreeGrower::Grow(std::uint32_t start, std::span<const std::uint8_t> 
     Connect(start, isUsable);
     SteinerTree tree;
     Span(tree);
-    CutIdleLeaves(tree);
+    PruneNonTerminalLeaves(tree);
     return tree;
 }
 
@@ -48,7 +48,7 @@ SteinerTree TreeGrower::Regrow(std::span<const std::uint32_t> forest, std::uint3
     }
     SteinerTree tree;
     Span(tree);
-    CutIdleLeaves(tree);
+    PruneNonTerminalLeaves(tree);
     return tree;
 }
 
@@ -168,7 +168,7 @@ void TreeGrower::Span(SteinerTree& tree)
         mIsInTree[node] = 0;
 }
 
-void TreeGrower::CutIdleLeaves(SteinerTree& tree)
+void TreeGrower::PruneNonTerminalLeaves(SteinerTree& tree)
 {
     for (const std::uint32_t edge : tree.edges) {
         mDegrees[mNetwork.GetOrigin(2 * edge)] = 0;
@@ -178,7 +178,7 @@ void TreeGrower::CutIdleLeaves(SteinerTree& tree)
         ++mDegrees[mNetwork.GetOrigin(2 * edge)];
         ++mDegrees[mNetwork.GetOrigin(2 * edge + 1)];
     }
-    const auto isIdle = [this](std::uint32_t node) {
+    const auto isPrunable = [this](std::uint32_t node) {
         return mDegrees[node] == 1 && !mNetwork.IsTerminal(node);
     };
     for (bool isChanged = true; isChanged;) {
@@ -186,7 +186,7 @@ void TreeGrower::CutIdleLeaves(SteinerTree& tree)
         std::erase_if(tree.edges, [&](std::uint32_t edge) {
             const std::uint32_t end1 = mNetwork.GetOrigin(2 * edge);
             const std::uint32_t end2 = mNetwork.GetOrigin(2 * edge + 1);
-            if (!isIdle(end1) && !isIdle(end2))
+            if (!isPrunable(end1) && !isPrunable(end2))
                 return false;
             --mDegrees[end1];
             --mDegrees[end2];

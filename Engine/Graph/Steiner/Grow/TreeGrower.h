@@ -48,7 +48,7 @@ private:
     void Relax(std::uint32_t node, std::uint64_t distance, std::span<const std::uint8_t> isUsable);
     void Reset();
     void Span(SteinerTree& tree);
-    void CutIdleLeaves(SteinerTree& tree);
+    void PruneNonTerminalLeaves(SteinerTree& tree);
     void Push(std::uint64_t distance, std::uint32_t node, std::uint32_t entry);
 
     const FlatNetwork& mNetwork;

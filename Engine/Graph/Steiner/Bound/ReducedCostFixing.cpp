@@ -1,4 +1,4 @@
-#include "Engine/Graph/Steiner/Bound/BoundReduction.h"
+#include "Engine/Graph/Steiner/Bound/ReducedCostFixing.h"
 
 #include "Engine/Graph/Steiner/Bound/DualAscent.h"
 #include "Engine/Graph/Steiner/Bound/ReducedDistances.h"
@@ -30,22 +30,22 @@ std::uint32_t FindOnlyEdge(const FlatNetwork& network, std::uint32_t node, const
 
 } // namespace
 
-void JudgeEdges(const FlatNetwork& network, const DualAscent& ascent, std::uint64_t weight,
-                EdgeVerdicts& verdicts)
+void ClassifyEdges(const FlatNetwork& network, const DualAscent& ascent, std::uint64_t weight,
+                   EdgeVerdicts& verdicts)
 {
     const std::uint64_t slack = weight - ascent.GetBound();
     const std::vector<std::uint64_t> fromRoot = GetReducedFromRoot(network, ascent, slack);
     const std::vector<std::uint64_t> toTerminal = GetReducedToTerminal(network, ascent, slack);
     const auto isUsable = [&](std::uint32_t half) {
-        return verdicts.isDispensable[half / 2] == 0 &&
-               fromRoot[network.GetOrigin(half)] + ascent.GetReduced(half) +
-                       toTerminal[network.GetTarget(half)] <=
-                   slack;
+        return verdicts.isExcluded[half / 2] == 0 && fromRoot[network.GetOrigin(half)] +
+                                                             ascent.GetReduced(half) +
+                                                             toTerminal[network.GetTarget(half)] <=
+                                                         slack;
     };
     for (std::uint32_t edge = 0; edge < network.GetEdgeCount(); ++edge) {
         const std::uint32_t half = 2 * edge;
         if (!isUsable(half) && !isUsable(half + 1))
-            verdicts.isDispensable[edge] = 1;
+            verdicts.isExcluded[edge] = 1;
     }
     for (const std::uint32_t terminal : network.GetTerminals()) {
         const std::uint32_t flip = terminal == ascent.GetRoot() ? 0 : 1;
@@ -56,13 +56,12 @@ void JudgeEdges(const FlatNetwork& network, const DualAscent& ascent, std::uint6
     }
 }
 
-std::size_t RemoveDispensable(Network& network, const FlatNetwork& flat,
-                              const EdgeVerdicts& verdicts)
+std::size_t RemoveExcluded(Network& network, const FlatNetwork& flat, const EdgeVerdicts& verdicts)
 {
     std::size_t count = 0;
     for (std::uint32_t edge = 0; edge < flat.GetEdgeCount(); ++edge) {
         const std::uint32_t networkEdge = flat.GetNetworkEdge(edge);
-        if (verdicts.isDispensable[edge] == 0 || !network.HasEdge(networkEdge))
+        if (verdicts.isExcluded[edge] == 0 || !network.HasEdge(networkEdge))
             continue;
         network.RemoveEdge(networkEdge);
         ++count;

@@ -1,4 +1,4 @@
-#include "Engine/Graph/Steiner/Bound/RestBound.h"
+#include "Engine/Graph/Steiner/Bound/CompletionBound.h"
 
 #include "Engine/Graph/Steiner/Bound/ReducedDistances.h"
 
@@ -13,7 +13,7 @@ constexpr std::uint32_t None = 0xFFFFFFFF;
 } // namespace
 
 template <std::size_t Words>
-RestBound<Words>::RestBound(const FlatNetwork& network, std::uint32_t searchRoot)
+CompletionBound<Words>::CompletionBound(const FlatNetwork& network, std::uint32_t searchRoot)
     : mNetwork(network),
       mSearchRoot(searchRoot),
       mBits(network.GetNodeCount(), None),
@@ -25,8 +25,8 @@ RestBound<Words>::RestBound(const FlatNetwork& network, std::uint32_t searchRoot
 }
 
 template <std::size_t Words>
-void RestBound<Words>::Raise(std::span<const std::uint32_t> nodes,
-                             std::span<const std::uint32_t> /*entering*/, std::uint64_t price)
+void CompletionBound<Words>::Raise(std::span<const std::uint32_t> nodes,
+                                   std::span<const std::uint32_t> /*entering*/, std::uint64_t price)
 {
     Set terminals;
     for (const std::uint32_t node : nodes) {
@@ -48,7 +48,7 @@ void RestBound<Words>::Raise(std::span<const std::uint32_t> nodes,
 }
 
 template <std::size_t Words>
-void RestBound<Words>::Finish(const DualAscent& ascent, std::uint64_t limit)
+void CompletionBound<Words>::Finish(const DualAscent& ascent, std::uint64_t limit)
 {
     mRootBit = mBits[ascent.GetRoot()];
     // A way dearer than this is in no tree within the limit.
@@ -71,7 +71,7 @@ void RestBound<Words>::Finish(const DualAscent& ascent, std::uint64_t limit)
 }
 
 template <std::size_t Words>
-std::uint64_t RestBound<Words>::GetSetPart(const Set& set) const
+std::uint64_t CompletionBound<Words>::GetSetPart(const Set& set) const
 {
     std::uint64_t bound = 0;
     for (std::uint32_t number = 0; number < mSets.GetCount(); ++number) {
@@ -81,9 +81,9 @@ std::uint64_t RestBound<Words>::GetSetPart(const Set& set) const
     return bound;
 }
 
-template class RestBound<1>;
-template class RestBound<2>;
-template class RestBound<4>;
-template class RestBound<8>;
+template class CompletionBound<1>;
+template class CompletionBound<2>;
+template class CompletionBound<4>;
+template class CompletionBound<8>;
 
 } // namespace qe::graph
