@@ -1,8 +1,8 @@
 #include "Engine/Graph/Steiner/BlockSearch.h"
 
 #include "Engine/Graph/Core/Distance.h"
-#include "Engine/Graph/Steiner/Bound/RestBound.h"
-#include "Engine/Graph/Steiner/Exact/SubsetProgramme.h"
+#include "Engine/Graph/Steiner/Bound/CompletionBound.h"
+#include "Engine/Graph/Steiner/Exact/DijkstraSteinerSearch.h"
 #include "Engine/Graph/Steiner/List/DerivationBuilder.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
 
@@ -115,7 +115,7 @@ void BlockSearch::Ascend(NodeIndex root, std::span<const EdgeIndex> guide)
     }
     if (!mBudget.IsExhausted())
         FindTreeAlong(mAscent);
-    JudgeEdges(mNetwork, mAscent, mKnownWeight, mVerdicts);
+    ClassifyEdges(mNetwork, mAscent, mKnownWeight, mVerdicts);
 }
 
 /// Bounds the optimum from above by a tree grown along edges that the ascent has used up.
@@ -142,14 +142,14 @@ std::vector<NodeIndex> BlockSearch::ChooseRoots(std::size_t most) const
     return roots;
 }
 
-std::size_t BlockSearch::ShedFast(std::size_t round)
+std::size_t BlockSearch::PruneQuickly(std::size_t round)
 {
     const std::span<const NodeIndex> terminals = mNetwork.GetTerminals();
     Ascend(terminals[round % terminals.size()], {});
-    return RemoveDispensable(mBlock, mNetwork, mVerdicts);
+    return RemoveExcluded(mBlock, mNetwork, mVerdicts);
 }
 
-std::size_t BlockSearch::ShedThoroughly()
+std::size_t BlockSearch::PruneThoroughly()
 {
     const std::span<const NodeIndex> terminals = mNetwork.GetTerminals();
     FindTree(terminals.front(), {});
@@ -169,7 +169,7 @@ std::size_t BlockSearch::ShedThoroughly()
     }
     if (!mBudget.IsExhausted())
         WithWords(terminals.size(), [this](auto words) { Dive<words>(); });
-    return RemoveDispensable(mBlock, mNetwork, mVerdicts);
+    return RemoveExcluded(mBlock, mNetwork, mVerdicts);
 }
 
 bool BlockSearch::IsWorthContracting() const
@@ -183,12 +183,12 @@ void BlockSearch::ContractForced()
     graph::ContractForced(mBlock, mNetwork, mVerdicts);
 }
 
-std::optional<BlockSearch::Outcome> BlockSearch::SearchFast(TreeFamily& family)
+std::optional<BlockSearch::Outcome> BlockSearch::SearchQuickly(TreeFamily& family)
 {
     return SearchWithin(family, std::span(Efforts).first(1), mKnownWeight);
 }
 
-std::optional<BlockSearch::Outcome> BlockSearch::SearchSteadily(TreeFamily& family)
+std::optional<BlockSearch::Outcome> BlockSearch::SearchWithMoreEffort(TreeFamily& family)
 {
     return SearchWithin(family, std::span(Efforts).subspan(1), mKnownWeight);
 }
@@ -281,15 +281,15 @@ void BlockSearch::Dive()
 {
     if (mKnownWeight <= mLowerBound)
         return;
-    std::vector<RestBound<Words>> bounds;
+    std::vector<CompletionBound<Words>> bounds;
     AddBounds(DiveAscents, mKnownWeight, bounds);
-    SubsetProgramme<Words> programme(mNetwork, mBestRoot, bounds, mKnownWeight, mBudget);
+    DijkstraSteinerSearch<Words> search(mNetwork, mBestRoot, bounds, mKnownWeight, mBudget);
     const double gap = static_cast<double>(mKnownWeight - mLowerBound);
     const double inflation = DiveInflation * gap / static_cast<double>(mLowerBound);
-    if (programme.Dive(inflation, DiveLabels) != SubsetProgramme<Words>::EOutcome::Solved)
+    if (search.Dive(inflation, DiveLabels) != DijkstraSteinerSearch<Words>::EOutcome::Solved)
         return;
     std::vector<EdgeIndex> edges;
-    DerivationBuilder<Words>(programme, {}, mBudget).AppendOneTree(edges);
+    DerivationBuilder<Words>(search, {}, mBudget).AppendOneTree(edges);
     std::sort(edges.begin(), edges.end());
     edges.erase(std::unique(edges.begin(), edges.end()), edges.end());
     SteinerTree tree = mGrower.Regrow(edges, mBestRoot);
@@ -298,7 +298,7 @@ void BlockSearch::Dive()
         return;
     mTree = std::move(tree);
     mKnownWeight = std::min(mKnownWeight, mTree.weight);
-    JudgeEdges(mNetwork, mAscent, mKnownWeight, mVerdicts);
+    ClassifyEdges(mNetwork, mAscent, mKnownWeight, mVerdicts);
 }
 
 BlockSearch::Outcome BlockSearch::AnswerTree(TreeFamily& family,
@@ -314,7 +314,7 @@ BlockSearch::Outcome BlockSearch::AnswerTree(TreeFamily& family,
 /// guided, and the second round changes places.
 template <std::size_t Words>
 void BlockSearch::AddBounds(std::size_t most, std::uint64_t limit,
-                            std::vector<RestBound<Words>>& bounds)
+                            std::vector<CompletionBound<Words>>& bounds)
 {
     const std::vector<NodeIndex> roots = ChooseRoots(most);
     most = std::min(most, 2 * roots.size());
@@ -324,7 +324,7 @@ void BlockSearch::AddBounds(std::size_t most, std::uint64_t limit,
         std::vector<EdgeIndex> guide;
         if ((round + place) % 2 == 0)
             guide = mTree.edges;
-        RestBound<Words>& bound = bounds.emplace_back(mNetwork, mBestRoot);
+        CompletionBound<Words>& bound = bounds.emplace_back(mNetwork, mBestRoot);
         mAscent.Run(roots[place], guide, mBudget, &bound);
         bound.Finish(mAscent, limit);
         mLowerBound = std::max(mLowerBound, mAscent.GetBound());
@@ -333,11 +333,12 @@ void BlockSearch::AddBounds(std::size_t most, std::uint64_t limit,
 
 /// Adds the bound that cuts were exchanged for, if any.
 template <std::size_t Words>
-void BlockSearch::AddExchangedBound(std::uint64_t limit, std::vector<RestBound<Words>>& bounds)
+void BlockSearch::AddExchangedBound(std::uint64_t limit,
+                                    std::vector<CompletionBound<Words>>& bounds)
 {
     if (!mExchange)
         return;
-    RestBound<Words>& bound = bounds.emplace_back(mNetwork, mBestRoot);
+    CompletionBound<Words>& bound = bounds.emplace_back(mNetwork, mBestRoot);
     mExchange->Report(bound);
     bound.Finish(mExchange->GetAscent(), limit);
 }
@@ -346,30 +347,30 @@ template <std::size_t Words>
 std::optional<BlockSearch::Outcome>
 BlockSearch::SearchWith(TreeFamily& family, std::span<const Effort> efforts, std::uint64_t limit)
 {
-    std::vector<RestBound<Words>> bounds;
+    std::vector<CompletionBound<Words>> bounds;
     AddExchangedBound(limit, bounds);
-    std::optional<SubsetProgramme<Words>> programme;
-    auto outcome = SubsetProgramme<Words>::EOutcome::Paused;
+    std::optional<DijkstraSteinerSearch<Words>> search;
+    auto outcome = DijkstraSteinerSearch<Words>::EOutcome::Paused;
     for (const Effort& effort : efforts) {
-        if (outcome != SubsetProgramme<Words>::EOutcome::Paused)
+        if (outcome != DijkstraSteinerSearch<Words>::EOutcome::Paused)
             break;
         AddBounds(effort.ascents, limit, bounds);
-        programme.emplace(mNetwork, mBestRoot, bounds, limit, mBudget);
-        outcome = programme->Run(effort.mostSettled);
-        mLowerBound = std::max(mLowerBound, programme->GetBound());
+        search.emplace(mNetwork, mBestRoot, bounds, limit, mBudget);
+        outcome = search->Run(effort.mostSettled);
+        mLowerBound = std::max(mLowerBound, search->GetBound());
     }
-    if (outcome != SubsetProgramme<Words>::EOutcome::Solved)
+    if (outcome != DijkstraSteinerSearch<Words>::EOutcome::Solved)
         return std::nullopt;
-    if (!programme->HasTree()) {
+    if (!search->HasTree()) {
         mLowerBound = limit + 1;
         return std::nullopt;
     }
     std::vector<StrandIndex> strands;
     for (const EdgeIndex edge : mNetwork.GetEdges())
         strands.push_back(mBlock.GetStrand(mNetwork.GetNetworkEdge(edge)));
-    const std::uint64_t weight = programme->GetBound();
+    const std::uint64_t weight = search->GetBound();
     DerivationGraph graph(mBlock.GetStrands());
-    DerivationBuilder<Words> builder(*programme, strands, mBudget);
+    DerivationBuilder<Words> builder(*search, strands, mBudget);
     if (builder.Build(graph) == DerivationBuilder<Words>::EOutcome::Exhausted) {
         std::vector<EdgeIndex> edges;
         builder.AppendOneTree(edges);

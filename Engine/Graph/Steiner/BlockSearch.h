@@ -1,10 +1,10 @@
 #ifndef ENGINE_GRAPH_STEINER_BLOCKSEARCH_H
 #define ENGINE_GRAPH_STEINER_BLOCKSEARCH_H
 
-#include "Engine/Graph/Steiner/Bound/BoundReduction.h"
+#include "Engine/Graph/Steiner/Bound/CompletionBound.h"
 #include "Engine/Graph/Steiner/Bound/CutExchange.h"
 #include "Engine/Graph/Steiner/Bound/DualAscent.h"
-#include "Engine/Graph/Steiner/Bound/RestBound.h"
+#include "Engine/Graph/Steiner/Bound/ReducedCostFixing.h"
 #include "Engine/Graph/Steiner/Grow/LocalSearch.h"
 #include "Engine/Graph/Steiner/Grow/TreeGrower.h"
 #include "Engine/Graph/Steiner/List/TreeFamily.h"
@@ -33,9 +33,9 @@ public:
     /// Looks for a light tree and a good bound, and removes from the block the edges that the
     /// two exclude. Answers how many; when they are many, the block is best reduced and searched
     /// through another object. `round` counts those objects.
-    std::size_t ShedFast(std::size_t round);
+    std::size_t PruneQuickly(std::size_t round);
     /// Does the same with more care.
-    std::size_t ShedThoroughly();
+    std::size_t PruneThoroughly();
 
     /// Says whether many edges are known to be in every lightest tree.
     [[nodiscard]] bool IsWorthContracting() const;
@@ -54,9 +54,9 @@ public:
     };
     /// Finds all lightest trees of the block, and adds them to the family, if that takes few
     /// steps.
-    std::optional<Outcome> SearchFast(TreeFamily& family);
+    std::optional<Outcome> SearchQuickly(TreeFamily& family);
     /// Does the same with more steps.
-    std::optional<Outcome> SearchSteadily(TreeFamily& family);
+    std::optional<Outcome> SearchWithMoreEffort(TreeFamily& family);
     /// Finds all lightest trees of the block, or one tree when the budget runs out, and adds
     /// them to the family.
     Outcome Search(TreeFamily& family);
@@ -76,9 +76,10 @@ private:
     void FindTreeFromManyStarts();
     [[nodiscard]] std::vector<NodeIndex> ChooseRoots(std::size_t most) const;
     template <std::size_t Words>
-    void AddBounds(std::size_t most, std::uint64_t limit, std::vector<RestBound<Words>>& bounds);
+    void AddBounds(std::size_t most, std::uint64_t limit,
+                   std::vector<CompletionBound<Words>>& bounds);
     template <std::size_t Words>
-    void AddExchangedBound(std::uint64_t limit, std::vector<RestBound<Words>>& bounds);
+    void AddExchangedBound(std::uint64_t limit, std::vector<CompletionBound<Words>>& bounds);
     std::optional<Outcome> SearchTightly(TreeFamily& family);
     std::optional<Outcome> SearchUpwards(TreeFamily& family, std::size_t mostSettled);
     std::optional<Outcome> SearchWithin(TreeFamily& family, std::span<const Effort> efforts,

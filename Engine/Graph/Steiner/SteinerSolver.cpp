@@ -149,19 +149,19 @@ void SteinerSolver::SearchBlock(OpenNetwork open)
 {
     BlockSearch search(open.network, open.knownWeight, mBudget);
     const std::uint32_t edgesBefore = open.network.GetEdgeCount();
-    std::size_t shed = search.ShedFast(open.round);
+    std::size_t shed = search.PruneQuickly(open.round);
     const auto isChanged = [&] {
         return IsWorthReducing(shed, edgesBefore) ||
                (search.IsWorthContracting() && !mBudget.IsExhausted());
     };
     std::optional<BlockSearch::Outcome> outcome;
     if (!isChanged())
-        outcome = search.SearchFast(mFamily);
+        outcome = search.SearchQuickly(mFamily);
     if (!outcome && !isChanged())
-        shed += search.ShedThoroughly();
+        shed += search.PruneThoroughly();
     bool isWorthAgain = isChanged();
     if (!outcome && !isWorthAgain) {
-        outcome = search.SearchSteadily(mFamily);
+        outcome = search.SearchWithMoreEffort(mFamily);
         if (!outcome && IsWorthMeasuring(open)) {
             open.reductions = EReductions::Distances;
             isWorthAgain = true;

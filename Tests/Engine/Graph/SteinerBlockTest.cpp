@@ -111,7 +111,7 @@ TEST_F(SteinerBlock, HasTheSameTreesHoweverMuchEffortFindsThem)
             Network block = network;
             TreeFamily family(strands);
             BlockSearch blockSearch(block, 1'000'000, mBudget);
-            blockSearch.ShedFast(0);
+            blockSearch.PruneQuickly(0);
             const std::optional<Outcome> outcome = find(blockSearch, family);
             EXPECT_TRUE(outcome && outcome->weight == outcome->lowerBound);
             std::set<std::vector<EdgeIndex>> trees;
@@ -122,12 +122,13 @@ TEST_F(SteinerBlock, HasTheSameTreesHoweverMuchEffortFindsThem)
             return std::tuple(outcome ? outcome->weight : 0, family.GetCount(),
                               family.GetCount() > 500 ? decltype(trees){} : trees);
         };
-        const auto steadily = search(
-            [](BlockSearch& block, TreeFamily& family) { return block.SearchSteadily(family); });
+        const auto withMoreEffort = search([](BlockSearch& block, TreeFamily& family) {
+            return block.SearchWithMoreEffort(family);
+        });
         const auto last = search([](BlockSearch& block, TreeFamily& family) {
             return std::optional(block.Search(family));
         });
-        EXPECT_TRUE(steadily == last);
+        EXPECT_TRUE(withMoreEffort == last);
     }
 }
 

@@ -70,10 +70,10 @@ void DualAscent::Resume(std::mt19937& random, Budget& budget, CutObserver& obser
 {
     mIsReached.assign(mNetwork.GetNodeCount(), 0);
     MarkFrom(mRoot, mIsReached);
-    const std::vector<NodeIndex> speakers = ChooseSpeakers(random);
-    for (const NodeIndex terminal : speakers)
+    const std::vector<NodeIndex> representatives = ChooseRepresentatives(random);
+    for (const NodeIndex terminal : representatives)
         mIsActive[terminal] = 1;
-    for (const NodeIndex terminal : speakers) {
+    for (const NodeIndex terminal : representatives) {
         std::uint64_t cost = 0;
         if (!budget.IsExhausted())
             Ascend(terminal, kNoLimit, cost, &observer);
@@ -83,7 +83,7 @@ void DualAscent::Resume(std::mt19937& random, Budget& budget, CutObserver& obser
 
 /// Orders the terminals that the root does not reach by arcs with nothing left, and drops those
 /// that a later one reaches so: in their turn, the later one would speak for them.
-std::vector<NodeIndex> DualAscent::ChooseSpeakers(std::mt19937& random)
+std::vector<NodeIndex> DualAscent::ChooseRepresentatives(std::mt19937& random)
 {
     std::vector<NodeIndex> unreached;
     for (const NodeIndex terminal : mNetwork.GetTerminals()) {
@@ -91,16 +91,16 @@ std::vector<NodeIndex> DualAscent::ChooseSpeakers(std::mt19937& random)
             unreached.push_back(terminal);
     }
     std::shuffle(unreached.begin(), unreached.end(), random);
-    mIsSpokenFor = mIsReached;
-    std::vector<NodeIndex> speakers;
+    mIsRepresented = mIsReached;
+    std::vector<NodeIndex> representatives;
     for (const NodeIndex terminal : unreached) {
-        if (mIsSpokenFor[terminal] == 0) {
-            speakers.push_back(terminal);
-            MarkFrom(terminal, mIsSpokenFor);
+        if (mIsRepresented[terminal] == 0) {
+            representatives.push_back(terminal);
+            MarkFrom(terminal, mIsRepresented);
         }
     }
-    std::reverse(speakers.begin(), speakers.end());
-    return speakers;
+    std::reverse(representatives.begin(), representatives.end());
+    return representatives;
 }
 
 /// Marks the node and what it reaches by arcs with nothing left and over nodes without a mark.

@@ -86,7 +86,7 @@ private:
     void SetGuide(std::span<const EdgeIndex> guide);
     [[nodiscard]] std::uint64_t GetCost() const;
     bool Spread(NodeIndex terminal);
-    [[nodiscard]] std::vector<NodeIndex> ChooseSpeakers(std::mt19937& random);
+    [[nodiscard]] std::vector<NodeIndex> ChooseRepresentatives(std::mt19937& random);
     void MarkFrom(NodeIndex node, NodeMarks& marks);
     void RaiseCut(CutObserver* observer);
 
@@ -105,7 +105,7 @@ private:
     /// Nodes known to be reached from the root by arcs with nothing left: a set that meets one
     /// would come upon the root.
     NodeMarks mIsReached;
-    NodeMarks mIsSpokenFor;
+    NodeMarks mIsRepresented;
     std::vector<NodeIndex> mOpen;
     /// Slots by which the guiding tree leads away from the root.
     std::vector<std::uint8_t> mIsGuide;

@@ -28,7 +28,7 @@ SteinerTree TreeGrower::Grow(NodeIndex start, const EdgeMarks& isUsable)
     Connect(start, isUsable);
     SteinerTree tree;
     Span(tree);
-    CutIdleLeaves(tree);
+    PruneNonTerminalLeaves(tree);
     return tree;
 }
 
@@ -48,7 +48,7 @@ SteinerTree TreeGrower::Regrow(std::span<const EdgeIndex> forest, NodeIndex star
     }
     SteinerTree tree;
     Span(tree);
-    CutIdleLeaves(tree);
+    PruneNonTerminalLeaves(tree);
     return tree;
 }
 
@@ -166,7 +166,7 @@ void TreeGrower::Span(SteinerTree& tree)
         mIsInTree[node] = 0;
 }
 
-void TreeGrower::CutIdleLeaves(SteinerTree& tree)
+void TreeGrower::PruneNonTerminalLeaves(SteinerTree& tree)
 {
     for (const EdgeIndex edge : tree.edges) {
         for (const NodeIndex end : mNetwork.GetEnds(edge))

@@ -51,7 +51,7 @@ private:
     void Relax(NodeIndex node, std::uint64_t distance, const EdgeMarks& isUsable);
     void Reset();
     void Span(SteinerTree& tree);
-    void CutIdleLeaves(SteinerTree& tree);
+    void PruneNonTerminalLeaves(SteinerTree& tree);
     void Push(std::uint64_t distance, NodeIndex node, HalfEdge entry);
 
     const FlatNetwork& mNetwork;

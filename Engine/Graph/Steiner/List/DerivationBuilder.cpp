@@ -15,24 +15,23 @@ constexpr std::uint32_t None = 0xFFFFFFFF;
 } // namespace
 
 template <std::size_t Words>
-DerivationBuilder<Words>::DerivationBuilder(const SubsetProgramme<Words>& programme,
+DerivationBuilder<Words>::DerivationBuilder(const DijkstraSteinerSearch<Words>& search,
                                             std::span<const StrandIndex> strands, Budget& budget)
-    : mProgramme(programme), mStrands(strands), mBudget(budget)
+    : mSearch(search), mStrands(strands), mBudget(budget)
 {}
 
 template <std::size_t Words>
 typename DerivationBuilder<Words>::EOutcome DerivationBuilder<Words>::Build(DerivationGraph& graph)
 {
-    mItemOfLabel.assign(mProgramme.GetLabels().GetCount(), None);
-    const std::uint32_t whole =
-        Visit(mProgramme.FindSettled(mProgramme.GetRoot(), mProgramme.GetAll()));
+    mItemOfLabel.assign(mSearch.GetLabels().GetCount(), None);
+    const std::uint32_t whole = Visit(mSearch.FindSettled(mSearch.GetRoot(), mSearch.GetAll()));
     if (!Collect())
         return EOutcome::Exhausted;
     std::vector<std::uint32_t> order(mItems.size());
     std::iota(order.begin(), order.end(), 0U);
     const auto getRank = [this](std::uint32_t item) {
-        const Label& label = mProgramme.GetLabels().Get(mItems[item].label);
-        return std::tuple(mProgramme.GetSet(label.set).GetSize(), label.weight, item);
+        const Label& label = mSearch.GetLabels().Get(mItems[item].label);
+        return std::tuple(mSearch.GetSet(label.set).GetSize(), label.weight, item);
     };
     std::sort(order.begin(), order.end(), [&](std::uint32_t left, std::uint32_t right) {
         return getRank(left) < getRank(right);
@@ -87,19 +86,19 @@ bool DerivationBuilder<Words>::Collect()
 template <std::size_t Words>
 void DerivationBuilder<Words>::FindSteps(Item& item)
 {
-    const FlatNetwork& network = mProgramme.GetNetwork();
-    const Label& label = mProgramme.GetLabels().Get(item.label);
-    const Set& set = mProgramme.GetSet(label.set);
+    const FlatNetwork& network = mSearch.GetNetwork();
+    const Label& label = mSearch.GetLabels().Get(item.label);
+    const Set& set = mSearch.GetSet(label.set);
     item.firstStep = static_cast<std::uint32_t>(mSteps.size());
     for (const FlatNetwork::Arc& arc : network.GetArcs(label.node)) {
-        if (arc.weight > label.weight || arc.target == mProgramme.GetRoot())
+        if (arc.weight > label.weight || arc.target == mSearch.GetRoot())
             continue;
-        if (network.IsTerminal(arc.target) && !set.Contains(mProgramme.GetBit(arc.target)))
+        if (network.IsTerminal(arc.target) && !set.Contains(mSearch.GetBit(arc.target)))
             continue;
-        const std::uint32_t below = mProgramme.FindSettled(arc.target, label.set);
+        const std::uint32_t below = mSearch.FindSettled(arc.target, label.set);
         if (below == LabelTable::None)
             continue;
-        if (mProgramme.GetLabels().Get(below).weight + arc.weight == label.weight)
+        if (mSearch.GetLabels().Get(below).weight + arc.weight == label.weight)
             mSteps.push_back({arc.half.Edge(), below});
     }
     item.stepCount = static_cast<std::uint32_t>(mSteps.size()) - item.firstStep;
@@ -109,19 +108,19 @@ void DerivationBuilder<Words>::FindSteps(Item& item)
 template <std::size_t Words>
 void DerivationBuilder<Words>::FindJoins(Item& item)
 {
-    const LabelTable& labels = mProgramme.GetLabels();
+    const LabelTable& labels = mSearch.GetLabels();
     const Label& label = labels.Get(item.label);
-    if (label.node == mProgramme.GetRoot()) {
+    if (label.node == mSearch.GetRoot()) {
         FindJoinsAtRoot(item);
         return;
     }
-    const Set& set = mProgramme.GetSet(label.set);
+    const Set& set = mSearch.GetSet(label.set);
     item.firstJoin = static_cast<std::uint32_t>(mJoins.size());
     using Entry = typename NodeLabels<Words>::Entry;
-    mProgramme.GetSettled(label.node).ForEachPart(set, [&](const Entry& branch) {
+    mSearch.GetSettled(label.node).ForEachPart(set, [&](const Entry& branch) {
         if (branch.weight > label.weight)
             return;
-        const std::uint32_t others = mProgramme.FindSettled(label.node, set.Without(branch.set));
+        const std::uint32_t others = mSearch.FindSettled(label.node, set.Without(branch.set));
         if (others != LabelTable::None && labels.Get(others).weight + branch.weight == label.weight)
             mJoins.push_back({branch.label, others});
     });
@@ -132,18 +131,18 @@ void DerivationBuilder<Words>::FindJoins(Item& item)
 template <std::size_t Words>
 void DerivationBuilder<Words>::FindJoinsAtRoot(Item& item)
 {
-    const LabelTable& labels = mProgramme.GetLabels();
+    const LabelTable& labels = mSearch.GetLabels();
     const Label& label = labels.Get(item.label);
-    const Set& all = mProgramme.GetAll();
-    const Set& set = mProgramme.GetSet(label.set);
+    const Set& all = mSearch.GetAll();
+    const Set& set = mSearch.GetSet(label.set);
     item.firstJoin = static_cast<std::uint32_t>(mJoins.size());
     using Entry = typename NodeLabels<Words>::Entry;
-    const auto& settled = mProgramme.GetSettled(label.node);
+    const auto& settled = mSearch.GetSettled(label.node);
     settled.ForEachDisjoint(all.Without(set), all, [&](const Entry& branch) {
         const Set others = set.Without(branch.set);
-        if (branch.weight > label.weight || !mProgramme.IsNextBranch(branch.set, others))
+        if (branch.weight > label.weight || !mSearch.IsNextBranch(branch.set, others))
             return;
-        const std::uint32_t rest = mProgramme.FindSettled(label.node, others);
+        const std::uint32_t rest = mSearch.FindSettled(label.node, others);
         if (rest != LabelTable::None && labels.Get(rest).weight + branch.weight == label.weight)
             mJoins.push_back({branch.label, rest});
     });
@@ -153,7 +152,7 @@ void DerivationBuilder<Words>::FindJoinsAtRoot(Item& item)
 template <std::size_t Words>
 void DerivationBuilder<Words>::AddParts(Item& item, DerivationGraph& graph) const
 {
-    const Label& label = mProgramme.GetLabels().Get(item.label);
+    const Label& label = mSearch.GetLabels().Get(item.label);
     item.branch = graph.AddPart();
     if (label.weight == 0)
         graph.AddEmpty();
@@ -173,12 +172,11 @@ void DerivationBuilder<Words>::AddParts(Item& item, DerivationGraph& graph) cons
 template <std::size_t Words>
 void DerivationBuilder<Words>::AppendOneTree(std::vector<EdgeIndex>& edges)
 {
-    std::vector<std::uint32_t> open{
-        mProgramme.FindSettled(mProgramme.GetRoot(), mProgramme.GetAll())};
+    std::vector<std::uint32_t> open{mSearch.FindSettled(mSearch.GetRoot(), mSearch.GetAll())};
     while (!open.empty()) {
         Item item{open.back(), 0, 0, 0, 0, None, None};
         open.pop_back();
-        if (mProgramme.GetLabels().Get(item.label).weight == 0)
+        if (mSearch.GetLabels().Get(item.label).weight == 0)
             continue;
         FindSteps(item);
         if (item.stepCount > 0) {

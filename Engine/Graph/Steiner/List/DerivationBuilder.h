@@ -1,7 +1,7 @@
 #ifndef ENGINE_GRAPH_STEINER_LIST_DERIVATIONBUILDER_H
 #define ENGINE_GRAPH_STEINER_LIST_DERIVATIONBUILDER_H
 
-#include "Engine/Graph/Steiner/Exact/SubsetProgramme.h"
+#include "Engine/Graph/Steiner/Exact/DijkstraSteinerSearch.h"
 #include "Engine/Graph/Steiner/List/DerivationGraph.h"
 
 #include <cstddef>
@@ -27,8 +27,8 @@ public:
     using Set = TerminalSet<Words>;
 
     /// Takes the strand of each edge of the network.
-    DerivationBuilder(const SubsetProgramme<Words>& programme, std::span<const StrandIndex> strands,
-                      Budget& budget);
+    DerivationBuilder(const DijkstraSteinerSearch<Words>& search,
+                      std::span<const StrandIndex> strands, Budget& budget);
 
     enum class EOutcome
     {
@@ -73,7 +73,7 @@ private:
     void FindJoinsAtRoot(Item& item);
     void AddParts(Item& item, DerivationGraph& graph) const;
 
-    const SubsetProgramme<Words>& mProgramme;
+    const DijkstraSteinerSearch<Words>& mSearch;
     std::span<const StrandIndex> mStrands;
     Budget& mBudget;
     std::vector<std::uint32_t> mItemOfLabel;

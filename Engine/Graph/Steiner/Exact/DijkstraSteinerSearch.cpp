@@ -1,4 +1,4 @@
-#include "Engine/Graph/Steiner/Exact/SubsetProgramme.h"
+#include "Engine/Graph/Steiner/Exact/DijkstraSteinerSearch.h"
 
 #include "Engine/Graph/Core/Distance.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
@@ -9,11 +9,11 @@
 namespace qe::graph {
 
 template <std::size_t Words>
-SubsetProgramme<Words>::SubsetProgramme(const FlatNetwork& network, NodeIndex root,
-                                        std::span<const RestBound<Words>> bounds,
-                                        std::uint64_t limit, Budget& budget)
+DijkstraSteinerSearch<Words>::DijkstraSteinerSearch(const FlatNetwork& network, NodeIndex root,
+                                                    std::span<const CompletionBound<Words>> bounds,
+                                                    std::uint64_t limit, Budget& budget)
     : mNetwork(network),
-      mRestBounds(bounds),
+      mCompletionBounds(bounds),
       mBudget(budget),
       mRoot(root),
       mLimit(limit),
@@ -29,7 +29,8 @@ SubsetProgramme<Words>::SubsetProgramme(const FlatNetwork& network, NodeIndex ro
 }
 
 template <std::size_t Words>
-typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Run(std::size_t mostSettled)
+typename DijkstraSteinerSearch<Words>::EOutcome
+DijkstraSteinerSearch<Words>::Run(std::size_t mostSettled)
 {
     OfferTerminals();
     for (std::size_t settled = 0; !mQueue.empty();) {
@@ -48,8 +49,8 @@ typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Run(std::size_
 }
 
 template <std::size_t Words>
-typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Dive(double inflation,
-                                                                       std::size_t mostSettled)
+typename DijkstraSteinerSearch<Words>::EOutcome
+DijkstraSteinerSearch<Words>::Dive(double inflation, std::size_t mostSettled)
 {
     mInflation = inflation;
     OfferTerminals();
@@ -65,7 +66,7 @@ typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Dive(double in
 }
 
 template <std::size_t Words>
-void SubsetProgramme<Words>::OfferTerminals()
+void DijkstraSteinerSearch<Words>::OfferTerminals()
 {
     for (const NodeIndex terminal : mNetwork.GetTerminals()) {
         if (terminal != mRoot)
@@ -75,7 +76,7 @@ void SubsetProgramme<Words>::OfferTerminals()
 
 /// Takes the first entry from the queue and settles its label, unless a later entry did.
 template <std::size_t Words>
-bool SubsetProgramme<Words>::SettleNext()
+bool DijkstraSteinerSearch<Words>::SettleNext()
 {
     const QueueEntry entry = mQueue.front();
     std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
@@ -88,12 +89,12 @@ bool SubsetProgramme<Words>::SettleNext()
 }
 
 template <std::size_t Words>
-void SubsetProgramme<Words>::ChargeMemory()
+void DijkstraSteinerSearch<Words>::ChargeMemory()
 {
     // Lists that double when they are full take up to three times their contents meanwhile.
     constexpr std::size_t Doubling = 3;
     constexpr std::size_t SetBytes = sizeof(SetInfo) + sizeof(Set) + 2 * sizeof(std::uint32_t);
-    const std::size_t perSet = SetBytes + mRestBounds.size() * sizeof(std::uint64_t);
+    const std::size_t perSet = SetBytes + mCompletionBounds.size() * sizeof(std::uint64_t);
     const std::size_t bytes = mLabels.GetBytes() + Doubling * mQueue.size() * sizeof(QueueEntry) +
                               Doubling * mSetInfos.size() * perSet +
                               2 * mSettledCount * sizeof(typename NodeLabels<Words>::Entry);
@@ -103,19 +104,19 @@ void SubsetProgramme<Words>::ChargeMemory()
 }
 
 template <std::size_t Words>
-SubsetProgramme<Words>::~SubsetProgramme()
+DijkstraSteinerSearch<Words>::~DijkstraSteinerSearch()
 {
     mBudget.Release(mCharged);
 }
 
 template <std::size_t Words>
-std::uint32_t SubsetProgramme<Words>::Intern(const Set& set)
+std::uint32_t DijkstraSteinerSearch<Words>::Intern(const Set& set)
 {
     const std::uint32_t number = mSets.Intern(set);
     if (number < mSetInfos.size())
         return number;
     std::uint64_t least = 0;
-    for (const RestBound<Words>& bound : mRestBounds) {
+    for (const CompletionBound<Words>& bound : mCompletionBounds) {
         mSetParts.push_back(bound.GetSetPart(set));
         if (bound.IsBoundAlone(set))
             least = std::max(least, mSetParts.back());
@@ -126,20 +127,20 @@ std::uint32_t SubsetProgramme<Words>::Intern(const Set& set)
 
 /// Answers the greatest bound, or the first one that is above the limit.
 template <std::size_t Words>
-std::uint64_t SubsetProgramme<Words>::GetRest(NodeIndex node, std::uint32_t set,
-                                              std::uint64_t limit) const
+std::uint64_t DijkstraSteinerSearch<Words>::GetRest(NodeIndex node, std::uint32_t set,
+                                                    std::uint64_t limit) const
 {
     std::uint64_t rest = 0;
-    for (std::size_t bound = 0; bound < mRestBounds.size() && rest <= limit; ++bound) {
-        const std::uint64_t setPart = mSetParts[set * mRestBounds.size() + bound];
-        rest = std::max(rest, mRestBounds[bound].Get(node, mSets.Get(set), setPart));
+    for (std::size_t bound = 0; bound < mCompletionBounds.size() && rest <= limit; ++bound) {
+        const std::uint64_t setPart = mSetParts[set * mCompletionBounds.size() + bound];
+        rest = std::max(rest, mCompletionBounds[bound].Get(node, mSets.Get(set), setPart));
     }
     return rest;
 }
 
 template <std::size_t Words>
-void SubsetProgramme<Words>::Offer(NodeIndex node, std::uint32_t set, std::uint64_t weight,
-                                   EOrigin origin)
+void DijkstraSteinerSearch<Words>::Offer(NodeIndex node, std::uint32_t set, std::uint64_t weight,
+                                         EOrigin origin)
 {
     const SetInfo& info = mSetInfos[set];
     if (weight > info.cap || weight + info.rest > mLimit)
@@ -168,7 +169,7 @@ void SubsetProgramme<Words>::Offer(NodeIndex node, std::uint32_t set, std::uint6
 }
 
 template <std::size_t Words>
-void SubsetProgramme<Words>::Settle(std::uint32_t number)
+void DijkstraSteinerSearch<Words>::Settle(std::uint32_t number)
 {
     mLabels.Get(number).isSettled = true;
     const Label label = mLabels.Get(number);
@@ -193,14 +194,14 @@ void SubsetProgramme<Words>::Settle(std::uint32_t number)
 }
 
 template <std::size_t Words>
-void SubsetProgramme<Words>::GrowFrom(const Label& label)
+void DijkstraSteinerSearch<Words>::GrowFrom(const Label& label)
 {
     for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(label.node))
         Offer(arc.target, label.set, label.weight + arc.weight, EOrigin::Grown);
 }
 
 template <std::size_t Words>
-void SubsetProgramme<Words>::JoinAt(const Label& label, std::uint32_t number)
+void DijkstraSteinerSearch<Words>::JoinAt(const Label& label, std::uint32_t number)
 {
     const Set set = mSets.Get(label.set);
     NodeLabels<Words>& settled = mSettledAt[label.node];
@@ -219,7 +220,7 @@ void SubsetProgramme<Words>::JoinAt(const Label& label, std::uint32_t number)
 /// Adds the next branch to those begun with the smallest terminal. Other pairs are not joined, but
 /// cap the labels of what they would join.
 template <std::size_t Words>
-void SubsetProgramme<Words>::JoinAtRoot(const Label& label, std::uint32_t number)
+void DijkstraSteinerSearch<Words>::JoinAtRoot(const Label& label, std::uint32_t number)
 {
     const Set set = mSets.Get(label.set);
     NodeLabels<Words>& settled = mSettledAt[mRoot];
@@ -241,28 +242,28 @@ void SubsetProgramme<Words>::JoinAtRoot(const Label& label, std::uint32_t number
 }
 
 template <std::size_t Words>
-bool SubsetProgramme<Words>::IsNextBranch(const Set& branch, const Set& begun) const
+bool DijkstraSteinerSearch<Words>::IsNextBranch(const Set& branch, const Set& begun) const
 {
     return begun.Contains(mAll.GetLowest()) && branch.Contains(mAll.Without(begun).GetLowest());
 }
 
 template <std::size_t Words>
-std::uint32_t SubsetProgramme<Words>::FindSettled(NodeIndex node, const Set& set) const
+std::uint32_t DijkstraSteinerSearch<Words>::FindSettled(NodeIndex node, const Set& set) const
 {
     const std::uint32_t number = mSets.Find(set);
     return number == SetTable<Words>::None ? LabelTable::None : FindSettled(node, number);
 }
 
 template <std::size_t Words>
-std::uint32_t SubsetProgramme<Words>::FindSettled(NodeIndex node, std::uint32_t set) const
+std::uint32_t DijkstraSteinerSearch<Words>::FindSettled(NodeIndex node, std::uint32_t set) const
 {
     const std::uint32_t label = mLabels.Find(node, set);
     return label != LabelTable::None && mLabels.Get(label).isSettled ? label : LabelTable::None;
 }
 
-template class SubsetProgramme<1>;
-template class SubsetProgramme<2>;
-template class SubsetProgramme<4>;
-template class SubsetProgramme<8>;
+template class DijkstraSteinerSearch<1>;
+template class DijkstraSteinerSearch<2>;
+template class DijkstraSteinerSearch<4>;
+template class DijkstraSteinerSearch<8>;
 
 } // namespace qe::graph

@@ -1,7 +1,7 @@
-#ifndef ENGINE_GRAPH_STEINER_EXACT_SUBSETPROGRAMME_H
-#define ENGINE_GRAPH_STEINER_EXACT_SUBSETPROGRAMME_H
+#ifndef ENGINE_GRAPH_STEINER_EXACT_DIJKSTRASTEINERSEARCH_H
+#define ENGINE_GRAPH_STEINER_EXACT_DIJKSTRASTEINERSEARCH_H
 
-#include "Engine/Graph/Steiner/Bound/RestBound.h"
+#include "Engine/Graph/Steiner/Bound/CompletionBound.h"
 #include "Engine/Graph/Steiner/Exact/LabelTable.h"
 #include "Engine/Graph/Steiner/Exact/NodeLabels.h"
 #include "Engine/Graph/Steiner/Network/SetTable.h"
@@ -15,7 +15,7 @@ namespace qe::graph {
 
 class Budget;
 
-/// The exact search: the programme over terminal sets of Dreyfus and Wagner (1971) and Erickson,
+/// The exact search: the search over terminal sets of Dreyfus and Wagner (1971) and Erickson,
 /// Monma and Veinott (1987), in best-first order with a lower bound for the rest (Hougardy,
 /// Silvanus and Vygen 2017).
 ///
@@ -39,17 +39,18 @@ class Budget;
 /// The time is at most O(3^k n + 2^k (n log n + m)) for k terminals beside the root, n nodes and
 /// m edges; the bound makes it far less as a rule.
 template <std::size_t Words>
-class SubsetProgramme
+class DijkstraSteinerSearch
 {
 public:
     using Set = TerminalSet<Words>;
 
     /// Takes at least one bound for this root, and a weight above which trees are not looked for.
-    SubsetProgramme(const FlatNetwork& network, NodeIndex root,
-                    std::span<const RestBound<Words>> bounds, std::uint64_t limit, Budget& budget);
-    SubsetProgramme(const SubsetProgramme&) = delete;
-    SubsetProgramme& operator=(const SubsetProgramme&) = delete;
-    ~SubsetProgramme();
+    DijkstraSteinerSearch(const FlatNetwork& network, NodeIndex root,
+                          std::span<const CompletionBound<Words>> bounds, std::uint64_t limit,
+                          Budget& budget);
+    DijkstraSteinerSearch(const DijkstraSteinerSearch&) = delete;
+    DijkstraSteinerSearch& operator=(const DijkstraSteinerSearch&) = delete;
+    ~DijkstraSteinerSearch();
 
     enum class EOutcome
     {
@@ -124,7 +125,7 @@ private:
     std::uint32_t Intern(const Set& set);
 
     const FlatNetwork& mNetwork;
-    std::span<const RestBound<Words>> mRestBounds;
+    std::span<const CompletionBound<Words>> mCompletionBounds;
     Budget& mBudget;
     NodeIndex mRoot;
     std::uint64_t mLimit;

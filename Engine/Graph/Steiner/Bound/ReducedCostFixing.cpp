@@ -1,4 +1,4 @@
-#include "Engine/Graph/Steiner/Bound/BoundReduction.h"
+#include "Engine/Graph/Steiner/Bound/ReducedCostFixing.h"
 
 #include "Engine/Graph/Steiner/Bound/DualAscent.h"
 #include "Engine/Graph/Steiner/Bound/ReducedDistances.h"
@@ -30,21 +30,21 @@ EdgeIndex FindOnlyEdge(const FlatNetwork& network, NodeIndex node, const IsUsabl
 
 } // namespace
 
-void JudgeEdges(const FlatNetwork& network, const DualAscent& ascent, std::uint64_t weight,
-                EdgeVerdicts& verdicts)
+void ClassifyEdges(const FlatNetwork& network, const DualAscent& ascent, std::uint64_t weight,
+                   EdgeVerdicts& verdicts)
 {
     const std::uint64_t slack = weight - ascent.GetBound();
     const NodeDistances fromRoot = GetReducedFromRoot(network, ascent, slack);
     const NodeDistances toTerminal = GetReducedToTerminal(network, ascent, slack);
     const auto isUsable = [&](HalfEdge half) {
-        return verdicts.isDispensable[half.Edge()] == 0 &&
+        return verdicts.isExcluded[half.Edge()] == 0 &&
                fromRoot[network.GetOrigin(half)] + ascent.GetReduced(half) +
                        toTerminal[network.GetTarget(half)] <=
                    slack;
     };
     for (const EdgeIndex edge : network.GetEdges()) {
         if (!isUsable(HalfEdge::Forward(edge)) && !isUsable(HalfEdge::Backward(edge)))
-            verdicts.isDispensable[edge] = 1;
+            verdicts.isExcluded[edge] = 1;
     }
     for (const NodeIndex terminal : network.GetTerminals()) {
         const bool isRoot = terminal == ascent.GetRoot();
@@ -56,13 +56,12 @@ void JudgeEdges(const FlatNetwork& network, const DualAscent& ascent, std::uint6
     }
 }
 
-std::size_t RemoveDispensable(Network& network, const FlatNetwork& flat,
-                              const EdgeVerdicts& verdicts)
+std::size_t RemoveExcluded(Network& network, const FlatNetwork& flat, const EdgeVerdicts& verdicts)
 {
     std::size_t count = 0;
     for (const EdgeIndex edge : flat.GetEdges()) {
         const EdgeIndex networkEdge = flat.GetNetworkEdge(edge);
-        if (verdicts.isDispensable[edge] == 0 || !network.HasEdge(networkEdge))
+        if (verdicts.isExcluded[edge] == 0 || !network.HasEdge(networkEdge))
             continue;
         network.RemoveEdge(networkEdge);
         ++count;

@@ -1,5 +1,5 @@
-#ifndef ENGINE_GRAPH_STEINER_BOUND_RESTBOUND_H
-#define ENGINE_GRAPH_STEINER_BOUND_RESTBOUND_H
+#ifndef ENGINE_GRAPH_STEINER_BOUND_COMPLETIONBOUND_H
+#define ENGINE_GRAPH_STEINER_BOUND_COMPLETIONBOUND_H
 
 #include "Engine/Graph/Steiner/Bound/DualAscent.h"
 #include "Engine/Graph/Steiner/Bound/ReducedDistances.h"
@@ -23,13 +23,13 @@ namespace qe::graph {
 /// the weight so far plus the bound. So a best-first search settles each partial tree once, also
 /// with the greatest of several such bounds.
 template <std::size_t Words>
-class RestBound : public CutObserver
+class CompletionBound : public CutObserver
 {
 public:
     using Set = TerminalSet<Words>;
 
     /// Takes the root of the search.
-    RestBound(const FlatNetwork& network, NodeIndex searchRoot);
+    CompletionBound(const FlatNetwork& network, NodeIndex searchRoot);
 
     void Raise(std::span<const NodeIndex> nodes, std::span<const std::uint32_t> entering,
                std::uint64_t price) override;

@@ -1,4 +1,4 @@
-#include "Engine/Graph/Steiner/Bound/RestBound.h"
+#include "Engine/Graph/Steiner/Bound/CompletionBound.h"
 
 #include <algorithm>
 
@@ -11,7 +11,7 @@ constexpr std::uint32_t None = 0xFFFFFFFF;
 } // namespace
 
 template <std::size_t Words>
-RestBound<Words>::RestBound(const FlatNetwork& network, NodeIndex searchRoot)
+CompletionBound<Words>::CompletionBound(const FlatNetwork& network, NodeIndex searchRoot)
     : mNetwork(network),
       mSearchRoot(searchRoot),
       mBits(network.GetNodeCount(), None),
@@ -23,8 +23,8 @@ RestBound<Words>::RestBound(const FlatNetwork& network, NodeIndex searchRoot)
 }
 
 template <std::size_t Words>
-void RestBound<Words>::Raise(std::span<const NodeIndex> nodes,
-                             std::span<const std::uint32_t> /*entering*/, std::uint64_t price)
+void CompletionBound<Words>::Raise(std::span<const NodeIndex> nodes,
+                                   std::span<const std::uint32_t> /*entering*/, std::uint64_t price)
 {
     Set terminals;
     for (const NodeIndex node : nodes) {
@@ -46,7 +46,7 @@ void RestBound<Words>::Raise(std::span<const NodeIndex> nodes,
 }
 
 template <std::size_t Words>
-void RestBound<Words>::Finish(const DualAscent& ascent, std::uint64_t limit)
+void CompletionBound<Words>::Finish(const DualAscent& ascent, std::uint64_t limit)
 {
     mRootBit = mBits[ascent.GetRoot()];
     // A way dearer than this is in no tree within the limit.
@@ -69,7 +69,7 @@ void RestBound<Words>::Finish(const DualAscent& ascent, std::uint64_t limit)
 }
 
 template <std::size_t Words>
-std::uint64_t RestBound<Words>::GetSetPart(const Set& set) const
+std::uint64_t CompletionBound<Words>::GetSetPart(const Set& set) const
 {
     std::uint64_t bound = 0;
     for (std::uint32_t number = 0; number < mSets.GetCount(); ++number) {
@@ -79,9 +79,9 @@ std::uint64_t RestBound<Words>::GetSetPart(const Set& set) const
     return bound;
 }
 
-template class RestBound<1>;
-template class RestBound<2>;
-template class RestBound<4>;
-template class RestBound<8>;
+template class CompletionBound<1>;
+template class CompletionBound<2>;
+template class CompletionBound<4>;
+template class CompletionBound<8>;
 
 } // namespace qe::graph
