@@ -2,19 +2,13 @@
 
 #include "Engine/Graph/Steiner/Network/Budget.h"
 #include "Engine/Graph/Steiner/Network/Saturated.h"
+#include "Engine/Graph/Steiner/Network/SearchTuning.h"
 
 #include <algorithm>
 #include <functional>
 #include <queue>
 
 namespace qe::graph {
-
-namespace {
-
-/// What one needless entry of the guiding tree into a set weighs against the set's size.
-constexpr std::uint64_t GuidePenalty = 1U << 20;
-
-} // namespace
 
 DualAscent::DualAscent(const FlatNetwork& network)
     : mNetwork(network),
@@ -160,7 +154,7 @@ std::uint64_t DualAscent::GetCost() const
     for (const std::uint32_t slot : mEntering)
         crossings += mIsGuide[slot];
     const std::uint64_t detours = crossings > 1 ? crossings - 1 : 0;
-    return detours * GuidePenalty + mEntering.size();
+    return detours * tuning::kGuidePenalty + mEntering.size();
 }
 
 DualAscent::EOutcome DualAscent::Ascend(std::uint32_t terminal, std::uint64_t costLimit,
@@ -171,9 +165,8 @@ DualAscent::EOutcome DualAscent::Ascend(std::uint32_t terminal, std::uint64_t co
     mSet.assign(1, terminal);
     mSpread = 0;
     mEntering.clear();
-    // A set somewhat above the limit is raised all the same: it was just built, and building it
-    // again costs more than the order is worth.
-    const std::uint64_t eagerLimit = costLimit == Saturated ? Saturated : costLimit * 5 / 4;
+    const std::uint64_t eagerLimit =
+        costLimit == Saturated ? Saturated : costLimit * tuning::kEagerQuarters / 4;
     for (bool isFirst = true;; isFirst = false) {
         if (!Spread(terminal))
             return EOutcome::Finished;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint32_t None = 0xFFFFFFFF;
 
-/// Answers the only edge that can connect the node, a terminal: of the half-edges that leave it,
+/// Returns the only edge that can connect the node, a terminal: of the half-edges that leave it,
 /// or whose other halves enter it, `isUsable` holds for those of one. None when there are several.
 template <typename IsUsable>
 std::uint32_t FindOnlyEdge(const FlatNetwork& network, std::uint32_t node, const IsUsable& isUsable)
@@ -31,37 +31,38 @@ std::uint32_t FindOnlyEdge(const FlatNetwork& network, std::uint32_t node, const
 } // namespace
 
 void ClassifyEdges(const FlatNetwork& network, const DualAscent& ascent, std::uint64_t weight,
-                   EdgeVerdicts& verdicts)
+                   std::vector<EEdgeStatus>& statuses)
 {
     const std::uint64_t slack = weight - ascent.GetBound();
     const std::vector<std::uint64_t> fromRoot = GetReducedFromRoot(network, ascent, slack);
     const std::vector<std::uint64_t> toTerminal = GetReducedToTerminal(network, ascent, slack);
     const auto isUsable = [&](std::uint32_t half) {
-        return verdicts.isExcluded[half / 2] == 0 && fromRoot[network.GetOrigin(half)] +
-                                                             ascent.GetReduced(half) +
-                                                             toTerminal[network.GetTarget(half)] <=
-                                                         slack;
+        return statuses[half / 2] != EEdgeStatus::Excluded &&
+               fromRoot[network.GetOrigin(half)] + ascent.GetReduced(half) +
+                       toTerminal[network.GetTarget(half)] <=
+                   slack;
     };
     for (std::uint32_t edge = 0; edge < network.GetEdgeCount(); ++edge) {
         const std::uint32_t half = 2 * edge;
         if (!isUsable(half) && !isUsable(half + 1))
-            verdicts.isExcluded[edge] = 1;
+            statuses[edge] = EEdgeStatus::Excluded;
     }
     for (const std::uint32_t terminal : network.GetTerminals()) {
         const std::uint32_t flip = terminal == ascent.GetRoot() ? 0 : 1;
         const std::uint32_t edge = FindOnlyEdge(
             network, terminal, [&](std::uint32_t half) { return isUsable(half ^ flip); });
         if (edge != None)
-            verdicts.isForced[edge] = 1;
+            statuses[edge] = EEdgeStatus::Forced;
     }
 }
 
-std::size_t RemoveExcluded(Network& network, const FlatNetwork& flat, const EdgeVerdicts& verdicts)
+std::size_t RemoveExcluded(Network& network, const FlatNetwork& flat,
+                           std::span<const EEdgeStatus> statuses)
 {
     std::size_t count = 0;
     for (std::uint32_t edge = 0; edge < flat.GetEdgeCount(); ++edge) {
         const std::uint32_t networkEdge = flat.GetNetworkEdge(edge);
-        if (verdicts.isExcluded[edge] == 0 || !network.HasEdge(networkEdge))
+        if (statuses[edge] != EEdgeStatus::Excluded || !network.HasEdge(networkEdge))
             continue;
         network.RemoveEdge(networkEdge);
         ++count;
@@ -71,12 +72,13 @@ std::size_t RemoveExcluded(Network& network, const FlatNetwork& flat, const Edge
 
 // Forced edges form a forest. Contracting a leaf of it moves no other edge of the forest, so their
 // indices stay good.
-void ContractForced(Network& network, const FlatNetwork& flat, const EdgeVerdicts& verdicts)
+void ContractForced(Network& network, const FlatNetwork& flat,
+                    std::span<const EEdgeStatus> statuses)
 {
     std::vector<std::uint32_t> open;
     std::vector<std::uint32_t> degrees(network.GetNodeLimit(), 0);
     for (std::uint32_t edge = 0; edge < flat.GetEdgeCount(); ++edge) {
-        if (verdicts.isForced[edge] == 0)
+        if (statuses[edge] != EEdgeStatus::Forced)
             continue;
         const std::uint32_t half = 2 * flat.GetNetworkEdge(edge);
         open.push_back(half);
