@@ -2,10 +2,12 @@
 
 #include "Engine/Graph/Core/Distance.h"
 #include "Engine/Graph/Steiner/BlockSearch.h"
+#include "Engine/Graph/Steiner/BlockStages.h"
 #include "Engine/Graph/Steiner/List/TreeFamily.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
 #include "Engine/Graph/Steiner/Network/NetworkBuilder.h"
 #include "Engine/Graph/Steiner/Network/SaturatingCount.h"
+#include "Engine/Graph/Steiner/Network/SearchTuning.h"
 #include "Engine/Graph/Steiner/Network/ZeroWeightComponents.h"
 #include "Engine/Graph/Steiner/Reduce/BlockSplit.h"
 #include "Engine/Graph/Steiner/Reduce/DegreeReduction.h"
@@ -20,31 +22,9 @@ namespace {
 
 /// Trees with edges of weight 0 are counted one by one, so their count stops this far beyond
 /// those that are listed.
-constexpr std::uint64_t CountedBeyondList = 100000;
+constexpr std::uint64_t kCountedBeyondList = 100000;
 
-/// One part in so many of the time is kept back to improve the tree that is answered unproven.
-constexpr int ShareOfLastTree = 20;
-
-/// Which reductions a network is worth.
-enum class EReductions
-{
-    Degrees,
-    Distances,
-};
-
-/// A network that still is to be searched, and a weight that some tree of it does not exceed.
-struct OpenNetwork
-{
-    Network network;
-    std::uint64_t knownWeight;
-    /// How often its block was looked at before.
-    std::size_t round;
-    EReductions reductions;
-    /// What of its fixed strands is in the family already.
-    std::size_t takenStrands = 0;
-    std::uint64_t takenWeight = 0;
-};
-
+/// Takes the graph apart, has each block searched, and lists the trees over all of them.
 class SteinerSolver
 {
 public:
@@ -53,7 +33,7 @@ public:
         : mGraph(graph),
           mTerminals(std::move(terminals)),
           mLimits(limits),
-          mBudget(limits.time - limits.time / ShareOfLastTree, limits.memory),
+          mBudget(limits.time - limits.time / tuning::kShareOfLastTree, limits.memory),
           mFamily(mStrands)
     {}
 
@@ -64,8 +44,6 @@ private:
     void Reduce(OpenNetwork open);
     void TakeFixed(OpenNetwork& open);
     void SearchBlock(OpenNetwork open);
-    bool IsWorthReducing(std::size_t shed, std::size_t edgesBefore);
-    bool IsWorthMeasuring(const OpenNetwork& open);
     void ListTrees();
     void ListTreesThrough(ZeroWeightComponents& components);
     void SortTrees();
@@ -88,7 +66,7 @@ SteinerResult SteinerSolver::Solve()
     if (!network)
         return mResult;
     mResult.connected = true;
-    mOpen.push_back({std::move(*network), kUnreached, 0, EReductions::Degrees});
+    mOpen.push_back({.network = std::move(*network), .knownWeight = kUnreached});
     while (!mOpen.empty())
         Reduce(TakeSmallest());
     if (components.GetComponents().empty())
@@ -124,11 +102,16 @@ void SteinerSolver::Reduce(OpenNetwork open)
         return;
     std::vector<Network> blocks = SplitIntoBlocks(network);
     if (blocks.size() == 1) {
-        SearchBlock({std::move(blocks.front()), open.knownWeight, open.round, open.reductions});
+        SearchBlock({.network = std::move(blocks.front()),
+                     .knownWeight = open.knownWeight,
+                     .round = open.round,
+                     .reductions = open.reductions});
         return;
     }
     for (Network& block : blocks)
-        mOpen.push_back({std::move(block), kUnreached, 0, open.reductions});
+        mOpen.push_back({.network = std::move(block),
+                         .knownWeight = kUnreached,
+                         .reductions = open.reductions});
 }
 
 /// Takes over what was fixed in the network since the last time.
@@ -147,58 +130,17 @@ void SteinerSolver::TakeFixed(OpenNetwork& open)
 
 void SteinerSolver::SearchBlock(OpenNetwork open)
 {
-    BlockSearch search(open.network, open.knownWeight, mBudget);
-    const std::uint32_t edgesBefore = open.network.GetEdgeCount();
-    std::size_t shed = search.PruneQuickly(open.round);
-    const auto isChanged = [&] {
-        return IsWorthReducing(shed, edgesBefore) ||
-               (search.IsWorthContracting() && !mBudget.IsExhausted());
-    };
-    std::optional<BlockSearch::Outcome> outcome;
-    if (!isChanged())
-        outcome = search.SearchQuickly(mFamily);
-    if (!outcome && !isChanged())
-        shed += search.PruneThoroughly();
-    bool isWorthAgain = isChanged();
-    if (!outcome && !isWorthAgain) {
-        outcome = search.SearchWithMoreEffort(mFamily);
-        if (!outcome && IsWorthMeasuring(open)) {
-            open.reductions = EReductions::Distances;
-            isWorthAgain = true;
-        }
-    }
-    if (!outcome && isWorthAgain) {
-        open.knownWeight = search.GetKnownWeight();
-        search.ContractForced();
-        ++open.round;
+    const std::optional<BlockSearch::Outcome> outcome = BlockStages(open, mFamily, mBudget).Run();
+    if (!outcome) {
         mOpen.push_back(std::move(open));
         return;
     }
-    if (!outcome)
-        outcome = search.Search(mFamily);
     mResult.weight += outcome->weight;
     mResult.lowerBound += outcome->lowerBound;
     if (outcome->weight != outcome->lowerBound)
         mResult.proof = EProof::BestFound;
     if (outcome->countProof == ECount::AtLeast)
         mResult.countProof = ECount::AtLeast;
-}
-
-/// Says whether so much was shed that the reductions may find more.
-bool SteinerSolver::IsWorthReducing(std::size_t shed, std::size_t edgesBefore)
-{
-    return 20 * shed > edgesBefore && !mBudget.IsExhausted();
-}
-
-/// Says whether the dearer reductions, not applied to it so far, find enough in a hard network.
-bool SteinerSolver::IsWorthMeasuring(const OpenNetwork& open)
-{
-    if (open.reductions == EReductions::Distances)
-        return false;
-    Network reduced = open.network;
-    ReduceByDistances(reduced, mBudget);
-    const std::uint32_t edges = open.network.GetEdgeCount();
-    return IsWorthReducing(edges - reduced.GetEdgeCount(), edges);
 }
 
 void SteinerSolver::ListTrees()
@@ -217,7 +159,7 @@ void SteinerSolver::ListTrees()
 /// Lists every tree over the components with every path through them.
 void SteinerSolver::ListTreesThrough(ZeroWeightComponents& components)
 {
-    const std::uint64_t most = mLimits.maximumTrees + CountedBeyondList;
+    const std::uint64_t most = mLimits.maximumTrees + kCountedBeyondList;
     const auto take = [this, most](const std::vector<EdgeIndex>& tree) {
         if (mResult.trees.size() < mLimits.maximumTrees)
             mResult.trees.push_back(tree);

@@ -1,6 +1,7 @@
 #include "Engine/Graph/Steiner/Bound/CutExchange.h"
 
 #include "Engine/Graph/Steiner/Network/Budget.h"
+#include "Engine/Graph/Steiner/Network/SearchTuning.h"
 
 #include <algorithm>
 #include <functional>
@@ -10,20 +11,6 @@
 #include <utility>
 
 namespace qe::graph {
-
-namespace {
-
-/// Around how many terminals at most an exchange takes cuts back, and how many of ten.
-constexpr std::size_t MostChosen = 6;
-constexpr std::uint32_t TakenOfTen = 6;
-
-/// So many exchanges that cost so much work have to close one part in so many of the gap, or they
-/// are the last.
-constexpr int BatchSize = 512;
-constexpr std::uint64_t BatchWork = 10'000'000;
-constexpr std::uint64_t WorthwhileShare = 50;
-
-} // namespace
 
 CutExchange::CutExchange(const FlatNetwork& network, NodeIndex root,
                          std::span<const EdgeIndex> guide, Budget& budget)
@@ -46,13 +33,13 @@ CutExchange::EOutcome CutExchange::Improve(std::uint64_t knownWeight, std::uint6
     const std::uint64_t end = mAscent.GetWork() + work;
     while (mAscent.GetWork() < end) {
         const std::uint64_t before = mAscent.GetBound();
-        const std::uint64_t batchEnd = mAscent.GetWork() + BatchWork;
-        for (int count = 0; count < BatchSize || mAscent.GetWork() < batchEnd; ++count) {
+        const std::uint64_t batchEnd = mAscent.GetWork() + tuning::kBatchWork;
+        for (int count = 0; count < tuning::kBatchSize || mAscent.GetWork() < batchEnd; ++count) {
             if (mAscent.GetBound() >= knownWeight || mBudget.IsExhausted())
                 return EOutcome::Stuck;
             Exchange();
         }
-        if (WorthwhileShare * (mAscent.GetBound() - before) < knownWeight - before)
+        if (tuning::kWorthwhileShare * (mAscent.GetBound() - before) < knownWeight - before)
             return EOutcome::Stuck;
     }
     return EOutcome::Promising;
@@ -115,7 +102,7 @@ std::vector<NodeIndex> CutExchange::FindNearest(NodeIndex terminal) const
     std::unordered_map<std::uint32_t, std::uint64_t> distances{{terminal.value, 0}};
     std::vector<NodeIndex> nearest;
     queue.emplace(0, terminal);
-    while (!queue.empty() && nearest.size() < MostChosen) {
+    while (!queue.empty() && nearest.size() < tuning::kMostChosen) {
         const auto [distance, node] = queue.top();
         queue.pop();
         if (distance > distances[node.value])
@@ -140,7 +127,7 @@ void CutExchange::SetAside()
     const auto isKept = [this](const Cut& cut) {
         return std::none_of(cut.terminals.begin(), cut.terminals.end(),
                             [this](NodeIndex node) { return mIsChosen[node] != 0; }) ||
-               mRandom() % 10 >= TakenOfTen;
+               mRandom() % 10 >= tuning::kTakenOfTen;
     };
     const auto first = std::partition(mCuts.begin(), mCuts.end(), isKept);
     std::move(first, mCuts.end(), std::back_inserter(mAside));

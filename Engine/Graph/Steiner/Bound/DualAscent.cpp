@@ -2,6 +2,7 @@
 
 #include "Engine/Graph/Core/Distance.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
+#include "Engine/Graph/Steiner/Network/SearchTuning.h"
 
 #include <algorithm>
 #include <functional>
@@ -11,9 +12,6 @@
 namespace qe::graph {
 
 namespace {
-
-/// What one needless entry of the guiding tree into a set weighs against the set's size.
-constexpr std::uint64_t GuidePenalty = 1U << 20;
 
 /// The limit of costs below which every set is raised.
 constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
@@ -163,7 +161,7 @@ std::uint64_t DualAscent::GetCost() const
     for (const std::uint32_t slot : mEntering)
         crossings += mIsGuide[slot];
     const std::uint64_t detours = crossings > 1 ? crossings - 1 : 0;
-    return detours * GuidePenalty + mEntering.size();
+    return detours * tuning::kGuidePenalty + mEntering.size();
 }
 
 DualAscent::EOutcome DualAscent::Ascend(NodeIndex terminal, std::uint64_t costLimit,
@@ -174,9 +172,8 @@ DualAscent::EOutcome DualAscent::Ascend(NodeIndex terminal, std::uint64_t costLi
     mSet.assign(1, terminal);
     mSpread = 0;
     mEntering.clear();
-    // A set somewhat above the limit is raised all the same: it was just built, and building it
-    // again costs more than the order is worth.
-    const std::uint64_t eagerLimit = costLimit == kNoLimit ? kNoLimit : costLimit * 5 / 4;
+    const std::uint64_t eagerLimit =
+        costLimit == kNoLimit ? kNoLimit : costLimit * tuning::kEagerQuarters / 4;
     for (bool isFirst = true;; isFirst = false) {
         if (!Spread(terminal))
             return EOutcome::Finished;

@@ -11,9 +11,9 @@ namespace qe::graph {
 
 namespace {
 
-/// Answers the only edge that can connect the node, a terminal: of the half-edges that leave it,
-/// or whose other halves enter it, `isUsable` holds for those of one. invalid when there are
-/// several.
+/// Returns the only edge that can connect the node, a terminal: of the half-edges that leave it,
+/// or whose other halves enter it, `isUsable` holds for those of one. An invalid
+/// one when there are several.
 template <typename IsUsable>
 EdgeIndex FindOnlyEdge(const FlatNetwork& network, NodeIndex node, const IsUsable& isUsable)
 {
@@ -31,20 +31,20 @@ EdgeIndex FindOnlyEdge(const FlatNetwork& network, NodeIndex node, const IsUsabl
 } // namespace
 
 void ClassifyEdges(const FlatNetwork& network, const DualAscent& ascent, std::uint64_t weight,
-                   EdgeVerdicts& verdicts)
+                   EdgeStatuses& statuses)
 {
     const std::uint64_t slack = weight - ascent.GetBound();
     const NodeDistances fromRoot = GetReducedFromRoot(network, ascent, slack);
     const NodeDistances toTerminal = GetReducedToTerminal(network, ascent, slack);
     const auto isUsable = [&](HalfEdge half) {
-        return verdicts.isExcluded[half.Edge()] == 0 &&
+        return statuses[half.Edge()] != EEdgeStatus::Excluded &&
                fromRoot[network.GetOrigin(half)] + ascent.GetReduced(half) +
                        toTerminal[network.GetTarget(half)] <=
                    slack;
     };
     for (const EdgeIndex edge : network.GetEdges()) {
         if (!isUsable(HalfEdge::Forward(edge)) && !isUsable(HalfEdge::Backward(edge)))
-            verdicts.isExcluded[edge] = 1;
+            statuses[edge] = EEdgeStatus::Excluded;
     }
     for (const NodeIndex terminal : network.GetTerminals()) {
         const bool isRoot = terminal == ascent.GetRoot();
@@ -52,16 +52,16 @@ void ClassifyEdges(const FlatNetwork& network, const DualAscent& ascent, std::ui
             return isUsable(isRoot ? half : half.Reversed());
         });
         if (edge.IsValid())
-            verdicts.isForced[edge] = 1;
+            statuses[edge] = EEdgeStatus::Forced;
     }
 }
 
-std::size_t RemoveExcluded(Network& network, const FlatNetwork& flat, const EdgeVerdicts& verdicts)
+std::size_t RemoveExcluded(Network& network, const FlatNetwork& flat, const EdgeStatuses& statuses)
 {
     std::size_t count = 0;
     for (const EdgeIndex edge : flat.GetEdges()) {
         const EdgeIndex networkEdge = flat.GetNetworkEdge(edge);
-        if (verdicts.isExcluded[edge] == 0 || !network.HasEdge(networkEdge))
+        if (statuses[edge] != EEdgeStatus::Excluded || !network.HasEdge(networkEdge))
             continue;
         network.RemoveEdge(networkEdge);
         ++count;
@@ -71,12 +71,12 @@ std::size_t RemoveExcluded(Network& network, const FlatNetwork& flat, const Edge
 
 // Forced edges form a forest. Contracting a leaf of it moves no other edge of the forest, so their
 // indices stay good.
-void ContractForced(Network& network, const FlatNetwork& flat, const EdgeVerdicts& verdicts)
+void ContractForced(Network& network, const FlatNetwork& flat, const EdgeStatuses& statuses)
 {
     std::vector<HalfEdge> open;
     IndexedVector<NodeIndex, std::uint32_t> degrees(network.GetNodeLimit(), 0);
     for (const EdgeIndex edge : flat.GetEdges()) {
-        if (verdicts.isForced[edge] == 0)
+        if (statuses[edge] != EEdgeStatus::Forced)
             continue;
         const HalfEdge half = HalfEdge::Forward(flat.GetNetworkEdge(edge));
         open.push_back(half);

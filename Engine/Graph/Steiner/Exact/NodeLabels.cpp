@@ -1,18 +1,9 @@
 #include "Engine/Graph/Steiner/Exact/NodeLabels.h"
 
 #include "Engine/Graph/Core/Distance.h"
+#include "Engine/Graph/Steiner/Network/SearchTuning.h"
 
 namespace qe::graph {
-
-namespace {
-
-/// Most terminals for which there may be a table.
-constexpr std::uint32_t MostBits = 16;
-
-/// There is a table when at least one in so many sets is settled.
-constexpr std::size_t Sparsity = 64;
-
-} // namespace
 
 template <std::size_t Words>
 void NodeLabels<Words>::Add(const Entry& entry, const Set& all)
@@ -23,10 +14,10 @@ void NodeLabels<Words>::Add(const Entry& entry, const Set& all)
         return;
     }
     const std::uint64_t bits = all.words[0];
-    if (Words > 1 || static_cast<std::uint32_t>(std::bit_width(bits)) > MostBits)
+    if (Words > 1 || static_cast<std::uint32_t>(std::bit_width(bits)) > tuning::kTableTerminals)
         return;
     const std::size_t size = std::size_t{1} << std::bit_width(bits);
-    if (mEntries.size() >= size / Sparsity)
+    if (mEntries.size() >= size / tuning::kTableSparsity)
         MakeTable(size);
 }
 
