@@ -66,7 +66,7 @@ private:
     struct NumberedCharge
     {
         NodeIndex node;
-        std::uint32_t set;
+        SetIndex set;
         std::uint64_t price;
     };
 
@@ -76,7 +76,7 @@ private:
     std::uint32_t mRootBit = 0;
     IndexedVector<NodeIndex, std::uint32_t> mBits;
     SetTable<Words> mSets;
-    std::vector<std::uint64_t> mPrices;
+    IndexedVector<SetIndex, std::uint64_t> mPrices;
     std::vector<NumberedCharge> mRaised;
     /// Place in mRaised of the last charge at each node.
     IndexedVector<NodeIndex, std::uint32_t> mLast;

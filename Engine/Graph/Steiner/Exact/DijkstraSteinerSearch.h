@@ -2,8 +2,7 @@
 #define ENGINE_GRAPH_STEINER_EXACT_DIJKSTRASTEINERSEARCH_H
 
 #include "Engine/Graph/Steiner/Bound/CompletionBound.h"
-#include "Engine/Graph/Steiner/Exact/LabelTable.h"
-#include "Engine/Graph/Steiner/Exact/NodeLabels.h"
+#include "Engine/Graph/Steiner/Exact/Labels.h"
 #include "Engine/Graph/Steiner/Network/SetTable.h"
 
 #include <cstddef>
@@ -68,7 +67,7 @@ public:
     EOutcome Dive(double inflation, std::size_t mostSettled);
 
     /// Says, once solved, whether there is a tree: none when all are above the limit.
-    [[nodiscard]] bool HasTree() const { return FindSettled(mRoot, mAll) != LabelTable::None; }
+    [[nodiscard]] bool HasTree() const { return FindSettled(mRoot, mAll).IsValid(); }
 
     /// Answers the weight that no tree is below: the optimum once solved.
     [[nodiscard]] std::uint64_t GetBound() const { return mBound; }
@@ -77,10 +76,10 @@ public:
     [[nodiscard]] NodeIndex GetRoot() const { return mRoot; }
     [[nodiscard]] std::uint32_t GetBit(NodeIndex node) const { return mBits[node]; }
     [[nodiscard]] const LabelTable& GetLabels() const { return mLabels; }
-    [[nodiscard]] const Set& GetSet(std::uint32_t number) const { return mSets.Get(number); }
-    /// Answers the settled label of the node and set, or LabelTable::None.
-    [[nodiscard]] std::uint32_t FindSettled(NodeIndex node, const Set& set) const;
-    [[nodiscard]] std::uint32_t FindSettled(NodeIndex node, std::uint32_t set) const;
+    [[nodiscard]] const Set& GetSet(SetIndex set) const { return mSets.Get(set); }
+    /// Answers the settled label of the node and set, or an invalid index when there is none.
+    [[nodiscard]] LabelIndex FindSettled(NodeIndex node, const Set& set) const;
+    [[nodiscard]] LabelIndex FindSettled(NodeIndex node, SetIndex set) const;
     /// Answers the settled labels of the node.
     [[nodiscard]] const NodeLabels<Words>& GetSettled(NodeIndex node) const
     {
@@ -95,13 +94,13 @@ private:
     struct QueueEntry
     {
         std::uint64_t key;
-        std::uint32_t label;
+        LabelIndex label;
         friend auto operator<=>(const QueueEntry&, const QueueEntry&) = default;
     };
     struct SetInfo
     {
-        /// Least rest that any node leaves.
-        std::uint64_t rest;
+        /// Bound for what is missing wherever the node lies.
+        std::uint64_t completionBound;
         /// Least weight at which a terminal outside the set was joined.
         std::uint64_t cap;
     };
@@ -112,17 +111,17 @@ private:
         Grown,
         Joined,
     };
-    void Offer(NodeIndex node, std::uint32_t set, std::uint64_t weight, EOrigin origin);
-    [[nodiscard]] std::uint64_t GetRest(NodeIndex node, std::uint32_t set,
-                                        std::uint64_t limit) const;
+    void Offer(NodeIndex node, SetIndex set, std::uint64_t weight, EOrigin origin);
+    [[nodiscard]] std::uint64_t GetCompletionBound(NodeIndex node, SetIndex set,
+                                                   std::uint64_t limit) const;
     void OfferTerminals();
-    void Settle(std::uint32_t number);
+    void Settle(LabelIndex index);
     bool SettleNext();
     void ChargeMemory();
     void GrowFrom(const Label& label);
-    void JoinAt(const Label& label, std::uint32_t number);
-    void JoinAtRoot(const Label& label, std::uint32_t number);
-    std::uint32_t Intern(const Set& set);
+    void JoinAt(const Label& label, LabelIndex index);
+    void JoinAtRoot(const Label& label, LabelIndex index);
+    SetIndex Intern(const Set& set);
 
     const FlatNetwork& mNetwork;
     std::span<const CompletionBound<Words>> mCompletionBounds;
@@ -134,7 +133,7 @@ private:
     IndexedVector<NodeIndex, std::uint32_t> mBits;
     Set mAll;
     SetTable<Words> mSets;
-    std::vector<SetInfo> mSetInfos;
+    IndexedVector<SetIndex, SetInfo> mSetInfos;
     /// For each set what each bound says of it alone.
     std::vector<std::uint64_t> mSetParts;
     LabelTable mLabels;
