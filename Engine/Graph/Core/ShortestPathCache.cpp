@@ -18,7 +18,7 @@ const ShortestPaths& ShortestPathCache::Get(const GraphView& graph, std::uint64_
         return mPaths.front();
     }
     DropStalest(graph);
-    mPaths.push_front(mSearch.Run(graph, source));
+    mPaths.push_front(FindShortestPaths(graph, source, mSearch));
     mBySource.emplace(source, mPaths.begin());
     return mPaths.front();
 }

@@ -27,7 +27,7 @@ public:
 private:
     void DropStalest(const GraphView& graph);
 
-    ShortestPathSearch mSearch;
+    DijkstraSearch mSearch;
     std::uint64_t mRevision = 0;
     // The latest asked for stands first.
     std::list<ShortestPaths> mPaths;

@@ -4,10 +4,7 @@
 #include "Engine/Graph/Steiner/Network/SearchTuning.h"
 
 #include <algorithm>
-#include <functional>
 #include <iterator>
-#include <queue>
-#include <unordered_map>
 #include <utility>
 
 namespace qe::graph {
@@ -17,6 +14,7 @@ CutExchange::CutExchange(const FlatNetwork& network, NodeIndex root,
     : mNetwork(network),
       mBudget(budget),
       mAscent(network),
+      mSearch(network.GetNodeCount()),
       mNearest(network.GetTerminals().size()),
       mIsChosen(network.GetNodeCount(), 0)
 {
@@ -95,29 +93,19 @@ void CutExchange::ChooseTerminals()
         mIsChosen[terminal] = 1;
 }
 
-std::vector<NodeIndex> CutExchange::FindNearest(NodeIndex terminal) const
+std::vector<NodeIndex> CutExchange::FindNearest(NodeIndex terminal)
 {
-    using QueueEntry = std::pair<std::uint64_t, NodeIndex>;
-    std::priority_queue<QueueEntry, std::vector<QueueEntry>, std::greater<>> queue;
-    std::unordered_map<std::uint32_t, std::uint64_t> distances{{terminal.value, 0}};
     std::vector<NodeIndex> nearest;
-    queue.emplace(0, terminal);
-    while (!queue.empty() && nearest.size() < tuning::kMostChosen) {
-        const auto [distance, node] = queue.top();
-        queue.pop();
-        if (distance > distances[node.value])
-            continue;
+    mSearch.Reset();
+    mSearch.Reach(terminal, 0);
+    mSearch.Run([&](NodeIndex node, std::uint64_t distance) {
         if (mNetwork.IsTerminal(node))
             nearest.push_back(node);
-        for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
-            const std::uint64_t next = distance + arc.weight;
-            const auto [place, isNew] = distances.try_emplace(arc.target.value, next);
-            if (!isNew && next >= place->second)
-                continue;
-            place->second = next;
-            queue.emplace(next, arc.target);
-        }
-    }
+        for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node))
+            mSearch.Reach(arc.target, distance + arc.weight);
+        return nearest.size() < tuning::kMostChosen ? DijkstraSearch::EStep::Continue
+                                                    : DijkstraSearch::EStep::Stop;
+    });
     return nearest;
 }
 

@@ -1,6 +1,7 @@
 #ifndef ENGINE_GRAPH_STEINER_BOUND_CUTEXCHANGE_H
 #define ENGINE_GRAPH_STEINER_BOUND_CUTEXCHANGE_H
 
+#include "Engine/Graph/Core/Dijkstra.h"
 #include "Engine/Graph/Steiner/Bound/DualAscent.h"
 #include "Engine/Graph/Steiner/Network/FlatNetwork.h"
 
@@ -63,7 +64,7 @@ private:
                std::uint64_t price) override;
     void Exchange();
     void ChooseTerminals();
-    [[nodiscard]] std::vector<NodeIndex> FindNearest(NodeIndex terminal) const;
+    [[nodiscard]] std::vector<NodeIndex> FindNearest(NodeIndex terminal);
     void SetAside();
     void Restore(std::size_t kept);
     void Discharge(const Cut& cut);
@@ -72,6 +73,7 @@ private:
     const FlatNetwork& mNetwork;
     Budget& mBudget;
     DualAscent mAscent;
+    DijkstraSearch mSearch;
     std::vector<Cut> mCuts;
     /// What the exchange at hand took back, and then what it leaves to be dropped.
     std::vector<Cut> mAside;

@@ -1,7 +1,7 @@
 #ifndef ENGINE_GRAPH_STEINER_BOUND_REDUCEDDISTANCES_H
 #define ENGINE_GRAPH_STEINER_BOUND_REDUCEDDISTANCES_H
 
-#include "Engine/Graph/Core/Indices.h"
+#include "Engine/Graph/Core/Dijkstra.h"
 
 #include <cstdint>
 
@@ -9,8 +9,6 @@ namespace qe::graph {
 
 class DualAscent;
 class FlatNetwork;
-
-using NodeDistances = IndexedVector<NodeIndex, std::uint64_t>;
 
 /// Answers for each node the reduced weight of the lightest way from the root to it, and
 /// kUnreached where that is above `most`. One run of Dijkstra's algorithm as far as that, as below.

@@ -1,16 +1,15 @@
 #include "Engine/Graph/Steiner/Grow/TreeGrower.h"
 
 #include "Engine/Graph/Core/DisjointSets.h"
-#include "Engine/Graph/Core/Distance.h"
 
 #include <algorithm>
-#include <functional>
+#include <utility>
 
 namespace qe::graph {
 
 TreeGrower::TreeGrower(const FlatNetwork& network)
     : mNetwork(network),
-      mDistances(network.GetNodeCount(), kUnreached),
+      mSearch(network.GetNodeCount()),
       mEntries(network.GetNodeCount()),
       mWishes(network.GetNodeCount()),
       mIsInTree(network.GetNodeCount()),
@@ -56,28 +55,16 @@ void TreeGrower::Connect(NodeIndex start, const EdgeMarks& isUsable)
 {
     mMissing = mNetwork.GetTerminals().size();
     Absorb(start);
-    while (mMissing > 0 && !mQueue.empty()) {
-        const auto [distance, node] = mQueue.front();
-        std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
-        mQueue.pop_back();
-        if (distance > mDistances[node])
-            continue;
-        if (mWishes[node] > 0 && mIsInTree[node] == 0)
-            AddPathTo(node);
-        else
-            Relax(node, distance, isUsable);
+    if (mMissing > 0) {
+        mSearch.Run([&](NodeIndex node, std::uint64_t distance) {
+            if (mWishes[node] > 0 && mIsInTree[node] == 0)
+                AddPathTo(node);
+            else
+                Relax(node, distance, isUsable);
+            return mMissing > 0 ? DijkstraSearch::EStep::Continue : DijkstraSearch::EStep::Stop;
+        });
     }
     Reset();
-}
-
-void TreeGrower::Push(std::uint64_t distance, NodeIndex node, HalfEdge entry)
-{
-    if (mDistances[node] == kUnreached)
-        mTouched.push_back(node);
-    mDistances[node] = distance;
-    mEntries[node] = entry;
-    mQueue.emplace_back(distance, node);
-    std::push_heap(mQueue.begin(), mQueue.end(), std::greater<>());
 }
 
 void TreeGrower::Relax(NodeIndex node, std::uint64_t distance, const EdgeMarks& isUsable)
@@ -85,8 +72,8 @@ void TreeGrower::Relax(NodeIndex node, std::uint64_t distance, const EdgeMarks& 
     mWork += mNetwork.GetArcs(node).size();
     for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
         const bool isBanned = !isUsable.empty() && isUsable[arc.half.Edge()] == 0;
-        if (!isBanned && distance + arc.weight < mDistances[arc.target])
-            Push(distance + arc.weight, arc.target, arc.half);
+        if (!isBanned && mSearch.Reach(arc.target, distance + arc.weight))
+            mEntries[arc.target] = arc.half;
     }
 }
 
@@ -109,7 +96,7 @@ void TreeGrower::Absorb(NodeIndex node)
     while (!mOpen.empty()) {
         const NodeIndex current = mOpen.back();
         mOpen.pop_back();
-        Push(0, current, {});
+        mSearch.Reach(current, 0);
         mMissing -= mNetwork.IsTerminal(current) ? 1U : 0U;
         if (mWishes[current] == (mNetwork.IsTerminal(current) ? 1U : 0U))
             continue;
@@ -125,12 +112,9 @@ void TreeGrower::Absorb(NodeIndex node)
 
 void TreeGrower::Reset()
 {
-    for (const NodeIndex node : mTouched) {
-        mDistances[node] = kUnreached;
+    for (const NodeIndex node : mSearch.GetReached())
         mIsInTree[node] = 0;
-    }
-    mTouched.clear();
-    mQueue.clear();
+    mSearch.Reset();
 }
 
 /// Makes the tree a lightest spanning tree of the nodes that the grown edges touch.

@@ -1,11 +1,11 @@
 #ifndef ENGINE_GRAPH_STEINER_GROW_TREEGROWER_H
 #define ENGINE_GRAPH_STEINER_GROW_TREEGROWER_H
 
+#include "Engine/Graph/Core/Dijkstra.h"
 #include "Engine/Graph/Steiner/Network/FlatNetwork.h"
 
 #include <cstdint>
 #include <span>
-#include <utility>
 #include <vector>
 
 namespace qe::graph {
@@ -43,8 +43,6 @@ public:
     [[nodiscard]] std::uint64_t GetWork() const { return mWork; }
 
 private:
-    using QueueEntry = std::pair<std::uint64_t, NodeIndex>;
-
     void Connect(NodeIndex start, const EdgeMarks& isUsable);
     void Absorb(NodeIndex node);
     void AddPathTo(NodeIndex node);
@@ -52,18 +50,15 @@ private:
     void Reset();
     void Span(SteinerTree& tree);
     void PruneNonTerminalLeaves(SteinerTree& tree);
-    void Push(std::uint64_t distance, NodeIndex node, HalfEdge entry);
 
     const FlatNetwork& mNetwork;
-    IndexedVector<NodeIndex, std::uint64_t> mDistances;
+    DijkstraSearch mSearch;
     /// Half-edge by which each reached node was entered.
     IndexedVector<NodeIndex, HalfEdge> mEntries;
     /// Number of kept edges at the node, plus one at a terminal.
     IndexedVector<NodeIndex, std::uint32_t> mWishes;
     IndexedVector<NodeIndex, std::uint8_t> mIsInTree;
     EdgeMarks mIsKept;
-    std::vector<NodeIndex> mTouched;
-    std::vector<QueueEntry> mQueue;
     std::vector<NodeIndex> mOpen;
     std::vector<EdgeIndex> mEdges;
     std::size_t mMissing = 0;

@@ -1,11 +1,9 @@
 #ifndef ENGINE_GRAPH_STEINER_REDUCE_NEARDISTANCES_H
 #define ENGINE_GRAPH_STEINER_REDUCE_NEARDISTANCES_H
 
-#include "Engine/Graph/Core/Indices.h"
+#include "Engine/Graph/Core/Dijkstra.h"
 
 #include <cstdint>
-#include <utility>
-#include <vector>
 
 namespace qe::graph {
 
@@ -22,17 +20,11 @@ public:
     void Run(NodeIndex source, std::uint64_t most);
 
     /// Answers the weight of some way to the node, kUnreached when none was found.
-    [[nodiscard]] std::uint64_t Get(NodeIndex node) const { return mDistances[node]; }
+    [[nodiscard]] std::uint64_t Get(NodeIndex node) const { return mSearch.GetDistance(node); }
 
 private:
-    using QueueEntry = std::pair<std::uint64_t, NodeIndex>;
-
-    void Push(std::uint64_t distance, NodeIndex node);
-
     const Network& mNetwork;
-    IndexedVector<NodeIndex, std::uint64_t> mDistances;
-    std::vector<NodeIndex> mTouched;
-    std::vector<QueueEntry> mQueue;
+    DijkstraSearch mSearch;
 };
 
 } // namespace qe::graph
