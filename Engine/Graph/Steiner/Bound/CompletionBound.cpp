@@ -18,7 +18,7 @@ CompletionBound<Words>::CompletionBound(const FlatNetwork& network, NodeIndex se
 
 template <std::size_t Words>
 void CompletionBound<Words>::Raise(std::span<const NodeIndex> nodes,
-                                   std::span<const std::uint32_t> /*entering*/, std::uint64_t price)
+                                   std::span<const ArcSlot> /*entering*/, std::uint64_t price)
 {
     Set terminals;
     for (const NodeIndex node : nodes) {
@@ -43,10 +43,10 @@ template <std::size_t Words>
 void CompletionBound<Words>::Finish(const DualAscent& ascent, std::uint64_t limit)
 {
     mRootBit = mBits[ascent.GetRoot()];
-    // A way dearer than this is in no tree within the limit.
+    // A path that pays more than this is in no tree within the limit.
     const std::uint64_t slack = limit - std::min(limit, ascent.GetBound());
-    mWaysFromRoot = GetReducedFromRoot(mNetwork, ascent, slack);
-    mWaysToSearchRoot = GetReducedTo(mNetwork, ascent, mSearchRoot, slack);
+    mPathsFromRoot = GetReducedFromRoot(mNetwork, ascent, slack);
+    mPathsToSearchRoot = GetReducedTo(mNetwork, ascent, mSearchRoot, slack);
     mTotals.assign(mNetwork.GetNodeCount(), 0);
     mFirst.assign(mNetwork.GetNodeCount() + 1, 0);
     for (const NumberedCharge& raised : mRaised) {

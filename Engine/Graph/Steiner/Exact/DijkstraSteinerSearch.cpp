@@ -74,7 +74,8 @@ void DijkstraSteinerSearch<Words>::OfferTerminals()
     }
 }
 
-/// Takes the first entry from the queue and settles its label, unless a later entry did.
+/// Takes the first entry from the queue and settles its label. Returns false when that entry is
+/// stale: its label was settled or made lighter since.
 template <std::size_t Words>
 bool DijkstraSteinerSearch<Words>::SettleNext()
 {
@@ -115,17 +116,17 @@ SetIndex DijkstraSteinerSearch<Words>::Intern(const Set& set)
     const SetIndex index = mSets.Intern(set);
     if (index.value < mSetInfos.size())
         return index;
-    std::uint64_t least = 0;
+    std::uint64_t alone = 0;
     for (const CompletionBound<Words>& bound : mCompletionBounds) {
         mSetParts.push_back(bound.GetSetPart(set));
         if (bound.IsBoundAlone(set))
-            least = std::max(least, mSetParts.back());
+            alone = std::max(alone, mSetParts.back());
     }
-    mSetInfos.push_back({least, kUnreached});
+    mSetInfos.push_back({.completionBound = alone, .cap = kUnreached});
     return index;
 }
 
-/// Answers the greatest bound, or the first one that is above the limit.
+/// Returns the greatest bound, or the first one that is above the limit.
 template <std::size_t Words>
 std::uint64_t DijkstraSteinerSearch<Words>::GetCompletionBound(NodeIndex node, SetIndex set,
                                                                std::uint64_t limit) const

@@ -14,15 +14,15 @@ namespace qe::graph {
 
 class Budget;
 
-/// The exact search: the search over terminal sets of Dreyfus and Wagner (1971) and Erickson,
-/// Monma and Veinott (1987), in best-first order with a lower bound for the rest (Hougardy,
-/// Silvanus and Vygen 2017).
+/// The exact search "Dijkstra meets Steiner" of Hougardy, Silvanus and Vygen (2017): the dynamic
+/// programme over terminal sets of Dreyfus and Wagner (1971) and Erickson, Monma and Veinott
+/// (1987), in best-first order with a lower bound for what completes a partial tree.
 ///
 /// A label stands for the lightest partial tree that joins a terminal set to a node. The search
 /// settles labels by weight plus bound, grows each along the edges of its node and joins it with
 /// the settled labels there whose sets it does not meet. It starts from the single terminals,
-/// hangs the whole tree up at the root, and goes on until everything queued is above the
-/// optimum: so the labels of every lightest tree are settled, with exact weights, and counting
+/// completes the tree at the root, and goes on until everything queued is above the optimum: so
+/// the labels of every minimum Steiner tree are settled, with exact weights, and counting
 /// can follow. Nothing grows out of the root, nor out of a terminal that is not in the set.
 ///
 /// Two labels are joined only when the one with the smallest terminal is a single branch; every
@@ -33,7 +33,7 @@ class Budget;
 ///
 /// A label is cut off when it weighs more than a partial tree that joins the same set to a
 /// terminal outside it: joining there instead would be lighter. All cuts are strict, so none
-/// loses a lightest tree.
+/// loses a minimum Steiner tree.
 ///
 /// The time is at most O(3^k n + 2^k (n log n + m)) for k terminals beside the root, n nodes and
 /// m edges; the bound makes it far less as a rule.
@@ -44,6 +44,7 @@ public:
     using Set = TerminalSet<Words>;
 
     /// Takes at least one bound for this root, and a weight above which trees are not looked for.
+    /// Keeps references to network and budget, and the span.
     DijkstraSteinerSearch(const FlatNetwork& network, NodeIndex root,
                           std::span<const CompletionBound<Words>> bounds, std::uint64_t limit,
                           Budget& budget);
@@ -61,15 +62,15 @@ public:
     /// runs out.
     EOutcome Run(std::size_t mostSettled);
 
-    /// Looks for one light tree only, with the bound for the rest made greater by that factor, so
+    /// Looks for one light tree only, with the completion bound made greater by that factor, so
     /// that the search runs ahead to whole trees. Solved means that it found one; then the labels
     /// derive that tree, and need not be exact.
     EOutcome Dive(double inflation, std::size_t mostSettled);
 
-    /// Says, once solved, whether there is a tree: none when all are above the limit.
+    /// Returns, once solved, whether there is a tree: none when all are above the limit.
     [[nodiscard]] bool HasTree() const { return FindSettled(mRoot, mAll).IsValid(); }
 
-    /// Answers the weight that no tree is below: the optimum once solved.
+    /// Returns the weight that no tree is below: the optimum once solved.
     [[nodiscard]] std::uint64_t GetBound() const { return mBound; }
 
     [[nodiscard]] const FlatNetwork& GetNetwork() const { return mNetwork; }
@@ -77,17 +78,17 @@ public:
     [[nodiscard]] std::uint32_t GetBit(NodeIndex node) const { return mBits[node]; }
     [[nodiscard]] const LabelTable& GetLabels() const { return mLabels; }
     [[nodiscard]] const Set& GetSet(SetIndex set) const { return mSets.Get(set); }
-    /// Answers the settled label of the node and set, or an invalid index when there is none.
+    /// Returns the settled label of the node and set; an invalid index when there is none.
     [[nodiscard]] LabelIndex FindSettled(NodeIndex node, const Set& set) const;
     [[nodiscard]] LabelIndex FindSettled(NodeIndex node, SetIndex set) const;
-    /// Answers the settled labels of the node.
+    /// Returns the settled labels of the node.
     [[nodiscard]] const NodeLabels<Words>& GetSettled(NodeIndex node) const
     {
         return mSettledAt[node];
     }
-    /// Says whether, at the root, the branch comes next after what is begun.
+    /// Returns whether, at the root, the branch comes next after what is begun.
     [[nodiscard]] bool IsNextBranch(const Set& branch, const Set& begun) const;
-    /// Answers the set of all terminals but the root.
+    /// Returns the set of all terminals but the root.
     [[nodiscard]] const Set& GetAll() const { return mAll; }
 
 private:

@@ -22,7 +22,7 @@ struct PartIndex
 
 /// All minimum Steiner trees of a network in one acyclic graph of parts and choices.
 ///
-/// A part is made by one of several choices; each choice is a strand, or none, and up to two
+/// A part stands for one of several choices; each choice is a strand, or none, and up to two
 /// smaller parts. Each tree is derived exactly once, so the products and sums of the counts number
 /// the trees: any of them can be expanded by its rank without listing those before it.
 class DerivationGraph
@@ -40,10 +40,10 @@ public:
     /// Adds a choice to the part begun last: nothing.
     void AddEmpty();
 
-    /// Returns in how many ways the part is made, at most 2^64 - 1.
+    /// Returns how many edge sets the part stands for, at most 2^64 - 1.
     [[nodiscard]] std::uint64_t GetCount(PartIndex part) const { return mParts[part.value].count; }
 
-    /// Appends the edges of the part, made in the way number `rank`, which is below the count.
+    /// Appends the edge set number `rank` of the part; the rank is below the count.
     void AppendEdges(PartIndex part, std::uint64_t rank, std::vector<EdgeIndex>& edges) const;
 
 private:
@@ -76,7 +76,7 @@ public:
     explicit TreeFamily(const StrandPool& strands) : mStrands(&strands) {}
 
     void AddStrand(StrandIndex strand);
-    /// Adds the ways to make one part of the graph.
+    /// Adds all that one part of the graph stands for.
     void AddDerivations(DerivationGraph&& graph, PartIndex part);
 
     /// Returns the number of trees, at most 2^64 - 1.
