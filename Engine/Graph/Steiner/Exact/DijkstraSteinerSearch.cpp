@@ -234,7 +234,7 @@ void DijkstraSteinerSearch<Words>::JoinAtRoot(const Label& label, std::uint32_t 
             return;
         }
         const std::uint32_t known = mSets.Find(joined);
-        if (known != SetTable<Words>::None)
+        if (known != SetTable<Words>::kNone)
             mSetInfos[known].cap = std::min(mSetInfos[known].cap, weight);
     });
     settled.Add({set, label.weight, number, label.isBranch}, mAll);
@@ -251,7 +251,7 @@ template <std::size_t Words>
 std::uint32_t DijkstraSteinerSearch<Words>::FindSettled(NodeIndex node, const Set& set) const
 {
     const std::uint32_t number = mSets.Find(set);
-    return number == SetTable<Words>::None ? LabelTable::None : FindSettled(node, number);
+    return number == SetTable<Words>::kNone ? LabelTable::None : FindSettled(node, number);
 }
 
 template <std::size_t Words>

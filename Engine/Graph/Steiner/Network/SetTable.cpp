@@ -4,12 +4,12 @@ namespace qe::graph {
 
 namespace {
 
-constexpr std::size_t FirstSize = 64;
+constexpr std::size_t kFirstSize = 64;
 
 } // namespace
 
 template <std::size_t Words>
-SetTable<Words>::SetTable() : mSlots(FirstSize, None)
+SetTable<Words>::SetTable() : mSlots(kFirstSize, kNone)
 {}
 
 template <std::size_t Words>
@@ -17,7 +17,7 @@ std::size_t SetTable<Words>::FindSlot(const Set& set) const
 {
     const std::size_t mask = mSlots.size() - 1;
     std::size_t slot = (set.GetHash() >> 7) & mask;
-    while (mSlots[slot] != None && !(mSets[mSlots[slot]] == set))
+    while (mSlots[slot] != kNone && !(mSets[mSlots[slot]] == set))
         slot = (slot + 1) & mask;
     return slot;
 }
@@ -26,7 +26,7 @@ template <std::size_t Words>
 std::uint32_t SetTable<Words>::Intern(const Set& set)
 {
     const std::size_t slot = FindSlot(set);
-    if (mSlots[slot] != None)
+    if (mSlots[slot] != kNone)
         return mSlots[slot];
     const std::uint32_t number = GetCount();
     mSlots[slot] = number;
@@ -39,7 +39,7 @@ std::uint32_t SetTable<Words>::Intern(const Set& set)
 template <std::size_t Words>
 void SetTable<Words>::Grow()
 {
-    mSlots.assign(2 * mSlots.size(), None);
+    mSlots.assign(2 * mSlots.size(), kNone);
     for (std::uint32_t number = 0; number < GetCount(); ++number)
         mSlots[FindSlot(mSets[number])] = number;
 }

@@ -15,13 +15,13 @@ class SetTable
 {
 public:
     using Set = TerminalSet<Words>;
-    static constexpr std::uint32_t None = 0xFFFFFFFF;
+    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
     SetTable();
 
-    /// Answers the number of the set, a new one when it has none.
+    /// Returns the number of the set, a new one when it has none.
     std::uint32_t Intern(const Set& set);
-    /// Answers the number of the set, or None.
+    /// Returns the number of the set, or kNone.
     [[nodiscard]] std::uint32_t Find(const Set& set) const { return mSlots[FindSlot(set)]; }
 
     [[nodiscard]] const Set& Get(std::uint32_t number) const { return mSets[number]; }
