@@ -20,13 +20,13 @@ namespace {
 template <typename Call>
 void WithWords(std::size_t terminals, const Call& call)
 {
-    if (terminals <= TerminalSet<1>::Capacity)
+    if (terminals <= TerminalSet<1>::kCapacity)
         call(std::integral_constant<std::size_t, 1>());
-    else if (terminals <= TerminalSet<2>::Capacity)
+    else if (terminals <= TerminalSet<2>::kCapacity)
         call(std::integral_constant<std::size_t, 2>());
-    else if (terminals <= TerminalSet<4>::Capacity)
+    else if (terminals <= TerminalSet<4>::kCapacity)
         call(std::integral_constant<std::size_t, 4>());
-    else if (terminals <= TerminalSet<8>::Capacity)
+    else if (terminals <= TerminalSet<8>::kCapacity)
         call(std::integral_constant<std::size_t, 8>());
 }
 

@@ -47,7 +47,7 @@ void SpecialDistances::FindNearest(const Network& network)
     }
 }
 
-/// Grows a lightest spanning tree of the terminals from the edges between the regions nearest to
+/// Grows a minimum spanning tree of the terminals from the edges between the regions nearest to
 /// them (Mehlhorn 1988).
 void SpecialDistances::SpanTerminals(const Network& network)
 {
@@ -77,7 +77,7 @@ std::uint64_t SpecialDistances::GetBottleneck(NodeIndex terminal1, NodeIndex ter
     if (terminal1 == terminal2)
         return 0;
     const std::uint32_t step = mForest.FindLastStep(terminal1.value, terminal2.value);
-    return step == BottleneckForest::NotConnected ? kUnreached : mSteps[step];
+    return step == BottleneckForest::kNotConnected ? kUnreached : mSteps[step];
 }
 
 std::uint64_t SpecialDistances::GetBound(NodeIndex node1, NodeIndex node2) const

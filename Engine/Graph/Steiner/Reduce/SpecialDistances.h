@@ -16,11 +16,11 @@ class Network;
 
 /// Bounds the special distances of a network from above.
 ///
-/// The special distance of two nodes is the least that the longest leg of a way between them can
-/// weigh, where a leg runs from one terminal, or end of the way, to the next. A tree that two
+/// The special distance of two nodes is the least that the longest leg of a path between them can
+/// weigh, where a leg runs from one terminal, or end of the path, to the next. A tree that two
 /// nodes fall out of when something heavier is taken out can be mended by one such leg (Duin and
-/// Volgenant 1989). Bounded through the nearest terminals of both nodes and the lightest spanning
-/// tree of the terminals' distances. Built by one run of Dijkstra's algorithm that passes each
+/// Volgenant 1989). Bounded through the nearest terminals of both nodes and the minimum spanning
+/// tree of the terminals' distances. Built by one run of Dijkstra's algorithm that settles each
 /// node up to four times.
 class SpecialDistances
 {
@@ -33,10 +33,10 @@ public:
 
     explicit SpecialDistances(const Network& network);
 
-    /// Answers a bound for the special distance of two different nodes, or kUnreached.
+    /// Returns a bound for the special distance of two different nodes, or kUnreached.
     [[nodiscard]] std::uint64_t GetBound(NodeIndex node1, NodeIndex node2) const;
 
-    /// Answers up to four terminals that the node reaches without passing another, nearest first.
+    /// Returns up to four terminals that the node reaches without passing another, nearest first.
     [[nodiscard]] std::span<const NearTerminal> GetNearest(NodeIndex node) const
     {
         return {mNearest[node].data(), mCounts[node]};
