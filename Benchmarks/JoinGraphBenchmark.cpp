@@ -29,7 +29,7 @@ struct Model
 // A connected random multigraph with three edges to a node.
 Model DrawModel(std::int64_t nodeCount)
 {
-    constexpr std::array Weights{1, 2, 3, 5, 7, 11, 17, 8888};
+    constexpr std::array kWeights{1, 2, 3, 5, 7, 11, 17, 8888};
     std::mt19937 random(5);
     const auto draw = [&random](std::size_t count) { return random() % count; };
     Model model;
@@ -40,7 +40,7 @@ Model DrawModel(std::int64_t nodeCount)
         const std::size_t end1 = i < count ? i : draw(count);
         const std::size_t end2 = draw(i < count ? i : count);
         model.joins.push_back({amd_id(0, 102, static_cast<std::int32_t>(i)), model.nodes[end1],
-                               model.nodes[end2], Weights[draw(Weights.size())]});
+                               model.nodes[end2], kWeights[draw(kWeights.size())]});
     }
     std::shuffle(model.nodes.begin(), model.nodes.end(), random);
     std::shuffle(model.joins.begin(), model.joins.end(), random);

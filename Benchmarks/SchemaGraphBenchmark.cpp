@@ -24,7 +24,7 @@ namespace {
 
 using namespace qe::graph;
 
-constexpr std::uint32_t Draws = 5;
+constexpr std::uint32_t kDraws = 5;
 
 struct Row
 {
@@ -45,7 +45,7 @@ double Measure(const SteinerGraph& graph, std::size_t maximumTrees, SteinerResul
     return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
-/// Answers in how many seconds the optimum is to be found, where that is laid down.
+/// Returns in how many seconds the optimum is to be found, where there is an aim.
 std::optional<double> GetAim(const Row& row)
 {
     if (row.nodes <= 500 && row.terminals <= 8)
@@ -111,7 +111,7 @@ void RunScript(const char* path)
         return;
     }
     for (const std::uint32_t terminals : {2U, 8U, 20U, 40U}) {
-        Run("script", Draws,
+        Run("script", kDraws,
             [&](std::mt19937& random) { return MakeSchemaGraph(keys, terminals, random); });
     }
 }
@@ -126,7 +126,7 @@ int main(int argumentCount, char** arguments)
     for (const SchemaShape& shape : GetSchemaShapes()) {
         for (const std::uint32_t nodes : {100U, 500U, 2000U, 20000U}) {
             for (const std::uint32_t terminals : {2U, 8U, 20U, 40U}) {
-                Run(shape.name, Draws, [&](std::mt19937& random) {
+                Run(shape.name, kDraws, [&](std::mt19937& random) {
                     return MakeSchemaGraph(shape.draw(nodes, random), terminals, random);
                 });
             }

@@ -27,7 +27,7 @@ enum class ERoles
 /// third dimension has a dimension of its own.
 std::vector<Edge> DrawFacts(std::uint32_t nodeCount, ERoles roles, std::mt19937& random)
 {
-    constexpr std::uint32_t DimensionsOfFact = 8;
+    constexpr std::uint32_t kDimensionsOfFact = 8;
     const std::uint32_t facts = nodeCount / 10;
     const std::uint32_t dimensions = nodeCount - facts;
     std::vector<Edge> edges;
@@ -38,7 +38,7 @@ std::vector<Edge> DrawFacts(std::uint32_t nodeCount, ERoles roles, std::mt19937&
     for (std::uint32_t dimension = 0; dimension < dimensions; ++dimension)
         join(dimension % facts, dimension);
     for (std::uint32_t fact = 0; fact < facts; ++fact) {
-        for (std::uint32_t place = 1; place < DimensionsOfFact; ++place)
+        for (std::uint32_t place = 1; place < kDimensionsOfFact; ++place)
             join(fact, Draw(random, 1 + Draw(random, dimensions)));
     }
     for (std::uint32_t dimension = 3; dimension < dimensions; dimension += 3)
@@ -46,7 +46,7 @@ std::vector<Edge> DrawFacts(std::uint32_t nodeCount, ERoles roles, std::mt19937&
     return edges;
 }
 
-/// Answers the nodes of the largest connected part, in ascending order.
+/// Returns the nodes of the largest connected part, in ascending order.
 std::vector<NodeIndex> FindLargestPart(const std::vector<Edge>& edges, std::uint32_t nodeCount)
 {
     DisjointSets parts(nodeCount);
@@ -135,17 +135,17 @@ SteinerGraph MakeSchemaGraph(std::vector<Edge> edges, std::uint32_t terminalCoun
 
 SteinerGraph DrawHostileGraph()
 {
-    constexpr std::uint32_t NodeCount = 500;
-    constexpr std::uint32_t EdgeCount = 25000;
+    constexpr std::uint32_t kNodeCount = 500;
+    constexpr std::uint32_t kEdgeCount = 25000;
     std::mt19937 random(7);
     SteinerGraph graph;
-    for (std::uint32_t edge = 0; edge < EdgeCount; ++edge) {
-        const std::uint32_t end1 = edge < NodeCount ? edge : Draw(random, NodeCount);
-        graph.edges.push_back({{end1}, {Draw(random, NodeCount)}, 1});
+    for (std::uint32_t edge = 0; edge < kEdgeCount; ++edge) {
+        const std::uint32_t end1 = edge < kNodeCount ? edge : Draw(random, kNodeCount);
+        graph.edges.push_back({{end1}, {Draw(random, kNodeCount)}, 1});
     }
     for (std::uint32_t terminal = 0; terminal < 40; ++terminal)
         graph.terminals.push_back({terminal * 5});
-    graph.Freeze(NodeCount);
+    graph.Freeze(kNodeCount);
     return graph;
 }
 

@@ -20,14 +20,14 @@ struct SchemaShape
     std::function<std::vector<Edge>(std::uint32_t nodeCount, std::mt19937& random)> draw;
 };
 
-/// Answers star, snowflake, several facts that share dimensions, and facts that join a dimension
+/// Returns star, snowflake, several facts that share dimensions, and facts that join a dimension
 /// in several roles.
 [[nodiscard]] std::vector<SchemaShape> GetSchemaShapes();
 
 /// Reads which tables the foreign keys of a DDL script connect: one edge a key.
 [[nodiscard]] std::vector<Edge> ReadForeignKeys(std::istream& script);
 
-/// Gives the edges the weights of joins in turn and draws terminals from the largest part.
+/// Lets the edges weigh what joins weigh, in turn, and draws terminals from the largest part.
 [[nodiscard]] SteinerGraph MakeSchemaGraph(std::vector<Edge> edges, std::uint32_t terminalCount,
                                            std::mt19937& random);
 

@@ -1,7 +1,6 @@
 #include "Engine/Graph/AQE_UndirectedGraph.h"
 
 #include "Engine/Graph/CheapestTrees.h"
-#include "Engine/Graph/Core/Connectivity.h"
 #include "Engine/Graph/Spanning/GrownTree.h"
 #include "Engine/Graph/Spanning/MinimumSpanningTree.h"
 #include "Engine/Graph/Spanning/SpanningTrees.h"
@@ -13,6 +12,7 @@
 using qe::graph::Arc;
 using qe::graph::EdgeIndex;
 using qe::graph::GraphView;
+using qe::graph::IndexedVector;
 using qe::graph::NodeIndex;
 
 namespace {
@@ -24,8 +24,8 @@ std::uint32_t ToWeight(int weight)
 
 int Saturate(std::uint64_t sum)
 {
-    constexpr int Largest = std::numeric_limits<int>::max();
-    return sum > static_cast<std::uint64_t>(Largest) ? Largest : static_cast<int>(sum);
+    constexpr int kLargest = std::numeric_limits<int>::max();
+    return sum > static_cast<std::uint64_t>(kLargest) ? kLargest : static_cast<int>(sum);
 }
 
 int AddUp(const GraphView& graph, std::span<const EdgeIndex> edges)
@@ -34,6 +34,25 @@ int AddUp(const GraphView& graph, std::span<const EdgeIndex> edges)
     for (const EdgeIndex edge : edges)
         sum += graph.GetEdge(edge).weight;
     return Saturate(sum);
+}
+
+// Searches from one node: O(n + m). A graph of one node or none is connected.
+bool IsConnectedGraph(const GraphView& graph)
+{
+    if (graph.GetNodeCount() == 0)
+        return true;
+    IndexedVector<NodeIndex, std::uint8_t> isReached(graph.GetNodeCount(), 0);
+    std::vector<NodeIndex> reached{NodeIndex{0}};
+    isReached[NodeIndex{0}] = 1;
+    for (std::size_t next = 0; next < reached.size(); ++next) {
+        for (const Arc& arc : graph.GetArcs(reached[next])) {
+            if (isReached[arc.target] != 0)
+                continue;
+            isReached[arc.target] = 1;
+            reached.push_back(arc.target);
+        }
+    }
+    return reached.size() == graph.GetNodeCount();
 }
 
 } // namespace
@@ -94,7 +113,7 @@ void AQE_UndirectedGraph::GetEdges(std::vector<amd_id>& edges)
 
 bool AQE_UndirectedGraph::IsConnected()
 {
-    return qe::graph::IsConnected(mStorage.GetView());
+    return IsConnectedGraph(mStorage.GetView());
 }
 
 void AQE_UndirectedGraph::GetShortestPath(const amd_id& from, const amd_id& to,
@@ -144,7 +163,7 @@ void AQE_UndirectedGraph::GetShortestPathTree(const std::vector<amd_id>& nodes,
 
 void AQE_UndirectedGraph::GetPaths(std::vector<std::vector<amd_id>>& paths)
 {
-    qe::graph::SpanningTrees trees(mStorage.GetView(), MaximumPaths);
+    qe::graph::SpanningTrees trees(mStorage.GetView(), kMaximumPaths);
     while (const std::optional<std::vector<EdgeIndex>> tree = trees.GetNext())
         AppendEdges(*tree, paths.emplace_back());
 }

@@ -4,7 +4,7 @@
 #include "AQE_I_UndirectedGraph.h"
 #include "Engine/Graph/Core/GraphStorage.h"
 #include "Engine/Graph/Core/GraphView.h"
-#include "Engine/Graph/Core/ShortestPathCache.h"
+#include "Engine/Graph/Core/ShortestPaths.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -17,7 +17,7 @@ class AQE_UndirectedGraph final : public AQE_I_UndirectedGraph
 {
 public:
     /// GetPaths lists at most so many spanning trees.
-    static constexpr std::size_t MaximumPaths = 1000;
+    static constexpr std::size_t kMaximumPaths = 1000;
 
     void AddNode(const amd_id& node) override;
     void AddEdge(const amd_id& edge, const amd_id& end1, const amd_id& end2, int weight,

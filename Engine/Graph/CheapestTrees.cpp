@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdint>
+#include <cstddef>
 #include <sstream>
 #include <string>
 
@@ -14,15 +14,15 @@ namespace qe::graph {
 
 namespace {
 
-constexpr int NoticeLevel = 1;
-constexpr long LogNameText = 340;
+constexpr int kNoticeLevel = 1;
+constexpr long kLogNameText = 340;
 
 const char* ToText(ECount proof)
 {
     return proof == ECount::AtLeast ? "at least " : "";
 }
 
-// Says what the limits kept from the answer; empty when it is complete.
+// Returns what the limits kept from the result; empty when it is complete.
 std::string DescribeShortfall(const SteinerResult& result)
 {
     std::ostringstream text;
@@ -37,12 +37,12 @@ std::string DescribeShortfall(const SteinerResult& result)
 
 void LogShortfall(const SteinerResult& result)
 {
-    AQE_LogFile log(QERes::getString(LogNameText));
-    if (log.GetLogLevel() < NoticeLevel)
+    AQE_LogFile log(QERes::getString(kLogNameText));
+    if (log.GetLogLevel() < kNoticeLevel)
         return;
     const std::string text = DescribeShortfall(result);
     if (!text.empty())
-        log.Log(NoticeLevel, text);
+        log.Log(kNoticeLevel, text);
 }
 
 } // namespace
@@ -51,14 +51,13 @@ SteinerLimits ReadCheapestTreesLimits()
 {
     const AUT_RefPtr<AUT_I_UserConfiguration> settings =
         AUT_I_UserConfiguration::Create(RootKeyUser);
-    const auto read = [&settings](const char* key, int defaultValue) {
-        return std::max(1, settings->GetInt("JoinGraph", key, defaultValue));
+    const auto read = [&settings](const JoinGraphSetting& setting) {
+        return std::max(1, settings->GetInt(kJoinGraphSection, setting.key, setting.defaultValue));
     };
     SteinerLimits limits;
-    limits.maximumTrees = static_cast<std::size_t>(read("CheapestTreesBound", CheapestTreesBound));
-    limits.time = std::chrono::seconds(read("CheapestTreesSeconds", CheapestTreesSeconds));
-    limits.memory = static_cast<std::size_t>(read("CheapestTreesMegabytes", CheapestTreesMegabytes))
-                    << 20U;
+    limits.maximumTrees = static_cast<std::size_t>(read(kCheapestTreesBound));
+    limits.time = std::chrono::seconds(read(kCheapestTreesSeconds));
+    limits.memory = static_cast<std::size_t>(read(kCheapestTreesMegabytes)) << 20U;
     return limits;
 }
 

@@ -7,8 +7,8 @@ namespace qe::test {
 
 namespace {
 
-constexpr std::int32_t NodeClass = 100;
-constexpr std::int32_t EdgeClass = 102;
+constexpr std::int32_t kNodeClass = 100;
+constexpr std::int32_t kEdgeClass = 102;
 
 } // namespace
 
@@ -32,7 +32,7 @@ GraphText::GraphText(std::string_view text)
 amd_id GraphText::NameNode(const std::string& name)
 {
     const auto number = static_cast<std::int32_t>(mIds.size() + 1);
-    const auto [at, isNew] = mIds.try_emplace(name, amd_id(0, NodeClass, number));
+    const auto [at, isNew] = mIds.try_emplace(name, amd_id(0, kNodeClass, number));
     mNames.emplace(at->second, name);
     return at->second;
 }
@@ -42,7 +42,7 @@ amd_id GraphText::NameEdge(std::string name)
     const std::string first = name;
     for (int count = 2; mIds.contains(name); ++count)
         name = first + '#' + std::to_string(count);
-    const amd_id id(0, EdgeClass, static_cast<std::int32_t>(mIds.size() + 1));
+    const amd_id id(0, kEdgeClass, static_cast<std::int32_t>(mIds.size() + 1));
     mIds.emplace(name, id);
     mNames.emplace(id, name);
     return id;
@@ -51,7 +51,7 @@ amd_id GraphText::NameEdge(std::string name)
 amd_id GraphText::Id(const std::string& name) const
 {
     const auto at = mIds.find(name);
-    return at == mIds.end() ? amd_id(0, NodeClass, -1) : at->second;
+    return at == mIds.end() ? amd_id(0, kNodeClass, -1) : at->second;
 }
 
 std::vector<amd_id> GraphText::Ids(std::string_view names) const

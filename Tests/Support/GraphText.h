@@ -24,7 +24,7 @@ public:
 
     [[nodiscard]] AQE_I_UndirectedGraph& Get() const { return *mGraph; }
 
-    /// Gives the id behind a name; one that the graph does not have for an unknown name.
+    /// Returns the id behind a name; one that the graph does not have for an unknown name.
     [[nodiscard]] amd_id Id(const std::string& name) const;
     [[nodiscard]] std::vector<amd_id> Ids(std::string_view names) const;
 

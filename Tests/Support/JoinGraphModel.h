@@ -30,10 +30,10 @@ public:
 
     AQE_RequestContext context;
 
-    /// Gives the ids of nodes or joins whose names stand in `names` with blanks between them.
+    /// Returns the ids of nodes or joins whose names stand in `names` with spaces between them.
     [[nodiscard]] Ids operator[](std::string_view names) const;
 
-    /// Gives the names of ids, with blanks between them.
+    /// Returns the names of ids, with spaces between them.
     [[nodiscard]] std::string Text(const Ids& ids) const;
     [[nodiscard]] std::vector<std::string> Texts(const std::vector<Ids>& lists) const;
 };

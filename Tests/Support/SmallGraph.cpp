@@ -11,7 +11,7 @@ namespace qe::test {
 
 namespace {
 
-constexpr std::size_t MostNodes = 12;
+constexpr std::size_t kMostNodes = 12;
 
 // A set of edges as bits, with what joining them makes of the nodes.
 struct Subset
@@ -34,8 +34,8 @@ struct Subset
     }
 
     SmallGraph::EdgeSet edges;
-    std::array<std::size_t, MostNodes> parts{};
-    std::array<int, MostNodes> degrees{};
+    std::array<std::size_t, kMostNodes> parts{};
+    std::array<int, kMostNodes> degrees{};
     bool isForest;
 };
 
@@ -43,16 +43,16 @@ struct Subset
 
 SmallGraph SmallGraph::Draw(std::mt19937& random, std::size_t maximumEdges)
 {
-    constexpr std::array Weights{0, 1, 2, 3, 5, 7, 11, 17, 8888};
+    constexpr std::array kWeights{0, 1, 2, 3, 5, 7, 11, 17, 8888};
     const auto draw = [&random](std::size_t count) { return random() % count; };
     SmallGraph graph;
     graph.nodeCount = 1 + draw(7);
     const std::size_t edgeCount = draw(maximumEdges + 1);
-    const std::size_t weightCount = 1 + draw(Weights.size());
-    const std::size_t firstWeight = draw(Weights.size());
+    const std::size_t weightCount = 1 + draw(kWeights.size());
+    const std::size_t firstWeight = draw(kWeights.size());
     for (std::size_t i = 0; i < edgeCount; ++i)
         graph.edges.push_back({draw(graph.nodeCount), draw(graph.nodeCount),
-                               Weights[(firstWeight + draw(weightCount)) % Weights.size()]});
+                               kWeights[(firstWeight + draw(weightCount)) % kWeights.size()]});
     return graph;
 }
 

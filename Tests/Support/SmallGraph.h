@@ -28,8 +28,8 @@ struct SmallGraph
     /// Ascending edge indices.
     using EdgeSet = std::vector<std::size_t>;
 
-    /// What connects the terminals at least weight: all lightest trees whose leaves are terminals,
-    /// by number of edges, then by their edges.
+    /// What connects the terminals at least weight: all minimum Steiner trees, whose leaves are
+    /// terminals, by number of edges, then by their edges.
     struct Trees
     {
         std::int64_t weight = 0;
@@ -49,15 +49,15 @@ struct SmallGraph
 
     [[nodiscard]] std::int64_t GetWeight(const EdgeSet& set) const;
 
-    /// Gives all sets of edges that connect what can be connected and have no cycle, by weight,
+    /// Returns all sets of edges that connect what can be connected and have no cycle, by weight,
     /// then by their edges.
     [[nodiscard]] std::vector<EdgeSet> FindSpanningForests() const;
 
-    /// Gives the lightest trees, or nothing when the terminals cannot be connected.
+    /// Returns the minimum Steiner trees, or nothing when the terminals cannot be connected.
     [[nodiscard]] std::optional<Trees>
     FindCheapestTrees(const std::vector<std::size_t>& terminals) const;
 
-    /// Gives the distance between two nodes; -1 when there is none.
+    /// Returns the distance between two nodes; -1 when there is none.
     [[nodiscard]] std::int64_t FindDistance(std::size_t from, std::size_t to) const;
 
     std::size_t nodeCount = 0;

@@ -24,7 +24,7 @@ struct SteinerGraph
     void Freeze(std::uint32_t nodeCount);
 };
 
-/// Reads sections of lines `E u v w` and `T v`, nodes counted from 1. Answers nothing when the
+/// Reads sections of lines `E u v w` and `T v`, nodes counted from 1. Returns nothing when the
 /// text is cut short, a number is missing or out of range, or a word is unknown.
 [[nodiscard]] std::optional<SteinerGraph> ReadSteinerGraph(std::istream& text);
 

@@ -18,7 +18,7 @@ public:
         std::iota(mParent.begin(), mParent.end(), 0U);
     }
 
-    /// Gives the member that stands for the set of `member`.
+    /// Returns the member that stands for the set of `member`.
     [[nodiscard]] std::uint32_t Find(std::uint32_t member)
     {
         while (mParent[member] != member)
@@ -26,7 +26,7 @@ public:
         return member;
     }
 
-    /// Unites the sets of two members; false when they were one already.
+    /// Unites the sets of two members; returns false when they were one already.
     bool Unite(std::uint32_t left, std::uint32_t right)
     {
         left = Find(left);

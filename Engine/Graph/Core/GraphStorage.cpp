@@ -6,13 +6,13 @@ namespace qe::graph {
 
 namespace {
 
-// What is noted down is sorted in when it outgrows what the graph holds, so that adding the same
-// ids for ever does not use up memory.
-constexpr std::size_t FewestToSortIn = 1U << 17U;
+// What is buffered is merged when it outgrows what the graph holds, so that adding the same ids
+// for ever does not use up memory.
+constexpr std::size_t kFewestToMerge = 1U << 17U;
 
-bool IsDue(std::size_t noted, std::uint32_t held)
+bool IsDue(std::size_t buffered, std::uint32_t held)
 {
-    return noted >= std::max<std::size_t>(FewestToSortIn, held);
+    return buffered >= std::max<std::size_t>(kFewestToMerge, held);
 }
 
 bool IsTargetLess(const Arc& left, const Arc& right)
@@ -26,7 +26,7 @@ void GraphStorage::AddNode(const amd_id& node)
 {
     mNewNodes.push_back(node);
     if (IsDue(mNewNodes.size(), mNodeIds.GetCount()))
-        TakeInNodes();
+        MergePendingNodes();
 }
 
 void GraphStorage::AddEdge(const amd_id& edge, const amd_id& end1, const amd_id& end2,
@@ -35,23 +35,23 @@ void GraphStorage::AddEdge(const amd_id& edge, const amd_id& end1, const amd_id&
     mNewEdges.push_back({end1, end2, weight});
     mNewEdgeIds.push_back(edge);
     if (IsDue(mNewEdges.size(), mEdgeIds.GetCount()))
-        TakeInEdges();
+        MergePendingEdges();
 }
 
-void GraphStorage::TakeInNodes()
+void GraphStorage::MergePendingNodes()
 {
     if (mNewNodes.empty())
         return;
     if (!mNodeIds.Add(mNewNodes).empty()) {
         ++mRevision;
-        mIsLaidOut = false;
+        mHasAdjacency = false;
     }
     mNewNodes.clear();
 }
 
-void GraphStorage::TakeInEdges()
+void GraphStorage::MergePendingEdges()
 {
-    TakeInNodes();
+    MergePendingNodes();
     if (mNewEdges.empty())
         return;
     const std::vector<std::uint32_t> places = mEdgeIds.Add(mNewEdgeIds);
@@ -61,13 +61,13 @@ void GraphStorage::TakeInEdges()
             {NodeIndex{ends[2 * i]}, NodeIndex{ends[2 * i + 1]}, mNewEdges[places[i]].weight});
     if (!places.empty()) {
         ++mRevision;
-        mIsLaidOut = false;
+        mHasAdjacency = false;
     }
     mNewEdges.clear();
     mNewEdgeIds.clear();
 }
 
-// Gives the slots of both ends of the new edges at `places`, after adding the ends that are
+// Returns the slots of both ends of the new edges at `places`, after adding the ends that are
 // missing.
 std::vector<std::uint32_t> GraphStorage::ResolveEnds(const std::vector<std::uint32_t>& places)
 {
@@ -93,39 +93,39 @@ std::vector<std::uint32_t> GraphStorage::ResolveEnds(const std::vector<std::uint
 
 void GraphStorage::SetEdgeWeight(const amd_id& edge, std::uint32_t weight)
 {
-    TakeInEdges();
+    MergePendingEdges();
     const std::optional<std::uint32_t> slot = mEdgeIds.FindSlot(edge);
     if (!slot || mEdges[*slot].weight == weight)
         return;
     mEdges[*slot].weight = weight;
-    if (mIsLaidOut)
+    if (mHasAdjacency)
         mRankedEdges[mRankOfEdge[*slot]].weight = weight;
     ++mRevision;
 }
 
 std::optional<std::uint32_t> GraphStorage::FindEdgeWeight(const amd_id& edge)
 {
-    TakeInEdges();
+    MergePendingEdges();
     const std::optional<std::uint32_t> slot = mEdgeIds.FindSlot(edge);
     return slot ? std::optional(mEdges[*slot].weight) : std::nullopt;
 }
 
 void GraphStorage::AppendEdgeIds(std::vector<amd_id>& ids)
 {
-    TakeInEdges();
+    MergePendingEdges();
     for (const IdIndex::Entry& entry : mEdgeIds.GetSorted())
         ids.push_back(entry.GetId());
 }
 
 GraphView GraphStorage::GetView()
 {
-    TakeInEdges();
-    if (!mIsLaidOut)
-        LayOut();
+    MergePendingEdges();
+    if (!mHasAdjacency)
+        BuildAdjacency();
     return {mRankedEdges, mFirstArc, mArcs};
 }
 
-void GraphStorage::LayOut()
+void GraphStorage::BuildAdjacency()
 {
     const std::span<const IdIndex::Entry> nodes = mNodeIds.GetSorted();
     std::vector<NodeIndex> rankOfNode(nodes.size());
@@ -142,12 +142,12 @@ void GraphStorage::LayOut()
         mRankedEdges.push_back(
             {rankOfNode[edge.end1.value], rankOfNode[edge.end2.value], edge.weight});
     }
-    LayOutArcs(static_cast<std::uint32_t>(nodes.size()));
-    LayOutSelfLoops();
-    mIsLaidOut = true;
+    BuildArcs(static_cast<std::uint32_t>(nodes.size()));
+    BuildSelfLoops();
+    mHasAdjacency = true;
 }
 
-void GraphStorage::LayOutArcs(std::uint32_t nodeCount)
+void GraphStorage::BuildArcs(std::uint32_t nodeCount)
 {
     mFirstArc.assign(nodeCount + std::size_t{1}, 0);
     for (const Edge& edge : mRankedEdges) {
@@ -171,7 +171,7 @@ void GraphStorage::LayOutArcs(std::uint32_t nodeCount)
     }
 }
 
-void GraphStorage::LayOutSelfLoops()
+void GraphStorage::BuildSelfLoops()
 {
     mSelfLoops.clear();
     for (std::uint32_t rank = 0; rank < mRankedEdges.size(); ++rank) {
@@ -192,7 +192,7 @@ std::span<const Arc> GraphStorage::GetSelfLoops(NodeIndex node)
 
 NodeIndex GraphStorage::FindNode(const amd_id& node)
 {
-    TakeInEdges();
+    MergePendingEdges();
     const std::optional<std::uint32_t> place = mNodeIds.FindPlace(node);
     return place ? NodeIndex{*place} : NodeIndex{};
 }
@@ -209,7 +209,7 @@ amd_id GraphStorage::GetEdgeId(EdgeIndex edge)
 
 std::uint64_t GraphStorage::GetRevision()
 {
-    TakeInEdges();
+    MergePendingEdges();
     return mRevision;
 }
 

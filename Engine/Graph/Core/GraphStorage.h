@@ -14,9 +14,9 @@ namespace qe::graph {
 
 /// Holds the nodes and edges of a multigraph by their ids, and shows them as a GraphView.
 ///
-/// Additions are only noted down. The first question afterwards sorts them in, and the first
-/// question that needs the view numbers nodes and edges by ascending id and lays out their
-/// adjacency, in O(n + m). A change of weight leaves the layout standing.
+/// Additions are only buffered. The first question afterwards merges them, and the first question
+/// that needs the view numbers nodes and edges by ascending id and builds their adjacency, in
+/// O(n + m). A change of weight leaves the adjacency standing.
 class GraphStorage
 {
 public:
@@ -30,26 +30,26 @@ public:
     /// Changes the weight of an edge, if there is such an edge.
     void SetEdgeWeight(const amd_id& edge, std::uint32_t weight);
 
-    /// Gives the weight of an edge, or nothing when there is no such edge. Needs no layout.
+    /// Returns the weight of an edge, or nothing when there is no such edge. Needs no adjacency.
     [[nodiscard]] std::optional<std::uint32_t> FindEdgeWeight(const amd_id& edge);
 
-    /// Appends the ids of all edges in ascending order. Needs no layout.
+    /// Appends the ids of all edges in ascending order. Needs no adjacency.
     void AppendEdgeIds(std::vector<amd_id>& ids);
 
-    /// Shows the graph as it is now; good until it is changed.
+    /// Returns the graph as it is now; good until it is changed.
     [[nodiscard]] GraphView GetView();
 
-    /// Gives the self-loops at a node, which the view does not show as arcs, in ascending order;
+    /// Returns the self-loops at a node, which the view does not show as arcs, in ascending order;
     /// good until the graph is changed.
     [[nodiscard]] std::span<const Arc> GetSelfLoops(NodeIndex node);
 
-    /// Finds the index of a node; an invalid one when there is no such node.
+    /// Returns the index of a node; an invalid one when there is no such node.
     [[nodiscard]] NodeIndex FindNode(const amd_id& node);
 
     [[nodiscard]] amd_id GetNodeId(NodeIndex node);
     [[nodiscard]] amd_id GetEdgeId(EdgeIndex edge);
 
-    /// Gives a number that grows whenever a node, an edge or a weight has changed.
+    /// Returns a number that grows whenever a node, an edge or a weight has changed.
     [[nodiscard]] std::uint64_t GetRevision();
 
 private:
@@ -60,14 +60,14 @@ private:
         std::uint32_t weight;
     };
 
-    void TakeInNodes();
-    void TakeInEdges();
+    void MergePendingNodes();
+    void MergePendingEdges();
     std::vector<std::uint32_t> ResolveEnds(const std::vector<std::uint32_t>& places);
-    void LayOut();
-    void LayOutArcs(std::uint32_t nodeCount);
-    void LayOutSelfLoops();
+    void BuildAdjacency();
+    void BuildArcs(std::uint32_t nodeCount);
+    void BuildSelfLoops();
 
-    // Noted down, not yet sorted in.
+    // Buffered, not yet merged.
     std::vector<amd_id> mNewNodes;
     std::vector<amd_id> mNewEdgeIds;
     std::vector<NewEdge> mNewEdges;
@@ -78,13 +78,13 @@ private:
     std::vector<Edge> mEdges;
     std::uint64_t mRevision = 0;
 
-    // The layout: by index, and good while mIsLaidOut is true.
+    // By index, and good while mHasAdjacency is true.
     std::vector<std::uint32_t> mRankOfEdge;
     std::vector<Edge> mRankedEdges;
     std::vector<std::uint32_t> mFirstArc;
     std::vector<Arc> mArcs;
     std::vector<Arc> mSelfLoops;
-    bool mIsLaidOut = false;
+    bool mHasAdjacency = false;
 };
 
 } // namespace qe::graph

@@ -1,35 +1,12 @@
 #ifndef ENGINE_GRAPH_CORE_GRAPHVIEW_H
 #define ENGINE_GRAPH_CORE_GRAPHVIEW_H
 
+#include "Engine/Graph/Core/Indices.h"
+
 #include <cstdint>
-#include <limits>
 #include <span>
 
 namespace qe::graph {
-
-/// Position of a node in the graph, counted from zero in ascending order of the node ids.
-struct NodeIndex
-{
-    std::uint32_t value = std::numeric_limits<std::uint32_t>::max();
-
-    [[nodiscard]] bool IsValid() const
-    {
-        return value != std::numeric_limits<std::uint32_t>::max();
-    }
-    friend auto operator<=>(const NodeIndex&, const NodeIndex&) = default;
-};
-
-/// Position of an edge in the graph, counted from zero in ascending order of the edge ids.
-struct EdgeIndex
-{
-    std::uint32_t value = std::numeric_limits<std::uint32_t>::max();
-
-    [[nodiscard]] bool IsValid() const
-    {
-        return value != std::numeric_limits<std::uint32_t>::max();
-    }
-    friend auto operator<=>(const EdgeIndex&, const EdgeIndex&) = default;
-};
 
 /// One edge with its two ends. An edge whose ends are equal is a self-loop; several edges may
 /// join the same two nodes. Weights are never negative.
@@ -49,9 +26,9 @@ struct Arc
 
 /// A read-only look at a weighted undirected multigraph with dense indices.
 ///
-/// Because indices follow the order of the ids, an algorithm that breaks its ties by index gives
-/// answers that do not depend on the order in which the graph was filled. The arcs of a node
-/// stand together, in ascending order of their edges; a self-loop has no arc.
+/// Nodes and edges are numbered in ascending order of their ids, so an algorithm that breaks its
+/// ties by index has results that do not depend on the order in which the graph was filled. The
+/// arcs of a node stand together, in ascending order of their edges; a self-loop has no arc.
 ///
 /// The spans belong to the graph and are good until it changes.
 class GraphView

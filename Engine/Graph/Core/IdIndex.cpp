@@ -12,16 +12,16 @@ namespace qe::graph {
 namespace {
 
 // Flipping the sign bit makes unsigned order agree with the signed order of the ids' words.
-constexpr std::uint32_t SignBit = 0x80000000U;
+constexpr std::uint32_t kSignBit = 0x80000000U;
 
 std::uint32_t ToOrdered(std::int32_t word)
 {
-    return static_cast<std::uint32_t>(word) ^ SignBit;
+    return static_cast<std::uint32_t>(word) ^ kSignBit;
 }
 
 std::int32_t FromOrdered(std::uint32_t word)
 {
-    return static_cast<std::int32_t>(word ^ SignBit);
+    return static_cast<std::int32_t>(word ^ kSignBit);
 }
 
 IdIndex::Entry MakeEntry(const amd_id& id, std::uint32_t slot)
@@ -41,7 +41,7 @@ bool IsSameId(const IdIndex::Entry& left, const IdIndex::Entry& right)
     return left.domainAndClass == right.domainAndClass && left.number == right.number;
 }
 
-constexpr unsigned BytesOfId = 12;
+constexpr unsigned kBytesOfId = 12;
 
 // Counts from the least significant byte.
 std::uint8_t GetByte(const IdIndex::Entry& entry, unsigned byte)
@@ -72,13 +72,13 @@ void SortByByte(std::vector<IdIndex::Entry>& entries, unsigned byte,
 // that many are sorted fastest byte by byte.
 void SortById(std::vector<IdIndex::Entry>& entries)
 {
-    constexpr std::size_t FewestToCount = 512;
-    if (entries.size() < FewestToCount) {
+    constexpr std::size_t kFewestToCount = 512;
+    if (entries.size() < kFewestToCount) {
         std::stable_sort(entries.begin(), entries.end(), IsIdLess);
         return;
     }
     std::vector<IdIndex::Entry> space;
-    for (unsigned byte = 0; byte < BytesOfId; ++byte)
+    for (unsigned byte = 0; byte < kBytesOfId; ++byte)
         SortByByte(entries, byte, space);
 }
 
@@ -124,14 +124,14 @@ std::vector<std::uint32_t> IdIndex::Add(std::span<const amd_id> ids)
 // Turns the places in the entries into slots, given in the order of the places.
 std::vector<std::uint32_t> IdIndex::AssignSlots(Run& run, std::size_t placeCount)
 {
-    constexpr std::uint32_t NoSlot = std::numeric_limits<std::uint32_t>::max();
-    std::vector<std::uint32_t> slotOfPlace(placeCount, NoSlot);
+    constexpr std::uint32_t kNoSlot = std::numeric_limits<std::uint32_t>::max();
+    std::vector<std::uint32_t> slotOfPlace(placeCount, kNoSlot);
     for (const Entry& entry : run)
         slotOfPlace[entry.slot] = 0;
     std::vector<std::uint32_t> places;
     places.reserve(run.size());
     for (std::uint32_t place = 0; place < placeCount; ++place) {
-        if (slotOfPlace[place] == NoSlot)
+        if (slotOfPlace[place] == kNoSlot)
             continue;
         slotOfPlace[place] = mCount++;
         places.push_back(place);

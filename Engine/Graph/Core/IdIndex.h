@@ -37,11 +37,11 @@ public:
 
     [[nodiscard]] std::optional<std::uint32_t> FindSlot(const amd_id& id) const;
 
-    /// Gives all ids in ascending order, after merging them into one run when there are more:
+    /// Returns all ids in ascending order, after merging them into one run when there are more:
     /// O(n). The span is good until an id is added.
     [[nodiscard]] std::span<const Entry> GetSorted();
 
-    /// Finds the place of the id in what GetSorted gives.
+    /// Returns the place of the id in what GetSorted returns.
     [[nodiscard]] std::optional<std::uint32_t> FindPlace(const amd_id& id);
 
 private:

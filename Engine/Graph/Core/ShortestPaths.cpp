@@ -1,20 +1,13 @@
 #include "Engine/Graph/Core/ShortestPaths.h"
 
 #include <algorithm>
-#include <functional>
-#include <limits>
+#include <cstdint>
 
 namespace qe::graph {
 
-namespace {
-
-constexpr std::uint64_t Unreached = std::numeric_limits<std::uint64_t>::max();
-
-} // namespace
-
 NodeIndex ShortestPaths::GetPrevious(const GraphView& graph, NodeIndex node) const
 {
-    const Edge& edge = graph.GetEdge(lastEdges[node.value]);
+    const Edge& edge = graph.GetEdge(lastEdges[node]);
     return edge.end1 == node ? edge.end2 : edge.end1;
 }
 
@@ -24,39 +17,53 @@ std::vector<EdgeIndex> ShortestPaths::GetPath(const GraphView& graph, NodeIndex 
     if (!Reaches(target))
         return path;
     for (NodeIndex node = target; node != source; node = GetPrevious(graph, node))
-        path.push_back(lastEdges[node.value]);
+        path.push_back(lastEdges[node]);
     std::reverse(path.begin(), path.end());
     return path;
 }
 
-ShortestPaths ShortestPathSearch::Run(const GraphView& graph, NodeIndex source)
+ShortestPaths FindShortestPaths(const GraphView& graph, NodeIndex source, DijkstraSearch& search)
 {
-    ShortestPaths paths{source, std::vector<EdgeIndex>(graph.GetNodeCount())};
-    mDistances.assign(graph.GetNodeCount(), Unreached);
-    mDistances[source.value] = 0;
-    mQueue.assign(1, {0, source.value});
-    while (!mQueue.empty()) {
-        const QueuedNode nearest = mQueue.front();
-        std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
-        mQueue.pop_back();
-        // A node stays queued under the distances that it had before; only the last one counts.
-        if (nearest.first == mDistances[nearest.second])
-            Settle(graph, nearest, paths.lastEdges);
-    }
+    ShortestPaths paths{source, IndexedVector<NodeIndex, EdgeIndex>(graph.GetNodeCount())};
+    search.Reset(graph.GetNodeCount());
+    search.Reach(source, 0);
+    search.Run([&](NodeIndex node, std::uint64_t distance) {
+        for (const Arc& arc : graph.GetArcs(node)) {
+            if (search.Reach(arc.target, distance + graph.GetEdge(arc.edge).weight))
+                paths.lastEdges[arc.target] = arc.edge;
+        }
+        return DijkstraSearch::EStep::Continue;
+    });
     return paths;
 }
 
-void ShortestPathSearch::Settle(const GraphView& graph, QueuedNode node,
-                                std::vector<EdgeIndex>& lastEdges)
+const ShortestPaths& ShortestPathCache::Get(const GraphView& graph, std::uint64_t revision,
+                                            NodeIndex source)
 {
-    for (const Arc& arc : graph.GetArcs(NodeIndex{node.second})) {
-        const std::uint64_t distance = node.first + graph.GetEdge(arc.edge).weight;
-        if (distance >= mDistances[arc.target.value])
-            continue;
-        mDistances[arc.target.value] = distance;
-        lastEdges[arc.target.value] = arc.edge;
-        mQueue.emplace_back(distance, arc.target.value);
-        std::push_heap(mQueue.begin(), mQueue.end(), std::greater<>());
+    if (revision != mRevision) {
+        mBySource.clear();
+        mPaths.clear();
+        mRevision = revision;
+    }
+    const auto known = mBySource.find(source);
+    if (known != mBySource.end()) {
+        mPaths.splice(mPaths.begin(), mPaths, known->second);
+        return mPaths.front();
+    }
+    DropStalest(graph);
+    mPaths.push_front(FindShortestPaths(graph, source, mSearch));
+    mBySource.emplace(source, mPaths.begin());
+    return mPaths.front();
+}
+
+// Makes room for the paths from one more source.
+void ShortestPathCache::DropStalest(const GraphView& graph)
+{
+    const std::size_t bytesEach = sizeof(ShortestPaths) + graph.GetNodeCount() * sizeof(EdgeIndex);
+    const std::size_t most = std::max<std::size_t>(1, kMaximumBytes / bytesEach);
+    while (mPaths.size() >= most) {
+        mBySource.erase(mPaths.back().source);
+        mPaths.pop_back();
     }
 }
 

@@ -1,11 +1,13 @@
 #ifndef ENGINE_GRAPH_CORE_SHORTESTPATHS_H
 #define ENGINE_GRAPH_CORE_SHORTESTPATHS_H
 
+#include "Engine/Graph/Core/Dijkstra.h"
 #include "Engine/Graph/Core/GraphView.h"
 
+#include <cstddef>
 #include <cstdint>
-#include <span>
-#include <utility>
+#include <list>
+#include <map>
 #include <vector>
 
 namespace qe::graph {
@@ -15,39 +17,51 @@ namespace qe::graph {
 struct ShortestPaths
 {
     NodeIndex source;
-    std::vector<EdgeIndex> lastEdges;
+    IndexedVector<NodeIndex, EdgeIndex> lastEdges;
 
     [[nodiscard]] bool Reaches(NodeIndex node) const
     {
-        return node == source || lastEdges[node.value].IsValid();
+        return node == source || lastEdges[node].IsValid();
     }
 
-    /// Gives the node before `node` on its path; `node` is reached and is not the source.
+    /// Returns the node before `node` on its path; `node` is reached and is not the source.
     [[nodiscard]] NodeIndex GetPrevious(const GraphView& graph, NodeIndex node) const;
 
-    /// Gives the path to `target` in walking order, empty from the source to itself or when
+    /// Returns the path to `target` in walking order, empty from the source to itself or when
     /// there is none.
     [[nodiscard]] std::vector<EdgeIndex> GetPath(const GraphView& graph, NodeIndex target) const;
 };
 
-/// Dijkstra's algorithm (1959) on a binary heap: O((n + m) log n).
+/// Finds the least-weight paths from `source` by Dijkstra's algorithm: O((n + m) log n). The search
+/// is workspace only, and can serve any graph.
 ///
-/// Nodes are settled in order of (distance, node index). Each is reached from the neighbour on
-/// one of its least-weight paths that is settled first, by the lowest of the edges that fit, so
-/// that equal weights always give the same path, also along edges of weight 0.
-class ShortestPathSearch
+/// Each node is reached from the neighbour on one of its least-weight paths that is settled first,
+/// by the lowest of the edges that fit, so that equal weights always lead to the same path, also
+/// along edges of weight 0.
+[[nodiscard]] ShortestPaths FindShortestPaths(const GraphView& graph, NodeIndex source,
+                                              DijkstraSearch& search);
+
+/// Remembers the least-weight paths from the sources asked for last, as long as the graph stays as
+/// it is.
+class ShortestPathCache
 {
 public:
-    /// Finds the paths from `source`. The object can be used again, for any graph.
-    [[nodiscard]] ShortestPaths Run(const GraphView& graph, NodeIndex source);
+    /// What is remembered takes at most about so many bytes, except that the paths from one
+    /// source are always kept.
+    static constexpr std::size_t kMaximumBytes = std::size_t{64} << 20U;
+
+    /// Returns the paths from `source` in the graph, whose state `revision` tells. They are good
+    /// until the next call.
+    const ShortestPaths& Get(const GraphView& graph, std::uint64_t revision, NodeIndex source);
 
 private:
-    using QueuedNode = std::pair<std::uint64_t, std::uint32_t>;
+    void DropStalest(const GraphView& graph);
 
-    void Settle(const GraphView& graph, QueuedNode node, std::vector<EdgeIndex>& lastEdges);
-
-    std::vector<std::uint64_t> mDistances;
-    std::vector<QueuedNode> mQueue;
+    DijkstraSearch mSearch;
+    std::uint64_t mRevision = 0;
+    // The latest asked for stands first.
+    std::list<ShortestPaths> mPaths;
+    std::map<NodeIndex, std::list<ShortestPaths>::iterator> mBySource;
 };
 
 } // namespace qe::graph

@@ -8,7 +8,7 @@ void BottleneckForest::Reset(std::uint32_t nodeCount)
 {
     mNodes.resize(nodeCount);
     for (std::uint32_t node = 0; node < nodeCount; ++node)
-        mNodes[node] = {node, NotConnected, 1};
+        mNodes[node] = {node, kNotConnected, 1};
 }
 
 std::uint32_t BottleneckForest::FindRoot(std::uint32_t node) const
@@ -34,14 +34,14 @@ bool BottleneckForest::Unite(std::uint32_t left, std::uint32_t right, std::uint3
 
 std::uint32_t BottleneckForest::FindLastStep(std::uint32_t left, std::uint32_t right) const
 {
-    // Steps never fall on the way up, so climbing from whichever node was hung up earlier meets
-    // at the lowest set that holds both.
-    std::uint32_t last = NotConnected;
+    // Steps never fall towards the root, so climbing from whichever node got its parent earlier
+    // meets at the lowest set that holds both.
+    std::uint32_t last = kNotConnected;
     while (left != right) {
         if (mNodes[left].step > mNodes[right].step)
             std::swap(left, right);
         last = mNodes[left].step;
-        if (last == NotConnected)
+        if (last == kNotConnected)
             break;
         left = mNodes[left].parent;
     }

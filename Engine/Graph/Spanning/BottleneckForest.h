@@ -7,24 +7,25 @@
 
 namespace qe::graph {
 
-/// A forest to which edges are added in the order of their steps, and which then tells the last
-/// step on the way between two nodes in O(log n): union by size without shortening the ways, each
-/// node remembering the step at which its set was hung under another.
+/// A forest to which edges are added in the order of their steps, and which then finds the last
+/// step on the path between two nodes in O(log n): union by size without path compression, each
+/// node remembering the step at which its set was put under another.
 class BottleneckForest
 {
 public:
-    static constexpr std::uint32_t NotConnected = std::numeric_limits<std::uint32_t>::max();
+    static constexpr std::uint32_t kNotConnected = std::numeric_limits<std::uint32_t>::max();
 
     explicit BottleneckForest(std::uint32_t nodeCount) { Reset(nodeCount); }
 
     /// Takes out all edges.
     void Reset(std::uint32_t nodeCount);
 
-    /// Adds an edge at a step not before that of the edge added last; false, and nothing is
-    /// added, when it would close a cycle.
+    /// Adds an edge at a step not before that of the edge added last; returns false, and adds
+    /// nothing, when it would close a cycle.
     bool Unite(std::uint32_t left, std::uint32_t right, std::uint32_t step);
 
-    /// Gives the greatest step on the way between two different nodes.
+    /// Returns the greatest step on the path between two different nodes; kNotConnected when there
+    /// is none.
     [[nodiscard]] std::uint32_t FindLastStep(std::uint32_t left, std::uint32_t right) const;
 
 private:

@@ -25,7 +25,7 @@ GrownTree GrowTree(const GraphView& graph, const ShortestPaths& paths,
         }
         for (auto node = branch.rbegin(); node != branch.rend(); ++node) {
             tree.nodes.push_back(*node);
-            tree.edges.push_back(paths.lastEdges[node->value]);
+            tree.edges.push_back(paths.lastEdges[*node]);
         }
     }
     return tree;

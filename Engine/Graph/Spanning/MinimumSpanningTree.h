@@ -8,10 +8,10 @@
 
 namespace qe::graph {
 
-/// Gives the edges that are no self-loops in ascending order of (weight, index): O(m log m).
+/// Returns the edges that are no self-loops in ascending order of (weight, index): O(m log m).
 [[nodiscard]] std::vector<EdgeIndex> SortByWeight(std::span<const Edge> edges);
 
-/// Gives a minimum spanning tree of each connected part, as edges in ascending order, by
+/// Returns a minimum spanning tree of each connected part, as edges in ascending order, by
 /// Kruskal's algorithm (1956): O(m log m). Of several, it is the one whose ascending edges come
 /// first when they are compared one after the other.
 [[nodiscard]] std::vector<EdgeIndex> FindMinimumSpanningTree(const GraphView& graph);

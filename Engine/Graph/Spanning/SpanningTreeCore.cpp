@@ -1,7 +1,6 @@
 #include "Engine/Graph/Spanning/SpanningTreeCore.h"
 
 #include "Engine/Graph/Core/DisjointSets.h"
-#include "Engine/Graph/Spanning/EdgeSwap.h"
 #include "Engine/Graph/Spanning/SwapSearch.h"
 
 #include <algorithm>
@@ -11,7 +10,7 @@ namespace qe::graph {
 
 namespace {
 
-constexpr std::uint32_t NoNumber = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint32_t kNoNumber = std::numeric_limits<std::uint32_t>::max();
 
 bool IsInLess(const EdgeSwap& left, const EdgeSwap& right)
 {
@@ -50,8 +49,8 @@ public:
         }
     }
 
-    // Takes out the edges on the way between two nodes that are still there.
-    void CutWay(NodeIndex left, NodeIndex right, std::vector<EdgeIndex>& cut)
+    // Takes out the edges on the path between two nodes that are still there.
+    void CutPath(NodeIndex left, NodeIndex right, std::vector<EdgeIndex>& cut)
     {
         std::uint32_t low = FindTop(left.value);
         std::uint32_t high = FindTop(right.value);
@@ -88,7 +87,7 @@ std::vector<EdgeSwap> FindReplacements(const GraphView& graph, const std::vector
     for (const EdgeSwap& swap : swaps) {
         const Edge& edge = graph.GetEdge(swap.in);
         cut.clear();
-        tree.CutWay(edge.end1, edge.end2, cut);
+        tree.CutPath(edge.end1, edge.end2, cut);
         for (const EdgeIndex out : cut)
             replacements.push_back(MakeSwap(graph.GetEdges(), out, swap.in));
     }
@@ -101,10 +100,10 @@ std::vector<std::uint32_t> Contract(const GraphView& graph, SpanningTreeCore& co
     DisjointSets parts(graph.GetNodeCount());
     for (const EdgeIndex index : core.shared)
         parts.Unite(graph.GetEdge(index).end1.value, graph.GetEdge(index).end2.value);
-    std::vector<std::uint32_t> numbers(graph.GetNodeCount(), NoNumber);
+    std::vector<std::uint32_t> numbers(graph.GetNodeCount(), kNoNumber);
     for (std::uint32_t node = 0; node < graph.GetNodeCount(); ++node) {
         std::uint32_t& number = numbers[parts.Find(node)];
-        if (number == NoNumber)
+        if (number == kNoNumber)
             number = core.nodeCount++;
         numbers[node] = number;
     }

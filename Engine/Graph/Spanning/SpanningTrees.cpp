@@ -39,7 +39,7 @@ std::optional<std::vector<EdgeIndex>> SpanningTrees::GetNext()
     --mLeft;
     if (!mIsStarted) {
         mIsStarted = true;
-        OpenCell({}, 0, NoDecision);
+        OpenCell({}, 0, kNoDecision);
         return Complete({});
     }
     if (mCells.empty())
@@ -71,7 +71,7 @@ std::uint32_t SpanningTrees::Decide(EdgeIndex edge, EEdgeUse use, std::uint32_t 
     return static_cast<std::uint32_t>(mDecisions.size() - 1);
 }
 
-// Takes up a cell with its least tree, unless that is its only one. Weights are counted from the
+// Takes up a cell with its minimum tree, unless that is its only one. Weights are counted from the
 // first tree on.
 void SpanningTrees::OpenCell(const Difference& least, std::int64_t weight, std::uint32_t decision)
 {
@@ -81,7 +81,7 @@ void SpanningTrees::OpenCell(const Difference& least, std::int64_t weight, std::
         uses[i] = mCore.isInTree[i] ? EEdgeUse::In : EEdgeUse::Out;
     for (const EdgeIndex edge : least)
         uses[edge.value] = mCore.isInTree[edge.value] ? EEdgeUse::Out : EEdgeUse::In;
-    for (; decision != NoDecision; decision = mDecisions[decision].before)
+    for (; decision != kNoDecision; decision = mDecisions[decision].before)
         uses[mDecisions[decision].edge.value] = mDecisions[decision].use;
 
     const std::optional<EdgeSwap> swap = mSearch->FindBest(uses);

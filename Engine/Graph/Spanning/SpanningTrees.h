@@ -2,7 +2,6 @@
 #define ENGINE_GRAPH_SPANNING_SPANNINGTREES_H
 
 #include "Engine/Graph/Core/GraphView.h"
-#include "Engine/Graph/Spanning/EdgeSwap.h"
 #include "Engine/Graph/Spanning/SpanningTreeCore.h"
 #include "Engine/Graph/Spanning/SwapSearch.h"
 
@@ -19,10 +18,10 @@ namespace qe::graph {
 ///
 /// The trees not yet listed are split into cells, told apart by edges that are required or
 /// forbidden (Katoh, Ibaraki and Mine, An algorithm for finding k minimum spanning trees, 1981).
-/// Each cell knows its least tree, which has been listed, and the best swap to its next one. The
+/// Each cell knows its minimum tree, which has been listed, and the best swap to its next one. The
 /// least of these trees over all cells is listed next, and its cell split by the edge that the
-/// swap took out: where the edge is required the least tree stays, where it is forbidden the tree
-/// just listed is the least.
+/// swap took out: where the edge is required the minimum tree stays, where it is forbidden the tree
+/// just listed is the minimum.
 ///
 /// Of the triangle a:1 b:1 c:2, the tree ab comes first, with the swap b for c. Listing ac splits
 /// this into "b required", where a can still go for c, and "b forbidden", where nothing can. So
@@ -40,11 +39,11 @@ public:
     SpanningTrees(const SpanningTrees&) = delete;
     SpanningTrees& operator=(const SpanningTrees&) = delete;
 
-    /// Gives the next tree as ascending edges; nothing behind the last or at the bound.
+    /// Returns the next tree as ascending edges; nothing behind the last or at the bound.
     [[nodiscard]] std::optional<std::vector<EdgeIndex>> GetNext();
 
 private:
-    static constexpr std::uint32_t NoDecision = 0xFFFFFFFFU;
+    static constexpr std::uint32_t kNoDecision = 0xFFFFFFFFU;
 
     // An edge that is required or forbidden in a cell, besides those before it.
     struct Decision

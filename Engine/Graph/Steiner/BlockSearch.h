@@ -1,15 +1,12 @@
 #ifndef ENGINE_GRAPH_STEINER_BLOCKSEARCH_H
 #define ENGINE_GRAPH_STEINER_BLOCKSEARCH_H
 
-#include "Engine/Graph/Steiner/Bound/BoundReduction.h"
+#include "Engine/Graph/Steiner/BlockBounds.h"
 #include "Engine/Graph/Steiner/Bound/CutExchange.h"
-#include "Engine/Graph/Steiner/Bound/DualAscent.h"
-#include "Engine/Graph/Steiner/Bound/RestBound.h"
-#include "Engine/Graph/Steiner/Grow/LocalSearch.h"
-#include "Engine/Graph/Steiner/Grow/TreeGrower.h"
 #include "Engine/Graph/Steiner/List/TreeFamily.h"
 #include "Engine/Graph/Steiner/Network/FlatNetwork.h"
 #include "Engine/Graph/Steiner/Network/Network.h"
+#include "Engine/Graph/Steiner/Network/SearchTuning.h"
 #include "Engine/Graph/Steiner/SteinerSolver.h"
 
 #include <cstddef>
@@ -21,29 +18,32 @@
 namespace qe::graph {
 
 class Budget;
+template <std::size_t Words>
+class DijkstraSteinerSearch;
 
-/// Searches one block: bounds its optimum from both sides, sheds what the bounds exclude, and
-/// finds all lightest trees of what is left.
+/// Searches one block: bounds its optimum from both sides, prunes what the bounds exclude, and
+/// finds all minimum Steiner trees of what is left.
 class BlockSearch
 {
 public:
-    /// Takes the block and a weight that some tree of it is known not to exceed.
+    /// Takes the block and a weight that some tree of it is known not to exceed. Keeps references
+    /// to block and budget.
     BlockSearch(Network& block, std::uint64_t knownWeight, Budget& budget);
 
     /// Looks for a light tree and a good bound, and removes from the block the edges that the
-    /// two exclude. Answers how many; when they are many, the block is best reduced and searched
+    /// two exclude. Returns how many; when they are many, the block is best reduced and searched
     /// through another object. `round` counts those objects.
-    std::size_t ShedFast(std::size_t round);
+    std::size_t PruneQuickly(std::size_t round);
     /// Does the same with more care.
-    std::size_t ShedThoroughly();
+    std::size_t PruneThoroughly();
 
-    /// Says whether many edges are known to be in every lightest tree.
+    /// Returns whether many edges are known to be in every minimum Steiner tree.
     [[nodiscard]] bool IsWorthContracting() const;
     /// Contracts those edges. The block can no longer be searched through this object then.
     void ContractForced();
 
-    /// The least weight known by now.
-    [[nodiscard]] std::uint64_t GetKnownWeight() const { return mKnownWeight; }
+    /// Returns the least weight known by now.
+    [[nodiscard]] std::uint64_t GetKnownWeight() const { return mBounds.GetKnownWeight(); }
 
     /// What is known at the end of the search of one block.
     struct Outcome
@@ -52,55 +52,37 @@ public:
         std::uint64_t lowerBound;
         ECount countProof;
     };
-    /// Finds all lightest trees of the block, and adds them to the family, if that takes few
-    /// steps.
-    std::optional<Outcome> SearchFast(TreeFamily& family);
+    /// Finds all minimum Steiner trees of the block, and adds them to the family, if that takes few
+    /// steps; else returns nothing and leaves the family alone.
+    std::optional<Outcome> SearchQuickly(TreeFamily& family);
     /// Does the same with more steps.
-    std::optional<Outcome> SearchSteadily(TreeFamily& family);
-    /// Finds all lightest trees of the block, or one tree when the budget runs out, and adds
+    std::optional<Outcome> SearchWithMoreEffort(TreeFamily& family);
+    /// Finds all minimum Steiner trees of the block, or one tree when the budget runs out, and adds
     /// them to the family.
     Outcome Search(TreeFamily& family);
 
-    /// How many ascents bound a search, and after how many settled labels it is given up.
-    struct Effort
-    {
-        std::size_t ascents;
-        std::size_t mostSettled;
-    };
-
 private:
-    void FindTree(std::uint32_t start, std::span<const std::uint8_t> isUsable);
-    void ImproveTree(SteinerTree& tree);
-    void Ascend(std::uint32_t root, std::span<const std::uint32_t> guide);
-    void FindTreeAlong(const DualAscent& ascent);
-    void FindTreeFromManyStarts();
-    [[nodiscard]] std::vector<std::uint32_t> ChooseRoots(std::size_t most) const;
-    template <std::size_t Words>
-    void AddBounds(std::size_t most, std::uint64_t limit, std::vector<RestBound<Words>>& bounds);
-    template <std::size_t Words>
-    void AddExchangedBound(std::uint64_t limit, std::vector<RestBound<Words>>& bounds);
+    using Efforts = std::span<const tuning::SearchEffort>;
+
     std::optional<Outcome> SearchTightly(TreeFamily& family);
     std::optional<Outcome> SearchUpwards(TreeFamily& family, std::size_t mostSettled);
-    std::optional<Outcome> SearchWithin(TreeFamily& family, std::span<const Effort> efforts,
-                                        std::uint64_t limit);
+    std::optional<Outcome> SearchWithin(TreeFamily& family, Efforts efforts, std::uint64_t limit);
     template <std::size_t Words>
-    std::optional<Outcome> SearchWith(TreeFamily& family, std::span<const Effort> efforts,
-                                      std::uint64_t limit);
+    std::optional<Outcome> SearchWith(TreeFamily& family, Efforts efforts, std::uint64_t limit);
+    template <std::size_t Words>
+    Outcome AddTrees(TreeFamily& family, const DijkstraSteinerSearch<Words>& search) const;
+    template <std::size_t Words>
+    void AppendExchangedBound(std::uint64_t limit,
+                              std::vector<CompletionBound<Words>>& bounds) const;
     template <std::size_t Words>
     void Dive();
-    Outcome AnswerTree(TreeFamily& family, const std::vector<std::uint32_t>& edges,
-                       std::uint64_t weight, std::uint64_t lowerBound) const;
+    void AddTree(TreeFamily& family, std::span<const EdgeIndex> edges) const;
 
     Network& mBlock;
     Budget& mBudget;
     FlatNetwork mNetwork;
-    TreeGrower mGrower;
-    DualAscent mAscent;
-    std::uint64_t mKnownWeight;
-    std::uint64_t mLowerBound = 0;
-    std::uint32_t mBestRoot = 0;
-    SteinerTree mTree;
-    EdgeVerdicts mVerdicts;
+    BlockBounds mBounds;
+    /// The cuts exchanged for the search at hand, if any.
     std::optional<CutExchange> mExchange;
 };
 

@@ -1,11 +1,14 @@
 #include "Engine/Graph/Steiner/SteinerSolver.h"
 
+#include "Engine/Graph/Core/Distance.h"
 #include "Engine/Graph/Steiner/BlockSearch.h"
+#include "Engine/Graph/Steiner/BlockStages.h"
 #include "Engine/Graph/Steiner/List/TreeFamily.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
 #include "Engine/Graph/Steiner/Network/NetworkBuilder.h"
-#include "Engine/Graph/Steiner/Network/Saturated.h"
-#include "Engine/Graph/Steiner/Network/ZeroGroups.h"
+#include "Engine/Graph/Steiner/Network/SaturatingCount.h"
+#include "Engine/Graph/Steiner/Network/SearchTuning.h"
+#include "Engine/Graph/Steiner/Network/ZeroWeightComponents.h"
 #include "Engine/Graph/Steiner/Reduce/BlockSplit.h"
 #include "Engine/Graph/Steiner/Reduce/DegreeReduction.h"
 #include "Engine/Graph/Steiner/Reduce/DistanceReduction.h"
@@ -19,31 +22,9 @@ namespace {
 
 /// Trees with edges of weight 0 are counted one by one, so their count stops this far beyond
 /// those that are listed.
-constexpr std::uint64_t CountedBeyondList = 100000;
+constexpr std::uint64_t kCountedBeyondList = 100000;
 
-/// One part in so many of the time is kept back to improve the tree that is answered unproven.
-constexpr int ShareOfLastTree = 20;
-
-/// Which reductions a network is worth.
-enum class EReductions
-{
-    Degrees,
-    Distances,
-};
-
-/// A network that still is to be searched, and a weight that some tree of it does not exceed.
-struct OpenNetwork
-{
-    Network network;
-    std::uint64_t knownWeight;
-    /// How often its block was looked at before.
-    std::size_t round;
-    EReductions reductions;
-    /// What of its fixed strands is in the family already.
-    std::size_t takenStrands = 0;
-    std::uint64_t takenWeight = 0;
-};
-
+/// Takes the graph apart, has each block searched, and lists the trees over all of them.
 class SteinerSolver
 {
 public:
@@ -52,7 +33,7 @@ public:
         : mGraph(graph),
           mTerminals(std::move(terminals)),
           mLimits(limits),
-          mBudget(limits.time - limits.time / ShareOfLastTree, limits.memory),
+          mBudget(limits.time - limits.time / tuning::kShareOfLastTree, limits.memory),
           mFamily(mStrands)
     {}
 
@@ -63,10 +44,8 @@ private:
     void Reduce(OpenNetwork open);
     void TakeFixed(OpenNetwork& open);
     void SearchBlock(OpenNetwork open);
-    bool IsWorthReducing(std::size_t shed, std::size_t edgesBefore);
-    bool IsWorthMeasuring(const OpenNetwork& open);
     void ListTrees();
-    void ListTreesThrough(ZeroGroups& zeroGroups);
+    void ListTreesThrough(ZeroWeightComponents& components);
     void SortTrees();
 
     const GraphView& mGraph;
@@ -81,19 +60,19 @@ private:
 
 SteinerResult SteinerSolver::Solve()
 {
-    ZeroGroups zeroGroups(mGraph, mTerminals);
+    ZeroWeightComponents components(mGraph, mTerminals);
     std::optional<Network> network =
-        BuildNetwork(mGraph, mTerminals, zeroGroups.GetGroups(), mStrands);
+        BuildNetwork(mGraph, mTerminals, components.GetComponents(), mStrands);
     if (!network)
         return mResult;
     mResult.connected = true;
-    mOpen.push_back({std::move(*network), Saturated, 0, EReductions::Degrees});
+    mOpen.push_back({.network = std::move(*network), .knownWeight = kUnreached});
     while (!mOpen.empty())
         Reduce(TakeSmallest());
-    if (zeroGroups.GetGroups().empty())
+    if (components.GetComponents().empty())
         ListTrees();
     else
-        ListTreesThrough(zeroGroups);
+        ListTreesThrough(components);
     SortTrees();
     return std::move(mResult);
 }
@@ -123,11 +102,16 @@ void SteinerSolver::Reduce(OpenNetwork open)
         return;
     std::vector<Network> blocks = SplitIntoBlocks(network);
     if (blocks.size() == 1) {
-        SearchBlock({std::move(blocks.front()), open.knownWeight, open.round, open.reductions});
+        SearchBlock({.network = std::move(blocks.front()),
+                     .knownWeight = open.knownWeight,
+                     .round = open.round,
+                     .reductions = open.reductions});
         return;
     }
     for (Network& block : blocks)
-        mOpen.push_back({std::move(block), Saturated, 0, open.reductions});
+        mOpen.push_back({.network = std::move(block),
+                         .knownWeight = kUnreached,
+                         .reductions = open.reductions});
 }
 
 /// Takes over what was fixed in the network since the last time.
@@ -140,41 +124,17 @@ void SteinerSolver::TakeFixed(OpenNetwork& open)
     open.takenWeight += weight;
     mResult.weight += weight;
     mResult.lowerBound += weight;
-    if (open.knownWeight != Saturated)
+    if (open.knownWeight != kUnreached)
         open.knownWeight -= weight;
 }
 
 void SteinerSolver::SearchBlock(OpenNetwork open)
 {
-    BlockSearch search(open.network, open.knownWeight, mBudget);
-    const std::uint32_t edgesBefore = open.network.GetEdgeCount();
-    std::size_t shed = search.ShedFast(open.round);
-    const auto isChanged = [&] {
-        return IsWorthReducing(shed, edgesBefore) ||
-               (search.IsWorthContracting() && !mBudget.IsExhausted());
-    };
-    std::optional<BlockSearch::Outcome> outcome;
-    if (!isChanged())
-        outcome = search.SearchFast(mFamily);
-    if (!outcome && !isChanged())
-        shed += search.ShedThoroughly();
-    bool isWorthAgain = isChanged();
-    if (!outcome && !isWorthAgain) {
-        outcome = search.SearchSteadily(mFamily);
-        if (!outcome && IsWorthMeasuring(open)) {
-            open.reductions = EReductions::Distances;
-            isWorthAgain = true;
-        }
-    }
-    if (!outcome && isWorthAgain) {
-        open.knownWeight = search.GetKnownWeight();
-        search.ContractForced();
-        ++open.round;
+    const std::optional<BlockSearch::Outcome> outcome = BlockStages(open, mFamily, mBudget).Run();
+    if (!outcome) {
         mOpen.push_back(std::move(open));
         return;
     }
-    if (!outcome)
-        outcome = search.Search(mFamily);
     mResult.weight += outcome->weight;
     mResult.lowerBound += outcome->lowerBound;
     if (outcome->weight != outcome->lowerBound)
@@ -183,27 +143,10 @@ void SteinerSolver::SearchBlock(OpenNetwork open)
         mResult.countProof = ECount::AtLeast;
 }
 
-/// Says whether so much was shed that the reductions may find more.
-bool SteinerSolver::IsWorthReducing(std::size_t shed, std::size_t edgesBefore)
-{
-    return 20 * shed > edgesBefore && !mBudget.IsExhausted();
-}
-
-/// Says whether the dearer reductions, not applied to it so far, find enough in a hard network.
-bool SteinerSolver::IsWorthMeasuring(const OpenNetwork& open)
-{
-    if (open.reductions == EReductions::Distances)
-        return false;
-    Network reduced = open.network;
-    ReduceByDistances(reduced, mBudget);
-    const std::uint32_t edges = open.network.GetEdgeCount();
-    return IsWorthReducing(edges - reduced.GetEdgeCount(), edges);
-}
-
 void SteinerSolver::ListTrees()
 {
     mResult.count = mFamily.GetCount();
-    if (mResult.count == Saturated)
+    if (mResult.count == kSaturatedCount)
         mResult.countProof = ECount::AtLeast;
     const std::uint64_t listed = std::min<std::uint64_t>(mResult.count, mLimits.maximumTrees);
     for (std::uint64_t rank = 0; rank < listed; ++rank) {
@@ -213,20 +156,21 @@ void SteinerSolver::ListTrees()
     }
 }
 
-/// Lists every tree over the groups with every way to run through the groups.
-void SteinerSolver::ListTreesThrough(ZeroGroups& zeroGroups)
+/// Lists every tree over the components with every path through them.
+void SteinerSolver::ListTreesThrough(ZeroWeightComponents& components)
 {
-    const std::uint64_t most = mLimits.maximumTrees + CountedBeyondList;
+    const std::uint64_t most = mLimits.maximumTrees + kCountedBeyondList;
     const auto take = [this, most](const std::vector<EdgeIndex>& tree) {
         if (mResult.trees.size() < mLimits.maximumTrees)
             mResult.trees.push_back(tree);
         ++mResult.count;
-        return mResult.count < most ? ZeroGroups::EStep::Continue : ZeroGroups::EStep::Stop;
+        return mResult.count < most ? ZeroWeightComponents::EStep::Continue
+                                    : ZeroWeightComponents::EStep::Stop;
     };
     for (std::uint64_t rank = 0; rank < mFamily.GetCount(); ++rank) {
         const std::vector<EdgeIndex> outer = mFamily.GetTree(rank);
-        const ZeroGroups::EStep step = zeroGroups.ForEachTree(outer, mBudget, take);
-        if (step == ZeroGroups::EStep::Stop || mBudget.IsExhausted()) {
+        const ZeroWeightComponents::EStep step = components.ForEachTree(outer, mBudget, take);
+        if (step == ZeroWeightComponents::EStep::Stop || mBudget.IsExhausted()) {
             mResult.countProof = ECount::AtLeast;
             return;
         }

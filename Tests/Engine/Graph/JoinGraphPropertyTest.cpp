@@ -89,7 +89,7 @@ struct Answers
     friend bool operator==(const Answers&, const Answers&) = default;
 };
 
-// Asks everything but the cheapest trees.
+// Asks for everything but the minimum Steiner trees.
 Answers AskAll(AQE_I_UndirectedGraph& graph, std::size_t nodeCount)
 {
     Answers answers;

@@ -140,7 +140,7 @@ TEST(JoinGraph, PathsOfALargeGraphEndAtTheBoundWithTheLightest)
     EXPECT_LT(paths[998], paths[999]);
 }
 
-TEST(JoinGraph, GivesNoPathsWithoutNodesAndAddsToTheEdgesOfATree)
+TEST(JoinGraph, HasNoPathsWithoutNodesAndAddsToTheEdgesOfATree)
 {
     std::vector<std::vector<amd_id>> paths;
     GraphText("").Get().GetPaths(paths);

@@ -40,32 +40,32 @@ SteinerGraph DrawGrid(std::mt19937& random, std::uint32_t side, std::uint32_t te
 class CutChecker : public CutObserver
 {
 public:
-    CutChecker(const FlatNetwork& network, std::uint32_t root)
+    CutChecker(const FlatNetwork& network, NodeIndex root)
         : charged(network.GetHalfCount()), mNetwork(network), mRoot(root)
     {}
 
-    void Raise(std::span<const std::uint32_t> nodes, std::span<const std::uint32_t> /*entering*/,
+    void Raise(std::span<const NodeIndex> nodes, std::span<const ArcSlot> /*entering*/,
                std::uint64_t price) override
     {
-        const std::set<std::uint32_t> set(nodes.begin(), nodes.end());
+        const std::set<NodeIndex> set(nodes.begin(), nodes.end());
         EXPECT_EQ(set.count(mRoot), 0U);
         EXPECT_TRUE(std::any_of(set.begin(), set.end(),
-                                [this](std::uint32_t node) { return mNetwork.IsTerminal(node); }));
+                                [this](NodeIndex node) { return mNetwork.IsTerminal(node); }));
         sum += price;
-        for (const std::uint32_t node : set) {
+        for (const NodeIndex node : set) {
             for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
                 if (set.count(arc.target) == 0)
-                    charged[arc.half ^ 1U] += price;
+                    charged[arc.half.Reversed()] += price;
             }
         }
     }
 
     std::uint64_t sum = 0;
-    std::vector<std::uint64_t> charged;
+    IndexedVector<HalfEdge, std::uint64_t> charged;
 
 private:
     const FlatNetwork& mNetwork;
-    std::uint32_t mRoot;
+    NodeIndex mRoot;
 };
 
 class SteinerBlock : public testing::Test
@@ -83,7 +83,7 @@ TEST_F(SteinerBlock, ExchangedCutsAddUpAndProveMoreThanTheAscentButNeverTooMuch)
         StrandPool strands;
         const Network network = *BuildNetwork(graph.View(), graph.terminals, {}, strands);
         const FlatNetwork flat(network);
-        const std::uint32_t root = flat.GetTerminals()[mRandom() % flat.GetTerminals().size()];
+        const NodeIndex root = flat.GetTerminals()[mRandom() % flat.GetTerminals().size()];
         const std::uint64_t optimum = FindCheapestTrees(graph.View(), graph.terminals, {}).weight;
         CutExchange exchange(flat, root, {}, mBudget);
         const std::uint64_t atFirst = exchange.GetAscent().GetBound();
@@ -94,9 +94,9 @@ TEST_F(SteinerBlock, ExchangedCutsAddUpAndProveMoreThanTheAscentButNeverTooMuch)
         CutChecker checker(flat, root);
         exchange.Report(checker);
         EXPECT_EQ(checker.sum, exchange.GetAscent().GetBound());
-        for (std::uint32_t half = 0; half < flat.GetHalfCount(); ++half)
+        for (const HalfEdge half : flat.GetHalves())
             EXPECT_EQ(exchange.GetAscent().GetReduced(half) + checker.charged[half],
-                      flat.GetWeight(half / 2));
+                      flat.GetWeight(half.Edge()));
     }
     EXPECT_GT(gained, 20U);
 }
@@ -111,7 +111,7 @@ TEST_F(SteinerBlock, HasTheSameTreesHoweverMuchEffortFindsThem)
             Network block = network;
             TreeFamily family(strands);
             BlockSearch blockSearch(block, 1'000'000, mBudget);
-            blockSearch.ShedFast(0);
+            blockSearch.PruneQuickly(0);
             const std::optional<Outcome> outcome = find(blockSearch, family);
             EXPECT_TRUE(outcome && outcome->weight == outcome->lowerBound);
             std::set<std::vector<EdgeIndex>> trees;
@@ -122,12 +122,13 @@ TEST_F(SteinerBlock, HasTheSameTreesHoweverMuchEffortFindsThem)
             return std::tuple(outcome ? outcome->weight : 0, family.GetCount(),
                               family.GetCount() > 500 ? decltype(trees){} : trees);
         };
-        const auto steadily = search(
-            [](BlockSearch& block, TreeFamily& family) { return block.SearchSteadily(family); });
+        const auto withMoreEffort = search([](BlockSearch& block, TreeFamily& family) {
+            return block.SearchWithMoreEffort(family);
+        });
         const auto last = search([](BlockSearch& block, TreeFamily& family) {
             return std::optional(block.Search(family));
         });
-        EXPECT_TRUE(steadily == last);
+        EXPECT_TRUE(withMoreEffort == last);
     }
 }
 

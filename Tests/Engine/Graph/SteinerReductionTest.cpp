@@ -1,9 +1,6 @@
 #include "Engine/Graph/Steiner/Network/Budget.h"
 #include "Engine/Graph/Steiner/Network/NetworkBuilder.h"
-#include "Engine/Graph/Steiner/Reduce/BranchReduction.h"
-#include "Engine/Graph/Steiner/Reduce/DearEdgeReduction.h"
 #include "Engine/Graph/Steiner/Reduce/DistanceReduction.h"
-#include "Engine/Graph/Steiner/Reduce/NearestNodeReduction.h"
 #include "Engine/Graph/Steiner/Reduce/SpecialDistances.h"
 #include "Tests/Support/SmallGraph.h"
 #include "Tests/Support/SteinerGraphReader.h"
@@ -24,7 +21,7 @@ namespace {
 using test::SmallGraph;
 using Trees = std::set<SmallGraph::EdgeSet>;
 
-/// Lays out every tree that runs through the strands.
+/// Returns every tree that runs through the strands.
 Trees Expand(const StrandPool& strands, const std::vector<StrandIndex>& tree)
 {
     Trees expanded{{}};
@@ -46,23 +43,24 @@ Trees Expand(const StrandPool& strands, const std::vector<StrandIndex>& tree)
     return expanded;
 }
 
-/// Finds all lightest trees of what is left of a network, as edges of the graph it was made of.
+/// Returns all minimum Steiner trees of what is left of a network, as edges of the graph it was
+/// made of.
 Trees SearchExhaustively(const Network& network)
 {
     SmallGraph rest;
     rest.nodeCount = network.GetNodeLimit();
     std::vector<StrandIndex> strands;
-    for (std::uint32_t edge = 0; edge < network.GetEdgeLimit(); ++edge) {
+    for (const EdgeIndex edge : network.GetEdgeIndices()) {
         if (!network.HasEdge(edge))
             continue;
-        rest.edges.push_back({network.GetOrigin(2 * edge), network.GetOrigin(2 * edge + 1),
-                              static_cast<int>(network.GetWeight(edge))});
+        const auto [end1, end2] = network.GetEnds(edge);
+        rest.edges.push_back({end1.value, end2.value, static_cast<int>(network.GetWeight(edge))});
         strands.push_back(network.GetStrand(edge));
     }
     std::vector<std::size_t> terminals;
-    for (std::uint32_t node = 0; node < network.GetNodeLimit(); ++node) {
+    for (const NodeIndex node : network.GetNodes()) {
         if (network.IsTerminal(node))
-            terminals.push_back(node);
+            terminals.push_back(node.value);
     }
     Trees all;
     const std::optional<SmallGraph::Trees> found = rest.FindCheapestTrees(terminals);
@@ -90,7 +88,7 @@ void PrintTo(const Reduction& reduction, std::ostream* out)
 class SteinerReduction : public testing::TestWithParam<Reduction>
 {};
 
-TEST_P(SteinerReduction, KeepsEveryLightestTreeAndIsOfUse)
+TEST_P(SteinerReduction, KeepsEveryMinimumSteinerTreeAndIsOfUse)
 {
     std::mt19937 random(20240612);
     const auto below = [&](std::size_t count) { return random() % count; };
@@ -139,14 +137,19 @@ void ApplyAll(Network& network)
 
 INSTANTIATE_TEST_SUITE_P(
     Each, SteinerReduction,
-    testing::Values(
-        Reduction{"DearEdge",
-                  [](Network& network) { RemoveDearEdges(network, SpecialDistances(network)); }},
-        Reduction{"Branch",
-                  [](Network& network) { BypassBranchless(network, SpecialDistances(network)); }},
-        Reduction{"NearestNode",
-                  [](Network& network) { ContractNearest(network, SpecialDistances(network)); }},
-        Reduction{"All", ApplyAll}),
+    testing::Values(Reduction{"LongEdge",
+                              [](Network& network) {
+                                  RemoveLongEdges(network, SpecialDistances(network));
+                              }},
+                    Reduction{"DegreeThree",
+                              [](Network& network) {
+                                  BypassDegreeThreeNodes(network, SpecialDistances(network));
+                              }},
+                    Reduction{"NearestVertex",
+                              [](Network& network) {
+                                  ContractNearestVertices(network, SpecialDistances(network));
+                              }},
+                    Reduction{"All", ApplyAll}),
     [](const auto& row) { return std::string(row.param.name); });
 
 } // namespace

@@ -194,17 +194,17 @@ INSTANTIATE_TEST_SUITE_P(
 /// Draws a dense graph with equal weights, on which exact search is hopeless.
 SteinerGraph DrawHostileGraph()
 {
-    constexpr std::uint32_t NodeCount = 200;
+    constexpr std::uint32_t kNodeCount = 200;
     std::mt19937 random(7);
     SteinerGraph graph;
     for (std::uint32_t edge = 0; edge < 5000; ++edge) {
-        const auto draw = [&] { return static_cast<std::uint32_t>(random() % NodeCount); };
-        const std::uint32_t end1 = edge < NodeCount ? edge : draw();
+        const auto draw = [&] { return static_cast<std::uint32_t>(random() % kNodeCount); };
+        const std::uint32_t end1 = edge < kNodeCount ? edge : draw();
         graph.edges.push_back({{end1}, {draw()}, 1});
     }
     for (std::uint32_t terminal = 0; terminal < 40; ++terminal)
         graph.terminals.push_back({terminal * 5});
-    graph.Freeze(NodeCount);
+    graph.Freeze(kNodeCount);
     return graph;
 }
 

@@ -1,35 +1,20 @@
 #include "Engine/Graph/Steiner/Bound/CutExchange.h"
 
 #include "Engine/Graph/Steiner/Network/Budget.h"
+#include "Engine/Graph/Steiner/Network/SearchTuning.h"
 
 #include <algorithm>
-#include <functional>
 #include <iterator>
-#include <queue>
-#include <unordered_map>
 #include <utility>
 
 namespace qe::graph {
 
-namespace {
-
-/// Around how many terminals at most an exchange takes cuts back, and how many of ten.
-constexpr std::size_t MostChosen = 6;
-constexpr std::uint32_t TakenOfTen = 6;
-
-/// So many exchanges that cost so much work have to close one part in so many of the gap, or they
-/// are the last.
-constexpr int BatchSize = 512;
-constexpr std::uint64_t BatchWork = 10'000'000;
-constexpr std::uint64_t WorthwhileShare = 50;
-
-} // namespace
-
-CutExchange::CutExchange(const FlatNetwork& network, std::uint32_t root,
-                         std::span<const std::uint32_t> guide, Budget& budget)
+CutExchange::CutExchange(const FlatNetwork& network, NodeIndex root,
+                         std::span<const EdgeIndex> guide, Budget& budget)
     : mNetwork(network),
       mBudget(budget),
       mAscent(network),
+      mSearch(network.GetNodeCount()),
       mNearest(network.GetTerminals().size()),
       mIsChosen(network.GetNodeCount(), 0)
 {
@@ -46,13 +31,13 @@ CutExchange::EOutcome CutExchange::Improve(std::uint64_t knownWeight, std::uint6
     const std::uint64_t end = mAscent.GetWork() + work;
     while (mAscent.GetWork() < end) {
         const std::uint64_t before = mAscent.GetBound();
-        const std::uint64_t batchEnd = mAscent.GetWork() + BatchWork;
-        for (int count = 0; count < BatchSize || mAscent.GetWork() < batchEnd; ++count) {
+        const std::uint64_t batchEnd = mAscent.GetWork() + tuning::kBatchWork;
+        for (int count = 0; count < tuning::kBatchSize || mAscent.GetWork() < batchEnd; ++count) {
             if (mAscent.GetBound() >= knownWeight || mBudget.IsExhausted())
                 return EOutcome::Stuck;
             Exchange();
         }
-        if (WorthwhileShare * (mAscent.GetBound() - before) < knownWeight - before)
+        if (tuning::kWorthwhileShare * (mAscent.GetBound() - before) < knownWeight - before)
             return EOutcome::Stuck;
     }
     return EOutcome::Promising;
@@ -64,13 +49,15 @@ void CutExchange::Report(CutObserver& observer) const
         observer.Raise(cut.nodes, cut.entering, cut.price);
 }
 
-void CutExchange::Raise(std::span<const std::uint32_t> nodes,
-                        std::span<const std::uint32_t> entering, std::uint64_t price)
+void CutExchange::Raise(std::span<const NodeIndex> nodes, std::span<const ArcSlot> entering,
+                        std::uint64_t price)
 {
-    Cut& cut = mCuts.emplace_back(
-        Cut{{nodes.begin(), nodes.end()}, {entering.begin(), entering.end()}, {}, price});
+    Cut& cut = mCuts.emplace_back(Cut{.nodes = {nodes.begin(), nodes.end()},
+                                      .entering = {entering.begin(), entering.end()},
+                                      .terminals = {},
+                                      .price = price});
     std::copy_if(nodes.begin(), nodes.end(), std::back_inserter(cut.terminals),
-                 [this](std::uint32_t node) { return mNetwork.IsTerminal(node); });
+                 [this](NodeIndex node) { return mNetwork.IsTerminal(node); });
     mBudget.Charge(GetBytes(cut));
     mCharged += GetBytes(cut);
 }
@@ -98,39 +85,29 @@ void CutExchange::Exchange()
 /// Chooses a terminal and some of those nearest to it.
 void CutExchange::ChooseTerminals()
 {
-    const std::span<const std::uint32_t> terminals = mNetwork.GetTerminals();
-    std::fill(mIsChosen.begin(), mIsChosen.end(), std::uint8_t{0});
+    const std::span<const NodeIndex> terminals = mNetwork.GetTerminals();
+    mIsChosen.assign(mNetwork.GetNodeCount(), 0);
     const std::size_t centre = mRandom() % terminals.size();
     if (mNearest[centre].empty())
         mNearest[centre] = FindNearest(terminals[centre]);
     const std::size_t count = 1 + mRandom() % mNearest[centre].size();
-    for (const std::uint32_t terminal : std::span(mNearest[centre]).first(count))
+    for (const NodeIndex terminal : std::span(mNearest[centre]).first(count))
         mIsChosen[terminal] = 1;
 }
 
-std::vector<std::uint32_t> CutExchange::FindNearest(std::uint32_t terminal) const
+std::vector<NodeIndex> CutExchange::FindNearest(NodeIndex terminal)
 {
-    using QueueEntry = std::pair<std::uint64_t, std::uint32_t>;
-    std::priority_queue<QueueEntry, std::vector<QueueEntry>, std::greater<>> queue;
-    std::unordered_map<std::uint32_t, std::uint64_t> distances{{terminal, 0}};
-    std::vector<std::uint32_t> nearest;
-    queue.emplace(0, terminal);
-    while (!queue.empty() && nearest.size() < MostChosen) {
-        const auto [distance, node] = queue.top();
-        queue.pop();
-        if (distance > distances[node])
-            continue;
+    std::vector<NodeIndex> nearest;
+    mSearch.Reset();
+    mSearch.Reach(terminal, 0);
+    mSearch.Run([&](NodeIndex node, std::uint64_t distance) {
         if (mNetwork.IsTerminal(node))
             nearest.push_back(node);
-        for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
-            const std::uint64_t next = distance + arc.weight;
-            const auto [place, isNew] = distances.try_emplace(arc.target, next);
-            if (!isNew && next >= place->second)
-                continue;
-            place->second = next;
-            queue.emplace(next, arc.target);
-        }
-    }
+        for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node))
+            mSearch.Reach(arc.target, distance + arc.weight);
+        return nearest.size() < tuning::kMostChosen ? DijkstraSearch::EStep::Continue
+                                                    : DijkstraSearch::EStep::Stop;
+    });
     return nearest;
 }
 
@@ -139,8 +116,8 @@ void CutExchange::SetAside()
 {
     const auto isKept = [this](const Cut& cut) {
         return std::none_of(cut.terminals.begin(), cut.terminals.end(),
-                            [this](std::uint32_t node) { return mIsChosen[node] != 0; }) ||
-               mRandom() % 10 >= TakenOfTen;
+                            [this](NodeIndex node) { return mIsChosen[node] != 0; }) ||
+               mRandom() % 10 >= tuning::kTakenOfTen;
     };
     const auto first = std::partition(mCuts.begin(), mCuts.end(), isKept);
     std::move(first, mCuts.end(), std::back_inserter(mAside));

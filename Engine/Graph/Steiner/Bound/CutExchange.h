@@ -1,6 +1,7 @@
 #ifndef ENGINE_GRAPH_STEINER_BOUND_CUTEXCHANGE_H
 #define ENGINE_GRAPH_STEINER_BOUND_CUTEXCHANGE_H
 
+#include "Engine/Graph/Core/Dijkstra.h"
 #include "Engine/Graph/Steiner/Bound/DualAscent.h"
 #include "Engine/Graph/Steiner/Network/FlatNetwork.h"
 
@@ -28,9 +29,10 @@ class Budget;
 class CutExchange : private CutObserver
 {
 public:
-    /// Bounds the optimum by an ascent from the root along a light tree.
-    CutExchange(const FlatNetwork& network, std::uint32_t root,
-                std::span<const std::uint32_t> guide, Budget& budget);
+    /// Bounds the optimum by an ascent from the root, guided by a light tree. Keeps references to
+    /// network and budget, and charges the budget for the cuts it holds.
+    CutExchange(const FlatNetwork& network, NodeIndex root, std::span<const EdgeIndex> guide,
+                Budget& budget);
     CutExchange(const CutExchange&) = delete;
     CutExchange& operator=(const CutExchange&) = delete;
     ~CutExchange() override;
@@ -44,26 +46,26 @@ public:
     /// that closes little more of the gap between the bound and a weight that some tree has.
     EOutcome Improve(std::uint64_t knownWeight, std::uint64_t work);
 
-    /// Answers the ascent with its bound and reduced weights as the cuts at hand make them.
+    /// Returns the ascent with its bound and reduced weights as the cuts at hand make them.
     [[nodiscard]] const DualAscent& GetAscent() const { return mAscent; }
 
-    /// Hands over the cuts at hand.
+    /// Raises the cuts at hand before the observer.
     void Report(CutObserver& observer) const;
 
 private:
     struct Cut
     {
-        std::vector<std::uint32_t> nodes;
-        std::vector<std::uint32_t> entering;
-        std::vector<std::uint32_t> terminals;
+        std::vector<NodeIndex> nodes;
+        std::vector<ArcSlot> entering;
+        std::vector<NodeIndex> terminals;
         std::uint64_t price;
     };
 
-    void Raise(std::span<const std::uint32_t> nodes, std::span<const std::uint32_t> entering,
+    void Raise(std::span<const NodeIndex> nodes, std::span<const ArcSlot> entering,
                std::uint64_t price) override;
     void Exchange();
     void ChooseTerminals();
-    [[nodiscard]] std::vector<std::uint32_t> FindNearest(std::uint32_t terminal) const;
+    [[nodiscard]] std::vector<NodeIndex> FindNearest(NodeIndex terminal);
     void SetAside();
     void Restore(std::size_t kept);
     void Discharge(const Cut& cut);
@@ -72,12 +74,13 @@ private:
     const FlatNetwork& mNetwork;
     Budget& mBudget;
     DualAscent mAscent;
+    DijkstraSearch mSearch;
     std::vector<Cut> mCuts;
     /// What the exchange at hand took back, and then what it leaves to be dropped.
     std::vector<Cut> mAside;
     /// For each terminal those nearest to it, itself first; found when first asked for.
-    std::vector<std::vector<std::uint32_t>> mNearest;
-    std::vector<std::uint8_t> mIsChosen;
+    std::vector<std::vector<NodeIndex>> mNearest;
+    IndexedVector<NodeIndex, std::uint8_t> mIsChosen;
     std::mt19937 mRandom;
     std::size_t mCharged = 0;
 };

@@ -1,18 +1,20 @@
 #include "Engine/Graph/Steiner/Bound/DualAscent.h"
 
+#include "Engine/Graph/Core/Distance.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
-#include "Engine/Graph/Steiner/Network/Saturated.h"
+#include "Engine/Graph/Steiner/Network/SearchTuning.h"
 
 #include <algorithm>
 #include <functional>
+#include <limits>
 #include <queue>
 
 namespace qe::graph {
 
 namespace {
 
-/// What one needless entry of the guiding tree into a set weighs against the set's size.
-constexpr std::uint64_t GuidePenalty = 1U << 20;
+/// The limit of costs below which every set is raised.
+constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 
 } // namespace
 
@@ -23,30 +25,29 @@ DualAscent::DualAscent(const FlatNetwork& network)
       mStamps(network.GetNodeCount())
 {
     mFirstSlot.reserve(network.GetNodeCount() + 1);
-    mOrigins.reserve(network.GetHalfCount());
     mFirstSlot.push_back(0);
-    for (std::uint32_t node = 0; node < network.GetNodeCount(); ++node) {
+    for (const NodeIndex node : network.GetNodes()) {
         for (const FlatNetwork::Arc& arc : network.GetArcs(node)) {
-            mSlots[arc.half ^ 1U] = static_cast<std::uint32_t>(mOrigins.size());
+            mSlots[arc.half.Reversed()] = {mOrigins.size()};
             mOrigins.push_back(arc.target);
         }
-        mFirstSlot.push_back(static_cast<std::uint32_t>(mOrigins.size()));
+        mFirstSlot.push_back(mOrigins.size());
     }
 }
 
-void DualAscent::Run(std::uint32_t root, std::span<const std::uint32_t> guide, Budget& budget,
+void DualAscent::Run(NodeIndex root, std::span<const EdgeIndex> guide, Budget& budget,
                      CutObserver* observer)
 {
     mRoot = root;
     SetGuide(guide);
     mBound = 0;
     mReduced.resize(mNetwork.GetHalfCount());
-    for (std::uint32_t half = 0; half < mNetwork.GetHalfCount(); ++half)
-        mReduced[mSlots[half]] = mNetwork.GetWeight(half / 2);
+    for (const HalfEdge half : mNetwork.GetHalves())
+        mReduced[mSlots[half]] = mNetwork.GetWeight(half.Edge());
     mIsReached.assign(mNetwork.GetNodeCount(), 0);
     mIsReached[root] = 1;
     std::priority_queue<Entry, std::vector<Entry>, std::greater<>> queue;
-    for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
+    for (const NodeIndex terminal : mNetwork.GetTerminals()) {
         mIsActive[terminal] = terminal != root;
         if (terminal != root)
             queue.push({mNetwork.GetArcs(terminal).size(), terminal});
@@ -54,8 +55,8 @@ void DualAscent::Run(std::uint32_t root, std::span<const std::uint32_t> guide, B
     while (!queue.empty() && !budget.IsExhausted()) {
         Entry entry = queue.top();
         queue.pop();
-        const std::uint64_t limit = queue.empty() ? Saturated : queue.top().cost;
-        if (Ascend(entry.terminal, limit, entry.cost, observer) == EOutcome::Paused)
+        const std::uint64_t limit = queue.empty() ? kNoLimit : queue.top().cost;
+        if (Ascend(entry, limit, observer) == EOutcome::Paused)
             queue.push(entry);
         else
             mIsActive[entry.terminal] = 0;
@@ -66,46 +67,46 @@ void DualAscent::Resume(std::mt19937& random, Budget& budget, CutObserver& obser
 {
     mIsReached.assign(mNetwork.GetNodeCount(), 0);
     MarkFrom(mRoot, mIsReached);
-    const std::vector<std::uint32_t> speakers = ChooseSpeakers(random);
-    for (const std::uint32_t terminal : speakers)
+    const std::vector<NodeIndex> representatives = ChooseRepresentatives(random);
+    for (const NodeIndex terminal : representatives)
         mIsActive[terminal] = 1;
-    for (const std::uint32_t terminal : speakers) {
-        std::uint64_t cost = 0;
+    for (const NodeIndex terminal : representatives) {
+        Entry entry{.cost = 0, .terminal = terminal};
         if (!budget.IsExhausted())
-            Ascend(terminal, Saturated, cost, &observer);
+            Ascend(entry, kNoLimit, &observer);
         mIsActive[terminal] = 0;
     }
 }
 
-/// Orders the terminals that the root does not reach by arcs with nothing left, and drops those
-/// that a later one reaches so: in their turn, the later one would speak for them.
-std::vector<std::uint32_t> DualAscent::ChooseSpeakers(std::mt19937& random)
+/// Returns the terminals that the root does not reach by arcs with nothing left, in random order,
+/// without those that a later one reaches so: in their turn, the later one would represent them.
+std::vector<NodeIndex> DualAscent::ChooseRepresentatives(std::mt19937& random)
 {
-    std::vector<std::uint32_t> unreached;
-    for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
+    std::vector<NodeIndex> unreached;
+    for (const NodeIndex terminal : mNetwork.GetTerminals()) {
         if (mIsReached[terminal] == 0)
             unreached.push_back(terminal);
     }
     std::shuffle(unreached.begin(), unreached.end(), random);
-    mIsSpokenFor = mIsReached;
-    std::vector<std::uint32_t> speakers;
-    for (const std::uint32_t terminal : unreached) {
-        if (mIsSpokenFor[terminal] == 0) {
-            speakers.push_back(terminal);
-            MarkFrom(terminal, mIsSpokenFor);
+    mIsRepresented = mIsReached;
+    std::vector<NodeIndex> representatives;
+    for (const NodeIndex terminal : unreached) {
+        if (mIsRepresented[terminal] == 0) {
+            representatives.push_back(terminal);
+            MarkFrom(terminal, mIsRepresented);
         }
     }
-    std::reverse(speakers.begin(), speakers.end());
-    return speakers;
+    std::reverse(representatives.begin(), representatives.end());
+    return representatives;
 }
 
 /// Marks the node and what it reaches by arcs with nothing left and over nodes without a mark.
-void DualAscent::MarkFrom(std::uint32_t node, std::vector<std::uint8_t>& marks)
+void DualAscent::MarkFrom(NodeIndex node, NodeMarks& marks)
 {
     marks[node] = 1;
     mOpen.assign(1, node);
     while (!mOpen.empty()) {
-        const std::uint32_t current = mOpen.back();
+        const NodeIndex current = mOpen.back();
         mOpen.pop_back();
         mWork += mNetwork.GetArcs(current).size();
         for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(current)) {
@@ -117,28 +118,27 @@ void DualAscent::MarkFrom(std::uint32_t node, std::vector<std::uint8_t>& marks)
     }
 }
 
-void DualAscent::TakeBack(std::span<const std::uint32_t> entering, std::uint64_t price)
+void DualAscent::TakeBack(std::span<const ArcSlot> entering, std::uint64_t price)
 {
     mBound -= price;
-    for (const std::uint32_t slot : entering)
+    for (const ArcSlot slot : entering)
         mReduced[slot] += price;
 }
 
-void DualAscent::Charge(std::span<const std::uint32_t> entering, std::uint64_t price)
+void DualAscent::Charge(std::span<const ArcSlot> entering, std::uint64_t price)
 {
     mBound += price;
-    for (const std::uint32_t slot : entering)
+    for (const ArcSlot slot : entering)
         mReduced[slot] -= price;
 }
 
 /// Turns the edges of the guiding tree away from the root.
-void DualAscent::SetGuide(std::span<const std::uint32_t> guide)
+void DualAscent::SetGuide(std::span<const EdgeIndex> guide)
 {
     mIsGuide.assign(mNetwork.GetHalfCount(), 0);
-    for (const std::uint32_t edge : guide) {
-        const std::uint32_t half = 2 * edge;
-        mIsGuide[mSlots[half]] = 1;
-        mIsGuide[mSlots[half + 1]] = 1;
+    for (const EdgeIndex edge : guide) {
+        mIsGuide[mSlots[HalfEdge::Forward(edge)]] = 1;
+        mIsGuide[mSlots[HalfEdge::Backward(edge)]] = 1;
     }
     if (guide.empty())
         return;
@@ -147,62 +147,65 @@ void DualAscent::SetGuide(std::span<const std::uint32_t> guide)
         for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(mSet[place])) {
             if (mIsGuide[mSlots[arc.half]] == 0)
                 continue;
-            mIsGuide[mSlots[arc.half ^ 1U]] = 0;
+            mIsGuide[mSlots[arc.half.Reversed()]] = 0;
             mSet.push_back(arc.target);
         }
     }
 }
 
-/// Answers what raising the set at hand costs in later chances.
+/// Returns what raising the set at hand costs in later chances.
 std::uint64_t DualAscent::GetCost() const
 {
     std::uint64_t crossings = 0;
-    for (const std::uint32_t slot : mEntering)
+    for (const ArcSlot slot : mEntering)
         crossings += mIsGuide[slot];
     const std::uint64_t detours = crossings > 1 ? crossings - 1 : 0;
-    return detours * GuidePenalty + mEntering.size();
+    return detours * tuning::kGuidePenalty + mEntering.size();
 }
 
-DualAscent::EOutcome DualAscent::Ascend(std::uint32_t terminal, std::uint64_t costLimit,
-                                        std::uint64_t& cost, CutObserver* observer)
+/// Raises sets around the entry's terminal up to the limit of costs. Updates the entry's cost when
+/// it pauses there.
+DualAscent::EOutcome DualAscent::Ascend(Entry& entry, std::uint64_t costLimit,
+                                        CutObserver* observer)
 {
     ++mStamp;
-    mStamps[terminal] = mStamp;
-    mSet.assign(1, terminal);
+    mStamps[entry.terminal] = mStamp;
+    mSet.assign(1, entry.terminal);
     mSpread = 0;
     mEntering.clear();
-    // A set somewhat above the limit is raised all the same: it was just built, and building it
-    // again costs more than the order is worth.
-    const std::uint64_t eagerLimit = costLimit == Saturated ? Saturated : costLimit * 5 / 4;
+    const std::uint64_t eagerLimit =
+        costLimit == kNoLimit ? kNoLimit : costLimit * tuning::kEagerQuarters / 4;
     for (bool isFirst = true;; isFirst = false) {
-        if (!Spread(terminal))
+        if (!Spread(entry.terminal))
             return EOutcome::Finished;
         std::erase_if(mEntering,
-                      [this](std::uint32_t slot) { return mStamps[mOrigins[slot]] == mStamp; });
+                      [this](ArcSlot slot) { return mStamps[mOrigins[slot]] == mStamp; });
         if (mEntering.empty())
             return EOutcome::Finished;
-        cost = GetCost();
-        if (cost > (isFirst ? costLimit : eagerLimit))
+        entry.cost = GetCost();
+        if (entry.cost > (isFirst ? costLimit : eagerLimit))
             return EOutcome::Paused;
         RaiseCut(observer);
     }
 }
 
-/// Grows the set by all nodes that reach it by arcs with nothing left. Says false when one of
-/// them is reached from the root, or is another active terminal, which then speaks for the set.
-bool DualAscent::Spread(std::uint32_t terminal)
+/// Grows the set by all nodes that reach it by arcs with nothing left. Returns false when one of
+/// them is reached from the root, or is another active terminal, which then represents the set.
+bool DualAscent::Spread(NodeIndex terminal)
 {
     for (; mSpread < mSet.size(); ++mSpread) {
-        const std::uint32_t node = mSet[mSpread];
+        const NodeIndex node = mSet[mSpread];
         if (mIsReached[node] != 0) {
             MarkFrom(node, mIsReached);
             return false;
         }
         if (node != terminal && mIsActive[node] != 0)
             return false;
-        mWork += mFirstSlot[node + 1] - mFirstSlot[node];
-        for (std::uint32_t slot = mFirstSlot[node]; slot < mFirstSlot[node + 1]; ++slot) {
-            const std::uint32_t origin = mOrigins[slot];
+        mWork += mFirstSlot[node.value + 1] - mFirstSlot[node.value];
+        for (std::uint32_t place = mFirstSlot[node.value]; place < mFirstSlot[node.value + 1];
+             ++place) {
+            const ArcSlot slot{place};
+            const NodeIndex origin = mOrigins[slot];
             if (mStamps[origin] == mStamp)
                 continue;
             if (mReduced[slot] != 0) {
@@ -219,15 +222,15 @@ bool DualAscent::Spread(std::uint32_t terminal)
 void DualAscent::RaiseCut(CutObserver* observer)
 {
     mWork += mEntering.size();
-    std::uint64_t price = Saturated;
-    for (const std::uint32_t slot : mEntering)
+    std::uint64_t price = kUnreached;
+    for (const ArcSlot slot : mEntering)
         price = std::min(price, mReduced[slot]);
     mBound += price;
     if (observer != nullptr)
         observer->Raise(mSet, mEntering, price);
-    for (const std::uint32_t slot : mEntering) {
+    for (const ArcSlot slot : mEntering) {
         mReduced[slot] -= price;
-        const std::uint32_t origin = mOrigins[slot];
+        const NodeIndex origin = mOrigins[slot];
         if (mReduced[slot] == 0 && mStamps[origin] != mStamp) {
             mStamps[origin] = mStamp;
             mSet.push_back(origin);

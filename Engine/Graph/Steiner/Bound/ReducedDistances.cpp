@@ -2,76 +2,64 @@
 
 #include "Engine/Graph/Steiner/Bound/DualAscent.h"
 #include "Engine/Graph/Steiner/Network/FlatNetwork.h"
-#include "Engine/Graph/Steiner/Network/Saturated.h"
 
-#include <functional>
-#include <queue>
-#include <utility>
+#include <span>
+#include <vector>
 
 namespace qe::graph {
 
 namespace {
 
-using QueueEntry = std::pair<std::uint64_t, std::uint32_t>;
-using Queue = std::priority_queue<QueueEntry, std::vector<QueueEntry>, std::greater<>>;
-
-/// Spreads from what is queued; `flip` is 0 to walk with the half-edges and 1 to walk against
-/// them.
-void Spread(const FlatNetwork& network, const DualAscent& ascent, std::uint32_t flip,
-            std::uint64_t most, Queue& queue, std::vector<std::uint64_t>& distances)
+/// Returns the distances from the nearest source, where going along an arc of the network takes
+/// `getLength` of its half-edge.
+template <typename GetLength>
+NodeDistances Measure(const FlatNetwork& network, std::span<const NodeIndex> sources,
+                      std::uint64_t most, const GetLength& getLength)
 {
-    while (!queue.empty()) {
-        const auto [distance, node] = queue.top();
-        queue.pop();
-        if (distance > distances[node])
-            continue;
+    DijkstraSearch search(network.GetNodeCount());
+    for (const NodeIndex source : sources)
+        search.Reach(source, 0);
+    search.Run([&](NodeIndex node, std::uint64_t distance) {
         for (const FlatNetwork::Arc& arc : network.GetArcs(node)) {
-            const std::uint64_t next = distance + ascent.GetReduced(arc.half ^ flip);
-            if (next > most || next >= distances[arc.target])
-                continue;
-            distances[arc.target] = next;
-            queue.emplace(next, arc.target);
+            const std::uint64_t next = distance + getLength(arc.half);
+            if (next <= most)
+                search.Reach(arc.target, next);
         }
-    }
+        return DijkstraSearch::EStep::Continue;
+    });
+    return search.TakeDistances();
+}
+
+NodeDistances MeasureBackwards(const FlatNetwork& network, const DualAscent& ascent,
+                               std::span<const NodeIndex> targets, std::uint64_t most)
+{
+    return Measure(network, targets, most,
+                   [&](HalfEdge half) { return ascent.GetReduced(half.Reversed()); });
 }
 
 } // namespace
 
-std::vector<std::uint64_t> GetReducedFromRoot(const FlatNetwork& network, const DualAscent& ascent,
-                                              std::uint64_t most)
+NodeDistances GetReducedFromRoot(const FlatNetwork& network, const DualAscent& ascent,
+                                 std::uint64_t most)
 {
-    std::vector<std::uint64_t> distances(network.GetNodeCount(), Unreached);
-    Queue queue;
-    distances[ascent.GetRoot()] = 0;
-    queue.emplace(0, ascent.GetRoot());
-    Spread(network, ascent, 0, most, queue, distances);
-    return distances;
+    const NodeIndex root = ascent.GetRoot();
+    return Measure(network, {&root, 1}, most,
+                   [&](HalfEdge half) { return ascent.GetReduced(half); });
 }
 
-std::vector<std::uint64_t> GetReducedTo(const FlatNetwork& network, const DualAscent& ascent,
-                                        std::uint32_t target, std::uint64_t most)
+NodeDistances GetReducedTo(const FlatNetwork& network, const DualAscent& ascent, NodeIndex target,
+                           std::uint64_t most)
 {
-    std::vector<std::uint64_t> distances(network.GetNodeCount(), Unreached);
-    Queue queue;
-    distances[target] = 0;
-    queue.emplace(0, target);
-    Spread(network, ascent, 1, most, queue, distances);
-    return distances;
+    return MeasureBackwards(network, ascent, {&target, 1}, most);
 }
 
-std::vector<std::uint64_t> GetReducedToTerminal(const FlatNetwork& network,
-                                                const DualAscent& ascent, std::uint64_t most)
+NodeDistances GetReducedToTerminal(const FlatNetwork& network, const DualAscent& ascent,
+                                   std::uint64_t most)
 {
-    std::vector<std::uint64_t> distances(network.GetNodeCount(), Unreached);
-    Queue queue;
-    for (const std::uint32_t terminal : network.GetTerminals()) {
-        if (terminal == ascent.GetRoot())
-            continue;
-        distances[terminal] = 0;
-        queue.emplace(0, terminal);
-    }
-    Spread(network, ascent, 1, most, queue, distances);
-    return distances;
+    const std::span<const NodeIndex> terminals = network.GetTerminals();
+    std::vector<NodeIndex> targets(terminals.begin(), terminals.end());
+    std::erase(targets, ascent.GetRoot());
+    return MeasureBackwards(network, ascent, targets, most);
 }
 
 } // namespace qe::graph

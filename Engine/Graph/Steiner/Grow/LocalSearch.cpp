@@ -1,14 +1,9 @@
 #include "Engine/Graph/Steiner/Grow/LocalSearch.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qe::graph {
-
-namespace {
-
-constexpr std::uint32_t None = 0xFFFFFFFF;
-
-} // namespace
 
 LocalSearch::LocalSearch(const FlatNetwork& network, TreeGrower& grower)
     : mNetwork(network), mGrower(grower), mEdgesAt(network.GetNodeCount())
@@ -22,16 +17,16 @@ void LocalSearch::Improve(SteinerTree& tree, const std::function<bool()>& isOver
         for (std::uint32_t path = 0; path < mPathEnds.size(); ++path) {
             if (isOver())
                 return;
-            if (TryWithout(tree, None, path)) {
+            if (TryWithout(tree, {}, path)) {
                 isImproved = true;
                 CutIntoPaths(tree);
             }
         }
-        const std::vector<std::uint32_t> nodes = mTreeNodes;
-        for (const std::uint32_t node : nodes) {
+        const std::vector<NodeIndex> nodes = mTreeNodes;
+        for (const NodeIndex node : nodes) {
             if (isOver())
                 return;
-            if (IsKey(node) && !mNetwork.IsTerminal(node) && TryWithout(tree, node, None)) {
+            if (IsKey(node) && !mNetwork.IsTerminal(node) && TryWithout(tree, node, kNoIndex)) {
                 isImproved = true;
                 CutIntoPaths(tree);
             }
@@ -39,44 +34,43 @@ void LocalSearch::Improve(SteinerTree& tree, const std::function<bool()>& isOver
     }
 }
 
-bool LocalSearch::IsKey(std::uint32_t node) const
+bool LocalSearch::IsKey(NodeIndex node) const
 {
     return mEdgesAt[node].size() > 2 || (mNetwork.IsTerminal(node) && !mEdgesAt[node].empty());
 }
 
 void LocalSearch::CutIntoPaths(const SteinerTree& tree)
 {
-    for (const std::uint32_t node : mTreeNodes)
+    for (const NodeIndex node : mTreeNodes)
         mEdgesAt[node].clear();
     mTreeNodes.clear();
     for (std::uint32_t place = 0; place < tree.edges.size(); ++place) {
-        for (const std::uint32_t side : {0U, 1U}) {
-            const std::uint32_t node = mNetwork.GetOrigin(2 * tree.edges[place] + side);
+        for (const NodeIndex node : mNetwork.GetEnds(tree.edges[place])) {
             if (mEdgesAt[node].empty())
                 mTreeNodes.push_back(node);
             mEdgesAt[node].push_back(place);
         }
     }
     std::sort(mTreeNodes.begin(), mTreeNodes.end());
-    mPathOfEdge.assign(tree.edges.size(), None);
+    mPathOfEdge.assign(tree.edges.size(), kNoIndex);
     mPathEnds.clear();
-    for (const std::uint32_t node : mTreeNodes) {
+    for (const NodeIndex node : mTreeNodes) {
         for (const std::uint32_t place : mEdgesAt[node]) {
-            if (IsKey(node) && mPathOfEdge[place] == None)
+            if (IsKey(node) && mPathOfEdge[place] == kNoIndex)
                 WalkPath(tree, node, place);
         }
     }
 }
 
-void LocalSearch::WalkPath(const SteinerTree& tree, std::uint32_t node, std::uint32_t place)
+/// Follows the path that leaves the key node by the edge at that place, up to the next key node.
+void LocalSearch::WalkPath(const SteinerTree& tree, NodeIndex node, std::uint32_t place)
 {
     const auto path = static_cast<std::uint32_t>(mPathEnds.size());
-    const std::uint32_t start = node;
+    const NodeIndex start = node;
     for (;;) {
         mPathOfEdge[place] = path;
-        const std::uint32_t edge = tree.edges[place];
-        const std::uint32_t end1 = mNetwork.GetOrigin(2 * edge);
-        node = end1 == node ? mNetwork.GetOrigin(2 * edge + 1) : end1;
+        const auto [end1, end2] = mNetwork.GetEnds(tree.edges[place]);
+        node = end1 == node ? end2 : end1;
         if (IsKey(node))
             break;
         place = mEdgesAt[node][mEdgesAt[node][0] == place ? 1 : 0];
@@ -84,7 +78,9 @@ void LocalSearch::WalkPath(const SteinerTree& tree, std::uint32_t node, std::uin
     mPathEnds.emplace_back(start, node);
 }
 
-bool LocalSearch::TryWithout(SteinerTree& tree, std::uint32_t key, std::uint32_t path)
+/// Takes the path out of the tree, or all paths at the key node when that is valid, and grows a
+/// tree around the rest. Returns true and replaces the tree when that is lighter.
+bool LocalSearch::TryWithout(SteinerTree& tree, NodeIndex key, std::uint32_t path)
 {
     mKept.clear();
     mStarts.clear();
@@ -97,7 +93,7 @@ bool LocalSearch::TryWithout(SteinerTree& tree, std::uint32_t key, std::uint32_t
             mIsKept[place] = 1;
             continue;
         }
-        for (const std::uint32_t end : {end1, end2}) {
+        for (const NodeIndex end : {end1, end2}) {
             if (end != key)
                 mStarts.push_back(end);
         }
@@ -109,14 +105,14 @@ bool LocalSearch::TryWithout(SteinerTree& tree, std::uint32_t key, std::uint32_t
     return true;
 }
 
-/// Answers the start in the smallest part: the search for another way spreads least from there.
-std::uint32_t LocalSearch::ChooseStart(const SteinerTree& tree)
+/// Returns the start in the smallest part: the search for another path spreads least from there.
+NodeIndex LocalSearch::ChooseStart(const SteinerTree& tree)
 {
     std::sort(mStarts.begin(), mStarts.end());
     mStarts.erase(std::unique(mStarts.begin(), mStarts.end()), mStarts.end());
-    std::uint32_t best = mStarts.front();
+    NodeIndex best = mStarts.front();
     std::size_t least = tree.edges.size() + 1;
-    for (const std::uint32_t start : mStarts) {
+    for (const NodeIndex start : mStarts) {
         const std::size_t size = CountPart(tree, start, least);
         if (size < least) {
             least = size;
@@ -126,19 +122,18 @@ std::uint32_t LocalSearch::ChooseStart(const SteinerTree& tree)
     return best;
 }
 
-/// Answers how many kept edges hang together with the node, or `most` when there are more.
-std::size_t LocalSearch::CountPart(const SteinerTree& tree, std::uint32_t start, std::size_t most)
+/// Returns how many kept edges are connected to the node, or at least `most` when there are more.
+std::size_t LocalSearch::CountPart(const SteinerTree& tree, NodeIndex start, std::size_t most)
 {
     std::size_t count = 0;
-    mOpen.assign(1, {start, None});
+    mOpen.assign(1, {start, kNoIndex});
     while (!mOpen.empty() && count < most) {
         const auto [node, entry] = mOpen.back();
         mOpen.pop_back();
         for (const std::uint32_t place : mEdgesAt[node]) {
             if (mIsKept[place] == 0 || place == entry)
                 continue;
-            const std::uint32_t end1 = mNetwork.GetOrigin(2 * tree.edges[place]);
-            const std::uint32_t end2 = mNetwork.GetOrigin(2 * tree.edges[place] + 1);
+            const auto [end1, end2] = mNetwork.GetEnds(tree.edges[place]);
             mOpen.emplace_back(end1 == node ? end2 : end1, place);
             ++count;
         }

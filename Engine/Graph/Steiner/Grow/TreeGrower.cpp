@@ -1,16 +1,15 @@
 #include "Engine/Graph/Steiner/Grow/TreeGrower.h"
 
 #include "Engine/Graph/Core/DisjointSets.h"
-#include "Engine/Graph/Steiner/Network/Saturated.h"
 
 #include <algorithm>
-#include <functional>
+#include <utility>
 
 namespace qe::graph {
 
 TreeGrower::TreeGrower(const FlatNetwork& network)
     : mNetwork(network),
-      mDistances(network.GetNodeCount(), Saturated),
+      mSearch(network.GetNodeCount()),
       mEntries(network.GetNodeCount()),
       mWishes(network.GetNodeCount()),
       mIsInTree(network.GetNodeCount()),
@@ -18,106 +17,93 @@ TreeGrower::TreeGrower(const FlatNetwork& network)
       mPlaces(network.GetNodeCount()),
       mDegrees(network.GetNodeCount())
 {
-    for (const std::uint32_t terminal : network.GetTerminals())
+    for (const NodeIndex terminal : network.GetTerminals())
         mWishes[terminal] = 1;
 }
 
-SteinerTree TreeGrower::Grow(std::uint32_t start, std::span<const std::uint8_t> isUsable)
+SteinerTree TreeGrower::Grow(NodeIndex start, const EdgeMarks& isUsable)
 {
     mEdges.clear();
     Connect(start, isUsable);
     SteinerTree tree;
     Span(tree);
-    CutIdleLeaves(tree);
+    PruneNonTerminalLeaves(tree);
     return tree;
 }
 
-SteinerTree TreeGrower::Regrow(std::span<const std::uint32_t> forest, std::uint32_t start)
+SteinerTree TreeGrower::Regrow(std::span<const EdgeIndex> forest, NodeIndex start)
 {
     mEdges.clear();
-    for (const std::uint32_t edge : forest) {
+    for (const EdgeIndex edge : forest) {
         mIsKept[edge] = 1;
-        ++mWishes[mNetwork.GetOrigin(2 * edge)];
-        ++mWishes[mNetwork.GetOrigin(2 * edge + 1)];
+        for (const NodeIndex end : mNetwork.GetEnds(edge))
+            ++mWishes[end];
     }
     Connect(start, {});
-    for (const std::uint32_t edge : forest) {
+    for (const EdgeIndex edge : forest) {
         mIsKept[edge] = 0;
-        --mWishes[mNetwork.GetOrigin(2 * edge)];
-        --mWishes[mNetwork.GetOrigin(2 * edge + 1)];
+        for (const NodeIndex end : mNetwork.GetEnds(edge))
+            --mWishes[end];
     }
     SteinerTree tree;
     Span(tree);
-    CutIdleLeaves(tree);
+    PruneNonTerminalLeaves(tree);
     return tree;
 }
 
-void TreeGrower::Connect(std::uint32_t start, std::span<const std::uint8_t> isUsable)
+void TreeGrower::Connect(NodeIndex start, const EdgeMarks& isUsable)
 {
     mMissing = mNetwork.GetTerminals().size();
     Absorb(start);
-    while (mMissing > 0 && !mQueue.empty()) {
-        const auto [distance, node] = mQueue.front();
-        std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
-        mQueue.pop_back();
-        if (distance > mDistances[node])
-            continue;
-        if (mWishes[node] > 0 && mIsInTree[node] == 0)
-            AddPathTo(node);
-        else
-            Relax(node, distance, isUsable);
+    if (mMissing > 0) {
+        mSearch.Run([&](NodeIndex node, std::uint64_t distance) {
+            if (mWishes[node] > 0 && mIsInTree[node] == 0)
+                AddPathTo(node);
+            else
+                Relax(node, distance, isUsable);
+            return mMissing > 0 ? DijkstraSearch::EStep::Continue : DijkstraSearch::EStep::Stop;
+        });
     }
     Reset();
 }
 
-void TreeGrower::Push(std::uint64_t distance, std::uint32_t node, std::uint32_t entry)
-{
-    if (mDistances[node] == Saturated)
-        mTouched.push_back(node);
-    mDistances[node] = distance;
-    mEntries[node] = entry;
-    mQueue.emplace_back(distance, node);
-    std::push_heap(mQueue.begin(), mQueue.end(), std::greater<>());
-}
-
-void TreeGrower::Relax(std::uint32_t node, std::uint64_t distance,
-                       std::span<const std::uint8_t> isUsable)
+void TreeGrower::Relax(NodeIndex node, std::uint64_t distance, const EdgeMarks& isUsable)
 {
     mWork += mNetwork.GetArcs(node).size();
     for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
-        const bool isBanned = !isUsable.empty() && isUsable[arc.half / 2] == 0;
-        if (!isBanned && distance + arc.weight < mDistances[arc.target])
-            Push(distance + arc.weight, arc.target, arc.half);
+        const bool isBanned = !isUsable.empty() && isUsable[arc.half.Edge()] == 0;
+        if (!isBanned && mSearch.Reach(arc.target, distance + arc.weight))
+            mEntries[arc.target] = arc.half;
     }
 }
 
-void TreeGrower::AddPathTo(std::uint32_t node)
+void TreeGrower::AddPathTo(NodeIndex node)
 {
     while (mIsInTree[node] == 0) {
-        const std::uint32_t half = mEntries[node];
-        const std::uint32_t previous = mNetwork.GetOrigin(half);
-        mEdges.push_back(half / 2);
+        const HalfEdge half = mEntries[node];
+        const NodeIndex previous = mNetwork.GetOrigin(half);
+        mEdges.push_back(half.Edge());
         Absorb(node);
         node = previous;
     }
 }
 
 /// Takes the node into the tree with all that kept edges connect to it.
-void TreeGrower::Absorb(std::uint32_t node)
+void TreeGrower::Absorb(NodeIndex node)
 {
     mOpen.assign(1, node);
     mIsInTree[node] = 1;
     while (!mOpen.empty()) {
-        const std::uint32_t current = mOpen.back();
+        const NodeIndex current = mOpen.back();
         mOpen.pop_back();
-        Push(0, current, 0);
+        mSearch.Reach(current, 0);
         mMissing -= mNetwork.IsTerminal(current) ? 1U : 0U;
         if (mWishes[current] == (mNetwork.IsTerminal(current) ? 1U : 0U))
             continue;
         for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(current)) {
-            if (mIsKept[arc.half / 2] == 0 || mIsInTree[arc.target] != 0)
+            if (mIsKept[arc.half.Edge()] == 0 || mIsInTree[arc.target] != 0)
                 continue;
-            mEdges.push_back(arc.half / 2);
+            mEdges.push_back(arc.half.Edge());
             mIsInTree[arc.target] = 1;
             mOpen.push_back(arc.target);
         }
@@ -126,22 +112,19 @@ void TreeGrower::Absorb(std::uint32_t node)
 
 void TreeGrower::Reset()
 {
-    for (const std::uint32_t node : mTouched) {
-        mDistances[node] = Saturated;
+    for (const NodeIndex node : mSearch.GetReached())
         mIsInTree[node] = 0;
-    }
-    mTouched.clear();
-    mQueue.clear();
+    mSearch.Reset();
 }
 
-/// Makes the tree a lightest spanning tree of the nodes that the grown edges touch.
+/// Makes the tree a minimum spanning tree of the nodes that the grown edges touch.
 void TreeGrower::Span(SteinerTree& tree)
 {
-    std::vector<std::uint32_t>& nodes = mOpen;
+    std::vector<NodeIndex>& nodes = mOpen;
     nodes.clear();
-    for (const std::uint32_t edge : mEdges) {
-        for (const std::uint32_t half : {2 * edge, 2 * edge + 1})
-            nodes.push_back(mNetwork.GetOrigin(half));
+    for (const EdgeIndex edge : mEdges) {
+        for (const NodeIndex end : mNetwork.GetEnds(edge))
+            nodes.push_back(end);
     }
     std::sort(nodes.begin(), nodes.end());
     nodes.erase(std::unique(nodes.begin(), nodes.end()), nodes.end());
@@ -150,43 +133,41 @@ void TreeGrower::Span(SteinerTree& tree)
         mIsInTree[nodes[place]] = 1;
     }
     DisjointSets parts(static_cast<std::uint32_t>(nodes.size()));
-    std::vector<QueueEntry>& candidates = mQueue;
-    for (const std::uint32_t node : nodes) {
+    mCandidates.clear();
+    for (const NodeIndex node : nodes) {
         for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
             if (arc.target > node && mIsInTree[arc.target] != 0)
-                candidates.emplace_back(arc.weight, arc.half / 2);
+                mCandidates.emplace_back(arc.weight, arc.half.Edge());
         }
     }
-    std::sort(candidates.begin(), candidates.end());
-    for (const auto& [weight, edge] : candidates) {
-        if (parts.Unite(mPlaces[mNetwork.GetOrigin(2 * edge)],
-                        mPlaces[mNetwork.GetOrigin(2 * edge + 1)]))
+    std::sort(mCandidates.begin(), mCandidates.end());
+    for (const auto& [weight, edge] : mCandidates) {
+        const auto [end1, end2] = mNetwork.GetEnds(edge);
+        if (parts.Unite(mPlaces[end1], mPlaces[end2]))
             tree.edges.push_back(edge);
     }
-    candidates.clear();
-    for (const std::uint32_t node : nodes)
+    for (const NodeIndex node : nodes)
         mIsInTree[node] = 0;
 }
 
-void TreeGrower::CutIdleLeaves(SteinerTree& tree)
+void TreeGrower::PruneNonTerminalLeaves(SteinerTree& tree)
 {
-    for (const std::uint32_t edge : tree.edges) {
-        mDegrees[mNetwork.GetOrigin(2 * edge)] = 0;
-        mDegrees[mNetwork.GetOrigin(2 * edge + 1)] = 0;
+    for (const EdgeIndex edge : tree.edges) {
+        for (const NodeIndex end : mNetwork.GetEnds(edge))
+            mDegrees[end] = 0;
     }
-    for (const std::uint32_t edge : tree.edges) {
-        ++mDegrees[mNetwork.GetOrigin(2 * edge)];
-        ++mDegrees[mNetwork.GetOrigin(2 * edge + 1)];
+    for (const EdgeIndex edge : tree.edges) {
+        for (const NodeIndex end : mNetwork.GetEnds(edge))
+            ++mDegrees[end];
     }
-    const auto isIdle = [this](std::uint32_t node) {
+    const auto isPrunable = [this](NodeIndex node) {
         return mDegrees[node] == 1 && !mNetwork.IsTerminal(node);
     };
     for (bool isChanged = true; isChanged;) {
         const std::size_t before = tree.edges.size();
-        std::erase_if(tree.edges, [&](std::uint32_t edge) {
-            const std::uint32_t end1 = mNetwork.GetOrigin(2 * edge);
-            const std::uint32_t end2 = mNetwork.GetOrigin(2 * edge + 1);
-            if (!isIdle(end1) && !isIdle(end2))
+        std::erase_if(tree.edges, [&](EdgeIndex edge) {
+            const auto [end1, end2] = mNetwork.GetEnds(edge);
+            if (!isPrunable(end1) && !isPrunable(end2))
                 return false;
             --mDegrees[end1];
             --mDegrees[end2];
@@ -196,7 +177,7 @@ void TreeGrower::CutIdleLeaves(SteinerTree& tree)
     }
     std::sort(tree.edges.begin(), tree.edges.end());
     tree.weight = 0;
-    for (const std::uint32_t edge : tree.edges)
+    for (const EdgeIndex edge : tree.edges)
         tree.weight += mNetwork.GetWeight(edge);
 }
 

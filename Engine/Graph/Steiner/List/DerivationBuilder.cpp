@@ -8,31 +8,24 @@
 
 namespace qe::graph {
 
-namespace {
-
-constexpr std::uint32_t None = 0xFFFFFFFF;
-
-} // namespace
-
 template <std::size_t Words>
-DerivationBuilder<Words>::DerivationBuilder(const SubsetProgramme<Words>& programme,
+DerivationBuilder<Words>::DerivationBuilder(const DijkstraSteinerSearch<Words>& search,
                                             std::span<const StrandIndex> strands, Budget& budget)
-    : mProgramme(programme), mStrands(strands), mBudget(budget)
+    : mSearch(search), mStrands(strands), mBudget(budget)
 {}
 
 template <std::size_t Words>
 typename DerivationBuilder<Words>::EOutcome DerivationBuilder<Words>::Build(DerivationGraph& graph)
 {
-    mItemOfLabel.assign(mProgramme.GetLabels().GetCount(), None);
-    const std::uint32_t whole =
-        Visit(mProgramme.FindSettled(mProgramme.GetRoot(), mProgramme.GetAll()));
+    mItemOfLabel.assign(mSearch.GetLabels().GetCount(), kNoIndex);
+    const std::uint32_t whole = Visit(mSearch.FindSettled(mSearch.GetRoot(), mSearch.GetAll()));
     if (!Collect())
         return EOutcome::Exhausted;
     std::vector<std::uint32_t> order(mItems.size());
     std::iota(order.begin(), order.end(), 0U);
     const auto getRank = [this](std::uint32_t item) {
-        const Label& label = mProgramme.GetLabels().Get(mItems[item].label);
-        return std::tuple(mProgramme.GetSet(label.set).GetSize(), label.weight, item);
+        const Label& label = mSearch.GetLabels().Get(mItems[item].label);
+        return std::tuple(mSearch.GetSet(label.set).GetSize(), label.weight, item);
     };
     std::sort(order.begin(), order.end(), [&](std::uint32_t left, std::uint32_t right) {
         return getRank(left) < getRank(right);
@@ -46,16 +39,25 @@ typename DerivationBuilder<Words>::EOutcome DerivationBuilder<Words>::Build(Deri
     return EOutcome::Complete;
 }
 
+/// Returns the position of the label's item, a new one when it has none.
 template <std::size_t Words>
-std::uint32_t DerivationBuilder<Words>::Visit(std::uint32_t label)
+std::uint32_t DerivationBuilder<Words>::Visit(LabelIndex label)
 {
-    if (mItemOfLabel[label] == None) {
+    if (mItemOfLabel[label] == kNoIndex) {
         mItemOfLabel[label] = static_cast<std::uint32_t>(mItems.size());
-        mItems.push_back({label, 0, 0, 0, 0, None, None});
+        mItems.push_back({.label = label});
     }
     return mItemOfLabel[label];
 }
 
+template <std::size_t Words>
+typename DerivationBuilder<Words>::Item& DerivationBuilder<Words>::GetItem(LabelIndex label)
+{
+    return mItems[mItemOfLabel[label]];
+}
+
+/// Finds the steps and joins of the visited labels and visits what they lead to. Returns false
+/// when the budget ran out.
 template <std::size_t Words>
 bool DerivationBuilder<Words>::Collect()
 {
@@ -83,102 +85,91 @@ bool DerivationBuilder<Words>::Collect()
     return true;
 }
 
-/// Notes the edges by which the label's branch may begin.
+/// Records the edges by which the label's branch may begin.
 template <std::size_t Words>
 void DerivationBuilder<Words>::FindSteps(Item& item)
 {
-    const FlatNetwork& network = mProgramme.GetNetwork();
-    const Label& label = mProgramme.GetLabels().Get(item.label);
-    const Set& set = mProgramme.GetSet(label.set);
+    const FlatNetwork& network = mSearch.GetNetwork();
+    const Label& label = mSearch.GetLabels().Get(item.label);
+    const Set& set = mSearch.GetSet(label.set);
     item.firstStep = static_cast<std::uint32_t>(mSteps.size());
     for (const FlatNetwork::Arc& arc : network.GetArcs(label.node)) {
-        if (arc.weight > label.weight || arc.target == mProgramme.GetRoot())
+        if (arc.weight > label.weight || arc.target == mSearch.GetRoot())
             continue;
-        if (network.IsTerminal(arc.target) && !set.Contains(mProgramme.GetBit(arc.target)))
+        if (network.IsTerminal(arc.target) && !set.Contains(mSearch.GetBit(arc.target)))
             continue;
-        const std::uint32_t below = mProgramme.FindSettled(arc.target, label.set);
-        if (below == LabelTable::None)
+        const LabelIndex below = mSearch.FindSettled(arc.target, label.set);
+        if (!below.IsValid())
             continue;
-        if (mProgramme.GetLabels().Get(below).weight + arc.weight == label.weight)
-            mSteps.push_back({arc.half / 2, below});
+        if (mSearch.GetLabels().Get(below).weight + arc.weight == label.weight)
+            mSteps.push_back({.edge = arc.half.Edge(), .label = below});
     }
     item.stepCount = static_cast<std::uint32_t>(mSteps.size()) - item.firstStep;
 }
 
-/// Notes the pairs of labels at the label's node that make it up.
+/// Records the pairs of labels at the label's node that make it up. At the root, branches are
+/// added in the order of their smallest terminals.
 template <std::size_t Words>
 void DerivationBuilder<Words>::FindJoins(Item& item)
 {
-    const LabelTable& labels = mProgramme.GetLabels();
-    const Label& label = labels.Get(item.label);
-    if (label.node == mProgramme.GetRoot()) {
-        FindJoinsAtRoot(item);
-        return;
+    using Entry = typename NodeLabels<Words>::Entry;
+    const Label& label = mSearch.GetLabels().Get(item.label);
+    const Set& all = mSearch.GetAll();
+    const Set& set = mSearch.GetSet(label.set);
+    const NodeLabels<Words>& settled = mSearch.GetSettled(label.node);
+    item.firstJoin = static_cast<std::uint32_t>(mJoins.size());
+    if (label.node == mSearch.GetRoot()) {
+        settled.ForEachDisjoint(all.Without(set), all, [&](const Entry& branch) {
+            if (mSearch.IsNextBranch(branch.set, set.Without(branch.set)))
+                TryJoin(label, branch);
+        });
+    } else {
+        settled.ForEachPart(set, [&](const Entry& branch) { TryJoin(label, branch); });
     }
-    const Set& set = mProgramme.GetSet(label.set);
-    item.firstJoin = static_cast<std::uint32_t>(mJoins.size());
-    using Entry = typename NodeLabels<Words>::Entry;
-    mProgramme.GetSettled(label.node).ForEachPart(set, [&](const Entry& branch) {
-        if (branch.weight > label.weight)
-            return;
-        const std::uint32_t others = mProgramme.FindSettled(label.node, set.Without(branch.set));
-        if (others != LabelTable::None && labels.Get(others).weight + branch.weight == label.weight)
-            mJoins.push_back({branch.label, others});
-    });
     item.joinCount = static_cast<std::uint32_t>(mJoins.size()) - item.firstJoin;
 }
 
-/// Does the same at the root, where branches are added in the order of their smallest terminals.
+/// Records the branch and what is left without it, if together they weigh as much as the label.
 template <std::size_t Words>
-void DerivationBuilder<Words>::FindJoinsAtRoot(Item& item)
+void DerivationBuilder<Words>::TryJoin(const Label& label,
+                                       const typename NodeLabels<Words>::Entry& branch)
 {
-    const LabelTable& labels = mProgramme.GetLabels();
-    const Label& label = labels.Get(item.label);
-    const Set& all = mProgramme.GetAll();
-    const Set& set = mProgramme.GetSet(label.set);
-    item.firstJoin = static_cast<std::uint32_t>(mJoins.size());
-    using Entry = typename NodeLabels<Words>::Entry;
-    const auto& settled = mProgramme.GetSettled(label.node);
-    settled.ForEachDisjoint(all.Without(set), all, [&](const Entry& branch) {
-        const Set others = set.Without(branch.set);
-        if (branch.weight > label.weight || !mProgramme.IsNextBranch(branch.set, others))
-            return;
-        const std::uint32_t rest = mProgramme.FindSettled(label.node, others);
-        if (rest != LabelTable::None && labels.Get(rest).weight + branch.weight == label.weight)
-            mJoins.push_back({branch.label, rest});
-    });
-    item.joinCount = static_cast<std::uint32_t>(mJoins.size()) - item.firstJoin;
+    if (branch.weight > label.weight)
+        return;
+    const Set others = mSearch.GetSet(label.set).Without(branch.set);
+    const LabelIndex rest = mSearch.FindSettled(label.node, others);
+    if (rest.IsValid() && mSearch.GetLabels().Get(rest).weight + branch.weight == label.weight)
+        mJoins.push_back({.branch = branch.label, .others = rest});
 }
 
+/// Adds the part that is the label's branch, and the one that is all of the label.
 template <std::size_t Words>
-void DerivationBuilder<Words>::AddParts(Item& item, DerivationGraph& graph) const
+void DerivationBuilder<Words>::AddParts(Item& item, DerivationGraph& graph)
 {
-    const Label& label = mProgramme.GetLabels().Get(item.label);
+    const Label& label = mSearch.GetLabels().Get(item.label);
     item.branch = graph.AddPart();
     if (label.weight == 0)
         graph.AddEmpty();
     for (std::uint32_t place = 0; place < item.stepCount; ++place) {
         const Step& step = mSteps[item.firstStep + place];
-        graph.AddStep(mStrands[step.edge], mItems[mItemOfLabel[step.label]].part);
+        graph.AddStep(mStrands[step.edge.value], GetItem(step.label).part);
     }
     item.part = graph.AddPart();
-    graph.AddJoin(item.branch, DerivationGraph::None);
+    graph.AddJoin(item.branch, {});
     for (std::uint32_t place = 0; place < item.joinCount; ++place) {
         const Join& join = mJoins[item.firstJoin + place];
-        graph.AddJoin(mItems[mItemOfLabel[join.branch]].branch,
-                      mItems[mItemOfLabel[join.others]].part);
+        graph.AddJoin(GetItem(join.branch).branch, GetItem(join.others).part);
     }
 }
 
 template <std::size_t Words>
-void DerivationBuilder<Words>::AppendOneTree(std::vector<std::uint32_t>& edges)
+void DerivationBuilder<Words>::AppendOneTree(std::vector<EdgeIndex>& edges)
 {
-    std::vector<std::uint32_t> open{
-        mProgramme.FindSettled(mProgramme.GetRoot(), mProgramme.GetAll())};
+    std::vector<LabelIndex> open{mSearch.FindSettled(mSearch.GetRoot(), mSearch.GetAll())};
     while (!open.empty()) {
-        Item item{open.back(), 0, 0, 0, 0, None, None};
+        Item item{.label = open.back()};
         open.pop_back();
-        if (mProgramme.GetLabels().Get(item.label).weight == 0)
+        if (mSearch.GetLabels().Get(item.label).weight == 0)
             continue;
         FindSteps(item);
         if (item.stepCount > 0) {

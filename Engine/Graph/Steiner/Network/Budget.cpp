@@ -4,7 +4,7 @@ namespace qe::graph {
 
 namespace {
 
-constexpr std::uint32_t CallsPerClockReading = 64;
+constexpr std::uint32_t kCallsPerClockReading = 64;
 
 } // namespace
 
@@ -18,7 +18,7 @@ bool Budget::IsExhausted()
         return true;
     if (mUsed > mMemory)
         mIsExhausted = true;
-    else if (++mCalls % CallsPerClockReading == 0)
+    else if (++mCalls % kCallsPerClockReading == 0)
         mIsExhausted = Clock::now() - mStart >= mTime;
     return mIsExhausted;
 }

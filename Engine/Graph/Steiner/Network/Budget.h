@@ -7,20 +7,21 @@
 
 namespace qe::graph {
 
-/// The time and memory one search may spend. Every loop whose length the input can blow up asks
-/// IsExhausted() once a round; the clock itself is read only now and then.
+/// The wall time and working memory, in bytes, that one search may spend. Every loop whose length
+/// the input can blow up asks IsExhausted() once a round; the clock itself is read only now and
+/// then.
 class Budget
 {
 public:
     Budget(std::chrono::milliseconds time, std::size_t memory);
 
-    /// Says whether time or memory has run out; once true it stays true.
+    /// Returns whether time or memory has run out; once true it stays true.
     [[nodiscard]] bool IsExhausted();
 
-    /// Says whether more than `share` (0 to 1) of the time is gone.
+    /// Returns whether more than `share` (0 to 1) of the time is gone.
     [[nodiscard]] bool IsSpent(double share) const;
 
-    /// Notes that a structure of the search has grown or shrunk by `bytes`.
+    /// Records that a structure of the search has grown or shrunk by `bytes`.
     void Charge(std::size_t bytes) { mUsed += bytes; }
     void Release(std::size_t bytes) { mUsed -= bytes; }
 

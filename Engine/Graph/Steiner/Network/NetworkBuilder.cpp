@@ -1,17 +1,23 @@
 #include "Engine/Graph/Steiner/Network/NetworkBuilder.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <utility>
+#include <vector>
 
 namespace qe::graph {
 
 namespace {
 
+using Components = IndexedVector<NodeIndex, NodeIndex>;
+
 class NetworkBuilder
 {
 public:
-    NetworkBuilder(const GraphView& graph, std::span<const std::uint32_t> groups)
-        : mGraph(graph), mGroups(groups), mLocal(graph.GetNodeCount(), Network::None)
+    NetworkBuilder(const GraphView& graph, const Components& components)
+        : mGraph(graph), mComponents(components), mLocal(graph.GetNodeCount())
     {}
 
     bool Collect(std::span<const NodeIndex> terminals);
@@ -21,65 +27,63 @@ public:
 private:
     struct Link
     {
-        std::uint32_t end2;
-        std::uint32_t edge;
+        NodeIndex end2;
+        EdgeIndex edge;
     };
 
-    [[nodiscard]] std::uint32_t GetGroup(std::uint32_t node) const
+    [[nodiscard]] NodeIndex GetComponent(NodeIndex node) const
     {
-        return mGroups.empty() ? node : mGroups[node];
+        return mComponents.empty() ? node : mComponents[node];
     }
     std::uint32_t Number();
     void SortLinks(std::uint32_t count);
 
     const GraphView& mGraph;
-    std::span<const std::uint32_t> mGroups;
-    /// Number of each node in the network; None for what is left out.
-    std::vector<std::uint32_t> mLocal;
-    std::vector<std::uint32_t> mReached;
+    const Components& mComponents;
+    /// Each node in the network; invalid for what is left out.
+    IndexedVector<NodeIndex, NodeIndex> mLocal;
+    std::vector<NodeIndex> mReached;
     std::vector<std::uint32_t> mFirstLink;
     std::vector<Link> mLinks;
 };
 
+/// Finds what is connected to the first terminal; returns whether that is all of them.
 bool NetworkBuilder::Collect(std::span<const NodeIndex> terminals)
 {
-    mReached.push_back(terminals.front().value);
-    mLocal[terminals.front().value] = 0;
+    mReached.push_back(terminals.front());
+    mLocal[terminals.front()] = {0};
     for (std::size_t next = 0; next < mReached.size(); ++next) {
-        for (const Arc& arc : mGraph.GetArcs({mReached[next]})) {
-            if (mLocal[arc.target.value] == Network::None) {
-                mLocal[arc.target.value] = 0;
-                mReached.push_back(arc.target.value);
+        for (const Arc& arc : mGraph.GetArcs(mReached[next])) {
+            if (!mLocal[arc.target].IsValid()) {
+                mLocal[arc.target] = {0};
+                mReached.push_back(arc.target);
             }
         }
     }
-    for (const NodeIndex terminal : terminals) {
-        if (mLocal[terminal.value] == Network::None)
-            return false;
-    }
-    return true;
+    return std::all_of(terminals.begin(), terminals.end(),
+                       [this](NodeIndex terminal) { return mLocal[terminal].IsValid(); });
 }
 
 void NetworkBuilder::Peel(std::span<const NodeIndex> terminals)
 {
-    std::vector<std::uint32_t> degrees(mGraph.GetNodeCount(), 0);
-    for (const std::uint32_t node : mReached)
-        degrees[node] = static_cast<std::uint32_t>(mGraph.GetArcs({node}).size());
+    constexpr std::uint32_t kStays = std::numeric_limits<std::uint32_t>::max();
+    IndexedVector<NodeIndex, std::uint32_t> degrees(mGraph.GetNodeCount(), 0);
+    for (const NodeIndex node : mReached)
+        degrees[node] = static_cast<std::uint32_t>(mGraph.GetArcs(node).size());
     for (const NodeIndex terminal : terminals)
-        degrees[terminal.value] = Network::None;
-    std::vector<std::uint32_t> open;
-    for (const std::uint32_t node : mReached) {
+        degrees[terminal] = kStays;
+    std::vector<NodeIndex> open;
+    for (const NodeIndex node : mReached) {
         if (degrees[node] == 1)
             open.push_back(node);
     }
     while (!open.empty()) {
-        const std::uint32_t node = open.back();
+        const NodeIndex node = open.back();
         open.pop_back();
-        mLocal[node] = Network::None;
-        for (const Arc& arc : mGraph.GetArcs({node})) {
-            const std::uint32_t target = arc.target.value;
-            if (mLocal[target] != Network::None && --degrees[target] == 1)
-                open.push_back(target);
+        mLocal[node] = {};
+        for (const Arc& arc : mGraph.GetArcs(node)) {
+            if (mLocal[arc.target].IsValid() && --degrees[arc.target] == 1)
+                open.push_back(arc.target);
         }
     }
 }
@@ -87,35 +91,35 @@ void NetworkBuilder::Peel(std::span<const NodeIndex> terminals)
 std::uint32_t NetworkBuilder::Number()
 {
     std::uint32_t count = 0;
-    for (std::uint32_t node = 0; node < mGraph.GetNodeCount(); ++node) {
-        if (mLocal[node] == Network::None)
+    for (const NodeIndex node : IndexRange<NodeIndex>(mGraph.GetNodeCount())) {
+        if (!mLocal[node].IsValid())
             continue;
-        const std::uint32_t group = GetGroup(node);
-        mLocal[node] = group == node ? count++ : mLocal[group];
+        const NodeIndex component = GetComponent(node);
+        mLocal[node] = component == node ? NodeIndex{count++} : mLocal[component];
     }
     return count;
 }
 
 void NetworkBuilder::SortLinks(std::uint32_t count)
 {
-    std::vector<std::pair<std::uint32_t, Link>> links;
+    std::vector<std::pair<NodeIndex, Link>> links;
     links.reserve(mGraph.GetEdgeCount());
     mFirstLink.assign(count + 1, 0);
-    for (std::uint32_t index = 0; index < mGraph.GetEdgeCount(); ++index) {
-        const Edge& edge = mGraph.GetEdge({index});
-        const std::uint32_t end1 = mLocal[edge.end1.value];
-        const std::uint32_t end2 = mLocal[edge.end2.value];
-        if (end1 == Network::None || end2 == Network::None || end1 == end2)
+    for (const EdgeIndex index : IndexRange<EdgeIndex>(mGraph.GetEdgeCount())) {
+        const Edge& edge = mGraph.GetEdge(index);
+        const NodeIndex end1 = mLocal[edge.end1];
+        const NodeIndex end2 = mLocal[edge.end2];
+        if (!end1.IsValid() || !end2.IsValid() || end1 == end2)
             continue;
         links.emplace_back(std::min(end1, end2), Link{std::max(end1, end2), index});
-        ++mFirstLink[std::min(end1, end2) + 1];
+        ++mFirstLink[std::min(end1, end2).value + 1];
     }
     for (std::uint32_t node = 0; node < count; ++node)
         mFirstLink[node + 1] += mFirstLink[node];
     std::vector<std::uint32_t> place(mFirstLink.begin(), mFirstLink.end() - 1);
     mLinks.resize(links.size());
     for (const auto& [end1, link] : links)
-        mLinks[place[end1]++] = link;
+        mLinks[place[end1.value]++] = link;
 }
 
 Network NetworkBuilder::Build(std::span<const NodeIndex> terminals, StrandPool& strands)
@@ -125,16 +129,17 @@ Network NetworkBuilder::Build(std::span<const NodeIndex> terminals, StrandPool& 
     Network network(count, strands);
     // The last edge seen towards each node; it is one of the current node when it is no older
     // than that node's first.
-    std::vector<std::uint32_t> lastEdge(count, 0);
-    for (std::uint32_t node = 0; node < count; ++node) {
+    IndexedVector<NodeIndex, std::uint32_t> lastEdge(count, 0);
+    for (const NodeIndex node : network.GetNodes()) {
         const std::uint32_t firstEdge = network.GetEdgeLimit();
-        for (std::uint32_t place = mFirstLink[node]; place < mFirstLink[node + 1]; ++place) {
+        for (std::uint32_t place = mFirstLink[node.value]; place < mFirstLink[node.value + 1];
+             ++place) {
             const auto [target, edge] = mLinks[place];
-            const std::uint64_t weight = mGraph.GetEdge({edge}).weight;
-            const StrandIndex strand = strands.AddEdge({edge});
+            const std::uint64_t weight = mGraph.GetEdge(edge).weight;
+            const StrandIndex strand = strands.AddEdge(edge);
             const std::uint32_t last = lastEdge[target];
             if (last > firstEdge) {
-                network.MergeInto(last - 1, weight, strand);
+                network.MergeInto({last - 1}, weight, strand);
                 continue;
             }
             network.AppendEdge(node, target, weight, strand);
@@ -142,19 +147,20 @@ Network NetworkBuilder::Build(std::span<const NodeIndex> terminals, StrandPool& 
         }
     }
     for (const NodeIndex terminal : terminals)
-        network.MakeTerminal(mLocal[terminal.value]);
+        network.MakeTerminal(mLocal[terminal]);
     return network;
 }
 
 } // namespace
 
 std::optional<Network> BuildNetwork(const GraphView& graph, std::span<const NodeIndex> terminals,
-                                    std::span<const std::uint32_t> groups, StrandPool& strands)
+                                    const IndexedVector<NodeIndex, NodeIndex>& components,
+                                    StrandPool& strands)
 {
-    NetworkBuilder builder(graph, groups);
+    NetworkBuilder builder(graph, components);
     if (!builder.Collect(terminals))
         return std::nullopt;
-    if (groups.empty())
+    if (components.empty())
         builder.Peel(terminals);
     return builder.Build(terminals, strands);
 }

@@ -1,6 +1,6 @@
 #include "Engine/Graph/Steiner/Network/StrandPool.h"
 
-#include "Engine/Graph/Steiner/Network/Saturated.h"
+#include "Engine/Graph/Steiner/Network/SaturatingCount.h"
 
 #include <tuple>
 #include <utility>
@@ -21,13 +21,13 @@ StrandIndex StrandPool::AddEdge(EdgeIndex edge)
 StrandIndex StrandPool::AddSeries(StrandIndex first, StrandIndex second)
 {
     return Add({EKind::Series, first.value, second.value,
-                SaturatingMultiply(GetCount(first), GetCount(second))});
+                MultiplyCounts(GetCount(first), GetCount(second))});
 }
 
 StrandIndex StrandPool::AddChoice(StrandIndex first, StrandIndex second)
 {
-    return Add({EKind::Choice, first.value, second.value,
-                SaturatingAdd(GetCount(first), GetCount(second))});
+    return Add(
+        {EKind::Choice, first.value, second.value, AddCounts(GetCount(first), GetCount(second))});
 }
 
 void StrandPool::AppendEdges(StrandIndex strand, std::uint64_t rank,

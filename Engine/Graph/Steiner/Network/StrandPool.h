@@ -12,14 +12,16 @@ namespace qe::graph {
 /// Names one strand of a StrandPool.
 struct StrandIndex
 {
-    std::uint32_t value = 0;
+    std::uint32_t value = kNoIndex;
+
+    [[nodiscard]] bool IsValid() const { return value != kNoIndex; }
 };
 
 /// Remembers what the edges of a reduced network stand for in the graph.
 ///
 /// A strand is one edge of the graph, or two strands one after the other, or a choice between
 /// two strands of equal weight. So it stands for a number of edge lists, which are counted at
-/// once and laid out only when they are wanted: the first of parallel edges and of merged paths
+/// once and listed only when they are wanted: the first of parallel edges and of merged paths
 /// is searched with, the others come back here. Strands are never taken back.
 class StrandPool
 {
@@ -31,7 +33,7 @@ public:
     /// Adds the strand that is either; the two have no edge list in common.
     StrandIndex AddChoice(StrandIndex first, StrandIndex second);
 
-    /// Answers how many edge lists the strand stands for, at most 2^64 - 1.
+    /// Returns how many edge lists the strand stands for, at most 2^64 - 1.
     [[nodiscard]] std::uint64_t GetCount(StrandIndex strand) const
     {
         return mStrands[strand.value].count;

@@ -14,7 +14,7 @@ struct TerminalSet
 {
     std::array<std::uint64_t, Words> words{};
 
-    static constexpr std::uint32_t Capacity = 64 * Words;
+    static constexpr std::uint32_t kCapacity = 64 * Words;
 
     [[nodiscard]] static TerminalSet Single(std::uint32_t bit)
     {
@@ -62,7 +62,7 @@ struct TerminalSet
         return set;
     }
 
-    /// Answers the smallest number in the set, which is not empty.
+    /// Returns the smallest number in the set, which is not empty.
     [[nodiscard]] std::uint32_t GetLowest() const
     {
         std::size_t word = 0;
@@ -72,7 +72,7 @@ struct TerminalSet
                static_cast<std::uint32_t>(std::countr_zero(words[word]));
     }
 
-    /// Says whether the smallest number of the two sets, which are not empty, is in this one.
+    /// Returns whether the smallest number of the two sets, which are not empty, is in this one.
     [[nodiscard]] bool IsLower(const TerminalSet& other) const
     {
         std::size_t word = 0;

@@ -1,6 +1,8 @@
 #include "Engine/Graph/Steiner/Reduce/BlockSplit.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <span>
 #include <utility>
 
 namespace qe::graph {
@@ -20,48 +22,48 @@ private:
     {
         std::uint32_t order = 0;
         std::uint32_t low = 0;
-        std::uint32_t next = Network::None;
-        std::uint32_t entry = Network::None;
+        HalfEdge next;
+        HalfEdge entry;
         std::uint32_t firstEdge = 0;
         bool isTerminal = false;
         bool leadsToTerminal = false;
-        std::uint32_t local = Network::None;
+        NodeIndex local;
     };
 
-    void Enter(std::uint32_t node, std::uint32_t half);
-    void Follow(std::uint32_t half);
-    void Leave(std::uint32_t node);
+    void Enter(NodeIndex node, HalfEdge half);
+    void Follow(HalfEdge half);
+    void Leave(NodeIndex node);
     void Emit(std::uint32_t firstEdge);
-    void SortNodes(std::vector<std::uint32_t>& nodes) const;
+    void SortNodes(std::vector<NodeIndex>& nodes) const;
 
     const Network& mNetwork;
-    std::vector<Visit> mVisits;
-    std::vector<std::uint32_t> mPath;
-    std::vector<std::uint32_t> mEdges;
+    IndexedVector<NodeIndex, Visit> mVisits;
+    std::vector<NodeIndex> mPath;
+    std::vector<EdgeIndex> mEdges;
     std::vector<Network> mBlocks;
     std::uint32_t mOrder = 0;
 };
 
 std::vector<Network> BlockSplit::Run()
 {
-    std::uint32_t root = 0;
+    NodeIndex root{0};
     while (!mNetwork.IsTerminal(root))
-        ++root;
-    Enter(root, Network::None);
+        ++root.value;
+    Enter(root, {});
     while (!mPath.empty()) {
         Visit& visit = mVisits[mPath.back()];
-        if (visit.next == Network::None) {
+        if (!visit.next.IsValid()) {
             Leave(mPath.back());
             continue;
         }
-        const std::uint32_t half = visit.next;
+        const HalfEdge half = visit.next;
         visit.next = mNetwork.GetNext(half);
         Follow(half);
     }
     return std::move(mBlocks);
 }
 
-void BlockSplit::Enter(std::uint32_t node, std::uint32_t half)
+void BlockSplit::Enter(NodeIndex node, HalfEdge half)
 {
     Visit& visit = mVisits[node];
     visit.order = ++mOrder;
@@ -71,27 +73,27 @@ void BlockSplit::Enter(std::uint32_t node, std::uint32_t half)
     visit.firstEdge = static_cast<std::uint32_t>(mEdges.size());
     visit.isTerminal = mNetwork.IsTerminal(node);
     visit.leadsToTerminal = visit.isTerminal;
-    if (half != Network::None)
-        mEdges.push_back(half / 2);
+    if (half.IsValid())
+        mEdges.push_back(half.Edge());
     mPath.push_back(node);
 }
 
-void BlockSplit::Follow(std::uint32_t half)
+void BlockSplit::Follow(HalfEdge half)
 {
     Visit& visit = mVisits[mPath.back()];
-    if (half == (visit.entry ^ 1U))
+    if (visit.entry.IsValid() && half == visit.entry.Reversed())
         return;
-    const std::uint32_t target = mNetwork.GetTarget(half);
+    const NodeIndex target = mNetwork.GetTarget(half);
     const std::uint32_t order = mVisits[target].order;
     if (order == 0) {
         Enter(target, half);
     } else if (order < visit.order) {
-        mEdges.push_back(half / 2);
+        mEdges.push_back(half.Edge());
         visit.low = std::min(visit.low, order);
     }
 }
 
-void BlockSplit::Leave(std::uint32_t node)
+void BlockSplit::Leave(NodeIndex node)
 {
     mPath.pop_back();
     if (mPath.empty())
@@ -110,47 +112,46 @@ void BlockSplit::Leave(std::uint32_t node)
     mEdges.resize(visit.firstEdge);
 }
 
-/// Sorts the nodes of a block, which are marked; going through all nodes is the faster way to do
-/// so when it has most of them.
-void BlockSplit::SortNodes(std::vector<std::uint32_t>& nodes) const
+/// Sorts the nodes of a block, which are marked; going through all nodes is faster when it has
+/// most of them.
+void BlockSplit::SortNodes(std::vector<NodeIndex>& nodes) const
 {
     if (nodes.size() < mVisits.size() / 8) {
         std::sort(nodes.begin(), nodes.end());
         return;
     }
     nodes.clear();
-    for (std::uint32_t node = 0; node < mVisits.size(); ++node) {
-        if (mVisits[node].local != Network::None)
+    for (const NodeIndex node : mNetwork.GetNodes()) {
+        if (mVisits[node].local.IsValid())
             nodes.push_back(node);
     }
 }
 
 void BlockSplit::Emit(std::uint32_t firstEdge)
 {
-    std::vector<std::uint32_t> nodes;
-    for (std::size_t place = firstEdge; place < mEdges.size(); ++place) {
-        for (const std::uint32_t half : {2 * mEdges[place], 2 * mEdges[place] + 1}) {
-            const std::uint32_t node = mNetwork.GetOrigin(half);
-            if (mVisits[node].local != Network::None)
+    const std::span<const EdgeIndex> edges = std::span(mEdges).subspan(firstEdge);
+    std::vector<NodeIndex> nodes;
+    for (const EdgeIndex edge : edges) {
+        for (const NodeIndex node : mNetwork.GetEnds(edge)) {
+            if (mVisits[node].local.IsValid())
                 continue;
-            mVisits[node].local = 0;
+            mVisits[node].local = {0};
             nodes.push_back(node);
         }
     }
     SortNodes(nodes);
     for (std::uint32_t local = 0; local < nodes.size(); ++local)
-        mVisits[nodes[local]].local = local;
+        mVisits[nodes[local]].local = {local};
     Network block(static_cast<std::uint32_t>(nodes.size()), mNetwork.GetStrands());
-    for (std::size_t place = firstEdge; place < mEdges.size(); ++place) {
-        const std::uint32_t edge = mEdges[place];
-        block.AppendEdge(mVisits[mNetwork.GetOrigin(2 * edge)].local,
-                         mVisits[mNetwork.GetOrigin(2 * edge + 1)].local, mNetwork.GetWeight(edge),
+    for (const EdgeIndex edge : edges) {
+        const auto [end1, end2] = mNetwork.GetEnds(edge);
+        block.AppendEdge(mVisits[end1].local, mVisits[end2].local, mNetwork.GetWeight(edge),
                          mNetwork.GetStrand(edge));
     }
-    for (const std::uint32_t node : nodes) {
+    for (const NodeIndex node : nodes) {
         if (mVisits[node].isTerminal)
             block.MakeTerminal(mVisits[node].local);
-        mVisits[node].local = Network::None;
+        mVisits[node].local = {};
     }
     mBlocks.push_back(std::move(block));
 }

@@ -9,10 +9,10 @@ namespace qe::graph {
 
 /// Splits a network into its biconnected blocks, with cut nodes between terminals as terminals.
 ///
-/// Each lightest tree of the network is one lightest tree of every block, in any combination.
-/// Blocks without a terminal beyond their cut node are dropped. The blocks come with nodes
-/// numbered anew in ascending order and without fixed strands, in a fixed order. Hopcroft and
-/// Tarjan (1973), linear time.
+/// Each minimum Steiner tree of the network is one minimum Steiner tree of every block, in any
+/// combination. Blocks without a terminal beyond their cut node are dropped. The blocks have their
+/// nodes numbered anew in ascending order and no fixed strands; they share the network's pool.
+/// Returns them in a fixed order. Hopcroft and Tarjan (1973), linear time.
 [[nodiscard]] std::vector<Network> SplitIntoBlocks(const Network& network);
 
 } // namespace qe::graph

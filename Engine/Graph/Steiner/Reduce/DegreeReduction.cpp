@@ -14,65 +14,66 @@ public:
     void Run();
 
 private:
-    void Reduce(std::uint32_t node);
-    void Bypass(std::uint32_t node);
-    void Note(std::uint32_t node)
+    void Reduce(NodeIndex node);
+    void Bypass(NodeIndex node);
+    void Record(NodeIndex node)
     {
         if (mNetwork.GetDegree(node) <= 2)
             mOpen.push_back(node);
     }
 
     Network& mNetwork;
-    std::vector<std::uint32_t> mOpen;
+    std::vector<NodeIndex> mOpen;
 };
 
 void DegreeReduction::Run()
 {
     for (std::uint32_t node = mNetwork.GetNodeLimit(); node-- > 0;)
-        Note(node);
+        Record({node});
     while (!mOpen.empty() && mNetwork.GetTerminalCount() > 1) {
-        const std::uint32_t node = mOpen.back();
+        const NodeIndex node = mOpen.back();
         mOpen.pop_back();
         Reduce(node);
     }
     if (mNetwork.GetTerminalCount() > 1)
         return;
-    for (std::uint32_t edge = 0; edge < mNetwork.GetEdgeLimit(); ++edge) {
+    for (const EdgeIndex edge : mNetwork.GetEdgeIndices()) {
         if (mNetwork.HasEdge(edge))
             mNetwork.RemoveEdge(edge);
     }
 }
 
-void DegreeReduction::Reduce(std::uint32_t node)
+void DegreeReduction::Reduce(NodeIndex node)
 {
     const std::uint32_t degree = mNetwork.GetDegree(node);
     if (degree == 1) {
-        const std::uint32_t half = mNetwork.GetFirst(node);
-        const std::uint32_t target = mNetwork.GetTarget(half);
+        const HalfEdge half = mNetwork.GetFirst(node);
+        const NodeIndex target = mNetwork.GetTarget(half);
         if (mNetwork.IsTerminal(node))
             mNetwork.Contract(half);
         else
-            mNetwork.RemoveEdge(half / 2);
-        Note(target);
+            mNetwork.RemoveEdge(half.Edge());
+        Record(target);
     } else if (degree == 2 && !mNetwork.IsTerminal(node)) {
         Bypass(node);
     }
 }
 
-void DegreeReduction::Bypass(std::uint32_t node)
+void DegreeReduction::Bypass(NodeIndex node)
 {
-    const std::uint32_t half1 = mNetwork.GetFirst(node);
-    const std::uint32_t half2 = mNetwork.GetNext(half1);
-    const std::uint32_t end1 = mNetwork.GetTarget(half1);
-    const std::uint32_t end2 = mNetwork.GetTarget(half2);
-    const std::uint64_t weight = mNetwork.GetWeight(half1 / 2) + mNetwork.GetWeight(half2 / 2);
-    const StrandIndex strand = mNetwork.GetStrands().AddSeries(mNetwork.GetStrand(half1 / 2),
-                                                               mNetwork.GetStrand(half2 / 2));
-    mNetwork.RemoveEdge(half1 / 2);
-    mNetwork.RemoveEdge(half2 / 2);
+    const HalfEdge half1 = mNetwork.GetFirst(node);
+    const HalfEdge half2 = mNetwork.GetNext(half1);
+    const NodeIndex end1 = mNetwork.GetTarget(half1);
+    const NodeIndex end2 = mNetwork.GetTarget(half2);
+    const std::uint64_t weight =
+        mNetwork.GetWeight(half1.Edge()) + mNetwork.GetWeight(half2.Edge());
+    const StrandIndex strand = mNetwork.GetStrands().AddSeries(mNetwork.GetStrand(half1.Edge()),
+                                                               mNetwork.GetStrand(half2.Edge()));
+    mNetwork.RemoveEdge(half1.Edge());
+    mNetwork.RemoveEdge(half2.Edge());
     mNetwork.MergeEdge(end1, end2, weight, strand);
-    Note(end1);
-    Note(end2);
+    Record(end1);
+    Record(end2);
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "Engine/Graph/Steiner/Reduce/SpecialDistances.h"
 
+#include "Engine/Graph/Core/Distance.h"
 #include "Engine/Graph/Steiner/Network/Network.h"
-#include "Engine/Graph/Steiner/Network/Saturated.h"
 
 #include <algorithm>
 #include <functional>
@@ -21,15 +21,15 @@ SpecialDistances::SpecialDistances(const Network& network)
 
 void SpecialDistances::FindNearest(const Network& network)
 {
-    using Entry = std::tuple<std::uint64_t, std::uint32_t, std::uint32_t>;
+    using Entry = std::tuple<std::uint64_t, NodeIndex, NodeIndex>;
     std::priority_queue<Entry, std::vector<Entry>, std::greater<>> queue;
-    for (std::uint32_t node = 0; node < network.GetNodeLimit(); ++node) {
+    for (const NodeIndex node : network.GetNodes()) {
         if (network.IsTerminal(node))
             queue.emplace(0, node, node);
     }
-    const auto isWanted = [&](std::uint32_t node, std::uint32_t terminal) {
+    const auto isWanted = [&](NodeIndex node, NodeIndex terminal) {
         const std::span<const NearTerminal> nearest = GetNearest(node);
-        return nearest.size() < (network.IsTerminal(node) ? 1 : Most) &&
+        return nearest.size() < (network.IsTerminal(node) ? 1 : kMost) &&
                std::none_of(nearest.begin(), nearest.end(),
                             [&](const NearTerminal& near) { return near.terminal == terminal; });
     };
@@ -39,25 +39,23 @@ void SpecialDistances::FindNearest(const Network& network)
         if (!isWanted(node, terminal))
             continue;
         mNearest[node][mCounts[node]++] = {distance, terminal};
-        for (std::uint32_t half = network.GetFirst(node); half != Network::None;
-             half = network.GetNext(half)) {
-            const std::uint32_t target = network.GetTarget(half);
+        for (HalfEdge half = network.GetFirst(node); half.IsValid(); half = network.GetNext(half)) {
+            const NodeIndex target = network.GetTarget(half);
             if (isWanted(target, terminal))
-                queue.emplace(distance + network.GetWeight(half / 2), target, terminal);
+                queue.emplace(distance + network.GetWeight(half.Edge()), target, terminal);
         }
     }
 }
 
-/// Grows a lightest spanning tree of the terminals from the edges between the regions nearest to
+/// Grows a minimum spanning tree of the terminals from the edges between the regions nearest to
 /// them (Mehlhorn 1988).
 void SpecialDistances::SpanTerminals(const Network& network)
 {
-    std::vector<std::tuple<std::uint64_t, std::uint32_t, std::uint32_t>> links;
-    for (std::uint32_t edge = 0; edge < network.GetEdgeLimit(); ++edge) {
+    std::vector<std::tuple<std::uint64_t, NodeIndex, NodeIndex>> links;
+    for (const EdgeIndex edge : network.GetEdgeIndices()) {
         if (!network.HasEdge(edge))
             continue;
-        const std::uint32_t end1 = network.GetOrigin(2 * edge);
-        const std::uint32_t end2 = network.GetOrigin(2 * edge + 1);
+        const auto [end1, end2] = network.GetEnds(edge);
         if (mCounts[end1] == 0 || mCounts[end2] == 0)
             continue;
         const NearTerminal& near1 = mNearest[end1][0];
@@ -68,23 +66,23 @@ void SpecialDistances::SpanTerminals(const Network& network)
     }
     std::sort(links.begin(), links.end());
     for (const auto& [distance, terminal1, terminal2] : links) {
-        if (mForest.Unite(terminal1, terminal2, static_cast<std::uint32_t>(mSteps.size())))
+        if (mForest.Unite(terminal1.value, terminal2.value,
+                          static_cast<std::uint32_t>(mSteps.size())))
             mSteps.push_back(distance);
     }
 }
 
-std::uint64_t SpecialDistances::GetBottleneck(std::uint32_t terminal1,
-                                              std::uint32_t terminal2) const
+std::uint64_t SpecialDistances::GetBottleneck(NodeIndex terminal1, NodeIndex terminal2) const
 {
     if (terminal1 == terminal2)
         return 0;
-    const std::uint32_t step = mForest.FindLastStep(terminal1, terminal2);
-    return step == BottleneckForest::NotConnected ? Unreached : mSteps[step];
+    const std::uint32_t step = mForest.FindLastStep(terminal1.value, terminal2.value);
+    return step == BottleneckForest::kNotConnected ? kUnreached : mSteps[step];
 }
 
-std::uint64_t SpecialDistances::GetBound(std::uint32_t node1, std::uint32_t node2) const
+std::uint64_t SpecialDistances::GetBound(NodeIndex node1, NodeIndex node2) const
 {
-    std::uint64_t bound = Unreached;
+    std::uint64_t bound = kUnreached;
     for (const NearTerminal& near1 : GetNearest(node1)) {
         for (const NearTerminal& near2 : GetNearest(node2)) {
             const std::uint64_t legs = std::max(near1.distance, near2.distance);

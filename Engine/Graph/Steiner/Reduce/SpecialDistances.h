@@ -1,6 +1,7 @@
 #ifndef ENGINE_GRAPH_STEINER_REDUCE_SPECIALDISTANCES_H
 #define ENGINE_GRAPH_STEINER_REDUCE_SPECIALDISTANCES_H
 
+#include "Engine/Graph/Core/Indices.h"
 #include "Engine/Graph/Spanning/BottleneckForest.h"
 
 #include <array>
@@ -15,11 +16,11 @@ class Network;
 
 /// Bounds the special distances of a network from above.
 ///
-/// The special distance of two nodes is the least that the longest leg of a way between them can
-/// weigh, where a leg runs from one terminal, or end of the way, to the next. A tree that two
+/// The special distance of two nodes is the least that the longest leg of a path between them can
+/// weigh, where a leg runs from one terminal, or end of the path, to the next. A tree that two
 /// nodes fall out of when something heavier is taken out can be mended by one such leg (Duin and
-/// Volgenant 1989). Bounded through the nearest terminals of both nodes and the lightest spanning
-/// tree of the terminals' distances. Built by one run of Dijkstra's algorithm that passes each
+/// Volgenant 1989). Bounded through the nearest terminals of both nodes and the minimum spanning
+/// tree of the terminals' distances. Built by one run of Dijkstra's algorithm that settles each
 /// node up to four times.
 class SpecialDistances
 {
@@ -27,30 +28,29 @@ public:
     struct NearTerminal
     {
         std::uint64_t distance;
-        std::uint32_t terminal;
+        NodeIndex terminal;
     };
 
     explicit SpecialDistances(const Network& network);
 
-    /// Answers a bound for the special distance of two different nodes, or Unreached.
-    [[nodiscard]] std::uint64_t GetBound(std::uint32_t node1, std::uint32_t node2) const;
+    /// Returns a bound for the special distance of two different nodes, or kUnreached.
+    [[nodiscard]] std::uint64_t GetBound(NodeIndex node1, NodeIndex node2) const;
 
-    /// Answers up to four terminals that the node reaches without passing another, nearest first.
-    [[nodiscard]] std::span<const NearTerminal> GetNearest(std::uint32_t node) const
+    /// Returns up to four terminals that the node reaches without passing another, nearest first.
+    [[nodiscard]] std::span<const NearTerminal> GetNearest(NodeIndex node) const
     {
         return {mNearest[node].data(), mCounts[node]};
     }
 
 private:
-    static constexpr std::size_t Most = 4;
+    static constexpr std::size_t kMost = 4;
 
     void FindNearest(const Network& network);
     void SpanTerminals(const Network& network);
-    [[nodiscard]] std::uint64_t GetBottleneck(std::uint32_t terminal1,
-                                              std::uint32_t terminal2) const;
+    [[nodiscard]] std::uint64_t GetBottleneck(NodeIndex terminal1, NodeIndex terminal2) const;
 
-    std::vector<std::array<NearTerminal, Most>> mNearest;
-    std::vector<std::uint8_t> mCounts;
+    IndexedVector<NodeIndex, std::array<NearTerminal, kMost>> mNearest;
+    IndexedVector<NodeIndex, std::uint8_t> mCounts;
     BottleneckForest mForest;
     /// Distances that the steps of the forest stand for.
     std::vector<std::uint64_t> mSteps;

@@ -1,7 +1,7 @@
-#include "Engine/Graph/Steiner/Exact/SubsetProgramme.h"
+#include "Engine/Graph/Steiner/Exact/DijkstraSteinerSearch.h"
 
+#include "Engine/Graph/Core/Distance.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
-#include "Engine/Graph/Steiner/Network/Saturated.h"
 
 #include <algorithm>
 #include <functional>
@@ -9,11 +9,11 @@
 namespace qe::graph {
 
 template <std::size_t Words>
-SubsetProgramme<Words>::SubsetProgramme(const FlatNetwork& network, std::uint32_t root,
-                                        std::span<const RestBound<Words>> bounds,
-                                        std::uint64_t limit, Budget& budget)
+DijkstraSteinerSearch<Words>::DijkstraSteinerSearch(const FlatNetwork& network, NodeIndex root,
+                                                    std::span<const CompletionBound<Words>> bounds,
+                                                    std::uint64_t limit, Budget& budget)
     : mNetwork(network),
-      mRestBounds(bounds),
+      mCompletionBounds(bounds),
       mBudget(budget),
       mRoot(root),
       mLimit(limit),
@@ -21,7 +21,7 @@ SubsetProgramme<Words>::SubsetProgramme(const FlatNetwork& network, std::uint32_
       mSettledAt(network.GetNodeCount())
 {
     std::uint32_t bit = 0;
-    for (const std::uint32_t terminal : network.GetTerminals()) {
+    for (const NodeIndex terminal : network.GetTerminals()) {
         mBits[terminal] = bit++;
         if (terminal != root)
             mAll.Add(mBits[terminal]);
@@ -29,7 +29,8 @@ SubsetProgramme<Words>::SubsetProgramme(const FlatNetwork& network, std::uint32_
 }
 
 template <std::size_t Words>
-typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Run(std::size_t mostSettled)
+typename DijkstraSteinerSearch<Words>::EOutcome
+DijkstraSteinerSearch<Words>::Run(std::size_t mostSettled)
 {
     OfferTerminals();
     for (std::size_t settled = 0; !mQueue.empty();) {
@@ -48,8 +49,8 @@ typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Run(std::size_
 }
 
 template <std::size_t Words>
-typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Dive(double inflation,
-                                                                       std::size_t mostSettled)
+typename DijkstraSteinerSearch<Words>::EOutcome
+DijkstraSteinerSearch<Words>::Dive(double inflation, std::size_t mostSettled)
 {
     mInflation = inflation;
     OfferTerminals();
@@ -58,44 +59,45 @@ typename SubsetProgramme<Words>::EOutcome SubsetProgramme<Words>::Dive(double in
             return EOutcome::Exhausted;
         settled += SettleNext() ? 1U : 0U;
         ChargeMemory();
-        if (FindSettled(mRoot, mAll) != LabelTable::None)
+        if (FindSettled(mRoot, mAll).IsValid())
             return EOutcome::Solved;
     }
     return EOutcome::Paused;
 }
 
 template <std::size_t Words>
-void SubsetProgramme<Words>::OfferTerminals()
+void DijkstraSteinerSearch<Words>::OfferTerminals()
 {
-    for (const std::uint32_t terminal : mNetwork.GetTerminals()) {
+    for (const NodeIndex terminal : mNetwork.GetTerminals()) {
         if (terminal != mRoot)
             Offer(terminal, Intern(Set::Single(mBits[terminal])), 0, EOrigin::Grown);
     }
 }
 
-/// Takes the first entry from the queue and settles its label, unless a later entry did.
+/// Takes the first entry from the queue and settles its label. Returns false when that entry is
+/// stale: its label was settled or made lighter since.
 template <std::size_t Words>
-bool SubsetProgramme<Words>::SettleNext()
+bool DijkstraSteinerSearch<Words>::SettleNext()
 {
     const QueueEntry entry = mQueue.front();
     std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
     mQueue.pop_back();
     const Label& label = mLabels.Get(entry.label);
-    if (label.isSettled || label.weight + label.rest != entry.key)
+    if (label.isSettled || label.weight + label.completionBound != entry.key)
         return false;
     Settle(entry.label);
     return true;
 }
 
 template <std::size_t Words>
-void SubsetProgramme<Words>::ChargeMemory()
+void DijkstraSteinerSearch<Words>::ChargeMemory()
 {
     // Lists that double when they are full take up to three times their contents meanwhile.
-    constexpr std::size_t Doubling = 3;
-    constexpr std::size_t SetBytes = sizeof(SetInfo) + sizeof(Set) + 2 * sizeof(std::uint32_t);
-    const std::size_t perSet = SetBytes + mRestBounds.size() * sizeof(std::uint64_t);
-    const std::size_t bytes = mLabels.GetBytes() + Doubling * mQueue.size() * sizeof(QueueEntry) +
-                              Doubling * mSetInfos.size() * perSet +
+    constexpr std::size_t kDoubling = 3;
+    constexpr std::size_t kSetBytes = sizeof(SetInfo) + sizeof(Set) + 2 * sizeof(std::uint32_t);
+    const std::size_t perSet = kSetBytes + mCompletionBounds.size() * sizeof(std::uint64_t);
+    const std::size_t bytes = mLabels.GetBytes() + kDoubling * mQueue.size() * sizeof(QueueEntry) +
+                              kDoubling * mSetInfos.size() * perSet +
                               2 * mSettledCount * sizeof(typename NodeLabels<Words>::Entry);
     mBudget.Release(mCharged);
     mBudget.Charge(bytes);
@@ -103,51 +105,51 @@ void SubsetProgramme<Words>::ChargeMemory()
 }
 
 template <std::size_t Words>
-SubsetProgramme<Words>::~SubsetProgramme()
+DijkstraSteinerSearch<Words>::~DijkstraSteinerSearch()
 {
     mBudget.Release(mCharged);
 }
 
 template <std::size_t Words>
-std::uint32_t SubsetProgramme<Words>::Intern(const Set& set)
+SetIndex DijkstraSteinerSearch<Words>::Intern(const Set& set)
 {
-    const std::uint32_t number = mSets.Intern(set);
-    if (number < mSetInfos.size())
-        return number;
-    std::uint64_t least = 0;
-    for (const RestBound<Words>& bound : mRestBounds) {
+    const SetIndex index = mSets.Intern(set);
+    if (index.value < mSetInfos.size())
+        return index;
+    std::uint64_t alone = 0;
+    for (const CompletionBound<Words>& bound : mCompletionBounds) {
         mSetParts.push_back(bound.GetSetPart(set));
         if (bound.IsBoundAlone(set))
-            least = std::max(least, mSetParts.back());
+            alone = std::max(alone, mSetParts.back());
     }
-    mSetInfos.push_back({least, Saturated});
-    return number;
+    mSetInfos.push_back({.completionBound = alone, .cap = kUnreached});
+    return index;
 }
 
-/// Answers the greatest bound, or the first one that is above the limit.
+/// Returns the greatest bound, or the first one that is above the limit.
 template <std::size_t Words>
-std::uint64_t SubsetProgramme<Words>::GetRest(std::uint32_t node, std::uint32_t set,
-                                              std::uint64_t limit) const
+std::uint64_t DijkstraSteinerSearch<Words>::GetCompletionBound(NodeIndex node, SetIndex set,
+                                                               std::uint64_t limit) const
 {
-    std::uint64_t rest = 0;
-    for (std::size_t bound = 0; bound < mRestBounds.size() && rest <= limit; ++bound) {
-        const std::uint64_t setPart = mSetParts[set * mRestBounds.size() + bound];
-        rest = std::max(rest, mRestBounds[bound].Get(node, mSets.Get(set), setPart));
+    std::uint64_t greatest = 0;
+    for (std::size_t bound = 0; bound < mCompletionBounds.size() && greatest <= limit; ++bound) {
+        const std::uint64_t setPart = mSetParts[set.value * mCompletionBounds.size() + bound];
+        greatest = std::max(greatest, mCompletionBounds[bound].Get(node, mSets.Get(set), setPart));
     }
-    return rest;
+    return greatest;
 }
 
 template <std::size_t Words>
-void SubsetProgramme<Words>::Offer(std::uint32_t node, std::uint32_t set, std::uint64_t weight,
-                                   EOrigin origin)
+void DijkstraSteinerSearch<Words>::Offer(NodeIndex node, SetIndex set, std::uint64_t weight,
+                                         EOrigin origin)
 {
     const SetInfo& info = mSetInfos[set];
-    if (weight > info.cap || weight + info.rest > mLimit)
+    if (weight > info.cap || weight + info.completionBound > mLimit)
         return;
     const bool isBranch = origin == EOrigin::Grown;
-    std::uint32_t number = mLabels.Find(node, set);
-    if (number != LabelTable::None) {
-        Label& label = mLabels.Get(number);
+    LabelIndex index = mLabels.Find(node, set);
+    if (index.IsValid()) {
+        Label& label = mLabels.Get(index);
         if (label.isSettled || weight > label.weight)
             return;
         if (weight == label.weight) {
@@ -157,21 +159,25 @@ void SubsetProgramme<Words>::Offer(std::uint32_t node, std::uint32_t set, std::u
         label.weight = weight;
         label.isBranch = isBranch;
     } else {
-        const std::uint64_t rest = GetRest(node, set, mLimit - weight);
-        if (weight + rest > mLimit)
+        const std::uint64_t bound = GetCompletionBound(node, set, mLimit - weight);
+        if (weight + bound > mLimit)
             return;
-        const auto inflation = static_cast<std::uint64_t>(static_cast<double>(rest) * mInflation);
-        number = mLabels.Add({node, set, weight, rest + inflation, isBranch});
+        const auto inflation = static_cast<std::uint64_t>(static_cast<double>(bound) * mInflation);
+        index = mLabels.Add({.node = node,
+                             .set = set,
+                             .weight = weight,
+                             .completionBound = bound + inflation,
+                             .isBranch = isBranch});
     }
-    mQueue.push_back({weight + mLabels.Get(number).rest, number});
+    mQueue.push_back({weight + mLabels.Get(index).completionBound, index});
     std::push_heap(mQueue.begin(), mQueue.end(), std::greater<>());
 }
 
 template <std::size_t Words>
-void SubsetProgramme<Words>::Settle(std::uint32_t number)
+void DijkstraSteinerSearch<Words>::Settle(LabelIndex index)
 {
-    mLabels.Get(number).isSettled = true;
-    const Label label = mLabels.Get(number);
+    mLabels.Get(index).isSettled = true;
+    const Label label = mLabels.Get(index);
     SetInfo& info = mSetInfos[label.set];
     if (label.weight > info.cap)
         return;
@@ -187,20 +193,20 @@ void SubsetProgramme<Words>::Settle(std::uint32_t number)
     if (!isOutside)
         GrowFrom(label);
     if (label.node == mRoot)
-        JoinAtRoot(label, number);
+        JoinAtRoot(label, index);
     else
-        JoinAt(label, number);
+        JoinAt(label, index);
 }
 
 template <std::size_t Words>
-void SubsetProgramme<Words>::GrowFrom(const Label& label)
+void DijkstraSteinerSearch<Words>::GrowFrom(const Label& label)
 {
     for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(label.node))
         Offer(arc.target, label.set, label.weight + arc.weight, EOrigin::Grown);
 }
 
 template <std::size_t Words>
-void SubsetProgramme<Words>::JoinAt(const Label& label, std::uint32_t number)
+void DijkstraSteinerSearch<Words>::JoinAt(const Label& label, LabelIndex index)
 {
     const Set set = mSets.Get(label.set);
     NodeLabels<Words>& settled = mSettledAt[label.node];
@@ -209,17 +215,17 @@ void SubsetProgramme<Words>::JoinAt(const Label& label, std::uint32_t number)
             return;
         const std::uint64_t weight = label.weight + other.weight;
         const Set joined = set.Union(other.set);
-        if (weight <= mLimit && settled.Improves(joined, weight))
+        if (weight <= mLimit && settled.RecordOffer(joined, weight))
             Offer(label.node, Intern(joined), weight, EOrigin::Joined);
     });
-    settled.Add({set, label.weight, number, label.isBranch}, mAll);
+    settled.Add({set, label.weight, index, label.isBranch}, mAll);
     ++mSettledCount;
 }
 
 /// Adds the next branch to those begun with the smallest terminal. Other pairs are not joined, but
 /// cap the labels of what they would join.
 template <std::size_t Words>
-void SubsetProgramme<Words>::JoinAtRoot(const Label& label, std::uint32_t number)
+void DijkstraSteinerSearch<Words>::JoinAtRoot(const Label& label, LabelIndex index)
 {
     const Set set = mSets.Get(label.set);
     NodeLabels<Words>& settled = mSettledAt[mRoot];
@@ -232,37 +238,37 @@ void SubsetProgramme<Words>::JoinAtRoot(const Label& label, std::uint32_t number
                 Offer(mRoot, Intern(joined), weight, EOrigin::Joined);
             return;
         }
-        const std::uint32_t known = mSets.Find(joined);
-        if (known != SetTable<Words>::None)
+        const SetIndex known = mSets.Find(joined);
+        if (known.IsValid())
             mSetInfos[known].cap = std::min(mSetInfos[known].cap, weight);
     });
-    settled.Add({set, label.weight, number, label.isBranch}, mAll);
+    settled.Add({set, label.weight, index, label.isBranch}, mAll);
     ++mSettledCount;
 }
 
 template <std::size_t Words>
-bool SubsetProgramme<Words>::IsNextBranch(const Set& branch, const Set& begun) const
+bool DijkstraSteinerSearch<Words>::IsNextBranch(const Set& branch, const Set& begun) const
 {
     return begun.Contains(mAll.GetLowest()) && branch.Contains(mAll.Without(begun).GetLowest());
 }
 
 template <std::size_t Words>
-std::uint32_t SubsetProgramme<Words>::FindSettled(std::uint32_t node, const Set& set) const
+LabelIndex DijkstraSteinerSearch<Words>::FindSettled(NodeIndex node, const Set& set) const
 {
-    const std::uint32_t number = mSets.Find(set);
-    return number == SetTable<Words>::None ? LabelTable::None : FindSettled(node, number);
+    const SetIndex index = mSets.Find(set);
+    return index.IsValid() ? FindSettled(node, index) : LabelIndex();
 }
 
 template <std::size_t Words>
-std::uint32_t SubsetProgramme<Words>::FindSettled(std::uint32_t node, std::uint32_t set) const
+LabelIndex DijkstraSteinerSearch<Words>::FindSettled(NodeIndex node, SetIndex set) const
 {
-    const std::uint32_t label = mLabels.Find(node, set);
-    return label != LabelTable::None && mLabels.Get(label).isSettled ? label : LabelTable::None;
+    const LabelIndex label = mLabels.Find(node, set);
+    return label.IsValid() && mLabels.Get(label).isSettled ? label : LabelIndex();
 }
 
-template class SubsetProgramme<1>;
-template class SubsetProgramme<2>;
-template class SubsetProgramme<4>;
-template class SubsetProgramme<8>;
+template class DijkstraSteinerSearch<1>;
+template class DijkstraSteinerSearch<2>;
+template class DijkstraSteinerSearch<4>;
+template class DijkstraSteinerSearch<8>;
 
 } // namespace qe::graph

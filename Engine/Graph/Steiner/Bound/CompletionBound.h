@@ -1,7 +1,8 @@
-#ifndef ENGINE_GRAPH_STEINER_BOUND_RESTBOUND_H
-#define ENGINE_GRAPH_STEINER_BOUND_RESTBOUND_H
+#ifndef ENGINE_GRAPH_STEINER_BOUND_COMPLETIONBOUND_H
+#define ENGINE_GRAPH_STEINER_BOUND_COMPLETIONBOUND_H
 
 #include "Engine/Graph/Steiner/Bound/DualAscent.h"
+#include "Engine/Graph/Steiner/Bound/ReducedDistances.h"
 #include "Engine/Graph/Steiner/Network/SetTable.h"
 
 #include <cstddef>
@@ -10,50 +11,52 @@
 
 namespace qe::graph {
 
-/// Bounds what is missing when a partial tree joins some terminals to a node, by one dual ascent.
+/// Bounds from below what completes a partial tree that joins some terminals to a node, by the cuts
+/// of one dual ascent: the bound that the search of Hougardy, Silvanus and Vygen (2017) asks for.
 ///
 /// The rest of the tree connects the node and all other terminals, among them the search's root.
 /// When the ascent's root is there too, then the rest, seen from it, enters every cut that holds
-/// the node or one of those terminals, and contains a way to the node that pays the reduced
+/// the node or one of those terminals, and contains a path to the node that pays the reduced
 /// weights. When the ascent's root is joined already, the rest, seen from the node, enters every
-/// cut that holds another terminal but not the node, and contains a way to the search's root.
+/// cut that holds another terminal but not the node, and contains a path to the search's root.
 ///
 /// The bound is consistent: growing along an edge, or joining two partial trees, never lowers
 /// the weight so far plus the bound. So a best-first search settles each partial tree once, also
 /// with the greatest of several such bounds.
 template <std::size_t Words>
-class RestBound : public CutObserver
+class CompletionBound : public CutObserver
 {
 public:
     using Set = TerminalSet<Words>;
 
-    /// Takes the root of the search.
-    RestBound(const FlatNetwork& network, std::uint32_t searchRoot);
+    /// Takes the root of the search. Keeps a reference to the network.
+    CompletionBound(const FlatNetwork& network, NodeIndex searchRoot);
 
-    void Raise(std::span<const std::uint32_t> nodes, std::span<const std::uint32_t> entering,
+    void Raise(std::span<const NodeIndex> nodes, std::span<const ArcSlot> entering,
                std::uint64_t price) override;
 
     /// Packs what was raised for the search; needs the reduced weights of the finished ascent,
-    /// and a weight above which trees are not looked for.
+    /// and a weight above which trees are not looked for. Two runs of Dijkstra's algorithm.
     void Finish(const DualAscent& ascent, std::uint64_t limit);
 
-    /// Answers what the terminals that are not in the set demand.
+    /// Returns what the terminals that are not in the set demand.
     [[nodiscard]] std::uint64_t GetSetPart(const Set& set) const;
 
-    /// Says whether that is a bound by itself, wherever the node lies.
+    /// Returns whether that is a bound by itself, wherever the node lies.
     [[nodiscard]] bool IsBoundAlone(const Set& set) const { return !set.Contains(mRootBit); }
 
-    /// Answers the bound, from the part that the set demands.
-    [[nodiscard]] std::uint64_t Get(std::uint32_t node, const Set& set, std::uint64_t setPart) const
+    /// Returns the bound, from the part that the set demands. Costs the number of charges at the
+    /// node.
+    [[nodiscard]] std::uint64_t Get(NodeIndex node, const Set& set, std::uint64_t setPart) const
     {
         std::uint64_t joined = 0;
-        for (std::uint32_t place = mFirst[node]; place < mFirst[node + 1]; ++place) {
+        for (std::uint32_t place = mFirst[node.value]; place < mFirst[node.value + 1]; ++place) {
             if (mCharges[place].set.IsSubsetOf(set))
                 joined += mCharges[place].price;
         }
         if (!set.Contains(mRootBit))
-            return setPart + joined + mWaysFromRoot[node];
-        return setPart + joined - mTotals[node] + mWaysToSearchRoot[node];
+            return setPart + joined + mPathsFromRoot[node];
+        return setPart + joined - mTotals[node] + mPathsToSearchRoot[node];
     }
 
 private:
@@ -64,27 +67,27 @@ private:
     };
     struct NumberedCharge
     {
-        std::uint32_t node;
-        std::uint32_t set;
+        NodeIndex node;
+        SetIndex set;
         std::uint64_t price;
     };
 
     const FlatNetwork& mNetwork;
-    std::uint32_t mSearchRoot;
+    NodeIndex mSearchRoot;
     /// The number that the ascent's root has among the terminals.
     std::uint32_t mRootBit = 0;
-    std::vector<std::uint32_t> mBits;
+    IndexedVector<NodeIndex, std::uint32_t> mBits;
     SetTable<Words> mSets;
-    std::vector<std::uint64_t> mPrices;
+    IndexedVector<SetIndex, std::uint64_t> mPrices;
     std::vector<NumberedCharge> mRaised;
     /// Place in mRaised of the last charge at each node.
-    std::vector<std::uint32_t> mLast;
+    IndexedVector<NodeIndex, std::uint32_t> mLast;
     std::vector<std::uint32_t> mFirst;
     std::vector<Charge> mCharges;
     /// Sum of the charges at each node.
-    std::vector<std::uint64_t> mTotals;
-    std::vector<std::uint64_t> mWaysFromRoot;
-    std::vector<std::uint64_t> mWaysToSearchRoot;
+    IndexedVector<NodeIndex, std::uint64_t> mTotals;
+    NodeDistances mPathsFromRoot;
+    NodeDistances mPathsToSearchRoot;
 };
 
 } // namespace qe::graph

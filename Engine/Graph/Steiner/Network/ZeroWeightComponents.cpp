@@ -1,4 +1,4 @@
-#include "Engine/Graph/Steiner/Network/ZeroGroups.h"
+#include "Engine/Graph/Steiner/Network/ZeroWeightComponents.h"
 
 #include "Engine/Graph/Core/DisjointSets.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
@@ -8,7 +8,8 @@
 
 namespace qe::graph {
 
-ZeroGroups::ZeroGroups(const GraphView& graph, std::span<const NodeIndex> terminals)
+ZeroWeightComponents::ZeroWeightComponents(const GraphView& graph,
+                                           std::span<const NodeIndex> terminals)
     : mGraph(graph), mTerminals(terminals)
 {
     const auto isInside = [](const Edge& edge) {
@@ -17,22 +18,23 @@ ZeroGroups::ZeroGroups(const GraphView& graph, std::span<const NodeIndex> termin
     const std::span<const Edge> edges = graph.GetEdges();
     if (std::none_of(edges.begin(), edges.end(), isInside))
         return;
-    DisjointSets groups(graph.GetNodeCount());
+    DisjointSets components(graph.GetNodeCount());
     for (const Edge& edge : edges) {
         if (isInside(edge))
-            groups.Unite(edge.end1.value, edge.end2.value);
+            components.Unite(edge.end1.value, edge.end2.value);
     }
-    // Ascending order meets the smallest node of each group first.
-    std::vector<std::uint32_t> smallest(graph.GetNodeCount(), graph.GetNodeCount());
-    for (std::uint32_t node = 0; node < graph.GetNodeCount(); ++node) {
-        std::uint32_t& first = smallest[groups.Find(node)];
-        first = std::min(first, node);
-        mGroups.push_back(first);
+    // Ascending order meets the smallest node of each component first.
+    std::vector<NodeIndex> smallest(graph.GetNodeCount());
+    for (const NodeIndex node : IndexRange<NodeIndex>(graph.GetNodeCount())) {
+        NodeIndex& first = smallest[components.Find(node.value)];
+        if (!first.IsValid())
+            first = node;
+        mComponents.push_back(first);
     }
 }
 
-ZeroGroups::EStep ZeroGroups::ForEachTree(std::span<const EdgeIndex> outer, Budget& budget,
-                                          const TreeTaker& take)
+ZeroWeightComponents::EStep ZeroWeightComponents::ForEachTree(std::span<const EdgeIndex> outer,
+                                                              Budget& budget, const TreeTaker& take)
 {
     FindWanted(outer);
     // No step leads into a dead end, so the first tree always comes soon.
@@ -59,31 +61,32 @@ ZeroGroups::EStep ZeroGroups::ForEachTree(std::span<const EdgeIndex> outer, Budg
     return EStep::Continue;
 }
 
-/// Collects what the trees inside the groups must touch, group by group, and starts each of them.
-void ZeroGroups::FindWanted(std::span<const EdgeIndex> outer)
+/// Collects what the trees inside the components must touch, one component after the other, and
+/// starts each of them.
+void ZeroWeightComponents::FindWanted(std::span<const EdgeIndex> outer)
 {
     mWanted.clear();
     for (const NodeIndex terminal : mTerminals)
-        mWanted.push_back(terminal.value);
+        mWanted.push_back(terminal);
     for (const EdgeIndex edge : outer) {
-        mWanted.push_back(mGraph.GetEdge(edge).end1.value);
-        mWanted.push_back(mGraph.GetEdge(edge).end2.value);
+        mWanted.push_back(mGraph.GetEdge(edge).end1);
+        mWanted.push_back(mGraph.GetEdge(edge).end2);
     }
-    std::sort(mWanted.begin(), mWanted.end(), [this](std::uint32_t left, std::uint32_t right) {
-        return std::tie(mGroups[left], left) < std::tie(mGroups[right], right);
+    std::sort(mWanted.begin(), mWanted.end(), [this](NodeIndex left, NodeIndex right) {
+        return std::tie(mComponents[left], left) < std::tie(mComponents[right], right);
     });
     mMarks.assign(mGraph.GetNodeCount(), EMark::Free);
     mSeenStamps.resize(mGraph.GetNodeCount());
     for (std::size_t place = 0; place < mWanted.size(); ++place) {
-        if (place == 0 || mGroups[mWanted[place]] != mGroups[mWanted[place - 1]])
+        if (place == 0 || mComponents[mWanted[place]] != mComponents[mWanted[place - 1]])
             mMarks[mWanted[place]] = EMark::InTree;
     }
     mFrames.clear();
     mEdges.clear();
 }
 
-/// Begins a path at the next wanted node that is not in the tree; says false when all are.
-bool ZeroGroups::BeginPath(std::size_t wanted)
+/// Begins a path at the next wanted node that is not in the tree; returns whether there is one.
+bool ZeroWeightComponents::BeginPath(std::size_t wanted)
 {
     while (wanted < mWanted.size() && mMarks[mWanted[wanted]] == EMark::InTree)
         ++wanted;
@@ -94,17 +97,17 @@ bool ZeroGroups::BeginPath(std::size_t wanted)
     return true;
 }
 
-/// Takes one step of the search; says true when that completes a tree.
-bool ZeroGroups::Advance()
+/// Takes one step of the search; returns whether that completes a tree.
+bool ZeroWeightComponents::Advance()
 {
     Frame& frame = mFrames.back();
-    const std::span<const Arc> arcs = mGraph.GetArcs({frame.node});
+    const std::span<const Arc> arcs = mGraph.GetArcs(frame.node);
     if (frame.nextArc == arcs.size()) {
         Retreat();
         return false;
     }
     const Arc arc = arcs[frame.nextArc++];
-    const std::uint32_t target = arc.target.value;
+    const NodeIndex target = arc.target;
     if (!IsInside(arc) || mMarks[target] == EMark::OnPath)
         return false;
     if (mMarks[target] == EMark::InTree) {
@@ -122,7 +125,7 @@ bool ZeroGroups::Advance()
 }
 
 /// Leaves the last node; when its path began there, reopens the path before it.
-void ZeroGroups::Retreat()
+void ZeroWeightComponents::Retreat()
 {
     const Frame left = mFrames.back();
     mMarks[left.node] = EMark::Free;
@@ -133,22 +136,22 @@ void ZeroGroups::Retreat()
         mEdges.pop_back();
 }
 
-void ZeroGroups::MarkPath(EMark mark)
+void ZeroWeightComponents::MarkPath(EMark mark)
 {
     for (std::size_t place = mFrames.back().pathStart; place < mFrames.size(); ++place)
         mMarks[mFrames[place].node] = mark;
 }
 
-bool ZeroGroups::CanReachTree(std::uint32_t node)
+bool ZeroWeightComponents::CanReachTree(NodeIndex node)
 {
     ++mSeenStamp;
     mSeen.assign(1, node);
     mSeenStamps[node] = mSeenStamp;
     while (!mSeen.empty()) {
-        const std::uint32_t current = mSeen.back();
+        const NodeIndex current = mSeen.back();
         mSeen.pop_back();
-        for (const Arc& arc : mGraph.GetArcs({current})) {
-            const std::uint32_t target = arc.target.value;
+        for (const Arc& arc : mGraph.GetArcs(current)) {
+            const NodeIndex target = arc.target;
             if (!IsInside(arc) || mMarks[target] == EMark::OnPath ||
                 mSeenStamps[target] == mSeenStamp)
                 continue;

@@ -1,0 +1,77 @@
+#ifndef ENGINE_GRAPH_STEINER_BLOCKBOUNDS_H
+#define ENGINE_GRAPH_STEINER_BLOCKBOUNDS_H
+
+#include "Engine/Graph/Steiner/Bound/CompletionBound.h"
+#include "Engine/Graph/Steiner/Bound/DualAscent.h"
+#include "Engine/Graph/Steiner/Bound/ReducedCostFixing.h"
+#include "Engine/Graph/Steiner/Grow/TreeGrower.h"
+#include "Engine/Graph/Steiner/Network/FlatNetwork.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace qe::graph {
+
+class Budget;
+
+/// What is known of the optimum of one block: the best tree so far, a bound from either side, and
+/// the edges that the two exclude or force.
+class BlockBounds
+{
+public:
+    /// Takes the block and a weight that some tree of it is known not to exceed. Keeps references
+    /// to network and budget.
+    BlockBounds(const FlatNetwork& network, std::uint64_t knownWeight, Budget& budget);
+
+    /// The least weight that some tree is known to have or to stay below.
+    [[nodiscard]] std::uint64_t GetKnownWeight() const { return mKnownWeight; }
+    /// The weight that no tree is below.
+    [[nodiscard]] std::uint64_t GetLowerBound() const { return mLowerBound; }
+    void RaiseLowerBound(std::uint64_t bound);
+    /// The root of the best ascent so far, where searches are rooted too.
+    [[nodiscard]] NodeIndex GetRoot() const { return mRoot; }
+    /// The best tree so far; without edges and of weight kUnreached when there is none.
+    [[nodiscard]] const SteinerTree& GetTree() const { return mTree; }
+    [[nodiscard]] const EdgeStatuses& GetStatuses() const { return mStatuses; }
+
+    /// Bounds the optimum from below by an ascent, guided by a tree or not, and from above by a
+    /// tree grown along the edges that the ascent has used up; classifies the edges by both.
+    void Ascend(NodeIndex root, std::span<const EdgeIndex> guide);
+
+    /// Bounds the optimum from above by a tree grown from the node.
+    void GrowTree(NodeIndex start);
+    /// Improves the best tree by local search.
+    void ImproveTree();
+    /// Grows trees from many terminals and improves each by itself, while the time lasts.
+    void GrowManyTrees();
+    /// Grows a tree around the forest and improves it; classifies the edges by it and the last
+    /// ascent when it is the best so far.
+    void RegrowTree(std::span<const EdgeIndex> forest);
+
+    /// Appends bounds for an exact search until there are `most`, or every terminal was root
+    /// twice: every other root is guided, and the second round changes places.
+    template <std::size_t Words>
+    void AppendBounds(std::size_t most, std::uint64_t limit,
+                      std::vector<CompletionBound<Words>>& bounds);
+
+private:
+    void TakeTree(SteinerTree&& tree);
+    void Improve(SteinerTree& tree);
+    [[nodiscard]] std::vector<NodeIndex> ChooseRoots(std::size_t most) const;
+
+    const FlatNetwork& mNetwork;
+    Budget& mBudget;
+    TreeGrower mGrower;
+    DualAscent mAscent;
+    std::uint64_t mKnownWeight;
+    std::uint64_t mLowerBound = 0;
+    NodeIndex mRoot;
+    SteinerTree mTree;
+    EdgeStatuses mStatuses;
+};
+
+} // namespace qe::graph
+
+#endif
