@@ -22,21 +22,21 @@ struct SteinerLimits
     std::size_t memory = std::size_t{1} << 30;
 };
 
-/// What is known of the weight that a search answers.
+/// What is known of the weight that a search returns.
 enum class EProof
 {
     Optimal,   ///< No tree is lighter.
-    BestFound, ///< The budget ran out: the least weight lies between lower bound and weight.
+    BestFound, ///< The budget ran out: the optimum lies between lower bound and weight.
 };
 
-/// What is known of the number of trees that a search answers.
+/// What is known of the number of trees that a search returns.
 enum class ECount
 {
     Exact,   ///< There are exactly so many.
     AtLeast, ///< There are so many or more: the budget ran out, or 64 bits are too few.
 };
 
-/// The answer of one search for the lightest trees that connect given nodes.
+/// The result of one search for the minimum Steiner trees that connect given nodes.
 struct SteinerResult
 {
     /// False when no tree connects the terminals; everything else is empty then.
@@ -53,13 +53,13 @@ struct SteinerResult
     std::vector<std::vector<EdgeIndex>> trees;
 };
 
-/// Finds all trees of least weight that connect the terminals: the minimum Steiner trees of a
-/// multigraph.
+/// Finds all minimum Steiner trees of a multigraph: all trees of least weight that connect the
+/// terminals.
 ///
 /// A tree is a connected set of edges without a cycle that touches every terminal and whose
 /// leaves are all terminals. Parallel edges give different trees, self-loops are in none. Edges
 /// of weight 0 are in a tree only where the leaves demand it, so the trees stay finitely many,
-/// but every way to run through edges of weight 0 is a tree of its own.
+/// but every choice of edges of weight 0 is a tree of its own.
 ///
 /// Terminals may repeat and stand in any order: a node counts once, and neither which trees are
 /// listed nor their order depends on it. One distinct terminal is connected by the empty tree of
@@ -69,8 +69,8 @@ struct SteinerResult
 /// the other. When there are more than `maximumTrees`, those listed are a fixed choice among
 /// them, in that order too; the choice depends on graph, terminals and limit only.
 ///
-/// Within the limits the answer is exact. When they are exceeded during the search, one tree is
-/// answered, found by a heuristic improved by local search, as EProof::BestFound with the best
+/// Within the limits the result is exact. When they are exceeded during the search, one tree is
+/// returned, found by a heuristic improved by local search, as EProof::BestFound with the best
 /// lower bound that was proven (EProof::Optimal when the two meet). When they are exceeded while
 /// counting or listing, the weight stays proven, fewer trees may be listed than asked for, and
 /// the count is ECount::AtLeast.

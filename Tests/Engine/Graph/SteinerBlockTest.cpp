@@ -44,7 +44,7 @@ public:
         : charged(network.GetHalfCount()), mNetwork(network), mRoot(root)
     {}
 
-    void Raise(std::span<const NodeIndex> nodes, std::span<const std::uint32_t> /*entering*/,
+    void Raise(std::span<const NodeIndex> nodes, std::span<const ArcSlot> /*entering*/,
                std::uint64_t price) override
     {
         const std::set<NodeIndex> set(nodes.begin(), nodes.end());

@@ -4,18 +4,12 @@
 
 namespace qe::graph {
 
-namespace {
-
-constexpr std::uint32_t None = 0xFFFFFFFF;
-
-} // namespace
-
 template <std::size_t Words>
 CompletionBound<Words>::CompletionBound(const FlatNetwork& network, NodeIndex searchRoot)
     : mNetwork(network),
       mSearchRoot(searchRoot),
-      mBits(network.GetNodeCount(), None),
-      mLast(network.GetNodeCount(), None)
+      mBits(network.GetNodeCount(), kNoIndex),
+      mLast(network.GetNodeCount(), kNoIndex)
 {
     std::uint32_t bit = 0;
     for (const NodeIndex terminal : network.GetTerminals())
@@ -24,19 +18,19 @@ CompletionBound<Words>::CompletionBound(const FlatNetwork& network, NodeIndex se
 
 template <std::size_t Words>
 void CompletionBound<Words>::Raise(std::span<const NodeIndex> nodes,
-                                   std::span<const std::uint32_t> /*entering*/, std::uint64_t price)
+                                   std::span<const ArcSlot> /*entering*/, std::uint64_t price)
 {
     Set terminals;
     for (const NodeIndex node : nodes) {
-        if (mBits[node] != None)
+        if (mBits[node] != kNoIndex)
             terminals.Add(mBits[node]);
     }
-    const std::uint32_t set = mSets.Intern(terminals);
-    mPrices.resize(mSets.GetCount(), 0);
+    const SetIndex set = mSets.Intern(terminals);
+    mPrices.resize(mSets.GetCount());
     mPrices[set] += price;
     for (const NodeIndex node : nodes) {
         const std::uint32_t last = mLast[node];
-        if (last != None && mRaised[last].set == set) {
+        if (last != kNoIndex && mRaised[last].set == set) {
             mRaised[last].price += price;
             continue;
         }
@@ -49,10 +43,10 @@ template <std::size_t Words>
 void CompletionBound<Words>::Finish(const DualAscent& ascent, std::uint64_t limit)
 {
     mRootBit = mBits[ascent.GetRoot()];
-    // A way dearer than this is in no tree within the limit.
+    // A path that pays more than this is in no tree within the limit.
     const std::uint64_t slack = limit - std::min(limit, ascent.GetBound());
-    mWaysFromRoot = GetReducedFromRoot(mNetwork, ascent, slack);
-    mWaysToSearchRoot = GetReducedTo(mNetwork, ascent, mSearchRoot, slack);
+    mPathsFromRoot = GetReducedFromRoot(mNetwork, ascent, slack);
+    mPathsToSearchRoot = GetReducedTo(mNetwork, ascent, mSearchRoot, slack);
     mTotals.assign(mNetwork.GetNodeCount(), 0);
     mFirst.assign(mNetwork.GetNodeCount() + 1, 0);
     for (const NumberedCharge& raised : mRaised) {
@@ -72,9 +66,9 @@ template <std::size_t Words>
 std::uint64_t CompletionBound<Words>::GetSetPart(const Set& set) const
 {
     std::uint64_t bound = 0;
-    for (std::uint32_t number = 0; number < mSets.GetCount(); ++number) {
-        if (!mSets.Get(number).IsSubsetOf(set))
-            bound += mPrices[number];
+    for (const SetIndex raised : mSets.GetAll()) {
+        if (!mSets.Get(raised).IsSubsetOf(set))
+            bound += mPrices[raised];
     }
     return bound;
 }

@@ -49,11 +49,13 @@ void CutExchange::Report(CutObserver& observer) const
         observer.Raise(cut.nodes, cut.entering, cut.price);
 }
 
-void CutExchange::Raise(std::span<const NodeIndex> nodes, std::span<const std::uint32_t> entering,
+void CutExchange::Raise(std::span<const NodeIndex> nodes, std::span<const ArcSlot> entering,
                         std::uint64_t price)
 {
-    Cut& cut = mCuts.emplace_back(
-        Cut{{nodes.begin(), nodes.end()}, {entering.begin(), entering.end()}, {}, price});
+    Cut& cut = mCuts.emplace_back(Cut{.nodes = {nodes.begin(), nodes.end()},
+                                      .entering = {entering.begin(), entering.end()},
+                                      .terminals = {},
+                                      .price = price});
     std::copy_if(nodes.begin(), nodes.end(), std::back_inserter(cut.terminals),
                  [this](NodeIndex node) { return mNetwork.IsTerminal(node); });
     mBudget.Charge(GetBytes(cut));

@@ -29,7 +29,8 @@ class Budget;
 class CutExchange : private CutObserver
 {
 public:
-    /// Bounds the optimum by an ascent from the root along a light tree.
+    /// Bounds the optimum by an ascent from the root, guided by a light tree. Keeps references to
+    /// network and budget, and charges the budget for the cuts it holds.
     CutExchange(const FlatNetwork& network, NodeIndex root, std::span<const EdgeIndex> guide,
                 Budget& budget);
     CutExchange(const CutExchange&) = delete;
@@ -45,22 +46,22 @@ public:
     /// that closes little more of the gap between the bound and a weight that some tree has.
     EOutcome Improve(std::uint64_t knownWeight, std::uint64_t work);
 
-    /// Answers the ascent with its bound and reduced weights as the cuts at hand make them.
+    /// Returns the ascent with its bound and reduced weights as the cuts at hand make them.
     [[nodiscard]] const DualAscent& GetAscent() const { return mAscent; }
 
-    /// Hands over the cuts at hand.
+    /// Raises the cuts at hand before the observer.
     void Report(CutObserver& observer) const;
 
 private:
     struct Cut
     {
         std::vector<NodeIndex> nodes;
-        std::vector<std::uint32_t> entering;
+        std::vector<ArcSlot> entering;
         std::vector<NodeIndex> terminals;
         std::uint64_t price;
     };
 
-    void Raise(std::span<const NodeIndex> nodes, std::span<const std::uint32_t> entering,
+    void Raise(std::span<const NodeIndex> nodes, std::span<const ArcSlot> entering,
                std::uint64_t price) override;
     void Exchange();
     void ChooseTerminals();

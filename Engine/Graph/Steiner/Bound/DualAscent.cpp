@@ -25,14 +25,13 @@ DualAscent::DualAscent(const FlatNetwork& network)
       mStamps(network.GetNodeCount())
 {
     mFirstSlot.reserve(network.GetNodeCount() + 1);
-    mOrigins.reserve(network.GetHalfCount());
     mFirstSlot.push_back(0);
     for (const NodeIndex node : network.GetNodes()) {
         for (const FlatNetwork::Arc& arc : network.GetArcs(node)) {
-            mSlots[arc.half.Reversed()] = static_cast<std::uint32_t>(mOrigins.size());
+            mSlots[arc.half.Reversed()] = {mOrigins.size()};
             mOrigins.push_back(arc.target);
         }
-        mFirstSlot.push_back(static_cast<std::uint32_t>(mOrigins.size()));
+        mFirstSlot.push_back(mOrigins.size());
     }
 }
 
@@ -57,7 +56,7 @@ void DualAscent::Run(NodeIndex root, std::span<const EdgeIndex> guide, Budget& b
         Entry entry = queue.top();
         queue.pop();
         const std::uint64_t limit = queue.empty() ? kNoLimit : queue.top().cost;
-        if (Ascend(entry.terminal, limit, entry.cost, observer) == EOutcome::Paused)
+        if (Ascend(entry, limit, observer) == EOutcome::Paused)
             queue.push(entry);
         else
             mIsActive[entry.terminal] = 0;
@@ -72,15 +71,15 @@ void DualAscent::Resume(std::mt19937& random, Budget& budget, CutObserver& obser
     for (const NodeIndex terminal : representatives)
         mIsActive[terminal] = 1;
     for (const NodeIndex terminal : representatives) {
-        std::uint64_t cost = 0;
+        Entry entry{.cost = 0, .terminal = terminal};
         if (!budget.IsExhausted())
-            Ascend(terminal, kNoLimit, cost, &observer);
+            Ascend(entry, kNoLimit, &observer);
         mIsActive[terminal] = 0;
     }
 }
 
-/// Orders the terminals that the root does not reach by arcs with nothing left, and drops those
-/// that a later one reaches so: in their turn, the later one would speak for them.
+/// Returns the terminals that the root does not reach by arcs with nothing left, in random order,
+/// without those that a later one reaches so: in their turn, the later one would represent them.
 std::vector<NodeIndex> DualAscent::ChooseRepresentatives(std::mt19937& random)
 {
     std::vector<NodeIndex> unreached;
@@ -119,17 +118,17 @@ void DualAscent::MarkFrom(NodeIndex node, NodeMarks& marks)
     }
 }
 
-void DualAscent::TakeBack(std::span<const std::uint32_t> entering, std::uint64_t price)
+void DualAscent::TakeBack(std::span<const ArcSlot> entering, std::uint64_t price)
 {
     mBound -= price;
-    for (const std::uint32_t slot : entering)
+    for (const ArcSlot slot : entering)
         mReduced[slot] += price;
 }
 
-void DualAscent::Charge(std::span<const std::uint32_t> entering, std::uint64_t price)
+void DualAscent::Charge(std::span<const ArcSlot> entering, std::uint64_t price)
 {
     mBound += price;
-    for (const std::uint32_t slot : entering)
+    for (const ArcSlot slot : entering)
         mReduced[slot] -= price;
 }
 
@@ -154,42 +153,44 @@ void DualAscent::SetGuide(std::span<const EdgeIndex> guide)
     }
 }
 
-/// Answers what raising the set at hand costs in later chances.
+/// Returns what raising the set at hand costs in later chances.
 std::uint64_t DualAscent::GetCost() const
 {
     std::uint64_t crossings = 0;
-    for (const std::uint32_t slot : mEntering)
+    for (const ArcSlot slot : mEntering)
         crossings += mIsGuide[slot];
     const std::uint64_t detours = crossings > 1 ? crossings - 1 : 0;
     return detours * tuning::kGuidePenalty + mEntering.size();
 }
 
-DualAscent::EOutcome DualAscent::Ascend(NodeIndex terminal, std::uint64_t costLimit,
-                                        std::uint64_t& cost, CutObserver* observer)
+/// Raises sets around the entry's terminal up to the limit of costs. Updates the entry's cost when
+/// it pauses there.
+DualAscent::EOutcome DualAscent::Ascend(Entry& entry, std::uint64_t costLimit,
+                                        CutObserver* observer)
 {
     ++mStamp;
-    mStamps[terminal] = mStamp;
-    mSet.assign(1, terminal);
+    mStamps[entry.terminal] = mStamp;
+    mSet.assign(1, entry.terminal);
     mSpread = 0;
     mEntering.clear();
     const std::uint64_t eagerLimit =
         costLimit == kNoLimit ? kNoLimit : costLimit * tuning::kEagerQuarters / 4;
     for (bool isFirst = true;; isFirst = false) {
-        if (!Spread(terminal))
+        if (!Spread(entry.terminal))
             return EOutcome::Finished;
         std::erase_if(mEntering,
-                      [this](std::uint32_t slot) { return mStamps[mOrigins[slot]] == mStamp; });
+                      [this](ArcSlot slot) { return mStamps[mOrigins[slot]] == mStamp; });
         if (mEntering.empty())
             return EOutcome::Finished;
-        cost = GetCost();
-        if (cost > (isFirst ? costLimit : eagerLimit))
+        entry.cost = GetCost();
+        if (entry.cost > (isFirst ? costLimit : eagerLimit))
             return EOutcome::Paused;
         RaiseCut(observer);
     }
 }
 
-/// Grows the set by all nodes that reach it by arcs with nothing left. Says false when one of
-/// them is reached from the root, or is another active terminal, which then speaks for the set.
+/// Grows the set by all nodes that reach it by arcs with nothing left. Returns false when one of
+/// them is reached from the root, or is another active terminal, which then represents the set.
 bool DualAscent::Spread(NodeIndex terminal)
 {
     for (; mSpread < mSet.size(); ++mSpread) {
@@ -201,8 +202,9 @@ bool DualAscent::Spread(NodeIndex terminal)
         if (node != terminal && mIsActive[node] != 0)
             return false;
         mWork += mFirstSlot[node.value + 1] - mFirstSlot[node.value];
-        for (std::uint32_t slot = mFirstSlot[node.value]; slot < mFirstSlot[node.value + 1];
-             ++slot) {
+        for (std::uint32_t place = mFirstSlot[node.value]; place < mFirstSlot[node.value + 1];
+             ++place) {
+            const ArcSlot slot{place};
             const NodeIndex origin = mOrigins[slot];
             if (mStamps[origin] == mStamp)
                 continue;
@@ -221,12 +223,12 @@ void DualAscent::RaiseCut(CutObserver* observer)
 {
     mWork += mEntering.size();
     std::uint64_t price = kUnreached;
-    for (const std::uint32_t slot : mEntering)
+    for (const ArcSlot slot : mEntering)
         price = std::min(price, mReduced[slot]);
     mBound += price;
     if (observer != nullptr)
         observer->Raise(mSet, mEntering, price);
-    for (const std::uint32_t slot : mEntering) {
+    for (const ArcSlot slot : mEntering) {
         mReduced[slot] -= price;
         const NodeIndex origin = mOrigins[slot];
         if (mReduced[slot] == 0 && mStamps[origin] != mStamp) {

@@ -1,8 +1,11 @@
 #ifndef ENGINE_GRAPH_STEINER_BOUND_DUALASCENT_H
 #define ENGINE_GRAPH_STEINER_BOUND_DUALASCENT_H
 
+#include "Engine/Graph/Core/Indices.h"
 #include "Engine/Graph/Steiner/Network/FlatNetwork.h"
 
+#include <compare>
+#include <cstddef>
 #include <cstdint>
 #include <random>
 #include <span>
@@ -12,40 +15,49 @@ namespace qe::graph {
 
 class Budget;
 
+/// Position of a half-edge in an order in which those into one node follow one another.
+struct ArcSlot
+{
+    std::uint32_t value = kNoIndex;
+    friend auto operator<=>(const ArcSlot&, const ArcSlot&) = default;
+};
+
 /// Listens to the cuts that a dual ascent raises.
 class CutObserver
 {
 public:
     virtual ~CutObserver() = default;
     /// Takes a set of nodes without the root, that every tree must enter for the terminals in
-    /// it, the slots (see DualAscent) of the arcs into it, and the price that these have just been
-    /// charged.
-    virtual void Raise(std::span<const NodeIndex> nodes, std::span<const std::uint32_t> entering,
+    /// it, the slots of the arcs into it, and the price that these have just been charged. The
+    /// spans are good during the call.
+    virtual void Raise(std::span<const NodeIndex> nodes, std::span<const ArcSlot> entering,
                        std::uint64_t price) = 0;
 };
 
-/// Proves a lower bound for the weight of every tree, by raising prices on directed cuts.
+/// Proves a lower bound for the weight of every Steiner tree, by raising prices on directed cuts:
+/// Wong's dual ascent (1984).
 ///
-/// A tree hung up at the root enters every set of nodes that contains a terminal but not the
-/// root. Wong's dual ascent (1984) finds such a set that can be reached only by arcs with some
+/// A tree directed away from the root enters every set of nodes that contains a terminal but not
+/// the root. The ascent finds such a set that can be reached only by arcs with some
 /// weight left, charges the least of it to all of them, and goes on until every terminal can be
 /// reached from the root by arcs with nothing left. The charges add up to the bound; what is
-/// left, the reduced weights, tells by how much more a tree weighs at least when it uses an arc.
+/// left, the reduced weights, is by how much more a tree weighs at least when it uses an arc.
 /// Small sets go first (Poggi de Aragao, Uchoa and Werneck 2001), ties go to the smaller
 /// terminal.
 ///
-/// Sets grow against the arcs, so what belongs to the arcs into one node stands together: each
-/// half-edge has a slot, and the slots of the half-edges into a node follow one another.
+/// Sets grow against the arcs, so what belongs to the arcs into one node stands together, by slot.
 class DualAscent
 {
 public:
+    /// Keeps a reference to the network.
     explicit DualAscent(const FlatNetwork& network);
 
     /// Runs with the given root and replaces what was known. Stops early, with a bound that is
     /// valid but weaker, when the budget runs out.
     ///
     /// A light tree, when given, guides the ascent: where its bound is tight, every set that pays
-    /// is entered by a lightest tree once, so sets that the given tree enters more often wait.
+    /// is entered by a minimum Steiner tree once, so sets that the given tree enters more often
+    /// wait.
     void Run(NodeIndex root, std::span<const EdgeIndex> guide, Budget& budget,
              CutObserver* observer = nullptr);
 
@@ -54,16 +66,16 @@ public:
     void Resume(std::mt19937& random, Budget& budget, CutObserver& observer);
 
     /// Takes the price of a cut that was raised back from the arcs into it.
-    void TakeBack(std::span<const std::uint32_t> entering, std::uint64_t price);
+    void TakeBack(std::span<const ArcSlot> entering, std::uint64_t price);
     /// Charges the price of a cut that was taken back once more.
-    void Charge(std::span<const std::uint32_t> entering, std::uint64_t price);
+    void Charge(std::span<const ArcSlot> entering, std::uint64_t price);
 
     [[nodiscard]] NodeIndex GetRoot() const { return mRoot; }
     [[nodiscard]] std::uint64_t GetBound() const { return mBound; }
-    /// Answers how many half-edges have been looked at, over all runs: what they cost, by a measure
+    /// Returns how many half-edges have been looked at, over all runs: what they cost, by a measure
     /// that is the same on every machine.
     [[nodiscard]] std::uint64_t GetWork() const { return mWork; }
-    /// Answers the reduced weight of going along the half-edge.
+    /// Returns the reduced weight of going along the half-edge.
     [[nodiscard]] std::uint64_t GetReduced(HalfEdge half) const { return mReduced[mSlots[half]]; }
 
 private:
@@ -81,8 +93,7 @@ private:
         friend auto operator<=>(const Entry&, const Entry&) = default;
     };
 
-    EOutcome Ascend(NodeIndex terminal, std::uint64_t costLimit, std::uint64_t& cost,
-                    CutObserver* observer);
+    EOutcome Ascend(Entry& entry, std::uint64_t costLimit, CutObserver* observer);
     void SetGuide(std::span<const EdgeIndex> guide);
     [[nodiscard]] std::uint64_t GetCost() const;
     bool Spread(NodeIndex terminal);
@@ -95,12 +106,12 @@ private:
     std::uint64_t mBound = 0;
     std::uint64_t mWork = 0;
     /// Slot of each half-edge.
-    IndexedVector<HalfEdge, std::uint32_t> mSlots;
+    IndexedVector<HalfEdge, ArcSlot> mSlots;
     /// First slot at each node, and behind the last.
     std::vector<std::uint32_t> mFirstSlot;
     /// Node that the half-edge of each slot leaves.
-    std::vector<NodeIndex> mOrigins;
-    std::vector<std::uint64_t> mReduced;
+    IndexedVector<ArcSlot, NodeIndex> mOrigins;
+    IndexedVector<ArcSlot, std::uint64_t> mReduced;
     NodeMarks mIsActive;
     /// Nodes known to be reached from the root by arcs with nothing left: a set that meets one
     /// would come upon the root.
@@ -108,12 +119,12 @@ private:
     NodeMarks mIsRepresented;
     std::vector<NodeIndex> mOpen;
     /// Slots by which the guiding tree leads away from the root.
-    std::vector<std::uint8_t> mIsGuide;
+    IndexedVector<ArcSlot, std::uint8_t> mIsGuide;
     /// The set at hand: its nodes, how many of them have been spread from, and the slots that
     /// lead into it with some weight left.
     std::vector<NodeIndex> mSet;
     std::size_t mSpread = 0;
-    std::vector<std::uint32_t> mEntering;
+    std::vector<ArcSlot> mEntering;
     IndexedVector<NodeIndex, std::uint32_t> mStamps;
     std::uint32_t mStamp = 0;
 };

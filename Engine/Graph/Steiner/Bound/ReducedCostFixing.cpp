@@ -12,8 +12,8 @@ namespace qe::graph {
 namespace {
 
 /// Returns the only edge that can connect the node, a terminal: of the half-edges that leave it,
-/// or whose other halves enter it, `isUsable` holds for those of one. An invalid
-/// one when there are several.
+/// or whose other halves enter it, `isUsable` holds for those of one. An invalid one when
+/// there are several.
 template <typename IsUsable>
 EdgeIndex FindOnlyEdge(const FlatNetwork& network, NodeIndex node, const IsUsable& isUsable)
 {

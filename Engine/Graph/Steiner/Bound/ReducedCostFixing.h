@@ -23,7 +23,7 @@ enum class EEdgeStatus : std::uint8_t
 using EdgeStatuses = IndexedVector<EdgeIndex, EEdgeStatus>;
 
 /// Classifies the edges by a dual ascent and a weight that some tree does not exceed: fixing by
-/// reduced costs (Wong 1984; Duin 1993; Polzin and Vahdati Daneshmand 2001).
+/// reduced costs (Polzin and Vahdati Daneshmand 2001).
 ///
 /// A tree that runs through an edge weighs at least the ascent's bound plus the reduced weight of
 /// a path from the root through the edge on to a terminal. Where that is above the given weight,

@@ -10,18 +10,18 @@ namespace qe::graph {
 class DualAscent;
 class FlatNetwork;
 
-/// Answers for each node the reduced weight of the lightest way from the root to it, and
-/// kUnreached where that is above `most`. One run of Dijkstra's algorithm as far as that, as below.
+/// Returns for each node the least reduced weight of a path from the root to it, and kUnreached
+/// where that is above `most`. One run of Dijkstra's algorithm as far as that, as below.
 [[nodiscard]] NodeDistances GetReducedFromRoot(const FlatNetwork& network, const DualAscent& ascent,
                                                std::uint64_t most);
 
-/// Answers for each node the reduced weight of the lightest way from it to the given one, and
+/// Returns for each node the least reduced weight of a path from it to the given one, and
 /// kUnreached where that is above `most`.
 [[nodiscard]] NodeDistances GetReducedTo(const FlatNetwork& network, const DualAscent& ascent,
                                          NodeIndex target, std::uint64_t most);
 
-/// Answers for each node the reduced weight of the lightest way from it to a terminal that is
-/// not the root, and kUnreached where that is above `most`.
+/// Returns for each node the least reduced weight of a path from it to a terminal that is not the
+/// root, and kUnreached where that is above `most`.
 [[nodiscard]] NodeDistances GetReducedToTerminal(const FlatNetwork& network,
                                                  const DualAscent& ascent, std::uint64_t most);
 

@@ -59,7 +59,7 @@ DijkstraSteinerSearch<Words>::Dive(double inflation, std::size_t mostSettled)
             return EOutcome::Exhausted;
         settled += SettleNext() ? 1U : 0U;
         ChargeMemory();
-        if (FindSettled(mRoot, mAll) != LabelTable::None)
+        if (FindSettled(mRoot, mAll).IsValid())
             return EOutcome::Solved;
     }
     return EOutcome::Paused;
@@ -74,7 +74,8 @@ void DijkstraSteinerSearch<Words>::OfferTerminals()
     }
 }
 
-/// Takes the first entry from the queue and settles its label, unless a later entry did.
+/// Takes the first entry from the queue and settles its label. Returns false when that entry is
+/// stale: its label was settled or made lighter since.
 template <std::size_t Words>
 bool DijkstraSteinerSearch<Words>::SettleNext()
 {
@@ -82,7 +83,7 @@ bool DijkstraSteinerSearch<Words>::SettleNext()
     std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
     mQueue.pop_back();
     const Label& label = mLabels.Get(entry.label);
-    if (label.isSettled || label.weight + label.rest != entry.key)
+    if (label.isSettled || label.weight + label.completionBound != entry.key)
         return false;
     Settle(entry.label);
     return true;
@@ -92,11 +93,11 @@ template <std::size_t Words>
 void DijkstraSteinerSearch<Words>::ChargeMemory()
 {
     // Lists that double when they are full take up to three times their contents meanwhile.
-    constexpr std::size_t Doubling = 3;
-    constexpr std::size_t SetBytes = sizeof(SetInfo) + sizeof(Set) + 2 * sizeof(std::uint32_t);
-    const std::size_t perSet = SetBytes + mCompletionBounds.size() * sizeof(std::uint64_t);
-    const std::size_t bytes = mLabels.GetBytes() + Doubling * mQueue.size() * sizeof(QueueEntry) +
-                              Doubling * mSetInfos.size() * perSet +
+    constexpr std::size_t kDoubling = 3;
+    constexpr std::size_t kSetBytes = sizeof(SetInfo) + sizeof(Set) + 2 * sizeof(std::uint32_t);
+    const std::size_t perSet = kSetBytes + mCompletionBounds.size() * sizeof(std::uint64_t);
+    const std::size_t bytes = mLabels.GetBytes() + kDoubling * mQueue.size() * sizeof(QueueEntry) +
+                              kDoubling * mSetInfos.size() * perSet +
                               2 * mSettledCount * sizeof(typename NodeLabels<Words>::Entry);
     mBudget.Release(mCharged);
     mBudget.Charge(bytes);
@@ -110,45 +111,45 @@ DijkstraSteinerSearch<Words>::~DijkstraSteinerSearch()
 }
 
 template <std::size_t Words>
-std::uint32_t DijkstraSteinerSearch<Words>::Intern(const Set& set)
+SetIndex DijkstraSteinerSearch<Words>::Intern(const Set& set)
 {
-    const std::uint32_t number = mSets.Intern(set);
-    if (number < mSetInfos.size())
-        return number;
-    std::uint64_t least = 0;
+    const SetIndex index = mSets.Intern(set);
+    if (index.value < mSetInfos.size())
+        return index;
+    std::uint64_t alone = 0;
     for (const CompletionBound<Words>& bound : mCompletionBounds) {
         mSetParts.push_back(bound.GetSetPart(set));
         if (bound.IsBoundAlone(set))
-            least = std::max(least, mSetParts.back());
+            alone = std::max(alone, mSetParts.back());
     }
-    mSetInfos.push_back({least, kUnreached});
-    return number;
+    mSetInfos.push_back({.completionBound = alone, .cap = kUnreached});
+    return index;
 }
 
-/// Answers the greatest bound, or the first one that is above the limit.
+/// Returns the greatest bound, or the first one that is above the limit.
 template <std::size_t Words>
-std::uint64_t DijkstraSteinerSearch<Words>::GetRest(NodeIndex node, std::uint32_t set,
-                                                    std::uint64_t limit) const
+std::uint64_t DijkstraSteinerSearch<Words>::GetCompletionBound(NodeIndex node, SetIndex set,
+                                                               std::uint64_t limit) const
 {
-    std::uint64_t rest = 0;
-    for (std::size_t bound = 0; bound < mCompletionBounds.size() && rest <= limit; ++bound) {
-        const std::uint64_t setPart = mSetParts[set * mCompletionBounds.size() + bound];
-        rest = std::max(rest, mCompletionBounds[bound].Get(node, mSets.Get(set), setPart));
+    std::uint64_t greatest = 0;
+    for (std::size_t bound = 0; bound < mCompletionBounds.size() && greatest <= limit; ++bound) {
+        const std::uint64_t setPart = mSetParts[set.value * mCompletionBounds.size() + bound];
+        greatest = std::max(greatest, mCompletionBounds[bound].Get(node, mSets.Get(set), setPart));
     }
-    return rest;
+    return greatest;
 }
 
 template <std::size_t Words>
-void DijkstraSteinerSearch<Words>::Offer(NodeIndex node, std::uint32_t set, std::uint64_t weight,
+void DijkstraSteinerSearch<Words>::Offer(NodeIndex node, SetIndex set, std::uint64_t weight,
                                          EOrigin origin)
 {
     const SetInfo& info = mSetInfos[set];
-    if (weight > info.cap || weight + info.rest > mLimit)
+    if (weight > info.cap || weight + info.completionBound > mLimit)
         return;
     const bool isBranch = origin == EOrigin::Grown;
-    std::uint32_t number = mLabels.Find(node, set);
-    if (number != LabelTable::None) {
-        Label& label = mLabels.Get(number);
+    LabelIndex index = mLabels.Find(node, set);
+    if (index.IsValid()) {
+        Label& label = mLabels.Get(index);
         if (label.isSettled || weight > label.weight)
             return;
         if (weight == label.weight) {
@@ -158,21 +159,25 @@ void DijkstraSteinerSearch<Words>::Offer(NodeIndex node, std::uint32_t set, std:
         label.weight = weight;
         label.isBranch = isBranch;
     } else {
-        const std::uint64_t rest = GetRest(node, set, mLimit - weight);
-        if (weight + rest > mLimit)
+        const std::uint64_t bound = GetCompletionBound(node, set, mLimit - weight);
+        if (weight + bound > mLimit)
             return;
-        const auto inflation = static_cast<std::uint64_t>(static_cast<double>(rest) * mInflation);
-        number = mLabels.Add({node, set, weight, rest + inflation, isBranch});
+        const auto inflation = static_cast<std::uint64_t>(static_cast<double>(bound) * mInflation);
+        index = mLabels.Add({.node = node,
+                             .set = set,
+                             .weight = weight,
+                             .completionBound = bound + inflation,
+                             .isBranch = isBranch});
     }
-    mQueue.push_back({weight + mLabels.Get(number).rest, number});
+    mQueue.push_back({weight + mLabels.Get(index).completionBound, index});
     std::push_heap(mQueue.begin(), mQueue.end(), std::greater<>());
 }
 
 template <std::size_t Words>
-void DijkstraSteinerSearch<Words>::Settle(std::uint32_t number)
+void DijkstraSteinerSearch<Words>::Settle(LabelIndex index)
 {
-    mLabels.Get(number).isSettled = true;
-    const Label label = mLabels.Get(number);
+    mLabels.Get(index).isSettled = true;
+    const Label label = mLabels.Get(index);
     SetInfo& info = mSetInfos[label.set];
     if (label.weight > info.cap)
         return;
@@ -188,9 +193,9 @@ void DijkstraSteinerSearch<Words>::Settle(std::uint32_t number)
     if (!isOutside)
         GrowFrom(label);
     if (label.node == mRoot)
-        JoinAtRoot(label, number);
+        JoinAtRoot(label, index);
     else
-        JoinAt(label, number);
+        JoinAt(label, index);
 }
 
 template <std::size_t Words>
@@ -201,7 +206,7 @@ void DijkstraSteinerSearch<Words>::GrowFrom(const Label& label)
 }
 
 template <std::size_t Words>
-void DijkstraSteinerSearch<Words>::JoinAt(const Label& label, std::uint32_t number)
+void DijkstraSteinerSearch<Words>::JoinAt(const Label& label, LabelIndex index)
 {
     const Set set = mSets.Get(label.set);
     NodeLabels<Words>& settled = mSettledAt[label.node];
@@ -210,17 +215,17 @@ void DijkstraSteinerSearch<Words>::JoinAt(const Label& label, std::uint32_t numb
             return;
         const std::uint64_t weight = label.weight + other.weight;
         const Set joined = set.Union(other.set);
-        if (weight <= mLimit && settled.Improves(joined, weight))
+        if (weight <= mLimit && settled.RecordOffer(joined, weight))
             Offer(label.node, Intern(joined), weight, EOrigin::Joined);
     });
-    settled.Add({set, label.weight, number, label.isBranch}, mAll);
+    settled.Add({set, label.weight, index, label.isBranch}, mAll);
     ++mSettledCount;
 }
 
 /// Adds the next branch to those begun with the smallest terminal. Other pairs are not joined, but
 /// cap the labels of what they would join.
 template <std::size_t Words>
-void DijkstraSteinerSearch<Words>::JoinAtRoot(const Label& label, std::uint32_t number)
+void DijkstraSteinerSearch<Words>::JoinAtRoot(const Label& label, LabelIndex index)
 {
     const Set set = mSets.Get(label.set);
     NodeLabels<Words>& settled = mSettledAt[mRoot];
@@ -233,11 +238,11 @@ void DijkstraSteinerSearch<Words>::JoinAtRoot(const Label& label, std::uint32_t 
                 Offer(mRoot, Intern(joined), weight, EOrigin::Joined);
             return;
         }
-        const std::uint32_t known = mSets.Find(joined);
-        if (known != SetTable<Words>::kNone)
+        const SetIndex known = mSets.Find(joined);
+        if (known.IsValid())
             mSetInfos[known].cap = std::min(mSetInfos[known].cap, weight);
     });
-    settled.Add({set, label.weight, number, label.isBranch}, mAll);
+    settled.Add({set, label.weight, index, label.isBranch}, mAll);
     ++mSettledCount;
 }
 
@@ -248,17 +253,17 @@ bool DijkstraSteinerSearch<Words>::IsNextBranch(const Set& branch, const Set& be
 }
 
 template <std::size_t Words>
-std::uint32_t DijkstraSteinerSearch<Words>::FindSettled(NodeIndex node, const Set& set) const
+LabelIndex DijkstraSteinerSearch<Words>::FindSettled(NodeIndex node, const Set& set) const
 {
-    const std::uint32_t number = mSets.Find(set);
-    return number == SetTable<Words>::kNone ? LabelTable::None : FindSettled(node, number);
+    const SetIndex index = mSets.Find(set);
+    return index.IsValid() ? FindSettled(node, index) : LabelIndex();
 }
 
 template <std::size_t Words>
-std::uint32_t DijkstraSteinerSearch<Words>::FindSettled(NodeIndex node, std::uint32_t set) const
+LabelIndex DijkstraSteinerSearch<Words>::FindSettled(NodeIndex node, SetIndex set) const
 {
-    const std::uint32_t label = mLabels.Find(node, set);
-    return label != LabelTable::None && mLabels.Get(label).isSettled ? label : LabelTable::None;
+    const LabelIndex label = mLabels.Find(node, set);
+    return label.IsValid() && mLabels.Get(label).isSettled ? label : LabelIndex();
 }
 
 template class DijkstraSteinerSearch<1>;

@@ -2,8 +2,7 @@
 #define ENGINE_GRAPH_STEINER_EXACT_DIJKSTRASTEINERSEARCH_H
 
 #include "Engine/Graph/Steiner/Bound/CompletionBound.h"
-#include "Engine/Graph/Steiner/Exact/LabelTable.h"
-#include "Engine/Graph/Steiner/Exact/NodeLabels.h"
+#include "Engine/Graph/Steiner/Exact/Labels.h"
 #include "Engine/Graph/Steiner/Network/SetTable.h"
 
 #include <cstddef>
@@ -15,15 +14,15 @@ namespace qe::graph {
 
 class Budget;
 
-/// The exact search: the search over terminal sets of Dreyfus and Wagner (1971) and Erickson,
-/// Monma and Veinott (1987), in best-first order with a lower bound for the rest (Hougardy,
-/// Silvanus and Vygen 2017).
+/// The exact search "Dijkstra meets Steiner" of Hougardy, Silvanus and Vygen (2017): the dynamic
+/// programme over terminal sets of Dreyfus and Wagner (1971) and Erickson, Monma and Veinott
+/// (1987), in best-first order with a lower bound for what completes a partial tree.
 ///
 /// A label stands for the lightest partial tree that joins a terminal set to a node. The search
 /// settles labels by weight plus bound, grows each along the edges of its node and joins it with
 /// the settled labels there whose sets it does not meet. It starts from the single terminals,
-/// hangs the whole tree up at the root, and goes on until everything queued is above the
-/// optimum: so the labels of every lightest tree are settled, with exact weights, and counting
+/// completes the tree at the root, and goes on until everything queued is above the optimum: so
+/// the labels of every minimum Steiner tree are settled, with exact weights, and counting
 /// can follow. Nothing grows out of the root, nor out of a terminal that is not in the set.
 ///
 /// Two labels are joined only when the one with the smallest terminal is a single branch; every
@@ -34,7 +33,7 @@ class Budget;
 ///
 /// A label is cut off when it weighs more than a partial tree that joins the same set to a
 /// terminal outside it: joining there instead would be lighter. All cuts are strict, so none
-/// loses a lightest tree.
+/// loses a minimum Steiner tree.
 ///
 /// The time is at most O(3^k n + 2^k (n log n + m)) for k terminals beside the root, n nodes and
 /// m edges; the bound makes it far less as a rule.
@@ -45,6 +44,7 @@ public:
     using Set = TerminalSet<Words>;
 
     /// Takes at least one bound for this root, and a weight above which trees are not looked for.
+    /// Keeps references to network and budget, and the span.
     DijkstraSteinerSearch(const FlatNetwork& network, NodeIndex root,
                           std::span<const CompletionBound<Words>> bounds, std::uint64_t limit,
                           Budget& budget);
@@ -62,46 +62,46 @@ public:
     /// runs out.
     EOutcome Run(std::size_t mostSettled);
 
-    /// Looks for one light tree only, with the bound for the rest made greater by that factor, so
+    /// Looks for one light tree only, with the completion bound made greater by that factor, so
     /// that the search runs ahead to whole trees. Solved means that it found one; then the labels
     /// derive that tree, and need not be exact.
     EOutcome Dive(double inflation, std::size_t mostSettled);
 
-    /// Says, once solved, whether there is a tree: none when all are above the limit.
-    [[nodiscard]] bool HasTree() const { return FindSettled(mRoot, mAll) != LabelTable::None; }
+    /// Returns, once solved, whether there is a tree: none when all are above the limit.
+    [[nodiscard]] bool HasTree() const { return FindSettled(mRoot, mAll).IsValid(); }
 
-    /// Answers the weight that no tree is below: the optimum once solved.
+    /// Returns the weight that no tree is below: the optimum once solved.
     [[nodiscard]] std::uint64_t GetBound() const { return mBound; }
 
     [[nodiscard]] const FlatNetwork& GetNetwork() const { return mNetwork; }
     [[nodiscard]] NodeIndex GetRoot() const { return mRoot; }
     [[nodiscard]] std::uint32_t GetBit(NodeIndex node) const { return mBits[node]; }
     [[nodiscard]] const LabelTable& GetLabels() const { return mLabels; }
-    [[nodiscard]] const Set& GetSet(std::uint32_t number) const { return mSets.Get(number); }
-    /// Answers the settled label of the node and set, or LabelTable::None.
-    [[nodiscard]] std::uint32_t FindSettled(NodeIndex node, const Set& set) const;
-    [[nodiscard]] std::uint32_t FindSettled(NodeIndex node, std::uint32_t set) const;
-    /// Answers the settled labels of the node.
+    [[nodiscard]] const Set& GetSet(SetIndex set) const { return mSets.Get(set); }
+    /// Returns the settled label of the node and set; an invalid index when there is none.
+    [[nodiscard]] LabelIndex FindSettled(NodeIndex node, const Set& set) const;
+    [[nodiscard]] LabelIndex FindSettled(NodeIndex node, SetIndex set) const;
+    /// Returns the settled labels of the node.
     [[nodiscard]] const NodeLabels<Words>& GetSettled(NodeIndex node) const
     {
         return mSettledAt[node];
     }
-    /// Says whether, at the root, the branch comes next after what is begun.
+    /// Returns whether, at the root, the branch comes next after what is begun.
     [[nodiscard]] bool IsNextBranch(const Set& branch, const Set& begun) const;
-    /// Answers the set of all terminals but the root.
+    /// Returns the set of all terminals but the root.
     [[nodiscard]] const Set& GetAll() const { return mAll; }
 
 private:
     struct QueueEntry
     {
         std::uint64_t key;
-        std::uint32_t label;
+        LabelIndex label;
         friend auto operator<=>(const QueueEntry&, const QueueEntry&) = default;
     };
     struct SetInfo
     {
-        /// Least rest that any node leaves.
-        std::uint64_t rest;
+        /// Bound for what is missing wherever the node lies.
+        std::uint64_t completionBound;
         /// Least weight at which a terminal outside the set was joined.
         std::uint64_t cap;
     };
@@ -112,17 +112,17 @@ private:
         Grown,
         Joined,
     };
-    void Offer(NodeIndex node, std::uint32_t set, std::uint64_t weight, EOrigin origin);
-    [[nodiscard]] std::uint64_t GetRest(NodeIndex node, std::uint32_t set,
-                                        std::uint64_t limit) const;
+    void Offer(NodeIndex node, SetIndex set, std::uint64_t weight, EOrigin origin);
+    [[nodiscard]] std::uint64_t GetCompletionBound(NodeIndex node, SetIndex set,
+                                                   std::uint64_t limit) const;
     void OfferTerminals();
-    void Settle(std::uint32_t number);
+    void Settle(LabelIndex index);
     bool SettleNext();
     void ChargeMemory();
     void GrowFrom(const Label& label);
-    void JoinAt(const Label& label, std::uint32_t number);
-    void JoinAtRoot(const Label& label, std::uint32_t number);
-    std::uint32_t Intern(const Set& set);
+    void JoinAt(const Label& label, LabelIndex index);
+    void JoinAtRoot(const Label& label, LabelIndex index);
+    SetIndex Intern(const Set& set);
 
     const FlatNetwork& mNetwork;
     std::span<const CompletionBound<Words>> mCompletionBounds;
@@ -134,7 +134,7 @@ private:
     IndexedVector<NodeIndex, std::uint32_t> mBits;
     Set mAll;
     SetTable<Words> mSets;
-    std::vector<SetInfo> mSetInfos;
+    IndexedVector<SetIndex, SetInfo> mSetInfos;
     /// For each set what each bound says of it alone.
     std::vector<std::uint64_t> mSetParts;
     LabelTable mLabels;

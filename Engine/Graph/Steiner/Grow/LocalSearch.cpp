@@ -1,14 +1,9 @@
 #include "Engine/Graph/Steiner/Grow/LocalSearch.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qe::graph {
-
-namespace {
-
-constexpr std::uint32_t None = 0xFFFFFFFF;
-
-} // namespace
 
 LocalSearch::LocalSearch(const FlatNetwork& network, TreeGrower& grower)
     : mNetwork(network), mGrower(grower), mEdgesAt(network.GetNodeCount())
@@ -31,7 +26,7 @@ void LocalSearch::Improve(SteinerTree& tree, const std::function<bool()>& isOver
         for (const NodeIndex node : nodes) {
             if (isOver())
                 return;
-            if (IsKey(node) && !mNetwork.IsTerminal(node) && TryWithout(tree, node, None)) {
+            if (IsKey(node) && !mNetwork.IsTerminal(node) && TryWithout(tree, node, kNoIndex)) {
                 isImproved = true;
                 CutIntoPaths(tree);
             }
@@ -57,16 +52,17 @@ void LocalSearch::CutIntoPaths(const SteinerTree& tree)
         }
     }
     std::sort(mTreeNodes.begin(), mTreeNodes.end());
-    mPathOfEdge.assign(tree.edges.size(), None);
+    mPathOfEdge.assign(tree.edges.size(), kNoIndex);
     mPathEnds.clear();
     for (const NodeIndex node : mTreeNodes) {
         for (const std::uint32_t place : mEdgesAt[node]) {
-            if (IsKey(node) && mPathOfEdge[place] == None)
+            if (IsKey(node) && mPathOfEdge[place] == kNoIndex)
                 WalkPath(tree, node, place);
         }
     }
 }
 
+/// Follows the path that leaves the key node by the edge at that place, up to the next key node.
 void LocalSearch::WalkPath(const SteinerTree& tree, NodeIndex node, std::uint32_t place)
 {
     const auto path = static_cast<std::uint32_t>(mPathEnds.size());
@@ -82,6 +78,8 @@ void LocalSearch::WalkPath(const SteinerTree& tree, NodeIndex node, std::uint32_
     mPathEnds.emplace_back(start, node);
 }
 
+/// Takes the path out of the tree, or all paths at the key node when that is valid, and grows a
+/// tree around the rest. Returns true and replaces the tree when that is lighter.
 bool LocalSearch::TryWithout(SteinerTree& tree, NodeIndex key, std::uint32_t path)
 {
     mKept.clear();
@@ -107,7 +105,7 @@ bool LocalSearch::TryWithout(SteinerTree& tree, NodeIndex key, std::uint32_t pat
     return true;
 }
 
-/// Answers the start in the smallest part: the search for another way spreads least from there.
+/// Returns the start in the smallest part: the search for another path spreads least from there.
 NodeIndex LocalSearch::ChooseStart(const SteinerTree& tree)
 {
     std::sort(mStarts.begin(), mStarts.end());
@@ -124,11 +122,11 @@ NodeIndex LocalSearch::ChooseStart(const SteinerTree& tree)
     return best;
 }
 
-/// Answers how many kept edges hang together with the node, or `most` when there are more.
+/// Returns how many kept edges are connected to the node, or at least `most` when there are more.
 std::size_t LocalSearch::CountPart(const SteinerTree& tree, NodeIndex start, std::size_t most)
 {
     std::size_t count = 0;
-    mOpen.assign(1, {start, None});
+    mOpen.assign(1, {start, kNoIndex});
     while (!mOpen.empty() && count < most) {
         const auto [node, entry] = mOpen.back();
         mOpen.pop_back();

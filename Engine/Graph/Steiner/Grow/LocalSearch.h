@@ -11,7 +11,8 @@
 
 namespace qe::graph {
 
-/// Improves a tree by exchanges (Uchoa and Werneck 2010, in a plain form).
+/// Improves a tree by exchanges of key paths and elimination of key vertices: the local search of
+/// Uchoa and Werneck (2010) in a plain form, which tries each exchange by growing a tree.
 ///
 /// Key nodes are the terminals and the nodes where at least three tree edges meet; the paths
 /// between them cut the tree into pieces. An exchange takes out one such path, or a key node that
@@ -19,9 +20,10 @@ namespace qe::graph {
 class LocalSearch
 {
 public:
+    /// Keeps references to both.
     LocalSearch(const FlatNetwork& network, TreeGrower& grower);
 
-    /// Applies exchanges until none helps, or `isOver` says so.
+    /// Applies exchanges until none helps, or `isOver` returns true.
     void Improve(SteinerTree& tree, const std::function<bool()>& isOver);
 
 private:

@@ -117,7 +117,7 @@ void TreeGrower::Reset()
     mSearch.Reset();
 }
 
-/// Makes the tree a lightest spanning tree of the nodes that the grown edges touch.
+/// Makes the tree a minimum spanning tree of the nodes that the grown edges touch.
 void TreeGrower::Span(SteinerTree& tree)
 {
     std::vector<NodeIndex>& nodes = mOpen;
@@ -133,15 +133,15 @@ void TreeGrower::Span(SteinerTree& tree)
         mIsInTree[nodes[place]] = 1;
     }
     DisjointSets parts(static_cast<std::uint32_t>(nodes.size()));
-    std::vector<std::pair<std::uint64_t, EdgeIndex>> candidates;
+    mCandidates.clear();
     for (const NodeIndex node : nodes) {
         for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
             if (arc.target > node && mIsInTree[arc.target] != 0)
-                candidates.emplace_back(arc.weight, arc.half.Edge());
+                mCandidates.emplace_back(arc.weight, arc.half.Edge());
         }
     }
-    std::sort(candidates.begin(), candidates.end());
-    for (const auto& [weight, edge] : candidates) {
+    std::sort(mCandidates.begin(), mCandidates.end());
+    for (const auto& [weight, edge] : mCandidates) {
         const auto [end1, end2] = mNetwork.GetEnds(edge);
         if (parts.Unite(mPlaces[end1], mPlaces[end2]))
             tree.edges.push_back(edge);
@@ -160,14 +160,14 @@ void TreeGrower::PruneNonTerminalLeaves(SteinerTree& tree)
         for (const NodeIndex end : mNetwork.GetEnds(edge))
             ++mDegrees[end];
     }
-    const auto isIdle = [this](NodeIndex node) {
+    const auto isPrunable = [this](NodeIndex node) {
         return mDegrees[node] == 1 && !mNetwork.IsTerminal(node);
     };
     for (bool isChanged = true; isChanged;) {
         const std::size_t before = tree.edges.size();
         std::erase_if(tree.edges, [&](EdgeIndex edge) {
             const auto [end1, end2] = mNetwork.GetEnds(edge);
-            if (!isIdle(end1) && !isIdle(end2))
+            if (!isPrunable(end1) && !isPrunable(end2))
                 return false;
             --mDegrees[end1];
             --mDegrees[end2];

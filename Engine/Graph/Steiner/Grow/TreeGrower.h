@@ -23,22 +23,23 @@ struct SteinerTree
 /// Grows light trees fast, without a proof.
 ///
 /// A tree grows from a start by the path to the nearest part not yet connected (Takahashi and
-/// Matsuyama 1980); then it becomes a lightest spanning tree of its nodes, and leaves that are no
+/// Matsuyama 1980); then it becomes a minimum spanning tree of its nodes, and leaves that are no
 /// terminals are cut off. Ties go to the smaller index. One search costs little more than one
 /// run of Dijkstra's algorithm; the workspace is kept between runs.
 class TreeGrower
 {
 public:
+    /// Keeps a reference to the network.
     explicit TreeGrower(const FlatNetwork& network);
 
     /// Grows a tree from the node. When `isUsable` is not empty, paths take only edges that it
     /// marks; those must connect the terminals.
     SteinerTree Grow(NodeIndex start, const EdgeMarks& isUsable);
 
-    /// Grows a tree from the node that takes in the parts of a forest when it comes upon them.
+    /// Grows a tree from the node that absorbs each part of a forest when it reaches one.
     SteinerTree Regrow(std::span<const EdgeIndex> forest, NodeIndex start);
 
-    /// Answers how many half-edges have been looked at, over all runs: what they cost, by a measure
+    /// Returns how many half-edges have been looked at, over all runs: what they cost, by a measure
     /// that is the same on every machine.
     [[nodiscard]] std::uint64_t GetWork() const { return mWork; }
 
@@ -61,6 +62,8 @@ private:
     EdgeMarks mIsKept;
     std::vector<NodeIndex> mOpen;
     std::vector<EdgeIndex> mEdges;
+    /// Edges between the nodes of the tree at hand, with their weights.
+    std::vector<std::pair<std::uint64_t, EdgeIndex>> mCandidates;
     std::size_t mMissing = 0;
     std::uint64_t mWork = 0;
     /// Which of the nodes of the tree at hand the node is.

@@ -8,12 +8,6 @@
 
 namespace qe::graph {
 
-namespace {
-
-constexpr std::uint32_t None = 0xFFFFFFFF;
-
-} // namespace
-
 template <std::size_t Words>
 DerivationBuilder<Words>::DerivationBuilder(const DijkstraSteinerSearch<Words>& search,
                                             std::span<const StrandIndex> strands, Budget& budget)
@@ -23,7 +17,7 @@ DerivationBuilder<Words>::DerivationBuilder(const DijkstraSteinerSearch<Words>& 
 template <std::size_t Words>
 typename DerivationBuilder<Words>::EOutcome DerivationBuilder<Words>::Build(DerivationGraph& graph)
 {
-    mItemOfLabel.assign(mSearch.GetLabels().GetCount(), None);
+    mItemOfLabel.assign(mSearch.GetLabels().GetCount(), kNoIndex);
     const std::uint32_t whole = Visit(mSearch.FindSettled(mSearch.GetRoot(), mSearch.GetAll()));
     if (!Collect())
         return EOutcome::Exhausted;
@@ -45,16 +39,25 @@ typename DerivationBuilder<Words>::EOutcome DerivationBuilder<Words>::Build(Deri
     return EOutcome::Complete;
 }
 
+/// Returns the position of the label's item, a new one when it has none.
 template <std::size_t Words>
-std::uint32_t DerivationBuilder<Words>::Visit(std::uint32_t label)
+std::uint32_t DerivationBuilder<Words>::Visit(LabelIndex label)
 {
-    if (mItemOfLabel[label] == None) {
+    if (mItemOfLabel[label] == kNoIndex) {
         mItemOfLabel[label] = static_cast<std::uint32_t>(mItems.size());
-        mItems.push_back({label, 0, 0, 0, 0, None, None});
+        mItems.push_back({.label = label});
     }
     return mItemOfLabel[label];
 }
 
+template <std::size_t Words>
+typename DerivationBuilder<Words>::Item& DerivationBuilder<Words>::GetItem(LabelIndex label)
+{
+    return mItems[mItemOfLabel[label]];
+}
+
+/// Finds the steps and joins of the visited labels and visits what they lead to. Returns false
+/// when the budget ran out.
 template <std::size_t Words>
 bool DerivationBuilder<Words>::Collect()
 {
@@ -82,7 +85,7 @@ bool DerivationBuilder<Words>::Collect()
     return true;
 }
 
-/// Notes the edges by which the label's branch may begin.
+/// Records the edges by which the label's branch may begin.
 template <std::size_t Words>
 void DerivationBuilder<Words>::FindSteps(Item& item)
 {
@@ -95,62 +98,53 @@ void DerivationBuilder<Words>::FindSteps(Item& item)
             continue;
         if (network.IsTerminal(arc.target) && !set.Contains(mSearch.GetBit(arc.target)))
             continue;
-        const std::uint32_t below = mSearch.FindSettled(arc.target, label.set);
-        if (below == LabelTable::None)
+        const LabelIndex below = mSearch.FindSettled(arc.target, label.set);
+        if (!below.IsValid())
             continue;
         if (mSearch.GetLabels().Get(below).weight + arc.weight == label.weight)
-            mSteps.push_back({arc.half.Edge(), below});
+            mSteps.push_back({.edge = arc.half.Edge(), .label = below});
     }
     item.stepCount = static_cast<std::uint32_t>(mSteps.size()) - item.firstStep;
 }
 
-/// Notes the pairs of labels at the label's node that make it up.
+/// Records the pairs of labels at the label's node that make it up. At the root, branches are
+/// added in the order of their smallest terminals.
 template <std::size_t Words>
 void DerivationBuilder<Words>::FindJoins(Item& item)
 {
-    const LabelTable& labels = mSearch.GetLabels();
-    const Label& label = labels.Get(item.label);
-    if (label.node == mSearch.GetRoot()) {
-        FindJoinsAtRoot(item);
-        return;
-    }
-    const Set& set = mSearch.GetSet(label.set);
-    item.firstJoin = static_cast<std::uint32_t>(mJoins.size());
     using Entry = typename NodeLabels<Words>::Entry;
-    mSearch.GetSettled(label.node).ForEachPart(set, [&](const Entry& branch) {
-        if (branch.weight > label.weight)
-            return;
-        const std::uint32_t others = mSearch.FindSettled(label.node, set.Without(branch.set));
-        if (others != LabelTable::None && labels.Get(others).weight + branch.weight == label.weight)
-            mJoins.push_back({branch.label, others});
-    });
-    item.joinCount = static_cast<std::uint32_t>(mJoins.size()) - item.firstJoin;
-}
-
-/// Does the same at the root, where branches are added in the order of their smallest terminals.
-template <std::size_t Words>
-void DerivationBuilder<Words>::FindJoinsAtRoot(Item& item)
-{
-    const LabelTable& labels = mSearch.GetLabels();
-    const Label& label = labels.Get(item.label);
+    const Label& label = mSearch.GetLabels().Get(item.label);
     const Set& all = mSearch.GetAll();
     const Set& set = mSearch.GetSet(label.set);
+    const NodeLabels<Words>& settled = mSearch.GetSettled(label.node);
     item.firstJoin = static_cast<std::uint32_t>(mJoins.size());
-    using Entry = typename NodeLabels<Words>::Entry;
-    const auto& settled = mSearch.GetSettled(label.node);
-    settled.ForEachDisjoint(all.Without(set), all, [&](const Entry& branch) {
-        const Set others = set.Without(branch.set);
-        if (branch.weight > label.weight || !mSearch.IsNextBranch(branch.set, others))
-            return;
-        const std::uint32_t rest = mSearch.FindSettled(label.node, others);
-        if (rest != LabelTable::None && labels.Get(rest).weight + branch.weight == label.weight)
-            mJoins.push_back({branch.label, rest});
-    });
+    if (label.node == mSearch.GetRoot()) {
+        settled.ForEachDisjoint(all.Without(set), all, [&](const Entry& branch) {
+            if (mSearch.IsNextBranch(branch.set, set.Without(branch.set)))
+                TryJoin(label, branch);
+        });
+    } else {
+        settled.ForEachPart(set, [&](const Entry& branch) { TryJoin(label, branch); });
+    }
     item.joinCount = static_cast<std::uint32_t>(mJoins.size()) - item.firstJoin;
 }
 
+/// Records the branch and what is left without it, if together they weigh as much as the label.
 template <std::size_t Words>
-void DerivationBuilder<Words>::AddParts(Item& item, DerivationGraph& graph) const
+void DerivationBuilder<Words>::TryJoin(const Label& label,
+                                       const typename NodeLabels<Words>::Entry& branch)
+{
+    if (branch.weight > label.weight)
+        return;
+    const Set others = mSearch.GetSet(label.set).Without(branch.set);
+    const LabelIndex rest = mSearch.FindSettled(label.node, others);
+    if (rest.IsValid() && mSearch.GetLabels().Get(rest).weight + branch.weight == label.weight)
+        mJoins.push_back({.branch = branch.label, .others = rest});
+}
+
+/// Adds the part that is the label's branch, and the one that is all of the label.
+template <std::size_t Words>
+void DerivationBuilder<Words>::AddParts(Item& item, DerivationGraph& graph)
 {
     const Label& label = mSearch.GetLabels().Get(item.label);
     item.branch = graph.AddPart();
@@ -158,23 +152,22 @@ void DerivationBuilder<Words>::AddParts(Item& item, DerivationGraph& graph) cons
         graph.AddEmpty();
     for (std::uint32_t place = 0; place < item.stepCount; ++place) {
         const Step& step = mSteps[item.firstStep + place];
-        graph.AddStep(mStrands[step.edge.value], mItems[mItemOfLabel[step.label]].part);
+        graph.AddStep(mStrands[step.edge.value], GetItem(step.label).part);
     }
     item.part = graph.AddPart();
-    graph.AddJoin(item.branch, DerivationGraph::None);
+    graph.AddJoin(item.branch, {});
     for (std::uint32_t place = 0; place < item.joinCount; ++place) {
         const Join& join = mJoins[item.firstJoin + place];
-        graph.AddJoin(mItems[mItemOfLabel[join.branch]].branch,
-                      mItems[mItemOfLabel[join.others]].part);
+        graph.AddJoin(GetItem(join.branch).branch, GetItem(join.others).part);
     }
 }
 
 template <std::size_t Words>
 void DerivationBuilder<Words>::AppendOneTree(std::vector<EdgeIndex>& edges)
 {
-    std::vector<std::uint32_t> open{mSearch.FindSettled(mSearch.GetRoot(), mSearch.GetAll())};
+    std::vector<LabelIndex> open{mSearch.FindSettled(mSearch.GetRoot(), mSearch.GetAll())};
     while (!open.empty()) {
-        Item item{open.back(), 0, 0, 0, 0, None, None};
+        Item item{.label = open.back()};
         open.pop_back();
         if (mSearch.GetLabels().Get(item.label).weight == 0)
             continue;

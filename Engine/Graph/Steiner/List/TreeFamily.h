@@ -1,37 +1,95 @@
 #ifndef ENGINE_GRAPH_STEINER_LIST_TREEFAMILY_H
 #define ENGINE_GRAPH_STEINER_LIST_TREEFAMILY_H
 
-#include "Engine/Graph/Steiner/List/DerivationGraph.h"
+#include "Engine/Graph/Core/Indices.h"
 #include "Engine/Graph/Steiner/Network/StrandPool.h"
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 namespace qe::graph {
 
+/// Position of a part in a DerivationGraph.
+struct PartIndex
+{
+    std::uint32_t value = kNoIndex;
+
+    [[nodiscard]] bool IsValid() const { return value != kNoIndex; }
+    friend auto operator<=>(const PartIndex&, const PartIndex&) = default;
+};
+
+/// All minimum Steiner trees of a network in one acyclic graph of parts and choices.
+///
+/// A part stands for one of several choices; each choice is a strand, or none, and up to two
+/// smaller parts. Each tree is derived exactly once, so the products and sums of the counts number
+/// the trees: any of them can be expanded by its rank without listing those before it.
+class DerivationGraph
+{
+public:
+    /// Keeps a pointer to the strands.
+    explicit DerivationGraph(const StrandPool& strands) : mStrands(&strands) {}
+
+    /// Begins a part; the choices added from now on are its.
+    PartIndex AddPart();
+    /// Adds a choice to the part begun last: a strand and one part.
+    void AddStep(StrandIndex strand, PartIndex part);
+    /// Adds a choice to the part begun last: two parts; `second` may be invalid.
+    void AddJoin(PartIndex first, PartIndex second);
+    /// Adds a choice to the part begun last: nothing.
+    void AddEmpty();
+
+    /// Returns how many edge sets the part stands for, at most 2^64 - 1.
+    [[nodiscard]] std::uint64_t GetCount(PartIndex part) const { return mParts[part.value].count; }
+
+    /// Appends the edge set number `rank` of the part; the rank is below the count.
+    void AppendEdges(PartIndex part, std::uint64_t rank, std::vector<EdgeIndex>& edges) const;
+
+private:
+    struct Part
+    {
+        std::size_t firstChoice;
+        std::uint64_t count;
+    };
+    struct Choice
+    {
+        StrandIndex strand;
+        PartIndex first;
+        PartIndex second;
+        std::uint64_t count;
+    };
+
+    void AddChoice(StrandIndex strand, PartIndex first, PartIndex second);
+
+    const StrandPool* mStrands;
+    std::vector<Part> mParts;
+    std::vector<Choice> mChoices;
+};
+
 /// All trees that take one piece from each of several independent families: fixed strands, and
-/// the lightest trees of the blocks. Trees are numbered by mixed radix over the pieces.
+/// the minimum Steiner trees of the blocks. Trees are numbered by mixed radix over the pieces.
 class TreeFamily
 {
 public:
+    /// Keeps a pointer to the strands.
     explicit TreeFamily(const StrandPool& strands) : mStrands(&strands) {}
 
     void AddStrand(StrandIndex strand);
-    /// Adds the ways to make one part of the graph.
-    void AddDerivations(DerivationGraph&& graph, std::uint32_t part);
+    /// Adds all that one part of the graph stands for.
+    void AddDerivations(DerivationGraph&& graph, PartIndex part);
 
-    /// Answers the number of trees, at most 2^64 - 1.
+    /// Returns the number of trees, at most 2^64 - 1.
     [[nodiscard]] std::uint64_t GetCount() const { return mCount; }
 
-    /// Answers the edges of the tree number `rank`, which is below the count, in ascending order.
+    /// Returns the edges of the tree number `rank`, which is below the count, in ascending order.
     [[nodiscard]] std::vector<EdgeIndex> GetTree(std::uint64_t rank) const;
 
 private:
     struct Block
     {
         DerivationGraph graph;
-        std::uint32_t part;
+        PartIndex part;
     };
 
     const StrandPool* mStrands;

@@ -9,7 +9,7 @@ constexpr std::size_t kFirstSize = 64;
 } // namespace
 
 template <std::size_t Words>
-SetTable<Words>::SetTable() : mSlots(kFirstSize, kNone)
+SetTable<Words>::SetTable() : mSlots(kFirstSize)
 {}
 
 template <std::size_t Words>
@@ -17,31 +17,31 @@ std::size_t SetTable<Words>::FindSlot(const Set& set) const
 {
     const std::size_t mask = mSlots.size() - 1;
     std::size_t slot = (set.GetHash() >> 7) & mask;
-    while (mSlots[slot] != kNone && !(mSets[mSlots[slot]] == set))
+    while (mSlots[slot].IsValid() && !(mSets[mSlots[slot]] == set))
         slot = (slot + 1) & mask;
     return slot;
 }
 
 template <std::size_t Words>
-std::uint32_t SetTable<Words>::Intern(const Set& set)
+SetIndex SetTable<Words>::Intern(const Set& set)
 {
     const std::size_t slot = FindSlot(set);
-    if (mSlots[slot] != kNone)
+    if (mSlots[slot].IsValid())
         return mSlots[slot];
-    const std::uint32_t number = GetCount();
-    mSlots[slot] = number;
+    const SetIndex index{GetCount()};
+    mSlots[slot] = index;
     mSets.push_back(set);
-    if (2 * mSets.size() > mSlots.size())
+    if (std::size_t{2} * GetCount() > mSlots.size())
         Grow();
-    return number;
+    return index;
 }
 
 template <std::size_t Words>
 void SetTable<Words>::Grow()
 {
-    mSlots.assign(2 * mSlots.size(), kNone);
-    for (std::uint32_t number = 0; number < GetCount(); ++number)
-        mSlots[FindSlot(mSets[number])] = number;
+    mSlots.assign(2 * mSlots.size(), {});
+    for (const SetIndex index : GetAll())
+        mSlots[FindSlot(mSets[index])] = index;
 }
 
 template class SetTable<1>;

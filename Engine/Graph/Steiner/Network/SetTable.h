@@ -1,13 +1,24 @@
 #ifndef ENGINE_GRAPH_STEINER_NETWORK_SETTABLE_H
 #define ENGINE_GRAPH_STEINER_NETWORK_SETTABLE_H
 
+#include "Engine/Graph/Core/Indices.h"
 #include "Engine/Graph/Steiner/Network/TerminalSet.h"
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 namespace qe::graph {
+
+/// Position of a set of terminals in a SetTable.
+struct SetIndex
+{
+    std::uint32_t value = kNoIndex;
+
+    [[nodiscard]] bool IsValid() const { return value != kNoIndex; }
+    friend auto operator<=>(const SetIndex&, const SetIndex&) = default;
+};
 
 /// Numbers sets of terminals in the order in which they come up.
 template <std::size_t Words>
@@ -15,27 +26,24 @@ class SetTable
 {
 public:
     using Set = TerminalSet<Words>;
-    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
     SetTable();
 
-    /// Returns the number of the set, a new one when it has none.
-    std::uint32_t Intern(const Set& set);
-    /// Returns the number of the set, or kNone.
-    [[nodiscard]] std::uint32_t Find(const Set& set) const { return mSlots[FindSlot(set)]; }
+    /// Returns the index of the set, a new one when it has none.
+    SetIndex Intern(const Set& set);
+    /// Returns the index of the set; an invalid one when it has none.
+    [[nodiscard]] SetIndex Find(const Set& set) const { return mSlots[FindSlot(set)]; }
 
-    [[nodiscard]] const Set& Get(std::uint32_t number) const { return mSets[number]; }
-    [[nodiscard]] std::uint32_t GetCount() const
-    {
-        return static_cast<std::uint32_t>(mSets.size());
-    }
+    [[nodiscard]] const Set& Get(SetIndex set) const { return mSets[set]; }
+    [[nodiscard]] std::uint32_t GetCount() const { return mSets.size(); }
+    [[nodiscard]] IndexRange<SetIndex> GetAll() const { return IndexRange<SetIndex>(GetCount()); }
 
 private:
     [[nodiscard]] std::size_t FindSlot(const Set& set) const;
     void Grow();
 
-    std::vector<Set> mSets;
-    std::vector<std::uint32_t> mSlots;
+    IndexedVector<SetIndex, Set> mSets;
+    std::vector<SetIndex> mSlots;
 };
 
 } // namespace qe::graph

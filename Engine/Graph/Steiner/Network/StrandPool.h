@@ -12,7 +12,9 @@ namespace qe::graph {
 /// Names one strand of a StrandPool.
 struct StrandIndex
 {
-    std::uint32_t value = 0;
+    std::uint32_t value = kNoIndex;
+
+    [[nodiscard]] bool IsValid() const { return value != kNoIndex; }
 };
 
 /// Remembers what the edges of a reduced network stand for in the graph.

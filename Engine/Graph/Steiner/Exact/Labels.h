@@ -1,13 +1,81 @@
-#ifndef ENGINE_GRAPH_STEINER_EXACT_NODELABELS_H
-#define ENGINE_GRAPH_STEINER_EXACT_NODELABELS_H
+#ifndef ENGINE_GRAPH_STEINER_EXACT_LABELS_H
+#define ENGINE_GRAPH_STEINER_EXACT_LABELS_H
 
+#include "Engine/Graph/Core/Indices.h"
+#include "Engine/Graph/Steiner/Network/SetTable.h"
 #include "Engine/Graph/Steiner/Network/TerminalSet.h"
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 namespace qe::graph {
+
+/// Position of a label in a LabelTable.
+struct LabelIndex
+{
+    std::uint32_t value = kNoIndex;
+
+    [[nodiscard]] bool IsValid() const { return value != kNoIndex; }
+    friend auto operator<=>(const LabelIndex&, const LabelIndex&) = default;
+};
+
+/// What is known of the lightest partial tree that joins a set of terminals to a node.
+struct Label
+{
+    NodeIndex node;
+    SetIndex set;
+    std::uint64_t weight;
+    /// Lower bound for what is missing to a whole tree.
+    std::uint64_t completionBound;
+    /// Whether the partial tree is known to be a single branch: the terminal itself, or begun by
+    /// one edge.
+    bool isBranch = false;
+    /// Once settled, the weight is least.
+    bool isSettled = false;
+};
+
+/// Holds the labels of a search by node and set, in the order in which they came up.
+class LabelTable
+{
+public:
+    LabelTable();
+
+    /// Returns the label of node and set; an invalid index when there is none.
+    [[nodiscard]] LabelIndex Find(NodeIndex node, SetIndex set) const
+    {
+        return mSlots[FindSlot(GetKey(node, set))].label;
+    }
+    /// Adds a label whose node and set have none, and returns its index.
+    LabelIndex Add(const Label& label);
+
+    [[nodiscard]] Label& Get(LabelIndex label) { return mLabels[label.value]; }
+    [[nodiscard]] const Label& Get(LabelIndex label) const { return mLabels[label.value]; }
+    [[nodiscard]] std::uint32_t GetCount() const
+    {
+        return static_cast<std::uint32_t>(mLabels.size());
+    }
+    /// Returns the bytes taken; when the table is about to grow, those taken while it does.
+    [[nodiscard]] std::size_t GetBytes() const;
+
+private:
+    struct Slot
+    {
+        std::uint64_t key = 0;
+        LabelIndex label;
+    };
+
+    [[nodiscard]] static std::uint64_t GetKey(NodeIndex node, SetIndex set)
+    {
+        return (std::uint64_t{set.value} << 32) | node.value;
+    }
+    [[nodiscard]] std::size_t FindSlot(std::uint64_t key) const;
+    void Grow();
+
+    std::vector<Label> mLabels;
+    std::vector<Slot> mSlots;
+};
 
 /// The settled labels of one node, for finding those that fit together.
 ///
@@ -24,11 +92,11 @@ public:
     {
         Set set;
         std::uint64_t weight;
-        std::uint32_t label;
+        LabelIndex label;
         bool isBranch;
     };
 
-    /// Adds a label whose set is within `all`.
+    /// Adds a label whose set is within `all`, the set of all terminals.
     void Add(const Entry& entry, const Set& all);
 
     /// Calls `visit` with each entry whose set is within `all` and does not meet the given one.
@@ -72,9 +140,9 @@ public:
         }
     }
 
-    /// Says whether the weight may be less than what was noted for the set, and notes it. Says
-    /// yes always while there is no table.
-    [[nodiscard]] bool Improves(const Set& set, std::uint64_t weight)
+    /// Records the weight offered for a label of the set. Returns false when a weight as low was
+    /// recorded before; true always while there is no table.
+    [[nodiscard]] bool RecordOffer(const Set& set, std::uint64_t weight)
     {
         if (mPlaces.empty())
             return true;
