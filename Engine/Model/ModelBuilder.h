@@ -63,8 +63,8 @@ struct RelationshipShortcutTarget
 ///     const amd_id customer = builder.AddQuerySubject(sales, "Customer");
 ///     builder.AddItem(orders, "Customer Key");
 ///     builder.AddItem(customer, "Key");
-///     builder.AddRelationship(sales, "Orders-Customer", {orders, kOneToMany}, {customer,
-///     kOneToOne},
+///     builder.AddRelationship(sales, "Orders-Customer", {orders, kOneToMany},
+///                             {customer, kOneToOne},
 ///                             "[Sales].[Orders].[Customer Key] = [Sales].[Customer].[Key]");
 ///     const std::shared_ptr<const Model> model = builder.Build();
 ///

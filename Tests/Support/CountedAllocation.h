@@ -10,14 +10,14 @@ namespace qe::test {
 class CountedAllocation
 {
 public:
-    /// Gives how many blocks are in use.
+    /// Returns how many blocks are in use.
     [[nodiscard]] static std::size_t GetLiveCount();
 
     /// Lets the n-th request for memory from now fail with std::bad_alloc, counted from 1; 0:
     /// none.
     static void FailAtRequest(std::size_t n);
 
-    /// Tells whether the failure that was asked for has come.
+    /// Returns whether the failure that was asked for has come.
     [[nodiscard]] static bool HasFailed();
 };
 

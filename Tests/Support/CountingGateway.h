@@ -17,7 +17,7 @@
 
 namespace qe::test {
 
-/// What is raised by what was told to fail.
+/// What is thrown by what was told to fail.
 class ToldFailure : public std::exception
 {};
 
@@ -25,7 +25,7 @@ class ToldFailure : public std::exception
 class Countdown
 {
 public:
-    /// Makes the n-th call from now raise ToldFailure, counted from 1; 0: none.
+    /// Makes the n-th call from now throw a ToldFailure, counted from 1; 0: none.
     void FailAtCall(std::size_t n) { mFailAt = n == 0 ? 0 : mCalls + n; }
     void Count()
     {
@@ -40,7 +40,7 @@ private:
 };
 
 /// Passes every call on to another gateway and counts it. Single objects can be put in the place
-/// of the model's, which shows the refiner what no checked model holds (circles, missing ends,
+/// of the model's, which shows the refiner what no checked model has (cycles, missing ends,
 /// objects of another class), and one call can be made to fail.
 class CountingGateway : public amdi_gateway, public qe::expression::ReferenceResolver
 {
@@ -55,11 +55,11 @@ public:
     [[nodiscard]] std::optional<qe::expression::ResolvedReference>
     ResolveReference(const std::vector<I18NString>& names) override;
 
-    /// Answers `id` with an object made from the record, whose own id may differ.
+    /// Puts an object made from the record in the place of `id`; its own id may differ.
     void Replace(const amd_id& id, const qe::model::ObjectRecord& record);
-    /// Answers the record's id with an object made from it.
+    /// Puts an object made from the record in the place of the record's id.
     void Replace(const qe::model::ObjectRecord& record) { Replace(record.id, record); }
-    /// Answers `id` with null.
+    /// Lets there be no object of that id.
     void Hide(const amd_id& id);
 
     /// Counts the calls of all three operations.

@@ -143,7 +143,7 @@ private:
         }
     }
 
-    /// Gives the subject of that name, which is made when it is not there.
+    /// Returns the subject of that name, which is made when it is not there.
     amd_id Subject(const std::string& text)
     {
         const NumberedName name(text);
@@ -165,13 +165,13 @@ private:
 
 std::vector<std::string> SplitList(std::string_view text, char separator)
 {
-    constexpr const char* blanks = " \t\r";
+    constexpr const char* kSpaces = " \t\r";
     std::vector<std::string> parts;
     while (!text.empty()) {
         const std::size_t end = std::min(text.find(separator), text.size());
         std::string part(text.substr(0, end));
-        part.erase(0, part.find_first_not_of(blanks));
-        part.erase(part.find_last_not_of(blanks) + 1);
+        part.erase(0, part.find_first_not_of(kSpaces));
+        part.erase(part.find_last_not_of(kSpaces) + 1);
         if (!part.empty())
             parts.push_back(std::move(part));
         text.remove_prefix(std::min(end + 1, text.size()));

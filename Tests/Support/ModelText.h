@@ -13,7 +13,7 @@
 
 namespace qe::test {
 
-/// Splits at the separator and drops blanks around the parts, and empty parts.
+/// Returns the parts between separators, without spaces around them and without empty parts.
 [[nodiscard]] std::vector<std::string> SplitList(std::string_view text, char separator);
 
 /// Turns a text into a model and names into ids, for tests that need to be read at a glance:
@@ -43,12 +43,12 @@ namespace qe::test {
 ///     folder F                   what comes next lies in F, in the last namespace; "folder F/G"
 ///                                goes deeper; "folder" alone leads back out of the folders
 ///
-/// Operators stand between blanks. The ends of a join's operator are: nothing 1..1, "o" 0..1,
+/// Operators stand between spaces. The ends of a join's operator are: nothing 1..1, "o" 0..1,
 /// ">" or "<" 1..n, ">o" or "o<" 0..n: "-", "o-", ">-<", ">o-o", "o=<", "-o<". A subject is made
-/// where it is first mentioned; a name may end in "#7", which sets the number of its id.
+/// where its name first stands; a name may end in "#7", which sets the number of its id.
 ///
 /// Numbers count from 1 within a class, in the order of the text. What is no statement of another
-/// kind names subjects. Mistakes in the model raise qe::model::ModelError.
+/// kind names subjects. Mistakes in the model throw a qe::model::ModelError.
 class ModelText
 {
 public:
@@ -57,22 +57,22 @@ public:
     explicit ModelText(std::shared_ptr<const qe::model::Model> model);
 
     [[nodiscard]] const std::shared_ptr<const qe::model::Model>& GetModel() const { return mModel; }
-    /// Gives the gateway into the model, which lives as long as this object.
+    /// Returns the gateway into the model, which lives as long as this object.
     [[nodiscard]] qe::model::ModelGateway& GetGateway() const { return *mGateway; }
 
-    /// Gives the object of that name: subject, join, filter, folder or namespace. "S.Item" gives
-    /// an item, "Name#7" the one of that number where several have the name. Raises
+    /// Returns the object of that name: subject, join, filter, folder or namespace. "S.Item" is
+    /// an item, "Name#7" the one of that number where several have the name. Throws
     /// std::invalid_argument when there is not exactly one.
     [[nodiscard]] amd_id Id(std::string_view name) const;
     /// Does so for each name between commas.
     [[nodiscard]] std::vector<amd_id> Ids(std::string_view names) const;
-    /// Gives the names of the objects, with ", " between them; unknown ids as "class:number".
+    /// Returns the names of the objects, with ", " between them; unknown ids as "class:number".
     [[nodiscard]] std::string Names(const std::vector<amd_id>& ids) const;
     [[nodiscard]] std::string Name(const amd_id& id) const;
 
-    /// Gives all query subjects and shortcuts, in id order: the nodes of the whole graph.
+    /// Returns all query subjects and shortcuts, in id order: the nodes of the whole graph.
     [[nodiscard]] std::vector<amd_id> Subjects() const;
-    /// Gives all joins, in id order.
+    /// Returns all joins, in id order.
     [[nodiscard]] std::vector<amd_id> Joins() const;
 
 private:

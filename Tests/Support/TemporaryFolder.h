@@ -24,7 +24,7 @@ public:
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
     ~TemporaryFolder() { std::filesystem::remove_all(mPath); }
 
-    /// Gives the path of a file, which need not be there.
+    /// Returns the path of a file, which need not be there.
     [[nodiscard]] std::string operator/(const std::string& name) const { return mPath / name; }
 
     /// Writes a file and gives its path.

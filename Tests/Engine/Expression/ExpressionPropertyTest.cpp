@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Writes random expressions, with more parentheses and stranger blanks than anyone would.
+/// Writes random expressions, with more parentheses and stranger spaces than anyone would.
 class ExpressionWriter
 {
 public:
@@ -49,7 +49,7 @@ public:
             return "cast (" + Group(depth) +
                    PickText({" as t)", " AS a ( 1,max ) b)", " as double precision)"});
         default:
-            return Row(depth);
+            return Chain(depth);
         }
     }
 
@@ -57,10 +57,11 @@ private:
     std::string Group(int depth)
     {
         const std::string inner = Write(depth - 1);
-        const char* const note = Pick(8) == 0 ? PickText({"/* it's ) */", "--\"[*\n", "/**/"}) : "";
+        const char* const comment =
+            Pick(8) == 0 ? PickText({"/* it's ) */", "--\"[*\n", "/**/"}) : "";
         return Pick(4) == 0   ? ' ' + inner + ' '
-               : Pick(4) == 0 ? "( (" + inner + ")" + note + ")"
-                              : '(' + (note + inner) + ')';
+               : Pick(4) == 0 ? "( (" + inner + ")" + comment + ")"
+                              : '(' + (comment + inner) + ')';
     }
 
     std::string Case(int depth)
@@ -71,7 +72,7 @@ private:
         return text + (Pick(2) == 0 ? " else" + Group(depth) : "") + " end";
     }
 
-    std::string Row(int depth)
+    std::string Chain(int depth)
     {
         std::string text = Group(depth);
         for (int more = 1 + Pick(3); more > 0; --more) {
@@ -95,7 +96,7 @@ private:
     std::mt19937 mRandom;
 };
 
-/// Gives the text without the parenthesis at `open` and its partner, or nothing when the two are
+/// Returns the text without the parenthesis at `open` and its partner, or nothing when the two are
 /// part of a call or list.
 std::string WithoutParentheses(const std::string& text, std::size_t open)
 {

@@ -21,50 +21,50 @@ struct PrintCase
     const char* printed;
 };
 
+constexpr PrintCase kPrintCases[] = {
+    {"[ns] . [qs].\n[it]=1", "[ns].[qs].[it] = 1"},
+    {"[a]]b].[c[d].[ ''<x>]", "[a]]b].[c[d].[ ''<x>]"},
+    {"[Größe].[名前]='été'", "[Größe].[名前] = 'été'"},
+    {"a!=b or c<>d", "a <> b OR c <> d"},
+    {"'it''s' || ''||'a]b'", "'it''s' || '' || 'a]b'"},
+    {".5 + 5. + 1.5E-3 - 007", ".5 + 5. + 1.5E-3 - 007"},
+    {"a oR b AnD c or d", "a OR b AND c OR d"},
+    {"((a or b)) and (c and (d and e)) and (f or g)", "(a OR b) AND c AND d AND e AND (f OR g)"},
+    {"(not (a = b)) and not (c and d)", "NOT a = b AND NOT (c AND d)"},
+    {"(not a) = b", "(NOT a) = b"},
+    {"not(not(a))", "NOT NOT a"},
+    {"(a=b)=(c<d)", "(a = b) = (c < d)"},
+    {"((a-b)-c)-(d-(e+f))", "a - b - c - (d - (e + f))"},
+    {"(a*b)/c*(d/e)+(f*g)", "a * b / c * (d / e) + f * g"},
+    {"(a+b)*-(c-d)", "(a + b) * -(c - d)"},
+    {"- - (-1)", "- - -1"},
+    {"(a||b)||(c||(d+e))||(f=g)", "a || b || c || d + e || (f = g)"},
+    {"a||b=c+d", "a || b = c + d"},
+    {"x_1.f$ ( (a), (b or c) ,g())", "x_1.f$(a, b OR c, g())"},
+    {"a in(1,('x'),(b))", "a IN (1, 'x', b)"},
+    {"(a not in (1)) and not (a in (1))", "a NOT IN (1) AND NOT a IN (1)"},
+    {"a not like ('x'||b) escape ('!')", "a NOT LIKE 'x' || b ESCAPE '!'"},
+    {"a like 'x%' and b", "a LIKE 'x%' AND b"},
+    {"a+1 between (b) and (c) and d not between e and (f and g)",
+     "a + 1 BETWEEN b AND c AND d NOT BETWEEN e AND (f AND g)"},
+    {"a is null or (b is not null) or null", "a IS NULL OR b IS NOT NULL OR null"},
+    {"(a is null) is null", "(a IS NULL) IS NULL"},
+    {"[one]", "[one]"},
+    {"\"n s\" . \"q\"\"]\".[i]<\"one\"", "[n s].[q\"]]].[i] < [one]"},
+    {"a -- b\n= /* 'c' */ 1--", "a = 1"},
+    {"cAse when (a or b) then (-1) else(c) End+1", "CASE WHEN a OR b THEN -1 ELSE c END + 1"},
+    {"case (a) when 1 then 'x' when 2 then (case when b then c end)end is null",
+     "CASE a WHEN 1 THEN 'x' WHEN 2 THEN CASE WHEN b THEN c END END IS NULL"},
+    {"-cast((a||b) as\nvarchar ( 9 ))", "-CAST(a || b AS varchar(9))"},
+    {"Cast(a as Decimal( 9,2 )) = lib.cast(timestamp) * cast(b as timestamp (3) with time "
+     "zone)",
+     "CAST(a AS Decimal(9,2)) = lib.cast(timestamp) * CAST(b AS timestamp(3) with time zone)"},
+    {"[a].[b].[c].[d].[e]", "[a].[b].[c].[d].[e]"},
+};
+
 TEST(Expression, IsWrittenInOneFormWithFewParentheses)
 {
-    const PrintCase cases[] = {
-        {"[ns] . [qs].\n[it]=1", "[ns].[qs].[it] = 1"},
-        {"[a]]b].[c[d].[ ''<x>]", "[a]]b].[c[d].[ ''<x>]"},
-        {"[Größe].[名前]='été'", "[Größe].[名前] = 'été'"},
-        {"a!=b or c<>d", "a <> b OR c <> d"},
-        {"'it''s' || ''||'a]b'", "'it''s' || '' || 'a]b'"},
-        {".5 + 5. + 1.5E-3 - 007", ".5 + 5. + 1.5E-3 - 007"},
-        {"a oR b AnD c or d", "a OR b AND c OR d"},
-        {"((a or b)) and (c and (d and e)) and (f or g)",
-         "(a OR b) AND c AND d AND e AND (f OR g)"},
-        {"(not (a = b)) and not (c and d)", "NOT a = b AND NOT (c AND d)"},
-        {"(not a) = b", "(NOT a) = b"},
-        {"not(not(a))", "NOT NOT a"},
-        {"(a=b)=(c<d)", "(a = b) = (c < d)"},
-        {"((a-b)-c)-(d-(e+f))", "a - b - c - (d - (e + f))"},
-        {"(a*b)/c*(d/e)+(f*g)", "a * b / c * (d / e) + f * g"},
-        {"(a+b)*-(c-d)", "(a + b) * -(c - d)"},
-        {"- - (-1)", "- - -1"},
-        {"(a||b)||(c||(d+e))||(f=g)", "a || b || c || d + e || (f = g)"},
-        {"a||b=c+d", "a || b = c + d"},
-        {"x_1.f$ ( (a), (b or c) ,g())", "x_1.f$(a, b OR c, g())"},
-        {"a in(1,('x'),(b))", "a IN (1, 'x', b)"},
-        {"(a not in (1)) and not (a in (1))", "a NOT IN (1) AND NOT a IN (1)"},
-        {"a not like ('x'||b) escape ('!')", "a NOT LIKE 'x' || b ESCAPE '!'"},
-        {"a like 'x%' and b", "a LIKE 'x%' AND b"},
-        {"a+1 between (b) and (c) and d not between e and (f and g)",
-         "a + 1 BETWEEN b AND c AND d NOT BETWEEN e AND (f AND g)"},
-        {"a is null or (b is not null) or null", "a IS NULL OR b IS NOT NULL OR null"},
-        {"(a is null) is null", "(a IS NULL) IS NULL"},
-        {"[one]", "[one]"},
-        {"\"n s\" . \"q\"\"]\".[i]<\"one\"", "[n s].[q\"]]].[i] < [one]"},
-        {"a -- b\n= /* 'c' */ 1--", "a = 1"},
-        {"cAse when (a or b) then (-1) else(c) End+1", "CASE WHEN a OR b THEN -1 ELSE c END + 1"},
-        {"case (a) when 1 then 'x' when 2 then (case when b then c end)end is null",
-         "CASE a WHEN 1 THEN 'x' WHEN 2 THEN CASE WHEN b THEN c END END IS NULL"},
-        {"-cast((a||b) as\nvarchar ( 9 ))", "-CAST(a || b AS varchar(9))"},
-        {"Cast(a as Decimal( 9,2 )) = lib.cast(timestamp) * cast(b as timestamp (3) with time "
-         "zone)",
-         "CAST(a AS Decimal(9,2)) = lib.cast(timestamp) * CAST(b AS timestamp(3) with time zone)"},
-        {"[a].[b].[c].[d].[e]", "[a].[b].[c].[d].[e]"},
-    };
-    for (const auto& [text, printed] : cases) {
+    for (const auto& [text, printed] : kPrintCases) {
         EXPECT_EQ(PrintTree(*ParseText(text)), printed) << text;
         EXPECT_EQ(FindBrokenInvariant(text), "") << text;
     }
@@ -78,51 +78,52 @@ struct ErrorCase
     const char* found;
 };
 
+constexpr const char* kOperand = "an operand";
+constexpr const char* kEnd = "an operator or the end of the text";
+
+constexpr ErrorCase kErrorCases[] = {
+    {"", "line 1, column 1", kOperand, "the end of the text"},
+    {"a =", "line 1, column 4", kOperand, "the end of the text"},
+    {"a\n= 'é' b", "line 2, column 7", kEnd, "\"b\""},
+    {"a = b = c", "line 1, column 7", kEnd, "\"=\""},
+    {"not a = b = c", "line 1, column 11", kEnd, "\"=\""},
+    {"a is null = b", "line 1, column 11", kEnd, "\"=\""},
+    {"a = not b", "line 1, column 5", kOperand, "\"not\""},
+    {"(a", "line 1, column 3", "an operator or ')'", "the end of the text"},
+    {"f(a b)", "line 1, column 5", "an operator, ',' or ')'", "\"b\""},
+    {"a in 1", "line 1, column 6", "'('", "\"1\""},
+    {"a in ()", "line 1, column 7", kOperand, "\")\""},
+    {"a not = b", "line 1, column 7", "IN, LIKE or BETWEEN", "\"=\""},
+    {"a not is null", "line 1, column 7", "IN, LIKE or BETWEEN", "\"is\""},
+    {"a between 1 or 2", "line 1, column 13", "an operator or AND", "\"or\""},
+    {"a is 1", "line 1, column 6", "NULL or NOT NULL", "\"1\""},
+    {"a is not 1", "line 1, column 10", "NULL", "\"1\""},
+    {"[a].[]", "line 1, column 5", "a name between brackets or double quotes", "\"[]\""},
+    {"[a].b", "line 1, column 5", "a name between brackets or double quotes", "\"b\""},
+    {"a.[b]", "line 1, column 3", "a name", "\"[b]\""},
+    {"[a].[b", "line 1, column 5", "a name that ends in ']'", "\"[b\""},
+    {"[a]] = 1", "line 1, column 1", "a name that ends in ']'", "\"[a]] = 1\""},
+    {"a = 'it''s", "line 1, column 5", "a text that ends in a single quote", "\"'it''s\""},
+    {"[a].\"b", "line 1, column 5", "a name that ends in a double quote", "\"\"b\""},
+    {"a\n /*/ b", "line 2, column 2", "a comment that ends in '*/'", "\"/*/ b\""},
+    {"case a then b", "line 1, column 8", "an operator or WHEN", "\"then\""},
+    {"case when a end", "line 1, column 13", "an operator or THEN", "\"end\""},
+    {"case when a then b )", "line 1, column 20", "an operator, WHEN, ELSE or END", "\")\""},
+    {"case when a then b else c when", "line 1, column 27", "an operator or END", "\"when\""},
+    {"cast a", "line 1, column 6", "'('", "\"a\""},
+    {"cast(a, b)", "line 1, column 7", "an operator or AS", "\",\""},
+    {"cast(a as 'b')", "line 1, column 11", "a type", "\"'b'\""},
+    {"cast(a as b(-1))", "line 1, column 13", "a size", "\"-\""},
+    {"cast(a as b(1)", "line 1, column 15", "'(', ')' or more of the type", "the end of the text"},
+    {"1.2.3", "line 1, column 4", kEnd, "\".3\""},
+    {"1,5", "line 1, column 2", kEnd, "\",\""},
+    {"a & b", "line 1, column 3", kEnd, "\"&\""},
+    {"a 'ééééééééééééééééééééé", "line 1, column 3", kEnd, "\"'ééééééééééééééééééé...\""},
+};
+
 TEST(Expression, RefusesOtherTextWithPlaceAndExpectation)
 {
-    const char* const operand = "an operand";
-    const char* const end = "an operator or the end of the text";
-    const ErrorCase cases[] = {
-        {"", "line 1, column 1", operand, "the end of the text"},
-        {"a =", "line 1, column 4", operand, "the end of the text"},
-        {"a\n= 'é' b", "line 2, column 7", end, "\"b\""},
-        {"a = b = c", "line 1, column 7", end, "\"=\""},
-        {"not a = b = c", "line 1, column 11", end, "\"=\""},
-        {"a is null = b", "line 1, column 11", end, "\"=\""},
-        {"a = not b", "line 1, column 5", operand, "\"not\""},
-        {"(a", "line 1, column 3", "an operator or ')'", "the end of the text"},
-        {"f(a b)", "line 1, column 5", "an operator, ',' or ')'", "\"b\""},
-        {"a in 1", "line 1, column 6", "'('", "\"1\""},
-        {"a in ()", "line 1, column 7", operand, "\")\""},
-        {"a not = b", "line 1, column 7", "IN, LIKE or BETWEEN", "\"=\""},
-        {"a not is null", "line 1, column 7", "IN, LIKE or BETWEEN", "\"is\""},
-        {"a between 1 or 2", "line 1, column 13", "an operator or AND", "\"or\""},
-        {"a is 1", "line 1, column 6", "NULL or NOT NULL", "\"1\""},
-        {"a is not 1", "line 1, column 10", "NULL", "\"1\""},
-        {"[a].[]", "line 1, column 5", "a name between brackets or double quotes", "\"[]\""},
-        {"[a].b", "line 1, column 5", "a name between brackets or double quotes", "\"b\""},
-        {"a.[b]", "line 1, column 3", "a name", "\"[b]\""},
-        {"[a].[b", "line 1, column 5", "a name that ends in ']'", "\"[b\""},
-        {"[a]] = 1", "line 1, column 1", "a name that ends in ']'", "\"[a]] = 1\""},
-        {"a = 'it''s", "line 1, column 5", "a text that ends in a single quote", "\"'it''s\""},
-        {"[a].\"b", "line 1, column 5", "a name that ends in a double quote", "\"\"b\""},
-        {"a\n /*/ b", "line 2, column 2", "a comment that ends in '*/'", "\"/*/ b\""},
-        {"case a then b", "line 1, column 8", "an operator or WHEN", "\"then\""},
-        {"case when a end", "line 1, column 13", "an operator or THEN", "\"end\""},
-        {"case when a then b )", "line 1, column 20", "an operator, WHEN, ELSE or END", "\")\""},
-        {"case when a then b else c when", "line 1, column 27", "an operator or END", "\"when\""},
-        {"cast a", "line 1, column 6", "'('", "\"a\""},
-        {"cast(a, b)", "line 1, column 7", "an operator or AS", "\",\""},
-        {"cast(a as 'b')", "line 1, column 11", "a type", "\"'b'\""},
-        {"cast(a as b(-1))", "line 1, column 13", "a size", "\"-\""},
-        {"cast(a as b(1)", "line 1, column 15", "'(', ')' or more of the type",
-         "the end of the text"},
-        {"1.2.3", "line 1, column 4", end, "\".3\""},
-        {"1,5", "line 1, column 2", end, "\",\""},
-        {"a & b", "line 1, column 3", end, "\"&\""},
-        {"a 'ééééééééééééééééééééé", "line 1, column 3", end, "\"'ééééééééééééééééééé...\""},
-    };
-    for (const auto& [text, place, expected, found] : cases) {
+    for (const auto& [text, place, expected, found] : kErrorCases) {
         try {
             ADD_FAILURE() << text << " reads as " << DescribeTree(*ParseText(text));
         } catch (const HBNException& exception) {

@@ -67,14 +67,14 @@ TEST_F(ModelBuilderTest, FollowsNamesToObjectsAddedLater)
 TEST_F(ModelBuilderTest, BuildsAgainAfterMoreWasAdded)
 {
     const auto first = mBuilder.Build();
-    const amd_id wrong = mBuilder.AddFolder("X", "Holder is missing");
+    const amd_id wrong = mBuilder.AddFolder("X", "Parent is missing");
     EXPECT_THROW(static_cast<void>(mBuilder.Build()), ModelError);
     mBuilder.AddNamespace("X");
     EXPECT_NE(mBuilder.Build()->Find(wrong), nullptr);
     EXPECT_EQ(first->Find(wrong), nullptr);
 }
 
-/// What one mistake on top of the fixture's model is told as. Those that a model file can have too
+/// How one mistake on top of the fixture's model is reported. Those that a model file can have too
 /// are tested with model files.
 struct Refusal
 {
@@ -84,43 +84,42 @@ struct Refusal
     const char* text;
 };
 
-const amd_id Space(0, IdClassNamespace, 1);
-const amd_id SubjectA(0, IdClassQuerySubject, 1);
+const amd_id kSpace(0, IdClassNamespace, 1);
+const amd_id kSubjectA(0, IdClassQuerySubject, 1);
 
-const Refusal Refusals[] = {
+const Refusal kRefusals[] = {
     {"id of another class",
-     [](ModelBuilder& b) { b.AddFolder(Space, "F", {.id = amd_id(0, IdClassFilter, 1)}); },
+     [](ModelBuilder& b) { b.AddFolder(kSpace, "F", {.id = amd_id(0, IdClassFilter, 1)}); },
      EAspect::Id, "folder \"F\" cannot have the id 114:1: its class is 99, its number not 0"},
     {"id without number",
-     [](ModelBuilder& b) { b.AddFolder(Space, "F", {.id = amd_id(1, IdClassFolder, 0)}); },
+     [](ModelBuilder& b) { b.AddFolder(kSpace, "F", {.id = amd_id(1, IdClassFolder, 0)}); },
      EAspect::Id, "folder \"F\" cannot have the id 99:0: its class is 99, its number not 0"},
-    {"id twice", [](ModelBuilder& b) { b.AddQuerySubject(Space, "C", {.id = SubjectA}); },
+    {"id twice", [](ModelBuilder& b) { b.AddQuerySubject(kSpace, "C", {.id = kSubjectA}); },
      EAspect::Id, "query subject \"C\" has the id 100:1 of another object, \"A\""},
     {"folders do not keep subjects of one name apart",
-     [](ModelBuilder& b) { b.AddQuerySubject(b.AddFolder(Space, "F"), "A"); }, EAspect::Name,
+     [](ModelBuilder& b) { b.AddQuerySubject(b.AddFolder(kSpace, "F"), "A"); }, EAspect::Name,
      "query subject \"A\" has the name of another object beside it: query subject 100:1"},
     {"unknown parent", [](ModelBuilder& b) { b.AddQuerySubject("Z", "C"); }, EAspect::Parent,
      "query subject \"C\" has a parent that is not in the model: \"Z\"; nearest: S"},
-    {"parent of itself",
-     [](ModelBuilder& b) { b.AddFolder(amd_id(0, IdClassFolder, 1), "F"); }, EAspect::Parent,
-     "folder \"F\" has a chain of parents that is cyclic"},
-    {"query subject as parent", [](ModelBuilder& b) { b.AddFolder(SubjectA, "F"); },
+    {"parent of itself", [](ModelBuilder& b) { b.AddFolder(amd_id(0, IdClassFolder, 1), "F"); },
+     EAspect::Parent, "folder \"F\" has a chain of parents that is cyclic"},
+    {"query subject as parent", [](ModelBuilder& b) { b.AddFolder(kSubjectA, "F"); },
      EAspect::Parent, "folder \"F\" cannot be held by the query subject \"A\""},
     {"item of a shortcut",
-     [](ModelBuilder& b) { b.AddItem(b.AddShortcut(Space, "C", {"A"}), "J"); }, EAspect::Parent,
+     [](ModelBuilder& b) { b.AddItem(b.AddShortcut(kSpace, "C", {"A"}), "J"); }, EAspect::Parent,
      "item \"J\" cannot be held by the shortcut \"C\""},
     {"item of nothing", [](ModelBuilder& b) { b.AddItem(kTop, "J"); }, EAspect::Parent,
      "item \"J\" has no parent"},
     {"relationship shortcut to itself",
      [](ModelBuilder& b) {
-         b.AddRelationshipShortcut(Space, "t",
+         b.AddRelationshipShortcut(kSpace, "t",
                                    {amd_id(0, IdClassRelationshipShortcut, 1), "A", "B"});
      },
      EAspect::Target, "relationship shortcut \"t\" has a chain of shortcuts that is cyclic"},
     {"relationship shortcut to class 136",
      [](ModelBuilder& b) {
-         b.AddRelationship136(Space, "q", {"A"}, {"B"});
-         b.AddRelationshipShortcut(Space, "t", {"q", "A", "B"});
+         b.AddRelationship136(kSpace, "q", {"A"}, {"B"});
+         b.AddRelationshipShortcut(kSpace, "t", {"q", "A", "B"});
      },
      EAspect::Target,
      "relationship shortcut \"t\" must stand for a relationship of class 102 or a relationship "
@@ -128,15 +127,15 @@ const Refusal Refusals[] = {
     {"no end", [](ModelBuilder& b) { b.AddSpecJoin("t", {"A"}, {}); }, EAspect::RightEnd,
      "join of the query \"t\" has no right end"},
     {"unknown end, letter case aside",
-     [](ModelBuilder& b) { b.AddRelationship(Space, "t", {"a"}, {"s.bb"}); }, EAspect::RightEnd,
+     [](ModelBuilder& b) { b.AddRelationship(kSpace, "t", {"a"}, {"s.bb"}); }, EAspect::RightEnd,
      "relationship \"t\" has a right end that is not in the model: \"s.bb\"; nearest: S.B"},
     {"end that is a folder",
-     [](ModelBuilder& b) { b.AddRelationship136(Space, "t", {Space}, {"B"}); }, EAspect::LeftEnd,
+     [](ModelBuilder& b) { b.AddRelationship136(kSpace, "t", {kSpace}, {"B"}); }, EAspect::LeftEnd,
      "relationship \"t\" has a left end that is neither query subject nor shortcut: namespace "
      "\"S\""},
     {"end that leads to an item",
      [](ModelBuilder& b) {
-         b.AddShortcut(Space, "C", {"A.I"});
+         b.AddShortcut(kSpace, "C", {"A.I"});
          b.AddSpecJoin("t", {"C"}, {"B"});
      },
      EAspect::LeftEnd,
@@ -152,15 +151,15 @@ const Refusal Refusals[] = {
      "T.A"},
     {"unknown bound",
      [](ModelBuilder& b) {
-         b.AddRelationship(Space, "t", {"A", {10, 13}}, {"B"});
+         b.AddRelationship(kSpace, "t", {"A", {10, 13}}, {"B"});
      },
      EAspect::LeftCardinality,
      "relationship \"t\" has a cardinality at its left end that is not a valid range"},
 };
 
-TEST(ModelBuilderRefusalTest, TellsEachMistake)
+TEST(ModelBuilderRefusalTest, ReportsEachMistake)
 {
-    for (const Refusal& refusal : Refusals) {
+    for (const Refusal& refusal : kRefusals) {
         SCOPED_TRACE(refusal.what);
         ModelBuilder builder;
         const amd_id space = builder.AddNamespace("S");
@@ -177,7 +176,7 @@ TEST(ModelBuilderRefusalTest, TellsEachMistake)
     }
 }
 
-TEST_F(ModelBuilderTest, TellsAllMistakesInTheOrderOfTheObjects)
+TEST_F(ModelBuilderTest, ReportsAllMistakesInTheOrderOfTheObjects)
 {
     mBuilder.AddRelationship(mSpace, "t", {"X"}, {"Y", {3, 4}}, "", {.tag = 7});
     mBuilder.AddShortcut(mSpace, "", {"X"}, {.tag = 8});
@@ -185,10 +184,10 @@ TEST_F(ModelBuilderTest, TellsAllMistakesInTheOrderOfTheObjects)
         static_cast<void>(mBuilder.Build());
         FAIL() << "was built";
     } catch (const ModelError& error) {
-        std::vector<std::pair<std::int64_t, EAspect>> told;
+        std::vector<std::pair<std::int64_t, EAspect>> reported;
         for (const ModelProblem& problem : error.GetProblems())
-            told.emplace_back(problem.tag, problem.aspect);
-        EXPECT_THAT(told,
+            reported.emplace_back(problem.tag, problem.aspect);
+        EXPECT_THAT(reported,
                     ElementsAre(std::pair(7, EAspect::LeftEnd), std::pair(7, EAspect::RightEnd),
                                 std::pair(7, EAspect::RightCardinality),
                                 std::pair(8, EAspect::Name), std::pair(8, EAspect::Target)));
@@ -222,48 +221,56 @@ bool ChainEnds(const Model& model, amd_id id, amd_id ObjectRecord::*next)
     return true;
 }
 
-TEST(ModelBuilderPropertyTest, WhatIsBuiltHasNoCirclesAndOnlySoundEnds)
+/// Adds three objects of each class, whose references lead anywhere among them.
+void AddRandomObjects(ModelBuilder& builder, std::mt19937& random)
+{
+    const auto any = [&](std::int32_t classCode) {
+        return Reference(amd_id(0, classCode, static_cast<std::int32_t>(1 + random() % 3)));
+    };
+    const auto subject = [&] {
+        return any(random() % 3 != 0 ? IdClassQuerySubject : IdClassShortcut);
+    };
+    for (int i = 0; i < 3; ++i) {
+        const std::string name(1, static_cast<char>('a' + i));
+        const auto parent = [&] { return i == 0 || random() % 4 == 0 ? kTop : any(IdClassFolder); };
+        builder.AddFolder(random() % 9 == 0 ? any(IdClassFolder) : parent(), name);
+        builder.AddQuerySubject(parent(), name);
+        builder.AddShortcut(parent(), name + name, {subject()});
+        builder.AddRelationship(parent(), name, {subject()}, {subject()});
+        builder.AddRelationshipShortcut(
+            parent(), name,
+            {any(random() % 2 == 0 ? IdClassRelationship : IdClassRelationshipShortcut), subject(),
+             subject()});
+    }
+}
+
+void ExpectSound(const Model& model)
+{
+    for (const ObjectRecord& record : model.GetRecords()) {
+        ASSERT_TRUE(ChainEnds(model, record.id, &ObjectRecord::parent));
+        ASSERT_TRUE(ChainEnds(model, record.id, &ObjectRecord::referenced));
+        if (IsJoinClass(record.id.classCode)) {
+            ASSERT_EQ(model.GetTarget(record.id).classCode, IdClassRelationship);
+            ASSERT_EQ(model.GetTarget(record.left).classCode, IdClassQuerySubject);
+            ASSERT_EQ(model.GetTarget(record.right).classCode, IdClassQuerySubject);
+        }
+    }
+}
+
+TEST(ModelBuilderPropertyTest, WhatIsBuiltHasNoCyclesAndOnlySoundEnds)
 {
     std::mt19937 random(4711);
     int built = 0;
     for (int round = 0; round < 1000; ++round) {
         ModelBuilder builder;
-        const auto any = [&](std::int32_t classCode) {
-            return Reference(amd_id(0, classCode, static_cast<std::int32_t>(1 + random() % 3)));
-        };
-        const auto subject = [&] {
-            return any(random() % 3 != 0 ? IdClassQuerySubject : IdClassShortcut);
-        };
-        for (int i = 0; i < 3; ++i) {
-            const std::string name(1, static_cast<char>('a' + i));
-            const auto holder = [&] {
-                return i == 0 || random() % 4 == 0 ? kTop : any(IdClassFolder);
-            };
-            builder.AddFolder(random() % 9 == 0 ? any(IdClassFolder) : holder(), name);
-            builder.AddQuerySubject(holder(), name);
-            builder.AddShortcut(holder(), name + name, {subject()});
-            builder.AddRelationship(holder(), name, {subject()}, {subject()});
-            builder.AddRelationshipShortcut(
-                holder(), name,
-                {any(random() % 2 == 0 ? IdClassRelationship : IdClassRelationshipShortcut),
-                 subject(), subject()});
-        }
-        std::shared_ptr<const Model> model;
+        AddRandomObjects(builder, random);
         try {
-            model = builder.Build();
+            ExpectSound(*builder.Build());
             ++built;
         } catch (const ModelError&) {
             continue;
         }
-        for (const ObjectRecord& record : model->GetRecords()) {
-            ASSERT_TRUE(ChainEnds(*model, record.id, &ObjectRecord::parent));
-            ASSERT_TRUE(ChainEnds(*model, record.id, &ObjectRecord::referenced));
-            if (IsJoinClass(record.id.classCode)) {
-                ASSERT_EQ(model->GetTarget(record.id).classCode, IdClassRelationship);
-                ASSERT_EQ(model->GetTarget(record.left).classCode, IdClassQuerySubject);
-                ASSERT_EQ(model->GetTarget(record.right).classCode, IdClassQuerySubject);
-            }
-        }
+        ASSERT_FALSE(HasFatalFailure());
     }
     EXPECT_GT(built, 100);
     EXPECT_LT(built, 900);

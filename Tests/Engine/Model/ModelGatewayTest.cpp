@@ -12,7 +12,7 @@ namespace {
 
 using qe::test::ModelText;
 
-TEST(ModelGatewayTest, GivesDisplayNamesAndTheNearestLocale)
+TEST(ModelGatewayTest, ReturnsDisplayNamesAndTheNearestLocale)
 {
     ModelBuilder builder("en");
     const amd_id space = builder.AddNamespace(kTop, "S", {.displayName = "Sales"});
@@ -31,6 +31,29 @@ TEST(ModelGatewayTest, GivesDisplayNamesAndTheNearestLocale)
     EXPECT_EQ(text, "Sales en\nF de\nA de\nI fr\nmissing en\n");
 }
 
+struct ReferenceCase
+{
+    std::vector<I18NString> names;
+    const char* found;
+};
+
+const ReferenceCase kReferenceCases[] = {
+    {{"T", "A", "I"}, "101:1 100:1"},
+    {{"S", "C", "I"}, "101:1 109:1"},
+    {{"S", "D", "I"}, "101:1 109:2"},
+    {{"S", "A", "J"}, "101:3 100:3"},
+    {{"S", "A", "I"}, "none"},
+    {{"s", "A", "J"}, "none"},
+    {{"S", "A", "j"}, "none"},
+    // What lies outside all namespaces comes before what lies in the namespace of that name.
+    {{"S", "A"}, "101:2 100:2"},
+    {{"S", "C"}, "109:1 109:1"},
+    {{"S", "F"}, "114:1 0:0"},
+    {{"S", "T", "A"}, "none"},
+    {{"S"}, "none"},
+    {{}, "none"},
+    {{"S", "T", "A", "I"}, "none"},
+};
 TEST(ModelGatewayTest, ResolvesTheNamesOfReferences)
 {
     ModelBuilder builder;
@@ -45,29 +68,7 @@ TEST(ModelGatewayTest, ResolvesTheNamesOfReferences)
     builder.AddFilter("S", "F", "x");
     ModelGateway gateway(builder.Build());
 
-    struct Row
-    {
-        std::vector<I18NString> names;
-        const char* found;
-    };
-    const Row rows[] = {
-        {{"T", "A", "I"}, "101:1 100:1"},
-        {{"S", "C", "I"}, "101:1 109:1"},
-        {{"S", "D", "I"}, "101:1 109:2"},
-        {{"S", "A", "J"}, "101:3 100:3"},
-        {{"S", "A", "I"}, "none"},
-        {{"s", "A", "J"}, "none"},
-        {{"S", "A", "j"}, "none"},
-        // What lies outside all namespaces comes before what the namespace of that name holds.
-        {{"S", "A"}, "101:2 100:2"},
-        {{"S", "C"}, "109:1 109:1"},
-        {{"S", "F"}, "114:1 0:0"},
-        {{"S", "T", "A"}, "none"},
-        {{"S"}, "none"},
-        {{}, "none"},
-        {{"S", "T", "A", "I"}, "none"},
-    };
-    for (const Row& row : rows) {
+    for (const ReferenceCase& row : kReferenceCases) {
         const auto found = gateway.ResolveReference(row.names);
         EXPECT_EQ(found ? ToText(found->referencedId) + ' ' + ToText(found->querySubjectId)
                         : "none",

@@ -31,7 +31,7 @@ TEST(QualifiedNameTest, SplitsAtDotsOutsideBrackets)
     EXPECT_THAT(ParseQualifiedName(""), ElementsAre(""));
 }
 
-TEST(QualifiedNameTest, ParsingGivesBackWhatWasWritten)
+TEST(QualifiedNameTest, ParsingReturnsWhatWasWritten)
 {
     std::mt19937 random(1);
     for (int round = 0; round < 5000; ++round) {
@@ -42,7 +42,7 @@ TEST(QualifiedNameTest, ParsingGivesBackWhatWasWritten)
     }
 }
 
-/// The distance by its definition: the cheapest of all ways to edit the last letters.
+/// The distance by its definition: the least over all edits of the first letters.
 std::size_t PlainDistance(std::string_view left, std::string_view right)
 {
     if (left.empty() || right.empty())
@@ -82,7 +82,7 @@ TEST(NearestNamesTest, OrdersByDistanceThenText)
     EXPECT_THAT(NearestNames("\xC3\x84rmel", {"\xC3\xA4rmel"}, 1), ElementsAre("\xC3\xA4rmel"));
 }
 
-/// Namespaces Sales and Stock, both with Orders; Sales.Facts holds Returns; a shortcut and names
+/// Namespaces Sales and Stock, both with Orders; Returns in Sales.Facts; a shortcut and names
 /// that differ in letter case only.
 class FindByNameTest : public testing::Test
 {

@@ -33,6 +33,30 @@ protected:
     const std::string mPath = mFolder / "settings.ini";
 };
 
+/// What the settings of the malformed file below read as; -7 where they are left out.
+constexpr struct
+{
+    const char* section;
+    const char* key;
+    int value;
+} kReadCases[] = {
+    {"General Options", "FFJoins", 3},
+    {"general options", "ffjoins", 3},
+    {"General Options", "Indented", 5},
+    {"General Options", "Small", std::numeric_limits<int>::min()},
+    {"General Options", "Word", -7},
+    {"General Options", "Fraction", -7},
+    {"General Options", "Big", -7},
+    {"General Options", "Signs", -7},
+    {"General Options", "Empty", -7},
+    {"General Options", "", -7},
+    {"General Options", "NewAlgo", 1},
+    {"Broken", "NewAlgo", -7},
+    {"", "NewAlgo", -7},
+    {"Log", "Last", 9},
+    {"Log", "FFJoins", -7},
+};
+
 TEST_F(SettingsTest, MalformedLinesAreLeftOutAndTheRestHolds)
 {
     Write("\xEF\xBB\xBF; comment\r\n"
@@ -58,29 +82,7 @@ TEST_F(SettingsTest, MalformedLinesAreLeftOutAndTheRestHolds)
           "NewAlgo = 0\n"
           "[Log]\n\n"
           "Last = 9");
-    const struct
-    {
-        const char* section;
-        const char* key;
-        int value;
-    } cases[] = {
-        {"General Options", "FFJoins", 3},
-        {"general options", "ffjoins", 3},
-        {"General Options", "Indented", 5},
-        {"General Options", "Small", std::numeric_limits<int>::min()},
-        {"General Options", "Word", -7},
-        {"General Options", "Fraction", -7},
-        {"General Options", "Big", -7},
-        {"General Options", "Signs", -7},
-        {"General Options", "Empty", -7},
-        {"General Options", "", -7},
-        {"General Options", "NewAlgo", 1},
-        {"Broken", "NewAlgo", -7},
-        {"", "NewAlgo", -7},
-        {"Log", "Last", 9},
-        {"Log", "FFJoins", -7},
-    };
-    for (const auto& test : cases)
+    for (const auto& test : kReadCases)
         EXPECT_EQ(Read(test.key, test.section), test.value) << test.section << '/' << test.key;
 
     std::vector<int> lines;

@@ -17,7 +17,7 @@ HBNException MakeCrossProductError(int parameterCount)
     return exception;
 }
 
-TEST(ExceptionTest, CaughtExceptionTellsAllThatWasRaised)
+TEST(ExceptionsTest, CaughtExceptionDescribesAllThatWasThrown)
 {
     HBNException exception = MakeCrossProductError(2);
     ORVThrowable& raised = exception;
@@ -33,7 +33,7 @@ TEST(ExceptionTest, CaughtExceptionTellsAllThatWasRaised)
     }
 }
 
-TEST(ExceptionTest, AssertionRaisesOnlyWhenItsConditionFails)
+TEST(ExceptionsTest, AssertionThrowsOnlyWhenItsConditionFails)
 {
     ORV_ASSERT(true, "ORV_ASSERT(true);", "Source/QEI_Refiner", 1);
     try {
@@ -45,7 +45,7 @@ TEST(ExceptionTest, AssertionRaisesOnlyWhenItsConditionFails)
     }
 }
 
-TEST(ExceptionTest, ParameterCountOutsideTheSixIsLimited)
+TEST(ExceptionsTest, ParameterCountOutsideTheSixIsLimited)
 {
     const struct
     {
@@ -58,7 +58,7 @@ TEST(ExceptionTest, ParameterCountOutsideTheSixIsLimited)
     }
 }
 
-TEST(ExceptionTest, EveryNumberOfTheSystemHasATextOfItsOwn)
+TEST(ExceptionsTest, EveryNumberOfTheSystemHasATextOfItsOwn)
 {
     const std::uint32_t numbers[] = {0xA9E09D1F, 0xA9E12896, 0xA9E143D7, 0xA9E29A41, 0xA9E5E001,
                                      0xA9E60195, 0xA9E9BA5B, 0xA9EBF43B, 0xA9EC593C, 0xA9EE8A4D};
@@ -69,7 +69,7 @@ TEST(ExceptionTest, EveryNumberOfTheSystemHasATextOfItsOwn)
     EXPECT_EQ(QERes::getString(341), "");
 }
 
-TEST(ExceptionTest, MessageWithoutTextOrWithoutParametersStaysReadable)
+TEST(ExceptionsTest, MessageWithoutTextOrWithoutParametersStaysReadable)
 {
     HBNMessage unknown(0x000000AB);
     unknown.AddParameter(ORVMessageParm("one"));
