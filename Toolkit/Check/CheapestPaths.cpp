@@ -1,57 +1,59 @@
 #include "Toolkit/Check/CheapestPaths.h"
 
-#include <algorithm>
-#include <functional>
+#include <cstdint>
+#include <utility>
 
 namespace qe::tool {
 
+namespace {
+
+graph::NodeIndex ToNode(std::size_t subject)
+{
+    return {static_cast<std::uint32_t>(subject)};
+}
+
+} // namespace
+
 CheapestPaths::CheapestPaths(const CheckedModel& model, int maximumWeight)
-    : mModel(model), mMaximumWeight(maximumWeight), mLabels(model.GetSubjects().size())
+    : mModel(model),
+      mMaximumWeight(maximumWeight),
+      mLabels(model.GetSubjects().size()),
+      mSearch(static_cast<std::uint32_t>(model.GetSubjects().size()))
 {}
 
 void CheapestPaths::Search(std::size_t source)
 {
-    for (const std::size_t subject : mTouched)
+    for (const std::size_t subject : mReached)
         mLabels[subject] = {};
     mReached.clear();
-    mTouched.assign(1, source);
     mSource = source;
-    mLabels[source].weight = 0;
     mLabels[source].dominator = source;
-    mQueue.assign(1, {0, source});
-    while (!mQueue.empty()) {
-        std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
-        const std::size_t subject = mQueue.back().second;
-        mQueue.pop_back();
-        if (!mLabels[subject].isSettled)
-            Settle(subject);
-    }
+    mSearch.Reset();
+    mSearch.Reach(ToNode(source), 0);
+    mSearch.Run([this](graph::NodeIndex node, std::uint64_t weight) {
+        Settle(node.value, static_cast<int>(weight));
+        return graph::DijkstraSearch::EStep::Continue;
+    });
 }
 
-void CheapestPaths::Settle(std::size_t subject)
+void CheapestPaths::Settle(std::size_t subject, int weight)
 {
-    mLabels[subject].isSettled = true;
+    mLabels[subject].weight = weight;
     mReached.push_back(subject);
     if (subject != mSource)
         FindDominator(subject);
     for (const CheckedModel::Step& step : mModel.GetSteps(subject)) {
         ++mSteps;
-        const int weight = mLabels[subject].weight + mModel.GetJoins()[step.join].weight;
-        Label& label = mLabels[step.subject];
-        if (weight > mMaximumWeight || (label.weight >= 0 && label.weight <= weight))
-            continue;
-        if (label.weight < 0)
-            mTouched.push_back(step.subject);
-        label.weight = weight;
-        mQueue.emplace_back(weight, step.subject);
-        std::push_heap(mQueue.begin(), mQueue.end(), std::greater<>());
+        const int next = weight + mModel.GetJoins()[step.join].weight;
+        if (next <= mMaximumWeight)
+            mSearch.Reach(ToNode(step.subject), static_cast<std::uint64_t>(next));
     }
 }
 
 bool CheapestPaths::IsLastStep(std::size_t end, const CheckedModel::Step& step) const
 {
     const Label& before = mLabels[step.subject];
-    return before.isSettled &&
+    return before.weight >= 0 &&
            before.weight + mModel.GetJoins()[step.join].weight == mLabels[end].weight;
 }
 

@@ -1,10 +1,10 @@
 #ifndef TOOLKIT_CHECK_CHEAPESTPATHS_H
 #define TOOLKIT_CHECK_CHEAPESTPATHS_H
 
+#include "Engine/Graph/Core/Dijkstra.h"
 #include "Toolkit/Check/CheckedModel.h"
 
 #include <cstddef>
-#include <utility>
 #include <vector>
 
 namespace qe::tool {
@@ -37,8 +37,8 @@ public:
 private:
     struct Label
     {
+        /// Weight of the cheapest paths to the subject; -1 as long as it is not settled.
         int weight = -1;
-        bool isSettled = false;
         /// How many joins end a cheapest path to the subject.
         std::size_t lastJoins = 0;
         std::size_t dominator = 0;
@@ -46,7 +46,7 @@ private:
         std::size_t depth = 0;
     };
 
-    void Settle(std::size_t subject);
+    void Settle(std::size_t subject, int weight);
     void FindDominator(std::size_t subject);
     [[nodiscard]] std::size_t CommonDominator(std::size_t a, std::size_t b) const;
     /// Tells whether a cheapest path to `end` takes the step from it last, backwards.
@@ -58,9 +58,7 @@ private:
     std::size_t mSteps = 0;
     std::vector<Label> mLabels;
     std::vector<std::size_t> mReached;
-    std::vector<std::size_t> mTouched;
-    /// A heap of weights and subjects, least first.
-    std::vector<std::pair<int, std::size_t>> mQueue;
+    graph::DijkstraSearch mSearch;
 };
 
 } // namespace qe::tool

@@ -12,13 +12,8 @@ namespace {
 
 constexpr std::uint32_t kNoNumber = std::numeric_limits<std::uint32_t>::max();
 
-bool IsInLess(const EdgeSwap& left, const EdgeSwap& right)
-{
-    return left.in < right.in;
-}
-
-// Keeps the least swaps only, in no order.
-void KeepLeast(std::vector<EdgeSwap>& swaps, std::size_t count)
+// Keeps the lightest swaps only, in no order.
+void KeepLightest(std::vector<EdgeSwap>& swaps, std::size_t count)
 {
     if (swaps.size() <= count)
         return;
@@ -110,28 +105,56 @@ std::vector<std::uint32_t> Contract(const GraphView& graph, SpanningTreeCore& co
     return numbers;
 }
 
+// Finds the best swaps for the edges outside the tree, at most `count`, in ascending order of
+// weight of the edges that come in.
+std::vector<EdgeSwap> FindEntries(const GraphView& graph, const std::vector<bool>& isInTree,
+                                  std::size_t count)
+{
+    std::vector<EEdgeUse> uses(graph.GetEdgeCount(), EEdgeUse::Out);
+    for (std::size_t edge = 0; edge < uses.size(); ++edge) {
+        if (isInTree[edge])
+            uses[edge] = EEdgeUse::In;
+    }
+    std::vector<EdgeSwap> entries =
+        SwapSearch(graph.GetNodeCount(), graph.GetEdges()).FindAll(uses);
+    KeepLightest(entries, count);
+    std::sort(entries.begin(), entries.end(),
+              [&graph](const EdgeSwap& left, const EdgeSwap& right) {
+                  const std::uint32_t leftWeight = graph.GetEdge(left.in).weight;
+                  const std::uint32_t rightWeight = graph.GetEdge(right.in).weight;
+                  return leftWeight != rightWeight ? leftWeight < rightWeight : left.in < right.in;
+              });
+    return entries;
+}
+
+// Fills the edges of the core with those that are marked.
+void FillEdges(const GraphView& graph, const std::vector<bool>& isInTree,
+               const std::vector<bool>& isKept, SpanningTreeCore& core)
+{
+    const std::vector<std::uint32_t> numbers = Contract(graph, core);
+    for (std::uint32_t i = 0; i < graph.GetEdgeCount(); ++i) {
+        const Edge& edge = graph.GetEdge(EdgeIndex{i});
+        const NodeIndex end1{numbers[edge.end1.value]};
+        const NodeIndex end2{numbers[edge.end2.value]};
+        if (!isKept[i] || end1 == end2)
+            continue;
+        core.edges.push_back({end1, end2, edge.weight});
+        core.originals.push_back(EdgeIndex{i});
+        core.isInTree.push_back(isInTree[i]);
+    }
+}
+
 } // namespace
 
 SpanningTreeCore FindCore(const GraphView& graph, std::span<const EdgeIndex> tree,
                           std::size_t bound)
 {
-    std::vector<EEdgeUse> uses(graph.GetEdgeCount(), EEdgeUse::Out);
     std::vector<bool> isInTree(graph.GetEdgeCount(), false);
-    for (const EdgeIndex edge : tree) {
-        uses[edge.value] = EEdgeUse::In;
+    for (const EdgeIndex edge : tree)
         isInTree[edge.value] = true;
-    }
-    std::vector<EdgeSwap> entries =
-        SwapSearch(graph.GetNodeCount(), graph.GetEdges()).FindAll(uses);
-    KeepLeast(entries, bound - 1);
-    std::sort(
-        entries.begin(), entries.end(), [&graph](const EdgeSwap& left, const EdgeSwap& right) {
-            const std::uint32_t leftWeight = graph.GetEdge(left.in).weight;
-            const std::uint32_t rightWeight = graph.GetEdge(right.in).weight;
-            return leftWeight != rightWeight ? leftWeight < rightWeight : IsInLess(left, right);
-        });
+    const std::vector<EdgeSwap> entries = FindEntries(graph, isInTree, bound - 1);
     std::vector<EdgeSwap> replacements = FindReplacements(graph, isInTree, entries);
-    KeepLeast(replacements, bound - 1);
+    KeepLightest(replacements, bound - 1);
 
     std::vector<bool> isKept(graph.GetEdgeCount(), false);
     for (const EdgeSwap& swap : entries)
@@ -144,17 +167,7 @@ SpanningTreeCore FindCore(const GraphView& graph, std::span<const EdgeIndex> tre
         if (!isKept[edge.value])
             core.shared.push_back(edge);
     }
-    const std::vector<std::uint32_t> numbers = Contract(graph, core);
-    for (std::uint32_t i = 0; i < graph.GetEdgeCount(); ++i) {
-        const Edge& edge = graph.GetEdge(EdgeIndex{i});
-        const NodeIndex end1{numbers[edge.end1.value]};
-        const NodeIndex end2{numbers[edge.end2.value]};
-        if (!isKept[i] || end1 == end2)
-            continue;
-        core.edges.push_back({end1, end2, edge.weight});
-        core.originals.push_back(EdgeIndex{i});
-        core.isInTree.push_back(isInTree[i]);
-    }
+    FillEdges(graph, isInTree, isKept, core);
     return core;
 }
 
