@@ -3,6 +3,7 @@
 #include "AQE_I_UndirectedGraph.h"
 
 #include <benchmark/benchmark.h>
+#include <cstddef>
 
 #include <algorithm>
 #include <array>

@@ -7,6 +7,8 @@
 #include "amdi_object.h"
 
 #include <benchmark/benchmark.h>
+#include <cstddef>
+#include <cstdint>
 
 #include <memory>
 #include <string>

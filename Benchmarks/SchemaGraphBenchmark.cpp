@@ -10,15 +10,21 @@
 #include "Benchmarks/SchemaGraphs.h"
 #include "Engine/Graph/Steiner/SteinerSolver.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <ctime>
 #include <fstream>
 #include <functional>
 #include <iostream>
 #include <optional>
+#include <random>
+#include <string>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 namespace {
 

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <map>
+#include <utility>
 
 namespace qe::graph {
 

@@ -1,6 +1,7 @@
 #include "Engine/Graph/Core/GraphStorage.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace qe::graph {
 

@@ -14,8 +14,9 @@ namespace qe::graph {
 /// Numbers ids and finds the number of an id.
 ///
 /// Ids get their slots 0, 1, 2, ... when they are added and keep them. They are held in sorted
-/// runs, each more than twice as long as the next: a batch costs about as much as sorting it, a
-/// single id O(log n) amortised, a search O(log^2 n), or O(log n) while there is one run.
+/// runs, each more than twice as long as the next (Bentley and Saxe 1980): a batch costs about as
+/// much as sorting it, a single id O(log n) amortised, a search O(log^2 n), or O(log n) while
+/// there is one run.
 class IdIndex
 {
 public:

@@ -1,5 +1,7 @@
 #include "Engine/Graph/Core/IdIndex.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <gtest/gtest.h>
 
 #include <map>

@@ -5,8 +5,13 @@
 #include "Engine/Graph/Core/GraphStorage.h"
 #include "Engine/Graph/Spanning/SpanningTrees.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <optional>
+#include <random>
+#include <vector>
 
 #include <algorithm>
 #include <numeric>

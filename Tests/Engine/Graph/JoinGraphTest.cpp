@@ -3,6 +3,7 @@
 #include "Engine/Services/LogCapture.h"
 #include "Engine/Services/SettingsOverride.h"
 
+#include <cstddef>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -6,9 +6,16 @@
 #include "Tests/Support/SteinerGraphReader.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <gtest/gtest.h>
+#include <optional>
 #include <random>
 #include <set>
+#include <span>
+#include <tuple>
+#include <vector>
 
 namespace qe::graph {
 

@@ -7,12 +7,16 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <gtest/gtest.h>
+#include <optional>
 #include <ostream>
 #include <random>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace qe::graph {
 

@@ -5,13 +5,17 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <optional>
 #include <ostream>
 #include <random>
 #include <string>
 #include <tuple>
+#include <vector>
 
 namespace qe::graph {
 

@@ -1,5 +1,7 @@
 #include "Engine/Graph/Steiner/Network/Network.h"
 
+#include <cstddef>
+
 namespace qe::graph {
 
 Network::Network(std::uint32_t nodeCount, StrandPool& strands)

@@ -1,5 +1,6 @@
 #include "Engine/Graph/Steiner/Reduce/DegreeReduction.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace qe::graph {
