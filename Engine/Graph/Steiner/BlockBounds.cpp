@@ -120,7 +120,7 @@ void BlockBounds::AppendBounds(std::size_t most, std::uint64_t limit,
     while (bounds.size() < most && !mBudget.IsExhausted()) {
         const std::size_t round = bounds.size() / roots.size();
         const std::size_t place = bounds.size() % roots.size();
-        std::vector<EdgeIndex> guide;
+        std::span<const EdgeIndex> guide;
         if ((round + place) % 2 == 0)
             guide = mTree.edges;
         CompletionBound<Words>& bound = bounds.emplace_back(mNetwork, mRoot);

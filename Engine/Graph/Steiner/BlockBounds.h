@@ -25,14 +25,14 @@ public:
     /// to network and budget.
     BlockBounds(const FlatNetwork& network, std::uint64_t knownWeight, Budget& budget);
 
-    /// The least weight that some tree is known to have or to stay below.
+    /// Returns a weight that some tree does not exceed: the least one known.
     [[nodiscard]] std::uint64_t GetKnownWeight() const { return mKnownWeight; }
-    /// The weight that no tree is below.
+    /// Returns a weight that no tree is below: the greatest one known.
     [[nodiscard]] std::uint64_t GetLowerBound() const { return mLowerBound; }
     void RaiseLowerBound(std::uint64_t bound);
-    /// The root of the best ascent so far, where searches are rooted too.
+    /// Returns the root of the best ascent so far, where searches are rooted too.
     [[nodiscard]] NodeIndex GetRoot() const { return mRoot; }
-    /// The best tree so far; without edges and of weight kUnreached when there is none.
+    /// Returns the best tree so far; without edges and of weight kUnreached when there is none.
     [[nodiscard]] const SteinerTree& GetTree() const { return mTree; }
     [[nodiscard]] const EdgeStatuses& GetStatuses() const { return mStatuses; }
 
@@ -50,8 +50,9 @@ public:
     /// ascent when it is the best so far.
     void RegrowTree(std::span<const EdgeIndex> forest);
 
-    /// Appends bounds for an exact search until there are `most`, or every terminal was root
-    /// twice: every other root is guided, and the second round changes places.
+    /// Appends bounds for an exact search up to the limit until there are `most`, or every chosen
+    /// root was used twice: every other ascent is guided by the best tree, and the second round
+    /// guides those that the first did not. Raises the lower bound by what the ascents prove.
     template <std::size_t Words>
     void AppendBounds(std::size_t most, std::uint64_t limit,
                       std::vector<CompletionBound<Words>>& bounds);

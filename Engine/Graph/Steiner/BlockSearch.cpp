@@ -56,10 +56,8 @@ std::size_t BlockSearch::PruneThoroughly()
     for (std::size_t root = 0; root < roots && !mBudget.IsExhausted(); ++root)
         mBounds.Ascend(terminals[root * terminals.size() / roots], {});
     mBounds.ImproveTree();
-    for (std::size_t root = 0; root < roots && !mBudget.IsExhausted(); ++root) {
-        const std::vector<EdgeIndex> guide = mBounds.GetTree().edges;
-        mBounds.Ascend(terminals[root * terminals.size() / roots], guide);
-    }
+    for (std::size_t root = 0; root < roots && !mBudget.IsExhausted(); ++root)
+        mBounds.Ascend(terminals[root * terminals.size() / roots], mBounds.GetTree().edges);
     if (!mBudget.IsExhausted())
         WithWords(terminals.size(), [this](auto words) { Dive<words>(); });
     return RemoveExcluded(mBlock, mNetwork, mBounds.GetStatuses());
@@ -123,7 +121,9 @@ BlockSearch::Outcome BlockSearch::Search(TreeFamily& family)
     mBounds.GrowManyTrees();
     const SteinerTree& tree = mBounds.GetTree();
     AddTree(family, tree.edges);
-    return {tree.weight, std::min(tree.weight, mBounds.GetLowerBound()), ECount::AtLeast};
+    return {.weight = tree.weight,
+            .lowerBound = std::min(tree.weight, mBounds.GetLowerBound()),
+            .hasAllTrees = false};
 }
 
 /// Improves the bound by exchanges of cuts and searches with it, for longer and longer by turns.
@@ -219,10 +219,10 @@ BlockSearch::Outcome BlockSearch::AddTrees(TreeFamily& family,
         std::vector<EdgeIndex> edges;
         builder.AppendOneTree(edges);
         AddTree(family, edges);
-        return {weight, weight, ECount::AtLeast};
+        return {.weight = weight, .lowerBound = weight, .hasAllTrees = false};
     }
     family.AddDerivations(std::move(graph), builder.GetWhole());
-    return {weight, weight, ECount::Exact};
+    return {.weight = weight, .lowerBound = weight, .hasAllTrees = true};
 }
 
 void BlockSearch::AddTree(TreeFamily& family, std::span<const EdgeIndex> edges) const

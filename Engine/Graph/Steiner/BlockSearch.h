@@ -7,7 +7,6 @@
 #include "Engine/Graph/Steiner/Network/FlatNetwork.h"
 #include "Engine/Graph/Steiner/Network/Network.h"
 #include "Engine/Graph/Steiner/Network/SearchTuning.h"
-#include "Engine/Graph/Steiner/SteinerSolver.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -50,7 +49,8 @@ public:
     {
         std::uint64_t weight;
         std::uint64_t lowerBound;
-        ECount countProof;
+        /// Whether the family got all minimum Steiner trees of the block, or only one tree.
+        bool hasAllTrees;
     };
     /// Finds all minimum Steiner trees of the block, and adds them to the family, if that takes few
     /// steps; else returns nothing and leaves the family alone.

@@ -14,6 +14,7 @@
 #include "Engine/Graph/Steiner/Reduce/DistanceReduction.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace qe::graph {
@@ -139,7 +140,7 @@ void SteinerSolver::SearchBlock(OpenNetwork open)
     mResult.lowerBound += outcome->lowerBound;
     if (outcome->weight != outcome->lowerBound)
         mResult.proof = EProof::BestFound;
-    if (outcome->countProof == ECount::AtLeast)
+    if (!outcome->hasAllTrees)
         mResult.countProof = ECount::AtLeast;
 }
 

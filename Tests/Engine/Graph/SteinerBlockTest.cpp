@@ -2,6 +2,7 @@
 #include "Engine/Graph/Steiner/Bound/CutExchange.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
 #include "Engine/Graph/Steiner/Network/NetworkBuilder.h"
+#include "Engine/Graph/Steiner/SteinerSolver.h"
 #include "Tests/Support/SteinerGraphReader.h"
 
 #include <algorithm>

@@ -66,7 +66,7 @@ template <std::size_t Words>
 std::uint64_t CompletionBound<Words>::GetSetPart(const Set& set) const
 {
     std::uint64_t bound = 0;
-    for (const SetIndex raised : mSets.GetAll()) {
+    for (const SetIndex raised : mSets.GetIndices()) {
         if (!mSets.Get(raised).IsSubsetOf(set))
             bound += mPrices[raised];
     }

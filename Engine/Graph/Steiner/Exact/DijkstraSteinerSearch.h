@@ -5,6 +5,7 @@
 #include "Engine/Graph/Steiner/Exact/Labels.h"
 #include "Engine/Graph/Steiner/Network/SetTable.h"
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <span>

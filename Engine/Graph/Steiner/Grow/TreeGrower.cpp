@@ -3,7 +3,6 @@
 #include "Engine/Graph/Core/DisjointSets.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace qe::graph {
 

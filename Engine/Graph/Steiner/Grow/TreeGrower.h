@@ -4,8 +4,10 @@
 #include "Engine/Graph/Core/Dijkstra.h"
 #include "Engine/Graph/Steiner/Network/FlatNetwork.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace qe::graph {

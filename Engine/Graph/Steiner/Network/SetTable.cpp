@@ -40,7 +40,7 @@ template <std::size_t Words>
 void SetTable<Words>::Grow()
 {
     mSlots.assign(2 * mSlots.size(), {});
-    for (const SetIndex index : GetAll())
+    for (const SetIndex index : GetIndices())
         mSlots[FindSlot(mSets[index])] = index;
 }
 

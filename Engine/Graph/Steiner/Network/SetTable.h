@@ -36,7 +36,10 @@ public:
 
     [[nodiscard]] const Set& Get(SetIndex set) const { return mSets[set]; }
     [[nodiscard]] std::uint32_t GetCount() const { return mSets.size(); }
-    [[nodiscard]] IndexRange<SetIndex> GetAll() const { return IndexRange<SetIndex>(GetCount()); }
+    [[nodiscard]] IndexRange<SetIndex> GetIndices() const
+    {
+        return IndexRange<SetIndex>(GetCount());
+    }
 
 private:
     [[nodiscard]] std::size_t FindSlot(const Set& set) const;
