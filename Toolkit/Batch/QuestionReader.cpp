@@ -1,10 +1,8 @@
 #include "Toolkit/Batch/QuestionReader.h"
 
-#include "Toolkit/Answers/JsonAnswer.h"
 #include "Toolkit/Text/JsonObject.h"
 #include "Toolkit/Text/JsonText.h"
 
-#include <array>
 #include <cstdint>
 #include <optional>
 
@@ -13,10 +11,6 @@ namespace qe::tool {
 namespace {
 
 using CommandType = AQE_RequestContext::ECommandType;
-
-constexpr std::array kOperations{
-    EOperation::Path,        EOperation::BestPaths,        EOperation::JoinedSubjects,
-    EOperation::PathBetween, EOperation::BestPathsBetween, EOperation::TreeJoins};
 
 constexpr NumberRange kGovernorRange{.minimum = -1000000, .maximum = 1000000};
 

@@ -19,6 +19,13 @@ namespace qe::tool {
 /// spaces. Bytes that are not UTF-8 are replaced by U+FFFD. Ends with a line break.
 [[nodiscard]] std::string FormatJson(const nlohmann::ordered_json& document);
 
+/// Returns JSON for programs: each member on a line of its own, indented by two spaces. Bytes that
+/// are not UTF-8 are replaced by U+FFFD.
+[[nodiscard]] std::string ToJsonText(const nlohmann::ordered_json& value);
+
+/// Returns the same on one line.
+[[nodiscard]] std::string ToJsonLine(const nlohmann::ordered_json& value);
+
 } // namespace qe::tool
 
 #endif
