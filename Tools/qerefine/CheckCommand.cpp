@@ -3,12 +3,15 @@
 #include "Toolkit/Answers/CheckOutput.h"
 #include "Toolkit/Check/CheckReport.h"
 #include "Toolkit/Import/OpenModel.h"
+#include "Toolkit/Text/JsonText.h"
 #include "Tools/qerefine/CommandContext.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <nlohmann/json.hpp>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -60,9 +63,9 @@ void RunCheck(CheckArguments& arguments, CommandContext& context)
     const ToolModel model = OpenModel(arguments.model);
     const CheckReport report = CheckModel(model, arguments.options);
     if (arguments.format == "json")
-        WriteCheckJson(report, arguments.model, context.output);
+        context.output << ToJsonText(ToJson(report, arguments.model)) << '\n';
     else
-        WriteCheckText(report, context.output);
+        WriteText(context.output, report);
     const ESeverity worst = report.GetWorst();
     if (arguments.failOn != "never" && worst != ESeverity::Off &&
         worst >= ParseSeverity(arguments.failOn))
