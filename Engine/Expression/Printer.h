@@ -30,8 +30,6 @@ public:
 protected:
     /// Writes a reference from its names, in brackets.
     virtual void PrintReference(const AQE_ExpressionNode& reference);
-    /// Appends the text, between the two characters; `close` in it is doubled.
-    void PrintQuoted(std::string_view value, char open, char close);
     /// Appends the text as it is.
     void PrintText(std::string_view text) { mOut += text; }
 
@@ -45,6 +43,7 @@ private:
     void PrintWhen(const Node& branch);
     void PrintCast(const Node& cast);
     void PrintList(const Node& node, std::size_t first);
+    void PrintQuoted(std::string_view value, char open, char close);
 
     std::string& mOut;
 };

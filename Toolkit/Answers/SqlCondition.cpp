@@ -1,21 +1,25 @@
 #include "Toolkit/Answers/SqlCondition.h"
 
 #include "AQE_Expression.h"
-#include "AQE_ExpressionVisitorString.h"
+#include "Engine/Expression/Printer.h"
 #include "HBNException.h"
 #include "Toolkit/Answers/SqlIdentifier.h"
 #include "Toolkit/Text/InputError.h"
 
+#include <cstddef>
+#include <map>
 #include <memory>
-#include <optional>
-#include <utility>
+#include <string>
 #include <vector>
 
 namespace qe::tool {
 
 namespace {
 
-constexpr int kReferenceNode = 10;
+constexpr int kReferenceNode = static_cast<int>(expression::ENodeKind::Reference);
+
+using References = std::vector<const AQE_ExpressionNode*>;
+using SubjectsByReference = std::map<const AQE_ExpressionNode*, amd_id>;
 
 [[noreturn]] void Reject(const AnswerJoin& join, const std::string& reason)
 {
@@ -23,11 +27,12 @@ constexpr int kReferenceNode = 10;
     throw InputError({{"join \"" + name + '"', reason, {}}});
 }
 
-void CollectReferences(AQE_ExpressionNode& node, std::vector<AQE_ExpressionNode*>& references)
+/// Appends the references below the node, in reading order.
+void CollectReferences(const AQE_ExpressionNode& node, References& references)
 {
     if (node.GetNodeType() == kReferenceNode)
         references.push_back(&node);
-    for (AQE_ExpressionNode* const child : node.GetChildren())
+    for (const AQE_ExpressionNode* const child : node.GetChildren())
         CollectReferences(*child, references);
 }
 
@@ -39,27 +44,35 @@ public:
         : mModel(model), mTables(tables), mJoin(join)
     {}
 
-    /// Gives one subject for each reference.
-    [[nodiscard]] std::vector<amd_id> Find(const std::vector<AQE_ExpressionNode*>& references) const
+    /// Returns the subject whose table each reference of the condition means.
+    [[nodiscard]] SubjectsByReference Find(const AQE_ExpressionNode& condition) const
     {
-        std::vector<amd_id> subjects;
+        References references;
+        CollectReferences(condition, references);
+        SubjectsByReference subjects;
         bool namesLeft = false;
         bool namesRight = false;
         for (const AQE_ExpressionNode* const reference : references) {
-            subjects.push_back(FindEnd(*reference));
-            namesLeft = namesLeft || subjects.back() == mJoin.left;
-            namesRight = namesRight || subjects.back() == mJoin.right;
+            const amd_id& subject = subjects[reference] = FindEnd(*reference);
+            namesLeft = namesLeft || subject == mJoin.left;
+            namesRight = namesRight || subject == mJoin.right;
         }
-        if (StandForTheSame() && namesLeft != namesRight) {
-            for (std::size_t index = 0; index < subjects.size(); ++index) {
-                if (subjects[index] == mJoin.left || subjects[index] == mJoin.right)
-                    subjects[index] = index < subjects.size() / 2 ? mJoin.left : mJoin.right;
-            }
-        }
+        if (StandForTheSame() && namesLeft != namesRight)
+            ShareOut(references, subjects);
         return subjects;
     }
 
 private:
+    /// Gives the references to the one end that is named to both ends.
+    void ShareOut(const References& references, SubjectsByReference& subjects) const
+    {
+        for (std::size_t index = 0; index < references.size(); ++index) {
+            amd_id& subject = subjects[references[index]];
+            if (subject == mJoin.left || subject == mJoin.right)
+                subject = index < references.size() / 2 ? mJoin.left : mJoin.right;
+        }
+    }
+
     [[nodiscard]] bool StandForTheSame() const
     {
         return mModel.GetTarget(mJoin.left) == mModel.GetTarget(mJoin.right);
@@ -81,7 +94,7 @@ private:
         return subject;
     }
 
-    /// Gives the subject that the reference resolved to, or the end of that name.
+    /// Returns the subject that the reference resolved to, or the end of that name.
     [[nodiscard]] amd_id FindSubject(const AQE_ExpressionNode& reference) const
     {
         const amd_id resolved = reference.GetQuerySubjectId();
@@ -101,25 +114,28 @@ private:
     const AnswerJoin& mJoin;
 };
 
-/// Puts the columns in the place of the references "[0]", "[1]" and so on, which stand outside
-/// quotes.
-std::string PutColumns(const std::string& text, const std::vector<std::string>& columns)
+/// Writes a condition whose references are columns of the tables of a statement.
+class SqlConditionPrinter final : public expression::Printer
 {
-    std::string result;
-    bool isQuoted = false;
-    for (std::size_t position = 0; position < text.size(); ++position) {
-        const char letter = text[position];
-        isQuoted ^= letter == '\'';
-        if (isQuoted || letter != '[') {
-            result += letter;
-            continue;
-        }
-        const std::size_t end = text.find(']', position);
-        result += columns[std::stoul(text.substr(position + 1, end - position - 1))];
-        position = end;
+public:
+    /// Appends to `out`; everything referred to must outlive the printer.
+    SqlConditionPrinter(const SqlTables& tables, const SubjectsByReference& subjects,
+                        std::string& out)
+        : Printer(out), mTables(tables), mSubjects(subjects)
+    {}
+
+private:
+    void PrintReference(const AQE_ExpressionNode& reference) override
+    {
+        const std::size_t table = mTables.IndexOf(mSubjects.at(&reference));
+        PrintText(mTables.Get(table).alias);
+        PrintText(".");
+        PrintText(QuoteIdentifier(reference.GetNamePath().back().ToStdString()));
     }
-    return result;
-}
+
+    const SqlTables& mTables;
+    const SubjectsByReference& mSubjects;
+};
 
 std::unique_ptr<AQE_Expression> Parse(model::ModelGateway& gateway, const AnswerJoin& join)
 {
@@ -142,23 +158,11 @@ std::string WriteSqlCondition(model::ModelGateway& gateway, const SqlTables& tab
     if (join.condition.find('\0') != std::string::npos)
         Reject(join, "SQL cannot hold a condition with a zero in it");
     const std::unique_ptr<AQE_Expression> expression = Parse(gateway, join);
-    std::vector<AQE_ExpressionNode*> references;
-    CollectReferences(*expression, references);
-    const std::vector<amd_id> subjects =
-        ReferenceTables(gateway.GetModel(), tables, join).Find(references);
-
-    std::vector<std::string> columns;
-    for (std::size_t index = 0; index < references.size(); ++index) {
-        const std::string column = references[index]->GetNamePath().back().ToStdString();
-        columns.push_back(tables.Get(tables.IndexOf(subjects[index])).alias + '.' +
-                          QuoteIdentifier(column));
-        references[index]->SetNamePath({I18NString(std::to_string(index))});
-    }
-    AQE_ExpressionVisitorString writer(gateway.GetLocale(join.id));
-    expression->Accept(writer);
-    I18NString text;
-    writer.GetText(text);
-    return PutColumns(text.ToStdString(), columns);
+    const SubjectsByReference subjects =
+        ReferenceTables(gateway.GetModel(), tables, join).Find(*expression);
+    std::string text;
+    SqlConditionPrinter(tables, subjects, text).Print(*expression);
+    return text;
 }
 
 } // namespace qe::tool
