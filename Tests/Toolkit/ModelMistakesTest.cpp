@@ -130,7 +130,7 @@ TEST(ModelMistakesTest, SchemaRefusesThemToo)
     std::vector<std::string> texts;
     for (const Mistake& mistake : kContentMistakes)
         texts.push_back(mistake.text);
-    const auto refused = test::FindRefused(texts);
+    const auto refused = test::FindRefused("model.schema.json", texts);
     if (!refused)
         GTEST_SKIP() << "python3-jsonschema is not installed";
     EXPECT_EQ(refused->size(), texts.size()) << testing::PrintToString(*refused);

@@ -1,5 +1,8 @@
 #include "Engine/Model/Model.h"
+#include "Tests/Support/ModelText.h"
+#include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
+#include "Tests/Toolkit/SchemaCheck.h"
 #include "Tests/Toolkit/SqlRows.h"
 #include "Toolkit/Model/ModelFile.h"
 #include "Toolkit/Text/DisplayText.h"
@@ -101,6 +104,66 @@ TEST(OutputTest, JsonHasOneFormForEveryOperation)
         question.operation = operation;
         EXPECT_EQ(keysOf(nlohmann::json::parse(WriteAs("json", model, question))), keysOf(json));
     }
+}
+
+/// Returns the document with each of its values, in turn, of a wrong type, and without each of its
+/// keys.
+std::vector<std::string> Mutate(const nlohmann::json& document)
+{
+    std::vector<std::string> mutations;
+    const nlohmann::json values = document.flatten();
+    for (const auto& entry : values.items()) {
+        nlohmann::json mutated = document;
+        mutated[nlohmann::json::json_pointer(entry.key())] = {{"wrong", true}};
+        mutations.push_back(mutated.dump());
+    }
+    for (const auto& entry : document.items()) {
+        nlohmann::json mutated = document;
+        mutated.erase(entry.key());
+        mutations.push_back(mutated.dump());
+    }
+    return mutations;
+}
+
+TEST(OutputTest, SchemaAcceptsEveryReportAndRefusesMutations)
+{
+    const qe::test::TemporaryFolder folder;
+    const std::string shop = folder.Write("shop.sql", qe::test::ShopTables);
+    const std::string lines = "{\"id\": [7], \"subjects\": [\"sale\", \"customer\"], \"joins\": "
+                              "[[\"sale.payer_id\", \"customer.id\"]]}\n"
+                              "{\"id\": 8, \"subjects\": [\"isle\"]}\n[";
+    const std::vector<std::vector<std::string>> commands{
+        {"path", shop, "sale", "region", "--set", "Schema/Test=1"},
+        {"best", shop, "sale", "region"},
+        {"subjects", shop, "sale", "region"},
+        {"between", shop, "--from", "sale", "--to", "region"},
+        {"tree", shop, "sale", "region"},
+        {"path", shop, "sale", "island", "--cross-product", "2"},
+        {"facts", shop},
+        {"shortcuts", shop, "--roles", "shortcuts"},
+        {"check", shop, "--limit", "1"},
+        {"evaluate", shop},
+    };
+    std::vector<std::string> reports;
+    std::vector<std::string> mutations;
+    for (std::vector<std::string> command : commands) {
+        command.insert(command.end(), {"--format", "json"});
+        reports.push_back(qe::test::RunTool(command, lines).output);
+        // Of answers, which have one form, the first is enough.
+        if (command.front() == "path" || reports.size() > 6) {
+            const auto mutated = Mutate(nlohmann::json::parse(reports.back()));
+            mutations.insert(mutations.end(), mutated.begin(), mutated.end());
+        }
+    }
+    for (const std::string& line :
+         qe::test::SplitList(qe::test::RunTool({"batch", shop}, lines).output, '\n'))
+        reports.push_back(line);
+    const auto refused = qe::test::FindRefused("answer.schema.json", reports);
+    if (!refused)
+        GTEST_SKIP() << "python3-jsonschema is not installed";
+    EXPECT_THAT(*refused, testing::IsEmpty());
+    const auto refusedMutations = qe::test::FindRefused("answer.schema.json", mutations);
+    EXPECT_EQ(refusedMutations->size(), mutations.size());
 }
 
 TEST(OutputTest, SqlJoinsRolesOfATableUnderTheirNames)

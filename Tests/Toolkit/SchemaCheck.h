@@ -7,10 +7,10 @@
 
 namespace qe::test {
 
-/// Compares documents with the published schema of model files. Gives those that it refuses, by
-/// their positions, each with the reason; nothing where this machine has no validator.
+/// Compares documents with a published schema, such as "model.schema.json". Returns those that it
+/// refuses, by their positions, each with the reason; nothing where this machine has no validator.
 [[nodiscard]] std::optional<std::vector<std::string>>
-FindRefused(const std::vector<std::string>& documents);
+FindRefused(const std::string& schema, const std::vector<std::string>& documents);
 
 } // namespace qe::test
 
