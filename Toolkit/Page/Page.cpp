@@ -1,26 +1,29 @@
 #include "Toolkit/Page/Page.h"
 
-#include "Toolkit/Answers/AnswerJson.h"
-#include "Toolkit/Answers/AnswerSql.h"
 #include "Toolkit/Answers/FormatInput.h"
 #include "Toolkit/Draw/AnswerPicture.h"
 #include "Toolkit/Draw/PictureFormat.h"
 #include "Toolkit/Page/PageParts.h"
 #include "Toolkit/Page/RequestRows.h"
-#include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputError.h"
 
 #include <algorithm>
+#include <kainjow/mustache.hpp>
+#include <nlohmann/json.hpp>
 #include <ostream>
 #include <set>
 #include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace qe::tool {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
 using Ids = std::vector<amd_id>;
+/// What the template is filled with: page.html names the members.
+using Data = kainjow::mustache::data;
 
 /// A path that the page offers.
 struct PagePath
@@ -33,93 +36,7 @@ struct PagePath
     std::string sqlProblem{};
 };
 
-std::string Name(const std::string& name)
-{
-    return "<bdi>" + EscapeMarkup(name) + "</bdi>";
-}
-
-/// Keeps the lines and makes everything else in them harmless.
-std::string EscapeLines(const std::string& text)
-{
-    std::istringstream in(text);
-    std::string escaped;
-    for (std::string line; std::getline(in, line);)
-        escaped += EscapeMarkup(line) + '\n';
-    return escaped;
-}
-
-class PageWriter
-{
-public:
-    explicit PageWriter(const FormatInput& input) : mInput(input), mAnswer(input.answer)
-    {
-        PictureLimits limits;
-        limits.alternatives = input.options.alternatives;
-        mPicture = DrawAnswer(input.model, input.answer, limits);
-        ListPaths();
-    }
-
-    void Write(std::ostream& out) const
-    {
-        const std::string text = PageTemplate;
-        std::size_t position = 0;
-        // One pass: what is filled in is not looked at again.
-        while (true) {
-            const std::size_t begin = text.find('@', position);
-            const std::size_t end = text.find('@', begin + 1);
-            if (begin == std::string::npos || end == std::string::npos)
-                break;
-            out << text.substr(position, begin - position)
-                << Fill(text.substr(begin + 1, end - begin - 1));
-            position = end + 1;
-        }
-        out << text.substr(position);
-    }
-
-private:
-    [[nodiscard]] std::string Fill(const std::string& place) const
-    {
-        if (place == "TITLE")
-            return EscapeMarkup(Heading());
-        if (place == "HEADING")
-            return "Joins for " + Names(Asked());
-        if (place == "STYLE")
-            return PageStyle;
-        if (place == "SCRIPT")
-            return PageScript;
-        if (place == "SUMMARY")
-            return Summary();
-        if (place == "PICTURE")
-            return InlineSvg();
-        if (place == "PATHS")
-            return Choice() + Sections();
-        if (place == "REQUEST")
-            return Request();
-        return place == "DATA" ? Data() : std::string();
-    }
-
-    void ListPaths();
-    void AddPath(const Ids& joins, const std::string& measure);
-    [[nodiscard]] std::string Heading() const;
-    [[nodiscard]] std::string Names(const Ids& subjects) const;
-    [[nodiscard]] std::string Summary() const;
-    [[nodiscard]] std::string InlineSvg() const;
-    [[nodiscard]] std::string Choice() const;
-    [[nodiscard]] std::string Sections() const;
-    [[nodiscard]] std::string Section(std::size_t index) const;
-    [[nodiscard]] std::string JoinTable(const Ids& joins) const;
-    [[nodiscard]] std::string Request() const;
-    [[nodiscard]] std::string Data() const;
-    [[nodiscard]] Ids Asked() const;
-
-    const FormatInput& mInput;
-    const Answer& mAnswer;
-    Picture mPicture;
-    std::vector<PagePath> mPaths;
-    std::size_t mChosen = 0;
-};
-
-std::string Measure(const Alternative& alternative)
+std::string DescribeMeasure(const Alternative& alternative)
 {
     std::string text = "weight " + std::to_string(alternative.weight);
     if (alternative.factTables)
@@ -130,81 +47,215 @@ std::string Measure(const Alternative& alternative)
     return text;
 }
 
-void PageWriter::AddPath(const Ids& joins, const std::string& measure)
+/// Returns a member whose section of the template is left out when the text is empty.
+Data Optional(const std::string& text)
 {
-    PagePath path{joins, measure, {}, {}};
-    try {
-        path.sql = WriteSql(mInput.model, mAnswer, joins, mInput.options.sql);
-    } catch (const InputError& error) {
-        path.sqlProblem = error.what();
-    }
-    mPaths.push_back(std::move(path));
+    return text.empty() ? Data(false) : Data(text);
 }
 
-void PageWriter::ListPaths()
+Data List()
 {
-    const ListLimit limit = mInput.options.alternatives;
-    const std::size_t shown = limit.CountShown(mAnswer.alternatives.size());
-    for (std::size_t i = 0; i < shown; ++i)
-        AddPath(mAnswer.alternatives[i].joins, Measure(mAnswer.alternatives[i]));
-    for (const Ids& path : ListShownPaths(mAnswer, limit)) {
-        const bool isKnown = std::any_of(mPaths.begin(), mPaths.end(), [&path](const auto& known) {
-            return known.joins == path;
-        });
-        if (!isKnown)
-            AddPath(path, {});
-    }
-    const auto shownPaths = ListShownPaths(mAnswer, ListLimit(1));
-    for (std::size_t i = 0; i < mPaths.size(); ++i) {
-        if (!shownPaths.empty() && mPaths[i].joins == shownPaths.front())
-            mChosen = i;
-    }
+    return Data(Data::type::list);
 }
 
-Ids PageWriter::Asked() const
+/// Returns the lines of a text, which the template escapes one by one.
+Data ToLines(const std::string& text)
 {
+    Data lines = List();
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines << Data(line);
+    return lines;
+}
+
+/// The paths that a page offers: the ranked alternatives, and what else is as good as the path
+/// that was taken.
+class PagePaths
+{
+public:
+    explicit PagePaths(const FormatInput& input) : mInput(input)
+    {
+        const Answer& answer = input.answer;
+        const ListLimit limit = input.options.alternatives;
+        for (std::size_t i = 0; i < limit.CountShown(answer.alternatives.size()); ++i)
+            Add(answer.alternatives[i].joins, DescribeMeasure(answer.alternatives[i]));
+        for (const Ids& path : ListShownPaths(answer, limit)) {
+            if (Find(path) == mPaths.size())
+                Add(path, {});
+        }
+        const auto taken = ListShownPaths(answer, ListLimit(1));
+        if (!taken.empty())
+            mChosen = Find(taken.front());
+    }
+
+    [[nodiscard]] const std::vector<PagePath>& Get() const { return mPaths; }
+    /// Returns the position of the path that was taken; 0 when there is none.
+    [[nodiscard]] std::size_t GetChosen() const { return mChosen; }
+
+private:
+    /// Returns the position of the path, or the number of paths.
+    [[nodiscard]] std::size_t Find(const Ids& joins) const
+    {
+        const auto found =
+            std::find_if(mPaths.begin(), mPaths.end(),
+                         [&joins](const PagePath& path) { return path.joins == joins; });
+        return static_cast<std::size_t>(found - mPaths.begin());
+    }
+
+    void Add(const Ids& joins, const std::string& measure)
+    {
+        PagePath path{.joins = joins, .measure = measure};
+        try {
+            path.sql = WriteSql(mInput.model, mInput.answer, joins, mInput.options.sql);
+        } catch (const InputError& error) {
+            path.sqlProblem = error.what();
+        }
+        mPaths.push_back(std::move(path));
+    }
+
+    const FormatInput& mInput;
+    std::vector<PagePath> mPaths;
+    std::size_t mChosen = 0;
+};
+
+/// Fills the template.
+class PageWriter
+{
+public:
+    explicit PageWriter(const FormatInput& input)
+        : mInput(input),
+          mAnswer(input.answer),
+          mPicture(DrawAnswer(input.model, input.answer,
+                              PictureLimits{.alternatives = input.options.alternatives})),
+          mPaths(input)
+    {}
+
+    void Write(std::ostream& out) const
+    {
+        kainjow::mustache::mustache page{std::string(kPageTemplate)};
+        page.set_custom_escape(EscapeMarkup);
+        page.render(Fill(), out);
+    }
+
+private:
+    [[nodiscard]] Data Fill() const;
+    void FillSummary(Data& page) const;
+    [[nodiscard]] Data MakeNames(const Ids& subjects) const;
+    [[nodiscard]] Data MakePath(std::size_t index) const;
+    [[nodiscard]] Data MakeJoin(const amd_id& id) const;
+    [[nodiscard]] Data MakeRequest() const;
+    [[nodiscard]] std::string InlineSvg() const;
+    [[nodiscard]] std::string ScriptData() const;
+
+    const FormatInput& mInput;
+    const Answer& mAnswer;
+    Picture mPicture;
+    PagePaths mPaths;
+};
+
+Data PageWriter::Fill() const
+{
+    Data page;
     Ids asked = mAnswer.terminals;
     asked.insert(asked.end(), mAnswer.secondSet.begin(), mAnswer.secondSet.end());
-    return asked;
+    page.set("asked", MakeNames(asked));
+    FillSummary(page);
+    const std::size_t count = mPaths.Get().size();
+    Data paths = List();
+    for (std::size_t index = 0; index < count; ++index)
+        paths << MakePath(index);
+    page.set("paths", paths);
+    page.set("hasPaths", count > 0);
+    page.set("hasChoice", count > 1);
+    const std::size_t candidates = mAnswer.alternatives.size();
+    page.set("furtherAlternatives",
+             Optional(count < candidates ? std::to_string(candidates - count) : ""));
+    page.set("request", MakeRequest());
+    page.set("picture", InlineSvg());
+    page.set("data", ScriptData());
+    page.set("style", std::string(kPageStyle));
+    page.set("script", std::string(kPageScript));
+    return page;
 }
 
-std::string PageWriter::Heading() const
+void PageWriter::FillSummary(Data& page) const
 {
-    return "Joins for " +
-           JoinTexts(Asked(), [this](const amd_id& subject) { return mAnswer.NameOf(subject); });
-}
-
-std::string PageWriter::Names(const Ids& subjects) const
-{
-    return JoinTexts(subjects,
-                     [this](const amd_id& subject) { return Name(mAnswer.NameOf(subject)); });
-}
-
-std::string PageWriter::Summary() const
-{
-    std::string text;
-    if (mPaths.empty())
-        text += "<p class=\"problem\">No joins connect them.</p>\n";
-    else
-        text += "<p>" + std::to_string(mPaths[mChosen].joins.size()) + " joins" +
-                (mAnswer.weight ? ", weight " + std::to_string(*mAnswer.weight) : "") +
-                (mAnswer.criterion.empty() ? std::string()
-                                           : ". Decided by: " + std::string(mAnswer.criterion)) +
-                ".</p>\n";
+    if (!mPaths.Get().empty())
+        page.set("joinCount", std::to_string(mPaths.Get()[mPaths.GetChosen()].joins.size()));
+    page.set("weight", Optional(mAnswer.weight ? std::to_string(*mAnswer.weight) : ""));
+    page.set("criterion", Optional(std::string(mAnswer.criterion)));
+    Data problems = List();
     for (const AnswerMessage& warning : mAnswer.warnings)
-        text += "<p class=\"problem\">" + EscapeMarkup(warning.text) + "</p>\n";
+        problems << Data(warning.text);
     if (mAnswer.error)
-        text += "<p class=\"problem\">" + EscapeMarkup(mAnswer.error->text) + "</p>\n";
+        problems << Data(mAnswer.error->text);
+    page.set("problems", problems);
+    Data notices = List();
     for (const std::string& notice : mAnswer.notices)
-        text += "<p>" + EscapeMarkup(notice) + "</p>\n";
-    if (!mAnswer.separation.bridge.empty()) {
-        text += "<p>Groups that no join connects:</p>\n<ul>\n";
-        for (const Ids& group : mAnswer.separation.groups) {
-            text += "<li>" + Names(group) + "</li>\n";
-        }
-        text += "</ul>\n";
+        notices << Data(notice);
+    page.set("notices", notices);
+    Data groups = List();
+    for (const Ids& group : mAnswer.separation.groups)
+        groups << Data("subjects", MakeNames(group));
+    page.set("groups", groups);
+    page.set("isSeparated", !mAnswer.separation.bridge.empty());
+}
+
+Data PageWriter::MakeNames(const Ids& subjects) const
+{
+    Data names = List();
+    for (const amd_id& subject : subjects) {
+        Data name("name", mAnswer.NameOf(subject));
+        name.set("isFirst", names.is_empty_list());
+        names << name;
     }
-    return text;
+    return names;
+}
+
+Data PageWriter::MakePath(std::size_t index) const
+{
+    const PagePath& path = mPaths.Get()[index];
+    Data joins = List();
+    for (const amd_id& id : path.joins) {
+        Data join = MakeJoin(id);
+        join.set("isFirst", joins.is_empty_list());
+        joins << join;
+    }
+    Data data("index", std::to_string(index));
+    data.set("isChosen", index == mPaths.GetChosen());
+    data.set("measure", path.measure);
+    data.set("joins", joins);
+    data.set("sqlProblem", Optional(path.sqlProblem));
+    data.set("sqlLines", ToLines(path.sql));
+    return data;
+}
+
+Data PageWriter::MakeJoin(const amd_id& id) const
+{
+    const AnswerJoin* const join = mAnswer.FindJoin(id);
+    Data data("kind", std::string(JoinKindTitle(id)));
+    data.set("isKnown", join != nullptr);
+    data.set("name", Optional(join == nullptr ? "" : join->name));
+    if (join == nullptr)
+        return data;
+    data.set("left", mAnswer.NameOf(join->left));
+    data.set("right", mAnswer.NameOf(join->right));
+    data.set("leftCardinality", ToText(join->leftCardinality));
+    data.set("rightCardinality", ToText(join->rightCardinality));
+    data.set("isShortcut", join->condition.empty() && join->name.empty());
+    data.set("condition", join->condition);
+    return data;
+}
+
+Data PageWriter::MakeRequest() const
+{
+    Data rows = List();
+    for (const auto& [title, value] : ListRequestRows(mInput.question, mAnswer)) {
+        Data row("title", title);
+        row.set("value", value);
+        rows << row;
+    }
+    return rows;
 }
 
 std::string PageWriter::InlineSvg() const
@@ -214,90 +265,13 @@ std::string PageWriter::InlineSvg() const
     return begin == std::string::npos ? std::string() : svg.substr(begin);
 }
 
-std::string PageWriter::Choice() const
+/// Returns what the page's script works on: the SQL of each path, and the parts of the picture that
+/// show it.
+std::string PageWriter::ScriptData() const
 {
-    if (mPaths.size() < 2)
-        return {};
-    std::string text =
-        "<section aria-labelledby=\"choice-heading\">\n<h2 id=\"choice-heading\">"
-        "Ranked alternatives</h2>\n<fieldset>\n<legend>Show in the picture</legend>\n";
-    for (std::size_t i = 0; i < mPaths.size(); ++i) {
-        const std::string names = JoinTexts(mPaths[i].joins, [this](const amd_id& id) {
-            const AnswerJoin* const join = mAnswer.FindJoin(id);
-            const bool isNamed = join != nullptr && !join->name.empty();
-            return isNamed ? Name(join->name) : EscapeMarkup(std::string(JoinKindTitle(id)));
-        });
-        text += "<label><input type=\"radio\" name=\"path\" value=\"" + std::to_string(i) + '"' +
-                (i == mChosen ? " checked" : "") + "><span>" +
-                (i == mChosen ? "<span class=\"badge\">chosen</span> " : "") + names +
-                "<br><span class=\"measure\">" + EscapeMarkup(mPaths[i].measure) +
-                "</span></span></label>\n";
-    }
-    text += "</fieldset>\n";
-    if (mPaths.size() < mAnswer.alternatives.size())
-        text += "<p>" + std::to_string(mAnswer.alternatives.size() - mPaths.size()) +
-                " further alternatives are not shown.</p>\n";
-    return text + "</section>\n";
-}
-
-std::string PageWriter::Sections() const
-{
-    std::string text;
-    for (std::size_t i = 0; i < mPaths.size(); ++i)
-        text += Section(i);
-    return text;
-}
-
-std::string PageWriter::JoinTable(const Ids& joins) const
-{
-    std::string text = "<table>\n<thead><tr><th>From</th><th>To</th><th>Rows</th><th>Condition"
-                       "</th></tr></thead>\n<tbody>\n";
-    for (const amd_id& id : joins) {
-        const AnswerJoin* const join = mAnswer.FindJoin(id);
-        if (join == nullptr)
-            continue;
-        const bool isShortcut = join->condition.empty() && join->name.empty();
-        text += "<tr><td data-label=\"From\">" + Name(mAnswer.NameOf(join->left)) +
-                "</td><td data-label=\"To\">" + Name(mAnswer.NameOf(join->right)) +
-                "</td><td data-label=\"Rows\">" + ToText(join->leftCardinality) + " to " +
-                ToText(join->rightCardinality) + "</td><td data-label=\"Condition\">" +
-                (isShortcut ? "one stands for the other"
-                            : "<code>" + EscapeMarkup(join->condition) + "</code>") +
-                "</td></tr>\n";
-    }
-    return text + "</tbody>\n</table>\n";
-}
-
-std::string PageWriter::Section(std::size_t index) const
-{
-    const PagePath& path = mPaths[index];
-    const std::string number = std::to_string(index);
-    std::string text = "<section class=\"path\" id=\"path-" + number + '"' +
-                       (index == mChosen ? "" : " hidden") + ">\n<h2>" +
-                       (index == mChosen ? "Chosen path" : "Alternative " + number) + "</h2>\n" +
-                       JoinTable(path.joins);
-    if (!path.sqlProblem.empty())
-        return text + "<p class=\"problem\">No SQL: " + EscapeMarkup(path.sqlProblem) +
-               "</p>\n</section>\n";
-    return text + "<h2>SQL</h2>\n<button type=\"button\" class=\"copy\" data-path=\"" + number +
-           "\">Copy</button> <span role=\"status\"></span>\n<pre tabindex=\"0\" "
-           "aria-label=\"SQL\"><code>" +
-           EscapeLines(path.sql) + "</code></pre>\n</section>\n";
-}
-
-std::string PageWriter::Request() const
-{
-    std::string text = "<section aria-labelledby=\"request-heading\">\n<h2 "
-                       "id=\"request-heading\">Request and settings</h2>\n<dl>\n";
-    for (const auto& [title, value] : ListRequestRows(mInput.question, mAnswer))
-        text += "<dt>" + EscapeMarkup(title) + "</dt><dd>" + Name(value) + "</dd>\n";
-    return text + "</dl>\n</section>\n";
-}
-
-std::string PageWriter::Data() const
-{
-    Json data{{"chosen", mChosen}, {"paths", Json::array()}};
-    for (const PagePath& path : mPaths) {
+    using Json = nlohmann::ordered_json;
+    Json data{{"chosen", mPaths.GetChosen()}, {"paths", Json::array()}};
+    for (const PagePath& path : mPaths.Get()) {
         Json parts = Json::array();
         std::set<std::size_t> nodes;
         for (std::size_t i = 0; i < mPicture.edges.size(); ++i) {
