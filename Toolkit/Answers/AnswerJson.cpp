@@ -1,5 +1,7 @@
 #include "Toolkit/Answers/AnswerJson.h"
 
+#include "Source/Rules/RankingCriteria.h"
+
 #include <array>
 #include <cstdio>
 #include <set>
@@ -48,12 +50,13 @@ Json ToJson(const Answer& answer, const AnswerJoin& join)
 
 Json ToJson(const Alternative& alternative)
 {
-    return {{"joins", ToJson(alternative.joins)},
-            {"weight", alternative.weight},
-            {"factTables", OrNull(alternative.factTables)},
-            {"manyToManyJoins", alternative.manyToManyJoins},
-            {"branches", alternative.branches},
-            {"rank", OrNull(alternative.rank)}};
+    Json json{{"joins", ToJson(alternative.joins)}};
+    for (const RankingCriterion& criterion : GetRankingCriteria()) {
+        for (const PathFigure& figure : criterion.figures)
+            json[std::string(figure.key)] = OrNull(figure.get(alternative));
+    }
+    json["rank"] = OrNull(alternative.rank);
+    return json;
 }
 
 Json ToJson(const std::vector<AnswerMessage>& messages)

@@ -1,9 +1,13 @@
 #include "Toolkit/Answers/AnswerText.h"
 
+#include "Source/Rules/RankingCriteria.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/TextTable.h"
 
 #include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace qe::tool {
 
@@ -20,14 +24,6 @@ std::string JoinTitle(const Answer& answer, const amd_id& join)
 {
     const AnswerJoin* const known = answer.FindJoin(join);
     return known == nullptr || known->name.empty() ? ToText(join) : known->name;
-}
-
-std::string FactsText(const Alternative& alternative)
-{
-    std::string text = alternative.factTables ? std::to_string(*alternative.factTables) : "?";
-    if (alternative.manyToManyJoins > 0)
-        text += '+' + std::to_string(alternative.manyToManyJoins) + " m:n";
-    return text;
 }
 
 std::string PathText(const Answer& answer, const Alternative& alternative)
@@ -182,20 +178,21 @@ void WriteText(std::ostream& out, const Question& question, const Answer& answer
 void WriteAlternatives(std::ostream& out, const Answer& answer, ListLimit alternatives)
 {
     using EAlign = TextTable::EAlign;
-    TextTable table({{"", EAlign::Left},
-                     {"#", EAlign::Right},
-                     {"weight", EAlign::Right},
-                     {"facts", EAlign::Right},
-                     {"branches", EAlign::Right},
-                     {"rank", EAlign::Right},
-                     {"joins", EAlign::Left}});
+    std::vector<TextTable::Column> columns{{"", EAlign::Left}, {"#", EAlign::Right}};
+    for (const RankingCriterion& criterion : GetRankingCriteria())
+        columns.push_back({std::string(criterion.column), EAlign::Right});
+    columns.push_back({"rank", EAlign::Right});
+    columns.push_back({"joins", EAlign::Left});
+    TextTable table(std::move(columns));
     const auto addRow = [&](std::size_t index) {
         const Alternative& alternative = answer.alternatives[index];
-        table.AddRow({answer.chosen == index ? "*" : "", std::to_string(index + 1),
-                      std::to_string(alternative.weight), FactsText(alternative),
-                      std::to_string(alternative.branches),
-                      alternative.rank ? std::to_string(*alternative.rank) : "-",
-                      PathText(answer, alternative)});
+        std::vector<std::string> cells{answer.chosen == index ? "*" : "",
+                                       std::to_string(index + 1)};
+        for (const RankingCriterion& criterion : GetRankingCriteria())
+            cells.push_back(criterion.writeCell(alternative));
+        cells.push_back(alternative.rank ? std::to_string(*alternative.rank) : "-");
+        cells.push_back(PathText(answer, alternative));
+        table.AddRow(std::move(cells));
     };
     const std::size_t shown = alternatives.CountShown(answer.alternatives.size());
     for (std::size_t index = 0; index < shown; ++index)

@@ -1,5 +1,6 @@
 #include "Toolkit/Page/Page.h"
 
+#include "Source/Rules/RankingCriteria.h"
 #include "Toolkit/Answers/FormatInput.h"
 #include "Toolkit/Draw/AnswerPicture.h"
 #include "Toolkit/Draw/PictureFormat.h"
@@ -10,10 +11,12 @@
 #include <algorithm>
 #include <kainjow/mustache.hpp>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <ostream>
 #include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -38,12 +41,16 @@ struct PagePath
 
 std::string DescribeMeasure(const Alternative& alternative)
 {
-    std::string text = "weight " + std::to_string(alternative.weight);
-    if (alternative.factTables)
-        text += ", fact tables " + std::to_string(*alternative.factTables);
-    text += ", branches " + std::to_string(alternative.branches);
-    if (alternative.rank)
-        text += ", rank " + std::to_string(*alternative.rank);
+    std::string text;
+    const auto add = [&text](std::string_view label, const std::optional<int>& number) {
+        if (!label.empty() && number)
+            text += (text.empty() ? "" : ", ") + std::string(label) + ' ' + std::to_string(*number);
+    };
+    for (const RankingCriterion& criterion : GetRankingCriteria()) {
+        for (const PathFigure& figure : criterion.figures)
+            add(figure.label, figure.get(alternative));
+    }
+    add("rank", alternative.rank);
     return text;
 }
 

@@ -1,6 +1,6 @@
 #include "Toolkit/Page/RequestRows.h"
 
-#include "Toolkit/Answers/AnswerJson.h"
+#include "Source/Rules/RankingCriteria.h"
 #include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Ask/Question.h"
 #include "Toolkit/Text/DisplayText.h"
@@ -29,6 +29,16 @@ std::string SelectorText(const SelectorChoice& selector)
     return text + (selector.subjectsAreCandidates ? ", among the subjects" : ", any subject");
 }
 
+std::string RankingText(const RankingSwitches& switches)
+{
+    std::vector<std::string> names;
+    for (const RankingCriterion& criterion : GetRankingCriteria()) {
+        if (criterion.isOn(switches))
+            names.emplace_back(criterion.name);
+    }
+    return List(names);
+}
+
 std::string SettingsText(const Question& question)
 {
     const auto toText = [](const Setting& setting) { return ToText(setting); };
@@ -40,7 +50,6 @@ std::string SettingsText(const Question& question)
 std::vector<std::pair<std::string, std::string>> ListRequestRows(const Question& question,
                                                                  const Answer& answer)
 {
-    const RankingSwitches& ranking = question.ranking;
     const Restriction& restriction = question.restriction;
     std::vector<std::pair<std::string, std::string>> rows{
         {"Operation", std::string(ToText(question.operation))},
@@ -55,8 +64,7 @@ std::vector<std::pair<std::string, std::string>> ListRequestRows(const Question&
         {"Only joins", JoinTexts(restriction.onlyJoins)},
         {"Without joins", JoinTexts(restriction.withoutJoins)},
         {"Selector", SelectorText(question.selector)},
-        {"Ranking", std::string(ranking.useFactTableCount ? "weight, fact tables" : "weight") +
-                        (ranking.useStraightestPath ? ", straightness" : "")},
+        {"Ranking", RankingText(question.ranking)},
         {"Governors", "cross product " + std::to_string(answer.governors.crossProductAllowed) +
                           ", shortcut grouping " +
                           std::to_string(answer.governors.shortcutGrouping)},

@@ -10,7 +10,7 @@ namespace qe::tool {
 struct Answer;
 struct Question;
 
-/// Gives what was asked and with which settings, as titles and texts. What was left at "nothing"
+/// Returns what was asked and with which settings, as titles and texts. What was left at "nothing"
 /// is left out.
 [[nodiscard]] std::vector<std::pair<std::string, std::string>>
 ListRequestRows(const Question& question, const Answer& answer);
