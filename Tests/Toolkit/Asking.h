@@ -23,18 +23,18 @@ inline constexpr const char* ShopTables = R"(
     CREATE TABLE island (id INTEGER PRIMARY KEY);
 )";
 
-/// Makes a model as ModelText reads it.
+/// Returns a model as ModelText reads it.
 [[nodiscard]] tool::ToolModel MakeModel(std::string_view text);
-/// Makes a model of DDL statements.
+/// Returns a model of DDL statements.
 [[nodiscard]] tool::ToolModel ImportText(std::string_view statements);
 
-/// Asks for the path that connects the subjects.
+/// Returns the question for the path that connects the subjects.
 [[nodiscard]] tool::Question Connect(std::vector<std::string> subjects);
 
-/// Gives the names of the joins, with blanks between them.
+/// Returns the names of the joins, with spaces between them.
 [[nodiscard]] std::string NamesOf(const tool::Answer& answer, const std::vector<amd_id>& joins);
 
-/// Asks, and writes the answer in a format.
+/// Returns the answer to the question, written in a format.
 [[nodiscard]] std::string WriteAs(std::string_view format, const tool::ToolModel& model,
                                   const tool::Question& question,
                                   const tool::FormatOptions& options = {});
@@ -51,7 +51,7 @@ struct ToolRun
 [[nodiscard]] ToolRun RunTool(const std::vector<std::string>& arguments,
                               const std::string& input = {}, const tool::Terminal& terminal = {});
 
-/// Gives what is told of wrong input; "no mistake" when nothing is.
+/// Returns what is reported of wrong input; "no mistake" when nothing is.
 [[nodiscard]] std::string MistakesOf(const std::function<void()>& read);
 
 } // namespace qe::test

@@ -12,7 +12,7 @@ namespace qe::test {
 
 using SqlRows = std::vector<std::vector<std::string>>;
 
-/// Runs a script and gives the rows that it shows, null as "(null)".
+/// Runs a script and returns the rows that it shows, null as "(null)".
 inline SqlRows RunSql(const tool::SqliteDatabase& database, const std::string& script)
 {
     SqlRows rows;

@@ -26,7 +26,7 @@ HOSTILE_MODEL = Path(__file__).parents[1] / "Support" / "hostile.json"
 
 
 def write(output_format, model, *subjects):
-    """Gives what the tool answers to a question for a path."""
+    """Returns what the tool answers to a question for a path."""
     command = [sys.argv[1], "path", model, *subjects, "--format", output_format]
     return subprocess.run(command, check=True, capture_output=True).stdout.decode()
 
@@ -37,8 +37,8 @@ def join(left, right):
             "condition": f"[{left}].[{right}] = [{right}].[Key]"}
 
 
-# Two ways lead from Orders to Region.
-TWO_WAYS = {
+# Two paths lead from Orders to Region.
+TWO_PATHS = {
     "version": 1,
     "subjects": [{"name": "Orders", "items": ["Customer", "Store"]},
                  {"name": "Customer", "items": ["Key", "Region"]},
@@ -106,9 +106,9 @@ class Pages(unittest.TestCase):
         page.write_text(write("html", model, *subjects), encoding="utf-8")
         self.browser.get(page.as_uri())
 
-    def show_two_ways(self):
+    def show_two_paths(self):
         model = Path(self.folder.name, "model.json")
-        model.write_text(json.dumps(TWO_WAYS), encoding="utf-8")
+        model.write_text(json.dumps(TWO_PATHS), encoding="utf-8")
         self.show(model, "Orders", "Region")
 
     def press(self, *keys):
@@ -123,7 +123,7 @@ class Pages(unittest.TestCase):
         self.fail(f"the Tab key never reaches {selector}")
 
     def test_show_the_picture_and_need_no_network(self):
-        self.show_two_ways()
+        self.show_two_paths()
         self.assertEqual(self.run_script("return document.querySelector('h1').textContent"),
                          "Joins for Orders, Region")
         self.assertEqual(self.run_script("""
@@ -138,7 +138,7 @@ class Pages(unittest.TestCase):
             self.run_script("return performance.getEntriesByType('resource').length"), 0)
 
     def test_choose_and_copy(self):
-        self.show_two_ways()
+        self.show_two_paths()
         self.assertEqual(self.run_script(LIT_TITLES), "")
         self.tab_to("input[name=path]")
         self.press(Keys.DOWN)
@@ -165,7 +165,7 @@ class Pages(unittest.TestCase):
             "return document.querySelector('#path-1 [role=status]').textContent"), "Copied.")
 
     def test_zoom(self):
-        self.show_two_ways()
+        self.show_two_paths()
         width = "return document.querySelector('svg').getBoundingClientRect().width"
         fitted = self.run_script(width)
         self.tab_to("#picture")
@@ -177,7 +177,7 @@ class Pages(unittest.TestCase):
         self.browser.execute_cdp_cmd(
             "Emulation.setDeviceMetricsOverride",
             {"width": 360, "height": 740, "deviceScaleFactor": 2, "mobile": True})
-        self.show_two_ways()
+        self.show_two_paths()
         self.assertEqual(self.run_script("return innerWidth"), 360)
         # The page itself never scrolls sideways; the picture and the SQL do within themselves.
         self.assertLessEqual(

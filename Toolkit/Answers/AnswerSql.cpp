@@ -52,7 +52,7 @@ private:
     {
         return mTables.IndexOf(join.right);
     }
-    /// Gives the step that the join allows from the tables that are in.
+    /// Returns the step that the join allows from the tables that are in.
     [[nodiscard]] std::optional<Step> StepFrom(const std::vector<bool>& isIn,
                                                const AnswerJoin& join) const;
     [[nodiscard]] std::string TableText(std::size_t table) const;
@@ -166,7 +166,7 @@ void SqlWriter::AddTable(const Step& step)
 
 std::vector<std::string> SqlWriter::TakeConditions()
 {
-    // More than one join may lead to the new table, or close a circle with it.
+    // More than one join may lead to the new table, or close a cycle with it.
     std::vector<const AnswerJoin*> ready;
     std::vector<const AnswerJoin*> rest;
     for (const AnswerJoin* const join : mJoins)

@@ -38,7 +38,7 @@ struct SqlOptions
     std::optional<amd_id> start{};
 };
 
-/// Writes SQL that joins the tables along the path, for SQLite and PostgreSQL. Each query subject
+/// Returns SQL that joins the tables along the path, for SQLite and PostgreSQL. Each query subject
 /// and shortcut is a table of its own, under its name; what the path takes for the same, by the
 /// joins between shortcuts and what they stand for, is one. Subjects that the path does not reach
 /// come in by CROSS JOIN.

@@ -3,7 +3,7 @@
 #include "Engine/Model/Model.h"
 #include "Toolkit/Answers/AnswerJson.h"
 #include "Toolkit/Ask/FactReport.h"
-#include "Toolkit/Ask/SubjectName.h"
+#include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Text/DisplayText.h"
 
 #include <nlohmann/json.hpp>

@@ -2,8 +2,8 @@
 
 #include "Engine/Model/Model.h"
 #include "Toolkit/Answers/AnswerJson.h"
+#include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Ask/ShortcutReport.h"
-#include "Toolkit/Ask/SubjectName.h"
 #include "Toolkit/Text/DisplayText.h"
 
 #include <nlohmann/json.hpp>

@@ -3,6 +3,7 @@
 #include "AQE_Expression.h"
 #include "Engine/Expression/Printer.h"
 #include "HBNException.h"
+#include "Source/Rules/JoinEnds.h"
 #include "Toolkit/Answers/SqlIdentifier.h"
 #include "Toolkit/Text/InputError.h"
 
@@ -58,18 +59,19 @@ public:
             namesRight = namesRight || subject == mJoin.right;
         }
         if (StandForTheSame() && namesLeft != namesRight)
-            ShareOut(references, subjects);
+            SplitBetweenEnds(references, subjects);
         return subjects;
     }
 
 private:
-    /// Gives the references to the one end that is named to both ends.
-    void ShareOut(const References& references, SubjectsByReference& subjects) const
+    /// Splits the references to the one end that is named between both ends.
+    void SplitBetweenEnds(const References& references, SubjectsByReference& subjects) const
     {
+        const std::size_t leftReferences = CountLeftReferences(references.size());
         for (std::size_t index = 0; index < references.size(); ++index) {
             amd_id& subject = subjects[references[index]];
             if (subject == mJoin.left || subject == mJoin.right)
-                subject = index < references.size() / 2 ? mJoin.left : mJoin.right;
+                subject = index < leftReferences ? mJoin.left : mJoin.right;
         }
     }
 

@@ -9,9 +9,10 @@
 
 namespace qe::tool {
 
-/// Writes the join's condition in SQL, its references as columns of the tables. A reference to
+/// Returns the join's condition in SQL, its references as columns of the tables. A reference to
 /// what an end stands for means that end; where both ends stand for the same and only one of them
-/// is named, the second half of the references means the other.
+/// is named, the first references mean the left end, as CountLeftReferences counts them, and the
+/// others the right one.
 ///
 /// Throws InputError when there is no condition, or it cannot be read, or it refers to what the
 /// statement has no table for.

@@ -12,7 +12,7 @@ namespace {
 
 using Ids = std::vector<amd_id>;
 
-/// Gives the subjects that need tables, those of the question first; some more than once.
+/// Returns the subjects that need tables, those of the question first; some more than once.
 Ids CollectSubjects(const Answer& answer, const Ids& path)
 {
     Ids subjects = answer.terminals;

@@ -26,13 +26,13 @@ struct SqlTable
 class SqlTables
 {
 public:
-    /// Gives tables to the subjects of the question, in their order, then to the other ends of the
-    /// joins of the path.
+    /// Assigns tables to the subjects of the question, in their order, then to the other ends of
+    /// the joins of the path.
     SqlTables(const model::Model& model, const Answer& answer, const std::vector<amd_id>& path);
 
     [[nodiscard]] std::size_t GetCount() const { return mTables.size(); }
     [[nodiscard]] const SqlTable& Get(std::size_t index) const { return mTables[index]; }
-    /// Gives the index of the subject's table. The subject is one that the constructor saw.
+    /// Returns the index of the subject's table. The subject is one that the constructor saw.
     [[nodiscard]] std::size_t IndexOf(const amd_id& subject) const { return mIndexes.at(subject); }
     [[nodiscard]] bool Has(const amd_id& subject) const { return mIndexes.count(subject) != 0; }
 

@@ -1,6 +1,7 @@
 #include "Toolkit/Ask/Answer.h"
 
 #include "IdClass.h"
+#include "ORVMessage.h"
 
 namespace qe::tool {
 
@@ -21,6 +22,23 @@ std::string ToText(std::int32_t bound)
 }
 
 } // namespace
+
+AnswerJoin ToAnswerJoin(const AQE_I_Refiner::QEjoinInfo& info)
+{
+    return {.id = info.joinId,
+            .name = info.name.ToStdString(),
+            .left = info.leftQuerySubject,
+            .right = info.rightQuerySubject,
+            .condition = info.expression.ToStdString(),
+            .leftCardinality = info.leftCardinality,
+            .rightCardinality = info.rightCardinality,
+            .weight = info.weight};
+}
+
+AnswerMessage ToAnswerMessage(const ORVMessage& message)
+{
+    return {.number = message.GetNumber(), .text = message.GetText().ToStdString()};
+}
 
 std::string Answer::NameOf(const amd_id& subject) const
 {

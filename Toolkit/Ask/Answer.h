@@ -2,6 +2,7 @@
 #define TOOLKIT_ASK_ANSWER_H
 
 #include "AQE_Governors.h"
+#include "AQE_I_Refiner.h"
 #include "BMT_I_Association.h"
 #include "Source/Rules/PathMeasure.h"
 #include "amd_id.h"
@@ -15,13 +16,15 @@
 #include <utility>
 #include <vector>
 
+class ORVMessage;
+
 namespace qe::tool {
 
 /// One query subject or shortcut that an answer mentions.
 struct AnswerSubject
 {
     amd_id id;
-    /// The name, with as many of its holders as it takes to name nothing else.
+    /// The name, with as many of its parents as it takes to name nothing else.
     std::string name{};
     /// What a shortcut finally stands for; a query subject stands for itself.
     amd_id target;
@@ -42,6 +45,9 @@ struct AnswerJoin
     /// or avoided.
     int weight = 0;
 };
+
+/// Returns the join that was read.
+[[nodiscard]] AnswerJoin ToAnswerJoin(const AQE_I_Refiner::QEjoinInfo& info);
 
 /// One of the candidate paths, with what the ranking compares. Its figures are read off the list of
 /// ranking criteria.
@@ -77,6 +83,8 @@ struct AnswerMessage
     std::string text{};
 };
 
+[[nodiscard]] AnswerMessage ToAnswerMessage(const ORVMessage& message);
+
 /// How the library failed.
 struct AnswerError
 {
@@ -102,7 +110,7 @@ struct Separation
     /// The named subjects, those that can be connected to each other together. One group, or none
     /// for fewer than two subjects, means that all can be connected.
     std::vector<std::vector<amd_id>> groups{};
-    /// One subject of each group: a join between these is the least that would connect all. Empty
+    /// One subject of each group: joining these would connect all, with the fewest joins. Empty
     /// when all can be connected.
     std::vector<amd_id> bridge{};
 };
@@ -146,17 +154,17 @@ struct Answer
     std::vector<std::string> notices{};
     std::optional<AnswerError> error{};
 
-    /// Gives the subject's name, or the id's text when the answer does not know it.
+    /// Returns the subject's name, or the id's text when the answer does not know it.
     [[nodiscard]] std::string NameOf(const amd_id& subject) const;
-    /// Gives the join, or null when the answer does not mention it.
+    /// Returns the join, or null when the answer does not mention it.
     [[nodiscard]] const AnswerJoin* FindJoin(const amd_id& join) const;
 };
 
-/// Tells the kind of a join: "relationship", "relationship shortcut", "second-kind relationship",
+/// Returns the kind of a join: "relationship", "relationship shortcut", "second-kind relationship",
 /// "query join" or "shortcut join".
 [[nodiscard]] std::string_view JoinKindTitle(const amd_id& join);
 
-/// Writes a cardinality as models do, such as "1..n"; "?" for a bound that is not known.
+/// Returns a cardinality as models write it, such as "1..n"; "?" for a bound that is not known.
 [[nodiscard]] std::string ToText(const BMT_I_Association::CardinalityRange& range);
 
 } // namespace qe::tool

@@ -1,54 +1,72 @@
 #include "Toolkit/Ask/Asker.h"
 
+#include "AQE_I_JoinPathDescriptor.h"
+#include "AQE_I_PathSelector.h"
 #include "Engine/Model/Model.h"
 #include "HBNException.h"
 #include "MainObjectPathSelector.h"
-#include "Toolkit/Ask/FunctionSelector.h"
+#include "Toolkit/Ask/AnswerRecorder.h"
 #include "Toolkit/Ask/KeyChoice.h"
 #include "Toolkit/Ask/LogNotices.h"
 #include "Toolkit/Ask/PathMeasure.h"
 #include "Toolkit/Ask/Request.h"
-#include "Toolkit/Ask/SubjectGroups.h"
-#include "Toolkit/Ask/SubjectName.h"
+#include "Toolkit/Ask/ResolvedQuestion.h"
 #include "Toolkit/Model/ToolModel.h"
 
-#include <algorithm>
+#include <cstdint>
+#include <functional>
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 namespace qe::tool {
 
 namespace {
 
 using Ids = std::vector<amd_id>;
-using Descriptors = FunctionSelector::Descriptors;
-
-AnswerMessage ToAnswerMessage(const ORVMessage& message)
-{
-    return {message.GetNumber(), message.GetText().ToStdString()};
-}
+using Descriptors = std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>;
 
 AnswerError ToAnswerError(const HBNException& exception)
 {
-    AnswerError error{AnswerError::EKind::Reported,
-                      exception.GetSeverity(),
-                      exception.GetCode(),
-                      {},
-                      exception.what()};
+    AnswerError error{.kind = AnswerError::EKind::Reported,
+                      .severity = exception.GetSeverity(),
+                      .code = exception.GetCode(),
+                      .text = exception.what()};
     for (const HBNMessage& message : exception.GetMessages())
         error.messages.push_back(ToAnswerMessage(message));
     return error;
 }
 
-/// One question on its way through the refiner.
-class Asking
+/// Leaves the choice to a function.
+class FunctionSelector final : public AQE_I_PathSelector
 {
 public:
-    Asking(const ToolModel& model, const Question& question)
-        : mModel(*model.model),
-          mQuestion(question),
-          mResolved(ResolveQuestion(mModel, question)),
-          mRequest(model, question, mResolved)
+    using Function = std::function<std::uint32_t(const Descriptors&)>;
+
+    explicit FunctionSelector(Function function) : mFunction(std::move(function)) {}
+
+    std::uint32_t SelectPath(const Descriptors& descriptors) override
+    {
+        return mFunction(descriptors);
+    }
+    std::uint32_t SelectAlternative(const std::vector<Ids>& /*alternatives*/) override { return 0; }
+
+private:
+    Function mFunction;
+};
+
+/// One run of a question through the refiner.
+class QuestionRun
+{
+public:
+    QuestionRun(const ToolModel& model, const Question& question)
+        : mQuestion(question),
+          mResolved(ResolveQuestion(*model.model, question)),
+          mRequest(model, question, mResolved),
+          mRecorder(*model.model, mResolved, mRequest, mAnswer)
     {}
+    QuestionRun(const QuestionRun&) = delete;
+    QuestionRun& operator=(const QuestionRun&) = delete;
 
     Answer Run();
 
@@ -56,54 +74,43 @@ private:
     void RunOperation();
     void FindPath();
     void FindBestPaths();
+    void FindJoinedSubjects();
     void FindPathBetween();
     void FindBestPathsBetween();
     void FindTreeJoins();
 
-    /// Notes the ranked candidates, and gives the choice of the question's selector.
+    /// Returns a selector that records the candidates and asks for the choice of the question's.
+    [[nodiscard]] FunctionSelector MakeSelector();
+    [[nodiscard]] AUT_RefPtr<AQE_I_Refiner> MakeRefiner(AQE_I_PathSelector* selector);
     std::uint32_t Select(const Descriptors& descriptors);
+    void RecordCandidates(const Descriptors& descriptors);
+    std::uint32_t SelectByKeys();
     std::uint32_t SelectByMainObject(const Descriptors& descriptors);
-    /// Notes a path that was the only candidate, unless the selector saw several.
-    void NoteOnlyCandidate();
-    void NoteBestPaths();
-    void NoteWeight();
-    void NoteSeparation();
-    void NoteCandidateGraph();
-    [[nodiscard]] bool Connects(const Ids& path);
 
-    void Mention(const amd_id& join);
-    void Mention(const Ids& joins);
-    void MentionSubject(const amd_id& subject);
-
-    const model::Model& mModel;
     const Question& mQuestion;
     ResolvedQuestion mResolved;
     Request mRequest;
     Answer mAnswer;
+    AnswerRecorder mRecorder;
 };
 
-Answer Asking::Run()
+Answer QuestionRun::Run()
 {
     const LogNotices notices;
-    mAnswer.terminals = mResolved.subjects;
-    mAnswer.secondSet = mResolved.secondSet;
-    mAnswer.governors = mRequest.GetGovernors();
     try {
-        NoteCandidateGraph();
+        mRecorder.RecordCandidateGraph();
         RunOperation();
     } catch (const HBNException& exception) {
         mAnswer.error = ToAnswerError(exception);
     } catch (const ORVThrowable& failure) {
-        mAnswer.error = AnswerError{AnswerError::EKind::Internal, 0, 0, {}, failure.what()};
+        mAnswer.error = AnswerError{.kind = AnswerError::EKind::Internal, .text = failure.what()};
     }
-    NoteSeparation();
-    for (const AQE_RequestContext::UserMessage& message : mRequest.GetContext().GetUserMessages())
-        mAnswer.warnings.push_back(ToAnswerMessage(message.message));
-    mAnswer.notices = notices.Get();
+    mRecorder.RecordSeparation(mQuestion.operation);
+    mRecorder.RecordMessages(notices.Get());
     return std::move(mAnswer);
 }
 
-void Asking::RunOperation()
+void QuestionRun::RunOperation()
 {
     switch (mQuestion.operation) {
     case EOperation::Path:
@@ -111,10 +118,7 @@ void Asking::RunOperation()
     case EOperation::BestPaths:
         return FindBestPaths();
     case EOperation::JoinedSubjects:
-        mRequest.MakeRefiner(nullptr, mQuestion.ranking)
-            ->GetJoinedQuerySubjects(mResolved.subjects, mResolved.nodes, mResolved.joins,
-                                     mAnswer.joinedSubjects);
-        return;
+        return FindJoinedSubjects();
     case EOperation::PathBetween:
         return FindPathBetween();
     case EOperation::BestPathsBetween:
@@ -124,83 +128,115 @@ void Asking::RunOperation()
     }
 }
 
-void Asking::FindPath()
+void QuestionRun::FindPath()
 {
-    FunctionSelector selector([this](const Descriptors& descriptors) { //
-        return Select(descriptors);
-    });
-    mRequest.MakeRefiner(&selector, mQuestion.ranking)
-        ->ComputeJoinPath(mResolved.subjects, mResolved.favouredJoins, mResolved.requiredJoins,
-                          mResolved.nodes, mResolved.joins, mResolved.favouredSubjects,
-                          mAnswer.path);
-    NoteOnlyCandidate();
-    NoteWeight();
-    mAnswer.connected = Connects(mAnswer.path);
+    FunctionSelector selector = MakeSelector();
+    MakeRefiner(&selector)->ComputeJoinPath(
+        mResolved.subjects, mResolved.favouredJoins, mResolved.requiredJoins, mResolved.nodes,
+        mResolved.joins, mResolved.favouredSubjects, mAnswer.path);
+    mRecorder.RecordOnlyCandidate();
+    mRecorder.RecordWeight();
+    mAnswer.connected = mRecorder.Connects(mAnswer.path);
 }
 
-void Asking::FindBestPaths()
+void QuestionRun::FindBestPaths()
 {
-    static_cast<void>(mRequest.MakeRefiner(nullptr, mQuestion.ranking)
-                          ->ComputeBestJoinPaths(
-                              mResolved.subjects, mResolved.favouredJoins, mResolved.requiredJoins,
-                              mResolved.nodes, mResolved.joins, mAnswer.bestPaths,
-                              mResolved.avoidedJoins, mResolved.favouredSubjects));
-    NoteBestPaths();
-    mAnswer.connected = Connects(mAnswer.bestPaths.empty() ? Ids() : mAnswer.bestPaths.front());
+    static_cast<void>(MakeRefiner(nullptr)->ComputeBestJoinPaths(
+        mResolved.subjects, mResolved.favouredJoins, mResolved.requiredJoins, mResolved.nodes,
+        mResolved.joins, mAnswer.bestPaths, mResolved.avoidedJoins, mResolved.favouredSubjects));
+    mRecorder.RecordBestPaths();
+    mAnswer.connected =
+        mRecorder.Connects(mAnswer.bestPaths.empty() ? Ids() : mAnswer.bestPaths.front());
 }
 
-void Asking::FindPathBetween()
+void QuestionRun::FindJoinedSubjects()
 {
-    FunctionSelector selector([this](const Descriptors& descriptors) { //
-        return Select(descriptors);
-    });
+    MakeRefiner(nullptr)->GetJoinedQuerySubjects(mResolved.subjects, mResolved.nodes,
+                                                 mResolved.joins, mAnswer.joinedSubjects);
+}
+
+void QuestionRun::FindPathBetween()
+{
+    FunctionSelector selector = MakeSelector();
     int weight = -1;
     Ids endPair;
-    mRequest.MakeRefiner(&selector, mQuestion.ranking)
-        ->ComputeJoinPathBetween(mResolved.subjects, mResolved.avoidedJoins, mResolved.secondSet,
-                                 {}, mResolved.favouredJoins, mResolved.requiredJoins,
-                                 mResolved.nodes, mResolved.joins, mAnswer.path, weight, endPair);
+    MakeRefiner(&selector)->ComputeJoinPathBetween(mResolved.subjects, mResolved.avoidedJoins,
+                                                   mResolved.secondSet, {}, mResolved.favouredJoins,
+                                                   mResolved.requiredJoins, mResolved.nodes,
+                                                   mResolved.joins, mAnswer.path, weight, endPair);
     if (endPair.size() == 2)
         mAnswer.endPairs.emplace_back(endPair[0], endPair[1]);
-    NoteOnlyCandidate();
-    if (!mAnswer.path.empty())
-        mAnswer.weight = weight;
+    mRecorder.RecordOnlyCandidate();
     mAnswer.connected = !mAnswer.path.empty();
+    if (mAnswer.connected)
+        mAnswer.weight = weight;
 }
 
-void Asking::FindBestPathsBetween()
+void QuestionRun::FindBestPathsBetween()
 {
     int weight = -1;
-    mRequest.MakeRefiner(nullptr, mQuestion.ranking)
-        ->ComputeBestJoinPathsBetween(mResolved.subjects, mResolved.avoidedJoins,
-                                      mResolved.secondSet, {}, mResolved.favouredJoins,
-                                      mResolved.requiredJoins, mResolved.nodes, mResolved.joins,
-                                      mAnswer.bestPaths, weight, mAnswer.endPairs);
-    NoteBestPaths();
+    MakeRefiner(nullptr)->ComputeBestJoinPathsBetween(
+        mResolved.subjects, mResolved.avoidedJoins, mResolved.secondSet, {},
+        mResolved.favouredJoins, mResolved.requiredJoins, mResolved.nodes, mResolved.joins,
+        mAnswer.bestPaths, weight, mAnswer.endPairs);
+    mRecorder.RecordBestPaths();
     mAnswer.connected = !mAnswer.bestPaths.empty();
     if (mAnswer.connected)
         mAnswer.weight = weight;
 }
 
-void Asking::FindTreeJoins()
+void QuestionRun::FindTreeJoins()
 {
-    static_cast<void>(mRequest.MakeRefiner(nullptr, mQuestion.ranking)
-                          ->GetJoinTreeJoins(&mRequest.GetGateway(), mResolved.subjects,
-                                             mResolved.favouredJoins, mResolved.requiredJoins,
-                                             mResolved.nodes, mResolved.joins,
-                                             &mRequest.GetGovernors(), &mRequest.GetContext(),
-                                             &mResolved.avoidedJoins, mAnswer.path));
-    NoteOnlyCandidate();
-    NoteWeight();
-    mAnswer.connected = Connects(mAnswer.path);
+    static_cast<void>(MakeRefiner(nullptr)->GetJoinTreeJoins(
+        &mRequest.GetGateway(), mResolved.subjects, mResolved.favouredJoins,
+        mResolved.requiredJoins, mResolved.nodes, mResolved.joins, &mRequest.GetGovernors(),
+        &mRequest.GetContext(), &mResolved.avoidedJoins, mAnswer.path));
+    mRecorder.RecordOnlyCandidate();
+    mRecorder.RecordWeight();
+    mAnswer.connected = mRecorder.Connects(mAnswer.path);
 }
 
-std::uint32_t Asking::Select(const Descriptors& descriptors)
+FunctionSelector QuestionRun::MakeSelector()
+{
+    return FunctionSelector([this](const Descriptors& descriptors) { //
+        return Select(descriptors);
+    });
+}
+
+AUT_RefPtr<AQE_I_Refiner> QuestionRun::MakeRefiner(AQE_I_PathSelector* selector)
+{
+    return mRequest.MakeRefiner(selector, mQuestion.ranking);
+}
+
+std::uint32_t QuestionRun::Select(const Descriptors& descriptors)
+{
+    RecordCandidates(descriptors);
+    std::uint32_t choice = 0;
+    switch (mQuestion.selector.kind) {
+    case ESelector::First:
+        break;
+    case ESelector::Keys:
+        choice = SelectByKeys();
+        break;
+    case ESelector::MainObject:
+        choice = SelectByMainObject(descriptors);
+        break;
+    case ESelector::Ask:
+        choice = static_cast<std::uint32_t>(mQuestion.selector.choose(mAnswer));
+        mAnswer.criterion = decision::kSelector;
+        break;
+    }
+    if (choice < mAnswer.alternatives.size())
+        mAnswer.chosen = choice;
+    return choice;
+}
+
+void QuestionRun::RecordCandidates(const Descriptors& descriptors)
 {
     for (const auto& descriptor : descriptors) {
         Ids path;
         descriptor->GetJoinPath(path);
-        Mention(path);
+        mRecorder.RecordJoins(path);
         Alternative alternative = MeasurePath(mAnswer, path);
         alternative.weight = descriptor->GetComputedWeight();
         alternative.rank = descriptor->GetRank();
@@ -215,27 +251,17 @@ std::uint32_t Asking::Select(const Descriptors& descriptors)
         if (alternative.weight < 0)
             alternative.weight = MeasurePath(mAnswer, alternative.joins).weight;
     }
-
-    std::uint32_t choice = 0;
-    bool isKeyChoice = false;
-    if (mQuestion.selector.kind == ESelector::Keys) {
-        const KeyChoice byKeys = ChooseByKeys(mAnswer);
-        choice = static_cast<std::uint32_t>(byKeys.position);
-        isKeyChoice = byKeys.isClear || choice != 0;
-    } else if (mQuestion.selector.kind == ESelector::MainObject)
-        choice = SelectByMainObject(descriptors);
-    else if (mQuestion.selector.kind == ESelector::Ask)
-        choice = static_cast<std::uint32_t>(mQuestion.selector.choose(mAnswer));
-    if (choice < mAnswer.alternatives.size())
-        mAnswer.chosen = choice;
-    if (isKeyChoice)
-        mAnswer.criterion = decision::kKeys;
-    else if (choice != 0 || mQuestion.selector.kind == ESelector::Ask)
-        mAnswer.criterion = decision::kSelector;
-    return choice;
 }
 
-std::uint32_t Asking::SelectByMainObject(const Descriptors& descriptors)
+std::uint32_t QuestionRun::SelectByKeys()
+{
+    const KeyChoice choice = ChooseByKeys(mAnswer);
+    if (choice.isClear || choice.position != 0)
+        mAnswer.criterion = decision::kKeys;
+    return static_cast<std::uint32_t>(choice.position);
+}
+
+std::uint32_t QuestionRun::SelectByMainObject(const Descriptors& descriptors)
 {
     MainObjectPathSelector selector(
         &mRequest.GetGateway(), &mRequest.GetContext(), mResolved.subjects,
@@ -243,110 +269,10 @@ std::uint32_t Asking::SelectByMainObject(const Descriptors& descriptors)
     const std::uint32_t choice = selector.SelectPath(descriptors);
     mAnswer.mainObject = selector.GetMainObject();
     if (mAnswer.mainObject.IsValid())
-        MentionSubject(mAnswer.mainObject);
+        mRecorder.RecordSubject(mAnswer.mainObject);
+    if (choice != 0)
+        mAnswer.criterion = decision::kSelector;
     return choice;
-}
-
-void Asking::NoteOnlyCandidate()
-{
-    Mention(mAnswer.path);
-    if (!mAnswer.alternatives.empty() || mAnswer.path.empty())
-        return;
-    mAnswer.alternatives.push_back(MeasurePath(mAnswer, mAnswer.path));
-    mAnswer.chosen = 0;
-    mAnswer.criterion = decision::kOnlyCandidate;
-}
-
-void Asking::NoteBestPaths()
-{
-    for (const Ids& path : mAnswer.bestPaths) {
-        Mention(path);
-        mAnswer.alternatives.push_back(MeasurePath(mAnswer, path));
-    }
-}
-
-void Asking::NoteWeight()
-{
-    if (mAnswer.chosen && !mAnswer.path.empty())
-        mAnswer.weight = mAnswer.alternatives[*mAnswer.chosen].weight;
-}
-
-void Asking::NoteSeparation()
-{
-    Ids subjects = mResolved.subjects;
-    subjects.insert(subjects.end(), mResolved.secondSet.begin(), mResolved.secondSet.end());
-    SubjectGroups groups;
-    if (!mAnswer.connected) {
-        for (const amd_id& join : mAnswer.candidateJoins) {
-            const AnswerJoin* const known = mAnswer.FindJoin(join);
-            if (known != nullptr)
-                groups.AddJoin(known->left, known->right);
-            else if (const auto* const record = mModel.Find(join))
-                groups.AddJoin(record->left, record->right);
-        }
-        mAnswer.separation = DescribeSeparation(groups.Split(subjects));
-    }
-    if (mQuestion.operation == EOperation::JoinedSubjects)
-        mAnswer.connected = mAnswer.separation.groups.size() < 2 && !mAnswer.error;
-    for (const amd_id& subject : subjects)
-        MentionSubject(subject);
-    for (const amd_id& subject : mAnswer.joinedSubjects)
-        MentionSubject(subject);
-}
-
-void Asking::NoteCandidateGraph()
-{
-    mAnswer.candidateNodes = mResolved.nodes;
-    mAnswer.candidateJoins = mResolved.joins;
-    for (const amd_id& join : mResolved.requiredJoins) {
-        if (std::find(mResolved.joins.begin(), mResolved.joins.end(), join) ==
-            mResolved.joins.end())
-            mAnswer.candidateJoins.push_back(join);
-    }
-    for (const AQE_I_Refiner::QEjoinInfo& info : mRequest.GetShortcutInfo().GetShortcutJoins()) {
-        mAnswer.candidateJoins.push_back(info.joinId);
-        Mention(info.joinId);
-    }
-}
-
-bool Asking::Connects(const Ids& path)
-{
-    SubjectGroups groups;
-    for (const amd_id& id : path) {
-        if (const AnswerJoin* const join = mAnswer.FindJoin(id))
-            groups.AddJoin(join->left, join->right);
-    }
-    return groups.Split(mResolved.subjects).size() < 2;
-}
-
-void Asking::Mention(const amd_id& join)
-{
-    if (mAnswer.joinsById.count(join) != 0)
-        return;
-    const auto info = mRequest.ReadJoin(join);
-    if (!info)
-        return;
-    mAnswer.joinsById.emplace(
-        join, AnswerJoin{join, info->name.ToStdString(), info->leftQuerySubject,
-                         info->rightQuerySubject, info->expression.ToStdString(),
-                         info->leftCardinality, info->rightCardinality, info->weight});
-    MentionSubject(info->leftQuerySubject);
-    MentionSubject(info->rightQuerySubject);
-}
-
-void Asking::Mention(const Ids& joins)
-{
-    for (const amd_id& join : joins)
-        Mention(join);
-}
-
-void Asking::MentionSubject(const amd_id& subject)
-{
-    if (mAnswer.subjects.count(subject) != 0)
-        return;
-    if (mModel.Find(subject) != nullptr)
-        mAnswer.subjects.emplace(subject, AnswerSubject{subject, SubjectName(mModel, subject),
-                                                        mModel.GetTarget(subject)});
 }
 
 } // namespace
@@ -355,7 +281,7 @@ Answer Ask(const ToolModel& model, const Question& question)
 {
     if (question.selector.kind == ESelector::Ask && !question.selector.choose)
         throw std::invalid_argument("The question has no function that chooses");
-    return Asking(model, question).Run();
+    return QuestionRun(model, question).Run();
 }
 
 } // namespace qe::tool

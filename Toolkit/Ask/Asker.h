@@ -8,8 +8,9 @@ namespace qe::tool {
 
 struct ToolModel;
 
-/// Puts the question to the refiner, in a request of its own. The candidate graph is the whole
-/// model but for the question's restriction. What the library raises is part of the answer.
+/// Returns what the refiner answers to the question, in a request of its own. The candidate graph
+/// is the whole model but for the question's restriction. What the library throws is part of the
+/// answer.
 ///
 /// Throws InputError, with all mistakes, when names in the question do not name one object each,
 /// and std::invalid_argument for ESelector::Ask without a function. Any number of threads may ask

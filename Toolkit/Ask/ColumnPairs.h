@@ -22,7 +22,7 @@ struct ColumnPair
     Column right{};
 };
 
-/// Gives the pairs of columns that a join condition names one after the other, in reading order:
+/// Returns the pairs of columns that a join condition names one after the other, in reading order:
 /// one for each part of a composite key. Columns of one and the same subject make no pair. A text
 /// that is no expression gives the pairs before its fault.
 [[nodiscard]] std::vector<ColumnPair> FindColumnPairs(const std::string& condition);

@@ -50,9 +50,7 @@ std::vector<AnswerJoin> ReadJoins(const ToolModel& model)
     for (const amd_id& id : model.model->GetJoins()) {
         AQE_I_Refiner::QEjoinInfo info;
         if (AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, id, info))
-            joins.push_back({id, info.name.ToStdString(), info.leftQuerySubject,
-                             info.rightQuerySubject, info.expression.ToStdString(),
-                             info.leftCardinality, info.rightCardinality, info.weight});
+            joins.push_back(ToAnswerJoin(info));
     }
     return joins;
 }

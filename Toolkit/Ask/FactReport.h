@@ -11,7 +11,7 @@ namespace qe::tool {
 
 struct ToolModel;
 
-/// What the fact finder tells about some joins.
+/// What the fact finder finds in some joins.
 struct FactReport
 {
     struct Fact
@@ -35,9 +35,10 @@ struct FactReport
     std::vector<Problem> problems{};
 };
 
+/// Returns the facts and dimensions of the joins.
 [[nodiscard]] FactReport FindFacts(const std::vector<AnswerJoin>& joins);
 
-/// Reads all joins of the model that can be read, in id order.
+/// Returns all joins of the model that can be read, in id order.
 [[nodiscard]] std::vector<AnswerJoin> ReadJoins(const ToolModel& model);
 
 } // namespace qe::tool

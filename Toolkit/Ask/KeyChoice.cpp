@@ -42,16 +42,16 @@ bool IsWordLetter(char letter)
            static_cast<unsigned char>(letter) >= 0x80;
 }
 
-/// Tells whether a capital at `position` begins a word: behind a small letter or digit, or as the
-/// last of several capitals before a small letter.
+/// Returns whether a capital at `position` begins a word: behind a lower-case letter or digit, or
+/// as the last of several capitals before a lower-case letter.
 bool BeginsWord(std::string_view name, std::size_t position)
 {
     if (position == 0 || !ascii::IsUpper(name[position]))
         return false;
     const char before = name[position - 1];
-    const bool isBeforeSmall = position + 1 < name.size() && ascii::IsLower(name[position + 1]);
+    const bool isBeforeLower = position + 1 < name.size() && ascii::IsLower(name[position + 1]);
     return ascii::IsLower(before) || ascii::IsDigit(before) ||
-           (ascii::IsUpper(before) && isBeforeSmall);
+           (ascii::IsUpper(before) && isBeforeLower);
 }
 
 std::size_t CountDifferingWords(const std::string& left, const std::string& right)

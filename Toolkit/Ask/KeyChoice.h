@@ -19,8 +19,8 @@ struct KeyChoice
     bool isClear = false;
 };
 
-/// Chooses among the alternatives of least weight the one that the keys speak for; the first when
-/// there are none. The first of these that differ decides:
+/// Returns the choice, among the alternatives of least weight, that the keys speak for; the first
+/// when there are none. The first of these that differ decides:
 /// 1. fewer words by which the names of joined columns differ: orders.customerId leads to
 ///    customer.customerId sooner than orders.approvedByCustomerId does;
 /// 2. more pairs of columns: a composite key leads to the nearer owner, such as the item of an
@@ -29,9 +29,9 @@ struct KeyChoice
 /// 4. the better ranking.
 [[nodiscard]] KeyChoice ChooseByKeys(const Answer& answer);
 
-/// Splits a name into its words, in small letters (A to Z): at everything but letters and digits,
-/// and where capitals begin a word, as in "orderItemID" or "HTTPServer". Bytes beyond ASCII count
-/// as letters.
+/// Returns the words of a name, in lower case (A to Z): it is split at everything but letters and
+/// digits, and where capitals begin a word, as in "orderItemID" or "HTTPServer". Bytes beyond ASCII
+/// count as letters.
 [[nodiscard]] std::vector<std::string> SplitWords(std::string_view name);
 
 } // namespace qe::tool

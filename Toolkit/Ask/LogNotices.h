@@ -19,7 +19,7 @@ public:
     LogNotices& operator=(const LogNotices&) = delete;
     ~LogNotices();
 
-    /// Gives what was gathered so far, each text once, in the order of writing.
+    /// Returns what was gathered so far, each text once, in the order of writing.
     [[nodiscard]] std::vector<std::string> Get() const;
 
 private:

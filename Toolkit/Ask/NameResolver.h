@@ -16,7 +16,7 @@ namespace qe::tool {
 
 /// Turns names as people write them into ids, and gathers what is wrong with them.
 ///
-/// An object is named by its name, with any of its holders before it ("Sales.Orders"), or by its
+/// An object is named by its name, with any of its parents before it ("Sales.Orders"), or by its
 /// id ("100:7"). Letter case counts only where it tells two objects apart. A join is also named by
 /// its two ends ("Orders-Customer").
 class NameResolver
@@ -25,8 +25,8 @@ public:
     /// Refers to the model.
     explicit NameResolver(const model::Model& model) : mModel(model) {}
 
-    /// Gives the subjects of those names, each once, in their order. Names that are wrong or
-    /// ambiguous are left out and noted under `place`.
+    /// Returns the subjects of those names, each once, in their order. Names that are wrong or
+    /// ambiguous are left out and recorded under `place`.
     [[nodiscard]] std::vector<amd_id> ResolveSubjects(const std::string& place,
                                                       const std::vector<std::string>& names);
     /// Does so for joins.
@@ -58,6 +58,15 @@ private:
     const model::Model& mModel;
     std::vector<InputProblem> mProblems;
 };
+
+/// Returns the name of a subject of the model, with its parents when others have the same name: a
+/// name that a NameResolver resolves to this subject. The id's text for what the model does not
+/// have.
+[[nodiscard]] std::string SubjectName(const model::Model& model, const amd_id& subject);
+
+/// Returns such a name for each subject.
+[[nodiscard]] std::vector<std::string> SubjectNames(const model::Model& model,
+                                                    const std::vector<amd_id>& subjects);
 
 } // namespace qe::tool
 

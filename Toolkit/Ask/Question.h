@@ -3,7 +3,6 @@
 
 #include "AQE_RequestContext.h"
 #include "Source/Rules/RankingCriteria.h"
-#include "Toolkit/Ask/Setting.h"
 
 #include <array>
 #include <cstddef>
@@ -88,6 +87,14 @@ struct GovernorChoice
     std::optional<std::int32_t> grouping{};
 };
 
+/// One user setting, such as "General Options/NewAlgo=0".
+struct Setting
+{
+    std::string section{};
+    std::string key{};
+    int value = 0;
+};
+
 /// One question about a model. Objects are named as NameResolver reads names; lists mean what the
 /// refiner's lists of the same names mean.
 struct Question
@@ -108,6 +115,16 @@ struct Question
     /// What ApplySettings set for the process: for the record, asking does not set it.
     std::vector<Setting> settings{};
 };
+
+/// Returns the setting that "Section/Key=value" stands for. Throws InputError for any other text.
+[[nodiscard]] Setting ParseSetting(std::string_view text);
+
+/// Returns the setting as ParseSetting reads it.
+[[nodiscard]] std::string ToText(const Setting& setting);
+
+/// Sets the values for the whole process. The library reads some settings once and keeps what it
+/// read, so this is done before the first question and not again.
+void ApplySettings(const std::vector<Setting>& settings);
 
 } // namespace qe::tool
 

@@ -23,19 +23,28 @@ IdSet ToSet(const Ids& ids)
 struct ListUse
 {
     EOperation operation;
-    bool joinPreferences;
-    bool avoidedJoins;
-    bool favouredSubjects;
-    bool secondSet;
+    bool joinPreferences = false;
+    bool avoidedJoins = false;
+    bool favouredSubjects = false;
+    bool secondSet = false;
 };
 
 constexpr ListUse kListUses[] = {
-    {EOperation::Path, true, false, true, false},
-    {EOperation::BestPaths, true, true, true, false},
-    {EOperation::JoinedSubjects, false, false, false, false},
-    {EOperation::PathBetween, true, true, false, true},
-    {EOperation::BestPathsBetween, true, true, false, true},
-    {EOperation::TreeJoins, true, true, false, false},
+    {.operation = EOperation::Path, .joinPreferences = true, .favouredSubjects = true},
+    {.operation = EOperation::BestPaths,
+     .joinPreferences = true,
+     .avoidedJoins = true,
+     .favouredSubjects = true},
+    {.operation = EOperation::JoinedSubjects},
+    {.operation = EOperation::PathBetween,
+     .joinPreferences = true,
+     .avoidedJoins = true,
+     .secondSet = true},
+    {.operation = EOperation::BestPathsBetween,
+     .joinPreferences = true,
+     .avoidedJoins = true,
+     .secondSet = true},
+    {.operation = EOperation::TreeJoins, .joinPreferences = true, .avoidedJoins = true},
 };
 
 void RejectUnusedLists(const Question& question, NameResolver& names)

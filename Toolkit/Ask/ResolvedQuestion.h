@@ -26,8 +26,8 @@ struct ResolvedQuestion
     std::vector<amd_id> joins{};
 };
 
-/// Finds the objects that the question names and applies its restriction. Subjects that are to be
-/// connected and ends of required joins are never left out for not being among the only ones.
+/// Returns the objects that the question names, with its restriction applied. Subjects that are to
+/// be connected and ends of required joins are never left out for not being among the only ones.
 /// Throws InputError with all mistakes, also for lists that the operation has no use for.
 [[nodiscard]] ResolvedQuestion ResolveQuestion(const model::Model& model, const Question& question);
 

@@ -28,7 +28,7 @@ std::vector<std::vector<amd_id>> SubjectGroups::Split(const std::vector<amd_id>&
 amd_id SubjectGroups::FindRoot(const amd_id& subject)
 {
     amd_id current = subject;
-    // Halving the way up keeps later walks short.
+    // Halving the path to the root keeps later walks short.
     for (auto parent = mParents.find(current); parent != mParents.end();
          parent = mParents.find(current)) {
         const auto above = mParents.find(parent->second);

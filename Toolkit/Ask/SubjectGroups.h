@@ -25,7 +25,7 @@ private:
     std::map<amd_id, amd_id> mParents;
 };
 
-/// Gives the groups with one subject of each, when there are several.
+/// Returns the groups with one subject of each, when there are several.
 [[nodiscard]] Separation DescribeSeparation(std::vector<std::vector<amd_id>> groups);
 
 } // namespace qe::tool

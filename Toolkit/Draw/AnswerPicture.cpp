@@ -56,7 +56,7 @@ private:
                 if (nodes.count(join.left) == 0 || nodes.count(join.right) == 0 ||
                     known.count({join.left, join.right}) > 0)
                     continue;
-                // Out of the way of the request's own numbers.
+                // Apart from the request's own numbers.
                 join.id.domain = -1;
             } else if (joins.count(join.id) == 0)
                 continue;

@@ -23,12 +23,12 @@ struct PictureLimits
     ListLimit alternatives{10};
 };
 
-/// Gives the paths that are as good as the one taken: that one first, then the others that are
+/// Returns the paths that are as good as the one taken: that one first, then the others that are
 /// equally cheap. Nothing when there is no path.
 [[nodiscard]] std::vector<std::vector<amd_id>> ListShownPaths(const Answer& answer,
                                                               ListLimit limit);
 
-/// Draws an answer in its candidate graph.
+/// Returns the picture of an answer in its candidate graph.
 [[nodiscard]] Picture DrawAnswer(const ToolModel& model, const Answer& answer,
                                  const PictureLimits& limits);
 

@@ -89,7 +89,7 @@ void WriteNode(const Picture& picture, std::size_t position, std::ostream& out)
         << ShapeOf(node.kind) << ' ' << LookOf(node.role) << "]\n";
 }
 
-/// A name that only repeats the two ends tells nothing that the line does not.
+/// A name that only repeats the two ends adds nothing to the line.
 std::string EdgeLabel(const Picture& picture, const PictureEdge& edge)
 {
     if (edge.role == PictureEdge::ERole::Context)
@@ -116,9 +116,9 @@ bool HasCardinalities(const Picture& picture, const PictureEdge& edge)
            (!isContext || (edge.joins == 1 && picture.edges.size() <= kManyEdges));
 }
 
-/// Tells whether lines lead back from the second end to the first. All others are drawn from left
-/// to right; of the lines of a ring some are not.
-bool IsOnRing(const Picture& picture, const PictureEdge& edge)
+/// Returns whether lines lead back from the second end to the first. All others are drawn from left
+/// to right; of the lines of a cycle some are not.
+bool IsOnCycle(const Picture& picture, const PictureEdge& edge)
 {
     std::set<std::size_t> reached{edge.second};
     std::vector<std::size_t> open{edge.second};
@@ -139,7 +139,7 @@ void WriteLabels(const Picture& picture, const PictureEdge& edge, std::ostream& 
 {
     std::vector<std::string> lines;
     if (HasCardinalities(picture, edge)) {
-        if (IsOnRing(picture, edge))
+        if (IsOnCycle(picture, edge))
             out << " taillabel=" << QuoteForDot(edge.firstCardinality)
                 << " headlabel=" << QuoteForDot(edge.secondCardinality);
         else

@@ -8,14 +8,14 @@ namespace qe::tool {
 
 struct Picture;
 
-/// Writes the picture in Graphviz's language. What lines and shapes mean does not depend on
+/// Returns the picture in Graphviz's language. What lines and shapes mean does not depend on
 /// colour: facts have a double border, dimensions round corners, shortcuts a folded corner; the
 /// chosen path is thick, alternatives are dashed, joins to what a shortcut stands for dotted. Node
 /// number 3 has the id "n3" in what Graphviz makes of it, edge number 5 "e5".
 [[nodiscard]] std::string WriteDot(const Picture& picture);
 
-/// Puts the text in quotes as Graphviz reads labels: shown as it is, control characters and marks
-/// of direction as escapes.
+/// Returns the text in quotes as Graphviz reads labels: shown as it is, control characters and
+/// marks of direction as escapes.
 [[nodiscard]] std::string QuoteForDot(std::string_view text);
 
 } // namespace qe::tool

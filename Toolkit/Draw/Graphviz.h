@@ -11,8 +11,8 @@ enum class EImage
     Png,
 };
 
-/// Has Graphviz's program `dot` lay out and draw a graph; no shell takes part. Throws InputError
-/// when the program is missing or fails.
+/// Returns the image that Graphviz's program `dot` draws of a graph; no shell takes part. Throws
+/// InputError when the program is missing or fails.
 [[nodiscard]] std::string RunGraphviz(const std::string& dot, EImage image);
 
 } // namespace qe::tool

@@ -12,13 +12,13 @@ namespace qe::tool {
 
 namespace {
 
-/// Gives the subjects to draw, as positions in order.
+/// Returns the subjects to draw, as positions in order.
 std::set<std::size_t> ChooseSubjects(const CheckedModel& model, const std::vector<amd_id>& around,
                                      ListLimit limit)
 {
     const auto subjects = model.GetSubjects();
     const std::set<amd_id> centre(around.begin(), around.end());
-    // Nearest first, then the most joins, then the least id.
+    // Nearest first, then the most joins, then the lowest id.
     std::vector<std::tuple<int, std::size_t, std::size_t>> order;
     for (std::size_t i = 0; i < subjects.size(); ++i) {
         const auto steps = model.GetSteps(i);

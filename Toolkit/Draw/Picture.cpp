@@ -11,14 +11,14 @@ namespace qe::tool {
 
 AnswerJoin ToAnswerJoin(const CheckedModel& model, const CheckedJoin& join)
 {
-    return {join.id,
-            join.name,
-            model.GetSubjects()[join.left],
-            model.GetSubjects()[join.right],
-            join.condition,
-            join.leftCardinality,
-            join.rightCardinality,
-            join.weight};
+    return {.id = join.id,
+            .name = join.name,
+            .left = model.GetSubjects()[join.left],
+            .right = model.GetSubjects()[join.right],
+            .condition = join.condition,
+            .leftCardinality = join.leftCardinality,
+            .rightCardinality = join.rightCardinality,
+            .weight = join.weight};
 }
 
 PictureEdge MakePictureEdge(const AnswerJoin& join, const std::map<amd_id, std::size_t>& positions)

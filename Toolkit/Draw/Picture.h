@@ -81,10 +81,10 @@ struct Picture
     std::size_t subjects = 0;
 };
 
-/// Gives a join as answers have it.
+/// Returns a join as answers have it.
 [[nodiscard]] AnswerJoin ToAnswerJoin(const CheckedModel& model, const CheckedJoin& join);
 
-/// Makes the edge of a join, turned so that a "many" end comes first where the other is none.
+/// Returns the edge of a join, turned so that a "many" end comes first where the other is none.
 [[nodiscard]] PictureEdge MakePictureEdge(const AnswerJoin& join,
                                           const std::map<amd_id, std::size_t>& positions);
 

@@ -9,7 +9,7 @@ namespace qe::tool {
 struct FormatInput;
 struct Picture;
 
-/// Gives the picture as an SVG document whose parts are called by the names of what they show.
+/// Returns the picture as an SVG document whose parts are called by the names of what they show.
 [[nodiscard]] std::string MakeSvg(const Picture& picture);
 
 /// Write the answer as a picture. The image formats throw InputError without Graphviz.
@@ -17,8 +17,8 @@ void WriteDotFormat(std::ostream& out, const FormatInput& input);
 void WriteSvgFormat(std::ostream& out, const FormatInput& input);
 void WritePngFormat(std::ostream& out, const FormatInput& input);
 
-/// Escapes what XML and HTML read as markup. Control characters and marks of direction become
-/// visible escapes.
+/// Returns the text with what XML and HTML read as markup escaped. Control characters and marks of
+/// direction become visible escapes.
 [[nodiscard]] std::string EscapeMarkup(const std::string& text);
 
 } // namespace qe::tool

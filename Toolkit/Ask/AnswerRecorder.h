@@ -1,0 +1,58 @@
+#ifndef TOOLKIT_ASK_ANSWERRECORDER_H
+#define TOOLKIT_ASK_ANSWERRECORDER_H
+
+#include "Toolkit/Ask/Answer.h"
+#include "Toolkit/Ask/Question.h"
+#include "amd_id.h"
+
+#include <vector>
+
+namespace qe::model {
+class Model;
+}
+
+namespace qe::tool {
+
+class Request;
+struct ResolvedQuestion;
+
+/// Records in an answer what a request finds, so that everything the answer mentions is in it.
+class AnswerRecorder
+{
+public:
+    /// Refers to everything that it is given.
+    AnswerRecorder(const model::Model& model, const ResolvedQuestion& resolved, Request& request,
+                   Answer& answer);
+
+    /// Records the join and its ends, read from the request; nothing when it cannot be read.
+    void RecordJoin(const amd_id& join);
+    void RecordJoins(const std::vector<amd_id>& joins);
+    void RecordSubject(const amd_id& subject);
+
+    /// Records the names of the question, the governors in force and the graph that is searched.
+    void RecordCandidateGraph();
+    /// Records the path of the answer as a candidate, unless the selector saw candidates.
+    void RecordOnlyCandidate();
+    /// Records each of the best paths as a candidate.
+    void RecordBestPaths();
+    /// Records the weight that the path was ranked with.
+    void RecordWeight();
+    /// Records, for subjects that are not connected, which of them can be. Of joined subjects this
+    /// decides whether they are connected.
+    void RecordSeparation(EOperation operation);
+    /// Records what the request and the library have to say to the user.
+    void RecordMessages(std::vector<std::string> notices);
+
+    /// Returns whether the joins connect the subjects of the question.
+    [[nodiscard]] bool Connects(const std::vector<amd_id>& joins) const;
+
+private:
+    const model::Model& mModel;
+    const ResolvedQuestion& mResolved;
+    Request& mRequest;
+    Answer& mAnswer;
+};
+
+} // namespace qe::tool
+
+#endif
