@@ -82,7 +82,7 @@ TEST(AskTest, AnswersTellWhatDecided)
     for (const ChoiceCase& entry : cases) {
         const Answer answer = Ask(MakeModel(entry.model), Connect({"A", "Z"}));
         EXPECT_EQ(NamesOf(answer, answer.path), entry.path) << entry.model;
-        EXPECT_EQ(ToText(answer.criterion), ToText(entry.criterion)) << entry.model;
+        EXPECT_EQ(answer.criterion, entry.criterion) << entry.model;
         EXPECT_EQ(answer.weight, 34) << entry.model;
         ASSERT_EQ(answer.chosen, 0U);
         EXPECT_EQ(answer.alternatives[0].joins, answer.path);
