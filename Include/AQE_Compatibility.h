@@ -11,7 +11,7 @@ QEREFINER_EXPORT void AQE_GetConnectivity();
 QEREFINER_EXPORT void AQE_GetPathsBetweenTwoSubjectEntities();
 QEREFINER_EXPORT void AQE_GetPathsBetweenTwoSubjectEntities_2_0();
 
-/// Gives false.
+/// Returns false.
 QEREFINER_EXPORT bool AQE_IsObjectConnected();
 }
 

@@ -12,7 +12,7 @@ class AQE_I_FactFinder;
 
 extern template class QEREFINER_EXPORT AUT_RefPtr<AQE_I_FactFinder>;
 
-/// Tells facts from dimensions among the query subjects of a set of joins.
+/// Distinguishes facts from dimensions among the query subjects of a set of joins.
 ///
 /// Query subjects joined one-to-one count as one. In a one-to-many join the to-one side is a
 /// dimension of the to-many side; what is nobody's dimension is a fact. Joins are given one at a

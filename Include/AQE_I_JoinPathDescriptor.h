@@ -15,10 +15,10 @@ public:
     /// Replaces `joinPath` by the join ids of the path, in path order.
     virtual void GetJoinPath(std::vector<amd_id>& joinPath) const = 0;
 
-    /// Gives the ranking: 100 is best, 0 worst. Negative weights lead outside this range.
+    /// Returns the ranking: 100 is best, 0 worst. Negative weights lead outside this range.
     [[nodiscard]] virtual int GetRank() const = 0;
 
-    /// Gives the weight from which the ranking was computed; less is better.
+    /// Returns the weight from which the ranking was computed; less is better.
     [[nodiscard]] virtual int GetComputedWeight() const = 0;
 };
 

@@ -25,13 +25,13 @@ public:
     [[nodiscard]] static AUT_RefPtr<AQE_I_PathSelector>
     CreateFirstPathSelector(amdi_gateway* gateway);
 
-    /// Gives the index of the chosen descriptor; they stand in rank order, best first. The index
+    /// Returns the index of the chosen descriptor; they stand in rank order, best first. The index
     /// must be below their number: the refiner reports any other as an error. The selector may
     /// keep references to descriptors.
     virtual std::uint32_t
     SelectPath(const std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>& descriptors) = 0;
 
-    /// Gives the index of the chosen one among plain join paths. The refiner never asks this; it
+    /// Returns the index of the chosen one among plain join paths. The refiner never asks this; it
     /// serves callers that hold paths without descriptors.
     virtual std::uint32_t SelectAlternative(const std::vector<std::vector<amd_id>>& paths) = 0;
 };

@@ -26,13 +26,14 @@ public:
     Create(amdi_gateway* gateway, AQE_Governors* governors, AQE_RequestContext* context);
 
     /// Builds the groups of the shortcuts among `querySubjects`, and their synthetic joins. The
-    /// real joins of the two lists tell which references belong together. Only the first call
+    /// real joins of the two lists decide which references belong together. The number of
+    /// synthetic joins grows with the square of the size of a group. Only the first call
     /// builds; later ones do nothing, also after one that ended in an exception while building.
     virtual void Initialize(const std::vector<amd_id>& querySubjects,
                             const std::vector<amd_id>& joins,
                             const std::vector<amd_id>& requiredJoins) = 0;
 
-    /// Gives the synthetic joins in the order of their numbers, which run from 0 without gaps.
+    /// Returns the synthetic joins in the order of their numbers, which run from 0 without gaps.
     /// Good until the object changes.
     [[nodiscard]] virtual const std::vector<AQE_I_Refiner::QEjoinInfo>& GetShortcutJoins() = 0;
 
@@ -41,7 +42,7 @@ public:
     [[nodiscard]] virtual bool GetJoinInfo(const amd_id& joinId,
                                            AQE_I_Refiner::QEjoinInfo& info) = 0;
 
-    /// Gives the key of the group that holds `id`, or `id` itself when it is in no group.
+    /// Returns the key of the group that `id` is a member of, or `id` itself when it is in none.
     [[nodiscard]] virtual amd_id GetGroupKey(const amd_id& id) = 0;
 
     /// Writes the groups and the synthetic joins, for people.

@@ -31,6 +31,10 @@ extern template class QEREFINER_EXPORT AUT_RefPtr<AQE_I_Refiner>;
 /// - `nodes`, `joins`: the query subjects, shortcuts and joins that may be used at all;
 /// - `favouredSubjects`: query subjects whose joins are made cheaper.
 ///
+/// Every operation builds the join graph of its request afresh; each join is read from the gateway
+/// once in a request that has a join cache. How long the search for trees takes is up to the graph
+/// (AQE_I_UndirectedGraph), and the paths between two sets take one search for each pair.
+///
 /// Exceptions of the gateway, of the selector and of the engine's services pass through.
 class QEREFINER_EXPORT AQE_I_Refiner
 {
@@ -89,27 +93,27 @@ public:
            AQE_RequestContext* requestContext, bool useFactTableCount, bool useStraightestPath);
 
     /// Reads a join of class 102, 110, 136 or 300005 into `info`, from the request's join cache
-    /// when it is there, otherwise from the gateway, and then keeps it in the cache. Gives false
+    /// when it is there, otherwise from the gateway, and then keeps it in the cache. Returns false
     /// when the join cannot be read; `info` may then be partly filled. `context` may be null.
-    /// A chain of relationship shortcuts has to end: nothing stops one that runs in a circle.
+    /// A chain of relationship shortcuts has to end: reading one that is cyclic never ends.
     [[nodiscard]] static bool GetJoinInfo(amdi_gateway* gateway, AQE_RequestContext* context,
                                           const amd_id& joinId, QEjoinInfo& info);
 
-    /// Gives the weight of a kind of edge, which depends on the setting "FFJoins". A number that
+    /// Returns the weight of a kind of edge, which depends on the setting "FFJoins". A number that
     /// is no kind raises an ORVAssertError.
     [[nodiscard]] static int GetEdgeWeightForType(EEdgeType type);
 
-    /// Gives the user setting "FFJoins" of section "General Options", 3 by default. It is read
+    /// Returns the user setting "FFJoins" of section "General Options", 3 by default. It is read
     /// once in the life of the process.
     [[nodiscard]] static int GetFFJoinsMode();
 
-    /// Reads a filter of class 114 or 300020 into `info`. Gives false when there is no such
+    /// Reads a filter of class 114 or 300020 into `info`. Returns false when there is no such
     /// filter; of a filter that is missing, `info` then holds the id. `locale` is not used.
     [[nodiscard]] static bool GetFilterInfo(amdi_gateway* gateway, const amd_id& filterId,
                                             QEFilterInfo& info, const I18NLocale& locale);
 
-    /// Follows a chain of shortcuts to its query subject, whose existence is not checked. Gives
-    /// the empty id when the chain breaks, runs in a circle or ends elsewhere. The shortcuts
+    /// Follows a chain of shortcuts to its query subject, whose existence is not checked. Returns
+    /// the empty id when the chain breaks, is cyclic or ends elsewhere. The shortcuts
     /// passed and their parents are appended to the lists that are not null, also on failure.
     [[nodiscard]] static amd_id GetRefQuerySubject(amdi_gateway* gateway, const amd_id& id,
                                                    std::vector<amd_id>* shortcuts,
@@ -129,7 +133,8 @@ public:
                                  std::vector<amd_id>& joinPath) = 0;
 
     /// Appends, in id order and each once, the given query subjects and the ends of the
-    /// relationships and relationship shortcuts that would connect them.
+    /// relationships and relationship shortcuts that would connect them. Joins of other kinds
+    /// bring no ends.
     virtual void GetJoinedQuerySubjects(const std::vector<amd_id>& querySubjects,
                                         const std::vector<amd_id>& nodes,
                                         const std::vector<amd_id>& joins,
@@ -137,7 +142,7 @@ public:
 
     /// Chooses one least-weight path from a member of the first set to a member of the second.
     /// Replaces `joinPath` by it and `resultWeight` by its weight (-1 when nothing was searched,
-    /// 8888 when every way is barred), and appends the two query subjects at its ends to
+    /// 8888 when every path is barred), and appends the two query subjects at its ends to
     /// `endPair`. The joins of both avoided lists are kept out.
     ///
     /// Raises an HBNException (severity 1, code 1) when the selector's choice is out of range.
@@ -148,18 +153,19 @@ public:
         const std::vector<amd_id>& nodes, const std::vector<amd_id>& joins,
         std::vector<amd_id>& joinPath, int& resultWeight, std::vector<amd_id>& endPair) = 0;
 
-    /// Gives the best paths: least weight, then fewest fact tables, appended to `bestPaths`. In
-    /// mode 3 of "FFJoins" `bestPaths` is replaced by all candidates instead, and the result tells
-    /// whether the cheapest-trees search connected the query subjects. False when there is no
-    /// path. `avoidedJoins` counts only when it is not empty.
+    /// Appends the best paths to `bestPaths`: least weight, then fewest fact tables. In mode 3 of
+    /// "FFJoins" `bestPaths` is replaced by all candidates instead. Returns false when there is no
+    /// path, and in mode 3 whether the cheapest-trees search connected the query subjects; true
+    /// with fewer than two query subjects. `avoidedJoins` counts only when it is not empty.
     virtual bool ComputeBestJoinPaths(
         const std::vector<amd_id>& querySubjects, const std::vector<amd_id>& favouredJoins,
         const std::vector<amd_id>& requiredJoins, const std::vector<amd_id>& nodes,
         const std::vector<amd_id>& joins, std::vector<std::vector<amd_id>>& bestPaths,
         const std::vector<amd_id>& avoidedJoins, const std::vector<amd_id>& favouredSubjects) = 0;
 
-    /// Replaces `bestPaths` by the best least-weight paths between the two sets, and appends one
-    /// (first, second) pair of end subjects for each of them to `endPairs`.
+    /// Replaces `bestPaths` by the best least-weight paths between the two sets and `resultWeight`
+    /// by their weight, as ComputeJoinPathBetween does, and appends one (first, second) pair of
+    /// end subjects for each of them to `endPairs`.
     virtual void ComputeBestJoinPathsBetween(
         const std::vector<amd_id>& firstSet, const std::vector<amd_id>& avoidedJoins,
         const std::vector<amd_id>& secondSet, const std::vector<amd_id>& furtherAvoidedJoins,
@@ -168,13 +174,13 @@ public:
         std::vector<std::vector<amd_id>>& bestPaths, int& resultWeight,
         std::vector<std::pair<amd_id, amd_id>>& endPairs) = 0;
 
-    /// Gives the refiner the request's shortcut information, which is borrowed; null takes it
-    /// away.
+    /// Sets the request's shortcut information, which is borrowed until it is replaced; null
+    /// takes it away.
     virtual void SetShortcutInfo(AQE_I_QuerySubjectShortcutInfo* shortcutInfo) = 0;
 
     /// Appends the joins of a tree of least-weight paths over the query subjects, shortcuts
     /// included, built from the given gateway, governors and context instead of the refiner's
-    /// own. `avoidedJoins` may be null. Tells whether `treeJoins` then holds any join.
+    /// own. `avoidedJoins` may be null. Returns whether `treeJoins` then holds any join.
     virtual bool GetJoinTreeJoins(amdi_gateway* gateway, const std::vector<amd_id>& querySubjects,
                                   const std::vector<amd_id>& favouredJoins,
                                   const std::vector<amd_id>& requiredJoins,

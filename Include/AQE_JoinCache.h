@@ -41,7 +41,7 @@ public:
                        const std::vector<amd_id>& favouredJoins,
                        const std::vector<amd_id>& requiredJoins, const std::vector<amd_id>& path);
 
-    /// Gives a copy of every stored path, in the order of their sets of ids.
+    /// Returns a copy of every stored path, in the order of their sets of ids.
     [[nodiscard]] std::vector<std::vector<amd_id>> GetAllJoinPaths();
 
 private:

@@ -44,30 +44,30 @@ public:
     MainObjectPathSelector& operator=(const MainObjectPathSelector&) = delete;
     ~MainObjectPathSelector() override;
 
-    /// Gives the index of the first path that has a main object; 0 also when there is none, which
+    /// Returns the index of the first path that has a main object; 0 also when there is none, which
     /// HasMainObject tells apart. A query over a single subject accepts any path. Raises an
     /// ORVAssertError when a join that was read once cannot be read again.
     std::uint32_t
     SelectPath(const std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>& descriptors) override;
 
-    /// Is SelectPath over plain join paths.
+    /// Returns what SelectPath returns, for plain join paths.
     std::uint32_t SelectAlternative(const std::vector<std::vector<amd_id>>& paths) override;
 
     /// Keeps the triple (c, b, a), after dropping all earlier ones when `clearFirst` is set. The
     /// choice does not depend on triples.
     void AddTriple(const amd_id& a, const amd_id& b, const amd_id& c, bool clearFirst);
 
-    /// Tells whether any path was accepted so far.
+    /// Returns whether any path was accepted so far.
     [[nodiscard]] bool HasMainObject() const { return mFound; }
 
-    /// Gives the main object of the path that was accepted last; the empty id before that.
+    /// Returns the main object of the path that was accepted last; the empty id before that.
     [[nodiscard]] const amd_id& GetMainObject() const { return mMainObject; }
 
-    /// Gives the main object and the query subjects joined to it by joins that are exactly
+    /// Returns the main object and the query subjects joined to it by joins that are exactly
     /// one-to-one at both ends, of all accepted paths.
     [[nodiscard]] const std::vector<amd_id>& GetOneToOneObjects() const { return mOneToOneObjects; }
 
-    /// Gives the query subjects of the accepted paths: those of each path in id order, one path
+    /// Returns the query subjects of the accepted paths: those of each path in id order, one path
     /// after the other. A query over a single subject adds none.
     [[nodiscard]] const std::vector<amd_id>& GetPathObjects() const { return mPathObjects; }
 

@@ -6,7 +6,7 @@
 
 class amdi_gateway;
 
-/// Gives the id of the model query subject that a query subject of the query stands for; an id
+/// Returns the id of the model query subject that a query subject of the query stands for; an id
 /// that stands for itself comes back as it is.
 [[nodiscard]] QEENGINE_EXPORT amd_id AQE_Convert2ModelQuerySubjectId(const amd_id& id,
                                                                      amdi_gateway* gateway);

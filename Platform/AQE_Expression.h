@@ -29,17 +29,17 @@ class QEENGINE_EXPORT AQE_Expression : public AQE_ExpressionNode
 public:
     ~AQE_Expression() override;
 
-    /// Gives the text without the markup tags around its references, as Create parses it. What
+    /// Returns the text without the markup tags around its references, as Create parses it. What
     /// stands between brackets or quotes or in comments is never touched.
     ///
     /// A "<" begins a tag when a tag follows that cannot be part of a condition: `</name>`,
     /// `<name/>` or `<name attribute="value">`. A tag `<name>` without attributes could be two
     /// comparisons; it is a tag where an operand must follow, or when `</name>` closes it
-    /// later. No blank separates "<" from the name, which begins with an ASCII letter or "_".
+    /// later. No space separates "<" from the name, which begins with an ASCII letter or "_".
     /// Every other "<" is an operator, so `a<b and c>d`, `a <> b` and `a<=b` stay.
     ///
     /// `&lt;` and `&gt;` become the operators they stand for, which never begin a tag; other
-    /// entities stay. Where leaving a tag out would make one token of two, a blank takes its
+    /// entities stay. Where leaving a tag out would make one token of two, a space takes its
     /// place. Takes any text; text that is no expression gives something that Create refuses or
     /// reads without its markup. The cost is linear but for a table of the tag names.
     [[nodiscard]] static I18NString GetUntaggedExpression(const I18NString& text);
@@ -51,7 +51,7 @@ public:
     /// gateway.
     ///
     /// Text that is no expression, or nested deeper than 200 levels, raises an HBNException of
-    /// severity 1 with message 0xA9E5E001, which tells the line and column and what was expected
+    /// severity 1 with message 0xA9E5E001, which holds the line and column and what was expected
     /// there. `context` names the caller in the message.
     [[nodiscard]] static AQE_Expression* Create(const I18NString& text, amdi_gateway* gateway,
                                                 const I18NString& context,

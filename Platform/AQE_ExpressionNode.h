@@ -15,17 +15,17 @@ class QEENGINE_EXPORT AQE_ExpressionNode
 public:
     virtual ~AQE_ExpressionNode();
 
-    /// Gives the kind of node; 10 is a reference to a metadata object.
+    /// Returns the kind of node; 10 is a reference to a metadata object.
     [[nodiscard]] virtual int GetNodeType() const = 0;
-    /// Gives the operands in order. The nodes stay the expression's.
+    /// Returns the operands in order. The nodes stay the expression's.
     [[nodiscard]] virtual std::vector<AQE_ExpressionNode*> GetChildren() const = 0;
-    /// Gives the names of a reference in order: qualifier, query subject, item. Other nodes have
+    /// Returns the names of a reference in order: qualifier, query subject, item. Other nodes have
     /// none.
     [[nodiscard]] virtual std::vector<I18NString> GetNamePath() const = 0;
-    /// Gives the object that a reference leads to; the empty id for other nodes and for
+    /// Returns the object that a reference leads to; the empty id for other nodes and for
     /// references to names that are not known.
     [[nodiscard]] virtual amd_id GetReferencedId() const = 0;
-    /// Gives the query subject or shortcut through which a reference reaches its item; the empty
+    /// Returns the query subject or shortcut through which a reference reaches its item; the empty
     /// id where GetReferencedId gives it.
     [[nodiscard]] virtual amd_id GetQuerySubjectId() const = 0;
     /// Replaces the names of a reference, with which it will be written. Does nothing to other

@@ -12,11 +12,11 @@ class QEENGINE_EXPORT AQE_I_Authentication
 public:
     virtual ~AQE_I_Authentication();
 
-    /// Gives the names of the user classes that the user belongs to.
+    /// Returns the names of the user classes that the user belongs to.
     [[nodiscard]] virtual std::vector<I18NString> GetUserClasses() const = 0;
 };
 
-/// Gives the user classes as one text, separated by message text 29; empty without a user (null).
+/// Returns the user classes as one text, separated by message text 29; empty without a user (null).
 [[nodiscard]] QEENGINE_EXPORT I18NString
 AQE_GetUserClassesString(const AQE_I_Authentication* authentication);
 

@@ -26,15 +26,15 @@ public:
         ECardinality maximum = QuerySpecCardinalityUnknown;
     };
 
-    /// Gives the join condition, owned by the object.
+    /// Returns the join condition, owned by the object.
     [[nodiscard]] virtual const char* GetExpressionText() const = 0;
-    /// Gives the first end.
+    /// Returns the first end.
     [[nodiscard]] virtual amd_id GetLeftId() const = 0;
-    /// Gives the second end.
+    /// Returns the second end.
     [[nodiscard]] virtual amd_id GetRightId() const = 0;
-    /// Gives the cardinality at the first end.
+    /// Returns the cardinality at the first end.
     [[nodiscard]] virtual CardinalityRange GetLeftCardinality() const = 0;
-    /// Gives the cardinality at the second end.
+    /// Returns the cardinality at the second end.
     [[nodiscard]] virtual CardinalityRange GetRightCardinality() const = 0;
 };
 

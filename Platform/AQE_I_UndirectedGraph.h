@@ -16,10 +16,10 @@
 /// Every answer depends only on the nodes, edges and weights, never on the order in which they
 /// were added: ties end in the order of the ids.
 ///
-/// Adding is noted down, and the first query after it sorts it in; so filling a graph costs about
-/// as much as sorting its ids, and adding to it in small steps O(log m) a step. Queries that walk
-/// the graph renumber it in O(n + m) when nodes or edges have come since; a changed weight does
-/// not make them do so.
+/// What is added is buffered, and the first query after it sorts it in; so filling a graph costs
+/// about as much as sorting its ids, and adding to it in small steps O(log m) a step. Queries that
+/// walk the graph renumber it in O(n + m) when nodes or edges have come since; a changed weight
+/// does not make them do so.
 ///
 /// One graph is used by one thread at a time, also for reading.
 class QEENGINE_EXPORT AQE_I_UndirectedGraph
@@ -52,7 +52,7 @@ public:
     /// Appends all edges in id order.
     virtual void GetEdges(std::vector<amd_id>& edges) = 0;
 
-    /// Tells whether every node can be reached from every other. A graph of one node or none is
+    /// Returns whether every node can be reached from every other. A graph of one node or none is
     /// connected.
     virtual bool IsConnected() = 0;
 
@@ -83,7 +83,7 @@ public:
     /// only one, there are no edges. When the first is not in the graph, there are no nodes
     /// either.
     ///
-    /// The tree holds for every other given node the path that GetShortestPath tells from the
+    /// The tree holds for every other given node the path that GetShortestPath finds from the
     /// first node to it; these paths are added in the order in which the nodes are given.
     virtual void GetShortestPathTree(const std::vector<amd_id>& nodes,
                                      std::vector<amd_id>& nodesOut, std::vector<amd_id>& edgesOut,
@@ -100,7 +100,7 @@ public:
 
     /// Appends all trees of least weight that connect the given nodes, sets `weight` to that
     /// weight and gives true. Only given nodes are leaves of a tree. When the nodes cannot be
-    /// connected, because there is no way or one of them is not in the graph, nothing is
+    /// connected, because there is no path or one of them is not in the graph, nothing is
     /// appended, `weight` is -1 and the result false. Repeated nodes count once; one node alone
     /// is connected by the empty tree of weight 0, and so is none.
     ///
@@ -111,14 +111,14 @@ public:
     ///
     /// The user's settings (section "JoinGraph") limit the list to "CheapestTreesBound" trees
     /// (1,000), and the search to "CheapestTreesSeconds" (10) and "CheapestTreesMegabytes"
-    /// (1,024) of working memory. Where there are more trees, the log tells their number. Where
-    /// the search ran out of time or memory, one good tree is the answer, and the log tells its
+    /// (1,024) of working memory. Where there are more trees, the log holds their number. Where
+    /// the search ran out of time or memory, one good tree is the answer, and the log holds its
     /// weight and the weight below which it is proven that there is none.
     virtual bool GetCheapestTrees(const std::vector<amd_id>& nodes,
                                   std::vector<std::vector<amd_id>>& trees, int& weight) = 0;
 
-    /// Appends the edges of the first of the cheapest trees; nothing when the nodes cannot be
-    /// connected.
+    /// Appends the edges of the first of the minimum Steiner trees; nothing when the nodes cannot
+    /// be connected.
     virtual void GetTreeEdges(const std::vector<amd_id>& nodes, std::vector<amd_id>& edgesOut) = 0;
 };
 

@@ -11,7 +11,7 @@ namespace qe {
 class LogTarget;
 } // namespace qe
 
-/// A writer's way to the diagnostic log. Opening one costs little: where entries go, and from
+/// Writes to the diagnostic log. Opening one costs little: where entries go, and from
 /// which level on they are wanted, is looked up once.
 class QEENGINE_EXPORT AQE_LogFile
 {
@@ -27,7 +27,7 @@ public:
     AQE_LogFile& operator=(const AQE_LogFile&) = delete;
     ~AQE_LogFile();
 
-    /// Gives the highest level that is written; 0 when logging is off. Writers ask this before
+    /// Returns the highest level that is written; 0 when logging is off. Writers ask this before
     /// they compose an entry.
     [[nodiscard]] int GetLogLevel() const noexcept { return mLevel; }
 

@@ -7,7 +7,7 @@
 class AQE_RequestContext;
 class ORVMessage;
 
-/// Tells the user of a request something without ending it.
+/// Attaches messages for its user to a request, which goes on.
 class QEENGINE_EXPORT AQE_Nag
 {
 public:

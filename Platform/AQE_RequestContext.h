@@ -41,12 +41,12 @@ public:
     /// Keeps the cache, in place of the one before; null takes it away. A unique pointer converts;
     /// how the cache is deleted is settled there, so that the platform need not know it.
     void SetJoinCache(std::shared_ptr<AQE_JoinCache> cache);
-    /// Gives the request's join cache, which stays the request's; null when it has none.
+    /// Returns the request's join cache, which stays the request's; null when it has none.
     [[nodiscard]] AQE_JoinCache* GetJoinCache() const noexcept { return mJoinCache.get(); }
 
     [[nodiscard]] ECommandType GetCommandType() const noexcept { return mCommandType; }
 
-    /// Notes who makes the request; borrowed, may be null.
+    /// Sets who makes the request; borrowed, may be null.
     void SetAuthentication(AQE_I_Authentication* authentication);
     [[nodiscard]] AQE_I_Authentication* GetAuthentication() const noexcept
     {
@@ -54,7 +54,7 @@ public:
     }
 
     void AddUserMessage(UserMessage message);
-    /// Gives the messages in the order in which they were attached.
+    /// Returns the messages in the order in which they were attached.
     [[nodiscard]] const std::vector<UserMessage>& GetUserMessages() const noexcept
     {
         return mUserMessages;

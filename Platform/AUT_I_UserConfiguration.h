@@ -21,7 +21,7 @@ public:
     /// Opens the settings under a root key.
     [[nodiscard]] static AUT_RefPtr<AUT_I_UserConfiguration> Create(ERootKey rootKey);
 
-    /// Gives the setting, or `defaultValue` when it is not set or is no number.
+    /// Returns the setting, or `defaultValue` when it is not set or is no number.
     [[nodiscard]] virtual int GetInt(const I18NString& section, const I18NString& key,
                                      int defaultValue) = 0;
 };

@@ -5,14 +5,14 @@
 
 #include <cstdint>
 
-/// Gives the memory of one reference count, uninitialised. Throws std::bad_alloc when there is
+/// Returns the memory of one reference count, uninitialised. Throws std::bad_alloc when there is
 /// none left.
 [[nodiscard]] QEENGINE_EXPORT std::int32_t* AUT_RefPtrGetMemory();
 
 /// Takes back what AUT_RefPtrGetMemory gave. Null is ignored.
 QEENGINE_EXPORT void AUT_RefPtrReleaseMemory(std::int32_t* count) noexcept;
 
-/// A reference-counting pointer: the last holder deletes the object.
+/// A reference-counting pointer: the last one deletes the object.
 ///
 /// The 32-bit count is allocated apart from the object, and exists for a null object as well.
 /// It is not atomic: all holders of one object belong to one thread.
@@ -28,7 +28,7 @@ public:
     AUT_RefPtr& operator=(const AUT_RefPtr& other) noexcept;
     ~AUT_RefPtr();
 
-    /// Gives the object, which stays owned by its holders; null when there is none.
+    /// Returns the object, which stays shared by its pointers; null when there is none.
     [[nodiscard]] T* Get() const noexcept { return mObject; }
     T* operator->() const noexcept { return mObject; }
     T& operator*() const noexcept { return *mObject; }

@@ -23,7 +23,7 @@ public:
 
     [[nodiscard]] int GetSeverity() const noexcept { return mSeverity; }
     [[nodiscard]] int GetCode() const noexcept { return mCode; }
-    /// Gives the messages in the order in which they were added.
+    /// Returns the messages in the order in which they were added.
     [[nodiscard]] const std::vector<HBNMessage>& GetMessages() const noexcept { return mMessages; }
 
 private:

@@ -15,7 +15,7 @@ public:
     [[nodiscard]] virtual I18NString Convert(const char* text) const = 0;
 };
 
-/// Gives the converter for UTF-8, which lives as long as the process. Any thread may use it.
+/// Returns the converter for UTF-8, which lives as long as the process. Any thread may use it.
 [[nodiscard]] QEENGINE_EXPORT const I18NConverter& AUT_GetUTF8Converter();
 
 #endif

@@ -19,7 +19,7 @@ public:
     I18NString(std::string text) noexcept : mText(std::move(text)) {}
     I18NString(std::string_view text) : mText(text) {}
 
-    /// Gives the text with a terminating zero; good until the string changes.
+    /// Returns the text with a terminating zero; good until the string changes.
     [[nodiscard]] const char* c_str() const noexcept { return mText.c_str(); }
     [[nodiscard]] std::string_view View() const noexcept { return mText; }
     [[nodiscard]] const std::string& ToStdString() const noexcept { return mText; }

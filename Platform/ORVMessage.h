@@ -25,7 +25,7 @@ public:
         return mParameters;
     }
 
-    /// Gives the catalogue's text with the parameters filled in. A number without text gives a
+    /// Returns the catalogue's text with the parameters filled in. A number without text yields a
     /// text that names the number and the parameters.
     [[nodiscard]] I18NString GetText() const;
 

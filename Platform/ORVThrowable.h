@@ -7,7 +7,7 @@
 #include <exception>
 #include <string>
 
-/// The root of the engine's exceptions. What is caught tells where it was raised, by which
+/// The root of the engine's exceptions. What is caught knows where it was raised, by which
 /// component and through which macro.
 class QEENGINE_EXPORT ORVThrowable : public std::exception
 {
@@ -17,17 +17,17 @@ public:
     ORVThrowable& operator=(const ORVThrowable&);
     ~ORVThrowable() override;
 
-    /// Notes the place, the component (null: none) and the macro's name, then throws a copy of
+    /// Records the place, the component (null: none) and the macro's name, then throws a copy of
     /// the object with its most derived type.
     virtual void hurl(const ORVFileLocation& location, const char* component,
                       const char* macroName) = 0;
 
     [[nodiscard]] const ORVFileLocation& GetLocation() const noexcept { return mLocation; }
-    /// Gives the component that raised the exception; empty when none was named.
+    /// Returns the component that raised the exception; empty when none was named.
     [[nodiscard]] const std::string& GetComponent() const noexcept { return mComponent; }
     [[nodiscard]] const std::string& GetMacroName() const noexcept { return mMacroName; }
 
-    /// Gives one readable line: what went wrong, and where. Good until the object changes.
+    /// Returns one readable line: what went wrong, and where. Good until the object changes.
     [[nodiscard]] const char* what() const noexcept override { return mWhat.c_str(); }
 
 protected:

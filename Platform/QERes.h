@@ -8,7 +8,7 @@
 class QEENGINE_EXPORT QERes
 {
 public:
-    /// Gives the text with that number, which lives as long as the process; a number without
+    /// Returns the text with that number, which lives as long as the process; a number without
     /// text gives the empty string.
     [[nodiscard]] static const I18NString& getString(long number);
 };

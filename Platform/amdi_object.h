@@ -5,18 +5,20 @@
 #include "QEENGINE_EXPORT.h"
 #include "amd_id.h"
 
-/// What every metadata object tells of itself. Objects belong to their gateway; callers use them
+/// What every metadata object knows of itself. Objects belong to their gateway; callers use them
 /// within the operation that fetched them and never delete them.
 class QEENGINE_EXPORT amdi_object
 {
 public:
     virtual ~amdi_object();
 
-    /// Gives the object's own id. Its class code says which interface the object implements.
+    /// Returns the object's own id. Its class code stands for the interface that the object
+    /// implements.
     [[nodiscard]] virtual amd_id GetId() const = 0;
     [[nodiscard]] virtual I18NString GetName() const = 0;
 
-    /// Gives the folder or namespace that holds the object; the empty id at the top.
+    /// Returns the parent: the folder or namespace that the object lies in; the empty id at the
+    /// top.
     [[nodiscard]] virtual amd_id GetParentId() const = 0;
 
     /// Replaces `name` by the name under which users see the object.

@@ -12,16 +12,16 @@ public:
 
     using CardinalityRange = BMT_I_Association::CardinalityRange;
 
-    /// Gives the second end.
+    /// Returns the second end.
     [[nodiscard]] virtual amd_id GetRightId() const = 0;
-    /// Gives the first end.
+    /// Returns the first end.
     [[nodiscard]] virtual amd_id GetLeftId() const = 0;
-    /// Gives the cardinality at the first end. Relationships of class 136 give numbers of their
+    /// Returns the cardinality at the first end. Relationships of class 136 have numbers of their
     /// own enumeration.
     [[nodiscard]] virtual CardinalityRange GetLeftCardinality() const = 0;
-    /// Gives the cardinality at the second end.
+    /// Returns the cardinality at the second end.
     [[nodiscard]] virtual CardinalityRange GetRightCardinality() const = 0;
-    /// Gives the join condition, owned by the object.
+    /// Returns the join condition, owned by the object.
     [[nodiscard]] virtual const char* GetExpressionText() const = 0;
 };
 

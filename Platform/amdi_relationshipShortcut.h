@@ -9,11 +9,11 @@ class QEENGINE_EXPORT amdi_relationshipShortcut : public amdi_object
 public:
     ~amdi_relationshipShortcut() override;
 
-    /// Gives the relationship, or the relationship shortcut, that this one stands for.
+    /// Returns the relationship, or the relationship shortcut, that this one stands for.
     [[nodiscard]] virtual amd_id GetReferencedId() const = 0;
-    /// Gives the second end as seen through the shortcut.
+    /// Returns the second end as seen through the shortcut.
     [[nodiscard]] virtual amd_id GetRightId() const = 0;
-    /// Gives the first end as seen through the shortcut.
+    /// Returns the first end as seen through the shortcut.
     [[nodiscard]] virtual amd_id GetLeftId() const = 0;
 };
 

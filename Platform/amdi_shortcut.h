@@ -9,10 +9,10 @@ class QEENGINE_EXPORT amdi_shortcut : public amdi_object
 public:
     ~amdi_shortcut() override;
 
-    /// Gives the object that the shortcut stands for, which may be a shortcut itself.
+    /// Returns the object that the shortcut stands for, which may be a shortcut itself.
     [[nodiscard]] virtual amd_id GetReferencedId() const = 0;
 
-    /// Gives 0 for the ordinary kind of shortcut, the one that is grouped with its target.
+    /// Returns 0 for the ordinary kind of shortcut, the one that is grouped with its target.
     [[nodiscard]] virtual int GetShortcutKind() const = 0;
 };
 

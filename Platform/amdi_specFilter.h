@@ -9,7 +9,7 @@ class QEENGINE_EXPORT amdi_specFilter : public amdi_object
 public:
     ~amdi_specFilter() override;
 
-    /// Gives the condition, owned by the object.
+    /// Returns the condition, owned by the object.
     [[nodiscard]] virtual const char* GetExpressionText() const = 0;
 };
 

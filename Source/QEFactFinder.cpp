@@ -1,8 +1,9 @@
 #include "QEFactFinder.h"
 
-#include "Facts/FactFailure.h"
-#include "Facts/FactQueries.h"
+#include "Joins/RaiseFailure.h"
 
+#include <algorithm>
+#include <iterator>
 #include <ostream>
 
 template class AUT_RefPtr<AQE_I_FactFinder>;
@@ -27,23 +28,80 @@ void AQE_FactFinder::AddJoin(amd_id /*joinId*/, amd_id left, int leftMax, amd_id
 
 void AQE_FactFinder::GetDimensions(amd_id id, std::vector<amd_id>* dimensions, bool recursive)
 {
-    if (dimensions != nullptr)
-        qe::AppendDimensions(mGraph, id, recursive ? qe::EDimensions::All : qe::EDimensions::Own,
-                             *dimensions);
+    const qe::FactNode* const node = mGraph.Find(id);
+    if (node == nullptr || dimensions == nullptr)
+        return;
+    for (const qe::FactNode* const child : node->mChildren) {
+        for (const amd_id& dimension : child->mIds) {
+            if (std::find(dimensions->begin(), dimensions->end(), dimension) != dimensions->end())
+                continue;
+            dimensions->push_back(dimension);
+            if (recursive)
+                GetDimensions(dimension, dimensions, recursive);
+        }
+    }
 }
 
 void AQE_FactFinder::GetFacts(std::vector<amd_id>& facts)
 {
-    qe::AppendFacts(mGraph, facts);
+    for (const qe::FactNode* const root : mGraph.GetRoots())
+        facts.push_back(root->mIds.front());
 }
 
 void AQE_FactFinder::GetSharedDimensions(std::vector<amd_id>& dimensions)
 {
-    qe::AppendSharedDimensions(mGraph, dimensions);
+    const std::vector<qe::FactNode*>& roots = mGraph.GetRoots();
+    if (roots.empty())
+        return;
+    const amd_id firstFact = roots.front()->mIds.front();
+    if (roots.size() == 1) {
+        // What everything shares when there is a single fact is the fact itself.
+        dimensions.push_back(firstFact);
+        return;
+    }
+    GetDimensions(firstFact, &dimensions, true);
+    std::sort(dimensions.begin(), dimensions.end());
+    for (auto root = std::next(roots.begin()); root != roots.end(); ++root) {
+        std::vector<amd_id> further;
+        GetDimensions((*root)->mIds.front(), &further, true);
+        std::sort(further.begin(), further.end());
+        std::vector<amd_id> common;
+        std::set_intersection(dimensions.begin(), dimensions.end(), further.begin(), further.end(),
+                              std::back_inserter(common));
+        dimensions.swap(common);
+    }
 }
 
 void AQE_FactFinder::Dump(std::ostream& out)
 {
     out << "FactFinder::Dump" << std::endl;
-    qe::DumpFacts(mGraph, out);
+    mGraph.Dump(out);
+    DumpFacts(out);
+    DumpSharedDimensions(out);
+}
+
+void AQE_FactFinder::DumpFacts(std::ostream& out)
+{
+    out << "Facts:" << std::endl;
+    std::vector<amd_id> facts;
+    GetFacts(facts);
+    for (const amd_id& fact : facts) {
+        // Every fact line shows the same unset pair; the trees above name the facts.
+        out << "    " << ToText(amd_id{}) << std::endl;
+        std::vector<amd_id> dimensions;
+        GetDimensions(fact, &dimensions, true);
+        out << "    -->";
+        for (const amd_id& dimension : dimensions)
+            out << ' ' << ToText(dimension);
+        out << std::endl;
+    }
+}
+
+void AQE_FactFinder::DumpSharedDimensions(std::ostream& out)
+{
+    out << "Shared Dimensions:" << std::endl;
+    std::vector<amd_id> dimensions;
+    GetSharedDimensions(dimensions);
+    for (const amd_id& dimension : dimensions)
+        out << "    " << ToText(dimension) << std::endl;
 }

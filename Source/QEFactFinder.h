@@ -9,7 +9,8 @@
 #include <vector>
 
 /// The fact finder: sorts joins by their cardinalities into a graph and reads the answers off it.
-/// It looks at nothing but the ids and cardinalities that it is given.
+/// It looks at nothing but the ids and cardinalities that it is given. Its operations ask each
+/// other through the interface, so that a derived class may answer differently.
 class AQE_FactFinder : public AQE_I_FactFinder
 {
 public:
@@ -23,6 +24,9 @@ public:
     void GetSharedDimensions(std::vector<amd_id>& dimensions) override;
 
 private:
+    void DumpFacts(std::ostream& out);
+    void DumpSharedDimensions(std::ostream& out);
+
     qe::FactGraph mGraph;
 };
 

@@ -244,7 +244,7 @@ void AQE_JoinTree::GrowUnlessConnected(const qe::JoinEndsReader& endsReader)
         mMinimumSpanningTreeEntities = std::move(spanningTree.entities);
     }
     if (mTree->IsConnected())
-        growth.Close(mMinimumSpanningTreeEntities);
+        growth.CloseTree(mMinimumSpanningTreeEntities);
 }
 
 void AQE_JoinTree::CheapestTreesStep()

@@ -25,16 +25,19 @@ struct AQE_Governors;
 /// A join tree loads the candidate nodes and joins into the full graph, whose weights follow from
 /// the kinds of the joins, and grows the tree graph in it until every query subject is connected.
 /// With the setting "NewAlgo" (on by default) it takes all trees of least weight at once;
-/// otherwise it merges the shortest paths between pairs of query subjects, cheapest first, and
+/// otherwise it merges the shortest paths between pairs of query subjects, shortest first, and
 /// then adds every other join between the query subjects it has reached, so that the alternatives
 /// can be ranked.
 ///
 /// All work is done in the constructor; the accessors read what it found. Pointers are borrowed
 /// and must outlive the tree; governors, request context and shortcut information may be null.
-/// Where nothing is built, the accessors read an empty tree.
-/// Exceptions of the gateway pass through, and so does the error of the cross-product governor. An
-/// ORVAssertError is raised when the pairwise algorithm has to close the tree at a join that it
-/// cannot read, as synthetic shortcut joins are.
+/// Where nothing is built, the accessors read an empty tree. Exceptions of the gateway pass
+/// through, and so does the error of the cross-product governor. An ORVAssertError is raised when
+/// the pairwise algorithm has to close the tree at a join that it cannot read, as synthetic
+/// shortcut joins are.
+///
+/// Requests come as records. The constructors with one argument for each list are those of the
+/// engine's other callers, and keep their order.
 class AQE_JoinTree
 {
 public:
@@ -98,8 +101,8 @@ public:
     /// Replaces `joins` by the result of the connectivity-only use.
     void GetConnectingJoins(Ids& joins) const;
 
-    /// Returns the candidate join paths. Those of the cheapest-trees search replace `paths`; those
-    /// that were grown are appended.
+    /// Replaces `paths` by the candidate join paths of the cheapest-trees search; appends those
+    /// that were grown instead.
     void GetJoinPaths(std::vector<Ids>& paths) const;
 
 private:

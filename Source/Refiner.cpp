@@ -123,7 +123,10 @@ AQE_JoinCache* AQE_Refiner::FindJoinCache() const
 
 qe::RefinerServices AQE_Refiner::GetServices() const
 {
-    return {mGateway, mGovernors, mRequestContext, mShortcutInfo};
+    return {.gateway = mGateway,
+            .governors = mGovernors,
+            .requestContext = mRequestContext,
+            .shortcutInfo = mShortcutInfo};
 }
 
 void AQE_Refiner::ComputeJoinPath(const Ids& querySubjects, const Ids& favouredJoins,

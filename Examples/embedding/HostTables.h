@@ -26,17 +26,17 @@ struct Row
     const char* condition = "";
 };
 
-/// Gives the metadata of a chain of bicycle rentals: trips with their riders and stations, dates
+/// Returns the metadata of a chain of bicycle rentals: trips with their riders and stations, dates
 /// in two roles, and the staff's pay, which nothing joins to the trips.
 [[nodiscard]] const std::vector<Row>& GetTables();
 
-/// Gives the ids of all rows whose name is among the given ones, in the order of the names.
+/// Returns the ids of all rows whose name is among the given ones, in the order of the names.
 [[nodiscard]] std::vector<amd_id> FindIds(const std::vector<const char*>& names);
 
-/// Gives the name of an object; ids that are in no table are written as "class:number".
+/// Returns the name of an object; ids that are in no table are written as "class:number".
 [[nodiscard]] std::string GetName(const amd_id& id);
 
-/// Gives all query subjects and shortcuts, or all joins: the graph that the refiner may use.
+/// Returns all query subjects and shortcuts, or all joins: the graph that the refiner may use.
 [[nodiscard]] std::vector<amd_id> GetNodes();
 [[nodiscard]] std::vector<amd_id> GetJoins();
 

@@ -18,9 +18,9 @@ public:
     ~TableGateway() override;
 
     [[nodiscard]] amdi_object* GetObject(const amd_id& id) override;
-    /// Gives the one locale of this host.
+    /// Returns the one locale of this host.
     [[nodiscard]] I18NLocale GetLocale(const amd_id& id) override;
-    /// Gives the folder of the object: this host has no namespaces.
+    /// Returns the folder of the object: this host has no namespaces.
     [[nodiscard]] amd_id GetQualifierId(amd_id id) override;
 
 private:

@@ -3,11 +3,11 @@
 
 #include <cstdint>
 
-/// The class codes of metadata objects that the refiner tells apart. The metadata layer fixes
+/// The class codes of metadata objects that the refiner distinguishes. The metadata layer fixes
 /// the numbers.
 enum IdClass : std::int32_t
 {
-    /// A container of model objects.
+    /// A folder, the parent of model objects.
     IdClassFolder = 99,
     /// A table, view or model object that a query reads.
     IdClassQuerySubject = 100,
@@ -21,7 +21,7 @@ enum IdClass : std::int32_t
     IdClassRelationshipShortcut = 110,
     /// A model filter.
     IdClassFilter = 114,
-    /// A relationship of the second kind: the cheapest sort of join.
+    /// A relationship of the second kind: the sort of join that weighs least.
     IdClassRelationship136 = 136,
     /// A join that the query itself defines.
     IdClassSpecJoin = 300005,

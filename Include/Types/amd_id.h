@@ -22,7 +22,7 @@ struct amd_id
         : domain(domainWord), classCode(classWord), number(numberWord)
     {}
 
-    /// Tells whether the id can name an object: class and number are set. The domain is not
+    /// Returns whether the id can name an object: class and number are set. The domain is not
     /// looked at.
     [[nodiscard]] constexpr bool IsValid() const noexcept { return classCode != 0 && number != 0; }
 

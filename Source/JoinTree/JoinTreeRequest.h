@@ -19,13 +19,14 @@ struct JoinTreeRequest
     /// What the tree is for.
     enum class EUse
     {
-        /// Connects the subjects as "NewAlgo" says.
+        /// Connects the subjects: by all trees of least weight or, with "NewAlgo" off, by shortest
+        /// paths.
         Connect,
-        /// Finds nothing but the joins of one cheapest tree; favoured, required and avoided joins
-        /// and synthetic shortcut joins do not count.
+        /// Finds nothing but the joins of one minimum Steiner tree; favoured, required and avoided
+        /// joins and synthetic shortcut joins do not count.
         ConnectivityOnly,
         /// Connects the subjects by shortest paths that also pass over synthetic shortcut joins,
-        /// whatever "NewAlgo" says.
+        /// whatever "NewAlgo" is.
         ConnectOverShortcuts,
     };
 

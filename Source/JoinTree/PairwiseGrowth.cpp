@@ -78,14 +78,14 @@ bool PairwiseGrowth::AllLabelled() const
 
 PairwiseGrowth::DistancePtr PairwiseGrowth::PickCheapest() const
 {
-    const DistancePtr* cheapest = nullptr;
+    const DistancePtr* shortest = nullptr;
     for (const DistancePtr& distance : mPending) {
         const std::int32_t fromLabel = GetLabelAt(distance->fromIndex);
         const bool isCandidate = fromLabel == 0 || fromLabel != GetLabelAt(distance->toIndex);
-        if (isCandidate && (cheapest == nullptr || distance->weight < (*cheapest)->weight))
-            cheapest = &distance;
+        if (isCandidate && (shortest == nullptr || distance->weight < (*shortest)->weight))
+            shortest = &distance;
     }
-    return cheapest == nullptr ? DistancePtr() : *cheapest;
+    return shortest == nullptr ? DistancePtr() : *shortest;
 }
 
 void PairwiseGrowth::RemoveSameDistances(const JoinDistance& distance)

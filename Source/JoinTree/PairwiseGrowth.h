@@ -21,7 +21,7 @@ namespace qe {
 /// Every node carries a label: 0 outside the tree, and otherwise the number of its connected
 /// piece. When pieces merge, their entities take the new number; a node between them that is no
 /// entity keeps its old one until a path passes it again. Shortest paths between all pairs of
-/// entities wait in the order in which they were found; the cheapest one whose ends carry different
+/// entities wait in the order in which they were found; the shortest one whose ends carry different
 /// labels is merged next, the one found first among equals. The nodes on a merged path become
 /// entities too, with shortest paths from the entities of other pieces. The growth ends when all
 /// entities carry one label, or when no path is left.

@@ -82,7 +82,7 @@ void ShortestPathTree::AddTreeEdge(const amd_id& join, const JoinEnds& ends, int
     mGraphs.tree.AddEdge(join, ends.right, ends.left, weight, 0);
 }
 
-void ShortestPathTree::Close(const Ids& entities)
+void ShortestPathTree::CloseTree(const Ids& entities)
 {
     JoinTreeLog log(mServices.gateway, mEndsReader);
     const std::set<amd_id> entitySet(entities.begin(), entities.end());

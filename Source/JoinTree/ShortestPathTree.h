@@ -45,7 +45,7 @@ public:
     /// Adds every join of the full graph between two of the entities, or between one of them and
     /// the group of another, so that the alternatives can be listed. Raises an ORVAssertError at a
     /// join that cannot be read.
-    void Close(const Ids& entities);
+    void CloseTree(const Ids& entities);
 
 private:
     [[nodiscard]] Ids CollectEnds(const Ids& joins) const;

@@ -54,7 +54,7 @@ void RetargetReferences(amdi_gateway& gateway, std::span<AQE_ExpressionNode* con
     }
 }
 
-/// Points the references of every unsettled side at its new end. Gives false when the condition
+/// Points the references of every unsettled side at its new end. Returns false when the condition
 /// is to be kept as it is written.
 bool RetargetSides(amdi_gateway& gateway, const EndReplacement& ends, const References& references)
 {

@@ -22,7 +22,7 @@ struct EndReplacement
 /// A side whose end stays, or whose new end the condition names already, is left alone. When
 /// neither side is settled, the first half of the references in reading order is taken to belong
 /// to the left end and the rest to the right end, which is what tells the two sides of a
-/// self-join apart. Gives the text itself when there is nothing to rewrite, and otherwise the
+/// self-join apart. Returns the text itself when there is nothing to rewrite, and otherwise the
 /// condition as the expression library writes it. What the gateway or the parser raises passes
 /// through.
 [[nodiscard]] I18NString ReplaceEndReferences(amdi_gateway& gateway, const EndReplacement& ends,

@@ -27,7 +27,7 @@ std::optional<WeighedJoin> JoinEndsReader::GetWeighedJoin(const amd_id& join) co
     const auto resolve = [this](const amd_id& shortcut) {
         return AQE_I_Refiner::GetRefQuerySubject(mServices.gateway, shortcut, nullptr, nullptr);
     };
-    read->weight = ApplyFavour(
+    read->weight = AdjustJoinWeight(
         *read, {mFavouredSubjects, resolve},
         {.oneEnd = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeOneEndInSet),
          .bothEnds = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeBothEndsInSet)});
@@ -43,7 +43,8 @@ std::optional<WeighedJoin> JoinEndsReader::Read(const amd_id& join) const
         known = mServices.shortcutInfo->GetJoinInfo(join, info);
     if (!known)
         return std::nullopt;
-    return WeighedJoin{{info.leftQuerySubject, info.rightQuerySubject}, info.weight};
+    return WeighedJoin{.ends = {.left = info.leftQuerySubject, .right = info.rightQuerySubject},
+                       .weight = info.weight};
 }
 
 } // namespace qe

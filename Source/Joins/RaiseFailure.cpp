@@ -23,6 +23,24 @@ void RaiseFailure(const host::Failure& failure, const std::vector<I18NString>& p
     ORV_THROW(exception, failure.place.source, failure.place.line, "QE");
 }
 
+void RaiseUnlessAdded(EFactJoin result)
+{
+    switch (result) {
+    case EFactJoin::Added:
+        return;
+    case EFactJoin::LeftUnusable:
+        return RaiseFailure(host::kLeftUnusable);
+    case EFactJoin::RightUnusableBesideOne:
+        return RaiseFailure(host::kRightUnusableBesideOne);
+    case EFactJoin::RightUnusableBesideMany:
+        return RaiseFailure(host::kRightUnusableBesideMany);
+    case EFactJoin::ManyToMany:
+        return RaiseFailure(host::kManyToManyJoin);
+    case EFactJoin::Cyclic:
+        return RaiseFailure(host::kCyclicFacts);
+    }
+}
+
 void RaiseBrokenInvariant(const host::BrokenInvariant& invariant)
 {
     ORV_ASSERT(false, invariant.text, invariant.place.source, invariant.place.line);

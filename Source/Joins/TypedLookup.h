@@ -7,8 +7,8 @@
 
 namespace qe {
 
-/// Fetches the object with that id as a `T` when the object says itself that it is of the wanted
-/// class; null otherwise, also without a gateway (null). The class of `id` plays no part: a gateway
+/// Returns the object with that id as a `T` when the object's own id is of the wanted class; null
+/// otherwise, also without a gateway (null). The class of `id` plays no part: a gateway
 /// may answer with an object of another class, which then counts as absent.
 template <typename T>
 [[nodiscard]] T* LookUp(amdi_gateway* gateway, const amd_id& id, IdClass wantedClass)

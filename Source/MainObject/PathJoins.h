@@ -46,13 +46,13 @@ public:
     [[nodiscard]] std::size_t GetCount() const { return mJoins.size(); }
     [[nodiscard]] const Join& GetJoin(Position position) const { return mJoins[position]; }
 
-    /// Gives the joins that have the query subject at an end, in path order.
+    /// Returns the joins that have the query subject at an end, in path order.
     [[nodiscard]] const std::vector<Position>& GetJoinsAt(const amd_id& subject) const;
 
-    /// Tells whether no join of the query subject is optional at its end.
+    /// Returns whether no join of the query subject is optional at its end.
     [[nodiscard]] bool HasNoOptionalEnd(const amd_id& subject) const;
 
-    /// Gives the cardinalities of the first join between the two. Raises an ORVAssertError when
+    /// Returns the cardinalities of the first join between the two. Raises an ORVAssertError when
     /// there is none or it can no longer be read.
     [[nodiscard]] RangePair GetRangesBetween(const amd_id& first, const amd_id& second) const;
 

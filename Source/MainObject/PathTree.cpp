@@ -42,9 +42,9 @@ private:
 PathTree::PathTree(const amd_id& root, const PathJoins& joins)
 {
     JoinSupply supply(joins);
-    mNodes.push_back({PathTreeNode::NoParent, root});
+    mNodes.push_back({PathTreeNode::kNoParent, root});
     std::size_t current = 0;
-    while (current != PathTreeNode::NoParent) {
+    while (current != PathTreeNode::kNoParent) {
         const amd_id id = mNodes[current].id;
         if (const PathJoins::Join* join = supply.TakeJoinAt(id)) {
             mNodes.push_back({current, id == join->left ? join->right : join->left});
@@ -70,7 +70,7 @@ std::vector<amd_id> CollectOneToOne(const PathTree& tree, const PathJoins& joins
     std::vector<amd_id> collected;
     for (std::size_t index = 0; index < nodes.size(); ++index) {
         const PathTreeNode& node = nodes[index];
-        if (node.parent == PathTreeNode::NoParent) {
+        if (node.parent == PathTreeNode::kNoParent) {
             belongs[index] = true;
         } else if (belongs[node.parent]) {
             const auto ranges = joins.GetRangesBetween(tree.GetParentId(node), node.id);

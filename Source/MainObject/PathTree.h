@@ -14,10 +14,10 @@ namespace qe {
 /// One query subject of a path, as seen from the root of its tree.
 struct PathTreeNode
 {
-    static constexpr std::size_t NoParent = std::numeric_limits<std::size_t>::max();
+    static constexpr std::size_t kNoParent = std::numeric_limits<std::size_t>::max();
 
-    /// The position of the node it was reached from; NoParent at the root.
-    std::size_t parent = NoParent;
+    /// The position of the node it was reached from; kNoParent at the root.
+    std::size_t parent = kNoParent;
     amd_id id;
 };
 
@@ -44,7 +44,7 @@ private:
     std::vector<PathTreeNode> mNodes;
 };
 
-/// Gives the root of the tree and every query subject that is joined to it through joins that are
+/// Returns the root of the tree and every query subject that is joined to it through joins that are
 /// exactly one-to-one at both ends, in tree order.
 [[nodiscard]] std::vector<amd_id> CollectOneToOne(const PathTree& tree, const PathJoins& joins);
 

@@ -29,10 +29,10 @@ EFactor GetFactor(const PathJoins::RangePair& ranges, EScoring scoring)
 
 std::int32_t Apply(EFactor factor, std::int32_t score)
 {
-    constexpr std::int32_t limit = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t kLimit = std::numeric_limits<std::int32_t>::max();
     switch (factor) {
     case EFactor::Double:
-        return score > limit / 2 ? limit : score * 2;
+        return score > kLimit / 2 ? kLimit : score * 2;
     case EFactor::Halve:
         return score / 2;
     case EFactor::Keep:

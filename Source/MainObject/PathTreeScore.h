@@ -13,7 +13,7 @@ namespace qe {
 /// The score of the root of a path tree.
 constexpr std::int32_t kRootScore = 65536;
 
-/// What makes a score grow or shrink on the way from a node to its child.
+/// What makes a score grow or shrink on the step from a node to its child.
 enum class EScoring
 {
     /// Doubles towards a "many" end.

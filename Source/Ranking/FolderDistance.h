@@ -8,7 +8,7 @@ class amdi_gateway;
 
 namespace qe {
 
-/// Tells how far a relationship or relationship shortcut lies from the query subjects it joins:
+/// Returns how far a relationship or relationship shortcut lies from the query subjects it joins:
 /// the mean of the distances of its folder to their folders, rounded down. 0 when they share a
 /// folder, and also when the join is of another class or something cannot be found.
 ///

@@ -1,7 +1,7 @@
 #include "Ranking/PathRanking.h"
 
-#include "Facts/FactFailure.h"
 #include "I18NString.h"
+#include "Joins/RaiseFailure.h"
 #include "Ranking/RankingLog.h"
 #include "Rules/WrappingArithmetic.h"
 

@@ -3,6 +3,8 @@
 #include "BMT_I_Association.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <ostream>
 #include <set>
 
 namespace qe {
@@ -59,6 +61,28 @@ ESide ToSide(std::int32_t maximum)
     default:
         return ESide::Unusable;
     }
+}
+
+void PrintIds(const FactNode& node, std::ostream& out)
+{
+    out << "Id(s): ";
+    for (const amd_id& id : node.mIds)
+        out << ' ' << ToText(id);
+    out << std::endl;
+}
+
+/// Prints `node` below the nodes of `path`, the last of which is its parent.
+void PrintTree(const FactNode& node, std::vector<const FactNode*>& path, std::ostream& out)
+{
+    for (std::size_t depth = 0; depth < path.size(); ++depth)
+        out << "    ";
+    PrintIds(node, out);
+    if (std::find(path.begin(), path.end(), &node) != path.end())
+        return;
+    path.push_back(&node);
+    for (const FactNode* const child : node.mChildren)
+        PrintTree(*child, path, out);
+    path.pop_back();
 }
 
 } // namespace
@@ -164,6 +188,20 @@ void FactGraph::RemoveRoot(const FactNode& node)
     const auto found = std::find(mRoots.begin(), mRoots.end(), &node);
     if (found != mRoots.end())
         mRoots.erase(found);
+}
+
+void FactGraph::Dump(std::ostream& out) const
+{
+    out << "Nodes:" << std::endl;
+    for (const auto& [id, node] : mNodeById) {
+        out << ToText(id) << " --> ";
+        PrintIds(*node, out);
+    }
+    for (const FactNode* const root : mRoots) {
+        out << "FactRoot:" << std::endl;
+        std::vector<const FactNode*> path;
+        PrintTree(*root, path, out);
+    }
 }
 
 } // namespace qe

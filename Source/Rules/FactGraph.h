@@ -4,6 +4,7 @@
 #include "amd_id.h"
 
 #include <cstdint>
+#include <iosfwd>
 #include <map>
 #include <memory>
 #include <set>
@@ -75,11 +76,9 @@ public:
     /// Returns the nodes that are facts, in the order in which they became facts.
     [[nodiscard]] const std::vector<FactNode*>& GetRoots() const noexcept { return mRoots; }
 
-    /// Returns every id of the joins with the node that it belongs to now.
-    [[nodiscard]] const std::map<amd_id, FactNode*>& GetNodesById() const noexcept
-    {
-        return mNodeById;
-    }
+    /// Writes the nodes by id and the tree below each fact. A node that lies below itself is named
+    /// where it comes back and not written out again.
+    void Dump(std::ostream& out) const;
 
 private:
     void AddOneToOneJoin(const amd_id& a, const amd_id& b);

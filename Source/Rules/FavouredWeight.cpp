@@ -18,8 +18,8 @@ bool StandsForFavoured(const amd_id& end, const FavouredSubjects& favoured)
 
 } // namespace
 
-int ApplyFavour(const WeighedJoin& join, const FavouredSubjects& favoured,
-                const FavouredWeights& weights)
+int AdjustJoinWeight(const WeighedJoin& join, const FavouredSubjects& favoured,
+                     const FavouredWeights& weights)
 {
     if (join.weight <= weights.bothEnds || favoured.ids.empty())
         return join.weight;

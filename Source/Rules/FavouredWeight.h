@@ -30,8 +30,8 @@ struct FavouredSubjects
 /// `weights.oneEnd` when so many of its ends are favoured, and its own weight otherwise. A join
 /// that weighs no more than one with both ends favoured keeps its weight. What a shortcut stands
 /// for counts only when neither end is favoured as it stands. What `resolve` throws passes through.
-[[nodiscard]] int ApplyFavour(const WeighedJoin& join, const FavouredSubjects& favoured,
-                              const FavouredWeights& weights);
+[[nodiscard]] int AdjustJoinWeight(const WeighedJoin& join, const FavouredSubjects& favoured,
+                                   const FavouredWeights& weights);
 
 } // namespace qe
 

@@ -11,9 +11,9 @@ namespace {
 /// The fact graph takes no many-to-many joins; they are counted apart.
 EFactJoin AddToGraph(FactGraph& graph, const PathJoin& join, bool isManyToMany)
 {
-    constexpr std::int32_t one = BMT_I_Association::CardinalityOne;
-    return graph.AddJoin({join.ends.left, isManyToMany ? one : join.leftCardinality.maximum},
-                         {join.ends.right, isManyToMany ? one : join.rightCardinality.maximum});
+    constexpr std::int32_t kOne = BMT_I_Association::CardinalityOne;
+    return graph.AddJoin({join.ends.left, isManyToMany ? kOne : join.leftCardinality.maximum},
+                         {join.ends.right, isManyToMany ? kOne : join.rightCardinality.maximum});
 }
 
 } // namespace

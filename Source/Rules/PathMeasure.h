@@ -31,8 +31,8 @@ public:
     /// Returns the join, or nothing when it cannot be read; such joins count for nothing.
     [[nodiscard]] virtual std::optional<PathJoin> ReadPathJoin(const amd_id& join) const = 0;
 
-    /// Is told why the fact tables of a path cannot be counted. What it throws ends the measuring
-    /// and passes through.
+    /// Receives the reason why the fact tables of a path cannot be counted. What it throws ends
+    /// the measuring and passes through.
     virtual void ReportUncountable(EFactJoin problem) const = 0;
 };
 
@@ -49,8 +49,8 @@ struct PathMeasure
 };
 
 /// Sets the fact tables and the many-to-many joins of the path. At the first join from which facts
-/// cannot be told apart `source` is told of it; unless it throws, `factTables` stays empty and the
-/// many-to-many joins are counted to the end.
+/// cannot be told apart `source` receives the reason; unless it throws, `factTables` stays empty
+/// and the many-to-many joins are counted to the end.
 void CountFactTables(std::span<const amd_id> path, const PathJoinSource& source,
                      PathMeasure& measure);
 

@@ -84,10 +84,12 @@ int Request::GetWeight(const AQE_I_Refiner::QEjoinInfo& info)
     const auto resolve = [this](const amd_id& shortcut) {
         return AQE_I_Refiner::GetRefQuerySubject(&mGateway, shortcut, nullptr, nullptr);
     };
-    return ApplyFavour({{info.leftQuerySubject, info.rightQuerySubject}, info.weight},
-                       {mFavouredSubjects, resolve},
-                       {.oneEnd = WeightOf(AQE_I_Refiner::EdgeTypeOneEndInSet),
-                        .bothEnds = WeightOf(AQE_I_Refiner::EdgeTypeBothEndsInSet)});
+    return AdjustJoinWeight(
+        {.ends = {.left = info.leftQuerySubject, .right = info.rightQuerySubject},
+         .weight = info.weight},
+        {mFavouredSubjects, resolve},
+        {.oneEnd = WeightOf(AQE_I_Refiner::EdgeTypeOneEndInSet),
+         .bothEnds = WeightOf(AQE_I_Refiner::EdgeTypeBothEndsInSet)});
 }
 
 } // namespace qe::tool

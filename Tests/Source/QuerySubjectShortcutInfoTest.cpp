@@ -21,8 +21,8 @@ using qe::test::CountingGateway;
 using qe::test::ModelText;
 using qe::test::ToldFailure;
 
-constexpr int ByTarget = 0;
-constexpr int ByContainer = 1;
+constexpr int kByTarget = 0;
+constexpr int kByParent = 1;
 
 /// The target in P1, two shortcuts in P2, and one in P3 that refers to one of those.
 const char* const ThreeFolders = R"(
@@ -47,7 +47,7 @@ struct Request
         info->Initialize(names.Ids(subjects), names.Ids(joins), names.Ids(requiredJoins));
     }
 
-    /// Gives the synthetic joins as "left-right", in their order, after checking their ids.
+    /// Returns the synthetic joins as "left-right", in their order, after checking their ids.
     [[nodiscard]] std::string Joins()
     {
         std::string text;
@@ -97,7 +97,7 @@ TEST(ShortcutInfo, JoinsTheMembersOfEachGroup)
         {"a chain brings in what it passes", ThreeFolders, "Far", "",
          "Orders-Old Orders-Far Old-Far", "Orders-Old Orders-Far Old-Far"},
         {"no shortcuts", ThreeFolders, "Orders", "", "", ""},
-        {"one container", "T; S -> T; R -> T", "S, R", "", "T-S T-R S-R", ""},
+        {"one parent", "T; S -> T; R -> T", "S, R", "", "T-S T-R S-R", ""},
         {"another kind", "folder A; T; folder B; S ->2 T", "S", "", "", "T-S"},
         {"two targets", "folder A; T; U; folder B; X -> U; Y -> T; Z -> U", "X, Y, Z", "",
          "T-Y U-X U-Z X-Z", "T-Y U-X"},
@@ -130,10 +130,10 @@ TEST(ShortcutInfo, JoinsTheMembersOfEachGroup)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
-        Request byTarget(row.model, ByTarget);
+        Request byTarget(row.model, kByTarget);
         byTarget.Build(row.subjects, row.joins);
         EXPECT_EQ(byTarget.Joins(), row.byTarget);
-        Request byContainer(row.model, ByContainer);
+        Request byContainer(row.model, kByParent);
         byContainer.Build(row.subjects, "", row.joins);
         EXPECT_EQ(byContainer.Joins(), row.byContainer);
     }
@@ -141,7 +141,7 @@ TEST(ShortcutInfo, JoinsTheMembersOfEachGroup)
 
 TEST(ShortcutInfo, KnowsTheGroupOfEachShortcutOnceBuilt)
 {
-    Request request(ThreeFolders, ByContainer);
+    Request request(ThreeFolders, kByParent);
     EXPECT_EQ(request.KeyOf("New"), "New");
     request.Build("Orders, Old, New, Far");
     const std::string joins = request.Joins();
@@ -156,7 +156,7 @@ TEST(ShortcutInfo, KnowsTheGroupOfEachShortcutOnceBuilt)
 
 TEST(ShortcutInfo, GivesInformationAboutItsOwnJoins)
 {
-    Request request(ThreeFolders, ByTarget);
+    Request request(ThreeFolders, kByTarget);
     AQE_I_Refiner::QEjoinInfo info;
     EXPECT_FALSE(request.info->GetJoinInfo({100, IdClassShortcutJoin, 0}, info));
     request.Build("New");
@@ -180,12 +180,12 @@ TEST(ShortcutInfo, GivesInformationAboutItsOwnJoins)
 
 TEST(ShortcutInfo, LeavesOutShortcutsThatLeadNowhere)
 {
-    Request request(ThreeFolders, ByTarget);
+    Request request(ThreeFolders, kByTarget);
     request.gateway.Replace({.id = request.names.Id("Old"), .referenced = request.names.Id("Far")});
     request.Build("Old, Far");
     EXPECT_EQ(request.Joins(), "");
 
-    Request orphan(ThreeFolders, ByTarget);
+    Request orphan(ThreeFolders, kByTarget);
     orphan.gateway.Hide(orphan.names.Id("Orders"));
     orphan.Build("Old, New");
     EXPECT_EQ(orphan.Joins(), "");
@@ -193,7 +193,7 @@ TEST(ShortcutInfo, LeavesOutShortcutsThatLeadNowhere)
 
 TEST(ShortcutInfo, PrefersTheLeastIdAmongEqualNames)
 {
-    Request request("folder A; T; folder B; S -> T; R -> T", ByContainer);
+    Request request("folder A; T; folder B; S -> T; R -> T", kByParent);
     request.gateway.Replace({.id = request.names.Id("R"),
                              .name = "S",
                              .parent = request.names.Id("B"),
@@ -205,9 +205,9 @@ TEST(ShortcutInfo, PrefersTheLeastIdAmongEqualNames)
 TEST(ShortcutInfo, DumpsAndLogsItsGroups)
 {
     const qe::LogCapture log(11);
-    Request empty(ThreeFolders, ByTarget);
+    Request empty(ThreeFolders, kByTarget);
     empty.Build("Orders");
-    Request request(ThreeFolders, ByContainer);
+    Request request(ThreeFolders, kByParent);
     request.Build("Orders, Old, New, Far");
     const std::string dump = "QuerySubjectShortcutInfo::Dump\n"
                              "Shortcut groups:\n"
@@ -231,7 +231,7 @@ TEST(ShortcutInfo, DumpsAndLogsItsGroups)
     EXPECT_EQ(entries[1].message, 0xA9E60195U);
 
     const qe::LogCapture quiet(10);
-    Request unlogged(ThreeFolders, ByContainer);
+    Request unlogged(ThreeFolders, kByParent);
     unlogged.Build("Orders, Old, New, Far");
     EXPECT_THAT(quiet.GetEntries(), testing::IsEmpty());
     EXPECT_LT(unlogged.gateway.calls.GetCallCount(), callsWithLog);
@@ -244,21 +244,21 @@ TEST(ShortcutInfo, StopsForGoodWhenTheGatewayFailsWhileGrouping)
 {
     const qe::LogCapture log(11);
     const std::string subjects = "Orders, Old, New, Far";
-    Request whole(ThreeFolders, ByTarget);
+    Request whole(ThreeFolders, kByTarget);
     whole.Build(subjects);
     const std::string wanted = whole.Joins();
     // Looking up the chains (4 shortcuts) and the targets (3 times) goes before the grouping.
-    constexpr std::size_t callsBefore = 7;
+    constexpr std::size_t kCallsBefore = 7;
     const std::size_t calls = whole.gateway.calls.GetCallCount();
-    ASSERT_GT(calls, callsBefore);
+    ASSERT_GT(calls, kCallsBefore);
     for (std::size_t call = 1; call <= calls; ++call) {
         SCOPED_TRACE(call);
-        Request request(ThreeFolders, ByTarget);
+        Request request(ThreeFolders, kByTarget);
         request.gateway.calls.FailAtCall(call);
         EXPECT_THROW(request.Build(subjects), ToldFailure);
         const std::string left = request.Joins();
         request.Build(subjects);
-        EXPECT_EQ(request.Joins(), call <= callsBefore ? wanted : left);
+        EXPECT_EQ(request.Joins(), call <= kCallsBefore ? wanted : left);
         EXPECT_EQ(request.KeyOf("New"), request.Joins().empty() ? "New" : "Orders");
     }
 }

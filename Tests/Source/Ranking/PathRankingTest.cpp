@@ -1,8 +1,7 @@
+#include "Ranking/PathRanking.h"
 #include "Engine/Services/LogCapture.h"
 #include "HBNException.h"
 #include "PathSelection.h"
-#include "Ranking/FolderDistance.h"
-#include "Ranking/PathRanking.h"
 #include "Tests/Support/CountingGateway.h"
 #include "Tests/Support/ModelText.h"
 #include "Tests/Support/RecordingSelector.h"
@@ -149,48 +148,6 @@ TEST(BestPaths, HaveTheLeastWeightAndThenTheFewestFactTables)
     EXPECT_THAT(selectBest({5, 3, 3, 3, 3, 4}), ElementsAre(2, 3));
     EXPECT_THAT(selectBest({5, -3, 3, 3, 3, -3}), ElementsAre(5));
     EXPECT_TRUE(selectBest({}).empty());
-}
-
-TEST(FolderDistance, GoesOverTheNearestCommonFolder)
-{
-    const ModelText model(R"(
-        folder Sales
-        Orders >- Lines : together
-        folder Sales/East/Port
-        Ship, Crew
-        folder Else
-        Island
-        folder
-        Loose
-        folder Sales
-        Ship >- Crew : above; Orders >- Ship : half; Orders >- Island : apart
-        Orders >- Loose : outside; Orders >= Ship : second; Orders >~ Ship : query
-        folder Sales/West
-        Orders >- Ship : beside on [Model].[Orders].[Key] = [Model].[Ship].[Key]
-        Orders(Key), Ship(Key)
-        stand -> beside : Orders, Ship
-        folder Sales/East/Port/Quay/Berth
-        Ship >- Crew : below
-    )");
-    const struct
-    {
-        const char* join;
-        int distance;
-    } rows[] = {
-        {"together", 0}, {"above", 4}, {"half", 2},  {"apart", 0},  {"outside", 0}, {"second", 0},
-        {"beside", 4},   {"stand", 4}, {"below", 4}, {"Orders", 0}, {"query", 0},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(qe::FolderDistance(model.Id(row.join), &model.GetGateway(), nullptr),
-                  row.distance)
-            << row.join;
-
-    CountingGateway gateway(model.GetGateway());
-    gateway.Replace({.id = model.Id("Sales"), .parent = model.Id("Port")});
-    EXPECT_EQ(qe::FolderDistance(model.Id("beside"), &gateway, nullptr), 3) << "a circle";
-    gateway.Hide(model.Id("Ship"));
-    EXPECT_EQ(qe::FolderDistance(model.Id("half"), &gateway, nullptr), 0);
-    EXPECT_EQ(qe::FolderDistance(model.Id("half"), nullptr, nullptr), 0);
 }
 
 } // namespace

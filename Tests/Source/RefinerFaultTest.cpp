@@ -190,7 +190,7 @@ protected:
         CountedAllocation::FailAtRequest(source == ESource::Memory ? n : 0);
     }
 
-    /// Lets the n-th call of a source fail, and tells whether there was an n-th call.
+    /// Lets the n-th call of a source fail, and returns whether there was an n-th call.
     template <typename Failure>
     bool FailOnce(ESource source, std::size_t n, const Answer& right)
     {

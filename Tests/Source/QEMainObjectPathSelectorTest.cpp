@@ -137,7 +137,7 @@ TEST(MainObject, LeavesUnreadableJoinsOut)
     EXPECT_FALSE(blind.HasMainObject());
 }
 
-/// Gives each join once.
+/// Returns each join once.
 class ForgetfulGateway : public CountingGateway
 {
 public:
@@ -170,11 +170,11 @@ TEST(MainObject, FailsWhenAJoinVanishesUnderIt)
 
 TEST(MainObject, ScoresLongPathsWithoutOverflow)
 {
-    constexpr int length = 20000;
+    constexpr int kLength = 20000;
     qe::model::ModelBuilder builder;
     Ids subjects{builder.AddQuerySubject(qe::model::kTop, "0")};
     Ids path;
-    for (int number = 1; number <= length; ++number) {
+    for (int number = 1; number <= kLength; ++number) {
         const amd_id next = builder.AddQuerySubject(qe::model::kTop, std::to_string(number));
         path.push_back(builder.AddRelationship(qe::model::kTop, "j",
                                                {subjects.back(), qe::model::kOneToMany}, {next}));
@@ -186,7 +186,7 @@ TEST(MainObject, ScoresLongPathsWithoutOverflow)
         MainObjectPathSelector selector(&gateway, nullptr, ends, options);
         selector.SelectAlternative({path});
         EXPECT_EQ(selector.GetMainObject(), ends[1]) << "from the other end the score doubles on";
-        EXPECT_EQ(selector.GetPathObjects().size(), std::size_t{length} + 1);
+        EXPECT_EQ(selector.GetPathObjects().size(), std::size_t{kLength} + 1);
     }
 }
 

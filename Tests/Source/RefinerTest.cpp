@@ -7,6 +7,7 @@
 #include "AQE_RequestContext.h"
 #include "Engine/Services/SettingsOverride.h"
 #include "HBNException.h"
+#include "Tests/Source/ProcessSettings.h"
 #include "Tests/Support/CountingGateway.h"
 #include "Tests/Support/ModelText.h"
 #include "Tests/Support/RecordingSelector.h"
@@ -77,7 +78,7 @@ struct Request
         return model.Names(joined);
     }
 
-    /// Gives "path / weight / ends".
+    /// Returns "path / weight / ends".
     std::string Between(std::string_view first, std::string_view second,
                         std::string_view avoided = "", std::string_view furtherAvoided = "")
     {
@@ -117,15 +118,17 @@ struct Request
 class RankedRequests : public testing::TestWithParam<const char*>
 {};
 
-// Letters for the ways, in the order of their signatures. The two algorithms list the joins of one
+// Letters for the paths, in the order of their signatures. The two algorithms list the joins of one
 // of them in another order.
-const std::map<char, std::string> kWays{
+const std::map<char, std::string> kPaths{
     {'a', "oc, cr, cd"}, {'b', "occ, cr, cd"}, {'c', "od, cd, cr"}, {'C', "cr, od, cd"},
     {'d', "oc, cr, od"}, {'e', "occ, cr, od"}, {'f', "os, od, sr"},
 };
 
 TEST_P(RankedRequests, AreShownToTheSelectorInRankOrder)
 {
+    if (qe::test::RunsWithOtherCases())
+        GTEST_SKIP() << qe::test::kNeedsOwnProcess;
     const std::string row = GetParam();
     const auto isOn = [&row](const char* name) { return row.find(name) != std::string::npos; };
     const std::string order = row.substr(row.rfind(' ') + 1);
@@ -136,15 +139,15 @@ TEST_P(RankedRequests, AreShownToTheSelectorInRankOrder)
     const std::string chosen = request.JoinPath("Orders, Region, Date");
 
     Texts expected;
-    for (const char way : order) {
+    for (const char letter : order) {
         // Only the join of the archive lies away from what it joins.
-        const int weight = isByFolder ? 51000 + (way == 'f' ? 2 : 0) : 51;
-        const bool isLighter = isByFolder && isOn("NewAlgo") && way != 'f';
-        expected.push_back(kWays.at(way) + ": " + (isLighter ? "1 " : "0 ") +
+        const int weight = isByFolder ? 51000 + (letter == 'f' ? 2 : 0) : 51;
+        const bool isLighter = isByFolder && isOn("NewAlgo") && letter != 'f';
+        expected.push_back(kPaths.at(letter) + ": " + (isLighter ? "1 " : "0 ") +
                            std::to_string(weight));
     }
     EXPECT_EQ(request.selector.GetShown(request.model), expected);
-    EXPECT_EQ(chosen, kWays.at(order.front()));
+    EXPECT_EQ(chosen, kPaths.at(order.front()));
 }
 
 // The pairwise algorithm never reaches the store.
@@ -159,6 +162,8 @@ INSTANTIATE_TEST_SUITE_P(AllSettings, RankedRequests,
 
 TEST(JoinPath, ExemptsFavouredAndRequiredJoinsFromTheFolderDistance)
 {
+    if (qe::test::RunsWithOtherCases())
+        GTEST_SKIP() << qe::test::kNeedsOwnProcess;
     const SettingsOverride byFolder("General Options", "AdjustWeightByFolder", 1);
     const char* const model = R"(
         folder F
@@ -179,6 +184,8 @@ TEST(JoinPath, ExemptsFavouredAndRequiredJoinsFromTheFolderDistance)
 
 TEST(JoinPath, CountsFoldersAfterTheSettingFailedToAnswer)
 {
+    if (qe::test::RunsWithOtherCases())
+        GTEST_SKIP() << qe::test::kNeedsOwnProcess;
     int reads = 0;
     qe::SettingsOverride::SetProvider(
         [&](const I18NString&, const I18NString& key) -> std::optional<int> {
@@ -253,7 +260,7 @@ TEST(JoinPath, TakesTheSelectorsChoiceAndRejectsOneOutOfRange)
 {
     Request request(kSales);
     request.selector.Choose(4);
-    EXPECT_EQ(request.JoinPath("Orders, Region, Date"), kWays.at('e'));
+    EXPECT_EQ(request.JoinPath("Orders, Region, Date"), kPaths.at('e'));
     request.selector.Choose(1);
     EXPECT_EQ(request.Between("Orders, Customer", "Region, Date"), "cr / 17 / Customer, Region");
     EXPECT_EQ(request.selector.GetShown(request.model),
@@ -353,7 +360,7 @@ TEST(BestPaths, AreAllCandidatesOrTheLightestWithFewestFactTables)
     Request request(kSales);
     Texts some;
     EXPECT_TRUE(request.BestPaths("Orders, Region, Date", some, "cd, occ, os"));
-    EXPECT_THAT(some, ElementsAre(kWays.at('d')));
+    EXPECT_THAT(some, ElementsAre(kPaths.at('d')));
     std::vector<Ids> paths{request.model.Ids("cr")};
     EXPECT_TRUE(request.refiner->ComputeBestJoinPaths(request.model.Ids("Orders"), {}, {}, {}, {},
                                                       paths, {}, {}));
@@ -365,15 +372,17 @@ TEST(BestPaths, AreAllCandidatesOrTheLightestWithFewestFactTables)
 
 TEST(BestPaths, AreTheLightestWithFewestFactTablesInOtherModes)
 {
+    if (qe::test::RunsWithOtherCases())
+        GTEST_SKIP() << qe::test::kNeedsOwnProcess;
     const SettingsOverride mode("General Options", "FFJoins", 2);
     const SettingsOverride byFolder("General Options", "AdjustWeightByFolder", 1);
     Request request(kSales);
     Texts best;
     EXPECT_TRUE(request.BestPaths("Orders, Region, Date", best));
-    EXPECT_THAT(best, testing::UnorderedElementsAre(kWays.at('a'), kWays.at('d')));
-    EXPECT_EQ(request.JoinPath("Orders, Region, Date"), kWays.at('a'));
+    EXPECT_THAT(best, testing::UnorderedElementsAre(kPaths.at('a'), kPaths.at('d')));
+    EXPECT_EQ(request.JoinPath("Orders, Region, Date"), kPaths.at('a'));
     EXPECT_THAT(request.selector.GetShown(request.model),
-                testing::Contains(kWays.at('f') + ": 0 33002"));
+                testing::Contains(kPaths.at('f') + ": 0 33002"));
 }
 
 TEST(JoinedSubjects, AreTheEndsOfRelationshipsAndTheirShortcuts)

@@ -45,7 +45,7 @@ std::string Shared(AQE_I_FactFinder& finder, std::vector<amd_id> dimensions = {}
     return Letters(dimensions);
 }
 
-/// Gives the own dimensions of a query subject and all of them as "own/all".
+/// Returns the own dimensions of a query subject and all of them as "own/all".
 std::string Dimensions(AQE_I_FactFinder& finder, char of)
 {
     std::vector<amd_id> own;
@@ -62,7 +62,7 @@ std::string DumpOf(AQE_I_FactFinder& finder)
     return out.str();
 }
 
-/// Gives what the join raises as "message@line severity code file component macro parameters".
+/// Returns what the join raises as "message@line severity code file component macro parameters".
 std::string Add(AQE_I_FactFinder& finder, char left, int leftMax, char right, int rightMax)
 {
     try {
@@ -170,7 +170,7 @@ TEST(FactFinder, KeepsTheJoinThatClosesACycle)
     EXPECT_EQ(AddJoins(loop, "A>A"), CycleError);
     EXPECT_EQ(Facts(loop) + Dimensions(loop, 'A'), "AA/A");
 
-    // The circle leads through what G had as a dimension before the merge.
+    // The cycle leads through what G had as a dimension before the merge.
     AQE_FactFinder merged;
     EXPECT_EQ(AddJoins(merged, "F>A G>B A-B B>G"), CycleError);
     AQE_FactFinder ownDimension;
@@ -344,9 +344,9 @@ void ExpectAgreement(AQE_FactFinder& finder, const Restatement& rules)
     EXPECT_EQ(MaskOf(Shared(finder)), facts.size() > 1 ? expectedShared : MaskOf(facts));
 }
 
-/// Tells whether the rules in short cover the one-to-one join. Merging two dimensions leaves the
+/// Returns whether the rules in short cover the one-to-one join. Merging two dimensions leaves the
 /// parents of one with the dimensions they had before, and merging something with what lies below
-/// it makes a circle that goes unreported; neither follows from them.
+/// it makes a cycle that goes unreported; neither follows from them.
 bool IsCovered(const Restatement& rules, const std::string& join)
 {
     const unsigned ends = MaskOf(join);

@@ -149,7 +149,7 @@ public:
         mGraph.nodeCount = mNumbers.size();
     }
 
-    /// Gives what is left when only some of the joins are there.
+    /// Returns what is left when only some of the joins are there.
     [[nodiscard]] SmallGraph Only(const Ids& joins) const
     {
         SmallGraph graph{mGraph.nodeCount, {}};
@@ -167,7 +167,7 @@ public:
         return numbers;
     }
 
-    /// Gives the ends of the request and of the joins that it requires.
+    /// Returns the ends of the request and of the joins that it requires.
     [[nodiscard]] std::vector<std::size_t> Terminals(const RandomCase& random) const
     {
         std::vector<std::size_t> terminals = Numbers(random.subjects);
@@ -182,7 +182,7 @@ public:
         return Only(random.requiredJoins).FindCheapestTrees(Terminals(random)).has_value();
     }
 
-    /// Gives the least weight that connects the nodes, and all trees of that weight.
+    /// Returns the least weight that connects the nodes, and all trees of that weight.
     [[nodiscard]] std::pair<int, Paths> FindOptimum(const std::vector<std::size_t>& nodes) const
     {
         const auto found = mGraph.FindCheapestTrees(nodes);
@@ -227,7 +227,7 @@ std::string Describe(const JoinGraphModel& model, const RandomCase& random)
 class JoinTreeProperty : public testing::Test
 {
 protected:
-    /// Draws requests until one fails, and tells of that one.
+    /// Draws requests until one fails, and reports that one.
     template <typename Check>
     static void ForEachRequest(unsigned seed, EShortcuts shortcuts, const Check& check)
     {
@@ -322,7 +322,7 @@ TEST_F(JoinTreeProperty, PairwiseGrowthConnectsWithinTheBoundOfItsPaper)
         for (const Ids& path : paths) {
             const SmallGraph own = graph.Only(path);
             const SmallGraph::EdgeSet forest = own.FindSpanningForests().front();
-            EXPECT_EQ(forest.size(), path.size()) << "a circle";
+            EXPECT_EQ(forest.size(), path.size()) << "a cycle";
             EXPECT_TRUE(own.FindCheapestTrees(terminals));
             lightest = std::min(lightest, own.GetWeight(forest));
         }
