@@ -3,7 +3,7 @@
 #include "Tests/Toolkit/Asking.h"
 #include "Toolkit/Answers/CheckOutput.h"
 #include "Toolkit/Check/CheckReport.h"
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -186,9 +186,9 @@ TEST(CheckProperty, AmbiguousPairsAreThoseOfAllPathsTried)
             text += node() + (random() % 4 == 0 ? " >= " : " >- ") + node() + ';';
         }
         const ToolModel model = MakeModel(text);
-        const CheckedModel checked(model);
+        const ModelGraph checked(model);
         SmallGraph graph{checked.GetSubjects().size(), {}};
-        for (const CheckedJoin& join : checked.GetJoins())
+        for (const ModelJoin& join : checked.GetJoins())
             graph.edges.push_back({join.left, join.right, join.weight});
         std::set<std::string> expected;
         for (std::size_t from = 0; from < graph.nodeCount; ++from) {

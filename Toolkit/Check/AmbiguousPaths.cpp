@@ -39,7 +39,7 @@ int MaximumWeight(const CheckLimits& limits)
 class PairSearch
 {
 public:
-    PairSearch(const CheckedModel& model, const CheckLimits& limits)
+    PairSearch(const ModelGraph& model, const CheckLimits& limits)
         : mModel(model), mLimits(limits), mPaths(model, MaximumWeight(limits))
     {}
 
@@ -81,7 +81,7 @@ private:
                                            const std::map<std::size_t, std::size_t>& uses) const;
     [[nodiscard]] std::string Advise(const AmbiguousPair& pair, const Path& path) const;
 
-    const CheckedModel& mModel;
+    const ModelGraph& mModel;
     const CheckLimits& mLimits;
     CheapestPaths mPaths;
     std::vector<AmbiguousPair> mPairs;
@@ -93,7 +93,7 @@ CheckedPath PairSearch::DescribePath(std::size_t from, const Path& path,
     CheckedPath described;
     described.text = mModel.NameOf(from);
     for (const std::size_t index : path) {
-        const CheckedJoin& join = mModel.GetJoins()[index];
+        const ModelJoin& join = mModel.GetJoins()[index];
         const bool isShortcutJoin = join.id.classCode == IdClassShortcutJoin;
         from = join.OtherEnd(from);
         described.joins.push_back(join.id);
@@ -131,7 +131,7 @@ Finding PairSearch::Describe(const AmbiguousPair& pair)
 
 std::string PairSearch::Advise(const AmbiguousPair& pair, const Path& path) const
 {
-    const CheckedJoin& last = mModel.GetJoins()[path.back()];
+    const ModelJoin& last = mModel.GetJoins()[path.back()];
     const bool endsInMany =
         IsMany(last.left == pair.to ? last.leftCardinality : last.rightCardinality);
     const std::string dimension = mModel.NameOf(endsInMany ? pair.from : pair.to);
@@ -148,7 +148,7 @@ std::string PairSearch::Advise(const AmbiguousPair& pair, const Path& path) cons
 
 } // namespace
 
-RuleFindings FindAmbiguousPaths(const CheckedModel& model, const CheckLimits& limits)
+RuleFindings FindAmbiguousPaths(const ModelGraph& model, const CheckLimits& limits)
 {
     return PairSearch(model, limits).Run();
 }

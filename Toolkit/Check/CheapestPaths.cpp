@@ -5,7 +5,7 @@
 
 namespace qe::tool {
 
-CheapestPaths::CheapestPaths(const CheckedModel& model, int maximumWeight)
+CheapestPaths::CheapestPaths(const ModelGraph& model, int maximumWeight)
     : mModel(model), mMaximumWeight(maximumWeight), mLabels(model.GetSubjects().size())
 {}
 
@@ -34,7 +34,7 @@ void CheapestPaths::Settle(std::size_t subject)
     mReached.push_back(subject);
     if (subject != mSource)
         FindDominator(subject);
-    for (const CheckedModel::Step& step : mModel.GetSteps(subject)) {
+    for (const ModelGraph::Step& step : mModel.GetSteps(subject)) {
         ++mSteps;
         const int weight = mLabels[subject].weight + mModel.GetJoins()[step.join].weight;
         Label& label = mLabels[step.subject];
@@ -48,7 +48,7 @@ void CheapestPaths::Settle(std::size_t subject)
     }
 }
 
-bool CheapestPaths::IsLastStep(std::size_t end, const CheckedModel::Step& step) const
+bool CheapestPaths::IsLastStep(std::size_t end, const ModelGraph::Step& step) const
 {
     const Label& before = mLabels[step.subject];
     return before.isSettled &&
@@ -58,7 +58,7 @@ bool CheapestPaths::IsLastStep(std::size_t end, const CheckedModel::Step& step) 
 void CheapestPaths::FindDominator(std::size_t subject)
 {
     Label& label = mLabels[subject];
-    for (const CheckedModel::Step& step : mModel.GetSteps(subject)) {
+    for (const ModelGraph::Step& step : mModel.GetSteps(subject)) {
         if (!IsLastStep(subject, step))
             continue;
         label.dominator =
@@ -107,7 +107,7 @@ std::vector<std::vector<std::size_t>> CheapestPaths::ListPaths(std::size_t targe
                 joins.pop_back();
             continue;
         }
-        const CheckedModel::Step& step = steps[place.nextStep++];
+        const ModelGraph::Step& step = steps[place.nextStep++];
         if (IsLastStep(place.subject, step)) {
             joins.push_back(step.join);
             places.push_back({step.subject, 0});

@@ -1,7 +1,7 @@
 #include "Toolkit/Check/CheckReport.h"
 
 #include "Engine/Model/Model.h"
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 #include "Toolkit/Model/ToolModel.h"
 
 #include <algorithm>
@@ -30,7 +30,7 @@ ESeverity CheckReport::GetWorst() const
 
 CheckReport CheckModel(const ToolModel& model, const CheckOptions& options)
 {
-    const CheckedModel checked(model);
+    const ModelGraph checked(model);
     CheckReport report;
     report.subjects = model.model->GetSubjects().size();
     report.joins = model.model->GetJoins().size();

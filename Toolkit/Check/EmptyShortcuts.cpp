@@ -1,5 +1,5 @@
 #include "Engine/Model/Model.h"
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 #include "Toolkit/Check/Rules.h"
 
 namespace qe::tool {
@@ -8,7 +8,7 @@ namespace {
 
 /// Tells what the shortcut leads to instead of a query subject; empty for what it may lead to.
 /// Folders and filters are for people to find, not for joins.
-std::string TellTarget(const CheckedModel& checked, const amd_id& shortcut)
+std::string TellTarget(const ModelGraph& checked, const amd_id& shortcut)
 {
     const amd_id target = checked.GetModel().GetTarget(shortcut);
     if (target.classCode == IdClassShortcut || checked.GetModel().Find(target) == nullptr)
@@ -22,7 +22,7 @@ std::string TellTarget(const CheckedModel& checked, const amd_id& shortcut)
 
 } // namespace
 
-RuleFindings FindEmptyShortcuts(const CheckedModel& model, const CheckLimits& limits)
+RuleFindings FindEmptyShortcuts(const ModelGraph& model, const CheckLimits& limits)
 {
     RuleFindings found;
     for (const amd_id& id : model.GetModel().GetIds(IdClassShortcut)) {

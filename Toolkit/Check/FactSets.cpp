@@ -4,10 +4,10 @@
 
 namespace qe::tool {
 
-FactSets::FactSets(const CheckedModel& model)
+FactSets::FactSets(const ModelGraph& model)
     : mDetails(model.GetSubjects().size()), mIsFact(model.GetSubjects().size(), false)
 {
-    for (const CheckedJoin& join : model.GetJoins()) {
+    for (const ModelJoin& join : model.GetJoins()) {
         const bool leftIsMany = IsMany(join.leftCardinality);
         if (leftIsMany == IsMany(join.rightCardinality) || join.left == join.right)
             continue;

@@ -1,7 +1,7 @@
 #ifndef TOOLKIT_CHECK_FACTSETS_H
 #define TOOLKIT_CHECK_FACTSETS_H
 
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 
 #include <cstddef>
 #include <vector>
@@ -14,7 +14,7 @@ namespace qe::tool {
 class FactSets
 {
 public:
-    explicit FactSets(const CheckedModel& model);
+    explicit FactSets(const ModelGraph& model);
 
     /// Gives the subjects of which the subject is directly a dimension, in order, each once.
     [[nodiscard]] const std::vector<std::size_t>& GetDetails(std::size_t subject) const

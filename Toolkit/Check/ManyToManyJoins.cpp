@@ -1,12 +1,12 @@
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 #include "Toolkit/Check/Rules.h"
 
 namespace qe::tool {
 
-RuleFindings FindManyToManyJoins(const CheckedModel& model, const CheckLimits& limits)
+RuleFindings FindManyToManyJoins(const ModelGraph& model, const CheckLimits& limits)
 {
     RuleFindings found;
-    for (const CheckedJoin& join : model.GetJoins()) {
+    for (const ModelJoin& join : model.GetJoins()) {
         if (!IsMany(join.leftCardinality) || !IsMany(join.rightCardinality))
             continue;
         if (++found.total > limits.findings)

@@ -1,6 +1,6 @@
 #include "Engine/Expression/ParseReport.h"
 #include "Engine/Model/Model.h"
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 #include "Toolkit/Check/Rules.h"
 
 #include <set>
@@ -13,7 +13,7 @@ namespace {
 class ConditionReading
 {
 public:
-    ConditionReading(const CheckedModel& model, const CheckedJoin& join)
+    ConditionReading(const ModelGraph& model, const ModelJoin& join)
         : mModel(model),
           mJoin(join),
           mLeft(model.GetSubjects()[join.left]),
@@ -59,8 +59,8 @@ private:
         return target != mModel.GetModel().GetTarget(otherEnd) && mMentioned.count(target) > 0;
     }
 
-    const CheckedModel& mModel;
-    const CheckedJoin& mJoin;
+    const ModelGraph& mModel;
+    const ModelJoin& mJoin;
     amd_id mLeft;
     amd_id mRight;
     std::set<amd_id> mMentioned;
@@ -68,10 +68,10 @@ private:
 
 } // namespace
 
-RuleFindings FindOneSidedConditions(const CheckedModel& model, const CheckLimits& limits)
+RuleFindings FindOneSidedConditions(const ModelGraph& model, const CheckLimits& limits)
 {
     RuleFindings found;
-    for (const CheckedJoin& join : model.GetJoins()) {
+    for (const ModelJoin& join : model.GetJoins()) {
         if (join.id.classCode == IdClassShortcutJoin)
             continue;
         const std::string fault = ConditionReading(model, join).TellFault();

@@ -14,8 +14,8 @@ constexpr std::array kRules{
     Rule{"separate-group", ESeverity::Warning, FindSeparateGroups},
     Rule{"ambiguous-path", ESeverity::Warning, FindAmbiguousPaths},
     Rule{"many-to-many", ESeverity::Warning, FindManyToManyJoins},
-    Rule{"chasm", ESeverity::Note, FindSharedDimensions},
-    Rule{"fan", ESeverity::Note, FindMultipliedFacts},
+    Rule{"chasm", ESeverity::Note, FindChasmTraps},
+    Rule{"fan", ESeverity::Note, FindFanTraps},
 };
 
 } // namespace

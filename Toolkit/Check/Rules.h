@@ -9,7 +9,7 @@
 
 namespace qe::tool {
 
-class CheckedModel;
+class ModelGraph;
 
 /// How far rules look and how much they tell.
 struct CheckLimits
@@ -27,40 +27,36 @@ struct Rule
 {
     std::string_view code;
     ESeverity severity;
-    RuleFindings (*check)(const CheckedModel& model, const CheckLimits& limits);
+    RuleFindings (*check)(const ModelGraph& model, const CheckLimits& limits);
 };
 
 /// Gives all rules, in the order in which they are reported.
 [[nodiscard]] std::span<const Rule> GetRules();
 
 /// Subjects without any join. Takes linear time.
-[[nodiscard]] RuleFindings FindUnreachedSubjects(const CheckedModel& model,
+[[nodiscard]] RuleFindings FindUnreachedSubjects(const ModelGraph& model,
                                                  const CheckLimits& limits);
 /// Groups of subjects that no join connects to the largest group. Takes linear time.
-[[nodiscard]] RuleFindings FindSeparateGroups(const CheckedModel& model, const CheckLimits& limits);
+[[nodiscard]] RuleFindings FindSeparateGroups(const ModelGraph& model, const CheckLimits& limits);
 /// Shortcuts whose chain leads to nothing that could be joined. Takes linear time.
-[[nodiscard]] RuleFindings FindEmptyShortcuts(const CheckedModel& model, const CheckLimits& limits);
+[[nodiscard]] RuleFindings FindEmptyShortcuts(const ModelGraph& model, const CheckLimits& limits);
 /// Joins that the refiner leaves out because it cannot read them. Takes linear time.
-[[nodiscard]] RuleFindings FindUnreadableJoins(const CheckedModel& model,
-                                               const CheckLimits& limits);
+[[nodiscard]] RuleFindings FindUnreadableJoins(const ModelGraph& model, const CheckLimits& limits);
 /// Joins whose condition does not mention both ends. Takes linear time.
-[[nodiscard]] RuleFindings FindOneSidedConditions(const CheckedModel& model,
+[[nodiscard]] RuleFindings FindOneSidedConditions(const ModelGraph& model,
                                                   const CheckLimits& limits);
 /// Pairs of subjects with several cheapest paths that have no subject between them in common:
 /// longer ambiguous paths all come from such pairs. Nearest pairs first. Takes the time of a
 /// bounded search from each subject.
-[[nodiscard]] RuleFindings FindAmbiguousPaths(const CheckedModel& model, const CheckLimits& limits);
+[[nodiscard]] RuleFindings FindAmbiguousPaths(const ModelGraph& model, const CheckLimits& limits);
 /// Joins with many rows at both ends. Takes linear time.
-[[nodiscard]] RuleFindings FindManyToManyJoins(const CheckedModel& model,
-                                               const CheckLimits& limits);
+[[nodiscard]] RuleFindings FindManyToManyJoins(const ModelGraph& model, const CheckLimits& limits);
 /// Subjects at which the rows of two facts meet: a path from one fact to the other over them
 /// multiplies the rows of both. Takes the time of a search from each subject over to-many joins.
-[[nodiscard]] RuleFindings FindSharedDimensions(const CheckedModel& model,
-                                                const CheckLimits& limits);
+[[nodiscard]] RuleFindings FindChasmTraps(const ModelGraph& model, const CheckLimits& limits);
 /// Subjects with dimensions of their own that are themselves the to-one end of a join: a path over
 /// that join repeats their rows. Takes linear time.
-[[nodiscard]] RuleFindings FindMultipliedFacts(const CheckedModel& model,
-                                               const CheckLimits& limits);
+[[nodiscard]] RuleFindings FindFanTraps(const ModelGraph& model, const CheckLimits& limits);
 
 } // namespace qe::tool
 

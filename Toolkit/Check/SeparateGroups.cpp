@@ -1,4 +1,4 @@
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 #include "Toolkit/Check/Rules.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ constexpr std::size_t kShownNames = 5;
 using Group = std::vector<std::size_t>;
 
 /// Gives the connected groups of two subjects and more, the largest first.
-std::vector<Group> FindGroups(const CheckedModel& model)
+std::vector<Group> FindGroups(const ModelGraph& model)
 {
     std::vector<Group> groups;
     std::vector<bool> isSeen(model.GetSubjects().size(), false);
@@ -22,7 +22,7 @@ std::vector<Group> FindGroups(const CheckedModel& model)
         Group group{start};
         isSeen[start] = true;
         for (std::size_t next = 0; next < group.size(); ++next) {
-            for (const CheckedModel::Step& step : model.GetSteps(group[next])) {
+            for (const ModelGraph::Step& step : model.GetSteps(group[next])) {
                 if (!isSeen[step.subject])
                     group.push_back(step.subject);
                 isSeen[step.subject] = true;
@@ -38,7 +38,7 @@ std::vector<Group> FindGroups(const CheckedModel& model)
 
 } // namespace
 
-RuleFindings FindSeparateGroups(const CheckedModel& model, const CheckLimits& limits)
+RuleFindings FindSeparateGroups(const ModelGraph& model, const CheckLimits& limits)
 {
     RuleFindings found;
     const std::vector<Group> groups = FindGroups(model);

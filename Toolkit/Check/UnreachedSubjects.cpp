@@ -1,9 +1,9 @@
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 #include "Toolkit/Check/Rules.h"
 
 namespace qe::tool {
 
-RuleFindings FindUnreachedSubjects(const CheckedModel& model, const CheckLimits& limits)
+RuleFindings FindUnreachedSubjects(const ModelGraph& model, const CheckLimits& limits)
 {
     RuleFindings found;
     // A subject alone in its model has nothing to be joined to.

@@ -1,5 +1,5 @@
 #include "Engine/Model/Model.h"
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 #include "Toolkit/Check/Rules.h"
 
 namespace qe::tool {
@@ -22,7 +22,7 @@ std::string TellWhy(const model::Model& model, const model::ObjectRecord& join)
 
 } // namespace
 
-RuleFindings FindUnreadableJoins(const CheckedModel& checked, const CheckLimits& limits)
+RuleFindings FindUnreadableJoins(const ModelGraph& checked, const CheckLimits& limits)
 {
     RuleFindings found;
     const model::Model& model = checked.GetModel();

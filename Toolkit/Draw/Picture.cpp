@@ -2,13 +2,13 @@
 
 #include "IdClass.h"
 #include "Toolkit/Ask/Answer.h"
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 
 #include <utility>
 
 namespace qe::tool {
 
-AnswerJoin ToAnswerJoin(const CheckedModel& model, const CheckedJoin& join)
+AnswerJoin ToAnswerJoin(const ModelGraph& model, const ModelJoin& join)
 {
     return {join.id,
             join.name,

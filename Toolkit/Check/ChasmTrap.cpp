@@ -1,5 +1,5 @@
-#include "Toolkit/Check/CheckedModel.h"
 #include "Toolkit/Check/FactSets.h"
+#include "Toolkit/Check/ModelGraph.h"
 #include "Toolkit/Check/Rules.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@ constexpr std::size_t kShownNames = 5;
 class MeetingPlaces
 {
 public:
-    explicit MeetingPlaces(const CheckedModel& model) : mModel(model), mSets(model)
+    explicit MeetingPlaces(const ModelGraph& model) : mModel(model), mSets(model)
     {
         for (std::size_t i = 0; i < model.GetSubjects().size(); ++i)
             mCounts.push_back(mSets.FindFacts(i).size());
@@ -52,14 +52,14 @@ private:
         return std::binary_search(above.begin(), above.end(), subject);
     }
 
-    const CheckedModel& mModel;
+    const ModelGraph& mModel;
     FactSets mSets;
     std::vector<std::size_t> mCounts;
 };
 
 } // namespace
 
-RuleFindings FindSharedDimensions(const CheckedModel& model, const CheckLimits& limits)
+RuleFindings FindChasmTraps(const ModelGraph& model, const CheckLimits& limits)
 {
     RuleFindings found;
     const MeetingPlaces places(model);

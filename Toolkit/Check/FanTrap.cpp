@@ -1,4 +1,4 @@
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 #include "Toolkit/Check/Rules.h"
 
 #include <algorithm>
@@ -14,14 +14,14 @@ constexpr std::size_t kDimensionsOfFact = 2;
 
 } // namespace
 
-RuleFindings FindMultipliedFacts(const CheckedModel& model, const CheckLimits& limits)
+RuleFindings FindFanTraps(const ModelGraph& model, const CheckLimits& limits)
 {
     RuleFindings found;
     for (std::size_t i = 0; i < model.GetSubjects().size(); ++i) {
         std::set<std::size_t> dimensions;
         std::set<std::size_t> details;
-        for (const CheckedModel::Step& step : model.GetSteps(i)) {
-            const CheckedJoin& join = model.GetJoins()[step.join];
+        for (const ModelGraph::Step& step : model.GetSteps(i)) {
+            const ModelJoin& join = model.GetJoins()[step.join];
             const bool isMany =
                 IsMany(join.left == i ? join.leftCardinality : join.rightCardinality);
             const bool toMany =

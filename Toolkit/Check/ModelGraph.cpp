@@ -1,4 +1,4 @@
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 
 #include "AQE_I_QuerySubjectShortcutInfo.h"
 #include "AQE_I_Refiner.h"
@@ -11,7 +11,7 @@
 
 namespace qe::tool {
 
-CheckedModel::CheckedModel(const ToolModel& model)
+ModelGraph::ModelGraph(const ToolModel& model)
     : mGateway(model.model), mSubjects(model.model->GetSubjects())
 {
     for (std::size_t i = 0; i < mSubjects.size(); ++i)
@@ -22,7 +22,7 @@ CheckedModel::CheckedModel(const ToolModel& model)
     CountNames();
 }
 
-void CheckedModel::ReadJoins(const ToolModel& model)
+void ModelGraph::ReadJoins(const ToolModel& model)
 {
     for (const amd_id& id : model.model->GetJoins()) {
         AQE_I_Refiner::QEjoinInfo info;
@@ -39,7 +39,7 @@ void CheckedModel::ReadJoins(const ToolModel& model)
     }
 }
 
-void CheckedModel::AddShortcutJoins(const ToolModel& model)
+void ModelGraph::AddShortcutJoins(const ToolModel& model)
 {
     AQE_Governors governors = model.governors;
     const std::unique_ptr<AQE_I_QuerySubjectShortcutInfo> shortcuts(
@@ -62,11 +62,11 @@ void CheckedModel::AddShortcutJoins(const ToolModel& model)
     }
 }
 
-void CheckedModel::ListSteps()
+void ModelGraph::ListSteps()
 {
     std::vector<std::vector<Step>> steps(mSubjects.size());
     for (std::size_t i = 0; i < mJoins.size(); ++i) {
-        const CheckedJoin& join = mJoins[i];
+        const ModelJoin& join = mJoins[i];
         if (join.left == join.right)
             continue;
         steps[join.left].push_back({join.right, i});
@@ -79,19 +79,19 @@ void CheckedModel::ListSteps()
     mFirstSteps.push_back(mSteps.size());
 }
 
-void CheckedModel::CountNames()
+void ModelGraph::CountNames()
 {
     for (const amd_id& id : mSubjects)
         ++mNameCounts[GetModel().Find(id)->name];
 }
 
-std::span<const CheckedModel::Step> CheckedModel::GetSteps(std::size_t subject) const
+std::span<const ModelGraph::Step> ModelGraph::GetSteps(std::size_t subject) const
 {
     const std::size_t first = mFirstSteps[subject];
     return std::span(mSteps).subspan(first, mFirstSteps[subject + 1] - first);
 }
 
-std::string CheckedModel::NameOf(const amd_id& id) const
+std::string ModelGraph::NameOf(const amd_id& id) const
 {
     const model::ObjectRecord* const record = GetModel().Find(id);
     if (record == nullptr)
@@ -101,7 +101,7 @@ std::string CheckedModel::NameOf(const amd_id& id) const
     return isAlone ? record->name : model::ToText(GetModel().GetQualifiedName(id));
 }
 
-std::string CheckedModel::NameOf(std::size_t subject) const
+std::string ModelGraph::NameOf(std::size_t subject) const
 {
     return NameOf(mSubjects[subject]);
 }
@@ -111,7 +111,7 @@ bool IsMany(const BMT_I_Association::CardinalityRange& range)
     return range.maximum == BMT_I_Association::CardinalityMany;
 }
 
-std::string ListNames(const CheckedModel& model, const std::vector<std::size_t>& subjects,
+std::string ListNames(const ModelGraph& model, const std::vector<std::size_t>& subjects,
                       std::size_t limit)
 {
     std::string text;
