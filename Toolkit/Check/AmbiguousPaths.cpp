@@ -1,17 +1,25 @@
-#include "AQE_I_Refiner.h"
-#include "Engine/Model/Model.h"
-#include "Toolkit/Check/CheapestPaths.h"
+// The rule about pairs of subjects that several equally cheap paths join.
+
 #include "Toolkit/Check/Rules.h"
 
+#include "AQE_I_Refiner.h"
+#include "Engine/Model/Model.h"
+#include "IdClass.h"
+#include "Toolkit/Check/CheapestPaths.h"
+#include "Toolkit/Check/ModelGraph.h"
+
 #include <algorithm>
+#include <cstddef>
 #include <map>
+#include <string>
 #include <tuple>
+#include <vector>
 
 namespace qe::tool {
 
 namespace {
 
-/// The paths that are shown of one pair, and those that are looked at to tell what decides.
+/// The paths that are shown of one pair, and those that are read to find what decides.
 constexpr std::size_t kShownPaths = 4;
 constexpr std::size_t kReadPaths = 64;
 
@@ -29,7 +37,7 @@ struct AmbiguousPair
     }
 };
 
-/// Less than one more ordinary join than allowed.
+/// Returns the greatest weight below one more ordinary join than allowed.
 int MaximumWeight(const CheckLimits& limits)
 {
     const int join = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeJoin);
@@ -60,7 +68,7 @@ public:
     }
 
 private:
-    /// Gives the number of subjects that were searched from.
+    /// Returns the number of subjects that were searched from.
     std::size_t CollectPairs()
     {
         const std::size_t subjects = mModel.GetSubjects().size();
@@ -119,8 +127,8 @@ Finding PairSearch::Describe(const AmbiguousPair& pair)
     Finding finding;
     finding.place = {mModel.GetSubjects()[pair.from], mModel.GetSubjects()[pair.to]};
     finding.placeText = mModel.NameOf(pair.from) + " - " + mModel.NameOf(pair.to);
-    const std::string count =
-        paths.size() < kReadPaths ? std::to_string(paths.size()) : "at least 64";
+    const std::string count = paths.size() < kReadPaths ? std::to_string(paths.size())
+                                                        : "at least " + std::to_string(kReadPaths);
     finding.text = mModel.NameOf(pair.from) + " and " + mModel.NameOf(pair.to) + " are joined by " +
                    count + " equally cheap paths of weight " + std::to_string(pair.weight) + ".";
     finding.advice = Advise(pair, paths.front());
@@ -132,8 +140,7 @@ Finding PairSearch::Describe(const AmbiguousPair& pair)
 std::string PairSearch::Advise(const AmbiguousPair& pair, const Path& path) const
 {
     const ModelJoin& last = mModel.GetJoins()[path.back()];
-    const bool endsInMany =
-        IsMany(last.left == pair.to ? last.leftCardinality : last.rightCardinality);
+    const bool endsInMany = IsMany(last.CardinalityAt(pair.to));
     const std::string dimension = mModel.NameOf(endsInMany ? pair.from : pair.to);
     std::string advice = "A request decides by favouring a join that only one of the paths uses. ";
     advice += path.size() == 1

@@ -33,9 +33,14 @@ void ModelGraph::ReadJoins(const ToolModel& model)
             mUnreadableJoins.push_back(id);
             continue;
         }
-        mJoins.push_back({id, info.name.ToStdString(), left->second, right->second, info.weight,
-                          info.leftCardinality, info.rightCardinality,
-                          info.expression.ToStdString()});
+        mJoins.push_back({.id = id,
+                          .name = info.name.ToStdString(),
+                          .left = left->second,
+                          .right = right->second,
+                          .weight = info.weight,
+                          .leftCardinality = info.leftCardinality,
+                          .rightCardinality = info.rightCardinality,
+                          .condition = info.expression.ToStdString()});
     }
 }
 
@@ -51,14 +56,12 @@ void ModelGraph::AddShortcutJoins(const ToolModel& model)
         const auto right = mPositions.find(info.rightQuerySubject);
         if (left == mPositions.end() || right == mPositions.end())
             continue;
-        mJoins.push_back({info.joinId,
-                          {},
-                          left->second,
-                          right->second,
-                          info.weight,
-                          info.leftCardinality,
-                          info.rightCardinality,
-                          {}});
+        mJoins.push_back({.id = info.joinId,
+                          .left = left->second,
+                          .right = right->second,
+                          .weight = info.weight,
+                          .leftCardinality = info.leftCardinality,
+                          .rightCardinality = info.rightCardinality});
     }
 }
 

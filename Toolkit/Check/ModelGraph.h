@@ -27,11 +27,16 @@ struct ModelJoin
     BMT_I_Association::CardinalityRange rightCardinality{};
     std::string condition{};
 
+    /// Both take one of the two ends.
     [[nodiscard]] std::size_t OtherEnd(std::size_t end) const { return left == end ? right : left; }
+    [[nodiscard]] const BMT_I_Association::CardinalityRange& CardinalityAt(std::size_t end) const
+    {
+        return left == end ? leftCardinality : rightCardinality;
+    }
 };
 
-/// A model as the refiner sees it: its subjects numbered in id order, its joins read once, those
-/// between shortcuts and what they stand for included.
+/// A model as the graph that the refiner sees: its subjects numbered in id order, its joins read
+/// once, those between shortcuts and what they stand for included.
 class ModelGraph
 {
 public:
@@ -48,13 +53,13 @@ public:
     [[nodiscard]] const model::Model& GetModel() const { return mGateway.GetModel(); }
     [[nodiscard]] model::ModelGateway& GetGateway() const { return mGateway; }
     [[nodiscard]] std::span<const amd_id> GetSubjects() const { return mSubjects; }
-    /// Gives the joins that can be read, in id order.
+    /// Returns the joins that can be read, in id order.
     [[nodiscard]] const std::vector<ModelJoin>& GetJoins() const { return mJoins; }
     [[nodiscard]] const std::vector<amd_id>& GetUnreadableJoins() const { return mUnreadableJoins; }
-    /// Gives the steps to other subjects, in join order.
+    /// Returns the steps to other subjects, in join order.
     [[nodiscard]] std::span<const Step> GetSteps(std::size_t subject) const;
 
-    /// Gives the object's name, qualified where another object of its kind has the same.
+    /// Returns the object's name, qualified where another object of its kind has the same.
     [[nodiscard]] std::string NameOf(const amd_id& id) const;
     [[nodiscard]] std::string NameOf(std::size_t subject) const;
 
@@ -76,10 +81,10 @@ private:
     std::map<std::string, int> mNameCounts;
 };
 
-/// Tells whether the end of that cardinality may have many rows.
+/// Returns whether an end of that cardinality may have many rows.
 [[nodiscard]] bool IsMany(const BMT_I_Association::CardinalityRange& range);
 
-/// Writes names between commas: the first `limit`, then "and 7 more".
+/// Returns the names between commas: the first `limit`, then "and 7 more".
 [[nodiscard]] std::string ListNames(const ModelGraph& model,
                                     const std::vector<std::size_t>& subjects, std::size_t limit);
 

@@ -2,12 +2,12 @@
 
 #include "Toolkit/Answers/CheckOutput.h"
 #include "Toolkit/Check/CheckReport.h"
+#include "Toolkit/Check/Rules.h"
 #include "Toolkit/Import/OpenModel.h"
 #include "Tools/qerefine/CommandContext.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,9 +15,6 @@
 namespace qe::tool {
 
 namespace {
-
-constexpr std::array kSeverities{ESeverity::Off, ESeverity::Note, ESeverity::Warning,
-                                 ESeverity::Error};
 
 /// What the user gave.
 struct CheckArguments
@@ -29,14 +26,12 @@ struct CheckArguments
     CheckOptions options;
 };
 
-ESeverity ParseSeverity(const std::string& name)
+ESeverity ReadSeverity(const std::string& name)
 {
-    const auto* const found =
-        std::find_if(kSeverities.begin(), kSeverities.end(),
-                     [&name](ESeverity severity) { return ToText(severity) == name; });
-    if (found == kSeverities.end())
+    const auto severity = ParseSeverity(name);
+    if (!severity)
         throw CLI::ValidationError("--severity", "Not one of off, note, warning, error: " + name);
-    return *found;
+    return *severity;
 }
 
 /// Reads "code=severity".
@@ -44,13 +39,12 @@ void ApplySeverity(const std::string& text, CheckOptions& options)
 {
     const std::size_t equal = text.find('=');
     const std::string code = text.substr(0, equal);
-    const auto rules = GetRules();
     if (equal == std::string::npos ||
-        std::none_of(rules.begin(), rules.end(),
+        std::none_of(kRules.begin(), kRules.end(),
                      [&](const Rule& rule) { return rule.code == code; }))
         throw CLI::ValidationError("--severity",
                                    "Not CODE=SEVERITY with the code of a rule: " + text);
-    options.severities[code] = ParseSeverity(text.substr(equal + 1));
+    options.severities[code] = ReadSeverity(text.substr(equal + 1));
 }
 
 void RunCheck(CheckArguments& arguments, CommandContext& context)
@@ -65,7 +59,7 @@ void RunCheck(CheckArguments& arguments, CommandContext& context)
         WriteCheckText(report, context.output);
     const ESeverity worst = report.GetWorst();
     if (arguments.failOn != "never" && worst != ESeverity::Off &&
-        worst >= ParseSeverity(arguments.failOn))
+        worst >= ReadSeverity(arguments.failOn))
         context.exitCode = EExitCode::NotConnected;
 }
 
