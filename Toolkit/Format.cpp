@@ -1,9 +1,10 @@
 #include "Toolkit/Format.h"
 
-#include "Toolkit/Answers/JsonAnswer.h"
-#include "Toolkit/Answers/TextAnswer.h"
+#include "Toolkit/Answers/AnswerJson.h"
+#include "Toolkit/Answers/AnswerText.h"
 #include "Toolkit/Draw/PictureFormat.h"
 #include "Toolkit/Page/Page.h"
+#include "Toolkit/Text/JsonLayout.h"
 
 #include <array>
 #include <ostream>
@@ -14,14 +15,12 @@ namespace {
 
 void WriteTextFormat(std::ostream& out, const FormatInput& input)
 {
-    WriteText(out, input.question, input.answer, input.options.maximumAlternatives);
+    WriteText(out, input.question, input.answer, input.options.alternatives);
 }
 
 void WriteJsonFormat(std::ostream& out, const FormatInput& input)
 {
-    constexpr int kIndent = 2;
-    out << ToText(ToJson(input.question, input.answer, input.options.maximumAlternatives), kIndent)
-        << '\n';
+    out << ToJsonText(ToJson(input.question, input.answer, input.options.alternatives)) << '\n';
 }
 
 void WriteSqlFormat(std::ostream& out, const FormatInput& input)

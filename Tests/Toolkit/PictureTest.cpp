@@ -61,9 +61,9 @@ TEST(Pictures, ShowTheNeighbourhoodInALargeModel)
     // Those that touch the answer twice come first.
     EXPECT_EQ(names, "A B X0 X7 X9 ");
     EXPECT_NE(WriteDot(picture).find("5 of 63 subjects are drawn"), std::string::npos);
-    EXPECT_EQ(DrawModel(model, text.Ids("B"), 0).nodes.size(), 4U);
-    EXPECT_EQ(DrawModel(model, {}, 10).nodes.size(), 10U);
-    EXPECT_EQ(DrawModel(model, {}, 0).nodes.size(), 63U);
+    EXPECT_EQ(DrawModel(model, text.Ids("B"), ListLimit::All()).nodes.size(), 4U);
+    EXPECT_EQ(DrawModel(model, {}, ListLimit(10)).nodes.size(), 10U);
+    EXPECT_EQ(DrawModel(model, {}, ListLimit::All()).nodes.size(), 63U);
 }
 
 TEST(Pictures, KeepRoomForCardinalitiesWhereTheirOrderIsCertain)

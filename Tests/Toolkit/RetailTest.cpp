@@ -1,7 +1,7 @@
 #include "Engine/Expression/ParseReport.h"
 #include "Engine/Model/Model.h"
 #include "Tests/Toolkit/SqlRows.h"
-#include "Toolkit/Answers/SqlAnswer.h"
+#include "Toolkit/Answers/AnswerSql.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Batch/QuestionReader.h"
 #include "Toolkit/Import/SqlImport.h"

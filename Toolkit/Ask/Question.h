@@ -4,11 +4,13 @@
 #include "AQE_RequestContext.h"
 #include "Toolkit/Ask/Setting.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace qe::tool {
@@ -24,13 +26,21 @@ enum class EOperation : std::uint8_t
     BestPaths,
     /// The subjects that the connecting joins touch.
     JoinedSubjects,
-    /// One least-weight path from a subject of the first set to one of the second.
+    /// One shortest path from a subject of the first set to one of the second.
     PathBetween,
-    /// All best least-weight paths between the two sets.
+    /// All best shortest paths between the two sets.
     BestPathsBetween,
-    /// The joins of a tree of least-weight paths that also passes over shortcuts.
+    /// The joins of a tree of shortest paths that also passes over shortcuts.
     TreeJoins,
 };
+
+/// All operations.
+inline constexpr std::array kOperations{
+    EOperation::Path,        EOperation::BestPaths,        EOperation::JoinedSubjects,
+    EOperation::PathBetween, EOperation::BestPathsBetween, EOperation::TreeJoins};
+
+/// Returns the operation's name as requests and answers write it, such as "path".
+[[nodiscard]] std::string_view ToText(EOperation operation);
 
 /// Who chooses among the ranked paths.
 enum class ESelector : std::uint8_t

@@ -3,13 +3,14 @@
 #include "AQE_I_Refiner.h"
 #include "Engine/Model/Model.h"
 #include "Engine/Model/ModelBuilder.h"
-#include "Toolkit/Answers/JsonAnswer.h"
+#include "Toolkit/Answers/AnswerJson.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Batch/LineReader.h"
 #include "Toolkit/Batch/OrderedWork.h"
 #include "Toolkit/Batch/QuestionReader.h"
 #include "Toolkit/Model/ToolModel.h"
 #include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/JsonLayout.h"
 
 #include <iomanip>
 #include <istream>
@@ -58,7 +59,7 @@ public:
             output["error"] = {{"kind", "internal"}, {"text", error.what()}};
             result.outcome = EOutcome::Failed;
         }
-        result.text = ToText(output, -1);
+        result.text = ToJsonLine(output);
         result.bytes = line.bytes;
         result.latency = Clock::now() - begin;
         return result;

@@ -3,6 +3,7 @@
 
 #include "Toolkit/Ask/Question.h"
 #include "Toolkit/Batch/LatencyHistogram.h"
+#include "Toolkit/Text/ListLimit.h"
 
 #include <atomic>
 #include <cstddef>
@@ -34,7 +35,7 @@ struct BatchOptions
 {
     std::size_t threads = 1;
     /// How many ranked alternatives an answer shows.
-    std::size_t alternatives = 0;
+    ListLimit alternatives{0};
     /// What a request does not say.
     Question defaults{};
     /// A longer line is an error. In bytes.

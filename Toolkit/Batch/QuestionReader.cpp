@@ -1,9 +1,7 @@
 #include "Toolkit/Batch/QuestionReader.h"
 
-#include "Toolkit/Answers/JsonAnswer.h"
 #include "Toolkit/Text/InputError.h"
 
-#include <array>
 #include <functional>
 #include <map>
 #include <string>
@@ -15,10 +13,6 @@ namespace qe::tool {
 namespace {
 
 using Names = std::vector<std::string>;
-
-constexpr std::array kOperations{
-    EOperation::Path,        EOperation::BestPaths,        EOperation::JoinedSubjects,
-    EOperation::PathBetween, EOperation::BestPathsBetween, EOperation::TreeJoins};
 
 /// Reads values into a question and gathers what is wrong with them.
 class Reader

@@ -93,7 +93,7 @@ private:
     /// Alternatives that cost more are not marked, but what they pass is drawn.
     void TouchAlternatives()
     {
-        const std::size_t count = std::min(mAnswer.alternatives.size(), mLimits.alternatives);
+        const std::size_t count = mLimits.alternatives.CountShown(mAnswer.alternatives.size());
         for (std::size_t i = 0; i < count; ++i) {
             for (const amd_id& id : mAnswer.alternatives[i].joins) {
                 if (const AnswerJoin* const join = mAnswer.FindJoin(id))
@@ -199,13 +199,13 @@ private:
 
 } // namespace
 
-std::vector<Ids> ListShownPaths(const Answer& answer, std::size_t limit)
+std::vector<Ids> ListShownPaths(const Answer& answer, ListLimit limit)
 {
     std::vector<Ids> paths;
     if (!answer.path.empty())
         paths.push_back(answer.path);
     const auto add = [&paths, limit](const Ids& path) {
-        if (paths.size() < limit && std::find(paths.begin(), paths.end(), path) == paths.end())
+        if (limit.Shows(paths.size()) && std::find(paths.begin(), paths.end(), path) == paths.end())
             paths.push_back(path);
     };
     for (const Ids& path : answer.bestPaths)

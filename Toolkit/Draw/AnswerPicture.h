@@ -2,6 +2,10 @@
 #define TOOLKIT_DRAW_ANSWERPICTURE_H
 
 #include "Toolkit/Draw/Picture.h"
+#include "Toolkit/Text/ListLimit.h"
+
+#include <cstddef>
+#include <vector>
 
 namespace qe::tool {
 
@@ -16,13 +20,13 @@ struct PictureLimits
     /// Of a larger one, so many neighbours of what the answer touches are drawn as well.
     std::size_t neighbours = 10;
     /// The alternatives that are marked at most.
-    std::size_t alternatives = 10;
+    ListLimit alternatives{10};
 };
 
 /// Gives the paths that are as good as the one taken: that one first, then the others that are
 /// equally cheap. Nothing when there is no path.
 [[nodiscard]] std::vector<std::vector<amd_id>> ListShownPaths(const Answer& answer,
-                                                              std::size_t limit);
+                                                              ListLimit limit);
 
 /// Draws an answer in its candidate graph.
 [[nodiscard]] Picture DrawAnswer(const ToolModel& model, const Answer& answer,

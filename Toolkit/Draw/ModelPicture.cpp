@@ -14,7 +14,7 @@ namespace {
 
 /// Gives the subjects to draw, as positions in order.
 std::set<std::size_t> ChooseSubjects(const ModelGraph& model, const std::vector<amd_id>& around,
-                                     std::size_t limit)
+                                     ListLimit limit)
 {
     const auto subjects = model.GetSubjects();
     const std::set<amd_id> centre(around.begin(), around.end());
@@ -30,8 +30,7 @@ std::set<std::size_t> ChooseSubjects(const ModelGraph& model, const std::vector<
             order.emplace_back(isCentre ? 0 : 1, subjects.size() - steps.size(), i);
     }
     std::sort(order.begin(), order.end());
-    if (limit > 0)
-        order.resize(std::min(order.size(), limit));
+    order.resize(limit.CountShown(order.size()));
     std::set<std::size_t> chosen;
     for (const auto& [distance, rank, position] : order)
         chosen.insert(position);
@@ -40,7 +39,7 @@ std::set<std::size_t> ChooseSubjects(const ModelGraph& model, const std::vector<
 
 } // namespace
 
-Picture DrawModel(const ToolModel& toolModel, const std::vector<amd_id>& around, std::size_t limit)
+Picture DrawModel(const ToolModel& toolModel, const std::vector<amd_id>& around, ListLimit limit)
 {
     const ModelGraph model(toolModel);
     FactMarks marks;

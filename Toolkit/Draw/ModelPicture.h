@@ -2,6 +2,7 @@
 #define TOOLKIT_DRAW_MODELPICTURE_H
 
 #include "Toolkit/Draw/Picture.h"
+#include "Toolkit/Text/ListLimit.h"
 
 #include <vector>
 
@@ -10,10 +11,9 @@ namespace qe::tool {
 struct ToolModel;
 
 /// Draws a model: all of it, or, with `around` not empty, those subjects and what is joined to
-/// them. Of more than `limit` subjects, those nearest to `around` and with most joins are kept; 0
-/// keeps all.
+/// them. Of more than `limit` subjects, those nearest to `around` and with most joins are kept.
 [[nodiscard]] Picture DrawModel(const ToolModel& model, const std::vector<amd_id>& around,
-                                std::size_t limit);
+                                ListLimit limit);
 
 } // namespace qe::tool
 

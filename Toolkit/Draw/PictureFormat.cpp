@@ -1,10 +1,10 @@
 #include "Toolkit/Draw/PictureFormat.h"
 
+#include "Toolkit/Answers/FormatInput.h"
 #include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Draw/AnswerPicture.h"
 #include "Toolkit/Draw/DotWriter.h"
 #include "Toolkit/Draw/Graphviz.h"
-#include "Toolkit/Format.h"
 #include "Toolkit/Text/DisplayText.h"
 
 #include <ostream>
@@ -16,7 +16,7 @@ namespace {
 Picture Draw(const FormatInput& input)
 {
     PictureLimits limits;
-    limits.alternatives = input.options.maximumAlternatives;
+    limits.alternatives = input.options.alternatives;
     return DrawAnswer(input.model, input.answer, limits);
 }
 

@@ -1,10 +1,10 @@
 #include "Toolkit/Page/Page.h"
 
-#include "Toolkit/Answers/JsonAnswer.h"
-#include "Toolkit/Answers/SqlAnswer.h"
+#include "Toolkit/Answers/AnswerJson.h"
+#include "Toolkit/Answers/AnswerSql.h"
+#include "Toolkit/Answers/FormatInput.h"
 #include "Toolkit/Draw/AnswerPicture.h"
 #include "Toolkit/Draw/PictureFormat.h"
-#include "Toolkit/Format.h"
 #include "Toolkit/Page/PageParts.h"
 #include "Toolkit/Page/RequestRows.h"
 #include "Toolkit/Text/InputError.h"
@@ -53,7 +53,7 @@ public:
     explicit PageWriter(const FormatInput& input) : mInput(input), mAnswer(input.answer)
     {
         PictureLimits limits;
-        limits.alternatives = input.options.maximumAlternatives;
+        limits.alternatives = input.options.alternatives;
         mPicture = DrawAnswer(input.model, input.answer, limits);
         ListPaths();
     }
@@ -142,18 +142,18 @@ void PageWriter::AddPath(const Ids& joins, const std::string& measure)
 
 void PageWriter::ListPaths()
 {
-    const std::size_t shown =
-        std::min(mAnswer.alternatives.size(), mInput.options.maximumAlternatives);
+    const ListLimit limit = mInput.options.alternatives;
+    const std::size_t shown = limit.CountShown(mAnswer.alternatives.size());
     for (std::size_t i = 0; i < shown; ++i)
         AddPath(mAnswer.alternatives[i].joins, Measure(mAnswer.alternatives[i]));
-    for (const Ids& path : ListShownPaths(mAnswer, mInput.options.maximumAlternatives)) {
+    for (const Ids& path : ListShownPaths(mAnswer, limit)) {
         const bool isKnown = std::any_of(mPaths.begin(), mPaths.end(), [&path](const auto& known) {
             return known.joins == path;
         });
         if (!isKnown)
             AddPath(path, {});
     }
-    const auto shownPaths = ListShownPaths(mAnswer, 1);
+    const auto shownPaths = ListShownPaths(mAnswer, ListLimit(1));
     for (std::size_t i = 0; i < mPaths.size(); ++i) {
         if (!shownPaths.empty() && mPaths[i].joins == shownPaths.front())
             mChosen = i;

@@ -1,6 +1,6 @@
 #include "Toolkit/Page/RequestRows.h"
 
-#include "Toolkit/Answers/JsonAnswer.h"
+#include "Toolkit/Answers/AnswerJson.h"
 #include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Ask/Question.h"
 

@@ -13,22 +13,17 @@ namespace {
 
 constexpr std::size_t LineWidth = 100;
 
-std::string Scalar(const ordered_json& value)
-{
-    return value.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
-}
-
 /// Writes `value`, whose first line begins in the column `indent` + `lead`.
 std::string Render(const ordered_json& value, std::size_t indent, std::size_t lead)
 {
     if (!value.is_structured() || value.empty())
-        return Scalar(value);
+        return ToJsonLine(value);
 
     std::vector<std::string> parts;
     std::size_t width = indent + lead + 4;
     bool fits = true;
     for (const auto& member : value.items()) {
-        const std::string key = value.is_object() ? Scalar(member.key()) + ": " : std::string();
+        const std::string key = value.is_object() ? ToJsonLine(member.key()) + ": " : std::string();
         parts.push_back(key + Render(member.value(), indent + 2, key.size()));
         width += parts.back().size() + 2;
         fits = fits && parts.back().find('\n') == std::string::npos;
@@ -50,6 +45,17 @@ std::string Render(const ordered_json& value, std::size_t indent, std::size_t le
 std::string LayOut(const ordered_json& document)
 {
     return Render(document, 0, 0) + '\n';
+}
+
+std::string ToJsonText(const ordered_json& value)
+{
+    constexpr int kIndent = 2;
+    return value.dump(kIndent, ' ', false, ordered_json::error_handler_t::replace);
+}
+
+std::string ToJsonLine(const ordered_json& value)
+{
+    return value.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
 }
 
 } // namespace qe::tool

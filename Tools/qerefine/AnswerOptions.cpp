@@ -6,7 +6,6 @@
 #include "Tools/qerefine/CommandContext.h"
 
 #include <CLI/CLI.hpp>
-#include <limits>
 #include <ostream>
 
 namespace qe::tool {
@@ -61,8 +60,7 @@ void AnswerOptions::Write(CommandContext& context, const ToolModel& model, const
                           const Answer& answer)
 {
     FormatInput input{model, question, answer};
-    input.options.maximumAlternatives =
-        mAlternatives == 0 ? std::numeric_limits<std::size_t>::max() : mAlternatives;
+    input.options.alternatives = ListLimit::FromOption(mAlternatives);
     if (mSelects)
         input.options.sql.select = SqlOptions::ESelect::FirstItems;
     if (mInner)

@@ -32,11 +32,14 @@ struct Options
 {
     RequestFileOptions file{};
     BatchOptions batch{};
+    std::optional<std::size_t> alternatives{};
 };
 
 void Run(Options& options, CommandContext& context)
 {
     options.batch.defaults = options.file.Prepare();
+    if (options.alternatives)
+        options.batch.alternatives = ListLimit::FromOption(*options.alternatives);
     const ToolModel model = OpenModel(options.file.model, options.file.GetOpenOptions());
     for (const std::string& note : model.notes)
         context.error << "note: " << ToDisplayText(note) << '\n';
@@ -77,10 +80,9 @@ void AddBatchCommand(CLI::App& app, CommandContext& context)
         ->check(CLI::Range(std::size_t{1}, kMostThreads))
         ->capture_default_str();
     command
-        ->add_option("--alternatives", options->batch.alternatives,
-                     "How many ranked alternatives an answer shows")
-        ->type_name("N")
-        ->capture_default_str();
+        ->add_option("--alternatives", options->alternatives,
+                     "How many ranked alternatives an answer shows; 0: all; none by default")
+        ->type_name("N");
     command->footer(kFooter);
     command->callback([options, &context] { Run(*options, context); });
 }

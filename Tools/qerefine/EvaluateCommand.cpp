@@ -1,9 +1,9 @@
 #include "Tools/qerefine/Commands.h"
 
 #include "Toolkit/Answers/EvaluationOutput.h"
-#include "Toolkit/Answers/JsonAnswer.h"
 #include "Toolkit/Evaluate/Evaluator.h"
 #include "Toolkit/Evaluate/ModelSource.h"
+#include "Toolkit/Text/JsonLayout.h"
 #include "Tools/qerefine/CommandContext.h"
 #include "Tools/qerefine/RequestFile.h"
 
@@ -14,8 +14,6 @@
 namespace qe::tool {
 
 namespace {
-
-constexpr int kIndent = 2;
 
 constexpr const char* kFooter = R"(Example:
   qerefine evaluate shop.json query-log.jsonl --list
@@ -41,7 +39,7 @@ void Run(const Options& options, CommandContext& context)
     RequestFile requests(options.file.requests, context.input);
     const Evaluation evaluation = Evaluate(models, requests.Get(), defaults);
     if (options.format == "json")
-        context.output << ToText(ToJson(evaluation), kIndent) << '\n';
+        context.output << ToJsonText(ToJson(evaluation)) << '\n';
     else
         WriteEvaluation(context.output, evaluation,
                         options.isListing ? EDifferences::Listed : EDifferences::Counted);

@@ -1,11 +1,12 @@
 #include "Tools/qerefine/Commands.h"
 
 #include "Engine/Model/Model.h"
-#include "Toolkit/Answers/JsonAnswer.h"
+#include "Toolkit/Answers/AnswerJson.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Ask/FactReport.h"
 #include "Toolkit/Ask/SubjectName.h"
 #include "Toolkit/Text/DisplayText.h"
+#include "Toolkit/Text/JsonLayout.h"
 #include "Tools/qerefine/QuestionCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -37,7 +38,7 @@ private:
     {
         const FactReport report = FindFacts(CollectJoins(model));
         if (GetOptions().AsksForJson())
-            GetContext().output << ToText(ToJson(*model.model, report), 2) << '\n';
+            GetContext().output << ToJsonText(ToJson(*model.model, report)) << '\n';
         else
             WriteText(GetContext().output, *model.model, report);
     }
@@ -91,7 +92,7 @@ private:
             problems.push_back({{"join", ToText(problem.join)},
                                 {"name", model.Find(problem.join)->name},
                                 {"text", problem.text}});
-        return {{"version", JsonAnswerVersion},
+        return {{"version", kAnswerVersion},
                 {"facts", facts},
                 {"sharedDimensions", SubjectNames(model, report.sharedDimensions)},
                 {"problems", problems}};

@@ -1,6 +1,6 @@
 #include "Tools/qerefine/PathPrompt.h"
 
-#include "Toolkit/Answers/TextAnswer.h"
+#include "Toolkit/Answers/AnswerText.h"
 #include "Tools/qerefine/CommandContext.h"
 
 #include <charconv>
@@ -13,7 +13,7 @@ namespace qe::tool {
 std::size_t AskForPath(CommandContext& context, const Answer& answer)
 {
     const std::size_t count = answer.alternatives.size();
-    WriteAlternatives(context.error, answer, count);
+    WriteAlternatives(context.error, answer, ListLimit::All());
     std::string line;
     while (true) {
         context.error << "Choose 1 to " << count << " [1]: " << std::flush;

@@ -3,10 +3,11 @@
 #include "AQE_I_QuerySubjectShortcutInfo.h"
 #include "Engine/Model/Model.h"
 #include "IdClass.h"
-#include "Toolkit/Answers/JsonAnswer.h"
+#include "Toolkit/Answers/AnswerJson.h"
 #include "Toolkit/Ask/Request.h"
 #include "Toolkit/Ask/SubjectName.h"
 #include "Toolkit/Text/DisplayText.h"
+#include "Toolkit/Text/JsonLayout.h"
 #include "Tools/qerefine/QuestionCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -71,7 +72,7 @@ private:
     {
         const ShortcutReport report = MakeReport(model, GetOptions().MakeQuestion(GetContext()));
         if (GetOptions().AsksForJson())
-            GetContext().output << ToText(ToJson(*model.model, report), 2) << '\n';
+            GetContext().output << ToJsonText(ToJson(*model.model, report)) << '\n';
         else
             WriteText(GetContext().output, *model.model, report);
     }
@@ -109,7 +110,7 @@ private:
             joins.push_back({{"id", ToText(join.joinId)},
                              {"left", SubjectName(model, join.leftQuerySubject)},
                              {"right", SubjectName(model, join.rightQuerySubject)}});
-        return {{"version", JsonAnswerVersion},
+        return {{"version", kAnswerVersion},
                 {"groups", groups},
                 {"ungrouped", SubjectNames(model, report.ungrouped)},
                 {"joins", joins}};

@@ -31,7 +31,7 @@ void RunShow(const ShowArguments& arguments, CommandContext& context)
     NameResolver names(*model.model);
     const std::vector<amd_id> around = names.ResolveSubjects("--around", arguments.around);
     names.ThrowProblems();
-    const Picture picture = DrawModel(model, around, arguments.limit);
+    const Picture picture = DrawModel(model, around, ListLimit::FromOption(arguments.limit));
     if (around.empty() && picture.nodes.size() < picture.subjects)
         context.error << "The " << picture.nodes.size() << " subjects with most joins of "
                       << picture.subjects << " are drawn; --limit 0 draws all, --around some\n";

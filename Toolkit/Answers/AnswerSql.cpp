@@ -1,4 +1,4 @@
-#include "Toolkit/Answers/SqlAnswer.h"
+#include "Toolkit/Answers/AnswerSql.h"
 
 #include "IdClass.h"
 #include "Toolkit/Answers/SqlCondition.h"

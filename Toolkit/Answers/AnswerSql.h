@@ -1,5 +1,5 @@
-#ifndef TOOLKIT_ANSWERS_SQLANSWER_H
-#define TOOLKIT_ANSWERS_SQLANSWER_H
+#ifndef TOOLKIT_ANSWERS_ANSWERSQL_H
+#define TOOLKIT_ANSWERS_ANSWERSQL_H
 
 #include "Toolkit/Ask/Answer.h"
 #include "amd_id.h"

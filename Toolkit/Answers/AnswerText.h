@@ -1,10 +1,10 @@
-#ifndef TOOLKIT_ANSWERS_TEXTANSWER_H
-#define TOOLKIT_ANSWERS_TEXTANSWER_H
+#ifndef TOOLKIT_ANSWERS_ANSWERTEXT_H
+#define TOOLKIT_ANSWERS_ANSWERTEXT_H
 
 #include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Ask/Question.h"
+#include "Toolkit/Text/ListLimit.h"
 
-#include <cstddef>
 #include <iosfwd>
 
 namespace qe::tool {
@@ -13,10 +13,10 @@ namespace qe::tool {
 /// many), what decided, and whatever the library had to say. Names are made harmless for the
 /// terminal. A failure is not written: it is a diagnostic.
 void WriteText(std::ostream& out, const Question& question, const Answer& answer,
-               std::size_t maximumAlternatives);
+               ListLimit alternatives);
 
 /// Writes the table of the alternatives alone.
-void WriteAlternatives(std::ostream& out, const Answer& answer, std::size_t maximumAlternatives);
+void WriteAlternatives(std::ostream& out, const Answer& answer, ListLimit alternatives);
 
 } // namespace qe::tool
 

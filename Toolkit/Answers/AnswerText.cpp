@@ -1,9 +1,8 @@
-#include "Toolkit/Answers/TextAnswer.h"
+#include "Toolkit/Answers/AnswerText.h"
 
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/TextTable.h"
 
-#include <algorithm>
 #include <ostream>
 
 namespace qe::tool {
@@ -43,8 +42,8 @@ class TextAnswerWriter
 {
 public:
     TextAnswerWriter(std::ostream& out, const Question& question, const Answer& answer,
-                     std::size_t maximumAlternatives)
-        : mOut(out), mQuestion(question), mAnswer(answer), mMaximum(maximumAlternatives)
+                     ListLimit alternatives)
+        : mOut(out), mQuestion(question), mAnswer(answer), mLimit(alternatives)
     {}
 
     void Write();
@@ -67,7 +66,7 @@ private:
     std::ostream& mOut;
     const Question& mQuestion;
     const Answer& mAnswer;
-    std::size_t mMaximum;
+    ListLimit mLimit;
 };
 
 void TextAnswerWriter::Write()
@@ -133,7 +132,7 @@ void TextAnswerWriter::WriteCandidates()
     if (mAnswer.alternatives.empty())
         return;
     mOut << '\n';
-    WriteAlternatives(mOut, mAnswer, mMaximum);
+    WriteAlternatives(mOut, mAnswer, mLimit);
     if (mAnswer.criterion != ECriterion::None)
         mOut << "Decided by: " << ToText(mAnswer.criterion) << '\n';
     if (mAnswer.mainObject.IsValid())
@@ -179,12 +178,12 @@ std::string TextAnswerWriter::Join(const Ids& subjects) const
 } // namespace
 
 void WriteText(std::ostream& out, const Question& question, const Answer& answer,
-               std::size_t maximumAlternatives)
+               ListLimit alternatives)
 {
-    TextAnswerWriter(out, question, answer, maximumAlternatives).Write();
+    TextAnswerWriter(out, question, answer, alternatives).Write();
 }
 
-void WriteAlternatives(std::ostream& out, const Answer& answer, std::size_t maximumAlternatives)
+void WriteAlternatives(std::ostream& out, const Answer& answer, ListLimit alternatives)
 {
     using EAlign = TextTable::EAlign;
     TextTable table({{"", EAlign::Left},
@@ -202,7 +201,7 @@ void WriteAlternatives(std::ostream& out, const Answer& answer, std::size_t maxi
                       alternative.rank ? std::to_string(*alternative.rank) : "-",
                       PathText(answer, alternative)});
     };
-    const std::size_t shown = std::min(maximumAlternatives, answer.alternatives.size());
+    const std::size_t shown = alternatives.CountShown(answer.alternatives.size());
     for (std::size_t index = 0; index < shown; ++index)
         addRow(index);
     if (answer.chosen && *answer.chosen >= shown)

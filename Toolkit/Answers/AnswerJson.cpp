@@ -1,6 +1,5 @@
-#include "Toolkit/Answers/JsonAnswer.h"
+#include "Toolkit/Answers/AnswerJson.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <set>
@@ -129,11 +128,11 @@ Json SettingsToJson(const Question& question)
 
 } // namespace
 
-Json ToJson(const Question& question, const Answer& answer, std::size_t maximumAlternatives)
+Json ToJson(const Question& question, const Answer& answer, ListLimit alternatives)
 {
-    const std::size_t shown = std::min(maximumAlternatives, answer.alternatives.size());
+    const std::size_t shown = alternatives.CountShown(answer.alternatives.size());
     const std::string_view criterion = ToText(answer.criterion);
-    return {{"version", JsonAnswerVersion},
+    return {{"version", kAnswerVersion},
             {"operation", ToText(question.operation)},
             {"subjects", NamesToJson(answer, answer.terminals)},
             {"secondSet", NamesToJson(answer, answer.secondSet)},
@@ -158,30 +157,6 @@ Json ToJson(const Question& question, const Answer& answer, std::size_t maximumA
             {"warnings", ToJson(answer.warnings)},
             {"notices", answer.notices},
             {"error", ToJson(answer.error)}};
-}
-
-std::string ToText(const Json& value, int indent)
-{
-    return value.dump(indent, ' ', false, Json::error_handler_t::replace);
-}
-
-std::string_view ToText(EOperation operation)
-{
-    switch (operation) {
-    case EOperation::Path:
-        return "path";
-    case EOperation::BestPaths:
-        return "best";
-    case EOperation::JoinedSubjects:
-        return "subjects";
-    case EOperation::PathBetween:
-        return "between";
-    case EOperation::BestPathsBetween:
-        return "best between";
-    case EOperation::TreeJoins:
-        return "tree";
-    }
-    return "";
 }
 
 } // namespace qe::tool

@@ -1,0 +1,33 @@
+#ifndef TOOLKIT_ANSWERS_FORMATINPUT_H
+#define TOOLKIT_ANSWERS_FORMATINPUT_H
+
+#include "Toolkit/Answers/AnswerSql.h"
+#include "Toolkit/Ask/Answer.h"
+#include "Toolkit/Ask/Question.h"
+#include "Toolkit/Text/ListLimit.h"
+
+#include <cstddef>
+
+namespace qe::tool {
+
+struct ToolModel;
+
+/// What the user may choose about the form of an answer.
+struct FormatOptions
+{
+    ListLimit alternatives{10};
+    SqlOptions sql{};
+};
+
+/// Everything that a writer of answers can draw on. Refers to the model, question and answer.
+struct FormatInput
+{
+    const ToolModel& model;
+    const Question& question;
+    const Answer& answer;
+    FormatOptions options{};
+};
+
+} // namespace qe::tool
+
+#endif
