@@ -133,14 +133,12 @@ TEST(CheckOutput, CountsWhatItDoesNotShow)
     const CheckReport report = CheckModel(MakeModel(joins), options);
     EXPECT_EQ(report.GetWorst(), ESeverity::Error);
     EXPECT_EQ(report.Count(ESeverity::Error), 30U);
-    std::ostringstream out;
-    WriteCheckJson(report, "m", out);
-    const auto json = nlohmann::json::parse(out.str());
+    const auto json = ToJson(report, "m");
     EXPECT_EQ(json["rules"].back()["total"], 0);
     EXPECT_EQ(json["findings"].size(), 5U);
     EXPECT_EQ(json["findings"][4]["paths"].size(), 4U);
     std::ostringstream lines;
-    WriteCheckText(report, lines);
+    WriteText(lines, report);
     EXPECT_NE(lines.str().find("26 more of 30 are not shown"), std::string::npos) << lines.str();
 }
 

@@ -12,7 +12,7 @@ namespace qe::tool {
 /// The version of the form that Documentation/json-output.md describes.
 inline constexpr int kAnswerVersion = 1;
 
-/// Makes the JSON form of an answer, with at most that many alternatives.
+/// Returns the JSON form of an answer.
 [[nodiscard]] nlohmann::ordered_json ToJson(const Question& question, const Answer& answer,
                                             ListLimit alternatives);
 

@@ -2,6 +2,7 @@
 #define TOOLKIT_ANSWERS_CHECKOUTPUT_H
 
 #include <iosfwd>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 
 namespace qe::tool {
@@ -9,10 +10,11 @@ namespace qe::tool {
 struct CheckReport;
 
 /// Writes the report for people: the findings, then one line for each rule that found something.
-void WriteCheckText(const CheckReport& report, std::ostream& out);
+void WriteText(std::ostream& out, const CheckReport& report);
 
-/// Writes the report as one JSON document, "qerefine-check" version 1.
-void WriteCheckJson(const CheckReport& report, const std::string& modelName, std::ostream& out);
+/// Returns the JSON form of the report, "qerefine-check" version 1.
+[[nodiscard]] nlohmann::ordered_json ToJson(const CheckReport& report,
+                                            const std::string& modelName);
 
 } // namespace qe::tool
 

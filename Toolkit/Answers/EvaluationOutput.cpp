@@ -1,9 +1,14 @@
 #include "Toolkit/Answers/EvaluationOutput.h"
 
-#include <algorithm>
+#include "Toolkit/Text/TextTable.h"
+
 #include <iomanip>
 #include <ostream>
 #include <sstream>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
 
 namespace qe::tool {
 
@@ -11,9 +16,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// The version of the form that the documentation describes.
-constexpr int kJsonVersion = 1;
-constexpr std::size_t kNameWidth = 28;
+/// The version of the form that Documentation/answer.schema.json describes.
+constexpr int kEvaluationVersion = 1;
 
 struct Row
 {
@@ -24,7 +28,7 @@ struct Row
 std::vector<Row> MakeRows(const Evaluation& evaluation)
 {
     std::vector<Row> rows{{"all", &evaluation.all}};
-    // A split into one group says nothing more.
+    // One group alone is all requests again.
     if (evaluation.byGiven.size() > 1) {
         for (const auto& [given, tally] : evaluation.byGiven)
             rows.push_back({"given: " + (given.empty() ? "-" : given), &tally});
@@ -43,24 +47,28 @@ double Percent(std::size_t part, std::size_t whole)
     return whole == 0 ? 0.0 : 100.0 * static_cast<double>(part) / static_cast<double>(whole);
 }
 
-std::string ShareText(std::size_t part, std::size_t whole)
+std::string PercentText(std::size_t part, std::size_t whole)
 {
     std::ostringstream text;
-    text << std::setw(6) << part << std::fixed << std::setprecision(1) << std::setw(7)
-         << Percent(part, whole) << " %";
+    text << std::fixed << std::setprecision(1) << Percent(part, whole) << " %";
     return text.str();
 }
 
-void WriteRow(std::ostream& output, const Row& row)
+void AddRow(TextTable& table, const Row& row)
 {
     const Tally& tally = *row.tally;
     const std::size_t requests = tally.CountRequests();
-    output << std::left << std::setw(static_cast<int>(kNameWidth)) << row.name << std::right
-           << std::setw(9) << requests << ' ' << ShareText(tally.Get(EComparison::Same), requests)
-           << "  " << ShareText(tally.CountEquallyGood(), requests);
+    const std::size_t same = tally.Get(EComparison::Same);
+    const std::size_t equallyGood = tally.CountEquallyGood();
+    std::vector<std::string> cells{row.name,
+                                   std::to_string(requests),
+                                   std::to_string(same),
+                                   PercentText(same, requests),
+                                   std::to_string(equallyGood),
+                                   PercentText(equallyGood, requests)};
     for (std::size_t kind = 1; kind < ComparisonCount; ++kind)
-        output << std::setw(10) << tally.counts[kind];
-    output << '\n';
+        cells.push_back(std::to_string(tally.counts[kind]));
+    table.AddRow(std::move(cells));
 }
 
 std::string PairsText(const std::vector<NamedPair>& pairs)
@@ -71,16 +79,16 @@ std::string PairsText(const std::vector<NamedPair>& pairs)
     return text.empty() ? "-" : text;
 }
 
-void WriteDifference(std::ostream& output, const Difference& difference)
+void WriteDifference(std::ostream& out, const Difference& difference)
 {
-    output << "line " << difference.line << ' ' << difference.id << ": "
-           << ToText(difference.comparison);
+    out << "line " << difference.line << ' ' << difference.id << ": "
+        << ToText(difference.comparison);
     if (!difference.reason.empty()) {
-        output << ": " << difference.reason << '\n';
+        out << ": " << difference.reason << '\n';
         return;
     }
-    output << "\n  written only: " << PairsText(difference.onlyWritten)
-           << "\n  chosen only:  " << PairsText(difference.onlyChosen) << '\n';
+    out << "\n  written only: " << PairsText(difference.onlyWritten)
+        << "\n  chosen only:  " << PairsText(difference.onlyChosen) << '\n';
 }
 
 Json ToJson(const Tally& tally)
@@ -118,20 +126,20 @@ Json PairsToJson(const std::vector<NamedPair>& pairs)
 
 } // namespace
 
-void WriteEvaluation(std::ostream& output, const Evaluation& evaluation, EDifferences differences)
+void WriteText(std::ostream& out, const Evaluation& evaluation, EDifferences differences)
 {
-    output << std::left << std::setw(static_cast<int>(kNameWidth)) << "requests" << std::right
-           << std::setw(9) << "number" << ' ' << std::setw(15) << "same"
-           << "  " << std::setw(15) << "equally good";
-    for (const char* title : {"other", "longer", "outside", "apart", "refused"})
-        output << std::setw(10) << title;
-    output << '\n';
+    std::vector<TextTable::Column> columns{{"requests", TextTable::EAlign::Left}};
+    for (const char* const title : {"number", "same", "share", "equally good", "share", "other",
+                                    "longer", "outside", "apart", "refused"})
+        columns.push_back({title, TextTable::EAlign::Right});
+    TextTable table(std::move(columns));
     for (const Row& row : MakeRows(evaluation))
-        WriteRow(output, row);
+        AddRow(table, row);
+    table.Write(out, "");
     if (differences == EDifferences::Listed) {
-        output << '\n';
+        out << '\n';
         for (const Difference& difference : evaluation.differences)
-            WriteDifference(output, difference);
+            WriteDifference(out, difference);
     }
 }
 
@@ -145,7 +153,7 @@ nlohmann::ordered_json ToJson(const Evaluation& evaluation)
                         {"onlyWritten", PairsToJson(difference.onlyWritten)},
                         {"onlyChosen", PairsToJson(difference.onlyChosen)},
                         {"reason", difference.reason}});
-    return {{"version", kJsonVersion},
+    return {{"version", kEvaluationVersion},
             {"all", ToJson(evaluation.all)},
             {"byGiven", GroupsToJson(evaluation.byGiven)},
             {"bySubjects", GroupsToJson(evaluation.bySubjects)},

@@ -9,7 +9,7 @@
 
 namespace qe::tool {
 
-/// Whether the text tells each request that was not answered the same.
+/// Whether the text lists each request that was not answered the same.
 enum class EDifferences : std::uint8_t
 {
     Counted,
@@ -17,9 +17,9 @@ enum class EDifferences : std::uint8_t
 };
 
 /// Writes the shares as a table: a line for all requests and one for each group of them.
-void WriteEvaluation(std::ostream& output, const Evaluation& evaluation, EDifferences differences);
+void WriteText(std::ostream& out, const Evaluation& evaluation, EDifferences differences);
 
-/// Makes the JSON form, with all differences.
+/// Returns the JSON form, with all differences.
 [[nodiscard]] nlohmann::ordered_json ToJson(const Evaluation& evaluation);
 
 } // namespace qe::tool

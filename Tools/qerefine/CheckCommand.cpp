@@ -4,11 +4,14 @@
 #include "Toolkit/Check/CheckReport.h"
 #include "Toolkit/Check/Rules.h"
 #include "Toolkit/Import/OpenModel.h"
+#include "Toolkit/Text/JsonLayout.h"
 #include "Tools/qerefine/CommandContext.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
+#include <nlohmann/json.hpp>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -54,9 +57,9 @@ void RunCheck(CheckArguments& arguments, CommandContext& context)
     const ToolModel model = OpenModel(arguments.model);
     const CheckReport report = CheckModel(model, arguments.options);
     if (arguments.format == "json")
-        WriteCheckJson(report, arguments.model, context.output);
+        context.output << ToJsonText(ToJson(report, arguments.model)) << '\n';
     else
-        WriteCheckText(report, context.output);
+        WriteText(context.output, report);
     const ESeverity worst = report.GetWorst();
     if (arguments.failOn != "never" && worst != ESeverity::Off &&
         worst >= ReadSeverity(arguments.failOn))

@@ -41,8 +41,8 @@ void Run(const Options& options, CommandContext& context)
     if (options.format == "json")
         context.output << ToJsonText(ToJson(evaluation)) << '\n';
     else
-        WriteEvaluation(context.output, evaluation,
-                        options.isListing ? EDifferences::Listed : EDifferences::Counted);
+        WriteText(context.output, evaluation,
+                  options.isListing ? EDifferences::Listed : EDifferences::Counted);
 }
 
 } // namespace

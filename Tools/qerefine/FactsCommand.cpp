@@ -1,23 +1,20 @@
 #include "Tools/qerefine/Commands.h"
 
-#include "Engine/Model/Model.h"
-#include "Toolkit/Answers/AnswerJson.h"
+#include "Toolkit/Answers/FactOutput.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Ask/FactReport.h"
-#include "Toolkit/Ask/SubjectName.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/JsonLayout.h"
 #include "Tools/qerefine/QuestionCommand.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <ostream>
 
 namespace qe::tool {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 class FactsCommand final : public QuestionCommand
 {
@@ -38,9 +35,9 @@ private:
     {
         const FactReport report = FindFacts(CollectJoins(model));
         if (GetOptions().AsksForJson())
-            GetContext().output << ToJsonText(ToJson(*model.model, report)) << '\n';
+            GetContext().output << ToJsonText(ToJson(report, *model.model)) << '\n';
         else
-            WriteText(GetContext().output, *model.model, report);
+            WriteText(GetContext().output, report, *model.model);
     }
 
     /// Gives the joins of the path between the subjects; without subjects those of the model.
@@ -61,41 +58,6 @@ private:
         for (const amd_id& join : answer.path)
             joins.push_back(*answer.FindJoin(join));
         return joins;
-    }
-
-    static void WriteText(std::ostream& out, const model::Model& model, const FactReport& report)
-    {
-        out << report.facts.size() << (report.facts.size() == 1 ? " fact\n" : " facts\n");
-        for (const FactReport::Fact& fact : report.facts) {
-            out << "  " << ToDisplayText(SubjectName(model, fact.subject));
-            if (!fact.allDimensions.empty())
-                out << ": " << ToDisplayList(SubjectNames(model, fact.allDimensions));
-            out << '\n';
-        }
-        if (report.facts.size() > 1)
-            out << "Shared dimensions: "
-                << ToDisplayList(SubjectNames(model, report.sharedDimensions)) << '\n';
-        for (const FactReport::Problem& problem : report.problems)
-            out << "Join " << ToDisplayText(model.Find(problem.join)->name) << ": "
-                << ToDisplayText(problem.text) << '\n';
-    }
-
-    static Json ToJson(const model::Model& model, const FactReport& report)
-    {
-        Json facts = Json::array();
-        for (const FactReport::Fact& fact : report.facts)
-            facts.push_back({{"fact", SubjectName(model, fact.subject)},
-                             {"ownDimensions", SubjectNames(model, fact.ownDimensions)},
-                             {"allDimensions", SubjectNames(model, fact.allDimensions)}});
-        Json problems = Json::array();
-        for (const FactReport::Problem& problem : report.problems)
-            problems.push_back({{"join", ToText(problem.join)},
-                                {"name", model.Find(problem.join)->name},
-                                {"text", problem.text}});
-        return {{"version", kAnswerVersion},
-                {"facts", facts},
-                {"sharedDimensions", SubjectNames(model, report.sharedDimensions)},
-                {"problems", problems}};
     }
 };
 

@@ -1,0 +1,59 @@
+#include "Toolkit/Answers/ShortcutOutput.h"
+
+#include "Engine/Model/Model.h"
+#include "Toolkit/Answers/AnswerJson.h"
+#include "Toolkit/Ask/ShortcutReport.h"
+#include "Toolkit/Ask/SubjectName.h"
+#include "Toolkit/Text/DisplayText.h"
+
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <string>
+
+namespace qe::tool {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string DisplayName(const model::Model& model, const amd_id& subject)
+{
+    return ToDisplayText(SubjectName(model, subject));
+}
+
+} // namespace
+
+void WriteText(std::ostream& out, const ShortcutReport& report, const model::Model& model)
+{
+    out << report.groups.size() << (report.groups.size() == 1 ? " group\n" : " groups\n");
+    for (const auto& [key, members] : report.groups)
+        out << "  " << DisplayName(model, key) << ": "
+            << ToDisplayList(SubjectNames(model, members)) << '\n';
+    for (const amd_id& shortcut : report.ungrouped)
+        out << "In no group: " << DisplayName(model, shortcut) << " (stands for "
+            << DisplayName(model, model.GetTarget(shortcut)) << ")\n";
+    if (!report.joins.empty())
+        out << "Shortcut joins\n";
+    for (const ShortcutReport::Join& join : report.joins)
+        out << "  " << ToText(join.id) << "  " << DisplayName(model, join.left) << " 1..1 -- 1..1 "
+            << DisplayName(model, join.right) << '\n';
+}
+
+Json ToJson(const ShortcutReport& report, const model::Model& model)
+{
+    Json groups = Json::array();
+    for (const auto& [key, members] : report.groups)
+        groups.push_back(
+            {{"key", SubjectName(model, key)}, {"members", SubjectNames(model, members)}});
+    Json joins = Json::array();
+    for (const ShortcutReport::Join& join : report.joins)
+        joins.push_back({{"id", ToText(join.id)},
+                         {"left", SubjectName(model, join.left)},
+                         {"right", SubjectName(model, join.right)}});
+    return {{"version", kAnswerVersion},
+            {"groups", groups},
+            {"ungrouped", SubjectNames(model, report.ungrouped)},
+            {"joins", joins}};
+}
+
+} // namespace qe::tool
