@@ -129,7 +129,7 @@ TEST(CheckOutput, CountsWhatItDoesNotShow)
     CheckOptions options;
     options.severities = {{"one-sided-condition", ESeverity::Off},
                           {"many-to-many", ESeverity::Error}};
-    options.limits.findings = 4;
+    options.limits.findings = ListLimit(4);
     const CheckReport report = CheckModel(MakeModel(joins), options);
     EXPECT_EQ(report.GetWorst(), ESeverity::Error);
     EXPECT_EQ(report.Count(ESeverity::Error), 30U);
@@ -198,7 +198,7 @@ TEST(CheckProperty, AmbiguousPairsAreThoseOfAllPathsTried)
         }
         std::set<std::string> found;
         CheckLimits limits;
-        limits.findings = 100;
+        limits.findings = ListLimit::All();
         for (const Finding& finding : FindAmbiguousPaths(checkedGraph, limits).findings)
             found.insert(finding.placeText);
         EXPECT_EQ(found, expected) << text;

@@ -57,7 +57,7 @@ public:
         const std::size_t searched = CollectPairs();
         found.total = mPairs.size();
         std::sort(mPairs.begin(), mPairs.end());
-        mPairs.resize(std::min(mPairs.size(), mLimits.findings));
+        mPairs.resize(mLimits.findings.CountShown(mPairs.size()));
         for (const AmbiguousPair& pair : mPairs)
             found.findings.push_back(Describe(pair));
         if (searched < mModel.GetSubjects().size())

@@ -1,6 +1,7 @@
 #ifndef TOOLKIT_CHECK_CHECKREPORT_H
 #define TOOLKIT_CHECK_CHECKREPORT_H
 
+#include "Toolkit/Text/ListLimit.h"
 #include "amd_id.h"
 
 #include <cstddef>
@@ -72,8 +73,8 @@ struct RuleFindings
 /// How far rules search and how much they show.
 struct CheckLimits
 {
-    /// The findings that are shown of each rule at most; what is left out is counted.
-    std::size_t findings = 20;
+    /// The findings that are shown of each rule; what is left out is counted.
+    ListLimit findings{20};
     /// Ambiguous paths are searched for up to this many ordinary joins.
     int pathJoins = 2;
     /// The joins that the search for ambiguous paths passes at most, in all.

@@ -60,7 +60,7 @@ inline constexpr std::array kRules{
 template <typename Describe>
 void Record(RuleFindings& found, const CheckLimits& limits, const Describe& describe)
 {
-    if (++found.total <= limits.findings)
+    if (limits.findings.Shows(found.total++))
         found.findings.push_back(describe());
 }
 
