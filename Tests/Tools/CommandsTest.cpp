@@ -1,10 +1,14 @@
 #include "Engine/Services/SettingsOverride.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
+#include "Toolkit/Text/InputFile.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -40,7 +44,7 @@ private:
         CREATE TABLE "shop.visit"(shop_id INTEGER REFERENCES shop(id));)");
 };
 
-TEST_F(CommandsTest, ExitCodesTellHowItEnded)
+TEST_F(CommandsTest, ExitCodesShowHowItEnded)
 {
     struct Case
     {
@@ -72,6 +76,7 @@ TEST_F(CommandsTest, ExitCodesTellHowItEnded)
         {{"path", "@", "orders", "region", "--selector", "ask"}, EExitCode::WrongUsage},
         {{"path", "@", "orders", "region", "--set", "NewAlgo"}, EExitCode::WrongUsage},
         {{"path", "/no/such/file", "a", "b"}, EExitCode::CannotReadOrWrite},
+        {{"show", "@", "--around", "oders", "--format", "dot"}, EExitCode::WrongUsage},
         {{"path", "@", "orders", "budget", "--cross-product", "deny"}, EExitCode::LibraryError},
     };
     for (const Case& entry : cases) {
@@ -81,6 +86,19 @@ TEST_F(CommandsTest, ExitCodesTellHowItEnded)
         EXPECT_TRUE(entry.code < EExitCode::WrongUsage || !run.error.empty());
     }
     EXPECT_THAT(RunWith({"path", "@", "oders", "region"}).error, HasSubstr("did you mean orders"));
+}
+
+TEST(ExitCodes, MeanWhatTheDocumentsSay)
+{
+    const std::filesystem::path folder = QEREFINER_SOURCE_DIR;
+    const std::string manual = ReadInputFile(folder / "Tools/qerefine/qerefine.1");
+    const std::string document = ReadInputFile(folder / "Documentation/tool.md");
+    for (const ExitCodeMeaning& each : kExitCodes) {
+        const std::string number = std::to_string(static_cast<int>(each.code));
+        const std::string text(each.text);
+        EXPECT_THAT(manual, HasSubstr(".B " + number + "\n" + text + "\n.")) << number;
+        EXPECT_THAT(document, HasSubstr("\n| " + number + " | " + text + " |\n")) << number;
+    }
 }
 
 TEST_F(CommandsTest, ImportWritesTheModelThatAnswersLikeItsSource)

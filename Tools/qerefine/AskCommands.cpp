@@ -102,7 +102,7 @@ EExitCode Report(const AskOptions& options, const AskResult& result, const Comma
     return code;
 }
 
-/// Adds a command; what tells it from the others is its operation and its options.
+/// Adds a command, which differs from the others in its operation and its options.
 void Add(const CommandLine& line, const CommandHelp& help,
          void (*addOptions)(CLI::App& command, AskOptions& options))
 {

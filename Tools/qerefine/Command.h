@@ -28,7 +28,7 @@ struct CommandHelp
     const char* summary;
     /// A whole command line.
     const char* example;
-    /// What is told behind the example.
+    /// What stands behind the example.
     const char* remarks = "";
 };
 
