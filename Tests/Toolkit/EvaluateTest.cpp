@@ -1,4 +1,4 @@
-#include "Toolkit/Evaluate/Evaluator.h"
+#include "Toolkit/Evaluate/Evaluation.h"
 
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"

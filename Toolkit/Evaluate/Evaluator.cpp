@@ -1,4 +1,4 @@
-#include "Toolkit/Evaluate/Evaluator.h"
+#include "Toolkit/Evaluate/Evaluation.h"
 
 #include "Engine/Model/Model.h"
 #include "Toolkit/Ask/Asker.h"
@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <numeric>
 #include <optional>
 
 namespace qe::tool {
@@ -173,6 +174,35 @@ private:
 };
 
 } // namespace
+
+std::string_view ToText(EComparison comparison)
+{
+    switch (comparison) {
+    case EComparison::Same:
+        return "same";
+    case EComparison::OtherOfEquallyGood:
+        return "other of equally good";
+    case EComparison::LongerThanNeeded:
+        return "longer than needed";
+    case EComparison::OutsideModel:
+        return "outside the model";
+    case EComparison::NotConnected:
+        return "not connected";
+    case EComparison::Refused:
+        return "refused";
+    }
+    return "";
+}
+
+std::size_t Tally::CountRequests() const
+{
+    return std::accumulate(counts.begin(), counts.end(), std::size_t{0});
+}
+
+std::size_t Tally::CountEquallyGood() const
+{
+    return Get(EComparison::Same) + Get(EComparison::OtherOfEquallyGood);
+}
 
 Evaluation Evaluate(ModelSource& models, std::istream& requests, const Question& defaults)
 {

@@ -10,7 +10,7 @@
 #include "Toolkit/Batch/ProgressBar.h"
 #include "Toolkit/Batch/QuestionReader.h"
 #include "Toolkit/Batch/RequestFile.h"
-#include "Toolkit/Evaluate/Evaluator.h"
+#include "Toolkit/Evaluate/Evaluation.h"
 #include "Toolkit/Evaluate/ModelSource.h"
 #include "Toolkit/Text/JsonLayout.h"
 #include "Tools/qerefine/Command.h"
