@@ -97,8 +97,10 @@ EExitCode Report(const AskOptions& options, const AskResult& result, const Comma
         WriteRemarks(context.error, result.answer);
     // A failed request has no path, so there is nothing to join.
     if (!result.answer.error || options.format->name != "sql")
-        options.format->write(context.output,
-                              {result.model, result.question, result.answer, result.output});
+        options.format->write(context.output, {.model = result.model,
+                                               .question = result.question,
+                                               .answer = result.answer,
+                                               .options = result.output});
     return code;
 }
 
@@ -106,7 +108,8 @@ EExitCode Report(const AskOptions& options, const AskResult& result, const Comma
 void Add(const CommandLine& line, const CommandHelp& help,
          void (*addOptions)(CLI::App& command, AskOptions& options))
 {
-    AddCommand(line, Command<AskOptions, AskResult>{help, addOptions, Run, Report});
+    AddCommand(line, Command<AskOptions, AskResult>{
+                         .help = help, .addOptions = addOptions, .run = Run, .report = Report});
 }
 
 } // namespace

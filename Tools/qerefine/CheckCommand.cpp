@@ -99,7 +99,8 @@ void AddCheckCommand(const CommandLine& line)
                            .summary = "Tells what a modeller should know about a model first.",
                            .example =
                                "qerefine check warehouse.json --severity chasm=warning --limit 5"};
-    AddCommand(line, Command<Options, CheckReport>{help, AddOptions, Run, Report});
+    AddCommand(line, Command<Options, CheckReport>{
+                         .help = help, .addOptions = AddOptions, .run = Run, .report = Report});
 }
 
 } // namespace qe::tool

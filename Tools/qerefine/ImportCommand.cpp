@@ -78,16 +78,21 @@ void AddImportCommand(const CommandLine& line)
                                  .summary = "Makes a model file of a database or of its DDL.",
                                  .example = kExample});
     import.require_subcommand(1);
-    const CommandLine sources{import, line.context, line.exitCode};
+    const CommandLine sources{.app = import, .context = line.context, .exitCode = line.exitCode};
     const CommandHelp sqlite{.name = "sqlite",
                              .summary = "Reads an SQLite database, which stays as it is.",
                              .example = kExample};
-    AddCommand(sources, Command<Options, ToolModel>{sqlite, AddSqliteOptions, RunSqlite, Report});
+    AddCommand(sources, Command<Options, ToolModel>{.help = sqlite,
+                                                    .addOptions = AddSqliteOptions,
+                                                    .run = RunSqlite,
+                                                    .report = Report});
     const CommandHelp sql{
         .name = "sql",
         .summary = "Reads files of DDL, run one after the other in an empty database in memory.",
         .example = "qerefine import sql tables.sql keys.sql > shop.json"};
-    AddCommand(sources, Command<Options, ToolModel>{sql, AddOptions, RunSql, Report});
+    AddCommand(sources,
+               Command<Options, ToolModel>{
+                   .help = sql, .addOptions = AddOptions, .run = RunSql, .report = Report});
 }
 
 } // namespace qe::tool

@@ -122,7 +122,10 @@ void AddFactsCommand(const CommandLine& line)
                            .summary =
                                "Tells facts from dimensions, in the whole model or along a path.",
                            .example = "qerefine facts shop.json Orders Returns Region"};
-    AddCommand(line, Command<Options, FactResult>{help, AddFactOptions, RunFacts, ReportFacts});
+    AddCommand(line, Command<Options, FactResult>{.help = help,
+                                                  .addOptions = AddFactOptions,
+                                                  .run = RunFacts,
+                                                  .report = ReportFacts});
 }
 
 void AddShortcutsCommand(const CommandLine& line)
@@ -131,8 +134,10 @@ void AddShortcutsCommand(const CommandLine& line)
                            .summary =
                                "Tells which shortcuts count as one, and the joins between them.",
                            .example = "qerefine shortcuts shop.json --grouping container"};
-    AddCommand(line, Command<Options, ShortcutResult>{help, AddShortcutOptions, RunShortcuts,
-                                                      ReportShortcuts});
+    AddCommand(line, Command<Options, ShortcutResult>{.help = help,
+                                                      .addOptions = AddShortcutOptions,
+                                                      .run = RunShortcuts,
+                                                      .report = ReportShortcuts});
 }
 
 } // namespace qe::tool

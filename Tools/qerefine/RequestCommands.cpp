@@ -181,8 +181,10 @@ void AddBatchCommand(const CommandLine& line)
                            .example =
                                "qerefine batch shop.sqlite requests.jsonl --jobs 4 > answers.jsonl",
                            .remarks = kBatchRemarks};
-    AddCommand(line, Command<BatchCommandOptions, BatchSummary>{help, AddBatchOptions, RunRequests,
-                                                                ReportBatch});
+    AddCommand(line, Command<BatchCommandOptions, BatchSummary>{.help = help,
+                                                                .addOptions = AddBatchOptions,
+                                                                .run = RunRequests,
+                                                                .report = ReportBatch});
 }
 
 void AddEvaluateCommand(const CommandLine& line)
@@ -191,8 +193,10 @@ void AddEvaluateCommand(const CommandLine& line)
                            .summary = "Compares answers with the joins that people wrote.",
                            .example = "qerefine evaluate shop.json query-log.jsonl --list",
                            .remarks = kEvaluateRemarks};
-    AddCommand(line, Command<EvaluateCommandOptions, Evaluation>{help, AddEvaluateOptions,
-                                                                 RunEvaluation, ReportEvaluation});
+    AddCommand(line, Command<EvaluateCommandOptions, Evaluation>{.help = help,
+                                                                 .addOptions = AddEvaluateOptions,
+                                                                 .run = RunEvaluation,
+                                                                 .report = ReportEvaluation});
 }
 
 } // namespace qe::tool

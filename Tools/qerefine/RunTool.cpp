@@ -36,7 +36,7 @@ EExitCode Parse(const std::vector<std::string>& arguments, const CommandContext&
     app.failure_message(CLI::FailureMessage::simple);
     EExitCode exitCode = EExitCode::Done;
     for (const auto addCommand : kCommands)
-        addCommand({app, context, exitCode});
+        addCommand({.app = app, .context = context, .exitCode = exitCode});
     try {
         // The parser takes the arguments from the end.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));

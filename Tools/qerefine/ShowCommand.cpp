@@ -84,7 +84,8 @@ void AddShowCommand(const CommandLine& line)
     const CommandHelp help{.name = "show",
                            .summary = "Draws a model.",
                            .example = "qerefine show warehouse.json --around Sales > sales.svg"};
-    AddCommand(line, Command<Options, Picture>{help, AddOptions, Run, Report});
+    AddCommand(line, Command<Options, Picture>{
+                         .help = help, .addOptions = AddOptions, .run = Run, .report = Report});
 }
 
 } // namespace qe::tool
