@@ -49,7 +49,7 @@ ToolRun RunTool(const std::vector<std::string>& arguments, const std::string& in
     std::istringstream in(input);
     std::ostringstream out;
     std::ostringstream error;
-    tool::CommandContext context{in, out, error, terminal};
+    const tool::CommandContext context{in, out, error, terminal};
     const tool::EExitCode code = tool::RunTool(arguments, context);
     return {code, out.str(), error.str()};
 }

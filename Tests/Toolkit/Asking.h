@@ -42,7 +42,7 @@ inline constexpr const char* ShopTables = R"(
 /// What a run of the tool came to.
 struct ToolRun
 {
-    tool::EExitCode code = tool::EExitCode::Answered;
+    tool::EExitCode code = tool::EExitCode::Done;
     std::string output{};
     std::string error{};
 };

@@ -4,11 +4,13 @@
 #include "Engine/Services/SettingsOverride.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
+#include "Toolkit/Answers/BatchOutput.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Batch/LineReader.h"
 #include "Toolkit/Batch/OrderedWork.h"
 #include "Toolkit/Batch/QuestionReader.h"
 #include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/JsonText.h"
 
 #include <gmock/gmock.h>
 
@@ -203,12 +205,17 @@ struct BatchRun
     BatchSummary summary;
 };
 
+std::string ToLine(const BatchEntry& entry)
+{
+    return ToJsonLine(ToJson(entry, ListLimit(0)));
+}
+
 BatchRun RunShop(const std::string& requests, const BatchOptions& options)
 {
     static const ToolModel shop = qe::test::ImportText(qe::test::ShopTables);
     std::istringstream input(requests);
     std::ostringstream output;
-    const BatchSummary summary = RunBatch(shop, input, output, options);
+    const BatchSummary summary = RunBatch(shop, input, {output, ToLine}, options);
     return {ToLines(output.str()), summary};
 }
 
@@ -260,13 +267,14 @@ TEST(Batch, EndsWithWhatWasDoneWhenStopped)
     EXPECT_EQ(stopped.lines, whole.lines);
 }
 
-TEST(Batch, TellsWhenTheOutputCannotBeWritten)
+TEST(Batch, ThrowsWhenTheOutputCannotBeWritten)
 {
     std::istringstream input(MakeRequests(200));
     std::ostringstream output;
     output.setstate(std::ios::badbit);
     const ToolModel shop = qe::test::ImportText(qe::test::ShopTables);
-    EXPECT_THROW(static_cast<void>(RunBatch(shop, input, output, {})), std::runtime_error);
+    EXPECT_THROW(static_cast<void>(RunBatch(shop, input, {output, ToLine}, {})),
+                 std::runtime_error);
 }
 
 TEST(Batch, ReadsSettingsBeforeAnythingElse)
@@ -282,7 +290,7 @@ TEST(Batch, ReadsSettingsBeforeAnythingElse)
     EXPECT_EQ(answer.weight, 17);
 }
 
-TEST(BatchCommand, TellsFailuresByItsExitCode)
+TEST(BatchCommand, ShowsFailuresByItsExitCode)
 {
     const qe::test::TemporaryFolder folder;
     const std::string model = folder.Write("shop.sql", qe::test::ShopTables);
@@ -290,17 +298,17 @@ TEST(BatchCommand, TellsFailuresByItsExitCode)
     using qe::test::RunTool;
     const auto answered =
         RunTool({"batch", model, "-", "--jobs", "2"}, R"({"subjects": ["sale", "region"]})");
-    EXPECT_EQ(answered.code, EExitCode::Answered);
+    EXPECT_EQ(answered.code, EExitCode::Done);
     EXPECT_THAT(answered.error, StartsWith("requests: 1, failures: 0"));
     Terminal terminal;
     terminal.error = Terminal::EStream::Terminal;
     const auto failed = RunTool({"batch", model, requests}, "", terminal);
-    EXPECT_EQ(failed.code, EExitCode::NotConnected);
+    EXPECT_EQ(failed.code, EExitCode::NegativeResult);
     EXPECT_THAT(failed.error, HasSubstr("[####")) << "a bar on a terminal";
     EXPECT_EQ(ToLines(answered.output + failed.output).size(), 3U);
-    EXPECT_EQ(RunTool({"batch", model, "/nonexistent"}).code, EExitCode::UnreadableInput);
+    EXPECT_EQ(RunTool({"batch", model, "/nonexistent"}).code, EExitCode::CannotReadOrWrite);
     EXPECT_EQ(RunTool({"batch", model, requests, "--defaults", "{\"x\": 1}"}).code,
-              EExitCode::UnreadableInput);
+              EExitCode::CannotReadOrWrite);
 }
 
 } // namespace

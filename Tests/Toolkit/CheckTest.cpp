@@ -3,7 +3,8 @@
 #include "Tests/Toolkit/Asking.h"
 #include "Toolkit/Answers/CheckOutput.h"
 #include "Toolkit/Check/CheckReport.h"
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
+#include "Toolkit/Check/Rules.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -20,7 +21,7 @@ namespace {
 using test::MakeModel;
 using test::SmallGraph;
 
-/// Gives "code: place; place | code: place", in the order of the rules.
+/// Returns "code: place; place | code: place", in the order of the rules.
 std::string Summarize(const CheckReport& report)
 {
     std::string summary;
@@ -53,7 +54,7 @@ TEST(CheckRules, FindWhatIsWrong)
          "ambiguous-path: Orders - Day"},
         {"F is ambiguous only because it passes over A", "F >- A; A >- B; A >- C; B >- D; C >- D",
          "ambiguous-path: A - D; B - C | fan: A"},
-        {"three ways", "F >- A; F >- B; F >- C; A >- D; B >- D; C >- D",
+        {"three paths", "F >- A; F >- B; F >- C; A >- D; B >- D; C >- D",
          "ambiguous-path: F - D; A - B; A - C; B - C"},
         {"roles of one dimension", "Ordered -> Day; Shipped -> Day; F >- Ordered; F >- Shipped",
          "ambiguous-path: Day - F"},
@@ -62,7 +63,7 @@ TEST(CheckRules, FindWhatIsWrong)
          "F >- Product; G >- Product; Product >- Line; H >- Region",
          "separate-group: H | chasm: Product"},
         {"facts meet behind dimensions", "F >- A; G >- B; A >- C; B >- C", "chasm: C"},
-        {"circle of dimensions", "F >- A; G >- B; A >- B; B >- A",
+        {"cycle of dimensions", "F >- A; G >- B; A >- B; B >- A",
          "ambiguous-path: A - B | chasm: A"},
         {"header with lines", "Line >- Header; Header >- Day; Header >- Customer", "fan: Header"},
         {"snowflake", "F >- Product; Product >- Line", ""},
@@ -77,7 +78,7 @@ TEST(CheckRules, FindWhatIsWrong)
 TEST(CheckConditions, MustMentionBothEnds)
 {
     CheckOptions options;
-    for (const Rule& rule : GetRules()) {
+    for (const Rule& rule : kRules) {
         if (rule.code != "one-sided-condition")
             options.severities[std::string(rule.code)] = ESeverity::Off;
     }
@@ -99,7 +100,7 @@ TEST(CheckConditions, MustMentionBothEnds)
 }
 
 /// What the builder refuses can still come from elsewhere.
-TEST(CheckBrokenRecords, AreTold)
+TEST(CheckBrokenRecords, AreReported)
 {
     const amd_id a{0, IdClassQuerySubject, 1};
     const amd_id nothing{0, IdClassShortcut, 1};
@@ -128,7 +129,7 @@ TEST(CheckOutput, CountsWhatItDoesNotShow)
     CheckOptions options;
     options.severities = {{"one-sided-condition", ESeverity::Off},
                           {"many-to-many", ESeverity::Error}};
-    options.limits.findings = 4;
+    options.limits.findings = ListLimit(4);
     const CheckReport report = CheckModel(MakeModel(joins), options);
     EXPECT_EQ(report.GetWorst(), ESeverity::Error);
     EXPECT_EQ(report.Count(ESeverity::Error), 30U);
@@ -141,7 +142,7 @@ TEST(CheckOutput, CountsWhatItDoesNotShow)
     EXPECT_NE(lines.str().find("26 more of 30 are not shown"), std::string::npos) << lines.str();
 }
 
-TEST(CheckOutput, TellsWhenTheSearchGaveUp)
+TEST(CheckOutput, SaysWhenTheSearchGaveUp)
 {
     CheckOptions options;
     options.limits.pathSteps = 1;
@@ -153,14 +154,14 @@ TEST(CheckOutput, TellsWhenTheSearchGaveUp)
 }
 
 /// The weight of a path that is too long to look at.
-constexpr int LongPath = 3 * 17;
+constexpr int kLongPath = 3 * 17;
 
-/// Tells whether there are several cheapest paths between two subjects, none of them long, and no
+/// Returns whether there are several cheapest paths between two subjects, none of them long, and no
 /// subject between the ends lies on all of them.
 bool HasSeparatePaths(const SmallGraph& graph, std::size_t from, std::size_t to)
 {
     const auto found = graph.FindCheapestTrees({from, to});
-    if (!found || found->trees.size() < 2 || found->weight >= LongPath)
+    if (!found || found->trees.size() < 2 || found->weight >= kLongPath)
         return false;
     // Where a path passes, two of its joins end.
     std::map<std::size_t, std::size_t> ends;
@@ -184,21 +185,21 @@ TEST(CheckProperty, AmbiguousPairsAreThoseOfAllPathsTried)
             text += node() + (random() % 4 == 0 ? " >= " : " >- ") + node() + ';';
         }
         const ToolModel model = MakeModel(text);
-        const CheckedModel checked(model);
-        SmallGraph graph{checked.GetSubjects().size(), {}};
-        for (const CheckedJoin& join : checked.GetJoins())
+        const ModelGraph checkedGraph(model);
+        SmallGraph graph{checkedGraph.GetSubjects().size(), {}};
+        for (const ModelJoin& join : checkedGraph.GetJoins())
             graph.edges.push_back({join.left, join.right, join.weight});
         std::set<std::string> expected;
         for (std::size_t from = 0; from < graph.nodeCount; ++from) {
             for (std::size_t to = from + 1; to < graph.nodeCount; ++to) {
                 if (HasSeparatePaths(graph, from, to))
-                    expected.insert(checked.NameOf(from) + " - " + checked.NameOf(to));
+                    expected.insert(checkedGraph.NameOf(from) + " - " + checkedGraph.NameOf(to));
             }
         }
         std::set<std::string> found;
         CheckLimits limits;
-        limits.findings = 100;
-        for (const Finding& finding : FindAmbiguousPaths(checked, limits).findings)
+        limits.findings = ListLimit::All();
+        for (const Finding& finding : FindAmbiguousPaths(checkedGraph, limits).findings)
             found.insert(finding.placeText);
         EXPECT_EQ(found, expected) << text;
     }

@@ -1,4 +1,4 @@
-#include "Toolkit/Evaluate/Evaluator.h"
+#include "Toolkit/Evaluate/Evaluation.h"
 
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
@@ -220,7 +220,7 @@ TEST(EvaluateCommand, WritesTextAndJson)
     const TemporaryFolder folder;
     const std::string requests = folder.Write("requests.jsonl", RequestLines());
     const auto listed = qe::test::RunTool({"evaluate", models / "", requests, "--list"});
-    EXPECT_EQ(listed.code, EExitCode::Answered);
+    EXPECT_EQ(listed.code, EExitCode::Done);
     EXPECT_THAT(listed.output,
                 testing::ContainsRegex("all +11 +1 +9.1 % +2 +18.2 % +1 +1 +1 +1 +6\n"));
     EXPECT_THAT(listed.output, HasSubstr("line 2 b: other of equally good\n"
@@ -232,7 +232,7 @@ TEST(EvaluateCommand, WritesTextAndJson)
     EXPECT_EQ(json["byGiven"]["x"]["same"], 50.0);
     EXPECT_EQ(json["differences"].size(), 10U);
     EXPECT_EQ(qe::test::RunTool({"evaluate", models / "none", requests}).code,
-              EExitCode::UnreadableInput);
+              EExitCode::CannotReadOrWrite);
 }
 
 /// Requests that people wrote against public schemas, which lie outside the project. Where a

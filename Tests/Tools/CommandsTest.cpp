@@ -1,10 +1,14 @@
 #include "Engine/Services/SettingsOverride.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
+#include "Toolkit/Text/InputFile.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -40,7 +44,7 @@ private:
         CREATE TABLE "shop.visit"(shop_id INTEGER REFERENCES shop(id));)");
 };
 
-TEST_F(CommandsTest, ExitCodesTellHowItEnded)
+TEST_F(CommandsTest, ExitCodesShowHowItEnded)
 {
     struct Case
     {
@@ -48,22 +52,22 @@ TEST_F(CommandsTest, ExitCodesTellHowItEnded)
         EExitCode code;
     };
     const Case cases[] = {
-        {{"path", "@", "Orders", "region"}, EExitCode::Answered},
-        {{"best", "@", "orders", "region", "--format", "json"}, EExitCode::Answered},
-        {{"subjects", "@", "orders", "region"}, EExitCode::Answered},
-        {{"between", "@", "--from", "orders", "--to", "region", "--all"}, EExitCode::Answered},
-        {{"tree", "@", "orders", "region"}, EExitCode::Answered},
-        {{"facts", "@"}, EExitCode::Answered},
-        {{"facts", "@", "orders", "region", "--format", "json"}, EExitCode::Answered},
-        {{"shortcuts", "@", "--roles", "shortcuts"}, EExitCode::Answered},
-        {{"import", "sql", "@", "@.missing"}, EExitCode::UnreadableInput},
-        {{"import", "sqlite", "@"}, EExitCode::UnreadableInput},
+        {{"path", "@", "Orders", "region"}, EExitCode::Done},
+        {{"best", "@", "orders", "region", "--format", "json"}, EExitCode::Done},
+        {{"subjects", "@", "orders", "region"}, EExitCode::Done},
+        {{"between", "@", "--from", "orders", "--to", "region", "--all"}, EExitCode::Done},
+        {{"tree", "@", "orders", "region"}, EExitCode::Done},
+        {{"facts", "@"}, EExitCode::Done},
+        {{"facts", "@", "orders", "region", "--format", "json"}, EExitCode::Done},
+        {{"shortcuts", "@", "--roles", "shortcuts"}, EExitCode::Done},
+        {{"import", "sql", "@", "@.missing"}, EExitCode::CannotReadOrWrite},
+        {{"import", "sqlite", "@"}, EExitCode::CannotReadOrWrite},
         {{"import", "@"}, EExitCode::WrongUsage},
-        {{"--help"}, EExitCode::Answered},
-        {{"--version"}, EExitCode::Answered},
-        {{"path", "@", "orders", "budget"}, EExitCode::NotConnected},
-        {{"subjects", "@", "orders", "budget"}, EExitCode::NotConnected},
-        {{"facts", "@", "orders", "budget"}, EExitCode::NotConnected},
+        {{"--help"}, EExitCode::Done},
+        {{"--version"}, EExitCode::Done},
+        {{"path", "@", "orders", "budget"}, EExitCode::NegativeResult},
+        {{"subjects", "@", "orders", "budget"}, EExitCode::NegativeResult},
+        {{"facts", "@", "orders", "budget"}, EExitCode::NegativeResult},
         {{}, EExitCode::WrongUsage},
         {{"path", "@"}, EExitCode::WrongUsage},
         {{"path", "@", "orders", "--nonsense"}, EExitCode::WrongUsage},
@@ -71,7 +75,8 @@ TEST_F(CommandsTest, ExitCodesTellHowItEnded)
         {{"path", "@", "orders", "region", "--cross-product", "7"}, EExitCode::WrongUsage},
         {{"path", "@", "orders", "region", "--selector", "ask"}, EExitCode::WrongUsage},
         {{"path", "@", "orders", "region", "--set", "NewAlgo"}, EExitCode::WrongUsage},
-        {{"path", "/no/such/file", "a", "b"}, EExitCode::UnreadableInput},
+        {{"path", "/no/such/file", "a", "b"}, EExitCode::CannotReadOrWrite},
+        {{"show", "@", "--around", "oders", "--format", "dot"}, EExitCode::WrongUsage},
         {{"path", "@", "orders", "budget", "--cross-product", "deny"}, EExitCode::LibraryError},
     };
     for (const Case& entry : cases) {
@@ -83,10 +88,23 @@ TEST_F(CommandsTest, ExitCodesTellHowItEnded)
     EXPECT_THAT(RunWith({"path", "@", "oders", "region"}).error, HasSubstr("did you mean orders"));
 }
 
+TEST(ExitCodes, MeanWhatTheDocumentsSay)
+{
+    const std::filesystem::path folder = QEREFINER_SOURCE_DIR;
+    const std::string manual = ReadInputFile(folder / "Tools/qerefine/qerefine.1");
+    const std::string document = ReadInputFile(folder / "Documentation/tool.md");
+    for (const ExitCodeMeaning& each : kExitCodes) {
+        const std::string number = std::to_string(static_cast<int>(each.code));
+        const std::string text(each.text);
+        EXPECT_THAT(manual, HasSubstr(".B " + number + "\n" + text + "\n.")) << number;
+        EXPECT_THAT(document, HasSubstr("\n| " + number + " | " + text + " |\n")) << number;
+    }
+}
+
 TEST_F(CommandsTest, ImportWritesTheModelThatAnswersLikeItsSource)
 {
     const ToolRun imported = RunWith({"import", "sql", "@", "--roles"});
-    EXPECT_EQ(imported.code, EExitCode::Answered) << imported.error;
+    EXPECT_EQ(imported.code, EExitCode::Done) << imported.error;
     const std::string file = mFolder.Write("model.json", imported.output);
     const ToolRun asked = RunWith({"path", file, "customer (ship_to)", "region"});
     const ToolRun dotted = RunWith({"path", file, "[shop.visit]", "shop", "--format", "sql"});

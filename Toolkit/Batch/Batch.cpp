@@ -3,71 +3,58 @@
 #include "AQE_I_Refiner.h"
 #include "Engine/Model/Model.h"
 #include "Engine/Model/ModelBuilder.h"
-#include "Toolkit/Answers/AnswerJson.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Batch/LineReader.h"
 #include "Toolkit/Batch/OrderedWork.h"
 #include "Toolkit/Batch/QuestionReader.h"
 #include "Toolkit/Model/ToolModel.h"
-#include "Toolkit/Text/InputError.h"
-#include "Toolkit/Text/JsonText.h"
 
-#include <iomanip>
+#include <chrono>
+#include <exception>
 #include <istream>
 #include <ostream>
-#include <sstream>
 #include <stdexcept>
+#include <string>
+#include <utility>
 
 namespace qe::tool {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
 using Clock = std::chrono::steady_clock;
 using EOutcome = WorkResult::EOutcome;
 
 /// Lines in memory for each thread: enough to keep the threads busy beside one slow request.
 constexpr std::size_t kWindowPerThread = 32;
 
-Json ToJson(const InputError& error)
-{
-    Json problems = Json::array();
-    for (const InputProblem& problem : error.GetProblems())
-        problems.push_back({{"place", problem.place},
-                            {"text", problem.text},
-                            {"nearestNames", problem.nearestNames}});
-    return {{"kind", "request"}, {"text", error.what()}, {"problems", problems}};
-}
-
 /// Answers requests; one object serves all threads.
 class Answerer
 {
 public:
-    Answerer(const ToolModel& model, const BatchOptions& options) : mModel(model), mOptions(options)
+    Answerer(const ToolModel& model, const BatchOutput& output, const BatchOptions& options)
+        : mModel(model), mOutput(output), mOptions(options)
     {}
 
     [[nodiscard]] WorkResult operator()(const RequestLine& line) const
     {
         const Clock::time_point begin = Clock::now();
-        WorkResult result;
-        Json output{{"line", line.number}, {"id", nullptr}};
+        BatchEntry entry;
+        entry.line = line.number;
         try {
-            result.outcome = Answer(line, output);
+            Answer(line, entry);
         } catch (const InputError& error) {
-            output["error"] = ToJson(error);
-            result.outcome = EOutcome::Failed;
+            entry.outcome = error;
         } catch (const std::exception& error) {
-            output["error"] = {{"kind", "internal"}, {"text", error.what()}};
-            result.outcome = EOutcome::Failed;
+            entry.outcome = InternalFailure{error.what()};
         }
-        result.text = ToJsonLine(output);
+        WorkResult result{.text = mOutput.toLine(entry), .outcome = Classify(entry)};
         result.bytes = line.bytes;
         result.latency = Clock::now() - begin;
         return result;
     }
 
 private:
-    [[nodiscard]] EOutcome Answer(const RequestLine& line, Json& output) const
+    void Answer(const RequestLine& line, BatchEntry& entry) const
     {
         if (line.isTooLong)
             throw InputError(
@@ -75,16 +62,21 @@ private:
                                       std::to_string(mOptions.longestLine)}});
         const RequestDocument request = ParseRequest(line.text);
         if (request.json.is_object() && request.json.contains("id"))
-            output["id"] = request.json["id"];
-        const Question question = ReadQuestion(request, mOptions.defaults);
-        const tool::Answer answer = Ask(mModel, question);
-        output.update(tool::ToJson(question, answer, mOptions.alternatives));
-        if (answer.error)
+            entry.id = request.json["id"];
+        entry.question = ReadQuestion(request, mOptions.defaults);
+        entry.outcome = Ask(mModel, entry.question);
+    }
+
+    [[nodiscard]] static EOutcome Classify(const BatchEntry& entry)
+    {
+        const auto* const answer = std::get_if<tool::Answer>(&entry.outcome);
+        if (answer == nullptr || answer->error)
             return EOutcome::Failed;
-        return answer.connected ? EOutcome::Answered : EOutcome::NotConnected;
+        return answer->connected ? EOutcome::Answered : EOutcome::NotConnected;
     }
 
     const ToolModel& mModel;
+    const BatchOutput& mOutput;
     const BatchOptions& mOptions;
 };
 
@@ -97,24 +89,16 @@ void Count(const WorkResult& result, BatchSummary& summary)
     summary.bytes = result.bytes;
 }
 
-std::string ToMilliseconds(std::chrono::nanoseconds time)
-{
-    std::ostringstream text;
-    text << std::fixed << std::setprecision(2)
-         << std::chrono::duration<double, std::milli>(time).count() << " ms";
-    return text.str();
-}
-
 } // namespace
 
-BatchSummary RunBatch(const ToolModel& model, std::istream& requests, std::ostream& answers,
+BatchSummary RunBatch(const ToolModel& model, std::istream& requests, const BatchOutput& output,
                       const BatchOptions& options)
 {
     ReadSettingsOnce();
     BatchSummary summary;
-    OrderedWork work(options.threads, options.threads * kWindowPerThread, Answerer(model, options),
-                     [&](const WorkResult& result) {
-                         if (!(answers << result.text << '\n'))
+    OrderedWork work(options.threads, options.threads * kWindowPerThread,
+                     Answerer(model, output, options), [&](const WorkResult& result) {
+                         if (!(output.stream << result.text << '\n'))
                              throw std::runtime_error("The answers cannot be written");
                          Count(result, summary);
                          if (options.observer)
@@ -130,7 +114,7 @@ BatchSummary RunBatch(const ToolModel& model, std::istream& requests, std::ostre
     }
     work.Finish();
     summary.wasInterrupted = isStopped();
-    answers.flush();
+    output.stream.flush();
     return summary;
 }
 
@@ -146,17 +130,6 @@ void ReadSettingsOnce()
     Question question;
     question.subjects = {"a", "b"};
     static_cast<void>(Ask(ToolModel{builder.Build()}, question));
-}
-
-std::string ToText(const BatchSummary& summary)
-{
-    std::ostringstream text;
-    text << "requests: " << summary.requests << ", failures: " << summary.failures
-         << ", not connected: " << summary.notConnected
-         << ", median: " << ToMilliseconds(summary.latencies.GetPercentile(50))
-         << ", 99th percentile: " << ToMilliseconds(summary.latencies.GetPercentile(99))
-         << (summary.wasInterrupted ? " (interrupted)" : "");
-    return text.str();
 }
 
 } // namespace qe::tool

@@ -1,41 +1,53 @@
 #ifndef TOOLKIT_BATCH_BATCH_H
 #define TOOLKIT_BATCH_BATCH_H
 
+#include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Ask/Question.h"
-#include "Toolkit/Batch/LatencyHistogram.h"
-#include "Toolkit/Text/ListLimit.h"
+#include "Toolkit/Batch/BatchSummary.h"
+#include "Toolkit/Text/InputError.h"
+
+#include <nlohmann/json.hpp>
 
 #include <atomic>
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <iosfwd>
 #include <string>
+#include <variant>
 
 namespace qe::tool {
 
 struct ToolModel;
 
-/// How a batch goes so far, or went.
-struct BatchSummary
+/// Why the tool itself could not answer a request.
+struct InternalFailure
 {
-    /// Every request that has its line in the output.
-    std::size_t requests = 0;
-    /// Those that got an error instead of an answer.
-    std::size_t failures = 0;
-    /// Those whose subjects cannot be connected.
-    std::size_t notConnected = 0;
-    LatencyHistogram latencies{};
-    /// How much of the input these requests take up.
-    std::uint64_t bytes = 0;
-    bool wasInterrupted = false;
+    std::string text{};
+};
+
+/// One request, and its answer or why there is none.
+struct BatchEntry
+{
+    /// The number of its line, from 1.
+    std::size_t line = 0;
+    /// What the request calls itself; null when it does not, or when that cannot be read.
+    nlohmann::ordered_json id{};
+    /// What was asked, as far as it could be read.
+    Question question{};
+    std::variant<InternalFailure, InputError, Answer> outcome{};
+};
+
+/// Where answers go.
+struct BatchOutput
+{
+    std::ostream& stream;
+    /// Returns the line for a request, without its end. Is called on several threads at a time.
+    std::function<std::string(const BatchEntry& entry)> toLine;
 };
 
 struct BatchOptions
 {
     std::size_t threads = 1;
-    /// How many ranked alternatives an answer shows.
-    ListLimit alternatives{0};
     /// What a request does not say.
     Question defaults{};
     /// A longer line is an error. In bytes.
@@ -46,20 +58,18 @@ struct BatchOptions
     std::function<void(const BatchSummary& soFar)> observer{};
 };
 
-/// Answers one request a line with one line of JSON, in the order of the input. A line that cannot
-/// be answered gets an error and the rest go on. A bounded number of lines is in memory at a time.
+/// Answers one request a line with one line of output, in the order of the input. A line that
+/// cannot be answered gets an error and the rest go on. A bounded number of lines is in memory at a
+/// time.
 ///
 /// The settings of the process are read before the threads start. Throws std::runtime_error when
 /// the output cannot be written.
 [[nodiscard]] BatchSummary RunBatch(const ToolModel& model, std::istream& requests,
-                                    std::ostream& answers, const BatchOptions& options);
+                                    const BatchOutput& output, const BatchOptions& options);
 
 /// Makes the library read the settings that it reads once in the life of the process, which is not
 /// safe on several threads.
 void ReadSettingsOnce();
-
-/// Tells the summary in one line: requests, failures, median and 99th percentile.
-[[nodiscard]] std::string ToText(const BatchSummary& summary);
 
 } // namespace qe::tool
 

@@ -45,4 +45,17 @@ Interrupt::~Interrupt()
     close(mEmptyInput);
 }
 
+InterruptBlock::InterruptBlock()
+{
+    sigset_t interrupts;
+    sigemptyset(&interrupts);
+    sigaddset(&interrupts, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &interrupts, &mEarlier);
+}
+
+InterruptBlock::~InterruptBlock()
+{
+    pthread_sigmask(SIG_SETMASK, &mEarlier, nullptr);
+}
+
 } // namespace qe::tool

@@ -1,34 +1,11 @@
 #include "Toolkit/Batch/OrderedWork.h"
 
+#include "Toolkit/Batch/Interrupt.h"
+
 #include <algorithm>
-#include <csignal>
 #include <utility>
 
 namespace qe::tool {
-
-namespace {
-
-/// Keeps interrupts from the threads that are started while it lives, so that they reach the
-/// thread that waits for input.
-class InterruptBlock
-{
-public:
-    InterruptBlock()
-    {
-        sigset_t interrupts;
-        sigemptyset(&interrupts);
-        sigaddset(&interrupts, SIGINT);
-        pthread_sigmask(SIG_BLOCK, &interrupts, &mEarlier);
-    }
-    InterruptBlock(const InterruptBlock&) = delete;
-    InterruptBlock& operator=(const InterruptBlock&) = delete;
-    ~InterruptBlock() { pthread_sigmask(SIG_SETMASK, &mEarlier, nullptr); }
-
-private:
-    sigset_t mEarlier{};
-};
-
-} // namespace
 
 OrderedWork::OrderedWork(std::size_t threads, std::size_t window, Work work, Sink sink)
     : mWindow(std::max<std::size_t>(window, 1)), mWork(std::move(work)), mSink(std::move(sink))
@@ -85,7 +62,7 @@ void OrderedWork::RunWorker()
 void OrderedWork::WorkOn(Slot& slot, std::unique_lock<std::mutex>& lock)
 {
     lock.unlock();
-    // The lock is taken again whatever happens: the caller notes failures under it.
+    // The lock is taken again whatever happens: the caller records failures under it.
     struct Relock
     {
         std::unique_lock<std::mutex>& lock;

@@ -1,18 +1,27 @@
-#include "AQE_I_Refiner.h"
-#include "Engine/Model/Model.h"
-#include "Source/Rules/Cardinality.h"
-#include "Toolkit/Check/CheapestPaths.h"
+// The rule about pairs of subjects that several equally cheap paths join.
+
 #include "Toolkit/Check/Rules.h"
 
+#include "Source/Rules/Cardinality.h"
+
+#include "AQE_I_Refiner.h"
+#include "Engine/Model/Model.h"
+#include "IdClass.h"
+#include "Toolkit/Check/CheapestPaths.h"
+#include "Toolkit/Check/ModelGraph.h"
+
 #include <algorithm>
+#include <cstddef>
 #include <map>
+#include <string>
 #include <tuple>
+#include <vector>
 
 namespace qe::tool {
 
 namespace {
 
-/// The paths that are shown of one pair, and those that are looked at to tell what decides.
+/// The paths that are shown of one pair, and those that are read to find what decides.
 constexpr std::size_t kShownPaths = 4;
 constexpr std::size_t kReadPaths = 64;
 
@@ -30,7 +39,7 @@ struct AmbiguousPair
     }
 };
 
-/// Less than one more ordinary join than allowed.
+/// Returns the greatest weight below one more ordinary join than allowed.
 int MaximumWeight(const CheckLimits& limits)
 {
     const int join = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeJoin);
@@ -40,7 +49,7 @@ int MaximumWeight(const CheckLimits& limits)
 class PairSearch
 {
 public:
-    PairSearch(const CheckedModel& model, const CheckLimits& limits)
+    PairSearch(const ModelGraph& model, const CheckLimits& limits)
         : mModel(model), mLimits(limits), mPaths(model, MaximumWeight(limits))
     {}
 
@@ -50,7 +59,7 @@ public:
         const std::size_t searched = CollectPairs();
         found.total = mPairs.size();
         std::sort(mPairs.begin(), mPairs.end());
-        mPairs.resize(std::min(mPairs.size(), mLimits.findings));
+        mPairs.resize(mLimits.findings.CountShown(mPairs.size()));
         for (const AmbiguousPair& pair : mPairs)
             found.findings.push_back(Describe(pair));
         if (searched < mModel.GetSubjects().size())
@@ -61,7 +70,7 @@ public:
     }
 
 private:
-    /// Gives the number of subjects that were searched from.
+    /// Returns the number of subjects that were searched from.
     std::size_t CollectPairs()
     {
         const std::size_t subjects = mModel.GetSubjects().size();
@@ -82,7 +91,7 @@ private:
                                            const std::map<std::size_t, std::size_t>& uses) const;
     [[nodiscard]] std::string Advise(const AmbiguousPair& pair, const Path& path) const;
 
-    const CheckedModel& mModel;
+    const ModelGraph& mModel;
     const CheckLimits& mLimits;
     CheapestPaths mPaths;
     std::vector<AmbiguousPair> mPairs;
@@ -94,7 +103,7 @@ CheckedPath PairSearch::DescribePath(std::size_t from, const Path& path,
     CheckedPath described;
     described.text = mModel.NameOf(from);
     for (const std::size_t index : path) {
-        const CheckedJoin& join = mModel.GetJoins()[index];
+        const ModelJoin& join = mModel.GetJoins()[index];
         const bool isShortcutJoin = join.id.classCode == IdClassShortcutJoin;
         from = join.OtherEnd(from);
         described.joins.push_back(join.id);
@@ -120,8 +129,8 @@ Finding PairSearch::Describe(const AmbiguousPair& pair)
     Finding finding;
     finding.place = {mModel.GetSubjects()[pair.from], mModel.GetSubjects()[pair.to]};
     finding.placeText = mModel.NameOf(pair.from) + " - " + mModel.NameOf(pair.to);
-    const std::string count =
-        paths.size() < kReadPaths ? std::to_string(paths.size()) : "at least 64";
+    const std::string count = paths.size() < kReadPaths ? std::to_string(paths.size())
+                                                        : "at least " + std::to_string(kReadPaths);
     finding.text = mModel.NameOf(pair.from) + " and " + mModel.NameOf(pair.to) + " are joined by " +
                    count + " equally cheap paths of weight " + std::to_string(pair.weight) + ".";
     finding.advice = Advise(pair, paths.front());
@@ -132,9 +141,8 @@ Finding PairSearch::Describe(const AmbiguousPair& pair)
 
 std::string PairSearch::Advise(const AmbiguousPair& pair, const Path& path) const
 {
-    const CheckedJoin& last = mModel.GetJoins()[path.back()];
-    const bool endsInMany =
-        IsToMany(last.left == pair.to ? last.leftCardinality : last.rightCardinality);
+    const ModelJoin& last = mModel.GetJoins()[path.back()];
+    const bool endsInMany = IsToMany(last.CardinalityAt(pair.to));
     const std::string dimension = mModel.NameOf(endsInMany ? pair.from : pair.to);
     std::string advice = "A request decides by favouring a join that only one of the paths uses. ";
     advice += path.size() == 1
@@ -149,7 +157,7 @@ std::string PairSearch::Advise(const AmbiguousPair& pair, const Path& path) cons
 
 } // namespace
 
-RuleFindings FindAmbiguousPaths(const CheckedModel& model, const CheckLimits& limits)
+RuleFindings FindAmbiguousPaths(const ModelGraph& model, const CheckLimits& limits)
 {
     return PairSearch(model, limits).Run();
 }

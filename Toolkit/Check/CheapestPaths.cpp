@@ -14,7 +14,7 @@ graph::NodeIndex ToNode(std::size_t subject)
 
 } // namespace
 
-CheapestPaths::CheapestPaths(const CheckedModel& model, int maximumWeight)
+CheapestPaths::CheapestPaths(const ModelGraph& model, int maximumWeight)
     : mModel(model),
       mMaximumWeight(maximumWeight),
       mLabels(model.GetSubjects().size()),
@@ -42,7 +42,7 @@ void CheapestPaths::Settle(std::size_t subject, int weight)
     mReached.push_back(subject);
     if (subject != mSource)
         FindDominator(subject);
-    for (const CheckedModel::Step& step : mModel.GetSteps(subject)) {
+    for (const ModelGraph::Step& step : mModel.GetSteps(subject)) {
         ++mSteps;
         const int next = weight + mModel.GetJoins()[step.join].weight;
         if (next <= mMaximumWeight)
@@ -50,7 +50,7 @@ void CheapestPaths::Settle(std::size_t subject, int weight)
     }
 }
 
-bool CheapestPaths::IsLastStep(std::size_t end, const CheckedModel::Step& step) const
+bool CheapestPaths::IsLastStep(std::size_t end, const ModelGraph::Step& step) const
 {
     const Label& before = mLabels[step.subject];
     return before.weight >= 0 &&
@@ -60,7 +60,7 @@ bool CheapestPaths::IsLastStep(std::size_t end, const CheckedModel::Step& step) 
 void CheapestPaths::FindDominator(std::size_t subject)
 {
     Label& label = mLabels[subject];
-    for (const CheckedModel::Step& step : mModel.GetSteps(subject)) {
+    for (const ModelGraph::Step& step : mModel.GetSteps(subject)) {
         if (!IsLastStep(subject, step))
             continue;
         label.dominator =
@@ -109,7 +109,7 @@ std::vector<std::vector<std::size_t>> CheapestPaths::ListPaths(std::size_t targe
                 joins.pop_back();
             continue;
         }
-        const CheckedModel::Step& step = steps[place.nextStep++];
+        const ModelGraph::Step& step = steps[place.nextStep++];
         if (IsLastStep(place.subject, step)) {
             joins.push_back(step.join);
             places.push_back({step.subject, 0});

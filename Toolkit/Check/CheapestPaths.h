@@ -2,7 +2,7 @@
 #define TOOLKIT_CHECK_CHEAPESTPATHS_H
 
 #include "Engine/Graph/Core/Dijkstra.h"
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 
 #include <cstddef>
 #include <vector>
@@ -17,7 +17,7 @@ namespace qe::tool {
 class CheapestPaths
 {
 public:
-    CheapestPaths(const CheckedModel& model, int maximumWeight);
+    CheapestPaths(const ModelGraph& model, int maximumWeight);
 
     /// Searches anew.
     void Search(std::size_t source);
@@ -50,9 +50,9 @@ private:
     void FindDominator(std::size_t subject);
     [[nodiscard]] std::size_t CommonDominator(std::size_t a, std::size_t b) const;
     /// Tells whether a cheapest path to `end` takes the step from it last, backwards.
-    [[nodiscard]] bool IsLastStep(std::size_t end, const CheckedModel::Step& step) const;
+    [[nodiscard]] bool IsLastStep(std::size_t end, const ModelGraph::Step& step) const;
 
-    const CheckedModel& mModel;
+    const ModelGraph& mModel;
     int mMaximumWeight;
     std::size_t mSource = 0;
     std::size_t mSteps = 0;

@@ -1,12 +1,34 @@
 #include "Toolkit/Check/CheckReport.h"
 
 #include "Engine/Model/Model.h"
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
+#include "Toolkit/Check/Rules.h"
 #include "Toolkit/Model/ToolModel.h"
 
 #include <algorithm>
+#include <array>
 
 namespace qe::tool {
+
+namespace {
+
+/// The names of the severities, by their numbers.
+constexpr std::array<std::string_view, 4> kSeverityNames{"off", "note", "warning", "error"};
+
+} // namespace
+
+std::string_view ToText(ESeverity severity)
+{
+    return kSeverityNames.at(static_cast<std::size_t>(severity));
+}
+
+std::optional<ESeverity> ParseSeverity(std::string_view name)
+{
+    const auto* const found = std::find(kSeverityNames.begin(), kSeverityNames.end(), name);
+    if (found == kSeverityNames.end())
+        return std::nullopt;
+    return static_cast<ESeverity>(found - kSeverityNames.begin());
+}
 
 std::size_t CheckReport::Count(ESeverity severity) const
 {
@@ -30,17 +52,18 @@ ESeverity CheckReport::GetWorst() const
 
 CheckReport CheckModel(const ToolModel& model, const CheckOptions& options)
 {
-    const CheckedModel checked(model);
+    const ModelGraph graph(model);
     CheckReport report;
     report.subjects = model.model->GetSubjects().size();
     report.joins = model.model->GetJoins().size();
-    for (const Rule& rule : GetRules()) {
+    for (const Rule& rule : kRules) {
         const auto choice = options.severities.find(rule.code);
         const ESeverity severity =
             choice == options.severities.end() ? rule.severity : choice->second;
         if (severity != ESeverity::Off)
-            report.rules.push_back(
-                {std::string(rule.code), severity, rule.check(checked, options.limits)});
+            report.rules.push_back({.code = std::string(rule.code),
+                                    .severity = severity,
+                                    .found = rule.find(graph, options.limits)});
     }
     std::stable_sort(
         report.rules.begin(), report.rules.end(),

@@ -3,7 +3,7 @@
 #include "Engine/Model/Model.h"
 #include "IdClass.h"
 #include "Toolkit/Ask/Answer.h"
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 
 #include <algorithm>
 #include <set>
@@ -50,7 +50,7 @@ private:
         std::set<std::pair<amd_id, amd_id>> known;
         for (const auto& [id, join] : mJoins)
             known.emplace(join.left, join.right);
-        for (const CheckedJoin& checked : mModel.GetJoins()) {
+        for (const ModelJoin& checked : mModel.GetJoins()) {
             AnswerJoin join = ToAnswerJoin(mModel, checked);
             if (join.id.classCode == IdClassShortcutJoin) {
                 if (nodes.count(join.left) == 0 || nodes.count(join.right) == 0 ||
@@ -183,7 +183,7 @@ private:
         }
     }
 
-    CheckedModel mModel;
+    ModelGraph mModel;
     const Answer& mAnswer;
     const PictureLimits& mLimits;
     std::vector<Ids> mPaths;

@@ -2,7 +2,7 @@
 
 #include "Engine/Model/Model.h"
 #include "Toolkit/Ask/Answer.h"
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 
 #include <algorithm>
 #include <set>
@@ -13,7 +13,7 @@ namespace qe::tool {
 namespace {
 
 /// Returns the subjects to draw, as positions in order.
-std::set<std::size_t> ChooseSubjects(const CheckedModel& model, const std::vector<amd_id>& around,
+std::set<std::size_t> ChooseSubjects(const ModelGraph& model, const std::vector<amd_id>& around,
                                      ListLimit limit)
 {
     const auto subjects = model.GetSubjects();
@@ -41,9 +41,9 @@ std::set<std::size_t> ChooseSubjects(const CheckedModel& model, const std::vecto
 
 Picture DrawModel(const ToolModel& toolModel, const std::vector<amd_id>& around, ListLimit limit)
 {
-    const CheckedModel model(toolModel);
+    const ModelGraph model(toolModel);
     FactMarks marks;
-    for (const CheckedJoin& join : model.GetJoins())
+    for (const ModelJoin& join : model.GetJoins())
         marks.Add(ToAnswerJoin(model, join));
     Picture picture;
     picture.subjects = model.GetSubjects().size();
@@ -60,7 +60,7 @@ Picture DrawModel(const ToolModel& toolModel, const std::vector<amd_id>& around,
         positions.emplace(node.id, picture.nodes.size());
         picture.nodes.push_back(std::move(node));
     }
-    for (const CheckedJoin& join : model.GetJoins()) {
+    for (const ModelJoin& join : model.GetJoins()) {
         const AnswerJoin drawn = ToAnswerJoin(model, join);
         const bool joinsShortcuts = join.id.classCode == IdClassShortcutJoin &&
                                     drawn.left.classCode == drawn.right.classCode;

@@ -3,13 +3,13 @@
 #include "IdClass.h"
 #include "Source/Rules/Cardinality.h"
 #include "Toolkit/Ask/Answer.h"
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 
 #include <utility>
 
 namespace qe::tool {
 
-AnswerJoin ToAnswerJoin(const CheckedModel& model, const CheckedJoin& join)
+AnswerJoin ToAnswerJoin(const ModelGraph& model, const ModelJoin& join)
 {
     return {.id = join.id,
             .name = join.name,

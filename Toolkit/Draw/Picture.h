@@ -11,9 +11,9 @@
 
 namespace qe::tool {
 
-class CheckedModel;
+class ModelGraph;
 struct AnswerJoin;
-struct CheckedJoin;
+struct ModelJoin;
 
 /// A subject as it is drawn.
 struct PictureNode
@@ -82,7 +82,7 @@ struct Picture
 };
 
 /// Returns a join as answers have it.
-[[nodiscard]] AnswerJoin ToAnswerJoin(const CheckedModel& model, const CheckedJoin& join);
+[[nodiscard]] AnswerJoin ToAnswerJoin(const ModelGraph& model, const ModelJoin& join);
 
 /// Returns the edge of a join, turned so that a "many" end comes first where the other is none.
 [[nodiscard]] PictureEdge MakePictureEdge(const AnswerJoin& join,

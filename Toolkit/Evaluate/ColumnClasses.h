@@ -12,8 +12,8 @@ namespace qe::tool {
 /// Two columns that are joined, each as "table.column" in lower case (A to Z).
 using NamedPair = std::pair<std::string, std::string>;
 
-/// Sets of columns that joins make equal. Two ways of writing joins that make the same columns
-/// equal give the same rows: a = b and b = c say what a = c and b = c say.
+/// Sets of columns that joins make equal. Two lists of joins that make the same columns equal lead
+/// to the same rows: a = b and b = c mean what a = c and b = c mean.
 class ColumnClasses
 {
 public:
@@ -22,8 +22,8 @@ public:
 
     [[nodiscard]] const std::set<std::set<std::string>>& Get() const { return mClasses; }
 
-    /// Tells whether the pairs that have both columns in one of these classes make up all of these
-    /// classes.
+    /// Returns whether the pairs that have both columns in one of these classes make up all of
+    /// these classes.
     [[nodiscard]] bool CanBeMadeOf(const std::vector<NamedPair>& pairs) const;
 
     friend bool operator==(const ColumnClasses&, const ColumnClasses&) = default;
@@ -32,7 +32,7 @@ private:
     std::set<std::set<std::string>> mClasses;
 };
 
-/// Writes a column the way classes compare it.
+/// Returns the name of a column as classes compare it.
 [[nodiscard]] std::string ToColumnName(const std::string& table, const std::string& column);
 
 } // namespace qe::tool

@@ -1,17 +1,21 @@
 #ifndef TOOLKIT_EVALUATE_EVALUATION_H
 #define TOOLKIT_EVALUATE_EVALUATION_H
 
+#include "Toolkit/Ask/Question.h"
 #include "Toolkit/Evaluate/ColumnClasses.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iosfwd>
 #include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace qe::tool {
+
+class ModelSource;
 
 /// How an answer compares with the joins that a person wrote.
 enum class EComparison : std::uint8_t
@@ -30,15 +34,15 @@ enum class EComparison : std::uint8_t
     Refused,
 };
 
-inline constexpr std::size_t ComparisonCount = 6;
+inline constexpr std::size_t kComparisonCount = 6;
 
-/// Names a comparison as output shows it.
+/// Returns the name of a comparison as output shows it.
 [[nodiscard]] std::string_view ToText(EComparison comparison);
 
 /// How many requests were answered how.
 struct Tally
 {
-    std::array<std::size_t, ComparisonCount> counts{};
+    std::array<std::size_t, kComparisonCount> counts{};
 
     void Add(EComparison comparison) { ++counts[static_cast<std::size_t>(comparison)]; }
     [[nodiscard]] std::size_t Get(EComparison comparison) const
@@ -46,7 +50,8 @@ struct Tally
         return counts[static_cast<std::size_t>(comparison)];
     }
     [[nodiscard]] std::size_t CountRequests() const;
-    /// Counts those that a person's joins answer, chosen or only among the equally good ones.
+    /// Returns the number of those that a person's joins answer, chosen or only among the equally
+    /// good ones.
     [[nodiscard]] std::size_t CountEquallyGood() const;
 };
 
@@ -56,7 +61,7 @@ struct Difference
     std::size_t line = 0;
     std::string id{};
     EComparison comparison = EComparison::Refused;
-    /// What the person joins and the chosen path does not, and the other way round.
+    /// What the person joins and the chosen path does not, and the reverse.
     std::vector<NamedPair> onlyWritten{};
     std::vector<NamedPair> onlyChosen{};
     /// Refused: why.
@@ -74,6 +79,13 @@ struct Evaluation
     /// In the order of the lines.
     std::vector<Difference> differences{};
 };
+
+/// Asks the requests, one JSON object a line with the joins that a person wrote, and compares. A
+/// request holds, beside what a batch reads, `joins`: a list of pairs of "table.column"; `db`
+/// where there are several models; `given` and `case` where the output is to be split by them. A
+/// line that cannot be answered counts as refused and the rest go on.
+[[nodiscard]] Evaluation Evaluate(ModelSource& models, std::istream& requests,
+                                  const Question& defaults);
 
 } // namespace qe::tool
 

@@ -36,7 +36,7 @@ std::string RankingText(const RankingSwitches& switches)
         if (criterion.isOn(switches))
             names.emplace_back(criterion.name);
     }
-    return List(names);
+    return JoinTexts(names);
 }
 
 std::string SettingsText(const Question& question)

@@ -1,117 +1,210 @@
+// The commands that put one question to the refiner and write its answer.
+
 #include "Tools/qerefine/Commands.h"
 
 #include "Toolkit/Ask/Asker.h"
-#include "Tools/qerefine/AnswerOptions.h"
-#include "Tools/qerefine/QuestionCommand.h"
+#include "Toolkit/Ask/NameResolver.h"
+#include "Toolkit/Format.h"
+#include "Toolkit/Text/DisplayText.h"
+#include "Tools/qerefine/Command.h"
+#include "Tools/qerefine/QuestionOptions.h"
 
-#include <CLI/CLI.hpp>
-#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
 
 namespace qe::tool {
 
 namespace {
 
-using ELists = QuestionOptions::ELists;
+constexpr const char* kOutputGroup = "Output";
 
-class AskCommand final : public QuestionCommand
+struct AskOptions
 {
-public:
-    using QuestionCommand::QuestionCommand;
-
-    void AddAnswerOptions() { mAnswerOptions.Add(GetSubcommand()); }
-
-private:
-    void Respond(const ToolModel& model) override
-    {
-        const Question question = GetOptions().MakeQuestion(GetContext());
-        mAnswerOptions.Write(GetContext(), model, question, Ask(model, question));
-    }
-
-    AnswerOptions mAnswerOptions;
+    QuestionOptions asked{};
+    /// One of GetFormats.
+    const Format* format = &GetFormats().front();
+    FormatOptions output{};
+    /// The subject that SQL begins with; may be empty.
+    std::string start{};
 };
 
-/// Adds a command, which the subcommand keeps.
-AskCommand& Add(CLI::App& app, CommandContext& context, EOperation operation,
-                const QuestionCommand::Description& description)
+struct AskResult
 {
-    const auto command = std::make_shared<AskCommand>(app, context, operation, description);
-    QuestionCommand::Attach(command);
-    return *command;
+    ToolModel model{};
+    Question question{};
+    Answer answer{};
+    FormatOptions output{};
+};
+
+void AddAnswerOptions(CLI::App& command, AskOptions& options)
+{
+    Choices<const Format*> formats;
+    for (const Format& format : GetFormats())
+        formats.emplace_back(format.name, &format);
+    AddChoice(command, "--format", options.format, formats, "The form of the answer")
+        ->group(kOutputGroup);
+    AddLimit(command, "--alternatives", options.output.alternatives,
+             "How many alternatives are shown")
+        ->type_name("NUMBER")
+        ->group(kOutputGroup);
+    SqlOptions& sql = options.output.sql;
+    command
+        .add_flag_callback(
+            "--select", [&sql] { sql.select = SqlOptions::ESelect::FirstItems; },
+            "sql: a whole SELECT of the subjects' first items")
+        ->group(kOutputGroup);
+    command
+        .add_flag_callback(
+            "--inner", [&sql] { sql.outerJoins = SqlOptions::EOuterJoins::Never; },
+            "sql: inner joins only")
+        ->group(kOutputGroup);
+    command.add_option("--start", options.start, "sql: begin with this subject, and keep its rows")
+        ->type_name("SUBJECT")
+        ->group(kOutputGroup);
+}
+
+AskResult Run(const AskOptions& options, const CommandContext& context)
+{
+    AskResult result{.model = OpenModel(options.asked, context), .output = options.output};
+    result.question = MakeQuestion(options.asked, context);
+    result.answer = BlameArguments([&] { return Ask(result.model, result.question); });
+    if (!options.start.empty())
+        BlameArguments([&] {
+            NameResolver names(*result.model.model);
+            const std::vector<amd_id> found = names.ResolveSubjects("--start", {options.start});
+            names.ThrowProblems();
+            result.output.sql.start = found.front();
+        });
+    return result;
+}
+
+/// Writes to the error stream what a form for programs does not hold.
+void WriteRemarks(std::ostream& error, const Answer& answer)
+{
+    if (!answer.connected && !answer.error)
+        error << "qerefine: the subjects cannot be connected\n";
+    for (const AnswerMessage& warning : answer.warnings)
+        error << "warning: " << ToDisplayText(warning.text) << '\n';
+    for (const std::string& notice : answer.notices)
+        error << "notice: " << ToDisplayText(notice) << '\n';
+}
+
+EExitCode Report(const AskOptions& options, const AskResult& result, const CommandContext& context)
+{
+    const EExitCode code = ReportOutcome(result.answer, context);
+    if (options.format->name != "text")
+        WriteRemarks(context.error, result.answer);
+    // A failed request has no path, so there is nothing to join.
+    if (!result.answer.error || options.format->name != "sql")
+        options.format->write(context.output, {.model = result.model,
+                                               .question = result.question,
+                                               .answer = result.answer,
+                                               .options = result.output});
+    return code;
+}
+
+/// Adds a command, which differs from the others in its operation and its options.
+void Add(const CommandLine& line, const CommandHelp& help,
+         void (*addOptions)(CLI::App& command, AskOptions& options))
+{
+    AddCommand(line, Command<AskOptions, AskResult>{
+                         .help = help, .addOptions = addOptions, .run = Run, .report = Report});
 }
 
 } // namespace
 
-void AddPathCommand(CLI::App& app, CommandContext& context)
+void AddPathCommand(const CommandLine& line)
 {
-    AskCommand& path =
-        Add(app, context, EOperation::Path,
-            {"path", "Finds the joins that connect the subjects, and the alternatives.",
-             "qerefine path shop.json Orders Region --favour Orders-Customer --format sql"});
-    QuestionOptions& options = path.GetOptions();
-    options.AddSubjects(1);
-    options.AddLists(ELists::Preferences);
-    options.AddFavouredSubjects();
-    options.AddRanking();
-    options.AddSelector();
-    options.AddGovernors();
-    path.AddAnswerOptions();
+    const CommandHelp help{
+        .name = "path",
+        .summary = "Finds the joins that connect the subjects, and the alternatives.",
+        .example = "qerefine path shop.json Orders Region --favour Orders-Customer --format sql"};
+    Add(line, help, [](CLI::App& command, AskOptions& options) {
+        Question& question = options.asked.question;
+        question.operation = EOperation::Path;
+        AddModel(command, options.asked);
+        AddSubjects(command, question, ESubjects::Required);
+        AddLists(command, question, EQuestionLists::Preferences);
+        AddFavouredSubjects(command, question);
+        AddRanking(command, question);
+        AddSelector(command, question);
+        AddGovernors(command, question);
+        AddAnswerOptions(command, options);
+    });
 }
 
-void AddBestCommand(CLI::App& app, CommandContext& context)
+void AddBestCommand(const CommandLine& line)
 {
-    AskCommand& best = Add(app, context, EOperation::BestPaths,
-                           {"best", "Finds all best paths that connect the subjects.",
-                            "qerefine best shop.json Orders Region --avoid \"Ship To\""});
-    QuestionOptions& options = best.GetOptions();
-    options.AddSubjects(1);
-    options.AddLists(ELists::Avoidance);
-    options.AddFavouredSubjects();
-    options.AddGovernors();
-    best.AddAnswerOptions();
+    const CommandHelp help{.name = "best",
+                           .summary = "Finds all best paths that connect the subjects.",
+                           .example = "qerefine best shop.json Orders Region --avoid \"Ship To\""};
+    Add(line, help, [](CLI::App& command, AskOptions& options) {
+        Question& question = options.asked.question;
+        question.operation = EOperation::BestPaths;
+        AddModel(command, options.asked);
+        AddSubjects(command, question, ESubjects::Required);
+        AddLists(command, question, EQuestionLists::Avoidance);
+        AddFavouredSubjects(command, question);
+        AddGovernors(command, question);
+        AddAnswerOptions(command, options);
+    });
 }
 
-void AddSubjectsCommand(CLI::App& app, CommandContext& context)
+void AddSubjectsCommand(const CommandLine& line)
 {
-    AskCommand& subjects =
-        Add(app, context, EOperation::JoinedSubjects,
-            {"subjects", "Finds the subjects that the joins between the given ones touch.",
-             "qerefine subjects shop.json Orders Region"});
-    QuestionOptions& options = subjects.GetOptions();
-    options.AddSubjects(1);
-    options.AddLists(ELists::Graph);
-    options.AddGovernors();
-    subjects.AddAnswerOptions();
+    const CommandHelp help{.name = "subjects",
+                           .summary =
+                               "Finds the subjects that the joins between the given ones touch.",
+                           .example = "qerefine subjects shop.json Orders Region"};
+    Add(line, help, [](CLI::App& command, AskOptions& options) {
+        Question& question = options.asked.question;
+        question.operation = EOperation::JoinedSubjects;
+        AddModel(command, options.asked);
+        AddSubjects(command, question, ESubjects::Required);
+        AddLists(command, question, EQuestionLists::Graph);
+        AddGovernors(command, question);
+        AddAnswerOptions(command, options);
+    });
 }
 
-void AddBetweenCommand(CLI::App& app, CommandContext& context)
+void AddBetweenCommand(const CommandLine& line)
 {
-    AskCommand& between =
-        Add(app, context, EOperation::PathBetween,
-            {"between", "Finds a cheapest path from one set of subjects to another, or all.",
-             "qerefine between shop.json --from Orders --from Returns --to Region --all"});
-    QuestionOptions& options = between.GetOptions();
-    options.AddTwoSets();
-    between.GetSubcommand().add_flag_callback(
-        "--all", [&options] { options.SetOperation(EOperation::BestPathsBetween); },
-        "Give all best paths");
-    options.AddLists(ELists::Avoidance);
-    options.AddRanking();
-    options.AddSelector();
-    options.AddGovernors();
-    between.AddAnswerOptions();
+    const CommandHelp help{
+        .name = "between",
+        .summary = "Finds a cheapest path from one set of subjects to another, or all.",
+        .example = "qerefine between shop.json --from Orders --from Returns --to Region --all"};
+    Add(line, help, [](CLI::App& command, AskOptions& options) {
+        Question& question = options.asked.question;
+        question.operation = EOperation::PathBetween;
+        AddModel(command, options.asked);
+        AddTwoSets(command, question);
+        command.add_flag_callback(
+            "--all", [&question] { question.operation = EOperation::BestPathsBetween; },
+            "Give all best paths");
+        AddLists(command, question, EQuestionLists::Avoidance);
+        AddRanking(command, question);
+        AddSelector(command, question);
+        AddGovernors(command, question);
+        AddAnswerOptions(command, options);
+    });
 }
 
-void AddTreeCommand(CLI::App& app, CommandContext& context)
+void AddTreeCommand(const CommandLine& line)
 {
-    AskCommand& tree =
-        Add(app, context, EOperation::TreeJoins,
-            {"tree", "Finds the joins of a tree of cheapest paths that also passes over shortcuts.",
-             "qerefine tree shop.json Orders \"Bill To\" Region"});
-    QuestionOptions& options = tree.GetOptions();
-    options.AddSubjects(1);
-    options.AddLists(ELists::Avoidance);
-    options.AddGovernors();
-    tree.AddAnswerOptions();
+    const CommandHelp help{
+        .name = "tree",
+        .summary = "Finds the joins of a tree of cheapest paths that also passes over shortcuts.",
+        .example = "qerefine tree shop.json Orders \"Bill To\" Region"};
+    Add(line, help, [](CLI::App& command, AskOptions& options) {
+        Question& question = options.asked.question;
+        question.operation = EOperation::TreeJoins;
+        AddModel(command, options.asked);
+        AddSubjects(command, question, ESubjects::Required);
+        AddLists(command, question, EQuestionLists::Avoidance);
+        AddGovernors(command, question);
+        AddAnswerOptions(command, options);
+    });
 }
 
 } // namespace qe::tool

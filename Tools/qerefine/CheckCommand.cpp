@@ -2,109 +2,105 @@
 
 #include "Toolkit/Answers/CheckOutput.h"
 #include "Toolkit/Check/CheckReport.h"
-#include "Toolkit/Import/OpenModel.h"
+#include "Toolkit/Check/Rules.h"
 #include "Toolkit/Text/JsonText.h"
-#include "Tools/qerefine/CommandContext.h"
+#include "Tools/qerefine/Command.h"
+#include "Tools/qerefine/CommandOptions.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <array>
-#include <memory>
+#include <filesystem>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <ostream>
 #include <string>
-#include <vector>
 
 namespace qe::tool {
 
 namespace {
 
-constexpr std::array kSeverities{ESeverity::Off, ESeverity::Note, ESeverity::Warning,
-                                 ESeverity::Error};
-
-/// What the user gave.
-struct CheckArguments
+struct Options
 {
-    std::string model;
-    std::string format = "text";
-    std::string failOn = "warning";
-    std::vector<std::string> severities;
-    CheckOptions options;
+    std::filesystem::path model{};
+    EReportFormat format = EReportFormat::PlainText;
+    /// Nothing: no finding makes the check fail.
+    std::optional<ESeverity> failOn = ESeverity::Warning;
+    CheckOptions check{};
 };
 
-ESeverity ParseSeverity(const std::string& name)
-{
-    const auto* const found =
-        std::find_if(kSeverities.begin(), kSeverities.end(),
-                     [&name](ESeverity severity) { return ToText(severity) == name; });
-    if (found == kSeverities.end())
-        throw CLI::ValidationError("--severity", "Not one of off, note, warning, error: " + name);
-    return *found;
-}
-
 /// Reads "code=severity".
-void ApplySeverity(const std::string& text, CheckOptions& options)
+void AddSeverity(const std::string& text, CheckOptions& options)
 {
     const std::size_t equal = text.find('=');
     const std::string code = text.substr(0, equal);
-    const auto rules = GetRules();
     if (equal == std::string::npos ||
-        std::none_of(rules.begin(), rules.end(),
-                     [&](const Rule& rule) { return rule.code == code; }))
+        std::none_of(kRules.begin(), kRules.end(),
+                     [&code](const Rule& rule) { return rule.code == code; }))
         throw CLI::ValidationError("--severity",
                                    "Not CODE=SEVERITY with the code of a rule: " + text);
-    options.severities[code] = ParseSeverity(text.substr(equal + 1));
+    const std::string name = text.substr(equal + 1);
+    const std::optional<ESeverity> severity = ParseSeverity(name);
+    if (!severity)
+        throw CLI::ValidationError("--severity", "Not one of off, note, warning, error: " + name);
+    options.severities[code] = *severity;
 }
 
-void RunCheck(CheckArguments& arguments, CommandContext& context)
+void AddOptions(CLI::App& command, Options& options)
 {
-    for (const std::string& severity : arguments.severities)
-        ApplySeverity(severity, arguments.options);
-    const ToolModel model = OpenModel(arguments.model);
-    const CheckReport report = CheckModel(model, arguments.options);
-    if (arguments.format == "json")
-        context.output << ToJsonText(ToJson(report, arguments.model)) << '\n';
+    AddModelPath(command, options.model);
+    AddReportFormat(command, options.format, "How the findings are written")->default_str("text");
+    command.add_option_function<std::vector<std::string>>(
+        "--severity",
+        [&options](const std::vector<std::string>& texts) {
+            for (const std::string& text : texts)
+                AddSeverity(text, options.check);
+        },
+        "CODE=off|note|warning|error: what a rule's findings count as");
+    AddChoice(command, "--fail-on", options.failOn,
+              {{"note", ESeverity::Note},
+               {"warning", ESeverity::Warning},
+               {"error", ESeverity::Error},
+               {"never", std::nullopt}},
+              "End with exit code 1 when something at least so severe is found")
+        ->default_str("warning");
+    CheckLimits& limits = options.check.limits;
+    AddLimit(command, "--limit", limits.findings, "Findings shown of each rule")->default_str("20");
+    command
+        .add_option("--path-joins", limits.pathJoins,
+                    "Longest ambiguous paths that are looked for, in joins")
+        ->check(CLI::Range(1, 100))
+        ->capture_default_str();
+    command
+        .add_option("--path-steps", limits.pathSteps,
+                    "Where the search for ambiguous paths gives up, in joins passed")
+        ->capture_default_str();
+}
+
+CheckReport Run(const Options& options, const CommandContext& /*context*/)
+{
+    return CheckModel(OpenModel(options.model), options.check);
+}
+
+EExitCode Report(const Options& options, const CheckReport& report, const CommandContext& context)
+{
+    if (options.format == EReportFormat::JsonText)
+        context.output << ToJsonText(ToJson(report, options.model.string())) << '\n';
     else
         WriteText(context.output, report);
     const ESeverity worst = report.GetWorst();
-    if (arguments.failOn != "never" && worst != ESeverity::Off &&
-        worst >= ParseSeverity(arguments.failOn))
-        context.exitCode = EExitCode::NotConnected;
+    const bool fails = options.failOn && worst != ESeverity::Off && worst >= *options.failOn;
+    return fails ? EExitCode::NegativeResult : EExitCode::Done;
 }
 
 } // namespace
 
-void AddCheckCommand(CLI::App& app, CommandContext& context)
+void AddCheckCommand(const CommandLine& line)
 {
-    const auto arguments = std::make_shared<CheckArguments>();
-    CLI::App* const command =
-        app.add_subcommand("check", "Tells what a modeller should know about a model first.");
-    command->add_option("MODEL", arguments->model, "Model file, SQLite database or SQL file")
-        ->required();
-    command->add_option("--format", arguments->format, "text or json")
-        ->check(CLI::IsMember({"text", "json"}))
-        ->capture_default_str();
-    command->add_option("--severity", arguments->severities,
-                        "CODE=off|note|warning|error: what a rule's findings count as");
-    command
-        ->add_option("--fail-on", arguments->failOn,
-                     "End with exit code 1 when something at least so severe is found")
-        ->check(CLI::IsMember({"note", "warning", "error", "never"}))
-        ->capture_default_str();
-    CheckLimits& limits = arguments->options.limits;
-    command->add_option("--limit", limits.findings, "Findings shown of each rule; all are counted")
-        ->capture_default_str();
-    command
-        ->add_option("--path-joins", limits.pathJoins,
-                     "Longest ambiguous paths that are looked for, in joins")
-        ->check(CLI::Range(1, 100))
-        ->capture_default_str();
-    command
-        ->add_option("--path-steps", limits.pathSteps,
-                     "Where the search for ambiguous paths gives up, in joins passed")
-        ->capture_default_str();
-    command->footer("Example:\n  qerefine check warehouse.json --severity chasm=warning --limit 5");
-    command->callback([arguments, &context] { RunCheck(*arguments, context); });
+    const CommandHelp help{.name = "check",
+                           .summary = "Tells what a modeller should know about a model first.",
+                           .example =
+                               "qerefine check warehouse.json --severity chasm=warning --limit 5"};
+    AddCommand(line, Command<Options, CheckReport>{
+                         .help = help, .addOptions = AddOptions, .run = Run, .report = Report});
 }
 
 } // namespace qe::tool

@@ -1,41 +1,38 @@
 #ifndef TOOLS_QEREFINE_COMMANDS_H
 #define TOOLS_QEREFINE_COMMANDS_H
 
-namespace CLI {
-class App;
-}
+#include <array>
 
 namespace qe::tool {
 
-struct CommandContext;
-
-/// Adds all commands. Each of the functions below adds one: a subcommand with its options and a
-/// callback that runs it. The callback writes to the streams of the context and sets its exit
-/// code, and may throw InputError, CLI::ValidationError or anything else: RunTool turns it into a
-/// diagnostic and an exit code.
-///
-/// Both arguments outlive the parsing.
-void AddCommands(CLI::App& app, CommandContext& context);
+struct CommandLine;
 
 // One question to the refiner.
-void AddPathCommand(CLI::App& app, CommandContext& context);
-void AddBestCommand(CLI::App& app, CommandContext& context);
-void AddSubjectsCommand(CLI::App& app, CommandContext& context);
-void AddBetweenCommand(CLI::App& app, CommandContext& context);
-void AddTreeCommand(CLI::App& app, CommandContext& context);
+void AddPathCommand(const CommandLine& line);
+void AddBestCommand(const CommandLine& line);
+void AddSubjectsCommand(const CommandLine& line);
+void AddBetweenCommand(const CommandLine& line);
+void AddTreeCommand(const CommandLine& line);
 
 // What the library makes of a model.
-void AddFactsCommand(CLI::App& app, CommandContext& context);
-void AddShortcutsCommand(CLI::App& app, CommandContext& context);
-void AddCheckCommand(CLI::App& app, CommandContext& context);
-void AddShowCommand(CLI::App& app, CommandContext& context);
+void AddFactsCommand(const CommandLine& line);
+void AddShortcutsCommand(const CommandLine& line);
+void AddCheckCommand(const CommandLine& line);
+void AddShowCommand(const CommandLine& line);
 
 // Files of requests.
-void AddBatchCommand(CLI::App& app, CommandContext& context);
-void AddEvaluateCommand(CLI::App& app, CommandContext& context);
+void AddBatchCommand(const CommandLine& line);
+void AddEvaluateCommand(const CommandLine& line);
 
 // Models from elsewhere.
-void AddImportCommand(CLI::App& app, CommandContext& context);
+void AddImportCommand(const CommandLine& line);
+
+/// All commands, in the order of the help.
+inline constexpr std::array kCommands{
+    AddPathCommand,  AddBestCommand,     AddSubjectsCommand,  AddBetweenCommand,
+    AddTreeCommand,  AddFactsCommand,    AddShortcutsCommand, AddBatchCommand,
+    AddCheckCommand, AddEvaluateCommand, AddImportCommand,    AddShowCommand,
+};
 
 } // namespace qe::tool
 

@@ -2,15 +2,10 @@
 
 #include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Model/ModelFile.h"
-#include "Toolkit/Text/DisplayText.h"
-#include "Toolkit/Text/InputError.h"
-#include "Tools/qerefine/CommandContext.h"
-
-#include <CLI/CLI.hpp>
+#include "Tools/qerefine/Command.h"
+#include "Tools/qerefine/CommandOptions.h"
 
 #include <fstream>
-#include <functional>
-#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -19,14 +14,13 @@ namespace qe::tool {
 
 namespace {
 
-struct ImportArguments
+struct Options
 {
-    std::vector<std::string> files;
-    std::string output;
-    bool roles = false;
+    std::vector<std::string> files{};
+    /// Empty: standard output.
+    std::string output{};
+    ImportOptions import{};
 };
-
-using Import = std::function<ToolModel(const ImportArguments&, const ImportOptions&)>;
 
 void WriteFile(const std::string& path, const std::string& text)
 {
@@ -36,54 +30,68 @@ void WriteFile(const std::string& path, const std::string& text)
         throw InputError({{path, "cannot write the file"}});
 }
 
-void Run(const ImportArguments& arguments, const Import& import, CommandContext& context)
+void AddOptions(CLI::App& command, Options& options)
 {
-    const ERoles roles = arguments.roles ? ERoles::Shortcuts : ERoles::Plain;
-    const ToolModel imported = import(arguments, ImportOptions{roles});
-    for (const std::string& note : imported.notes)
-        context.error << "note: " << ToDisplayText(note) << '\n';
-    const std::string text = WriteModelText(imported);
-    if (arguments.output.empty())
-        context.output << text;
-    else
-        WriteFile(arguments.output, text);
+    command.add_option("FILE", options.files, "what to read")->required();
+    command.add_option("-o,--output", options.output,
+                       "where the model file goes; standard output without it");
+    command.add_flag_callback(
+        "--roles", [&options] { options.import.roles = ERoles::Shortcuts; },
+        "also make a shortcut for each role of a table that another one refers to several times");
 }
 
-void AddSource(CLI::App& command, CommandContext& context, const Import& import)
+void AddSqliteOptions(CLI::App& command, Options& options)
 {
-    const auto arguments = std::make_shared<ImportArguments>();
-    command.add_option("FILE", arguments->files, "what to read")->required();
-    command.add_option("-o,--output", arguments->output,
-                       "where the model file goes; standard output without it");
-    command.add_flag("--roles", arguments->roles,
-                     "also make a shortcut for each role of a table that another one refers to "
-                     "several times");
-    command.callback([arguments, import, &context] { Run(*arguments, import, context); });
+    AddOptions(command, options);
+    command.get_option("FILE")->expected(1);
+}
+
+ToolModel RunSqlite(const Options& options, const CommandContext& /*context*/)
+{
+    return ImportSqlite(options.files.front(), options.import);
+}
+
+ToolModel RunSql(const Options& options, const CommandContext& /*context*/)
+{
+    return ImportSql({options.files.begin(), options.files.end()}, options.import);
+}
+
+EExitCode Report(const Options& options, const ToolModel& imported, const CommandContext& context)
+{
+    WriteNotes(imported, context);
+    const std::string text = WriteModelText(imported);
+    if (options.output.empty())
+        context.output << text;
+    else
+        WriteFile(options.output, text);
+    return EExitCode::Done;
 }
 
 } // namespace
 
-void AddImportCommand(CLI::App& app, CommandContext& context)
+void AddImportCommand(const CommandLine& line)
 {
-    CLI::App* const command =
-        app.add_subcommand("import", "Makes a model file of a database or of its DDL.");
-    command->require_subcommand(1);
-    command->footer("Example:\n  qerefine import sqlite shop.db --roles -o shop.json");
-
-    CLI::App* const sqlite =
-        command->add_subcommand("sqlite", "Reads an SQLite database, which stays as it is.");
-    sqlite->footer("Example:\n  qerefine import sqlite shop.db --roles -o shop.json");
-    AddSource(*sqlite, context, [](const ImportArguments& arguments, const ImportOptions& options) {
-        return ImportSqlite(arguments.files.front(), options);
-    });
-    sqlite->get_option("FILE")->expected(1);
-
-    CLI::App* const sql = command->add_subcommand(
-        "sql", "Reads files of DDL, run one after the other in an empty database in memory.");
-    sql->footer("Example:\n  qerefine import sql tables.sql keys.sql > shop.json");
-    AddSource(*sql, context, [](const ImportArguments& arguments, const ImportOptions& options) {
-        return ImportSql({arguments.files.begin(), arguments.files.end()}, options);
-    });
+    constexpr const char* kExample = "qerefine import sqlite shop.db --roles -o shop.json";
+    CLI::App& import =
+        AddSubcommand(line.app, {.name = "import",
+                                 .summary = "Makes a model file of a database or of its DDL.",
+                                 .example = kExample});
+    import.require_subcommand(1);
+    const CommandLine sources{.app = import, .context = line.context, .exitCode = line.exitCode};
+    const CommandHelp sqlite{.name = "sqlite",
+                             .summary = "Reads an SQLite database, which stays as it is.",
+                             .example = kExample};
+    AddCommand(sources, Command<Options, ToolModel>{.help = sqlite,
+                                                    .addOptions = AddSqliteOptions,
+                                                    .run = RunSqlite,
+                                                    .report = Report});
+    const CommandHelp sql{
+        .name = "sql",
+        .summary = "Reads files of DDL, run one after the other in an empty database in memory.",
+        .example = "qerefine import sql tables.sql keys.sql > shop.json"};
+    AddCommand(sources,
+               Command<Options, ToolModel>{
+                   .help = sql, .addOptions = AddOptions, .run = RunSql, .report = Report});
 }
 
 } // namespace qe::tool

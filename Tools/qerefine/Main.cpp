@@ -27,7 +27,7 @@ Terminal LookAtTerminal()
 int main(int argc, char** argv)
 {
     std::ios::sync_with_stdio(false);
-    qe::tool::CommandContext context{std::cin, std::cout, std::cerr, LookAtTerminal()};
+    const qe::tool::CommandContext context{std::cin, std::cout, std::cerr, LookAtTerminal()};
     const qe::tool::EExitCode code = qe::tool::RunTool({argv + 1, argv + argc}, context);
     std::cout.flush();
     return static_cast<int>(code);

@@ -1,146 +1,145 @@
 #include "Tools/qerefine/QuestionOptions.h"
 
-#include "Toolkit/Import/OpenModel.h"
+#include "Toolkit/Answers/AnswerText.h"
+#include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Text/DisplayText.h"
-#include "Toolkit/Text/InputError.h"
 #include "Tools/qerefine/CommandContext.h"
-#include "Tools/qerefine/PathPrompt.h"
 
-#include <CLI/CLI.hpp>
+#include <charconv>
+#include <istream>
 #include <map>
 #include <ostream>
+#include <string>
+#include <system_error>
+#include <vector>
 
 namespace qe::tool {
 
 namespace {
 
-/// Adds an option that may be given several times, each time with one name.
-CLI::Option* AddNames(CLI::App& command, const std::string& option, std::vector<std::string>& names,
-                      const std::string& kind, const std::string& description)
-{
-    return command.add_option(option, names, description)->type_name(kind)->allow_extra_args(false);
-}
+constexpr const char* kGraphGroup = "Joins and graph";
+constexpr const char* kChoiceGroup = "Choice";
+constexpr const char* kGovernorGroup = "Governors";
 
-// Help names the values once, as the option's type; the checks add nothing to it.
-CLI::Validator OneOf(const std::vector<std::string>& values)
-{
-    return CLI::IsMember(values).description("");
-}
-
+/// Also takes the numbers that the words stand for.
 template <typename T>
-CLI::Validator NumberOf(const std::map<std::string, T>& values)
+CLI::Validator WordOrNumber(const std::map<std::string, T>& values)
 {
     return CLI::CheckedTransformer(values).description("");
 }
 
-std::string DescribeWrongSetting(const std::string& text)
+/// Shows the ranked alternatives on the error stream and reads the number of one from the input.
+/// Asks again until there is one; an empty line or the end of the input takes the best.
+std::size_t AskForPath(const CommandContext& context, const Answer& answer)
 {
-    try {
-        static_cast<void>(ParseSetting(text));
-        return {};
-    } catch (const InputError& error) {
-        return error.what();
+    const std::size_t count = answer.alternatives.size();
+    WriteAlternatives(context.error, answer, ListLimit::All());
+    std::string line;
+    while (true) {
+        context.error << "Choose 1 to " << count << " [1]: " << std::flush;
+        if (!std::getline(context.input, line) || line.empty())
+            return 0;
+        std::size_t number = 0;
+        const char* const end = line.data() + line.size();
+        const auto [stop, failure] = std::from_chars(line.data(), end, number);
+        if (failure == std::errc() && stop == end && number >= 1 && number <= count)
+            return number - 1;
     }
 }
 
 } // namespace
 
-void QuestionOptions::AddModel()
+void AddModel(CLI::App& command, QuestionOptions& options)
 {
-    mCommand
-        .add_option("MODEL", mModelPath,
-                    "Model file (JSON), SQLite database or file of DDL statements")
-        ->type_name("")
-        ->required();
-    mCommand
-        .add_option("--roles", mRoles,
-                    "For databases and DDL: make shortcuts for tables that "
-                    "another one refers to several times")
-        ->type_name("plain|shortcuts")
-        ->check(OneOf({"plain", "shortcuts"}))
-        ->group("Model");
-    AddNames(mCommand, "--set", mSettings, "SECTION/KEY=NUMBER",
-             "User setting, such as \"General Options/NewAlgo=0\"")
-        ->check(CLI::Validator(DescribeWrongSetting, ""))
-        ->group("Model");
+    AddModelPath(command, options.model.path);
+    AddModelSettings(command, options.model, "Model");
 }
 
-void QuestionOptions::AddSubjects(int minimum)
+void AddSubjects(CLI::App& command, Question& question, ESubjects subjects)
 {
-    CLI::Option* const subjects =
-        mCommand.add_option("SUBJECT", mQuestion.subjects, "Query subjects and shortcuts");
-    subjects->type_name("")->expected(minimum == 0 ? 0 : minimum, -1);
-    if (minimum > 0)
-        subjects->required();
+    CLI::Option* const option =
+        command.add_option("SUBJECT", question.subjects, "Query subjects and shortcuts")
+            ->type_name("");
+    if (subjects == ESubjects::Required)
+        option->expected(1, -1)->required();
+    else
+        option->expected(0, -1);
 }
 
-void QuestionOptions::AddTwoSets()
+void AddTwoSets(CLI::App& command, Question& question)
 {
-    AddNames(mCommand, "--from", mQuestion.subjects, "SUBJECT", "Subject of the first set")
+    AddRepeated(command, "--from", question.subjects, "Subject of the first set")
+        ->type_name("SUBJECT")
         ->required();
-    AddNames(mCommand, "--to", mQuestion.secondSet, "SUBJECT", "Subject of the second set")
+    AddRepeated(command, "--to", question.secondSet, "Subject of the second set")
+        ->type_name("SUBJECT")
         ->required();
 }
 
-void QuestionOptions::AddLists(ELists lists)
+void AddLists(CLI::App& command, Question& question, EQuestionLists lists)
 {
-    Restriction& restriction = mQuestion.restriction;
-    const auto add = [this](const char* option, std::vector<std::string>& names, const char* kind,
-                            const char* description) {
-        AddNames(mCommand, option, names, kind, description)->group("Joins and graph");
+    Restriction& restriction = question.restriction;
+    const auto add = [&command](const char* option, std::vector<std::string>& names,
+                                const char* type, const char* description) {
+        AddRepeated(command, option, names, description)->type_name(type)->group(kGraphGroup);
     };
-    if (lists != ELists::Graph) {
-        add("--favour", mQuestion.favouredJoins, "JOIN", "Make a join cheap");
-        add("--require", mQuestion.requiredJoins, "JOIN", "Use a join in any case");
+    if (lists != EQuestionLists::Graph) {
+        add("--favour", question.favouredJoins, "JOIN", "Make a join cheap");
+        add("--require", question.requiredJoins, "JOIN", "Use a join in any case");
     }
-    if (lists == ELists::Avoidance)
-        add("--avoid", mQuestion.avoidedJoins, "JOIN", "Use a join only where nothing else leads");
+    if (lists == EQuestionLists::Avoidance)
+        add("--avoid", question.avoidedJoins, "JOIN", "Use a join only where nothing else leads");
     add("--only", restriction.onlySubjects, "SUBJECT", "Pass over these subjects only");
     add("--without", restriction.withoutSubjects, "SUBJECT", "Never pass over a subject");
     add("--only-join", restriction.onlyJoins, "JOIN", "Use these joins only");
     add("--without-join", restriction.withoutJoins, "JOIN", "Never use a join");
 }
 
-void QuestionOptions::AddFavouredSubjects()
+void AddFavouredSubjects(CLI::App& command, Question& question)
 {
-    AddNames(mCommand, "--favour-subject", mQuestion.favouredSubjects, "SUBJECT",
-             "Make the joins of a subject cheaper")
-        ->group("Joins and graph");
+    AddRepeated(command, "--favour-subject", question.favouredSubjects,
+                "Make the joins of a subject cheaper")
+        ->type_name("SUBJECT")
+        ->group(kGraphGroup);
 }
 
-void QuestionOptions::AddRanking()
+void AddRanking(CLI::App& command, Question& question)
 {
-    mCommand
-        .add_flag("--no-fact-tables", mIgnoresFactTables,
-                  "Do not rank equally cheap paths by their number of fact tables")
-        ->group("Choice");
-    mCommand
-        .add_flag("--straightest", mQuestion.ranking.useStraightestPath,
+    command
+        .add_flag_callback(
+            "--no-fact-tables", [&question] { question.ranking.useFactTableCount = false; },
+            "Do not rank equally cheap paths by their number of fact tables")
+        ->group(kChoiceGroup);
+    command
+        .add_flag("--straightest", question.ranking.useStraightestPath,
                   "Rank paths that branch less before others that are as good")
-        ->group("Choice");
+        ->group(kChoiceGroup);
 }
 
-void QuestionOptions::AddSelector()
+void AddSelector(CLI::App& command, Question& question)
 {
-    mCommand
-        .add_option("--selector", mSelector,
-                    "Who chooses: of the cheapest paths the one that keys speak for, the "
-                    "best-ranked one, the "
-                    "first with a main object, or the user")
-        ->type_name("keys|first|main-object|ask")
-        ->check(OneOf({"keys", "first", "main-object", "ask"}))
-        ->group("Choice");
-    mCommand
-        .add_flag("--check-optional", mQuestion.selector.checkOptional,
+    SelectorChoice& selector = question.selector;
+    AddChoice(
+        command, "--selector", selector.kind,
+        {{"keys", ESelector::Keys},
+         {"first", ESelector::First},
+         {"main-object", ESelector::MainObject},
+         {"ask", ESelector::Ask}},
+        "Who chooses: of the cheapest paths the one that keys speak for, the best-ranked one, "
+        "the first with a main object, or the user")
+        ->group(kChoiceGroup);
+    command
+        .add_flag("--check-optional", selector.checkOptional,
                   "A main object has no optional ends, and none is passed")
-        ->group("Choice");
-    mCommand
-        .add_flag("--any-main-object", mAnySubject,
-                  "The main object may be any query subject of the path")
-        ->group("Choice");
+        ->group(kChoiceGroup);
+    command
+        .add_flag_callback(
+            "--any-main-object", [&selector] { selector.subjectsAreCandidates = false; },
+            "The main object may be any query subject of the path")
+        ->group(kChoiceGroup);
 }
 
-void QuestionOptions::AddGovernors()
+void AddGovernors(CLI::App& command, Question& question)
 {
     static const std::map<std::string, std::int32_t> crossProducts{
         {"allow", 0}, {"warn", 1}, {"deny", 2}};
@@ -150,64 +149,53 @@ void QuestionOptions::AddGovernors()
         {"query", AQE_RequestContext::CommandTypeQuery},
         {"validate", AQE_RequestContext::CommandTypeValidate},
         {"describe", AQE_RequestContext::CommandTypeDescribe}};
-    mCommand
-        .add_option("--cross-product", mQuestion.governors.crossProduct,
+    command
+        .add_option("--cross-product", question.governors.crossProduct,
                     "What happens when subjects cannot be connected")
-        ->transform(NumberOf(crossProducts))
+        ->transform(WordOrNumber(crossProducts))
         ->type_name("allow|warn|deny")
-        ->group("Governors");
-    mCommand
-        .add_option("--grouping", mQuestion.governors.grouping,
+        ->group(kGovernorGroup);
+    command
+        .add_option("--grouping", question.governors.grouping,
                     "Group shortcuts by what they stand for or by where they are kept")
-        ->transform(NumberOf(groupings))
+        ->transform(WordOrNumber(groupings))
         ->type_name("target|container")
-        ->group("Governors");
-    mCommand
-        .add_option("--command-type", mQuestion.commandType,
+        ->group(kGovernorGroup);
+    command
+        .add_option("--command-type", question.commandType,
                     "What the request is for; \"describe\" never fails for a cross product")
-        ->transform(NumberOf(commandTypes))
+        ->transform(WordOrNumber(commandTypes))
         ->type_name("none|query|validate|describe")
-        ->group("Governors");
+        ->group(kGovernorGroup);
 }
 
-void QuestionOptions::AddReportFormat()
+ToolModel OpenModel(const QuestionOptions& options, const CommandContext& context)
 {
-    mCommand.add_option("--format", mReportFormat, "The form of the answer")
-        ->type_name("text|json")
-        ->check(OneOf({"text", "json"}))
-        ->group("Output");
+    ApplySettings(options.model.settings);
+    return OpenModelWithNotes(options.model, context);
 }
 
-ToolModel QuestionOptions::OpenModel(CommandContext& context)
+Question MakeQuestion(const QuestionOptions& options, const CommandContext& context)
 {
-    for (const std::string& text : mSettings)
-        mQuestion.settings.push_back(ParseSetting(text));
-    ApplySettings(mQuestion.settings);
-    ImportOptions options;
-    options.roles = mRoles == "shortcuts" ? ERoles::Shortcuts : ERoles::Plain;
-    ToolModel model = tool::OpenModel(mModelPath, options);
-    for (const std::string& note : model.notes)
-        context.error << "note: " << ToDisplayText(note) << '\n';
-    return model;
+    Question question = options.question;
+    question.settings = options.model.settings;
+    if (question.selector.kind != ESelector::Ask)
+        return question;
+    if (context.terminal.input != Terminal::EStream::Terminal)
+        throw CLI::ValidationError("--selector", "\"ask\" needs a terminal to ask on");
+    question.selector.choose = [&context](const Answer& soFar) {
+        return AskForPath(context, soFar);
+    };
+    return question;
 }
 
-Question QuestionOptions::MakeQuestion(CommandContext& context)
+EExitCode ReportOutcome(const Answer& answer, const CommandContext& context)
 {
-    mQuestion.ranking.useFactTableCount = !mIgnoresFactTables;
-    mQuestion.selector.subjectsAreCandidates = !mAnySubject;
-    if (mSelector == "first")
-        mQuestion.selector.kind = ESelector::First;
-    if (mSelector == "main-object")
-        mQuestion.selector.kind = ESelector::MainObject;
-    if (mSelector == "ask") {
-        if (context.terminal.input != Terminal::EStream::Terminal)
-            throw CLI::ValidationError("--selector", "\"ask\" needs a terminal to ask on");
-        mQuestion.selector.kind = ESelector::Ask;
-        mQuestion.selector.choose = [&context](const Answer& soFar) {
-            return AskForPath(context, soFar);
-        };
-    }
-    return mQuestion;
+    if (!answer.error)
+        return answer.connected ? EExitCode::Done : EExitCode::NegativeResult;
+    context.error << "qerefine: " << ToDisplayText(answer.error->text) << '\n';
+    return answer.error->kind == AnswerError::EKind::Reported ? EExitCode::LibraryError
+                                                              : EExitCode::InternalError;
 }
 
 } // namespace qe::tool

@@ -2,10 +2,8 @@
 #define TOOLS_QEREFINE_QUESTIONOPTIONS_H
 
 #include "Toolkit/Ask/Question.h"
-#include "Toolkit/Model/ToolModel.h"
-
-#include <string>
-#include <vector>
+#include "Tools/qerefine/CommandOptions.h"
+#include "Tools/qerefine/ExitCode.h"
 
 namespace CLI {
 class App;
@@ -13,65 +11,58 @@ class App;
 
 namespace qe::tool {
 
+struct Answer;
 struct CommandContext;
 
-/// The model and the question on the line of one command. The object outlives the parsing.
-class QuestionOptions
+/// A model and a question about it, on the command line.
+struct QuestionOptions
 {
-public:
-    /// Which lists of a question a command offers.
-    enum class ELists
-    {
-        /// Subjects and what restricts the graph.
-        Graph,
-        /// Also joins that are favoured or required.
-        Preferences,
-        /// Also joins that are avoided.
-        Avoidance,
-    };
-
-    QuestionOptions(CLI::App& command, EOperation operation) : mCommand(command)
-    {
-        mQuestion.operation = operation;
-    }
-    QuestionOptions(const QuestionOptions&) = delete;
-    QuestionOptions& operator=(const QuestionOptions&) = delete;
-
-    /// Adds MODEL and how it is read.
-    void AddModel();
-    /// Adds SUBJECT... behind it.
-    void AddSubjects(int minimum);
-    /// Adds --from and --to.
-    void AddTwoSets();
-    void AddLists(ELists lists);
-    void AddFavouredSubjects();
-    void AddRanking();
-    void AddSelector();
-    void AddGovernors();
-    /// Adds --format with the forms of a report.
-    void AddReportFormat();
-
-    /// Applies the settings and opens the model. What reading it left out is told on the error
-    /// stream.
-    [[nodiscard]] ToolModel OpenModel(CommandContext& context);
-    /// Gives the question. Where the user is to choose, that is asked on the context's streams;
-    /// throws CLI::ValidationError when nobody sits there.
-    [[nodiscard]] Question MakeQuestion(CommandContext& context);
-    void SetOperation(EOperation operation) { mQuestion.operation = operation; }
-    /// Tells whether the report is for programs.
-    [[nodiscard]] bool AsksForJson() const { return mReportFormat == "json"; }
-
-private:
-    CLI::App& mCommand;
-    std::string mModelPath;
-    std::string mRoles = "plain";
-    std::vector<std::string> mSettings;
-    bool mIgnoresFactTables = false;
-    std::string mSelector = "keys";
-    bool mAnySubject = false;
-    std::string mReportFormat = "text";
-    Question mQuestion;
+    ModelOptions model{};
+    Question question{};
 };
+
+/// Which lists of a question a command offers.
+enum class EQuestionLists : std::uint8_t
+{
+    /// What restricts the graph.
+    Graph,
+    /// Also joins that are favoured or required.
+    Preferences,
+    /// Also joins that are avoided.
+    Avoidance,
+};
+
+/// Whether a command can do without subjects.
+enum class ESubjects : std::uint8_t
+{
+    Optional,
+    Required,
+};
+
+/// Adds MODEL and how it is read.
+void AddModel(CLI::App& command, QuestionOptions& options);
+/// Adds SUBJECT... behind it.
+void AddSubjects(CLI::App& command, Question& question, ESubjects subjects);
+/// Adds --from and --to.
+void AddTwoSets(CLI::App& command, Question& question);
+void AddLists(CLI::App& command, Question& question, EQuestionLists lists);
+void AddFavouredSubjects(CLI::App& command, Question& question);
+void AddRanking(CLI::App& command, Question& question);
+void AddSelector(CLI::App& command, Question& question);
+void AddGovernors(CLI::App& command, Question& question);
+
+/// Sets the settings for the process and opens the model, with its notes on the error stream.
+/// Throws InputError.
+[[nodiscard]] ToolModel OpenModel(const QuestionOptions& options, const CommandContext& context);
+
+/// Returns the question as it is asked. Where the user is to choose, that is asked on the
+/// context's streams, which outlive the question; throws CLI::ValidationError when no terminal is
+/// there.
+[[nodiscard]] Question MakeQuestion(const QuestionOptions& options, const CommandContext& context);
+
+/// Writes the library's error to the error stream, if there is one, and returns how a command with
+/// this answer ends.
+[[nodiscard]] EExitCode ReportOutcome(const Answer& answer, const CommandContext& context);
 
 } // namespace qe::tool
 

@@ -2,6 +2,7 @@
 #define TOOLS_QEREFINE_RUNTOOL_H
 
 #include "Tools/qerefine/CommandContext.h"
+#include "Tools/qerefine/ExitCode.h"
 
 #include <string>
 #include <vector>
@@ -10,7 +11,8 @@ namespace qe::tool {
 
 /// Runs the tool with the arguments behind the program's name. Nothing is thrown: every failure
 /// becomes a diagnostic on the error stream and an exit code.
-[[nodiscard]] EExitCode RunTool(const std::vector<std::string>& arguments, CommandContext& context);
+[[nodiscard]] EExitCode RunTool(const std::vector<std::string>& arguments,
+                                const CommandContext& context);
 
 } // namespace qe::tool
 

@@ -5,11 +5,12 @@
 #include "Toolkit/Draw/Graphviz.h"
 #include "Toolkit/Draw/ModelPicture.h"
 #include "Toolkit/Draw/PictureFormat.h"
-#include "Toolkit/Import/OpenModel.h"
-#include "Tools/qerefine/CommandContext.h"
+#include "Tools/qerefine/Command.h"
+#include "Tools/qerefine/CommandOptions.h"
 
-#include <CLI/CLI.hpp>
-#include <memory>
+#include <cstdint>
+#include <filesystem>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -17,49 +18,74 @@ namespace qe::tool {
 
 namespace {
 
-struct ShowArguments
+enum class EPictureFormat : std::uint8_t
 {
-    std::string model;
-    std::string format = "svg";
-    std::vector<std::string> around;
-    std::size_t limit = 100;
+    Dot,
+    Svg,
+    Png,
 };
 
-void RunShow(const ShowArguments& arguments, CommandContext& context)
+struct Options
 {
-    const ToolModel model = OpenModel(arguments.model);
-    NameResolver names(*model.model);
-    const std::vector<amd_id> around = names.ResolveSubjects("--around", arguments.around);
-    names.ThrowProblems();
-    const Picture picture = DrawModel(model, around, ListLimit::FromOption(arguments.limit));
-    if (around.empty() && picture.nodes.size() < picture.subjects)
+    std::filesystem::path model{};
+    EPictureFormat format = EPictureFormat::Svg;
+    std::vector<std::string> around{};
+    ListLimit limit{100};
+};
+
+void AddOptions(CLI::App& command, Options& options)
+{
+    AddModelPath(command, options.model);
+    AddChoice(
+        command, "--format", options.format,
+        {{"dot", EPictureFormat::Dot}, {"svg", EPictureFormat::Svg}, {"png", EPictureFormat::Png}},
+        "The form of the picture")
+        ->default_str("svg");
+    command.add_option("--around", options.around,
+                       "Draw only these subjects and what is joined to them");
+    AddLimit(command, "--limit", options.limit, "Subjects drawn at most")->default_str("100");
+}
+
+Picture Run(const Options& options, const CommandContext& /*context*/)
+{
+    const ToolModel model = OpenModel(options.model);
+    const std::vector<amd_id> around = BlameArguments([&] {
+        NameResolver names(*model.model);
+        std::vector<amd_id> found = names.ResolveSubjects("--around", options.around);
+        names.ThrowProblems();
+        return found;
+    });
+    return DrawModel(model, around, options.limit);
+}
+
+EExitCode Report(const Options& options, const Picture& picture, const CommandContext& context)
+{
+    if (options.around.empty() && picture.nodes.size() < picture.subjects)
         context.error << "The " << picture.nodes.size() << " subjects with most joins of "
                       << picture.subjects << " are drawn; --limit 0 draws all, --around some\n";
-    if (arguments.format == "dot")
+    switch (options.format) {
+    case EPictureFormat::Dot:
         context.output << WriteDot(picture);
-    else if (arguments.format == "svg")
+        break;
+    case EPictureFormat::Svg:
         context.output << MakeSvg(picture);
-    else
+        break;
+    case EPictureFormat::Png:
         context.output << RunGraphviz(WriteDot(picture), EImage::Png);
+        break;
+    }
+    return EExitCode::Done;
 }
 
 } // namespace
 
-void AddShowCommand(CLI::App& app, CommandContext& context)
+void AddShowCommand(const CommandLine& line)
 {
-    const auto arguments = std::make_shared<ShowArguments>();
-    CLI::App* const command = app.add_subcommand("show", "Draws a model.");
-    command->add_option("MODEL", arguments->model, "Model file, SQLite database or SQL file")
-        ->required();
-    command->add_option("--format", arguments->format, "dot, svg or png")
-        ->check(CLI::IsMember({"dot", "svg", "png"}))
-        ->capture_default_str();
-    command->add_option("--around", arguments->around,
-                        "Draw only these subjects and what is joined to them");
-    command->add_option("--limit", arguments->limit, "Subjects drawn at most, 0 for all")
-        ->capture_default_str();
-    command->footer("Example:\n  qerefine show warehouse.json --around Sales > sales.svg");
-    command->callback([arguments, &context] { RunShow(*arguments, context); });
+    const CommandHelp help{.name = "show",
+                           .summary = "Draws a model.",
+                           .example = "qerefine show warehouse.json --around Sales > sales.svg"};
+    AddCommand(line, Command<Options, Picture>{
+                         .help = help, .addOptions = AddOptions, .run = Run, .report = Report});
 }
 
 } // namespace qe::tool

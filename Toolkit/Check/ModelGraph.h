@@ -1,5 +1,5 @@
-#ifndef TOOLKIT_CHECK_CHECKEDMODEL_H
-#define TOOLKIT_CHECK_CHECKEDMODEL_H
+#ifndef TOOLKIT_CHECK_MODELGRAPH_H
+#define TOOLKIT_CHECK_MODELGRAPH_H
 
 #include "BMT_I_Association.h"
 #include "Engine/Model/ModelGateway.h"
@@ -16,7 +16,7 @@ namespace qe::tool {
 struct ToolModel;
 
 /// One join as the refiner reads it. Its ends are positions among the subjects.
-struct CheckedJoin
+struct ModelJoin
 {
     amd_id id;
     std::string name{};
@@ -27,12 +27,17 @@ struct CheckedJoin
     BMT_I_Association::CardinalityRange rightCardinality{};
     std::string condition{};
 
+    /// Both take one of the two ends.
     [[nodiscard]] std::size_t OtherEnd(std::size_t end) const { return left == end ? right : left; }
+    [[nodiscard]] const BMT_I_Association::CardinalityRange& CardinalityAt(std::size_t end) const
+    {
+        return left == end ? leftCardinality : rightCardinality;
+    }
 };
 
-/// A model as the refiner sees it: its subjects numbered in id order, its joins read once, those
-/// between shortcuts and what they stand for included.
-class CheckedModel
+/// A model as the graph that the refiner sees: its subjects numbered in id order, its joins read
+/// once, those between shortcuts and what they stand for included.
+class ModelGraph
 {
 public:
     /// One step from a subject.
@@ -43,18 +48,18 @@ public:
     };
 
     /// Reads all joins. The model must outlive this object.
-    explicit CheckedModel(const ToolModel& model);
+    explicit ModelGraph(const ToolModel& model);
 
     [[nodiscard]] const model::Model& GetModel() const { return mGateway.GetModel(); }
     [[nodiscard]] model::ModelGateway& GetGateway() const { return mGateway; }
     [[nodiscard]] std::span<const amd_id> GetSubjects() const { return mSubjects; }
-    /// Gives the joins that can be read, in id order.
-    [[nodiscard]] const std::vector<CheckedJoin>& GetJoins() const { return mJoins; }
+    /// Returns the joins that can be read, in id order.
+    [[nodiscard]] const std::vector<ModelJoin>& GetJoins() const { return mJoins; }
     [[nodiscard]] const std::vector<amd_id>& GetUnreadableJoins() const { return mUnreadableJoins; }
-    /// Gives the steps to other subjects, in join order.
+    /// Returns the steps to other subjects, in join order.
     [[nodiscard]] std::span<const Step> GetSteps(std::size_t subject) const;
 
-    /// Gives the object's name, qualified where another object of its kind has the same.
+    /// Returns the object's name, qualified where another object of its kind has the same.
     [[nodiscard]] std::string NameOf(const amd_id& id) const;
     [[nodiscard]] std::string NameOf(std::size_t subject) const;
 
@@ -68,7 +73,7 @@ private:
     mutable model::ModelGateway mGateway;
     std::span<const amd_id> mSubjects;
     std::map<amd_id, std::size_t> mPositions;
-    std::vector<CheckedJoin> mJoins;
+    std::vector<ModelJoin> mJoins;
     std::vector<amd_id> mUnreadableJoins;
     /// The steps of all subjects one after another, and where those of each begin.
     std::vector<Step> mSteps;
@@ -76,8 +81,8 @@ private:
     std::map<std::string, int> mNameCounts;
 };
 
-/// Writes names between commas: the first `limit`, then "and 7 more".
-[[nodiscard]] std::string ListNames(const CheckedModel& model,
+/// Returns the names between commas: the first `limit`, then "and 7 more".
+[[nodiscard]] std::string ListNames(const ModelGraph& model,
                                     const std::vector<std::size_t>& subjects, std::size_t limit);
 
 } // namespace qe::tool

@@ -1,4 +1,4 @@
-#include "Toolkit/Check/CheckedModel.h"
+#include "Toolkit/Check/ModelGraph.h"
 
 #include "AQE_I_QuerySubjectShortcutInfo.h"
 #include "AQE_I_Refiner.h"
@@ -13,7 +13,7 @@
 
 namespace qe::tool {
 
-CheckedModel::CheckedModel(const ToolModel& model)
+ModelGraph::ModelGraph(const ToolModel& model)
     : mGateway(model.model), mSubjects(model.model->GetSubjects())
 {
     for (std::size_t i = 0; i < mSubjects.size(); ++i)
@@ -24,7 +24,7 @@ CheckedModel::CheckedModel(const ToolModel& model)
     CountNames();
 }
 
-void CheckedModel::ReadJoins(const ToolModel& model)
+void ModelGraph::ReadJoins(const ToolModel& model)
 {
     for (const amd_id& id : model.model->GetJoins()) {
         AQE_I_Refiner::QEjoinInfo info;
@@ -35,13 +35,18 @@ void CheckedModel::ReadJoins(const ToolModel& model)
             mUnreadableJoins.push_back(id);
             continue;
         }
-        mJoins.push_back({id, info.name.ToStdString(), left->second, right->second, info.weight,
-                          info.leftCardinality, info.rightCardinality,
-                          info.expression.ToStdString()});
+        mJoins.push_back({.id = id,
+                          .name = info.name.ToStdString(),
+                          .left = left->second,
+                          .right = right->second,
+                          .weight = info.weight,
+                          .leftCardinality = info.leftCardinality,
+                          .rightCardinality = info.rightCardinality,
+                          .condition = info.expression.ToStdString()});
     }
 }
 
-void CheckedModel::AddShortcutJoins(const ToolModel& model)
+void ModelGraph::AddShortcutJoins(const ToolModel& model)
 {
     AQE_Governors governors = model.governors;
     const std::unique_ptr<AQE_I_QuerySubjectShortcutInfo> shortcuts(
@@ -53,22 +58,20 @@ void CheckedModel::AddShortcutJoins(const ToolModel& model)
         const auto right = mPositions.find(info.rightQuerySubject);
         if (left == mPositions.end() || right == mPositions.end())
             continue;
-        mJoins.push_back({info.joinId,
-                          {},
-                          left->second,
-                          right->second,
-                          info.weight,
-                          info.leftCardinality,
-                          info.rightCardinality,
-                          {}});
+        mJoins.push_back({.id = info.joinId,
+                          .left = left->second,
+                          .right = right->second,
+                          .weight = info.weight,
+                          .leftCardinality = info.leftCardinality,
+                          .rightCardinality = info.rightCardinality});
     }
 }
 
-void CheckedModel::ListSteps()
+void ModelGraph::ListSteps()
 {
     std::vector<std::vector<Step>> steps(mSubjects.size());
     for (std::size_t i = 0; i < mJoins.size(); ++i) {
-        const CheckedJoin& join = mJoins[i];
+        const ModelJoin& join = mJoins[i];
         if (join.left == join.right)
             continue;
         steps[join.left].push_back({join.right, i});
@@ -81,19 +84,19 @@ void CheckedModel::ListSteps()
     mFirstSteps.push_back(mSteps.size());
 }
 
-void CheckedModel::CountNames()
+void ModelGraph::CountNames()
 {
     for (const amd_id& id : mSubjects)
         ++mNameCounts[GetModel().Find(id)->name];
 }
 
-std::span<const CheckedModel::Step> CheckedModel::GetSteps(std::size_t subject) const
+std::span<const ModelGraph::Step> ModelGraph::GetSteps(std::size_t subject) const
 {
     const std::size_t first = mFirstSteps[subject];
     return std::span(mSteps).subspan(first, mFirstSteps[subject + 1] - first);
 }
 
-std::string CheckedModel::NameOf(const amd_id& id) const
+std::string ModelGraph::NameOf(const amd_id& id) const
 {
     const model::ObjectRecord* const record = GetModel().Find(id);
     if (record == nullptr)
@@ -103,12 +106,12 @@ std::string CheckedModel::NameOf(const amd_id& id) const
     return isAlone ? record->name : model::ToText(GetModel().GetQualifiedName(id));
 }
 
-std::string CheckedModel::NameOf(std::size_t subject) const
+std::string ModelGraph::NameOf(std::size_t subject) const
 {
     return NameOf(mSubjects[subject]);
 }
 
-std::string ListNames(const CheckedModel& model, const std::vector<std::size_t>& subjects,
+std::string ListNames(const ModelGraph& model, const std::vector<std::size_t>& subjects,
                       std::size_t limit)
 {
     const auto nameOf = [&model](std::size_t subject) { return model.NameOf(subject); };
