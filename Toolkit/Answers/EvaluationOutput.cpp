@@ -67,7 +67,7 @@ void AddRow(TextTable& table, const Row& row)
                                    PercentText(same, requests),
                                    std::to_string(equallyGood),
                                    PercentText(equallyGood, requests)};
-    for (std::size_t kind = 1; kind < ComparisonCount; ++kind)
+    for (std::size_t kind = 1; kind < kComparisonCount; ++kind)
         cells.push_back(std::to_string(tally.counts[kind]));
     table.AddRow(std::move(cells));
 }
@@ -94,7 +94,7 @@ Json ToJson(const Tally& tally)
 {
     const std::size_t requests = tally.CountRequests();
     Json counts = Json::object();
-    for (std::size_t kind = 0; kind < ComparisonCount; ++kind)
+    for (std::size_t kind = 0; kind < kComparisonCount; ++kind)
         counts[std::string(ToText(static_cast<EComparison>(kind)))] = tally.counts[kind];
     return {{"requests", requests},
             {"same", Percent(tally.Get(EComparison::Same), requests)},

@@ -1,7 +1,7 @@
 #ifndef TOOLS_QEREFINE_COMMANDOPTIONS_H
 #define TOOLS_QEREFINE_COMMANDOPTIONS_H
 
-#include "Toolkit/Ask/Setting.h"
+#include "Toolkit/Ask/Question.h"
 #include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Model/ToolModel.h"
 #include "Toolkit/Text/ListLimit.h"
