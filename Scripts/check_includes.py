@@ -3,8 +3,8 @@
 
 A room is a folder. The table there says which rooms each room may include; what those may include
 is allowed as well. Fails on an include that is not allowed, on a folder that the table does not
-list, on rooms or units that include each other in a cycle, and on an include of a file that is not
-there. A unit is a header with its source file.
+list, on rooms or units that include each other in a cycle, and on an include of a file that is neither
+there nor made from a file of its name with ".in" behind it. A unit is a header with its source file.
 """
 
 import pathlib
@@ -60,6 +60,8 @@ def resolve(file, name, files):
     for folder in [pathlib.PurePath(file).parent.as_posix(), *SEARCH_PATH]:
         candidate = pathlib.PurePath(folder, name).as_posix()
         if candidate in files:
+            return candidate
+        if (ROOT / f"{candidate}.in").exists():  # the build makes it
             return candidate
     return None
 

@@ -1,10 +1,9 @@
 #ifndef ENGINE_SERVICES_LOGCAPTURE_H
 #define ENGINE_SERVICES_LOGCAPTURE_H
 
-#include "I18NString.h"
+#include "Engine/Services/LogEntry.h"
 #include "QEENGINE_EXPORT.h"
 
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -12,19 +11,6 @@
 namespace qe {
 
 class CaptureLogTarget;
-
-/// One entry of the diagnostic log, as its writer made it.
-struct LogEntry
-{
-    /// The name under which the writer opened the log.
-    I18NString name;
-    int level = 0;
-    /// Empty, and the two numbers 0, when the log was opened by name alone.
-    I18NString title;
-    std::uint32_t component = 0;
-    std::uint32_t message = 0;
-    I18NString text;
-};
 
 /// Takes the log of the whole process while it lives. Captures nest: the one made last takes
 /// everything, and those before it come back as it goes. A log that was opened before keeps the

@@ -1,7 +1,7 @@
 #ifndef ENGINE_SERVICES_LOGDESTINATION_H
 #define ENGINE_SERVICES_LOGDESTINATION_H
 
-#include "Engine/Services/LogCapture.h"
+#include "Engine/Services/LogEntry.h"
 #include "Engine/Services/LogTarget.h"
 
 #include <memory>

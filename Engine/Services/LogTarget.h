@@ -1,7 +1,7 @@
 #ifndef ENGINE_SERVICES_LOGTARGET_H
 #define ENGINE_SERVICES_LOGTARGET_H
 
-#include "Engine/Services/LogCapture.h"
+#include "Engine/Services/LogEntry.h"
 
 #include <fstream>
 #include <memory>
