@@ -1,7 +1,7 @@
 #ifndef TOOLKIT_CHECK_RULES_H
 #define TOOLKIT_CHECK_RULES_H
 
-#include "Toolkit/Check/CheckReport.h"
+#include "Toolkit/Check/Finding.h"
 
 #include <array>
 #include <string_view>
