@@ -20,15 +20,7 @@ class QEENGINE_EXPORT LogCapture
 public:
     using Sink = std::function<void(const LogEntry&)>;
 
-    /// What becomes of the entries elsewhere.
-    enum class EOthers
-    {
-        /// The capture stands in the place of the configured destination and its level, and of
-        /// the captures around it.
-        Nothing,
-        /// Whoever took them without the capture takes them as well, first, up to its own level.
-        Told,
-    };
+    using EOthers = EOtherTargets;
 
     /// Keeps the entries up to `level` for GetEntries; others get nothing.
     explicit LogCapture(int level);

@@ -50,7 +50,7 @@ bool LogDestination::CollectCaptures(std::vector<LogRoute>& routes)
     const std::lock_guard lock(mMutex);
     for (auto capture = mCaptures.rbegin(); capture != mCaptures.rend(); ++capture) {
         routes.push_back(capture->route);
-        if (capture->others == LogCapture::EOthers::Nothing)
+        if (capture->others == EOtherTargets::Nothing)
             return false;
     }
     return true;
@@ -67,7 +67,7 @@ std::shared_ptr<LogTarget> LogDestination::OpenStream()
 }
 
 void LogDestination::AddCapture(int level, const std::shared_ptr<LogTarget>& target,
-                                LogCapture::EOthers others)
+                                EOtherTargets others)
 {
     const std::lock_guard lock(mMutex);
     mCaptures.push_back({{std::max(0, level), target}, others});

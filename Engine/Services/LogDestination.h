@@ -25,15 +25,14 @@ public:
     [[nodiscard]] LogRoute Open();
 
     /// Adds a capture inside those that are there, until it is removed.
-    void AddCapture(int level, const std::shared_ptr<LogTarget>& target,
-                    LogCapture::EOthers others);
+    void AddCapture(int level, const std::shared_ptr<LogTarget>& target, EOtherTargets others);
     void RemoveCapture(const std::shared_ptr<LogTarget>& target);
 
 private:
     struct Capture
     {
         LogRoute route;
-        LogCapture::EOthers others;
+        EOtherTargets others;
     };
 
     LogDestination() = default;

@@ -20,6 +20,16 @@ struct LogEntry
     I18NString text;
 };
 
+/// What becomes of captured entries elsewhere.
+enum class EOtherTargets
+{
+    /// The capture stands in the place of the configured destination and its level, and of the
+    /// captures around it.
+    Nothing,
+    /// Whoever took them without the capture takes them as well, first, up to its own level.
+    Told,
+};
+
 } // namespace qe
 
 #endif
