@@ -12,6 +12,7 @@
 #include "amdi_shortcut.h"
 #include "amdi_specFilter.h"
 
+#include <atomic>
 #include <optional>
 #include <set>
 

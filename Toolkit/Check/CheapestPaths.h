@@ -22,13 +22,13 @@ public:
     /// Searches anew.
     void Search(std::size_t source);
 
-    /// Gives the subjects reached, the source first, nearest first, then by number.
+    /// Returns the subjects reached, the source first, nearest first, then by number.
     [[nodiscard]] const std::vector<std::size_t>& GetReached() const { return mReached; }
     [[nodiscard]] int GetWeight(std::size_t subject) const { return mLabels[subject].weight; }
-    /// Tells whether there are several cheapest paths to the subject without a subject between
+    /// Returns whether there are several cheapest paths to the subject without a subject between
     /// the ends that lies on all of them.
     [[nodiscard]] bool HasSeparatePaths(std::size_t subject) const;
-    /// Gives the first `limit` cheapest paths, as joins from the source on.
+    /// Returns the first `limit` cheapest paths, as joins from the source on.
     [[nodiscard]] std::vector<std::vector<std::size_t>> ListPaths(std::size_t target,
                                                                   std::size_t limit) const;
     /// How many joins all searches have passed.
@@ -49,7 +49,7 @@ private:
     void Settle(std::size_t subject, int weight);
     void FindDominator(std::size_t subject);
     [[nodiscard]] std::size_t CommonDominator(std::size_t a, std::size_t b) const;
-    /// Tells whether a cheapest path to `end` takes the step from it last, backwards.
+    /// Returns whether a cheapest path to `end` takes the step from it last, backwards.
     [[nodiscard]] bool IsLastStep(std::size_t end, const ModelGraph::Step& step) const;
 
     const ModelGraph& mModel;
