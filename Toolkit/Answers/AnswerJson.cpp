@@ -3,8 +3,12 @@
 #include "Source/Rules/RankingCriteria.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdio>
+#include <optional>
 #include <set>
+#include <string>
+#include <vector>
 
 namespace qe::tool {
 

@@ -4,6 +4,7 @@
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/TextTable.h"
 
+#include <cstddef>
 #include <ostream>
 #include <string>
 #include <utility>

@@ -3,8 +3,11 @@
 #include "Toolkit/Check/CheckReport.h"
 #include "Toolkit/Text/DisplayText.h"
 
+#include <cstddef>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <utility>
+#include <vector>
 
 namespace qe::tool {
 

@@ -3,6 +3,7 @@
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/TextTable.h"
 
+#include <cstddef>
 #include <iomanip>
 #include <ostream>
 #include <sstream>

@@ -5,6 +5,7 @@
 #include "Toolkit/Ask/Question.h"
 #include "amd_id.h"
 
+#include <string>
 #include <vector>
 
 namespace qe::model {

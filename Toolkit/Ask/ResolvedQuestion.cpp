@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <set>
+#include <span>
 
 namespace qe::tool {
 

@@ -1,5 +1,6 @@
 #include "Toolkit/Ask/SubjectGroups.h"
 
+#include <cstddef>
 #include <utility>
 
 namespace qe::tool {

@@ -6,7 +6,10 @@
 #include "Toolkit/Check/ModelGraph.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
+#include <string>
+#include <utility>
 
 namespace qe::tool {
 

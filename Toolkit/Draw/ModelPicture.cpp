@@ -5,8 +5,11 @@
 #include "Toolkit/Check/ModelGraph.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <map>
 #include <set>
 #include <tuple>
+#include <utility>
 
 namespace qe::tool {
 

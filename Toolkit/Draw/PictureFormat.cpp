@@ -7,7 +7,10 @@
 #include "Toolkit/Draw/Graphviz.h"
 #include "Toolkit/Text/DisplayText.h"
 
+#include <cstddef>
 #include <ostream>
+#include <string_view>
+#include <utility>
 
 namespace qe::tool {
 

@@ -9,6 +9,7 @@
 #include "Toolkit/Text/InputError.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <kainjow/mustache.hpp>
 #include <nlohmann/json.hpp>
 #include <optional>
