@@ -12,7 +12,6 @@
 #include "amdi_shortcut.h"
 #include "amdi_specFilter.h"
 
-#include <atomic>
 #include <optional>
 #include <set>
 
@@ -77,16 +76,6 @@ std::optional<int> FindOtherWeight(AQE_I_Refiner::EEdgeType type)
     }
     return std::nullopt;
 }
-
-/// The setting "FFJoins" as it was when it was first asked for. Two first callers at once may
-/// both read it, with the same result.
-struct CachedMode
-{
-    std::atomic<bool> notYetRead{true};
-    std::atomic<int> mode{0};
-};
-
-CachedMode cachedMode;
 
 } // namespace
 
