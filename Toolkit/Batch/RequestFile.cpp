@@ -1,9 +1,7 @@
 #include "Toolkit/Batch/RequestFile.h"
 
-#include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/InputFile.h"
 
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <system_error>
 
@@ -14,12 +12,8 @@ RequestFile::RequestFile(const std::string& name, std::istream& standardInput)
 {
     if (name == "-")
         return;
+    mFile = OpenInputFile(name);
     mInput = &mFile;
-    mFile.open(name, std::ios::binary);
-    // A folder can be opened, but not read.
-    if (!mFile || std::filesystem::is_directory(name))
-        throw InputError({InputProblem{name, std::string("the requests cannot be read: ") +
-                                                 std::strerror(mFile ? EISDIR : errno)}});
     std::error_code noSize;
     const auto size = std::filesystem::file_size(name, noSize);
     mSize = noSize ? 0 : size;

@@ -113,7 +113,7 @@ std::vector<std::uint32_t> IdIndex::Add(std::span<const amd_id> ids)
     SortById(run);
     run.erase(std::unique(run.begin(), run.end(), IsSameId), run.end());
     DropKnown(run);
-    const std::vector<std::uint32_t> places = AssignSlots(run, ids.size());
+    std::vector<std::uint32_t> places = AssignSlots(run, ids.size());
     if (!run.empty())
         mRuns.push_back(std::move(run));
     while (mRuns.size() > 1 && mRuns[mRuns.size() - 2].size() <= 2 * mRuns.back().size())
