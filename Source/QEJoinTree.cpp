@@ -48,7 +48,8 @@ AQE_JoinTree::AQE_JoinTree(const qe::RefinerServices& services, const qe::JoinTr
     mConnectivityOnly = request.use == EUse::ConnectivityOnly;
     if (request.subjects.empty() || request.nodes.empty())
         return;
-    mFavouredSubjects.insert(request.favouredSubjects.begin(), request.favouredSubjects.end());
+    if (request.use != EUse::ConnectOverShortcuts)
+        mFavouredSubjects.insert(request.favouredSubjects.begin(), request.favouredSubjects.end());
     Build(request, request.use == EUse::ConnectOverShortcuts ? EBuild::ConnectOverShortcuts
                                                              : EBuild::ConnectSubjects);
 }

@@ -85,9 +85,11 @@ void CandidateGraph::AddShortcutJoins()
 
 void CandidateGraph::Avoid(const Ids& avoidedJoins)
 {
-    const int unreachable = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeNone);
+    // The weight is asked for join by join: the first look at it reads a setting, which must not
+    // happen where nothing is avoided.
     for (const amd_id& join : avoidedJoins)
-        mGraphs.full.SetEdgeWeight(join, unreachable);
+        mGraphs.full.SetEdgeWeight(
+            join, AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeNone));
 }
 
 } // namespace qe

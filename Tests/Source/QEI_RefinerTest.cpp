@@ -314,4 +314,21 @@ TEST(EdgeWeights, FollowTheModeThatWasReadFirst)
     ExpectUnknownType(6, 609);
 }
 
+TEST(EdgeWeights, AreNotAskedForWhenThereIsNothingToWeigh)
+{
+    if (qe::test::RunsWithOtherCases())
+        GTEST_SKIP() << qe::test::kNeedsOwnProcess;
+    const qe::SettingsOverride mode("General Options", "FFJoins", 0);
+    Metadata metadata("A(Key)");
+    const std::vector<amd_id> subjects{metadata.model.Id("A")};
+    const auto refiner =
+        AQE_I_Refiner::Create(&metadata.gateway, nullptr, nullptr, nullptr, false, false);
+    std::vector<amd_id> joins;
+    static_cast<void>(refiner->GetJoinTreeJoins(&metadata.gateway, subjects, {}, {}, subjects, {},
+                                                nullptr, nullptr, nullptr, joins));
+    EXPECT_TRUE(joins.empty());
+    qe::SettingsOverride::Set("General Options", "FFJoins", 3);
+    EXPECT_EQ(AQE_I_Refiner::GetFFJoinsMode(), 3);
+}
+
 } // namespace

@@ -59,6 +59,15 @@ std::vector<Group> FindGroups(const ModelGraph& model)
     return groups;
 }
 
+Finding DescribeEmptyShortcut(const ModelGraph& model, const amd_id& id, const std::string& target)
+{
+    const std::string name = model.NameOf(id);
+    return {.place = {id},
+            .placeText = name,
+            .text = "The shortcut " + name + " stands for " + target + ", so it cannot be joined.",
+            .advice = "Let it stand for a query subject, or delete it."};
+}
+
 } // namespace
 
 RuleFindings FindEmptyShortcuts(const ModelGraph& model, const CheckLimits& limits)
@@ -68,14 +77,7 @@ RuleFindings FindEmptyShortcuts(const ModelGraph& model, const CheckLimits& limi
         const std::string target = DescribeWrongTarget(model, id);
         if (target.empty())
             continue;
-        Record(found, limits, [&] {
-            const std::string name = model.NameOf(id);
-            return Finding{.place = {id},
-                           .placeText = name,
-                           .text = "The shortcut " + name + " stands for " + target +
-                                   ", so it cannot be joined.",
-                           .advice = "Let it stand for a query subject, or delete it."};
-        });
+        Record(found, limits, [&] { return DescribeEmptyShortcut(model, id, target); });
     }
     return found;
 }

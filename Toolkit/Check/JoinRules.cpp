@@ -89,6 +89,15 @@ private:
     std::set<amd_id> mMentioned;
 };
 
+Finding DescribeOneSided(const ModelGraph& model, const amd_id& join, const std::string& fault)
+{
+    const std::string name = model.NameOf(join);
+    return {.place = {join},
+            .placeText = name,
+            .text = "The join " + name + ' ' + fault + ".",
+            .advice = "Compare an item of one end with an item of the other."};
+}
+
 } // namespace
 
 RuleFindings FindUnreadableJoins(const ModelGraph& model, const CheckLimits& limits)
@@ -119,13 +128,7 @@ RuleFindings FindOneSidedConditions(const ModelGraph& model, const CheckLimits& 
         const std::string fault = ConditionReading(model, join).FindFault();
         if (fault.empty())
             continue;
-        Record(found, limits, [&] {
-            const std::string name = model.NameOf(join.id);
-            return Finding{.place = {join.id},
-                           .placeText = name,
-                           .text = "The join " + name + ' ' + fault + ".",
-                           .advice = "Compare an item of one end with an item of the other."};
-        });
+        Record(found, limits, [&] { return DescribeOneSided(model, join.id, fault); });
     }
     return found;
 }

@@ -160,6 +160,26 @@ Neighbours FindNeighbours(const ModelGraph& model, std::size_t subject)
     return neighbours;
 }
 
+/// What makes a subject a fan trap.
+struct FanTrap
+{
+    std::size_t dimensionCount;
+    const std::set<std::size_t>& details;
+};
+
+Finding DescribeFanTrap(const ModelGraph& model, std::size_t subject, const FanTrap& trap)
+{
+    const std::string name = model.NameOf(subject);
+    const std::vector<std::size_t> repeating(trap.details.begin(), trap.details.end());
+    return {.place = {model.GetSubjects()[subject]},
+            .placeText = name,
+            .text = name + " has " + std::to_string(trap.dimensionCount) +
+                    " dimensions of its own, and a join repeats its rows for each row of " +
+                    ListNames(model, repeating, kShownNames) + ".",
+            .advice = "Where " + name +
+                      " has measures, sum them before joining the details, or move them there."};
+}
+
 } // namespace
 
 RuleFindings FindChasmTraps(const ModelGraph& model, const CheckLimits& limits)
@@ -180,19 +200,8 @@ RuleFindings FindFanTraps(const ModelGraph& model, const CheckLimits& limits)
         const auto [dimensions, details] = FindNeighbours(model, i);
         if (dimensions.size() < kDimensionsOfFact || details.empty())
             continue;
-        const std::string count = std::to_string(dimensions.size());
-        const std::vector<std::size_t> repeating(details.begin(), details.end());
         Record(found, limits, [&] {
-            const std::string name = model.NameOf(i);
-            return Finding{
-                .place = {model.GetSubjects()[i]},
-                .placeText = name,
-                .text = name + " has " + count +
-                        " dimensions of its own, and a join repeats its rows for each row of " +
-                        ListNames(model, repeating, kShownNames) + ".",
-                .advice = "Where " + name +
-                          " has measures, sum them before joining the details, or move them "
-                          "there."};
+            return DescribeFanTrap(model, i, {dimensions.size(), details});
         });
     }
     return found;
