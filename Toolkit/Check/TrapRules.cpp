@@ -160,20 +160,13 @@ Neighbours FindNeighbours(const ModelGraph& model, std::size_t subject)
     return neighbours;
 }
 
-/// What makes a subject a fan trap.
-struct FanTrap
-{
-    std::size_t dimensionCount;
-    const std::set<std::size_t>& details;
-};
-
-Finding DescribeFanTrap(const ModelGraph& model, std::size_t subject, const FanTrap& trap)
+Finding DescribeFanTrap(const ModelGraph& model, std::size_t subject, const Neighbours& neighbours)
 {
     const std::string name = model.NameOf(subject);
-    const std::vector<std::size_t> repeating(trap.details.begin(), trap.details.end());
+    const std::vector<std::size_t> repeating(neighbours.details.begin(), neighbours.details.end());
     return {.place = {model.GetSubjects()[subject]},
             .placeText = name,
-            .text = name + " has " + std::to_string(trap.dimensionCount) +
+            .text = name + " has " + std::to_string(neighbours.dimensions.size()) +
                     " dimensions of its own, and a join repeats its rows for each row of " +
                     ListNames(model, repeating, kShownNames) + ".",
             .advice = "Where " + name +
@@ -197,12 +190,10 @@ RuleFindings FindFanTraps(const ModelGraph& model, const CheckLimits& limits)
 {
     RuleFindings found;
     for (std::size_t i = 0; i < model.GetSubjects().size(); ++i) {
-        const auto [dimensions, details] = FindNeighbours(model, i);
-        if (dimensions.size() < kDimensionsOfFact || details.empty())
+        const Neighbours neighbours = FindNeighbours(model, i);
+        if (neighbours.dimensions.size() < kDimensionsOfFact || neighbours.details.empty())
             continue;
-        Record(found, limits, [&] {
-            return DescribeFanTrap(model, i, {dimensions.size(), details});
-        });
+        Record(found, limits, [&] { return DescribeFanTrap(model, i, neighbours); });
     }
     return found;
 }
