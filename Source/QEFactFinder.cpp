@@ -1,6 +1,6 @@
 #include "QEFactFinder.h"
 
-#include "Joins/RaiseFailure.h"
+#include "Joins/GatewayCalls.h"
 
 #include <algorithm>
 #include <iterator>

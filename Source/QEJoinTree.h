@@ -4,7 +4,6 @@
 #include "AQE_I_UndirectedGraph.h"
 #include "AUT_RefPtr.h"
 #include "JoinTree/JoinTreeRequest.h"
-#include "Joins/JoinEndsReader.h"
 #include "Joins/JoinInfoReader.h"
 #include "amd_id.h"
 

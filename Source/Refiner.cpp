@@ -2,9 +2,9 @@
 
 #include "AQE_JoinCache.h"
 #include "AQE_RequestContext.h"
+#include "Joins/GatewayCalls.h"
 #include "Joins/JoinInfoReader.h"
 #include "Joins/JoinReader.h"
-#include "Joins/RaiseFailure.h"
 #include "Joins/UserSettings.h"
 #include "PathSelection.h"
 #include "QEJoinTree.h"

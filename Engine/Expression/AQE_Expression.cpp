@@ -4,8 +4,8 @@
 #include "Engine/Expression/MarkupRemover.h"
 #include "Engine/Expression/Node.h"
 #include "Engine/Expression/Parser.h"
+#include "Engine/Services/Characters.h"
 #include "Engine/Services/MessageCatalogue.h"
-#include "Engine/Services/TextPosition.h"
 #include "HBNException.h"
 #include "amdi_gateway.h"
 

@@ -1,6 +1,6 @@
 #include "Engine/Expression/Lexer.h"
 
-#include "Engine/Services/Utf8.h"
+#include "Engine/Services/Characters.h"
 
 #include <algorithm>
 #include <array>

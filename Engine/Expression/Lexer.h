@@ -1,7 +1,7 @@
 #ifndef ENGINE_EXPRESSION_LEXER_H
 #define ENGINE_EXPRESSION_LEXER_H
 
-#include "Engine/Services/AsciiText.h"
+#include "Engine/Services/Characters.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,15 +1,41 @@
 #ifndef ENGINE_EXPRESSION_MARKUPREMOVER_H
 #define ENGINE_EXPRESSION_MARKUPREMOVER_H
 
-#include "Engine/Expression/Tag.h"
-
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace qe::expression {
+
+enum class ETagShape : std::uint8_t
+{
+    /// No tag begins there.
+    None,
+    /// `<name>`, which may be two comparisons as well.
+    Bare,
+    /// `<name attribute="value">` or `<name/>`, with or without attributes: nothing else is
+    /// written like that.
+    Distinct,
+    /// `</name>`: nothing else is written like that.
+    Closing,
+};
+
+/// A piece of text that has the shape of a markup tag.
+struct Tag
+{
+    ETagShape shape = ETagShape::None;
+    std::string_view name;
+    /// The offset behind the tag.
+    std::size_t end = 0;
+};
+
+/// Returns the tag that the text from `offset` on has. Names consist of ASCII letters, digits and
+/// "_-:.", and begin with a letter or "_" right behind the "<" or "</"; attribute values stand
+/// between quotes and hold no "<". Looks no farther than to the next "<".
+[[nodiscard]] Tag ReadTag(std::string_view text, std::size_t offset);
 
 /// A text put together from pieces of a source; it remembers where each piece comes from.
 class UntaggedText

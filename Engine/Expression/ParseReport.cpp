@@ -2,7 +2,7 @@
 
 #include "Engine/Expression/MarkupRemover.h"
 #include "Engine/Expression/Parser.h"
-#include "Engine/Services/TextPosition.h"
+#include "Engine/Services/Characters.h"
 
 #include <utility>
 

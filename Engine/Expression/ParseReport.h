@@ -1,7 +1,7 @@
 #ifndef ENGINE_EXPRESSION_PARSEREPORT_H
 #define ENGINE_EXPRESSION_PARSEREPORT_H
 
-#include "Engine/Services/TextPosition.h"
+#include "Engine/Services/Characters.h"
 #include "I18NString.h"
 #include "QEENGINE_EXPORT.h"
 

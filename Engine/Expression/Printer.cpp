@@ -1,11 +1,13 @@
 #include "Engine/Expression/Printer.h"
 
+#include "AQE_ExpressionVisitorString.h"
+#include "AQE_I_ExpressionVisitor.h"
+
 #include <array>
 #include <cstddef>
 #include <string_view>
 
 namespace qe::expression {
-
 namespace {
 
 /// The operators in the order of EOperator.
@@ -185,3 +187,21 @@ void Printer::PrintQuoted(std::string_view value, char open, char close)
 }
 
 } // namespace qe::expression
+
+// Defined here, so that all modules share one virtual table and one type description.
+AQE_I_ExpressionVisitor::~AQE_I_ExpressionVisitor() = default;
+
+AQE_ExpressionVisitorString::AQE_ExpressionVisitorString(const I18NLocale&)
+{}
+
+AQE_ExpressionVisitorString::~AQE_ExpressionVisitorString() = default;
+
+void AQE_ExpressionVisitorString::Visit(const AQE_ExpressionNode& node)
+{
+    qe::expression::Printer(mText).Print(node);
+}
+
+void AQE_ExpressionVisitorString::GetText(I18NString& text) const
+{
+    text = mText;
+}

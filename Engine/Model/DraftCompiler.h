@@ -2,7 +2,7 @@
 #define ENGINE_MODEL_DRAFTCOMPILER_H
 
 #include "Engine/Model/ObjectDraft.h"
-#include "Engine/Model/ObjectTable.h"
+#include "Engine/Model/ObjectRecord.h"
 
 #include <vector>
 

@@ -2,7 +2,7 @@
 #define ENGINE_MODEL_DRAFTRULES_H
 
 #include "Engine/Model/ObjectDraft.h"
-#include "Engine/Model/ObjectTable.h"
+#include "Engine/Model/ObjectRecord.h"
 #include "Engine/Model/ProblemList.h"
 
 #include <vector>

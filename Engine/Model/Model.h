@@ -1,8 +1,8 @@
 #ifndef ENGINE_MODEL_MODEL_H
 #define ENGINE_MODEL_MODEL_H
 
-#include "Engine/Model/ObjectTable.h"
-#include "Engine/Model/QualifiedName.h"
+#include "Engine/Model/Names.h"
+#include "Engine/Model/ObjectRecord.h"
 #include "I18NLocale.h"
 #include "QEENGINE_EXPORT.h"
 #include "amd_id.h"

@@ -1,6 +1,6 @@
 #include "Engine/Model/NameLookup.h"
 
-#include "Engine/Model/NearestNames.h"
+#include "Engine/Model/Names.h"
 
 #include <algorithm>
 #include <iterator>

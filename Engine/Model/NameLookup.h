@@ -1,8 +1,8 @@
 #ifndef ENGINE_MODEL_NAMELOOKUP_H
 #define ENGINE_MODEL_NAMELOOKUP_H
 
-#include "Engine/Model/ObjectTable.h"
-#include "Engine/Model/QualifiedName.h"
+#include "Engine/Model/Names.h"
+#include "Engine/Model/ObjectRecord.h"
 #include "amd_id.h"
 
 #include <array>

@@ -1,5 +1,8 @@
 #include "Engine/Model/ObjectRecord.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace qe::model {
 
 std::string_view ClassTitle(std::int32_t classCode)
@@ -29,6 +32,33 @@ std::string_view ClassTitle(std::int32_t classCode)
     default:
         return "object";
     }
+}
+
+ObjectTable::ObjectTable(std::vector<ObjectRecord> records) : mRecords(std::move(records))
+{
+    std::sort(
+        mRecords.begin(), mRecords.end(),
+        [](const ObjectRecord& left, const ObjectRecord& right) { return left.id < right.id; });
+}
+
+const ObjectRecord* ObjectTable::Find(const amd_id& id) const
+{
+    const auto found = std::lower_bound(
+        mRecords.begin(), mRecords.end(), id,
+        [](const ObjectRecord& record, const amd_id& wanted) { return record.id < wanted; });
+    return found != mRecords.end() && found->id == id ? &*found : nullptr;
+}
+
+amd_id ObjectTable::GetTarget(const amd_id& id) const
+{
+    const ObjectRecord* record = Find(id);
+    for (std::size_t steps = 0; record != nullptr && steps <= kMaximumChain; ++steps) {
+        if (record->id.classCode != IdClassShortcut &&
+            record->id.classCode != IdClassRelationshipShortcut)
+            return record->id;
+        record = Find(record->referenced);
+    }
+    return {};
 }
 
 } // namespace qe::model

@@ -8,8 +8,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qe::model {
 
@@ -108,6 +110,31 @@ inline constexpr std::size_t kNameKindCount = 5;
         return ENameKind::Filter;
     return classCode == IdClassQueryItem ? ENameKind::Item : ENameKind::Subject;
 }
+
+/// An object has at most this many parents around it, and as many shortcuts before what it stands
+/// for.
+inline constexpr std::size_t kMaximumChain = 100;
+
+/// The records of a model in ascending order of their ids.
+class QEENGINE_EXPORT ObjectTable
+{
+public:
+    ObjectTable() = default;
+    /// Takes records in any order; each id occurs once.
+    explicit ObjectTable(std::vector<ObjectRecord> records);
+
+    /// Returns the record with that id, or null. Costs a binary search.
+    [[nodiscard]] const ObjectRecord* Find(const amd_id& id) const;
+    [[nodiscard]] std::span<const ObjectRecord> GetRecords() const { return mRecords; }
+
+    /// Returns the object that `id` finally stands for: follows shortcuts and relationship
+    /// shortcuts to their end. Returns the empty id when the chain breaks or is longer
+    /// than kMaximumChain.
+    [[nodiscard]] amd_id GetTarget(const amd_id& id) const;
+
+private:
+    std::vector<ObjectRecord> mRecords;
+};
 
 } // namespace qe::model
 

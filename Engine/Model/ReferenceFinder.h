@@ -4,7 +4,7 @@
 #include "Engine/Model/ModelError.h"
 #include "Engine/Model/NameLookup.h"
 #include "Engine/Model/ObjectDraft.h"
-#include "Engine/Model/ObjectTable.h"
+#include "Engine/Model/ObjectRecord.h"
 #include "Engine/Model/ProblemList.h"
 
 #include <cstddef>

@@ -1,7 +1,6 @@
 #include "Engine/Services/LogCapture.h"
 
 #include "Engine/Services/LogDestination.h"
-#include "Engine/Services/LogTarget.h"
 
 #include <mutex>
 #include <utility>

@@ -1,6 +1,7 @@
 #include "AQE_Convert2ModelQuerySubjectId.h"
 #include "AQE_I_QuerySpecJoin.h"
 #include "AQE_ToRelationshipJoinCardinalityValue.h"
+#include "AUT_RefPtr.h"
 #include "amdi_filter.h"
 #include "amdi_gateway.h"
 #include "amdi_object.h"
@@ -8,6 +9,8 @@
 #include "amdi_relationshipShortcut.h"
 #include "amdi_shortcut.h"
 #include "amdi_specFilter.h"
+
+#include <memory>
 
 // The destructors of the interfaces that callers implement. Defining them here keeps one virtual
 // table and one type description of each interface, shared by all modules.
@@ -42,4 +45,15 @@ AQE_ToRelationshipJoinCardinalityValue(AQE_I_QuerySpecJoin::ECardinality cardina
         break;
     }
     return BMT_I_Association::CardinalityUnknown;
+}
+
+std::int32_t* AUT_RefPtrGetMemory()
+{
+    return std::allocator<std::int32_t>().allocate(1);
+}
+
+void AUT_RefPtrReleaseMemory(std::int32_t* count) noexcept
+{
+    if (count != nullptr)
+        std::allocator<std::int32_t>().deallocate(count, 1);
 }

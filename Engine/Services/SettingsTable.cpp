@@ -1,6 +1,6 @@
 #include "Engine/Services/SettingsTable.h"
 
-#include "Engine/Services/AsciiText.h"
+#include "Engine/Services/Characters.h"
 
 #include <charconv>
 #include <cstddef>

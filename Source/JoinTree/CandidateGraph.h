@@ -2,7 +2,7 @@
 #define SOURCE_JOINTREE_CANDIDATEGRAPH_H
 
 #include "AQE_I_UndirectedGraph.h"
-#include "Joins/JoinEndsReader.h"
+#include "Joins/JoinInfoReader.h"
 #include "amd_id.h"
 
 #include <vector>

@@ -5,7 +5,7 @@
 #include "AQE_Nag.h"
 #include "AQE_RequestContext.h"
 #include "HBNMessage.h"
-#include "Joins/RaiseFailure.h"
+#include "Joins/GatewayCalls.h"
 #include "Joins/UserSettings.h"
 #include "QERes.h"
 #include "amdi_gateway.h"

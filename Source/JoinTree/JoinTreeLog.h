@@ -3,7 +3,7 @@
 
 #include "AQE_LogFile.h"
 #include "I18NString.h"
-#include "Joins/JoinEndsReader.h"
+#include "Joins/JoinInfoReader.h"
 #include "amd_id.h"
 
 #include <cstddef>

@@ -4,7 +4,7 @@
 #include "AQE_I_UndirectedGraph.h"
 #include "AUT_RefPtr.h"
 #include "JoinTree/JoinTreeLog.h"
-#include "Joins/JoinEndsReader.h"
+#include "Joins/JoinInfoReader.h"
 #include "amd_id.h"
 
 #include <cstddef>

@@ -3,7 +3,7 @@
 #include "AQE_I_QuerySubjectShortcutInfo.h"
 #include "JoinTree/CrossProductGovernor.h"
 #include "JoinTree/JoinTreeLog.h"
-#include "Joins/RaiseFailure.h"
+#include "Joins/GatewayCalls.h"
 
 #include <cstddef>
 #include <set>

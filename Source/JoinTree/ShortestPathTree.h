@@ -3,7 +3,7 @@
 
 #include "JoinTree/CandidateGraph.h"
 #include "JoinTree/PairwiseGrowth.h"
-#include "Joins/JoinEndsReader.h"
+#include "Joins/JoinInfoReader.h"
 #include "amd_id.h"
 
 #include <cstdint>

@@ -3,7 +3,7 @@
 #include "AQE_I_QuerySpecJoin.h"
 #include "AQE_ToRelationshipJoinCardinalityValue.h"
 #include "Joins/ConditionRewriter.h"
-#include "Joins/TypedLookup.h"
+#include "Joins/GatewayCalls.h"
 #include "Rules/Cardinality.h"
 #include "amdi_relationship.h"
 #include "amdi_relationshipShortcut.h"

@@ -1,7 +1,6 @@
 #include "MainObject/MainObject.h"
 
 #include "MainObject/PathTree.h"
-#include "MainObject/PathTreeScore.h"
 
 #include <algorithm>
 #include <iterator>

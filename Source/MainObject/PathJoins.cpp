@@ -1,7 +1,7 @@
 #include "MainObject/PathJoins.h"
 
 #include "AQE_I_Refiner.h"
-#include "Joins/RaiseFailure.h"
+#include "Joins/GatewayCalls.h"
 #include "Rules/Cardinality.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "Ranking/FolderDistance.h"
 
 #include "AQE_I_Refiner.h"
-#include "Joins/TypedLookup.h"
+#include "Joins/GatewayCalls.h"
 #include "amdi_relationship.h"
 #include "amdi_relationshipShortcut.h"
 

@@ -1,7 +1,9 @@
 #ifndef SOURCE_RANKING_PATHRANKING_H
 #define SOURCE_RANKING_PATHRANKING_H
 
+#include "AQE_LogFile.h"
 #include "Joins/JoinInfoReader.h"
+#include "Rules/PathMeasure.h"
 #include "Rules/RankingCriteria.h"
 #include "amd_id.h"
 
@@ -11,6 +13,26 @@
 #include <vector>
 
 namespace qe {
+
+/// Writes one ranking to the log, at level 5: an opening entry, the first 30 paths in rank order,
+/// and how many there were. When that level is off nothing is composed or read.
+class RankingLog
+{
+public:
+    /// Opens the log and writes the opening entry.
+    explicit RankingLog(const JoinInfoReader& joinInfos);
+
+    /// Writes the next path, with its keys in all criteria of the ranking.
+    void LogRankedPath(const std::vector<amd_id>& path, const PathMeasure& measure,
+                       std::int32_t ranking);
+    void LogEnd(std::size_t pathCount);
+
+private:
+    const JoinInfoReader& mJoinInfos;
+    AQE_LogFile mFile;
+    bool mIsOn;
+    int mLoggedCount = 0;
+};
 
 /// One candidate path with its weight.
 struct WeightedPath

@@ -3,7 +3,7 @@
 #include "IdClass.h"
 #include "Joins/UserSettings.h"
 #include "Ranking/FolderDistance.h"
-#include "Rules/WrappingArithmetic.h"
+#include "Rules/PathMeasure.h"
 
 #include <cstdint>
 #include <map>

@@ -1,11 +1,8 @@
 #include "Rules/PathMeasure.h"
 
-#include "Rules/WrappingArithmetic.h"
-
 #include <map>
 
 namespace qe {
-
 namespace {
 
 /// The fact graph takes no many-to-many joins; they are counted apart.

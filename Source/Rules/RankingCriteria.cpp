@@ -1,6 +1,6 @@
 #include "Rules/RankingCriteria.h"
 
-#include "Rules/WrappingArithmetic.h"
+#include "Rules/PathMeasure.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 
 #include "I18NString.h"
 #include "IdClass.h"
-#include "Joins/TypedLookup.h"
+#include "Joins/GatewayCalls.h"
 #include "amdi_gateway.h"
 #include "amdi_object.h"
 #include "amdi_shortcut.h"

@@ -4,7 +4,7 @@
 #include "Tests/Support/TemporaryFolder.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Import/OpenModel.h"
-#include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/InputFile.h"
 
 #include <sstream>
 

@@ -4,12 +4,12 @@
 #include "Engine/Services/SettingsOverride.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
-#include "Toolkit/Answers/BatchOutput.h"
+#include "Toolkit/Answers/RequestOutput.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Batch/LineReader.h"
 #include "Toolkit/Batch/OrderedWork.h"
 #include "Toolkit/Batch/QuestionReader.h"
-#include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/InputFile.h"
 #include "Toolkit/Text/JsonText.h"
 
 #include <gmock/gmock.h>

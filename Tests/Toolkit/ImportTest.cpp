@@ -2,7 +2,7 @@
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
 #include "Toolkit/Import/OpenModel.h"
-#include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/InputFile.h"
 
 #include <gmock/gmock.h>
 

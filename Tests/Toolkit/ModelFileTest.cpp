@@ -3,7 +3,6 @@
 #include "Engine/Model/Model.h"
 #include "Engine/Model/ModelBuilder.h"
 #include "Tests/Toolkit/SchemaCheck.h"
-#include "Toolkit/Text/InputError.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <gmock/gmock.h>

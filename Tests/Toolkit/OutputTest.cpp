@@ -6,7 +6,7 @@
 #include "Tests/Toolkit/SqlRows.h"
 #include "Toolkit/Model/ModelFile.h"
 #include "Toolkit/Text/DisplayText.h"
-#include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/InputFile.h"
 
 #include <gmock/gmock.h>
 

@@ -1,9 +1,8 @@
 #include "Tests/Support/ModelText.h"
 #include "Tests/Toolkit/Asking.h"
 #include "Toolkit/Ask/Asker.h"
-#include "Toolkit/Draw/AnswerPicture.h"
 #include "Toolkit/Draw/DotWriter.h"
-#include "Toolkit/Draw/ModelPicture.h"
+#include "Toolkit/Draw/Pictures.h"
 #include "Toolkit/Model/ModelFile.h"
 
 #include <cstdlib>

@@ -3,7 +3,7 @@
 
 #include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Ask/Question.h"
-#include "Toolkit/Text/ListLimit.h"
+#include "Toolkit/Text/DisplayText.h"
 
 #include <nlohmann/json.hpp>
 

@@ -3,7 +3,6 @@
 #include "IdClass.h"
 #include "Source/Rules/Cardinality.h"
 #include "Toolkit/Answers/SqlCondition.h"
-#include "Toolkit/Answers/SqlIdentifier.h"
 #include "Toolkit/Answers/SqlTables.h"
 #include "Toolkit/Model/ToolModel.h"
 

@@ -4,7 +4,7 @@
 #include "Toolkit/Answers/AnswerSql.h"
 #include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Ask/Question.h"
-#include "Toolkit/Text/ListLimit.h"
+#include "Toolkit/Text/DisplayText.h"
 
 #include <cstddef>
 

@@ -4,8 +4,8 @@
 #include "Engine/Expression/Printer.h"
 #include "HBNException.h"
 #include "Source/Rules/JoinEnds.h"
-#include "Toolkit/Answers/SqlIdentifier.h"
-#include "Toolkit/Text/InputError.h"
+#include "Toolkit/Answers/SqlTables.h"
+#include "Toolkit/Text/InputFile.h"
 
 #include <cstddef>
 #include <map>

@@ -8,7 +8,6 @@
 #include "Toolkit/Ask/AnswerRecorder.h"
 #include "Toolkit/Ask/KeyChoice.h"
 #include "Toolkit/Ask/LogNotices.h"
-#include "Toolkit/Ask/PathMeasure.h"
 #include "Toolkit/Ask/Request.h"
 #include "Toolkit/Ask/ResolvedQuestion.h"
 #include "Toolkit/Model/ToolModel.h"

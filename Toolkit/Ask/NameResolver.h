@@ -1,7 +1,7 @@
 #ifndef TOOLKIT_ASK_NAMERESOLVER_H
 #define TOOLKIT_ASK_NAMERESOLVER_H
 
-#include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/InputFile.h"
 #include "amd_id.h"
 
 #include <string>

@@ -1,7 +1,7 @@
 #include "Toolkit/Ask/Question.h"
 
 #include "Engine/Services/SettingsOverride.h"
-#include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/InputFile.h"
 
 #include <charconv>
 #include <system_error>

@@ -2,7 +2,7 @@
 
 #include "AQE_JoinCache.h"
 #include "IdClass.h"
-#include "Source/Rules/FavouredWeight.h"
+#include "Source/Rules/JoinEnds.h"
 #include "Toolkit/Model/ToolModel.h"
 
 namespace qe::tool {

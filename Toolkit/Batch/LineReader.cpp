@@ -1,5 +1,10 @@
 #include "Toolkit/Batch/LineReader.h"
 
+#include "Toolkit/Text/InputFile.h"
+
+#include <filesystem>
+#include <system_error>
+
 namespace qe::tool {
 
 bool LineReader::Next(RequestLine& line)
@@ -33,6 +38,18 @@ bool LineReader::Read(RequestLine& line)
     line.number = ++mLines;
     line.bytes = mBytes;
     return true;
+}
+
+RequestFile::RequestFile(const std::string& name, std::istream& standardInput)
+    : mInput(&standardInput)
+{
+    if (name == "-")
+        return;
+    mFile = OpenInputFile(name);
+    mInput = &mFile;
+    std::error_code noSize;
+    const auto size = std::filesystem::file_size(name, noSize);
+    mSize = noSize ? 0 : size;
 }
 
 } // namespace qe::tool

@@ -1,7 +1,7 @@
 #ifndef TOOLKIT_CHECK_CHECKREPORT_H
 #define TOOLKIT_CHECK_CHECKREPORT_H
 
-#include "Toolkit/Check/Finding.h"
+#include "Toolkit/Check/Rules.h"
 
 #include <cstddef>
 #include <functional>

@@ -1,6 +1,6 @@
 #include "Toolkit/Draw/Graphviz.h"
 
-#include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/InputFile.h"
 
 #include <array>
 #include <cerrno>

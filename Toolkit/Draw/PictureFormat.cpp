@@ -2,9 +2,9 @@
 
 #include "Toolkit/Answers/FormatInput.h"
 #include "Toolkit/Ask/Answer.h"
-#include "Toolkit/Draw/AnswerPicture.h"
 #include "Toolkit/Draw/DotWriter.h"
 #include "Toolkit/Draw/Graphviz.h"
+#include "Toolkit/Draw/Pictures.h"
 #include "Toolkit/Text/DisplayText.h"
 
 #include <cstddef>

@@ -1,12 +1,12 @@
 #include "Toolkit/Evaluate/Evaluation.h"
 
 #include "Engine/Model/Model.h"
-#include "Engine/Services/AsciiText.h"
+#include "Engine/Services/Characters.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Batch/LineReader.h"
 #include "Toolkit/Batch/QuestionReader.h"
 #include "Toolkit/Evaluate/ModelSource.h"
-#include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/InputFile.h"
 #include "Toolkit/Text/JsonObject.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 #define TOOLKIT_EVALUATE_EVALUATION_H
 
 #include "Toolkit/Ask/Question.h"
-#include "Toolkit/Evaluate/ColumnClasses.h"
+#include "Toolkit/Evaluate/ModelSource.h"
 
 #include <array>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "Toolkit/Import/DatabaseSchema.h"
 
-#include "Engine/Services/AsciiText.h"
+#include "Engine/Services/Characters.h"
 #include "Toolkit/Text/DisplayText.h"
 
 #include <algorithm>

@@ -3,7 +3,6 @@
 #include "Toolkit/Import/SqlScript.h"
 #include "Toolkit/Import/SqliteSchema.h"
 #include "Toolkit/Model/ModelFile.h"
-#include "Toolkit/Text/InputError.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 
 #include "Engine/Model/Model.h"
 #include "Engine/Model/ModelBuilder.h"
-#include "Engine/Model/QualifiedName.h"
+#include "Engine/Model/Names.h"
 #include "Toolkit/Text/DisplayText.h"
 
 #include <algorithm>

@@ -1,9 +1,8 @@
 #include "Toolkit/Import/SqlScript.h"
 
-#include "Engine/Services/TextPosition.h"
+#include "Engine/Services/Characters.h"
 #include "Toolkit/Import/SqliteDatabase.h"
 #include "Toolkit/Import/SqliteSchema.h"
-#include "Toolkit/Text/InputError.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <algorithm>

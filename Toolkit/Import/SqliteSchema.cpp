@@ -1,7 +1,7 @@
 #include "Toolkit/Import/SqliteSchema.h"
 
 #include "Toolkit/Import/SqliteDatabase.h"
-#include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/InputFile.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,7 +1,6 @@
 #include "Toolkit/Model/ConditionCheck.h"
 
-#include "Engine/Model/NearestNames.h"
-#include "Engine/Model/QualifiedName.h"
+#include "Engine/Model/Names.h"
 #include "Toolkit/Model/ModelWords.h"
 
 #include <algorithm>

@@ -4,7 +4,7 @@
 #include "Engine/Expression/ParseReport.h"
 #include "Engine/Model/Model.h"
 #include "Engine/Model/ModelGateway.h"
-#include "Toolkit/Model/ModelContent.h"
+#include "Toolkit/Model/ContentReader.h"
 #include "Toolkit/Text/JsonProblems.h"
 
 #include <cstddef>

@@ -1,19 +1,67 @@
 #ifndef TOOLKIT_MODEL_CONTENTREADER_H
 #define TOOLKIT_MODEL_CONTENTREADER_H
 
-#include "Toolkit/Model/ModelContent.h"
+#include "AQE_Governors.h"
+#include "Engine/Model/ModelBuilder.h"
 #include "Toolkit/Model/ModelWords.h"
 #include "Toolkit/Text/JsonObject.h"
 #include "Toolkit/Text/JsonProblems.h"
-
-#include <nlohmann/json_fwd.hpp>
+#include "amd_id.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <vector>
 
 namespace qe::tool {
+
+/// One object as a model file describes it. Fields that its class does not use keep their
+/// defaults.
+struct ContentObject
+{
+    static constexpr std::size_t kNoParent = static_cast<std::size_t>(-1);
+
+    std::int32_t classCode = 0;
+    /// Where the file describes it.
+    std::string pointer{};
+    /// Where the file names it.
+    std::string namePointer{};
+    /// The position of its parent, which comes before it.
+    std::size_t parent = kNoParent;
+    std::string name{};
+    model::ObjectOptions options{};
+    model::Reference target{};
+    std::int32_t kind = 0;
+    model::JoinEnd left{};
+    model::JoinEnd right{};
+    std::string condition{};
+};
+
+/// The content of a model file, before names are looked up.
+struct ModelContent
+{
+    std::string locale = "en";
+    std::vector<std::string> userClasses{};
+    AQE_Governors governors{};
+    std::vector<ContentObject> objects{};
+};
+
+/// The values of model files that can be written in more than one form. What is missing or wrong is
+/// reported.
+
+/// Returns what a key refers to: by name, or by class and id. Empty when it refers to nothing.
+[[nodiscard]] model::Reference ReadReference(JsonObject& json, const char* key,
+                                             JsonProblems& problems);
+
+/// Returns the cardinality of a key: a word such as "0..n", or a list of two numbers.
+[[nodiscard]] model::CardinalityRange ReadCardinality(JsonObject& json, const char* key,
+                                                      JsonProblems& problems);
+
+/// Returns an id of that class: a number, or a list of domain and number. Empty when there is none;
+/// `json` may be without a value.
+[[nodiscard]] amd_id ReadId(const PlacedJson& json, std::int32_t classCode, JsonProblems& problems);
 
 /// Reads the document of a model file: keys, types, words and ids. What the objects name is not
 /// looked up yet.

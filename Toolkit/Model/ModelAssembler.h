@@ -1,7 +1,7 @@
 #ifndef TOOLKIT_MODEL_MODELASSEMBLER_H
 #define TOOLKIT_MODEL_MODELASSEMBLER_H
 
-#include "Toolkit/Model/ModelContent.h"
+#include "Toolkit/Model/ContentReader.h"
 #include "Toolkit/Text/JsonProblems.h"
 
 #include <cstddef>

@@ -2,11 +2,11 @@
 
 #include "Source/Rules/RankingCriteria.h"
 #include "Toolkit/Answers/FormatInput.h"
-#include "Toolkit/Draw/AnswerPicture.h"
 #include "Toolkit/Draw/PictureFormat.h"
+#include "Toolkit/Draw/Pictures.h"
 #include "Toolkit/Page/PageParts.h"
 #include "Toolkit/Page/RequestRows.h"
-#include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/InputFile.h"
 
 #include <algorithm>
 #include <cstddef>

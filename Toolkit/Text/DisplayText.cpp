@@ -1,15 +1,13 @@
 #include "Toolkit/Text/DisplayText.h"
 
-#include "Engine/Services/Utf8.h"
-
-#include <utf8proc.h>
+#include "Engine/Services/Characters.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <utf8proc.h>
 
 namespace qe::tool {
-
 namespace {
 
 struct CodeRange

@@ -1,6 +1,6 @@
 #include "Toolkit/Text/JsonObject.h"
 
-#include "Engine/Model/NearestNames.h"
+#include "Engine/Model/Names.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,7 +1,7 @@
 #ifndef TOOLKIT_TEXT_JSONPROBLEMS_H
 #define TOOLKIT_TEXT_JSONPROBLEMS_H
 
-#include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/InputFile.h"
 
 #include <cstddef>
 #include <set>

@@ -1,6 +1,6 @@
 #include "Toolkit/Text/JsonText.h"
 
-#include "Engine/Services/TextPosition.h"
+#include "Engine/Services/Characters.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,12 +1,11 @@
 // The commands that put one question to the refiner and write its answer.
 
-#include "Tools/qerefine/Commands.h"
+#include "Tools/qerefine/Command.h"
 
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Format.h"
 #include "Toolkit/Text/DisplayText.h"
-#include "Tools/qerefine/Command.h"
 #include "Tools/qerefine/QuestionOptions.h"
 
 #include <ostream>

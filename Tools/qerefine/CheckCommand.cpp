@@ -1,10 +1,9 @@
-#include "Tools/qerefine/Commands.h"
+#include "Tools/qerefine/Command.h"
 
 #include "Toolkit/Answers/CheckOutput.h"
 #include "Toolkit/Check/CheckReport.h"
 #include "Toolkit/Check/Rules.h"
 #include "Toolkit/Text/JsonText.h"
-#include "Tools/qerefine/Command.h"
 #include "Tools/qerefine/CommandOptions.h"
 
 #include <algorithm>

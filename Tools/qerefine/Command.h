@@ -1,16 +1,79 @@
 #ifndef TOOLS_QEREFINE_COMMAND_H
 #define TOOLS_QEREFINE_COMMAND_H
 
-#include "Toolkit/Text/InputError.h"
-#include "Tools/qerefine/CommandContext.h"
-#include "Tools/qerefine/ExitCode.h"
+#include "Toolkit/Text/InputFile.h"
 
 #include <CLI/CLI.hpp>
-
+#include <array>
+#include <cstdint>
+#include <iosfwd>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace qe::tool {
+
+/// How the tool ended, for the process that called it. The numbers are fixed: scripts test them.
+enum class EExitCode : std::uint8_t
+{
+    Done = 0,
+    /// The work is done, and what came of it is negative.
+    NegativeResult = 1,
+    WrongUsage = 2,
+    CannotReadOrWrite = 3,
+    /// An error that the library means for its users.
+    LibraryError = 4,
+    InternalError = 5,
+};
+
+/// What an exit code means, as the manual page and the documentation word it.
+struct ExitCodeMeaning
+{
+    EExitCode code;
+    std::string_view text;
+};
+
+inline constexpr std::array kExitCodes{
+    ExitCodeMeaning{EExitCode::Done, "done: answered, written, or checked without findings"},
+    ExitCodeMeaning{EExitCode::NegativeResult,
+                    "done, with a negative result: the subjects cannot be connected, a check has "
+                    "findings, or a batch was interrupted or had requests that failed"},
+    ExitCodeMeaning{EExitCode::WrongUsage,
+                    "wrong use of the command line, also names that the model does not know"},
+    ExitCodeMeaning{EExitCode::CannotReadOrWrite,
+                    "the model or another input cannot be read, or the result cannot be written, "
+                    "such as a path that has no SQL"},
+    ExitCodeMeaning{EExitCode::LibraryError,
+                    "the library reported an error, such as a governor's or a selector's"},
+    ExitCodeMeaning{EExitCode::InternalError, "internal error"},
+};
+
+/// What is known of the terminal that the tool stands on.
+struct Terminal
+{
+    enum class EStream : std::uint8_t
+    {
+        Redirected,
+        Terminal,
+    };
+
+    EStream input = EStream::Redirected;
+    EStream output = EStream::Redirected;
+    EStream error = EStream::Redirected;
+    /// The width in columns.
+    int width = 80;
+};
+
+/// What a command works with. The streams outlive the run.
+struct CommandContext
+{
+    std::istream& input;
+    /// Data, nothing else.
+    std::ostream& output;
+    /// Diagnostics and questions to the user.
+    std::ostream& error;
+    Terminal terminal{};
+};
 
 /// Where commands are added. Everything that it refers to outlives the parsing.
 struct CommandLine
@@ -87,6 +150,35 @@ void AddCommand(const CommandLine& line, const Command<Options, Result>& command
         line.exitCode = command.report(*options, result, line.context);
     });
 }
+
+struct CommandLine;
+
+// One question to the refiner.
+void AddPathCommand(const CommandLine& line);
+void AddBestCommand(const CommandLine& line);
+void AddSubjectsCommand(const CommandLine& line);
+void AddBetweenCommand(const CommandLine& line);
+void AddTreeCommand(const CommandLine& line);
+
+// What the library makes of a model.
+void AddFactsCommand(const CommandLine& line);
+void AddShortcutsCommand(const CommandLine& line);
+void AddCheckCommand(const CommandLine& line);
+void AddShowCommand(const CommandLine& line);
+
+// Files of requests.
+void AddBatchCommand(const CommandLine& line);
+void AddEvaluateCommand(const CommandLine& line);
+
+// Models from elsewhere.
+void AddImportCommand(const CommandLine& line);
+
+/// All commands, in the order of the help.
+inline constexpr std::array kCommands{
+    AddPathCommand,  AddBestCommand,     AddSubjectsCommand,  AddBetweenCommand,
+    AddTreeCommand,  AddFactsCommand,    AddShortcutsCommand, AddBatchCommand,
+    AddCheckCommand, AddEvaluateCommand, AddImportCommand,    AddShowCommand,
+};
 
 } // namespace qe::tool
 

@@ -1,8 +1,8 @@
 #include "Tools/qerefine/CommandOptions.h"
 
 #include "Toolkit/Text/DisplayText.h"
-#include "Toolkit/Text/InputError.h"
-#include "Tools/qerefine/CommandContext.h"
+#include "Toolkit/Text/InputFile.h"
+#include "Tools/qerefine/Command.h"
 
 #include <cstddef>
 #include <ostream>

@@ -4,7 +4,7 @@
 #include "Toolkit/Ask/Question.h"
 #include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Model/ToolModel.h"
-#include "Toolkit/Text/ListLimit.h"
+#include "Toolkit/Text/DisplayText.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,8 +1,7 @@
-#include "Tools/qerefine/Commands.h"
+#include "Tools/qerefine/Command.h"
 
 #include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Model/ModelFile.h"
-#include "Tools/qerefine/Command.h"
 #include "Tools/qerefine/CommandOptions.h"
 
 #include <fstream>

@@ -3,7 +3,7 @@
 #include "Toolkit/Answers/AnswerText.h"
 #include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Text/DisplayText.h"
-#include "Tools/qerefine/CommandContext.h"
+#include "Tools/qerefine/Command.h"
 
 #include <charconv>
 #include <istream>

@@ -2,8 +2,8 @@
 #define TOOLS_QEREFINE_QUESTIONOPTIONS_H
 
 #include "Toolkit/Ask/Question.h"
+#include "Tools/qerefine/Command.h"
 #include "Tools/qerefine/CommandOptions.h"
-#include "Tools/qerefine/ExitCode.h"
 
 namespace CLI {
 class App;

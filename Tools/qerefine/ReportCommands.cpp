@@ -1,14 +1,11 @@
 // The commands that report what the library makes of a model: its facts, and its shortcuts.
 
-#include "Tools/qerefine/Commands.h"
-
-#include "Toolkit/Answers/FactOutput.h"
-#include "Toolkit/Answers/ShortcutOutput.h"
-#include "Toolkit/Ask/Asker.h"
-#include "Toolkit/Ask/FactReport.h"
-#include "Toolkit/Ask/ShortcutReport.h"
-#include "Toolkit/Text/JsonText.h"
 #include "Tools/qerefine/Command.h"
+
+#include "Toolkit/Answers/ReportOutput.h"
+#include "Toolkit/Ask/Asker.h"
+#include "Toolkit/Ask/Reports.h"
+#include "Toolkit/Text/JsonText.h"
 #include "Tools/qerefine/QuestionOptions.h"
 
 #include <nlohmann/json.hpp>

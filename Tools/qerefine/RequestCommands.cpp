@@ -1,19 +1,17 @@
 // The commands that work through a file of requests: batch answers them, evaluate compares the
 // answers with the joins that people wrote.
 
-#include "Tools/qerefine/Commands.h"
+#include "Tools/qerefine/Command.h"
 
-#include "Toolkit/Answers/BatchOutput.h"
-#include "Toolkit/Answers/EvaluationOutput.h"
+#include "Toolkit/Answers/RequestOutput.h"
 #include "Toolkit/Batch/Batch.h"
 #include "Toolkit/Batch/Interrupt.h"
+#include "Toolkit/Batch/LineReader.h"
 #include "Toolkit/Batch/ProgressBar.h"
 #include "Toolkit/Batch/QuestionReader.h"
-#include "Toolkit/Batch/RequestFile.h"
 #include "Toolkit/Evaluate/Evaluation.h"
 #include "Toolkit/Evaluate/ModelSource.h"
 #include "Toolkit/Text/JsonText.h"
-#include "Tools/qerefine/Command.h"
 #include "Tools/qerefine/CommandOptions.h"
 
 #include <algorithm>

@@ -1,9 +1,8 @@
 #include "Tools/qerefine/RunTool.h"
 
 #include "Toolkit/Text/DisplayText.h"
-#include "Toolkit/Text/InputError.h"
+#include "Toolkit/Text/InputFile.h"
 #include "Tools/qerefine/Command.h"
-#include "Tools/qerefine/Commands.h"
 
 #include <CLI/CLI.hpp>
 

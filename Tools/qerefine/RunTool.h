@@ -1,8 +1,7 @@
 #ifndef TOOLS_QEREFINE_RUNTOOL_H
 #define TOOLS_QEREFINE_RUNTOOL_H
 
-#include "Tools/qerefine/CommandContext.h"
-#include "Tools/qerefine/ExitCode.h"
+#include "Tools/qerefine/Command.h"
 
 #include <string>
 #include <vector>

@@ -1,11 +1,10 @@
-#include "Tools/qerefine/Commands.h"
+#include "Tools/qerefine/Command.h"
 
 #include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Draw/DotWriter.h"
 #include "Toolkit/Draw/Graphviz.h"
-#include "Toolkit/Draw/ModelPicture.h"
 #include "Toolkit/Draw/PictureFormat.h"
-#include "Tools/qerefine/Command.h"
+#include "Toolkit/Draw/Pictures.h"
 #include "Tools/qerefine/CommandOptions.h"
 
 #include <cstdint>

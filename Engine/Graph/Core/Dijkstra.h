@@ -1,7 +1,7 @@
 #ifndef ENGINE_GRAPH_CORE_DIJKSTRA_H
 #define ENGINE_GRAPH_CORE_DIJKSTRA_H
 
-#include "Engine/Graph/Core/Distance.h"
+#include "Engine/Graph/Core/GraphView.h"
 #include "Engine/Graph/Core/Indices.h"
 
 #include <algorithm>

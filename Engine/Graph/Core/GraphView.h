@@ -4,6 +4,7 @@
 #include "Engine/Graph/Core/Indices.h"
 
 #include <cstdint>
+#include <limits>
 #include <span>
 
 namespace qe::graph {
@@ -68,6 +69,11 @@ private:
     std::span<const std::uint32_t> mFirstArc;
     std::span<const Arc> mArcs;
 };
+
+/// The distance of what was not reached, and the weight of a tree that is not known: above the
+/// weight of every tree, as a graph has fewer than 2^29 edges of 32 bits each on its paths. A few
+/// of these, and weights, add up without overflow.
+inline constexpr std::uint64_t kUnreached = std::numeric_limits<std::uint64_t>::max() / 8;
 
 } // namespace qe::graph
 

@@ -2,7 +2,7 @@
 #define ENGINE_GRAPH_SPANNING_SWAPSEARCH_H
 
 #include "Engine/Graph/Core/GraphView.h"
-#include "Engine/Graph/Spanning/BottleneckForest.h"
+#include "Engine/Graph/Spanning/MinimumSpanningTree.h"
 
 #include <cstdint>
 #include <optional>

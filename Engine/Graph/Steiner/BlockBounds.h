@@ -3,7 +3,7 @@
 
 #include "Engine/Graph/Steiner/Bound/CompletionBound.h"
 #include "Engine/Graph/Steiner/Bound/DualAscent.h"
-#include "Engine/Graph/Steiner/Bound/ReducedCostFixing.h"
+#include "Engine/Graph/Steiner/Bound/ReducedCosts.h"
 #include "Engine/Graph/Steiner/Grow/TreeGrower.h"
 #include "Engine/Graph/Steiner/Network/FlatNetwork.h"
 

@@ -1,6 +1,6 @@
 #include "Engine/Graph/Steiner/BlockSearch.h"
 
-#include "Engine/Graph/Core/Distance.h"
+#include "Engine/Graph/Core/GraphView.h"
 #include "Engine/Graph/Steiner/Bound/CompletionBound.h"
 #include "Engine/Graph/Steiner/Exact/DijkstraSteinerSearch.h"
 #include "Engine/Graph/Steiner/List/DerivationBuilder.h"

@@ -1,7 +1,6 @@
+#include "Engine/Model/Names.h"
 #include "Engine/Model/Model.h"
 #include "Engine/Model/ModelBuilder.h"
-#include "Engine/Model/NearestNames.h"
-#include "Engine/Model/QualifiedName.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

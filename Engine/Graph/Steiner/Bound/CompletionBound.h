@@ -2,7 +2,7 @@
 #define ENGINE_GRAPH_STEINER_BOUND_COMPLETIONBOUND_H
 
 #include "Engine/Graph/Steiner/Bound/DualAscent.h"
-#include "Engine/Graph/Steiner/Bound/ReducedDistances.h"
+#include "Engine/Graph/Steiner/Bound/ReducedCosts.h"
 #include "Engine/Graph/Steiner/Network/SetTable.h"
 
 #include <cstddef>

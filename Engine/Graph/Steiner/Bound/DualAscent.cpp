@@ -1,6 +1,6 @@
 #include "Engine/Graph/Steiner/Bound/DualAscent.h"
 
-#include "Engine/Graph/Core/Distance.h"
+#include "Engine/Graph/Core/GraphView.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
 #include "Engine/Graph/Steiner/Network/SearchTuning.h"
 

@@ -1,6 +1,6 @@
 #include "Engine/Graph/Steiner/Exact/Labels.h"
 
-#include "Engine/Graph/Core/Distance.h"
+#include "Engine/Graph/Core/GraphView.h"
 #include "Engine/Graph/Steiner/Network/SearchTuning.h"
 
 #include <bit>

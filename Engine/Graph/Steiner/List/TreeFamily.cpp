@@ -1,6 +1,6 @@
 #include "Engine/Graph/Steiner/List/TreeFamily.h"
 
-#include "Engine/Graph/Steiner/Network/SaturatingCount.h"
+#include "Engine/Graph/Steiner/Network/StrandPool.h"
 
 #include <algorithm>
 #include <utility>

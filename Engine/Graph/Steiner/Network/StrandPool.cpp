@@ -1,7 +1,5 @@
 #include "Engine/Graph/Steiner/Network/StrandPool.h"
 
-#include "Engine/Graph/Steiner/Network/SaturatingCount.h"
-
 #include <tuple>
 #include <utility>
 

@@ -1,7 +1,7 @@
 #include "Engine/Graph/Steiner/Reduce/DistanceReduction.h"
 
 #include "Engine/Graph/Core/Dijkstra.h"
-#include "Engine/Graph/Core/Distance.h"
+#include "Engine/Graph/Core/GraphView.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
 #include "Engine/Graph/Steiner/Network/Network.h"
 #include "Engine/Graph/Steiner/Reduce/DegreeReduction.h"

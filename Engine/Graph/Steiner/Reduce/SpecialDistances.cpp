@@ -1,6 +1,6 @@
 #include "Engine/Graph/Steiner/Reduce/SpecialDistances.h"
 
-#include "Engine/Graph/Core/Distance.h"
+#include "Engine/Graph/Core/GraphView.h"
 #include "Engine/Graph/Steiner/Network/Network.h"
 
 #include <algorithm>

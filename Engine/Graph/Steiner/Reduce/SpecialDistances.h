@@ -2,7 +2,7 @@
 #define ENGINE_GRAPH_STEINER_REDUCE_SPECIALDISTANCES_H
 
 #include "Engine/Graph/Core/Indices.h"
-#include "Engine/Graph/Spanning/BottleneckForest.h"
+#include "Engine/Graph/Spanning/MinimumSpanningTree.h"
 
 #include <array>
 #include <cstddef>

@@ -1,0 +1,27 @@
+#include "Toolkit/Check/Rules.h"
+
+#include <algorithm>
+#include <array>
+
+namespace qe::tool {
+namespace {
+
+/// The names of the severities, by their numbers.
+constexpr std::array<std::string_view, 4> kSeverityNames{"off", "note", "warning", "error"};
+
+} // namespace
+
+std::string_view ToText(ESeverity severity)
+{
+    return kSeverityNames.at(static_cast<std::size_t>(severity));
+}
+
+std::optional<ESeverity> ParseSeverity(std::string_view name)
+{
+    const auto* const found = std::find(kSeverityNames.begin(), kSeverityNames.end(), name);
+    if (found == kSeverityNames.end())
+        return std::nullopt;
+    return static_cast<ESeverity>(found - kSeverityNames.begin());
+}
+
+} // namespace qe::tool
