@@ -212,7 +212,7 @@ std::string ToLine(const BatchEntry& entry)
 
 BatchRun RunShop(const std::string& requests, const BatchOptions& options)
 {
-    static const ToolModel shop = qe::test::ImportText(qe::test::ShopTables);
+    static const ToolModel shop = qe::test::ImportText(qe::test::kShopTables);
     std::istringstream input(requests);
     std::ostringstream output;
     const BatchSummary summary = RunBatch(shop, input, {output, ToLine}, options);
@@ -272,7 +272,7 @@ TEST(Batch, ThrowsWhenTheOutputCannotBeWritten)
     std::istringstream input(MakeRequests(200));
     std::ostringstream output;
     output.setstate(std::ios::badbit);
-    const ToolModel shop = qe::test::ImportText(qe::test::ShopTables);
+    const ToolModel shop = qe::test::ImportText(qe::test::kShopTables);
     EXPECT_THROW(static_cast<void>(RunBatch(shop, input, {output, ToLine}, {})),
                  std::runtime_error);
 }
@@ -285,7 +285,7 @@ TEST(Batch, ReadsSettingsBeforeAnythingElse)
     const qe::SettingsOverride mode(I18NString("General Options"), I18NString("FFJoins"), 0);
     EXPECT_EQ(AQE_I_Refiner::GetFFJoinsMode(), 3);
     const Answer answer =
-        Ask(qe::test::ImportText(qe::test::ShopTables), qe::test::Connect({"sale", "customer"}));
+        Ask(qe::test::ImportText(qe::test::kShopTables), qe::test::Connect({"sale", "customer"}));
     ASSERT_EQ(answer.alternatives.size(), 2U);
     EXPECT_EQ(answer.weight, 17);
 }
@@ -293,7 +293,7 @@ TEST(Batch, ReadsSettingsBeforeAnythingElse)
 TEST(BatchCommand, ShowsFailuresByItsExitCode)
 {
     const qe::test::TemporaryFolder folder;
-    const std::string model = folder.Write("shop.sql", qe::test::ShopTables);
+    const std::string model = folder.Write("shop.sql", qe::test::kShopTables);
     const std::string requests = folder.Write("requests.jsonl", MakeRequests(2));
     using qe::test::RunTool;
     const auto answered =

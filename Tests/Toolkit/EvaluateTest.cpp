@@ -186,8 +186,8 @@ std::string RequestLines()
 TEST(Evaluate, ComparesWithTheJoinsThatPeopleWrote)
 {
     const TemporaryFolder folder;
-    folder.Write("shop.sql", qe::test::ShopTables);
-    folder.Write("two.sql", qe::test::ShopTables);
+    folder.Write("shop.sql", qe::test::kShopTables);
+    folder.Write("two.sql", qe::test::kShopTables);
     folder.Write("two.json", "{}");
     ModelSource models(folder / "", [](const auto& path) { return ImportSql({path}, {}); });
     std::istringstream requests(RequestLines());
@@ -216,7 +216,7 @@ TEST(Evaluate, ComparesWithTheJoinsThatPeopleWrote)
 TEST(EvaluateCommand, WritesTextAndJson)
 {
     const TemporaryFolder models;
-    models.Write("shop.sql", qe::test::ShopTables);
+    models.Write("shop.sql", qe::test::kShopTables);
     const TemporaryFolder folder;
     const std::string requests = folder.Write("requests.jsonl", RequestLines());
     const auto listed = qe::test::RunTool({"evaluate", models / "", requests, "--list"});

@@ -128,7 +128,7 @@ std::vector<std::string> Mutate(const nlohmann::json& document)
 TEST(OutputTest, SchemaAcceptsEveryReportAndRefusesMutations)
 {
     const qe::test::TemporaryFolder folder;
-    const std::string shop = folder.Write("shop.sql", qe::test::ShopTables);
+    const std::string shop = folder.Write("shop.sql", qe::test::kShopTables);
     const std::string lines = "{\"id\": [7], \"subjects\": [\"sale\", \"customer\"], \"joins\": "
                               "[[\"sale.payer_id\", \"customer.id\"]]}\n"
                               "{\"id\": 8, \"subjects\": [\"isle\"]}\n[";
