@@ -5,6 +5,7 @@
 #include "AQE_I_QuerySubjectShortcutInfo.h"
 #include "AQE_JoinCache.h"
 #include "AQE_RequestContext.h"
+#include "Engine/Services/LogCapture.h"
 #include "Engine/Services/SettingsOverride.h"
 #include "HBNException.h"
 #include "Tests/Source/ProcessSettings.h"
@@ -14,6 +15,9 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
+#include <chrono>
+#include <future>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -82,22 +86,28 @@ struct Request
     std::string Between(std::string_view first, std::string_view second,
                         std::string_view avoided = "", std::string_view furtherAvoided = "")
     {
-        Ids path{{1, 2, 3}};
-        Ids ends;
+        const amd_id before{1, 2, 3};
+        Ids path{before};
+        Ids ends{before};
         int weight = 0;
         refiner->ComputeJoinPathBetween(model.Ids(first), model.Ids(avoided), model.Ids(second),
                                         model.Ids(furtherAvoided), {}, {}, model.Subjects(),
                                         model.Joins(), path, weight, ends);
+        EXPECT_EQ(ends.at(0), before) << "appended";
+        ends.erase(ends.begin());
         return model.Names(path) + " / " + std::to_string(weight) + " / " + model.Names(ends);
     }
 
     Texts BestBetween(std::string_view first, std::string_view second)
     {
+        const AQE_Refiner::EndPair before{{1, 2, 3}, {4, 5, 6}};
         std::vector<Ids> paths{{{1, 2, 3}}};
-        std::vector<AQE_Refiner::EndPair> ends;
+        std::vector<AQE_Refiner::EndPair> ends{before};
         int weight = 0;
         refiner->ComputeBestJoinPathsBetween(model.Ids(first), {}, model.Ids(second), {}, {}, {},
                                              model.Subjects(), model.Joins(), paths, weight, ends);
+        EXPECT_EQ(ends.at(0), before) << "appended";
+        ends.erase(ends.begin());
         Texts texts{std::to_string(weight)};
         for (std::size_t index = 0; index < paths.size(); ++index)
             texts.push_back(model.Names(paths[index]) + " / " +
@@ -180,9 +190,13 @@ TEST(JoinPath, ExemptsFavouredAndRequiredJoinsFromTheFolderDistance)
     Request favouring(model);
     favouring.JoinPath("A, B", "ab, twin");
     EXPECT_EQ(favouring.selector.GetShown(favouring.model), (Texts{"ab: 0 2000", "twin: 0 2000"}));
+    Request requiring(std::string(model) + "; B >- C : bc; B >- C : second");
+    requiring.JoinPath("A, C", "", "ab");
+    EXPECT_EQ(requiring.selector.GetShown(requiring.model),
+              (Texts{"ab, bc: 0 19001", "ab, second: 0 19001"}));
 }
 
-TEST(JoinPath, CountsFoldersAfterTheSettingFailedToAnswer)
+TEST(JoinPath, CountsNoFoldersAfterTheSettingFailedToAnswer)
 {
     if (qe::test::RunsWithOtherCases())
         GTEST_SKIP() << qe::test::kNeedsOwnProcess;
@@ -197,8 +211,41 @@ TEST(JoinPath, CountsFoldersAfterTheSettingFailedToAnswer)
     EXPECT_THROW(request.JoinPath("Orders, Region"), std::runtime_error);
     EXPECT_EQ(request.JoinPath("Orders, Region"), "oc, cr");
     EXPECT_EQ(request.selector.GetShown(request.model),
-              (Texts{"oc, cr: 1 34000", "occ, cr: 1 34000", "os, sr: 0 34002"}));
+              (Texts{"oc, cr: 0 34", "occ, cr: 0 34", "os, sr: 0 34"}));
     EXPECT_EQ(reads, 1) << "asked once in the life of a process";
+    qe::SettingsOverride::SetProvider({});
+}
+
+TEST(JoinPath, CountsFoldersAlikeOnTheThreadsThatAskFirst)
+{
+    if (qe::test::RunsWithOtherCases())
+        GTEST_SKIP() << qe::test::kNeedsOwnProcess;
+    constexpr std::chrono::seconds kLongEnough(60);
+    std::promise<void> isReading;
+    std::promise<void> isAnswered;
+    std::atomic<int> reads = 0;
+    // The first thread is told "on", but only after the second has been told "off" and is done.
+    qe::SettingsOverride::SetProvider(
+        [&](const I18NString&, const I18NString& key) -> std::optional<int> {
+            if (key != "AdjustWeightByFolder")
+                return std::nullopt;
+            if (++reads > 1)
+                return 0;
+            isReading.set_value();
+            isAnswered.get_future().wait_for(kLongEnough);
+            return 1;
+        });
+    const auto ask = [] {
+        Request request(kSales);
+        request.JoinPath("Orders, Region");
+        return request.selector.GetShown(request.model);
+    };
+    std::future<Texts> first = std::async(std::launch::async, ask);
+    isReading.get_future().wait_for(kLongEnough);
+    const Texts second = ask();
+    isAnswered.set_value();
+    EXPECT_EQ(second, (Texts{"oc, cr: 0 34", "occ, cr: 0 34", "os, sr: 0 34"}));
+    EXPECT_EQ(first.get(), second);
     qe::SettingsOverride::SetProvider({});
 }
 
@@ -267,6 +314,7 @@ TEST(JoinPath, TakesTheSelectorsChoiceAndRejectsOneOutOfRange)
               (Texts{"cd: 0 -1", "cr: 0 -1", "od: 0 -1"}));
 
     const auto expectFailure = [](int line, auto operation) {
+        const qe::LogCapture log(1);
         try {
             operation();
             ADD_FAILURE() << "no exception";
@@ -279,6 +327,10 @@ TEST(JoinPath, TakesTheSelectorsChoiceAndRejectsOneOutOfRange)
             EXPECT_EQ(exception.GetLocation().file, "Source/Refiner");
             EXPECT_EQ(exception.GetLocation().line, line);
             EXPECT_EQ(exception.GetComponent(), "QE");
+            ASSERT_EQ(log.GetEntries().size(), 1U) << "logged before it is raised";
+            EXPECT_EQ(log.GetEntries()[0].message, 0xA9EC593CU);
+            EXPECT_THAT(log.GetEntries()[0].text.ToStdString(),
+                        testing::StartsWith("Source/Refiner:" + std::to_string(line) + ": "));
         }
     };
     const ModelText& model = request.model;
@@ -368,6 +420,10 @@ TEST(BestPaths, AreAllCandidatesOrTheLightestWithFewestFactTables)
     EXPECT_FALSE(request.refiner->ComputeBestJoinPaths(
         request.model.Ids("Orders, Region"), {}, {}, request.model.Subjects(), {}, paths, {}, {}));
     EXPECT_EQ(paths.size(), 1U);
+    EXPECT_TRUE(request.refiner->ComputeBestJoinPaths(
+        request.model.Ids("Orders, Date"), {}, {}, request.model.Subjects(),
+        request.model.Joins(), paths, {}, {}));
+    EXPECT_THAT(paths, ElementsAre(request.model.Ids("od"))) << "replaced";
 }
 
 TEST(BestPaths, AreTheLightestWithFewestFactTablesInOtherModes)
@@ -380,6 +436,12 @@ TEST(BestPaths, AreTheLightestWithFewestFactTablesInOtherModes)
     Texts best;
     EXPECT_TRUE(request.BestPaths("Orders, Region, Date", best));
     EXPECT_THAT(best, testing::UnorderedElementsAre(kPaths.at('a'), kPaths.at('d')));
+    std::vector<Ids> paths{request.model.Ids("cr")};
+    EXPECT_TRUE(request.refiner->ComputeBestJoinPaths(
+        request.model.Ids("Orders, Date"), {}, {}, request.model.Subjects(),
+        request.model.Joins(), paths, {}, {}));
+    EXPECT_THAT(paths, ElementsAre(request.model.Ids("cr"), request.model.Ids("od")))
+        << "appended";
     EXPECT_EQ(request.JoinPath("Orders, Region, Date"), kPaths.at('a'));
     EXPECT_THAT(request.selector.GetShown(request.model),
                 testing::Contains(kPaths.at('f') + ": 0 33002"));
@@ -424,9 +486,55 @@ TEST(Between, GivesTheLightestPathsWithTheirEnds)
     EXPECT_EQ(request.BestBetween("A", "B"), (Texts{"17", "far1 / A, B"}));
     EXPECT_EQ(request.BestBetween("", "B"), (Texts{"-1"}));
 
+    // Of equally light paths, those with more joins therefore count as the best.
+    AQE_I_Refiner::QEjoinInfo info;
+    ASSERT_TRUE(AQE_I_Refiner::GetJoinInfo(&request.gateway, &request.context,
+                                           request.model.Id("far2"), info));
+    info.weight = 34;
+    request.context.GetJoinCache()->CacheJoinInfo(info.joinId, info);
+    EXPECT_EQ(request.BestBetween("C, B", "B, Far"), (Texts{"34", "cz, zb / C, B"}));
+
     // One join found from both of its ends: the first pair counts, whichever copy is chosen.
     request.selector.Choose(1);
     EXPECT_EQ(request.Between("A, X", "X, A"), "ax / 17 / A, X");
+}
+
+TEST(TreeJoins, GoByWhatTheCallIsGivenAndNotByNewAlgo)
+{
+    AQE_Governors denying{2, 0};
+    AQE_Governors warning{1, 1};
+    Request request(R"(
+        folder B; T
+        folder A; S -> T
+        folder C; R -> T
+        T >- S : required; Apart
+    )",
+                    false, false, &denying);
+    AQE_RequestContext given;
+    const std::unique_ptr<AQE_I_QuerySubjectShortcutInfo> shortcutInfo(
+        AQE_I_QuerySubjectShortcutInfo::Create(&request.gateway, &warning, &given));
+    request.refiner->SetShortcutInfo(shortcutInfo.get());
+    int newAlgoReads = 0;
+    qe::SettingsOverride::SetProvider(
+        [&](const I18NString&, const I18NString& key) -> std::optional<int> {
+            newAlgoReads += key == "NewAlgo" ? 1 : 0;
+            return std::nullopt;
+        });
+    const auto getTreeJoins = [&](std::string_view subjects, std::string_view required) {
+        Ids treeJoins;
+        EXPECT_NO_THROW(static_cast<void>(request.refiner->GetJoinTreeJoins(
+            &request.gateway, request.model.Ids(subjects), {}, request.model.Ids(required),
+            request.model.Subjects(), {}, &warning, &given, nullptr, treeJoins)));
+        return request.model.Names(treeJoins);
+    };
+    EXPECT_EQ(getTreeJoins("T", "required"), "required") << "one subject, and what it must have";
+    EXPECT_EQ(shortcutInfo->GetShortcutJoins().size(), 1U)
+        << "the required join keeps the two that it joins together";
+    EXPECT_EQ(getTreeJoins("T, Apart", ""), "");
+    EXPECT_EQ(given.GetUserMessages().size(), 1U);
+    EXPECT_THAT(request.context.GetUserMessages(), IsEmpty());
+    EXPECT_EQ(newAlgoReads, 0);
+    qe::SettingsOverride::SetProvider({});
 }
 
 TEST(Refiner, WorksWithNothingGiven)
