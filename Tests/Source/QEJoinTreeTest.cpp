@@ -9,16 +9,19 @@
 #include "Engine/Services/SettingsOverride.h"
 #include "HBNException.h"
 #include "ORVAssertError.h"
+#include "Tests/Support/CountingGateway.h"
 #include "Tests/Support/JoinGraphModel.h"
 
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <regex>
 #include <sstream>
 
 namespace {
 
 using qe::SettingsOverride;
+using qe::test::CountingGateway;
 using qe::test::JoinGraphModel;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -137,6 +140,55 @@ TEST(PairwiseGrowth, LogsItsSteps)
                                    "num shortest distances remaining: 0"));
 }
 
+/// Returns what is logged, with "@" for addresses.
+Texts LogOf(JoinGraphModel& model, const Ids& subjects,
+            AQE_I_QuerySubjectShortcutInfo* shortcutInfo = nullptr)
+{
+    const SettingsOverride newAlgo("General Options", "NewAlgo", 0);
+    const qe::LogCapture log(7);
+    const AQE_JoinTree tree(&model.GetGateway(), subjects, {}, {}, model.Subjects(), model.Joins(),
+                            nullptr, &model.context, nullptr, shortcutInfo, false, {});
+    Texts lines;
+    for (const auto& entry : log.GetEntries())
+        lines.push_back(
+            std::regex_replace(entry.text.ToStdString(), std::regex("0x[0-9a-f]{3,}"), "@"));
+    return lines;
+}
+
+TEST(PairwiseGrowth, LogsPathsWhatRemainsAndTheClosing)
+{
+    JoinGraphModel model("A-B:1 B-C:1");
+    const std::string ab = "id=102:1 left=100:1 right=100:2 (A, B)";
+    const std::string bc = "id=102:2 left=100:2 right=100:3 (B, C)";
+    EXPECT_THAT(LogOf(model, model["A B C"]),
+                ElementsAre("number of entities: 3", "entity id=100:1 A", "entity id=100:2 B",
+                            "entity id=100:3 C", "weight:1 joins:\n    " + ab,
+                            "added distance: @ ", "weight:2 joins:\n    " + ab + "\n    " + bc,
+                            "added distance: @ ", "weight:1 joins:\n    " + bc,
+                            "added distance: @ ", "number of shortest distances: 3",
+                            "processing distance: @ 1", "processing distance: @ 1",
+                            "num shortest distances remaining: 1",
+                            "distance @ w=2 fromIndex=0 toIndex=2", "AA for id: 100:2 num joins:2",
+                            "AA adding join left=100:1 right=100:2",
+                            "AA adding join left=100:2 right=100:3", "AA for id: 100:1 num joins:1",
+                            "AA adding join left=100:1 right=100:2", "AA for id: 100:3 num joins:1",
+                            "AA adding join left=100:2 right=100:3"));
+
+    // Synthetic joins have no ends that could be read, and the empty id no name.
+    JoinGraphModel shortcuts("t>A A-B t-C");
+    AQE_Governors governors;
+    const std::unique_ptr<AQE_I_QuerySubjectShortcutInfo> shortcutInfo(
+        AQE_I_QuerySubjectShortcutInfo::Create(&shortcuts.GetGateway(), &governors, nullptr));
+    Ids subjects = shortcuts["B C"];
+    subjects.emplace_back();
+    EXPECT_THAT(LogOf(shortcuts, subjects, shortcutInfo.get()),
+                testing::IsSupersetOf(Texts{"entity id=0:0 ",
+                                       "weight:36 joins:\n"
+                                       "    id=102:1 left=100:1 right=100:2 (A, B)\n"
+                                       "    id=700001:0 left=0:0 right=0:0 (sss, sss)\n"
+                                       "    id=102:2 left=109:1 right=100:3 (t, C)"}));
+}
+
 TEST(PairwiseGrowth, StopsUnconnectedAndGivesWhatItHas)
 {
     JoinGraphModel model("A-B:1 B-C:2 D-E:3");
@@ -149,11 +201,12 @@ TEST(PairwiseGrowth, ToleratesUnknownSubjects)
 {
     JoinGraphModel model("A-B:1 B-C:1");
     const SettingsOverride newAlgo("General Options", "NewAlgo", 0);
-    const AQE_JoinTree tree(&model.GetGateway(), model["A C"], {}, {}, model["A B"], model.Joins(),
-                            nullptr, &model.context, nullptr, nullptr, false, {});
-    std::vector<Ids> paths;
-    tree.GetJoinPaths(paths);
-    EXPECT_THAT(paths, IsEmpty()) << "C is no candidate node";
+    for (const char* nodes : {"A B", "B C"}) {
+        const AQE_JoinTree tree(&model.GetGateway(), model["A C"], {}, {}, model[nodes],
+                                model.Joins(), nullptr, &model.context, nullptr, nullptr, false,
+                                {});
+        EXPECT_THAT(PathsOf(model, tree), IsEmpty()) << "C or A is no candidate node";
+    }
 }
 
 TEST(JoinTree, TakesRequiredJoinsThatConnectEverythingAsTheyAre)
@@ -171,6 +224,56 @@ TEST(JoinTree, TakesRequiredJoinsThatConnectEverythingAsTheyAre)
     }
     JoinGraphModel single(text);
     EXPECT_THAT(PathsOf(single, *Grow(single, {"A"}, EGrowth::CheapestTrees)), IsEmpty());
+    JoinGraphModel chain("A-B:5 B-C:6");
+    for (const EGrowth growth : {EGrowth::CheapestTrees, EGrowth::Pairwise, EGrowth::Library})
+        EXPECT_THAT(PathsOf(chain, *Grow(chain, {"A", "", "B-C"}, growth)), ElementsAre("A-B B-C"))
+            << "a single subject, and what it must have";
+}
+
+TEST(JoinTree, IsBuiltWithoutCandidateJoinsButNotWithoutNodes)
+{
+    JoinGraphModel model("A-B B-C");
+    const Ids required = model["A-B"];
+    const auto grow = [&](std::string_view nodes, bool isLibrary) {
+        const qe::RefinerServices services{.gateway = &model.GetGateway()};
+        const Ids subjects = model["A B"];
+        const Ids candidates = model[nodes];
+        const qe::JoinTreeRequest request{
+            .subjects = subjects,
+            .requiredJoins = required,
+            .nodes = candidates,
+            .joins = qe::kNoIds,
+            .use = isLibrary ? qe::JoinTreeRequest::EUse::ConnectOverShortcuts
+                             : qe::JoinTreeRequest::EUse::Connect};
+        return TreeJoins(model, AQE_JoinTree(services, request));
+    };
+    for (const bool isLibrary : {false, true}) {
+        EXPECT_EQ(grow("A B", isLibrary), "A-B");
+        EXPECT_EQ(grow("", isLibrary), "");
+    }
+
+    const struct
+    {
+        const char* first;
+        const char* second;
+        const char* nodes;
+        const char* joins;
+        int weight;
+    } rows[] = {
+        {"A", "B", "A B", "A-B", 17}, {"A", "A", "A B", "A-B", 8888}, {"", "B", "A B", "A-B", 5},
+        {"A", "", "A B", "A-B", 5},   {"A", "B", "", "A-B", 5},       {"A", "B", "A B", "", 5},
+    };
+    for (const auto& row : rows) {
+        std::vector<Ids> paths{required};
+        std::vector<AQE_JoinTree::EndPair> pairs(1);
+        int weight = 5;
+        const AQE_JoinTree tree(&model.GetGateway(), model[row.first], {}, model[row.second], {},
+                                {}, {}, model[row.nodes], model[row.joins], paths, weight, pairs,
+                                nullptr, nullptr, nullptr);
+        EXPECT_EQ(weight, row.weight);
+        EXPECT_EQ(paths.size(), row.weight == 17 ? 2U : 1U) << "appended";
+        EXPECT_EQ(pairs.size(), row.weight == 8888 ? 0U : 1U) << "replaced";
+    }
 }
 
 TEST(JoinTree, AnswersWithDefinedValuesWhenNothingWasBuilt)
@@ -256,6 +359,12 @@ std::string Govern(EGrowth growth, const AQE_Governors* governors,
                    AQE_RequestContext::ECommandType command)
 {
     JoinGraphModel model("A-X B-C");
+    CountingGateway gateway(model.GetGateway());
+    for (const amd_id& subject : model.Subjects()) {
+        qe::model::ObjectRecord record = *model.GetModel()->Find(subject);
+        record.displayName = "the " + record.name;
+        gateway.Replace(record);
+    }
     AQE_RequestContext context(command);
     User user;
     context.SetAuthentication(&user);
@@ -267,11 +376,11 @@ std::string Govern(EGrowth growth, const AQE_Governors* governors,
     std::ostringstream seen;
     try {
         if (growth == EGrowth::Library)
-            AQE_JoinTree(&model.GetGateway(), subjects, {}, {}, model.Subjects(), model.Joins(),
-                         given, &context, nullptr, nullptr);
+            AQE_JoinTree(&gateway, subjects, {}, {}, model.Subjects(), model.Joins(), given,
+                         &context, nullptr, nullptr);
         else
-            AQE_JoinTree(&model.GetGateway(), subjects, {}, {}, model.Subjects(), model.Joins(),
-                         given, &context, nullptr, nullptr, false, {});
+            AQE_JoinTree(&gateway, subjects, {}, {}, model.Subjects(), model.Joins(), given,
+                         &context, nullptr, nullptr, false, {});
     } catch (const HBNException& error) {
         const auto& message = error.GetMessages().at(0);
         seen << "error " << error.GetSeverity() << " " << error.GetCode() << " " << std::hex
@@ -291,8 +400,9 @@ TEST(CrossProductGovernor, DecidesByItsValueTheWayOfGrowingAndTheCommand)
 {
     const std::string warning = "warning -2 4 a9e29a41 <Analyst>;";
     const std::string error = "error 1 101 a9ee8a4d Source/QEJoinTree:";
-    const std::string names = " QE <A, B> <Analyst>";
-    const std::string allNames = " QE <A, B, C> <Analyst>";
+    const std::string pairNames = " QE <A, B> <Analyst>";
+    const std::string names = " QE <the A, the B> <Analyst>";
+    const std::string allNames = " QE <the A, the B, the C> <Analyst>";
     struct Row
     {
         EGrowth growth;
@@ -302,7 +412,7 @@ TEST(CrossProductGovernor, DecidesByItsValueTheWayOfGrowingAndTheCommand)
         std::string whenOther;
     };
     const Row rows[] = {
-        {EGrowth::Pairwise, "", warning + warning, error + "1088" + names, ""},
+        {EGrowth::Pairwise, "", warning + warning, error + "1088" + pairNames, ""},
         {EGrowth::Library, "", warning, error + "935" + names, ""},
         {EGrowth::CheapestTrees, warning, warning, error + "547" + allNames, warning},
     };

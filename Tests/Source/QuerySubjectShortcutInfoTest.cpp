@@ -104,6 +104,12 @@ TEST(ShortcutInfo, JoinsTheMembersOfEachGroup)
         {"a join to the target moves the shortcut to it",
          "folder B; T; folder A; S -> T; T >- S; folder C; R -> T", "S, R", "T-S", "T-S T-R S-R",
          "T-R"},
+        {"and so does one that names the shortcut first",
+         "folder B; T; folder A; S -> T; S >- T; folder C; R -> T", "S, R", "S-T", "T-S T-R S-R",
+         "T-R"},
+        {"a join within the folder of the target does not make that the one to move to",
+         "folder P; T; S -> T; T >- S; folder C; Y -> T; folder D; X -> T; X >- Y", "S, X, Y",
+         "T-S, X-Y", "T-S T-Y T-X S-Y S-X Y-X", "T-X"},
         {"the target is the key wherever it lies",
          "folder A; U; folder B; T; folder A; S -> T; folder C; R -> T", "R, S", "", "T-S T-R S-R",
          "T-S T-R S-R"},
@@ -133,9 +139,11 @@ TEST(ShortcutInfo, JoinsTheMembersOfEachGroup)
         Request byTarget(row.model, kByTarget);
         byTarget.Build(row.subjects, row.joins);
         EXPECT_EQ(byTarget.Joins(), row.byTarget);
-        Request byContainer(row.model, kByParent);
-        byContainer.Build(row.subjects, "", row.joins);
-        EXPECT_EQ(byContainer.Joins(), row.byContainer);
+        for (const int rule : {kByParent, 2, -1}) {
+            Request byContainer(row.model, rule);
+            byContainer.Build(row.subjects, "", row.joins);
+            EXPECT_EQ(byContainer.Joins(), row.byContainer);
+        }
     }
 }
 
