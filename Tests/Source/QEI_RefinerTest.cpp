@@ -253,9 +253,9 @@ TEST(RelationshipShortcuts, ResolveBothEndsWhateverTheFirstOneIs)
     for (const char* end : {"Sales", "Buyer"}) {
         BrokenGateway gateway(model.GetGateway(), model.Id(end));
         QEjoinInfo info;
-        EXPECT_THROW(static_cast<void>(AQE_I_Refiner::GetJoinInfo(&gateway, nullptr,
-                                                                  model.Id("s"), info)),
-                     ToldFailure)
+        EXPECT_THROW(
+            static_cast<void>(AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, model.Id("s"), info)),
+            ToldFailure)
             << end;
     }
 }
@@ -277,9 +277,8 @@ TEST(RelationshipShortcuts, RewriteOnlyWhatIsNotSettled)
          "Orders, Buyer", "[N].[Orders].[Id]=[N].[Buyer].[Id]"},
         {"new left end named already", "Orders >- Customer", "[N].[Customer].[Id]=[N].[Sales].[Id]",
          "Sales, Buyer", "[N].[Buyer].[Id] = [N].[Sales].[Id]"},
-        {"new right end named already", "Orders >- Customer",
-         "[N].[Buyer].[Id]=[N].[Orders].[Id]", "Sales, Buyer",
-         "[N].[Buyer].[Id] = [N].[Sales].[Id]"},
+        {"new right end named already", "Orders >- Customer", "[N].[Buyer].[Id]=[N].[Orders].[Id]",
+         "Sales, Buyer", "[N].[Buyer].[Id] = [N].[Sales].[Id]"},
         {"ends unchanged", "Orders >- Customer", "[N].[Orders].[Id]=[N].[Customer].[Id]",
          "Orders, Customer", "[N].[Orders].[Id]=[N].[Customer].[Id]"},
         {"both ends one object", "Orders >- Customer", "not even ( an expression", "Buyer, Buyer",

@@ -162,12 +162,11 @@ TEST(PairwiseGrowth, LogsPathsWhatRemainsAndTheClosing)
     const std::string bc = "id=102:2 left=100:2 right=100:3 (B, C)";
     EXPECT_THAT(LogOf(model, model["A B C"]),
                 ElementsAre("number of entities: 3", "entity id=100:1 A", "entity id=100:2 B",
-                            "entity id=100:3 C", "weight:1 joins:\n    " + ab,
-                            "added distance: @ ", "weight:2 joins:\n    " + ab + "\n    " + bc,
-                            "added distance: @ ", "weight:1 joins:\n    " + bc,
-                            "added distance: @ ", "number of shortest distances: 3",
-                            "processing distance: @ 1", "processing distance: @ 1",
-                            "num shortest distances remaining: 1",
+                            "entity id=100:3 C", "weight:1 joins:\n    " + ab, "added distance: @ ",
+                            "weight:2 joins:\n    " + ab + "\n    " + bc, "added distance: @ ",
+                            "weight:1 joins:\n    " + bc, "added distance: @ ",
+                            "number of shortest distances: 3", "processing distance: @ 1",
+                            "processing distance: @ 1", "num shortest distances remaining: 1",
                             "distance @ w=2 fromIndex=0 toIndex=2", "AA for id: 100:2 num joins:2",
                             "AA adding join left=100:1 right=100:2",
                             "AA adding join left=100:2 right=100:3", "AA for id: 100:1 num joins:1",
@@ -183,10 +182,10 @@ TEST(PairwiseGrowth, LogsPathsWhatRemainsAndTheClosing)
     subjects.emplace_back();
     EXPECT_THAT(LogOf(shortcuts, subjects, shortcutInfo.get()),
                 testing::IsSupersetOf(Texts{"entity id=0:0 ",
-                                       "weight:36 joins:\n"
-                                       "    id=102:1 left=100:1 right=100:2 (A, B)\n"
-                                       "    id=700001:0 left=0:0 right=0:0 (sss, sss)\n"
-                                       "    id=102:2 left=109:1 right=100:3 (t, C)"}));
+                                            "weight:36 joins:\n"
+                                            "    id=102:1 left=100:1 right=100:2 (A, B)\n"
+                                            "    id=700001:0 left=0:0 right=0:0 (sss, sss)\n"
+                                            "    id=102:2 left=109:1 right=100:3 (t, C)"}));
 }
 
 TEST(PairwiseGrowth, StopsUnconnectedAndGivesWhatItHas)

@@ -129,8 +129,7 @@ TEST(MainObject, GoesByBothBoundsOfACardinality)
         AQE_RequestContext context;
         context.SetJoinCache(std::make_unique<AQE_JoinCache>());
         AQE_I_Refiner::QEjoinInfo info;
-        ASSERT_TRUE(
-            AQE_I_Refiner::GetJoinInfo(&model.GetGateway(), nullptr, model.Id("ab"), info));
+        ASSERT_TRUE(AQE_I_Refiner::GetJoinInfo(&model.GetGateway(), nullptr, model.Id("ab"), info));
         info.leftCardinality = row.left;
         info.rightCardinality = row.right;
         context.GetJoinCache()->CacheJoinInfo(info.joinId, info);

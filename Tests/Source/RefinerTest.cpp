@@ -420,9 +420,9 @@ TEST(BestPaths, AreAllCandidatesOrTheLightestWithFewestFactTables)
     EXPECT_FALSE(request.refiner->ComputeBestJoinPaths(
         request.model.Ids("Orders, Region"), {}, {}, request.model.Subjects(), {}, paths, {}, {}));
     EXPECT_EQ(paths.size(), 1U);
-    EXPECT_TRUE(request.refiner->ComputeBestJoinPaths(
-        request.model.Ids("Orders, Date"), {}, {}, request.model.Subjects(),
-        request.model.Joins(), paths, {}, {}));
+    EXPECT_TRUE(request.refiner->ComputeBestJoinPaths(request.model.Ids("Orders, Date"), {}, {},
+                                                      request.model.Subjects(),
+                                                      request.model.Joins(), paths, {}, {}));
     EXPECT_THAT(paths, ElementsAre(request.model.Ids("od"))) << "replaced";
 }
 
@@ -437,11 +437,10 @@ TEST(BestPaths, AreTheLightestWithFewestFactTablesInOtherModes)
     EXPECT_TRUE(request.BestPaths("Orders, Region, Date", best));
     EXPECT_THAT(best, testing::UnorderedElementsAre(kPaths.at('a'), kPaths.at('d')));
     std::vector<Ids> paths{request.model.Ids("cr")};
-    EXPECT_TRUE(request.refiner->ComputeBestJoinPaths(
-        request.model.Ids("Orders, Date"), {}, {}, request.model.Subjects(),
-        request.model.Joins(), paths, {}, {}));
-    EXPECT_THAT(paths, ElementsAre(request.model.Ids("cr"), request.model.Ids("od")))
-        << "appended";
+    EXPECT_TRUE(request.refiner->ComputeBestJoinPaths(request.model.Ids("Orders, Date"), {}, {},
+                                                      request.model.Subjects(),
+                                                      request.model.Joins(), paths, {}, {}));
+    EXPECT_THAT(paths, ElementsAre(request.model.Ids("cr"), request.model.Ids("od"))) << "appended";
     EXPECT_EQ(request.JoinPath("Orders, Region, Date"), kPaths.at('a'));
     EXPECT_THAT(request.selector.GetShown(request.model),
                 testing::Contains(kPaths.at('f') + ": 0 33002"));

@@ -38,8 +38,7 @@ TEST(FolderDistance, GoesOverTheNearestCommonFolder)
         int distance;
     } rows[] = {
         {"together", 0}, {"above", 4}, {"half", 2},  {"apart", 0},  {"outside", 0}, {"second", 0},
-        {"beside", 4},   {"stand", 4}, {"below", 4}, {"Orders", 0}, {"query", 0},
-        {"shortcut", 3},
+        {"beside", 4},   {"stand", 4}, {"below", 4}, {"Orders", 0}, {"query", 0},   {"shortcut", 3},
     };
     for (const auto& row : rows)
         EXPECT_EQ(qe::FolderDistance(model.Id(row.join), &model.GetGateway(), nullptr),
