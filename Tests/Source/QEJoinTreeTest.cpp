@@ -372,6 +372,7 @@ std::string Govern(EGrowth growth, const AQE_Governors* governors,
     const SettingsOverride newAlgo("General Options", "NewAlgo",
                                    growth == EGrowth::CheapestTrees ? 1 : 0);
     AQE_Governors* const given = governors == nullptr ? nullptr : &copy;
+    const qe::LogCapture log(1);
     std::ostringstream seen;
     try {
         if (growth == EGrowth::Library)
@@ -382,6 +383,8 @@ std::string Govern(EGrowth growth, const AQE_Governors* governors,
                          &context, nullptr, nullptr, false, {});
     } catch (const HBNException& error) {
         const auto& message = error.GetMessages().at(0);
+        // The search writes its own notices there, too.
+        EXPECT_EQ(log.GetEntries().back().message, message.GetNumber());
         seen << "error " << error.GetSeverity() << " " << error.GetCode() << " " << std::hex
              << message.GetNumber() << std::dec << " " << error.GetLocation().file << ":"
              << error.GetLocation().line << " " << error.GetComponent();
