@@ -1,7 +1,5 @@
 #include "Toolkit/Batch/Batch.h"
 
-#include "AQE_I_Refiner.h"
-#include "Engine/Services/SettingsOverride.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
 #include "Toolkit/Answers/RequestOutput.h"
@@ -275,19 +273,6 @@ TEST(Batch, ThrowsWhenTheOutputCannotBeWritten)
     const ToolModel shop = qe::test::ImportText(qe::test::kShopTables);
     EXPECT_THROW(static_cast<void>(RunBatch(shop, input, {output, ToLine}, {})),
                  std::runtime_error);
-}
-
-TEST(Batch, ReadsSettingsBeforeAnythingElse)
-{
-    static_cast<void>(RunShop("", {}));
-    const qe::SettingsOverride folders(I18NString("General Options"),
-                                       I18NString("AdjustWeightByFolder"), 1);
-    const qe::SettingsOverride mode(I18NString("General Options"), I18NString("FFJoins"), 0);
-    EXPECT_EQ(AQE_I_Refiner::GetFFJoinsMode(), 3);
-    const Answer answer =
-        Ask(qe::test::ImportText(qe::test::kShopTables), qe::test::Connect({"sale", "customer"}));
-    ASSERT_EQ(answer.alternatives.size(), 2U);
-    EXPECT_EQ(answer.weight, 17);
 }
 
 TEST(BatchCommand, ShowsFailuresByItsExitCode)

@@ -1,5 +1,8 @@
 #include "Tests/Support/GraphText.h"
 
+#include "Engine/Graph/CheapestTrees.h"
+#include "Engine/Graph/Core/GraphStorage.h"
+#include "Engine/Graph/Core/ShortestPaths.h"
 #include "Engine/Services/LogCapture.h"
 #include "Engine/Services/SettingsOverride.h"
 
@@ -8,6 +11,8 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <chrono>
+#include <cstdint>
 #include <limits>
 #include <optional>
 #include <string>
@@ -74,6 +79,35 @@ TEST(JoinGraph, ShortestPathIsOneAmongEquals)
     };
     for (const auto& test : cases)
         EXPECT_EQ(FindPath(GraphText(test.graph), test.from, test.to), test.expected) << test.what;
+}
+
+TEST(ShortestPathCache, DropsTheSourceThatWasNotAskedForLongest)
+{
+    // What is remembered leads on, even in the other graph, where nothing does.
+    graph::GraphStorage connected;
+    graph::GraphStorage apart;
+    for (int node = 1; node <= 4; ++node) {
+        connected.AddEdge({0, 102, node}, {0, 100, node}, {0, 100, node % 4 + 1}, 1);
+        apart.AddNode({0, 100, node});
+    }
+    const std::size_t bytesEach = sizeof(graph::ShortestPaths) + 4 * sizeof(graph::EdgeIndex);
+    const auto remembered = [&](std::size_t limit, const std::string& asked) {
+        std::string letters;
+        for (const std::uint32_t source : {0U, 1U, 2U, 3U}) {
+            graph::ShortestPathCache cache(limit);
+            for (const char letter : asked)
+                cache.Get(connected.GetView(), 1, {static_cast<std::uint32_t>(letter - 'a')});
+            if (cache.Get(apart.GetView(), 1, {source}).Reaches({(source + 1) % 4}))
+                letters += static_cast<char>('a' + source);
+            EXPECT_FALSE(cache.Get(apart.GetView(), 2, {source}).Reaches({(source + 1) % 4}));
+        }
+        return letters;
+    };
+    EXPECT_EQ(remembered(0, "ab"), "b");
+    EXPECT_EQ(remembered(2 * bytesEach, "abac"), "ac");
+    EXPECT_EQ(remembered(3 * bytesEach - 1, "abc"), "bc");
+    EXPECT_EQ(remembered(3 * bytesEach, "abc"), "abc");
+    EXPECT_EQ(remembered(graph::ShortestPathCache::kMaximumBytes, "abcd"), "abcd");
 }
 
 TEST(JoinGraph, PresentNodesAndEdgesStayAsTheyAre)
@@ -161,6 +195,17 @@ struct NoticeCase
     std::size_t listed;
     std::vector<std::string> notices;
 };
+
+TEST(JoinGraph, LimitsAreThoseOfTheUser)
+{
+    const SettingsOverride bound("JoinGraph", "CheapestTreesBound", 3);
+    const SettingsOverride seconds("JoinGraph", "CheapestTreesSeconds", 4);
+    const SettingsOverride megabytes("JoinGraph", "CheapestTreesMegabytes", -5);
+    const graph::SteinerLimits limits = graph::ReadCheapestTreesLimits();
+    EXPECT_EQ(limits.maximumTrees, 3U);
+    EXPECT_EQ(limits.time, std::chrono::seconds(4));
+    EXPECT_EQ(limits.memory, std::size_t{1} << 20U);
+}
 
 TEST(JoinGraph, TreesBeyondTheBoundAreCountedInTheLog)
 {
