@@ -167,9 +167,9 @@ TEST(JoinGraph, TreesBeyondTheBoundAreCountedInTheLog)
     const GraphText text("a-b:1 a-b:1 a-b:1 a-b:2");
     const std::vector<NoticeCase> cases{
         {3, 1, 3, {}},
-        {2, 1, 2, {"Cheapest trees: listed 2 of 3, weight 1"}},
+        {2, 1, 2, {"Cheapest trees: CheapestTreesBound exceeded, listed 2 of 3, weight 1"}},
         {2, 0, 2, {}},
-        {0, 7, 1, {"Cheapest trees: listed 1 of 3, weight 1"}},
+        {0, 7, 1, {"Cheapest trees: CheapestTreesBound exceeded, listed 1 of 3, weight 1"}},
     };
     for (const NoticeCase& row : cases) {
         SCOPED_TRACE(testing::Message() << "bound " << row.bound << ", level " << row.level);
@@ -211,7 +211,7 @@ TEST(JoinGraph, ExceededBudgetIsToldInTheLogWithWeightAndBound)
     EXPECT_EQ(text.Get().GetPathWeight(text.Ids(trees.front())), weight);
     ASSERT_EQ(log.GetEntries().size(), 1U);
     EXPECT_THAT(log.GetEntries().front().text.ToStdString(),
-                testing::MatchesRegex("Cheapest trees: budget exceeded, weight " +
+                testing::MatchesRegex("Cheapest trees: CheapestTreesMegabytes exceeded, weight " +
                                       std::to_string(*weight) +
                                       ", lower bound [0-9]+, not proven"));
 }
