@@ -1,6 +1,6 @@
+#include "Engine/Graph/Steiner/Reduce/DistanceReduction.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
 #include "Engine/Graph/Steiner/Network/NetworkBuilder.h"
-#include "Engine/Graph/Steiner/Reduce/DistanceReduction.h"
 #include "Engine/Graph/Steiner/Reduce/SpecialDistances.h"
 #include "Tests/Support/SmallGraph.h"
 #include "Tests/Support/SteinerGraphReader.h"
