@@ -39,11 +39,11 @@ public:
         Continue,
         Stop,
     };
-    using TreeTaker = std::function<EStep(const std::vector<EdgeIndex>&)>;
+    using TreeTaker = std::function<EStep(std::span<const EdgeIndex>)>;
 
-    /// Calls `take` with every tree of the graph that has the given edges outside the components,
-    /// each once, in a fixed order, until it returns Stop or the budget runs out. Returns Stop
-    /// then.
+    /// Calls `take` for every tree of the graph that has the given edges outside the components,
+    /// each once, in a fixed order, until it returns Stop or the budget is overdrawn. It gets the
+    /// edges inside the components, in no order. Returns Stop then.
     EStep ForEachTree(std::span<const EdgeIndex> outer, Budget& budget, const TreeTaker& take);
 
 private:
@@ -85,6 +85,8 @@ private:
     std::vector<NodeIndex> mSeen;
     IndexedVector<NodeIndex, std::uint32_t> mSeenStamps;
     std::uint32_t mSeenStamp = 0;
+    /// Steps since the budget was charged last.
+    std::uint64_t mSteps = 0;
 };
 
 } // namespace qe::graph

@@ -212,9 +212,9 @@ TEST(JoinGraph, TreesBeyondTheBoundAreCountedInTheLog)
     const GraphText text("a-b:1 a-b:1 a-b:1 a-b:2");
     const std::vector<NoticeCase> cases{
         {3, 1, 3, {}},
-        {2, 1, 2, {"Cheapest trees: listed 2 of 3, weight 1"}},
+        {2, 1, 2, {"Cheapest trees: CheapestTreesBound exceeded, listed 2 of 3, weight 1"}},
         {2, 0, 2, {}},
-        {0, 7, 1, {"Cheapest trees: listed 1 of 3, weight 1"}},
+        {0, 7, 1, {"Cheapest trees: CheapestTreesBound exceeded, listed 1 of 3, weight 1"}},
     };
     for (const NoticeCase& row : cases) {
         SCOPED_TRACE(testing::Message() << "bound " << row.bound << ", level " << row.level);
@@ -230,7 +230,7 @@ TEST(JoinGraph, TreesBeyondTheBoundAreCountedInTheLog)
     }
 }
 
-TEST(JoinGraph, ExceededBudgetIsToldInTheLogWithWeightAndBound)
+TEST(JoinGraph, ExceededLimitIsNamedInTheLogWithWeightAndBound)
 {
     // A cube of eight dimensions, half of whose corners are to be connected, no two of them
     // neighbours.
@@ -246,19 +246,46 @@ TEST(JoinGraph, ExceededBudgetIsToldInTheLogWithWeightAndBound)
             names += node + ' ';
     }
     const GraphText text(cube);
-    const SettingsOverride seconds("JoinGraph", "CheapestTreesSeconds", 1);
-    const SettingsOverride megabytes("JoinGraph", "CheapestTreesMegabytes", 1);
+    for (const char* key :
+         {"CheapestTreesEffort", "CheapestTreesMegabytes", "CheapestTreesSeconds"}) {
+        const SettingsOverride limit("JoinGraph", key, 1);
+        const LogCapture log(1);
+        std::vector<std::string> trees;
+        const std::optional<int> weight = FindCheapest(text, names, trees);
+        ASSERT_TRUE(weight);
+        ASSERT_EQ(trees.size(), 1U);
+        EXPECT_EQ(text.Get().GetPathWeight(text.Ids(trees.front())), weight);
+        ASSERT_EQ(log.GetEntries().size(), 1U);
+        EXPECT_THAT(log.GetEntries().front().text.ToStdString(),
+                    testing::MatchesRegex(std::string("Cheapest trees: ") + key +
+                                          " exceeded, weight " + std::to_string(*weight) +
+                                          ", lower bound [0-9]+, not proven"));
+    }
+}
+
+TEST(JoinGraph, OneTreeIsSearchedSilentlyAndACutListOfPathsIsNot)
+{
+    // All trees of the complete graph of eight nodes: 8^6 of them.
+    std::string complete;
+    std::string names;
+    for (char end1 = 'a'; end1 < 'i'; ++end1) {
+        names += std::string(1, end1) + ' ';
+        for (char end2 = 'a'; end2 < end1; ++end2)
+            complete += std::string{end1, '-', end2} + ":1 ";
+    }
+    const GraphText text(complete);
     const LogCapture log(1);
-    std::vector<std::string> trees;
-    const std::optional<int> weight = FindCheapest(text, names, trees);
-    ASSERT_TRUE(weight);
-    ASSERT_EQ(trees.size(), 1U);
-    EXPECT_EQ(text.Get().GetPathWeight(text.Ids(trees.front())), weight);
+    std::vector<amd_id> edges;
+    text.Get().GetTreeEdges(text.Ids(names), edges);
+    EXPECT_EQ(edges.size(), 7U);
+    EXPECT_EQ(log.GetEntries().size(), 0U);
+
+    std::vector<std::vector<amd_id>> paths;
+    text.Get().GetPaths(paths);
+    EXPECT_EQ(paths.size(), 1000U);
     ASSERT_EQ(log.GetEntries().size(), 1U);
-    EXPECT_THAT(log.GetEntries().front().text.ToStdString(),
-                testing::MatchesRegex("Cheapest trees: budget exceeded, weight " +
-                                      std::to_string(*weight) +
-                                      ", lower bound [0-9]+, not proven"));
+    EXPECT_EQ(log.GetEntries().front().text.ToStdString(),
+              "Spanning trees: listed 1000, there are more");
 }
 
 TEST(JoinGraph, SumsOfManyWeightsSaturate)
