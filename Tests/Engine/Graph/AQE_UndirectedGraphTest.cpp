@@ -201,8 +201,12 @@ TEST(JoinGraph, LimitsAreThoseOfTheUser)
     const SettingsOverride bound("JoinGraph", "CheapestTreesBound", 3);
     const SettingsOverride seconds("JoinGraph", "CheapestTreesSeconds", 4);
     const SettingsOverride megabytes("JoinGraph", "CheapestTreesMegabytes", -5);
+    const graph::SteinerLimits byDefault = graph::ReadCheapestTreesLimits();
+    EXPECT_EQ(byDefault.effort, 1'000'000'000U);
+    const SettingsOverride effort("JoinGraph", "CheapestTreesEffort", 20);
     const graph::SteinerLimits limits = graph::ReadCheapestTreesLimits();
     EXPECT_EQ(limits.maximumTrees, 3U);
+    EXPECT_EQ(limits.effort, 20'000'000U);
     EXPECT_EQ(limits.time, std::chrono::seconds(4));
     EXPECT_EQ(limits.memory, std::size_t{1} << 20U);
 }
