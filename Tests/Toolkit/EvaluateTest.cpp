@@ -143,6 +143,15 @@ TEST(KeyChoice, NeverTakesAHeavierPath)
     EXPECT_EQ(choose(), "0 clear");
 }
 
+TEST(KeyChoice, TellsSubjectsOfOneNameApartByTheirNamespaces)
+{
+    const Column left{{"Old", "Order"}, "Id"};
+    const Column right{{"Order"}, "Id"};
+    EXPECT_EQ(FindColumnPairs("[Old].[Order].[Id] = [Order].[Id]"),
+              (std::vector<ColumnPair>{{left, right}}));
+    EXPECT_TRUE(FindColumnPairs("[Order].[Id] = [Order].[Parent] + [one]").empty());
+}
+
 const char* const kRequests =
     // The same, written otherwise.
     R"({"id": "a", "db": "shop", "given": "x", "case": "1", "subjects": ["SALE", "region"],
