@@ -301,19 +301,34 @@ TEST(RelationshipShortcuts, RewriteOnlyWhatIsNotSettled)
          "Sales, Customer", "[N].[Sales].[Id] <= [N].[Customer].[Id]"},
         {"a new end without namespace", "Orders >- Customer",
          "[N].[Orders].[Id]=[N].[Customer].[Id]", "Orders, Homeless",
-         "[N].[Orders].[Id] = [N].[Customer].[Id]"},
+         "[N].[Orders].[Id] = [Homeless].[Id]"},
         {"a new end without object", "Orders >- Customer", "[N].[Orders].[Id]=[N].[Customer].[Id]",
          "Orders, Buyer", "[N].[Orders].[Id] = [N].[Customer].[Id]", "Buyer"},
+        {"an old end without namespace", "Free >- Customer", "[Free].[Id]=[N].[Customer].[Id]",
+         "FreeToo, Customer", "[N].[FreeToo].[Id] = [N].[Customer].[Id]"},
+        {"self-join without namespaces", "Free >- Free", "[Free].[Id]=[Free].[Parent]",
+         "FreeToo, Role", "[N].[FreeToo].[Id] = [Role].[Parent]"},
     };
     for (const auto& test : cases) {
-        Metadata data(kShortcuts + std::string(test.ends) + " : j on " + test.condition +
-                      "; filter Flag on 1 = 1; namespace; Homeless -> Customer; s -> j : " +
-                      test.shortcutEnds);
+        Metadata data("namespace; Free(Id, Parent); Role -> Free; " + std::string(kShortcuts) +
+                      "; FreeToo -> Free; namespace; " + "Homeless -> Customer; namespace N; " +
+                      test.ends + " : j on " + test.condition + "; s -> j : " + test.shortcutEnds);
         for (const amd_id& id : data.model.Ids(test.hidden))
             data.gateway.Hide(id);
         const std::string join = data.Read("s");
         EXPECT_EQ(join.substr(join.rfind(": ") + 2), test.expected) << test.what;
     }
+}
+
+TEST(RelationshipShortcuts, KeepReferencesWhoseNewQualifierIsNotKnown)
+{
+    Metadata data(std::string(kShortcuts) + R"(
+        Orders >- Customer : j on [N].[Orders].[Id] = [N].[Customer].[Id]
+        s -> j : Orders, Buyer
+    )");
+    data.gateway.Hide(data.model.Id("N"));
+    EXPECT_EQ(data.Read("s"),
+              "s 17: Orders 11..12 Buyer 11..11: [N].[Orders].[Id] = [N].[Customer].[Id]");
 }
 
 TEST(RelationshipShortcuts, FollowChainsThatEndAtARelationship)

@@ -76,7 +76,7 @@ using EOutcome = WorkResult::EOutcome;
 /// Lines in memory for each thread: enough to keep the threads busy beside one slow request.
 constexpr std::size_t kWindowPerThread = 32;
 
-/// Answers requests; one object serves all threads.
+/// What answers requests; one object serves all threads.
 class Answerer
 {
 public:

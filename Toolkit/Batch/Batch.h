@@ -97,9 +97,9 @@ struct BatchOptions
     std::function<void(const BatchSummary& soFar)> observer{};
 };
 
-/// Answers one request a line with one line of output, in the order of the input. A line that
-/// cannot be answered gets an error and the rest go on. A bounded number of lines is in memory at a
-/// time.
+/// Writes a line of output for each line of requests, in their order. A line that cannot be
+/// answered gets an error and the rest go on. A bounded number of lines is in memory at a time.
+/// Returns what the lines came to.
 ///
 /// Throws std::runtime_error when the output cannot be written.
 [[nodiscard]] BatchSummary RunBatch(const ToolModel& model, std::istream& requests,

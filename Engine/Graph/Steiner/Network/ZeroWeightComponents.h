@@ -19,7 +19,7 @@ class Budget;
 /// edges weigh something, and inside each component it touches a tree of weight 0 that connects
 /// the terminals of the component and the ends of the outer edges there, and has no other leaves.
 /// These are listed one path at a time: from a node that is missing to what is connected already,
-/// along edges that do not lead into a dead end (as Kobayashi, Kurita and Wasa 2022 do).
+/// along edges that do not lead into a dead end.
 class ZeroWeightComponents
 {
 public:
