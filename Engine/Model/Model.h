@@ -82,6 +82,8 @@ public:
     /// none; of several, the one with the least id.
     [[nodiscard]] amd_id FindExact(ENameKind nameKind, const amd_id& scope,
                                    std::string_view name) const;
+    /// Returns the namespace of exactly that name, or the empty id.
+    [[nodiscard]] amd_id FindNamespace(std::string_view name) const;
 
 private:
     void ListIds();

@@ -125,6 +125,7 @@ private:
 
     std::string mLocale;
     std::vector<ObjectDraft> mDrafts;
+    /// The ids that were asked for.
     std::set<amd_id> mTakenIds;
     std::map<std::int32_t, std::int32_t> mLastNumbers;
 };

@@ -36,17 +36,22 @@ std::string_view ClassTitle(std::int32_t classCode)
 
 ObjectTable::ObjectTable(std::vector<ObjectRecord> records) : mRecords(std::move(records))
 {
-    std::sort(
-        mRecords.begin(), mRecords.end(),
-        [](const ObjectRecord& left, const ObjectRecord& right) { return left.id < right.id; });
+    const auto isBefore = [](const ObjectRecord& left, const ObjectRecord& right) {
+        return left.id < right.id;
+    };
+    if (!std::is_sorted(mRecords.begin(), mRecords.end(), isBefore))
+        std::sort(mRecords.begin(), mRecords.end(), isBefore);
+    mIds.reserve(mRecords.size());
+    for (const ObjectRecord& record : mRecords)
+        mIds.push_back(record.id);
 }
 
 const ObjectRecord* ObjectTable::Find(const amd_id& id) const
 {
-    const auto found = std::lower_bound(
-        mRecords.begin(), mRecords.end(), id,
-        [](const ObjectRecord& record, const amd_id& wanted) { return record.id < wanted; });
-    return found != mRecords.end() && found->id == id ? &*found : nullptr;
+    const auto found = std::lower_bound(mIds.begin(), mIds.end(), id);
+    return found != mIds.end() && *found == id ? &mRecords[static_cast<std::size_t>(
+                                                     found - mIds.begin())]
+                                               : nullptr;
 }
 
 amd_id ObjectTable::GetTarget(const amd_id& id) const

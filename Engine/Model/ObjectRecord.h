@@ -131,6 +131,8 @@ public:
     /// Returns the record with that id, or null. Costs a binary search.
     [[nodiscard]] const ObjectRecord* Find(const amd_id& id) const;
     [[nodiscard]] std::span<const ObjectRecord> GetRecords() const { return mRecords; }
+    /// Returns the same records to fill in what is not known yet. Their ids must stay.
+    [[nodiscard]] std::span<ObjectRecord> EditRecords() { return mRecords; }
 
     /// Returns the object that `id` finally stands for: follows shortcuts and relationship
     /// shortcuts to their end. Returns the empty id when the chain breaks or is longer
@@ -139,6 +141,8 @@ public:
 
 private:
     std::vector<ObjectRecord> mRecords;
+    /// The ids of the records: a search through them alone touches little memory.
+    std::vector<amd_id> mIds;
 };
 
 } // namespace qe::model

@@ -26,8 +26,8 @@ struct ContentObject
     std::int32_t classCode = 0;
     /// Where the file describes it.
     std::string pointer{};
-    /// Where the file names it.
-    std::string namePointer{};
+    /// Whether its name is all that the file says of it.
+    bool isPlainName = false;
     /// The position of its parent, which comes before it.
     std::size_t parent = kNoParent;
     std::string name{};
@@ -97,6 +97,8 @@ private:
     /// Reads an object that may be written as its mere name. Returns whether it was.
     [[nodiscard]] bool ReadPlainName(const PlacedJson& json, std::int32_t classCode,
                                      std::size_t parent);
+    /// Refuses and removes the id of an object when an earlier one has it.
+    void RecordId(ContentObject& object);
     /// Starts an object with what every object has. Returns its position.
     std::size_t Add(JsonObject& json, std::int32_t classCode, std::size_t parent);
 
