@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
+#include <numeric>
 #include <random>
 #include <sstream>
 #include <string_view>
@@ -24,6 +25,9 @@ namespace {
 
 using namespace qe::test; // NOLINT(google-build-using-namespace)
 using qe::SettingsOverride;
+
+// The last of the virtual operations is done twice, with avoided joins and without.
+constexpr std::size_t kOperationCount = 7;
 
 /// The lists of all operations.
 struct Lists
@@ -39,8 +43,8 @@ struct Lists
     Ids favouredSubjects;
 };
 
-/// What a host hands over beside the lists: its gateway hides some objects, its join cache knows
-/// joins by other weights.
+/// What a host hands over beside the lists: its join cache knows joins by weights of its own, also
+/// such as its gateway hides.
 struct HostDraw
 {
     Ids hidden;
@@ -64,6 +68,8 @@ struct Draw
     bool isGovernorOff = false;
     std::vector<Lists> lists;
     std::vector<bool> hasShortcutInfo;
+    /// The operations, in the order in which they are done with each of the lists.
+    std::vector<int> operations;
 };
 
 /// Draws requests with many ties, parallel joins and shortcuts of shortcuts.
@@ -85,10 +91,13 @@ public:
         draw.switches = {Below(2) == 0, Below(2) == 0};
         if (Below(4) != 0)
             draw.choice = static_cast<std::uint32_t>(Below(3));
-        for (int i = 0; i < 2; ++i) {
-            draw.lists.push_back(MakeLists(model, draw.newAlgo));
-            draw.hasShortcutInfo.push_back(Below(3) != 0);
-        }
+        draw.lists = {MakeLists(model, draw.newAlgo), MakeLists(model, draw.newAlgo)};
+        if (Below(2) == 0)
+            draw.lists.back() = ChangeOneList(draw.lists.front(), draw.lists.back());
+        draw.hasShortcutInfo = {Below(3) != 0, Below(3) != 0};
+        draw.operations.resize(kOperationCount);
+        std::iota(draw.operations.begin(), draw.operations.end(), 0);
+        std::shuffle(draw.operations.begin(), draw.operations.end(), mRandom);
         return draw;
     }
 
@@ -109,10 +118,20 @@ private:
         return picked;
     }
 
+    Lists ChangeOneList(Lists lists, const Lists& others)
+    {
+        Ids Lists::*const list = Pick(std::vector<Ids Lists::*>{
+            &Lists::favouredJoins, &Lists::requiredJoins, &Lists::joins, &Lists::favouredSubjects});
+        lists.*list = others.*list;
+        return lists;
+    }
+
     std::string MakeText()
     {
         std::vector<std::string> names{"A", "B"};
-        for (int count = Below(5); count > 0; --count)
+        // Sparse ones are large, so that paths are long.
+        const bool isSparse = Below(3) == 0;
+        for (int count = isSparse ? 8 : Below(5); count > 0; --count)
             names.push_back(std::string(1, static_cast<char>('A' + names.size())));
         std::string text = "A, B; ";
         for (const char* shortcut : {"s -> A", "t -> A", "u -> B", "v -> s", "w ->1 A"}) {
@@ -124,10 +143,14 @@ private:
         }
         const std::vector<std::string> operators{">-",  ">-", ">-", "-<",  "-",
                                                  ">-<", ">=", ">~", ">o-o"};
-        const int joins = 2 + Below(10);
+        const int joins = isSparse ? 10 + Below(6) : 2 + Below(10);
         for (int join = 0; join < joins; ++join)
             text += MakeFolder() + Pick(names) + " " + Pick(operators) + " " + Pick(names) +
                     " : j" + std::to_string(join) + "; ";
+        // What is joined to a shortcut of its own may be one group with it.
+        if (Below(3) == 0)
+            text += "A - " + names.back() + " : j88; " + Pick(names) + " - " + names.back() +
+                    " : j89; ";
         if (Below(3) == 0)
             text += "A >- B : k on 1 = 1; r -> k : " + Pick(names) + ", " + Pick(names) + "; ";
         return text;
@@ -162,7 +185,7 @@ private:
         for (int number = 0; number < 3; ++number)
             known.emplace_back(100, IdClassShortcutJoin, number);
         Lists lists;
-        lists.subjects = PickSome(model.Subjects(), 4);
+        lists.subjects = PickSome(model.Subjects(), model.Subjects().size() > 8 ? 6 : 4);
         lists.secondSet = PickSome(model.Subjects(), 3);
         lists.favouredJoins = PickSome(known, 2);
         lists.requiredJoins = PickSome(known, Below(2) * 2);
@@ -182,6 +205,10 @@ private:
             lists.nodes.pop_back();
         if (Below(3) == 0)
             lists.joins.pop_back();
+        if (Below(3) == 0)
+            std::erase_if(lists.joins, [&](const amd_id& join) {
+                return Contains(lists.requiredJoins, join);
+            });
         lists.nodes.push_back(lists.nodes.front());
         if (Below(40) == 0)
             lists.nodes.clear();
@@ -218,13 +245,17 @@ struct Host
                 record.name = std::string("j") + (record.name.back() % 2 == 0 ? "0" : "1");
             gateway.Replace(record);
         }
+        context.SetAuthentication(&authentication);
+        if (draw.hasCache)
+            FillCache(draw.weights);
         for (const amd_id& id : draw.hidden)
             gateway.Hide(id);
-        context.SetAuthentication(&authentication);
-        if (!draw.hasCache)
-            return;
+    }
+
+    void FillCache(const std::map<amd_id, int>& weights)
+    {
         context.SetJoinCache(std::make_unique<AQE_JoinCache>());
-        for (const auto& [join, weight] : draw.weights) {
+        for (const auto& [join, weight] : weights) {
             AQE_I_Refiner::QEjoinInfo info;
             if (AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, join, info)) {
                 info.weight = weight;
@@ -274,7 +305,7 @@ public:
 
     /// Does one of the operations, with shortcut information or without, and returns everything
     /// that comes of it.
-    std::string Do(std::size_t operation, const Lists& lists, bool hasShortcutInfo)
+    std::string Do(int operation, const Lists& lists, bool hasShortcutInfo)
     {
         const qe::LogCapture log(1);
         mRefiner->SetShortcutInfo(hasShortcutInfo ? mShortcutInfo.get() : nullptr);
@@ -304,8 +335,6 @@ public:
         return out.str();
     }
 
-    static constexpr std::size_t kOperationCount = 7;
-
 private:
     AUT_RefPtr<AQE_I_Refiner> Create(EWho who)
     {
@@ -318,7 +347,7 @@ private:
             {&mOwn.gateway, mOwn.GetGovernors(), &mOwn.context}, selector, mDraw.switches));
     }
 
-    bool Call(std::size_t operation, const Lists& lists, Ids& path, std::vector<Ids>& paths,
+    bool Call(int operation, const Lists& lists, Ids& path, std::vector<Ids>& paths,
               Ids& ends, EndPairs& pairs, int& weight)
     {
         const auto& [subjects, second, favoured, required, avoided, further, nodes, joins,
@@ -422,7 +451,7 @@ protected:
         Side reference(model, draw, EWho::Reference);
         for (std::size_t i = 0; i < draw.lists.size(); ++i) {
             SCOPED_TRACE(Describe(model, draw, draw.lists[i]));
-            for (std::size_t operation = 0; operation < Side::kOperationCount; ++operation)
+            for (const int operation : draw.operations)
                 ASSERT_EQ(library.Do(operation, draw.lists[i], draw.hasShortcutInfo[i]),
                           reference.Do(operation, draw.lists[i], draw.hasShortcutInfo[i]))
                     << "operation " << operation;
