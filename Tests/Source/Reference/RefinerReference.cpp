@@ -1,4 +1,4 @@
-#include "Tests/Source/RefinerReference.h"
+#include "Tests/Source/Reference/RefinerReference.h"
 
 #include "AQE_I_FactFinder.h"
 #include "AQE_JoinCache.h"

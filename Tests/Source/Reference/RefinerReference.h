@@ -1,10 +1,10 @@
-#ifndef TESTS_SOURCE_REFINERREFERENCE_H
-#define TESTS_SOURCE_REFINERREFERENCE_H
+#ifndef TESTS_SOURCE_REFERENCE_REFINERREFERENCE_H
+#define TESTS_SOURCE_REFERENCE_REFINERREFERENCE_H
 
 #include "AQE_I_JoinPathDescriptor.h"
 #include "AQE_I_PathSelector.h"
 #include "AQE_I_Refiner.h"
-#include "Tests/Source/JoinTreeReference.h"
+#include "Tests/Source/Reference/JoinTreeReference.h"
 
 #include <set>
 #include <utility>

@@ -1,33 +1,16 @@
-#ifndef TESTS_SOURCE_JOINTREEREFERENCE_H
-#define TESTS_SOURCE_JOINTREEREFERENCE_H
+#ifndef TESTS_SOURCE_REFERENCE_JOINTREEREFERENCE_H
+#define TESTS_SOURCE_REFERENCE_JOINTREEREFERENCE_H
 
-#include "AQE_Governors.h"
-#include "AQE_I_QuerySubjectShortcutInfo.h"
-#include "AQE_I_Refiner.h"
 #include "AQE_I_UndirectedGraph.h"
-#include "AQE_RequestContext.h"
-#include "amdi_gateway.h"
+#include "Tests/Source/Reference/TreeServices.h"
 
-#include <map>
 #include <optional>
-#include <set>
-#include <string>
 #include <utility>
 #include <vector>
 
 namespace qe::test {
 
-using Ids = std::vector<amd_id>;
 using EndPairs = std::vector<std::pair<amd_id, amd_id>>;
-
-/// What a join tree borrows; all but the gateway may be null.
-struct TreeServices
-{
-    amdi_gateway* gateway = nullptr;
-    AQE_Governors* governors = nullptr;
-    AQE_RequestContext* context = nullptr;
-    AQE_I_QuerySubjectShortcutInfo* shortcutInfo = nullptr;
-};
 
 struct TreeLists
 {
@@ -73,19 +56,10 @@ public:
     std::optional<int> twoSetWeight;
 
 private:
-    struct Distance
-    {
-        amd_id from;
-        amd_id to;
-        Ids path;
-        int weight = 0;
-    };
-
     using JoinInfo = AQE_I_Refiner::QEjoinInfo;
-    using Labels = std::map<amd_id, int>;
 
     [[nodiscard]] static Ids EdgesOf(AQE_I_UndirectedGraph& graph);
-    [[nodiscard]] std::optional<JoinInfo> ReadJoin(const amd_id& join, bool useShortcutInfo) const;
+    [[nodiscard]] std::optional<JoinInfo> Read(const amd_id& join) const;
     [[nodiscard]] int AdjustWeight(const JoinInfo& info) const;
 
     void Build();
@@ -94,28 +68,8 @@ private:
     void TakeRequiredJoins();
     void AddShortcutJoins();
     void Connect();
-
-    void GrowPairwise();
-    [[nodiscard]] std::vector<Distance> MeasurePairs();
-    [[nodiscard]] static bool AreAllLabelled(const Ids& entities, Labels& labels);
-    [[nodiscard]] static std::optional<Distance> PickCheapest(const std::vector<Distance>& pending,
-                                                              Labels& labels);
-    [[nodiscard]] Ids MergePath(const Distance& distance, Labels& labels, int label,
-                                const Ids& entities);
-    void AddDistances(std::vector<Distance>& pending, Ids& entities, const Ids& newNodes,
-                      Labels& labels);
-    void CollectSpanningSubjects();
-    void CloseTree();
-
-    void GrowByLibrary();
     void FindCheapestTrees();
     void SearchBetweenSets();
-
-    void CheckCrossProduct(const I18NString& names, int line);
-    void Warn();
-    void RaiseCrossProduct(const I18NString& names, int line);
-    [[nodiscard]] I18NString NameOf(const amd_id& id) const;
-    [[nodiscard]] I18NString DisplayNamesOf(const Ids& ids) const;
 
     TreeServices mServices;
     TreeLists mLists;
@@ -123,18 +77,12 @@ private:
     AUT_RefPtr<AQE_I_UndirectedGraph> mGraph = AQE_I_UndirectedGraph::Create();
     AUT_RefPtr<AQE_I_UndirectedGraph> mTree = AQE_I_UndirectedGraph::Create();
     Ids mEntities;
-    Ids mSpanningSubjects;
     Ids mConnectingJoins;
     std::vector<Ids> mJoinPaths;
     int mJoinPathsWeight = -1;
     bool mConnected = false;
     bool mNewAlgo = false;
 };
-
-/// Returns a user setting as it is now.
-[[nodiscard]] int ReadSetting(const char* section, const char* key, int defaultValue);
-
-[[nodiscard]] bool Contains(const Ids& ids, const amd_id& id);
 
 } // namespace qe::test
 
