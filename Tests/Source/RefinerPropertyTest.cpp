@@ -256,6 +256,11 @@ struct ProcessCase
     int ffJoins;
     int byFolder;
     unsigned seed;
+
+    friend std::ostream& operator<<(std::ostream& out, const ProcessCase& entry)
+    {
+        return out << entry.name;
+    }
 };
 
 class RefinerProperty : public testing::TestWithParam<ProcessCase>
