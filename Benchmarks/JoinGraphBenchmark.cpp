@@ -133,6 +133,33 @@ void FirstSpanningTrees(benchmark::State& state)
     }
 }
 
+// Roles of one dimension, each joined to each, and a fact that is joined to all of them.
+Model MakeRoles(std::int64_t roleCount)
+{
+    Model model;
+    for (std::int32_t node = 0; node <= roleCount; ++node) {
+        for (const amd_id& before : model.nodes)
+            model.joins.push_back({amd_id(0, 102, static_cast<std::int32_t>(model.joins.size())),
+                                   before, amd_id(0, 100, node), 17});
+        model.nodes.emplace_back(0, 100, node);
+    }
+    return model;
+}
+
+// Connects all roles, without the fact.
+void CheapestTreesOfRoles(benchmark::State& state)
+{
+    Model model = MakeRoles(state.range(0));
+    const AUT_RefPtr<AQE_I_UndirectedGraph> graph = Load(model);
+    model.nodes.pop_back();
+    for (auto _ : state) {
+        std::vector<std::vector<amd_id>> trees;
+        int weight = 0;
+        graph->GetCheapestTrees(model.nodes, trees, weight);
+        state.counters["trees"] = static_cast<double>(trees.size());
+    }
+}
+
 void Sizes(benchmark::internal::Benchmark* run)
 {
     run->Arg(20)->Arg(200)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
@@ -143,6 +170,7 @@ BENCHMARK(BulkLoad)->Apply(Sizes);
 BENCHMARK(GrowAndAsk)->Apply(Sizes);
 BENCHMARK(ShortestPathsFromOneSource)->Apply(Sizes);
 BENCHMARK(FirstSpanningTrees)->Apply(Sizes);
+BENCHMARK(CheapestTreesOfRoles)->Arg(13)->Arg(40)->Arg(200)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -120,10 +120,10 @@ std::vector<Edge> ReadForeignKeys(std::istream& script)
 SteinerGraph MakeSchemaGraph(std::vector<Edge> edges, std::uint32_t terminalCount,
                              std::mt19937& random)
 {
-    constexpr std::array<std::uint32_t, 4> Weights{17, 2, 7, 3};
+    constexpr std::array<std::uint32_t, 4> kWeights{17, 2, 7, 3};
     std::uint32_t nodeCount = 0;
     for (Edge& edge : edges) {
-        edge.weight = Weights[Draw(random, Weights.size())];
+        edge.weight = kWeights[Draw(random, kWeights.size())];
         nodeCount = std::max({nodeCount, edge.end1.value + 1, edge.end2.value + 1});
     }
     SteinerGraph graph;

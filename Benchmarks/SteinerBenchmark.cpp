@@ -103,11 +103,12 @@ int Run(const std::string& folder, const KnownAnswer& known, int pipeEnd)
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     const std::string verdict = Judge(result, known);
-    std::printf("%-4s %6u %6u %4zu %9llu %20llu %8.3f %8.3f %6ld %7.2f %s\n", known.name.c_str(),
-                graph->View().GetNodeCount(), graph->View().GetEdgeCount(), graph->terminals.size(),
-                static_cast<unsigned long long>(result.weight),
+    std::printf("%-4s %6u %6u %4zu %9llu %20llu %8.3f %8.3f %9.1f %6ld %7.2f %s\n",
+                known.name.c_str(), graph->View().GetNodeCount(), graph->View().GetEdgeCount(),
+                graph->terminals.size(), static_cast<unsigned long long>(result.weight),
                 static_cast<unsigned long long>(result.count), valueSeconds, listSeconds,
-                usage.ru_maxrss / 1024, valueSeconds / known.seconds, verdict.c_str());
+                static_cast<double>(result.steps) / 1e6, usage.ru_maxrss / 1024,
+                valueSeconds / known.seconds, verdict.c_str());
     std::fflush(stdout);
     const bool isWritten = write(pipeEnd, &valueSeconds, sizeof valueSeconds) > 0;
     return isWritten && verdict.find("WRONG") == std::string::npos ? 0 : 1;
@@ -123,8 +124,9 @@ int main(int argumentCount, char** arguments)
     }
     const std::string folder = arguments[1];
     const std::vector<std::string> wanted(arguments + 2, arguments + argumentCount);
-    std::printf("name  nodes  edges    k    weight                count  value,s   list,s     MB"
-                "   ratio\n");
+    std::printf(
+        "name  nodes  edges    k    weight                count  value,s   list,s  msteps       MB"
+        "   ratio\n");
     std::fflush(stdout);
     bool isGood = true;
     double logSum = 0;

@@ -165,7 +165,8 @@ public:
 
     /// Replaces `bestPaths` by the best least-weight paths between the two sets and `resultWeight`
     /// by their weight, as ComputeJoinPathBetween does, and appends one (first, second) pair of
-    /// end subjects for each of them to `endPairs`.
+    /// end subjects for each of them to `endPairs`. With the setting "NewAlgo" every join counts -1
+    /// when the least-weight paths are compared, so that those with the most joins are the best.
     virtual void ComputeBestJoinPathsBetween(
         const std::vector<amd_id>& firstSet, const std::vector<amd_id>& avoidedJoins,
         const std::vector<amd_id>& secondSet, const std::vector<amd_id>& furtherAvoidedJoins,

@@ -93,7 +93,8 @@ public:
     /// stand in order of weight, and where that is equal, in the order of their edges, compared
     /// one after the other. After 1,000 trees the list ends; those are the first 1,000 in this
     /// order, so no tree outside is lighter than one inside. A graph that is not connected has
-    /// none, nor has one without nodes; one node alone has the empty tree.
+    /// none, nor has one without nodes; one node alone has the empty tree. Where the list was cut,
+    /// the log says so.
     ///
     /// O(m log m) for the first tree, then little more for each than for writing it down.
     virtual void GetPaths(std::vector<std::vector<amd_id>>& paths) = 0;
@@ -110,15 +111,20 @@ public:
     /// is the lowest by id of those that touch the node or an edge before it.
     ///
     /// The user's settings (section "JoinGraph") limit the list to "CheapestTreesBound" trees
-    /// (1,000), and the search to "CheapestTreesSeconds" (10) and "CheapestTreesMegabytes"
-    /// (1,024) of working memory. Where there are more trees, the log holds their number. Where
-    /// the search ran out of time or memory, one good tree is the answer, and the log holds its
-    /// weight and the weight below which it is proven that there is none.
+    /// (1,000), and the search to "CheapestTreesEffort" million steps of work (1,000) and
+    /// "CheapestTreesMegabytes" of working memory (1,024). Steps are counted, not timed, so the
+    /// answer is the same on every machine under any load, unless a host sets
+    /// "CheapestTreesSeconds" (0, none) as a guard. Where there are more trees, the log holds their
+    /// number. Where the search was ended by a limit, one good tree is the answer, and the log
+    /// holds its weight and the weight below which it is proven that there is none. In either case
+    /// the log names the limit.
     virtual bool GetCheapestTrees(const std::vector<amd_id>& nodes,
                                   std::vector<std::vector<amd_id>>& trees, int& weight) = 0;
 
-    /// Appends the edges of the first of the minimum Steiner trees; nothing when the nodes cannot
-    /// be connected.
+    /// Appends the edges of one tree that connects the given nodes, in the order of
+    /// GetCheapestTrees and always the same one; nothing when they cannot be connected. It is a
+    /// tree of least weight, unless proving that takes more than a hundredth of
+    /// "CheapestTreesEffort"; then it is a light one.
     virtual void GetTreeEdges(const std::vector<amd_id>& nodes, std::vector<amd_id>& edgesOut) = 0;
 };
 

@@ -25,6 +25,8 @@ public:
     explicit AUT_RefPtr(T* object = nullptr);
 
     AUT_RefPtr(const AUT_RefPtr& other) noexcept;
+    // Exchanges itself with a copy, which a self-assignment does as well.
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
     AUT_RefPtr& operator=(const AUT_RefPtr& other) noexcept;
     ~AUT_RefPtr();
 

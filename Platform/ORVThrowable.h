@@ -31,7 +31,8 @@ public:
     [[nodiscard]] const char* what() const noexcept override { return mWhat.c_str(); }
 
 protected:
-    void NoteOrigin(const ORVFileLocation& location, const char* component, const char* macroName);
+    void RecordOrigin(const ORVFileLocation& location, const char* component,
+                      const char* macroName);
     void Describe(std::string text);
 
 private:

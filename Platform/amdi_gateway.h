@@ -21,7 +21,8 @@ public:
     [[nodiscard]] virtual I18NLocale GetLocale(const amd_id& id) = 0;
 
     /// Returns the object, usually the namespace, whose name stands first in references to the
-    /// given object; the empty id when there is none.
+    /// given object; the empty id when there is none. An object with an empty name stands for the
+    /// qualifier that is not written.
     [[nodiscard]] virtual amd_id GetQualifierId(amd_id id) = 0;
 };
 

@@ -93,15 +93,13 @@ AUT_RefPtr<AQE_I_Refiner> AQE_I_Refiner::Create(amdi_gateway* gateway,
 bool AQE_I_Refiner::GetJoinInfo(amdi_gateway* gateway, AQE_RequestContext* context,
                                 const amd_id& joinId, QEjoinInfo& info)
 {
-    // The caller may name the join by a field of the record that is about to be filled.
-    const amd_id id = joinId;
     if (const AQE_JoinCache* cache = FindJoinCache(context);
-        cache != nullptr && cache->GetJoinInfo(id, info))
+        cache != nullptr && cache->GetJoinInfo(joinId, info))
         return true;
-    if (!qe::ReadJoin(gateway, id, info))
+    if (!qe::ReadJoin(gateway, joinId, info))
         return false;
     if (AQE_JoinCache* cache = FindJoinCache(context); cache != nullptr)
-        cache->CacheJoinInfo(id, info);
+        cache->CacheJoinInfo(joinId, info);
     return true;
 }
 

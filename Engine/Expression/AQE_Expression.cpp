@@ -7,6 +7,7 @@
 #include "Engine/Services/Characters.h"
 #include "Engine/Services/MessageCatalogue.h"
 #include "HBNException.h"
+#include "IdClass.h"
 #include "amdi_gateway.h"
 
 #include <string>
@@ -44,8 +45,12 @@ void ResolveReferences(const std::vector<PlacedReference>& references, amdi_gate
     for (const PlacedReference& reference : references) {
         if (reference.names.size() < 2)
             continue;
-        if (const auto target = resolver->ResolveReference(reference.names))
-            reference.node->SetTarget(*target);
+        const auto target = resolver->ResolveReference(reference.names);
+        if (!target)
+            continue;
+        reference.node->SetTarget(*target);
+        if (reference.names.size() == 2 && target->referencedId.classCode == IdClassQueryItem)
+            reference.node->SetNamePath({{}, reference.names[0], reference.names[1]});
     }
 }
 

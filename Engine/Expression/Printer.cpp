@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <string_view>
+#include <vector>
 
 namespace qe::expression {
 namespace {
@@ -36,12 +37,12 @@ void Printer::Print(const AQE_ExpressionNode& node)
 
 void Printer::PrintReference(const AQE_ExpressionNode& reference)
 {
-    bool first = true;
-    for (const I18NString& name : reference.GetNamePath()) {
-        if (!first)
+    const std::vector<I18NString> names = reference.GetNamePath();
+    const std::size_t first = names.size() > 1 && names.front().View().empty() ? 1 : 0;
+    for (std::size_t i = first; i < names.size(); ++i) {
+        if (i > first)
             mOut += '.';
-        first = false;
-        PrintQuoted(name.View(), '[', ']');
+        PrintQuoted(names[i].View(), '[', ']');
     }
 }
 

@@ -13,7 +13,8 @@ namespace qe::expression {
 
 /// Writes trees as text that Parse reads back as the same tree, with parentheses only where the
 /// tree would change without them. Keywords are written in capitals, "<>" for every unequal
-/// sign, references in brackets; literals, types and other names as they were read.
+/// sign, references in brackets without an empty qualifier; literals, types and other names as they
+/// were read.
 class QEENGINE_EXPORT Printer
 {
 public:

@@ -163,9 +163,15 @@ void AQE_UndirectedGraph::GetShortestPathTree(const std::vector<amd_id>& nodes,
 
 void AQE_UndirectedGraph::GetPaths(std::vector<std::vector<amd_id>>& paths)
 {
-    qe::graph::SpanningTrees trees(mStorage.GetView(), kMaximumPaths);
-    while (const std::optional<std::vector<EdgeIndex>> tree = trees.GetNext())
+    qe::graph::SpanningTrees trees(mStorage.GetView(), kMaximumPaths + 1);
+    for (std::size_t listed = 0; listed < kMaximumPaths; ++listed) {
+        const std::optional<std::vector<EdgeIndex>> tree = trees.GetNext();
+        if (!tree)
+            return;
         AppendEdges(*tree, paths.emplace_back());
+    }
+    if (trees.GetNext())
+        qe::graph::LogMoreSpanningTrees(kMaximumPaths);
 }
 
 bool AQE_UndirectedGraph::GetCheapestTrees(const std::vector<amd_id>& nodes,
@@ -191,7 +197,7 @@ void AQE_UndirectedGraph::GetTreeEdges(const std::vector<amd_id>& nodes,
 {
     const std::vector<NodeIndex> terminals = FindNodes(nodes);
     const GraphView graph = mStorage.GetView();
-    const qe::graph::SteinerResult result = qe::graph::SearchCheapestTrees(graph, terminals);
+    const qe::graph::SteinerResult result = qe::graph::SearchOneTree(graph, terminals);
     if (!result.trees.empty() && !result.trees.front().empty())
         AppendEdges(qe::graph::OrderFrom(graph, terminals.front(), result.trees.front()), edgesOut);
 }

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <sstream>
 #include <string>
 
@@ -22,26 +23,41 @@ const char* ToText(ECount proof)
     return proof == ECount::AtLeast ? "at least " : "";
 }
 
+/// Returns the key of the setting that raises the limit.
+const char* ToText(ELimit limit)
+{
+    switch (limit) {
+    case ELimit::Effort:
+        return kCheapestTreesEffort.key;
+    case ELimit::Memory:
+        return kCheapestTreesMegabytes.key;
+    case ELimit::Time:
+        return kCheapestTreesSeconds.key;
+    case ELimit::Trees:
+    case ELimit::None:
+        break;
+    }
+    return kCheapestTreesBound.key;
+}
+
 // Returns what the limits kept from the result; empty when it is complete.
 std::string DescribeShortfall(const SteinerResult& result)
 {
     std::ostringstream text;
     if (result.proof == EProof::BestFound)
-        text << "Cheapest trees: budget exceeded, weight " << result.weight << ", lower bound "
-             << result.lowerBound << ", not proven";
-    else if (result.count > result.trees.size() || result.countProof == ECount::AtLeast)
-        text << "Cheapest trees: listed " << result.trees.size() << " of "
-             << ToText(result.countProof) << result.count << ", weight " << result.weight;
+        text << "Cheapest trees: " << ToText(result.limit) << " exceeded, weight " << result.weight
+             << ", lower bound " << result.lowerBound << ", not proven";
+    else if (result.limit != ELimit::None)
+        text << "Cheapest trees: " << ToText(result.limit) << " exceeded, listed "
+             << result.trees.size() << " of " << ToText(result.countProof) << result.count
+             << ", weight " << result.weight;
     return text.str();
 }
 
-void LogShortfall(const SteinerResult& result)
+void WriteNotice(const std::string& text)
 {
     AQE_LogFile log(QERes::getString(kLogNameText));
-    if (log.GetLogLevel() < kNoticeLevel)
-        return;
-    const std::string text = DescribeShortfall(result);
-    if (!text.empty())
+    if (!text.empty() && log.GetLogLevel() >= kNoticeLevel)
         log.Log(kNoticeLevel, text);
 }
 
@@ -52,12 +68,15 @@ SteinerLimits ReadCheapestTreesLimits()
     const AUT_RefPtr<AUT_I_UserConfiguration> settings =
         AUT_I_UserConfiguration::Create(RootKeyUser);
     const auto read = [&settings](const JoinGraphSetting& setting) {
-        return std::max(1, settings->GetInt(kJoinGraphSection, setting.key, setting.defaultValue));
+        return std::max(setting.leastValue,
+                        settings->GetInt(kJoinGraphSection, setting.key, setting.defaultValue));
     };
+    constexpr std::uint64_t kStepsPerUnit = 1'000'000;
     SteinerLimits limits;
     limits.maximumTrees = static_cast<std::size_t>(read(kCheapestTreesBound));
-    limits.time = std::chrono::seconds(read(kCheapestTreesSeconds));
+    limits.effort = static_cast<std::uint64_t>(read(kCheapestTreesEffort)) * kStepsPerUnit;
     limits.memory = static_cast<std::size_t>(read(kCheapestTreesMegabytes)) << 20U;
+    limits.time = std::chrono::seconds(read(kCheapestTreesSeconds));
     return limits;
 }
 
@@ -65,8 +84,20 @@ SteinerResult SearchCheapestTrees(const GraphView& graph, std::span<const NodeIn
 {
     SteinerResult result = FindCheapestTrees(graph, nodes, ReadCheapestTreesLimits());
     if (result.connected)
-        LogShortfall(result);
+        WriteNotice(DescribeShortfall(result));
     return result;
+}
+
+SteinerResult SearchOneTree(const GraphView& graph, std::span<const NodeIndex> nodes)
+{
+    SteinerLimits limits = ReadCheapestTreesLimits();
+    limits.answer = EAnswer::OneTree;
+    return FindCheapestTrees(graph, nodes, limits);
+}
+
+void LogMoreSpanningTrees(std::size_t listed)
+{
+    WriteNotice("Spanning trees: listed " + std::to_string(listed) + ", there are more");
 }
 
 } // namespace qe::graph

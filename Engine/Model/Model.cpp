@@ -13,7 +13,8 @@ namespace qe::model {
 Model::Model(ObjectTable table, std::string locale)
     : mTable(std::move(table)),
       mLocale(std::move(locale)),
-      mNames(std::make_unique<NameLookup>(mTable))
+      mNames(std::make_unique<NameLookup>(mTable)),
+      mRoot(MakeMetadataObject(mRootRecord))
 {
     mObjects.reserve(mTable.GetRecords().size());
     for (const ObjectRecord& record : mTable.GetRecords())
@@ -50,6 +51,8 @@ void Model::ListIds()
 
 amdi_object* Model::GetObject(const amd_id& id) const
 {
+    if (id == kRootId)
+        return mRoot.get();
     const ObjectRecord* record = mTable.Find(id);
     if (record == nullptr)
         return nullptr;

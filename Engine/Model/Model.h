@@ -35,7 +35,8 @@ public:
 
     /// Returns what the model knows of the object, or null when there is none with that id.
     [[nodiscard]] const ObjectRecord* Find(const amd_id& id) const { return mTable.Find(id); }
-    /// Returns the object as the refiner sees it, or null.
+    /// Returns the object as the refiner sees it, or null. kRootId has one without a name, though
+    /// no record.
     [[nodiscard]] amdi_object* GetObject(const amd_id& id) const;
 
     [[nodiscard]] std::span<const ObjectRecord> GetRecords() const { return mTable.GetRecords(); }
@@ -90,6 +91,8 @@ private:
     std::unique_ptr<const NameLookup> mNames;
     /// The objects, at the positions of their records.
     std::vector<std::unique_ptr<amdi_object>> mObjects;
+    ObjectRecord mRootRecord{.id = kRootId};
+    std::unique_ptr<amdi_object> mRoot;
     /// All ids, by class, then id.
     std::vector<amd_id> mIdsByClass;
     /// All ids, by parent, then id, with the parents beside them.

@@ -65,7 +65,10 @@ I18NLocale ModelGateway::GetLocale(const amd_id& id)
 
 amd_id ModelGateway::GetQualifierId(amd_id id)
 {
-    return mModel->GetNamespace(id);
+    const ObjectRecord* const record = mModel->Find(id);
+    if (record == nullptr)
+        return {};
+    return record->space == amd_id() ? kRootId : record->space;
 }
 
 std::optional<ResolvedReference>

@@ -26,7 +26,8 @@ public:
 
     [[nodiscard]] amdi_object* GetObject(const amd_id& id) override;
     [[nodiscard]] I18NLocale GetLocale(const amd_id& id) override;
-    /// Returns the nearest namespace around the object.
+    /// Returns the nearest namespace around the object, or kRootId where there is none, so that
+    /// what lies outside all namespaces has a qualifier too. The empty id for unknown objects.
     [[nodiscard]] amd_id GetQualifierId(amd_id id) override;
 
     /// Follows namespace, query subject or shortcut, item; or namespace and subject or filter; or,

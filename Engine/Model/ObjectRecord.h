@@ -15,11 +15,16 @@
 
 namespace qe::model {
 
-/// The class of namespaces, beside the classes that the metadata layer shares with the refiner.
+/// Classes beside those that the metadata layer shares with the refiner.
 enum : std::int32_t
 {
-    IdClassNamespace = 800001
+    IdClassNamespace = 800001,
+    /// What lies around everything else; no object of a model is of this class.
+    IdClassRoot = 800002,
 };
+
+/// The nameless object that stands for the namespace of what lies outside all namespaces.
+inline constexpr amd_id kRootId{0, IdClassRoot, 1};
 
 using CardinalityRange = BMT_I_Association::CardinalityRange;
 

@@ -29,8 +29,8 @@ ORVThrowable::ORVThrowable(const ORVThrowable&) = default;
 ORVThrowable& ORVThrowable::operator=(const ORVThrowable&) = default;
 ORVThrowable::~ORVThrowable() = default;
 
-void ORVThrowable::NoteOrigin(const ORVFileLocation& location, const char* component,
-                              const char* macroName)
+void ORVThrowable::RecordOrigin(const ORVFileLocation& location, const char* component,
+                                const char* macroName)
 {
     mLocation = location;
     mComponent = component == nullptr ? "" : component;
@@ -71,7 +71,7 @@ ORVAssertError::~ORVAssertError() = default;
 void ORVAssertError::hurl(const ORVFileLocation& location, const char* component,
                           const char* macroName)
 {
-    NoteOrigin(location, component, macroName);
+    RecordOrigin(location, component, macroName);
     throw *this;
 }
 
@@ -87,7 +87,7 @@ HBNException::~HBNException() = default;
 void HBNException::hurl(const ORVFileLocation& location, const char* component,
                         const char* macroName)
 {
-    NoteOrigin(location, component, macroName);
+    RecordOrigin(location, component, macroName);
     throw *this;
 }
 

@@ -27,7 +27,7 @@ public:
 
     /// Hands the entries up to `level` to `sink` instead, one at a time, on the threads that write
     /// them; none after the capture is gone. What the sink throws reaches the writer.
-    LogCapture(int level, Sink sink, EOthers others = EOthers::Nothing);
+    LogCapture(int level, Sink sink, EOthers others = EOthers::ReceiveNothing);
 
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;

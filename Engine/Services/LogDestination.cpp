@@ -112,7 +112,7 @@ bool LogDestination::CollectCaptures(std::vector<LogRoute>& routes)
     const std::lock_guard lock(mMutex);
     for (auto capture = mCaptures.rbegin(); capture != mCaptures.rend(); ++capture) {
         routes.push_back(capture->route);
-        if (capture->others == EOtherTargets::Nothing)
+        if (capture->others == EOtherTargets::ReceiveNothing)
             return false;
     }
     return true;

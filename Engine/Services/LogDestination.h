@@ -61,10 +61,10 @@ public:
     [[nodiscard]] static LogDestination& Get();
 
     /// Returns the route of the innermost capture, together with those around it as far as captures
-    /// let others be told; else that of the settings: section "Log", key "Level" (default 0, off),
-    /// to the file that the environment variable QEREFINER_LOG names, or to standard error. Logs
-    /// are opened often, so the level follows the settings file only when somebody opens the user
-    /// configuration.
+    /// let others receive too; else that of the settings: section "Log", key "Level" (default 0,
+    /// off), to the file that the environment variable QEREFINER_LOG names, or to standard error.
+    /// Logs are opened often, so the level follows the settings file only when somebody opens the
+    /// user configuration.
     [[nodiscard]] LogRoute Open();
 
     /// Adds a capture inside those that are there, until it is removed.

@@ -25,9 +25,9 @@ enum class EOtherTargets
 {
     /// The capture stands in the place of the configured destination and its level, and of the
     /// captures around it.
-    Nothing,
+    ReceiveNothing,
     /// Whoever took them without the capture takes them as well, first, up to its own level.
-    Told,
+    AlsoReceive,
 };
 
 } // namespace qe

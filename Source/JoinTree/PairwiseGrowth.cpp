@@ -149,7 +149,7 @@ void PairwiseGrowth::AddDistances(const Ids& newNodes)
                 continue;
             AddDistance(entity, node, std::move(path), weight);
             // One entry a node is enough: a second one would only yield distances equal to those
-            // of the first, which wait behind them and go with them.
+            // of the first, which wait behind them and go with them. The log counts them once.
             if (!Contains(reached, node))
                 reached.push_back(node);
         }

@@ -114,8 +114,10 @@ bool AreEndsReversed(amdi_gateway* gateway, const amd_id& relationshipLeft,
     const amd_id right = Resolve(gateway, relationshipRight);
     if (left == right)
         return false;
-    return Resolve(gateway, shortcutEnds.leftQuerySubject) == right &&
-           Resolve(gateway, shortcutEnds.rightQuerySubject) == left;
+    // Both are looked up, so that what the gateway raises at either does not depend on the other.
+    const amd_id shortcutLeft = Resolve(gateway, shortcutEnds.leftQuerySubject);
+    const amd_id shortcutRight = Resolve(gateway, shortcutEnds.rightQuerySubject);
+    return shortcutLeft == right && shortcutRight == left;
 }
 
 bool ReadRelationshipShortcut(amdi_gateway* gateway, const amd_id& joinId, QEjoinInfo& info)

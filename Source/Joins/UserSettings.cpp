@@ -14,19 +14,28 @@ struct CachedFFJoins
     std::atomic<int> mode{0};
 };
 
-struct CachedAdjustWeightByFolder
+enum class ESwitch
 {
-    std::atomic<bool> alreadyRead{false};
-    std::atomic<bool> isOn{true};
+    NotRead,
+    Off,
+    On,
 };
 
 CachedFFJoins cachedFFJoins;
-CachedAdjustWeightByFolder cachedAdjustWeightByFolder;
+std::atomic<ESwitch> cachedAdjustWeightByFolder{ESwitch::NotRead};
 
 int Read(const UserSetting& setting)
 {
     const auto configuration = AUT_I_UserConfiguration::Create(RootKeyUser);
     return configuration->GetInt(setting.section, setting.key, setting.defaultValue);
+}
+
+/// Stores what a thread has read, and returns what holds: among first readers at once, the value of
+/// the one that is done first.
+ESwitch Keep(ESwitch read)
+{
+    ESwitch kept = ESwitch::NotRead;
+    return cachedAdjustWeightByFolder.compare_exchange_strong(kept, read) ? read : kept;
 }
 
 } // namespace
@@ -42,13 +51,15 @@ int GetFFJoins()
 
 bool IsAdjustWeightByFolderOn()
 {
-    if (!cachedAdjustWeightByFolder.alreadyRead) {
-        // Marked first: a configuration that fails leaves the setting on.
-        cachedAdjustWeightByFolder.alreadyRead = true;
-        if (Read(kAdjustWeightByFolder) == 0)
-            cachedAdjustWeightByFolder.isOn = false;
+    const ESwitch cached = cachedAdjustWeightByFolder;
+    if (cached != ESwitch::NotRead)
+        return cached == ESwitch::On;
+    try {
+        return Keep(Read(kAdjustWeightByFolder) != 0 ? ESwitch::On : ESwitch::Off) == ESwitch::On;
+    } catch (...) {
+        static_cast<void>(Keep(ESwitch::Off));
+        throw;
     }
-    return cachedAdjustWeightByFolder.isOn;
 }
 
 bool IsNewAlgoOn()

@@ -37,8 +37,9 @@ inline constexpr UserSetting kDoNotApplyCrossProductGovernor{"QueryEngine",
 /// result.
 [[nodiscard]] int GetFFJoins();
 
-/// Returns whether "AdjustWeightByFolder" is on. The configuration is asked once, even when it
-/// fails to answer.
+/// Returns whether "AdjustWeightByFolder" is on. First callers at once may all read it, and have
+/// the same result. A configuration that fails to answer is not asked again: the setting is then
+/// off.
 [[nodiscard]] bool IsAdjustWeightByFolderOn();
 
 [[nodiscard]] bool IsNewAlgoOn();

@@ -44,8 +44,8 @@ struct FactNode
     /// The nodes that have this one as a dimension. The set is there for membership only: nothing
     /// observable may follow its order, which is that of addresses.
     std::set<FactNode*> mParents;
-    /// The query subjects of the node in the order in which they came, each once; never empty. The
-    /// first one names the node.
+    /// The query subjects of the node in the order in which they came; never empty. The first one
+    /// names the node. One that is joined one-to-one to itself before anything else stands twice.
     std::vector<amd_id> mIds;
     /// The dimensions of this node, each once, in the order in which they came.
     std::vector<FactNode*> mChildren;

@@ -31,4 +31,19 @@ TEST(JoinCache, MergesTheListsOfARequest)
         << "ordered by key; a prefix comes first";
 }
 
+TEST(JoinCache, ReplacesWhatItKnowsAndLeavesTheRestAlone)
+{
+    AQE_JoinCache cache;
+    AQE_JoinCache::QEjoinInfo info;
+    for (const char* name : {"first", "second"}) {
+        info.name = name;
+        cache.CacheJoinInfo({0, 102, 1}, info);
+    }
+    info.name = "before";
+    EXPECT_FALSE(cache.GetJoinInfo({0, 102, 2}, info));
+    EXPECT_EQ(info.name, "before");
+    EXPECT_TRUE(cache.GetJoinInfo({0, 102, 1}, info));
+    EXPECT_EQ(info.name, "second");
+}
+
 } // namespace

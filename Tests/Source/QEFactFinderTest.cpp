@@ -1,5 +1,6 @@
 #include "QEFactFinder.h"
 
+#include "Engine/Services/LogCapture.h"
 #include "HBNException.h"
 #include "IdClass.h"
 
@@ -62,14 +63,17 @@ std::string DumpOf(AQE_I_FactFinder& finder)
     return out.str();
 }
 
-/// Returns what the join raises as "message@line severity code file component macro parameters".
+/// Returns what the join raises as "message@line severity code file component macro parameters";
+/// it has to be in the log by then.
 std::string Add(AQE_I_FactFinder& finder, char left, int leftMax, char right, int rightMax)
 {
+    const qe::LogCapture log(1);
     try {
         finder.AddJoin({}, Id(left), leftMax, Id(right), rightMax);
     } catch (const HBNException& error) {
         std::ostringstream text;
         const HBNMessage& message = error.GetMessages().at(0);
+        EXPECT_EQ(log.GetEntries().at(0).message, message.GetNumber());
         text << std::hex << message.GetNumber() << std::dec << '@' << error.GetLocation().line
              << ' ' << error.GetSeverity() << ' ' << error.GetCode() << ' '
              << error.GetLocation().file << ' ' << error.GetComponent() << ' '

@@ -17,8 +17,10 @@ namespace {
 
 using qe::test::CountingGateway;
 using qe::test::ModelText;
+using qe::test::ToldFailure;
 using QEjoinInfo = AQE_I_Refiner::QEjoinInfo;
 using testing::ElementsAre;
+using testing::StartsWith;
 
 TEST(Ids, OrderValidityAndText)
 {
@@ -213,6 +215,49 @@ TEST(RelationshipShortcuts, SwapReversedEndsButNeverCardinalities)
     )");
     EXPECT_EQ(data.Read("s"),
               "s 17: Sales 10..12 Buyer 11..11: [N].[Sales].[Id] = [N].[Buyer].[Id]");
+    // Ends that lie crosswise on one side only stay where they are.
+    data.Alter("s", [&](auto& record) { record.right = data.model.Id("Payer"); });
+    EXPECT_THAT(data.Read("s"), StartsWith("s 17: Buyer 10..12 Payer 11..11: "));
+    data.Alter("s", [&](auto& record) {
+        record.left = data.model.Id("Orders");
+        record.right = data.model.Id("Sales");
+    });
+    EXPECT_THAT(data.Read("s"), StartsWith("s 17: Orders 10..12 Sales 11..11: "));
+}
+
+/// Fails to give one object.
+class BrokenGateway : public CountingGateway
+{
+public:
+    BrokenGateway(qe::model::ModelGateway& next, const amd_id& broken)
+        : CountingGateway(next), mBroken(broken)
+    {}
+    amdi_object* GetObject(const amd_id& id) override
+    {
+        if (id == mBroken)
+            throw ToldFailure();
+        return CountingGateway::GetObject(id);
+    }
+
+private:
+    amd_id mBroken;
+};
+
+TEST(RelationshipShortcuts, ResolveBothEndsWhateverTheFirstOneIs)
+{
+    // The condition has too few references to be rewritten, which would look the ends up again.
+    const ModelText model(std::string(kShortcuts) + R"(
+        Orders >- Customer : j on [N].[Orders].[Id] = 1
+        s -> j : Sales, Buyer
+    )");
+    for (const char* end : {"Sales", "Buyer"}) {
+        BrokenGateway gateway(model.GetGateway(), model.Id(end));
+        QEjoinInfo info;
+        EXPECT_THROW(
+            static_cast<void>(AQE_I_Refiner::GetJoinInfo(&gateway, nullptr, model.Id("s"), info)),
+            ToldFailure)
+            << end;
+    }
 }
 
 TEST(RelationshipShortcuts, RewriteOnlyWhatIsNotSettled)
@@ -224,11 +269,16 @@ TEST(RelationshipShortcuts, RewriteOnlyWhatIsNotSettled)
         const char* condition;
         const char* shortcutEnds;
         const char* expected;
+        const char* hidden = "";
     } cases[] = {
         {"one side changed", "Orders >- Customer", "[N].[Orders].[Id]=[N].[Customer].[Id]",
          "Orders, Buyer", "[N].[Orders].[Id] = [N].[Buyer].[Id]"},
         {"new end named already", "Orders >- Customer", "[N].[Orders].[Id]=[N].[Buyer].[Id]",
          "Orders, Buyer", "[N].[Orders].[Id]=[N].[Buyer].[Id]"},
+        {"new left end named already", "Orders >- Customer", "[N].[Customer].[Id]=[N].[Sales].[Id]",
+         "Sales, Buyer", "[N].[Buyer].[Id] = [N].[Sales].[Id]"},
+        {"new right end named already", "Orders >- Customer", "[N].[Buyer].[Id]=[N].[Orders].[Id]",
+         "Sales, Buyer", "[N].[Buyer].[Id] = [N].[Sales].[Id]"},
         {"ends unchanged", "Orders >- Customer", "[N].[Orders].[Id]=[N].[Customer].[Id]",
          "Orders, Customer", "[N].[Orders].[Id]=[N].[Customer].[Id]"},
         {"both ends one object", "Orders >- Customer", "not even ( an expression", "Buyer, Buyer",
@@ -239,6 +289,9 @@ TEST(RelationshipShortcuts, RewriteOnlyWhatIsNotSettled)
         {"odd count: the smaller half is the left one", "Customer >- Customer",
          "[N].[Customer].[Id]=[N].[Customer].[Id]+[N].[Customer].[Id]", "Buyer, Payer",
          "[N].[Buyer].[Id] = [N].[Payer].[Id] + [N].[Payer].[Id]"},
+        {"only items count as references", "Customer >- Customer",
+         "[N].[Flag] and [N].[Customer].[Id]=[N].[Customer].[Id]", "Buyer, Payer",
+         "[N].[Flag] AND [N].[Buyer].[Id] = [N].[Payer].[Id]"},
         {"one reference, both ends changed", "Orders >- Customer", "[N].[Orders].[Id]=1",
          "Sales, Buyer", "[N].[Orders].[Id]=1"},
         {"halves in the other order", "Orders >- Customer", "[N].[Customer].[Id]=[N].[Orders].[Id]",
@@ -248,14 +301,34 @@ TEST(RelationshipShortcuts, RewriteOnlyWhatIsNotSettled)
          "Sales, Customer", "[N].[Sales].[Id] <= [N].[Customer].[Id]"},
         {"a new end without namespace", "Orders >- Customer",
          "[N].[Orders].[Id]=[N].[Customer].[Id]", "Orders, Homeless",
-         "[N].[Orders].[Id] = [N].[Customer].[Id]"},
+         "[N].[Orders].[Id] = [Homeless].[Id]"},
+        {"a new end without object", "Orders >- Customer", "[N].[Orders].[Id]=[N].[Customer].[Id]",
+         "Orders, Buyer", "[N].[Orders].[Id] = [N].[Customer].[Id]", "Buyer"},
+        {"an old end without namespace", "Free >- Customer", "[Free].[Id]=[N].[Customer].[Id]",
+         "FreeToo, Customer", "[N].[FreeToo].[Id] = [N].[Customer].[Id]"},
+        {"self-join without namespaces", "Free >- Free", "[Free].[Id]=[Free].[Parent]",
+         "FreeToo, Role", "[N].[FreeToo].[Id] = [Role].[Parent]"},
     };
     for (const auto& test : cases) {
-        Metadata data(kShortcuts + std::string(test.ends) + " : j on " + test.condition +
-                      "; namespace; Homeless -> Customer; s -> j : " + test.shortcutEnds);
+        Metadata data("namespace; Free(Id, Parent); Role -> Free; " + std::string(kShortcuts) +
+                      "; FreeToo -> Free; namespace; " + "Homeless -> Customer; namespace N; " +
+                      test.ends + " : j on " + test.condition + "; s -> j : " + test.shortcutEnds);
+        for (const amd_id& id : data.model.Ids(test.hidden))
+            data.gateway.Hide(id);
         const std::string join = data.Read("s");
         EXPECT_EQ(join.substr(join.rfind(": ") + 2), test.expected) << test.what;
     }
+}
+
+TEST(RelationshipShortcuts, KeepReferencesWhoseNewQualifierIsNotKnown)
+{
+    Metadata data(std::string(kShortcuts) + R"(
+        Orders >- Customer : j on [N].[Orders].[Id] = [N].[Customer].[Id]
+        s -> j : Orders, Buyer
+    )");
+    data.gateway.Hide(data.model.Id("N"));
+    EXPECT_EQ(data.Read("s"),
+              "s 17: Orders 11..12 Buyer 11..11: [N].[Orders].[Id] = [N].[Customer].[Id]");
 }
 
 TEST(RelationshipShortcuts, FollowChainsThatEndAtARelationship)

@@ -9,6 +9,7 @@
 #include "Engine/Services/SettingsOverride.h"
 #include "HBNException.h"
 #include "ORVAssertError.h"
+#include "Tests/Support/CountingGateway.h"
 #include "Tests/Support/JoinGraphModel.h"
 
 #include <gmock/gmock.h>
@@ -19,6 +20,7 @@
 namespace {
 
 using qe::SettingsOverride;
+using qe::test::CountingGateway;
 using qe::test::JoinGraphModel;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -117,26 +119,6 @@ TEST(PairwiseGrowth, ClosesTheTreeWithEveryJoinAmongItsSubjects)
     EXPECT_EQ(takenTwice, 2);
 }
 
-TEST(PairwiseGrowth, LogsItsSteps)
-{
-    JoinGraphModel model("A-B:1 C-D:1");
-    const qe::LogCapture log(7);
-    Grow(model, {"A B C"}, EGrowth::Pairwise);
-    Texts lines;
-    for (const auto& entry : log.GetEntries()) {
-        EXPECT_EQ(entry.level, 7);
-        lines.push_back(entry.text.ToStdString());
-    }
-    EXPECT_THAT(lines, ElementsAre("number of entities: 3", "entity id=100:1 A",
-                                   "entity id=100:2 B", "entity id=100:3 C",
-                                   "weight:1 joins:\n    id=102:1 left=100:1 right=100:2 (A, B)",
-                                   testing::MatchesRegex("added distance: 0x[0-9a-f]+ "),
-                                   "weight:-1", "weight:-1", "number of shortest distances: 1",
-                                   testing::MatchesRegex("processing distance: 0x[0-9a-f]+ 1"),
-                                   "processing distance: 0x0 NULL",
-                                   "num shortest distances remaining: 0"));
-}
-
 TEST(PairwiseGrowth, StopsUnconnectedAndGivesWhatItHas)
 {
     JoinGraphModel model("A-B:1 B-C:2 D-E:3");
@@ -149,11 +131,12 @@ TEST(PairwiseGrowth, ToleratesUnknownSubjects)
 {
     JoinGraphModel model("A-B:1 B-C:1");
     const SettingsOverride newAlgo("General Options", "NewAlgo", 0);
-    const AQE_JoinTree tree(&model.GetGateway(), model["A C"], {}, {}, model["A B"], model.Joins(),
-                            nullptr, &model.context, nullptr, nullptr, false, {});
-    std::vector<Ids> paths;
-    tree.GetJoinPaths(paths);
-    EXPECT_THAT(paths, IsEmpty()) << "C is no candidate node";
+    for (const char* nodes : {"A B", "B C"}) {
+        const AQE_JoinTree tree(&model.GetGateway(), model["A C"], {}, {}, model[nodes],
+                                model.Joins(), nullptr, &model.context, nullptr, nullptr, false,
+                                {});
+        EXPECT_THAT(PathsOf(model, tree), IsEmpty()) << "C or A is no candidate node";
+    }
 }
 
 TEST(JoinTree, TakesRequiredJoinsThatConnectEverythingAsTheyAre)
@@ -171,6 +154,56 @@ TEST(JoinTree, TakesRequiredJoinsThatConnectEverythingAsTheyAre)
     }
     JoinGraphModel single(text);
     EXPECT_THAT(PathsOf(single, *Grow(single, {"A"}, EGrowth::CheapestTrees)), IsEmpty());
+    JoinGraphModel chain("A-B:5 B-C:6");
+    for (const EGrowth growth : {EGrowth::CheapestTrees, EGrowth::Pairwise, EGrowth::Library})
+        EXPECT_THAT(PathsOf(chain, *Grow(chain, {"A", "", "B-C"}, growth)), ElementsAre("A-B B-C"))
+            << "a single subject, and what it must have";
+}
+
+TEST(JoinTree, IsBuiltWithoutCandidateJoinsButNotWithoutNodes)
+{
+    JoinGraphModel model("A-B B-C");
+    const Ids required = model["A-B"];
+    const auto grow = [&](std::string_view nodes, bool isLibrary) {
+        const qe::RefinerServices services{.gateway = &model.GetGateway()};
+        const Ids subjects = model["A B"];
+        const Ids candidates = model[nodes];
+        const qe::JoinTreeRequest request{
+            .subjects = subjects,
+            .requiredJoins = required,
+            .nodes = candidates,
+            .joins = qe::kNoIds,
+            .use = isLibrary ? qe::JoinTreeRequest::EUse::ConnectOverShortcuts
+                             : qe::JoinTreeRequest::EUse::Connect};
+        return TreeJoins(model, AQE_JoinTree(services, request));
+    };
+    for (const bool isLibrary : {false, true}) {
+        EXPECT_EQ(grow("A B", isLibrary), "A-B");
+        EXPECT_EQ(grow("", isLibrary), "");
+    }
+
+    const struct
+    {
+        const char* first;
+        const char* second;
+        const char* nodes;
+        const char* joins;
+        int weight;
+    } rows[] = {
+        {"A", "B", "A B", "A-B", 17}, {"A", "A", "A B", "A-B", 8888}, {"", "B", "A B", "A-B", 5},
+        {"A", "", "A B", "A-B", 5},   {"A", "B", "", "A-B", 5},       {"A", "B", "A B", "", 5},
+    };
+    for (const auto& row : rows) {
+        std::vector<Ids> paths{required};
+        std::vector<AQE_JoinTree::EndPair> pairs(1);
+        int weight = 5;
+        const AQE_JoinTree tree(&model.GetGateway(), model[row.first], {}, model[row.second], {},
+                                {}, {}, model[row.nodes], model[row.joins], paths, weight, pairs,
+                                nullptr, nullptr, nullptr);
+        EXPECT_EQ(weight, row.weight);
+        EXPECT_EQ(paths.size(), row.weight == 17 ? 2U : 1U) << "appended";
+        EXPECT_EQ(pairs.size(), row.weight == 8888 ? 0U : 1U) << "replaced";
+    }
 }
 
 TEST(JoinTree, AnswersWithDefinedValuesWhenNothingWasBuilt)
@@ -256,6 +289,12 @@ std::string Govern(EGrowth growth, const AQE_Governors* governors,
                    AQE_RequestContext::ECommandType command)
 {
     JoinGraphModel model("A-X B-C");
+    CountingGateway gateway(model.GetGateway());
+    for (const amd_id& subject : model.Subjects()) {
+        qe::model::ObjectRecord record = *model.GetModel()->Find(subject);
+        record.displayName = "the " + record.name;
+        gateway.Replace(record);
+    }
     AQE_RequestContext context(command);
     User user;
     context.SetAuthentication(&user);
@@ -264,16 +303,19 @@ std::string Govern(EGrowth growth, const AQE_Governors* governors,
     const SettingsOverride newAlgo("General Options", "NewAlgo",
                                    growth == EGrowth::CheapestTrees ? 1 : 0);
     AQE_Governors* const given = governors == nullptr ? nullptr : &copy;
+    const qe::LogCapture log(1);
     std::ostringstream seen;
     try {
         if (growth == EGrowth::Library)
-            AQE_JoinTree(&model.GetGateway(), subjects, {}, {}, model.Subjects(), model.Joins(),
-                         given, &context, nullptr, nullptr);
+            AQE_JoinTree(&gateway, subjects, {}, {}, model.Subjects(), model.Joins(), given,
+                         &context, nullptr, nullptr);
         else
-            AQE_JoinTree(&model.GetGateway(), subjects, {}, {}, model.Subjects(), model.Joins(),
-                         given, &context, nullptr, nullptr, false, {});
+            AQE_JoinTree(&gateway, subjects, {}, {}, model.Subjects(), model.Joins(), given,
+                         &context, nullptr, nullptr, false, {});
     } catch (const HBNException& error) {
         const auto& message = error.GetMessages().at(0);
+        // The search writes its own notices there, too.
+        EXPECT_EQ(log.GetEntries().back().message, message.GetNumber());
         seen << "error " << error.GetSeverity() << " " << error.GetCode() << " " << std::hex
              << message.GetNumber() << std::dec << " " << error.GetLocation().file << ":"
              << error.GetLocation().line << " " << error.GetComponent();
@@ -291,8 +333,9 @@ TEST(CrossProductGovernor, DecidesByItsValueTheWayOfGrowingAndTheCommand)
 {
     const std::string warning = "warning -2 4 a9e29a41 <Analyst>;";
     const std::string error = "error 1 101 a9ee8a4d Source/QEJoinTree:";
-    const std::string names = " QE <A, B> <Analyst>";
-    const std::string allNames = " QE <A, B, C> <Analyst>";
+    const std::string pairNames = " QE <A, B> <Analyst>";
+    const std::string names = " QE <the A, the B> <Analyst>";
+    const std::string allNames = " QE <the A, the B, the C> <Analyst>";
     struct Row
     {
         EGrowth growth;
@@ -302,7 +345,7 @@ TEST(CrossProductGovernor, DecidesByItsValueTheWayOfGrowingAndTheCommand)
         std::string whenOther;
     };
     const Row rows[] = {
-        {EGrowth::Pairwise, "", warning + warning, error + "1088" + names, ""},
+        {EGrowth::Pairwise, "", warning + warning, error + "1088" + pairNames, ""},
         {EGrowth::Library, "", warning, error + "935" + names, ""},
         {EGrowth::CheapestTrees, warning, warning, error + "547" + allNames, warning},
     };

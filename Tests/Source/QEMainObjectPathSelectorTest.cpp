@@ -1,14 +1,19 @@
 #include "MainObjectPathSelector.h"
 
 #include "AQE_I_JoinPathDescriptor.h"
+#include "AQE_JoinCache.h"
+#include "AQE_RequestContext.h"
 #include "Engine/Model/ModelBuilder.h"
 #include "Engine/Model/ModelGateway.h"
 #include "ORVAssertError.h"
 #include "PathSelection.h"
+#include "Rules/Cardinality.h"
 #include "Tests/Support/CountingGateway.h"
 #include "Tests/Support/ModelText.h"
 
 #include <gmock/gmock.h>
+
+#include <memory>
 
 namespace {
 
@@ -21,6 +26,7 @@ using Options = MainObjectPathSelector::Options;
 constexpr Options kAnyEnd{false, true};
 constexpr Options kNoOptional{true, true};
 constexpr Options kSearch{false, false};
+constexpr Options kSearchNoOptional{true, false};
 
 struct Row
 {
@@ -49,6 +55,15 @@ const Row kRows[] = {
      "ab, bc", ""},
     {"Allows an optional end where it arrives", "A >-o B : ab", "A, B", kNoOptional, "ab",
      "A: A: A, B"},
+    {"Finds one that is optional", "A >o- B : ab", "A, B", kSearch, "ab", "A: A: A, B"},
+    {"Refuses an optional end at what it finds", "A >o- B : ab", "A, B", kSearchNoOptional, "ab",
+     ""},
+    {"Refuses to leave what it finds through an optional end", "A >- B : ab; B >o- C : bc", "A, C",
+     kSearchNoOptional, "ab, bc", ""},
+    {"Refuses an optional end at a join that it does not walk over", "A - B : one; A o- B : two",
+     "A, B", kNoOptional, "one, two", "B: B, A: A, B"},
+    {"Refuses it of what it finds as well", "A - B : one; A o- B : two", "A, B", kSearchNoOptional,
+     "one, two", "B: B, A: A, B"},
     {"Stops at a many-to-many join and judges what it saw before", "A >-< B : ab; B -< C : bc",
      "A, C", kAnyEnd, "ab, bc", "A: A: A, B, C"},
     {"Minds a fan-out before a many-to-many join only", "A -< B : ab; B >-< C : bc", "A, C",
@@ -91,6 +106,41 @@ TEST(MainObject, IsWhereEveryJoinLeadsToTheOneSide)
                                         row.options);
         EXPECT_EQ(selector.SelectAlternative({model.Ids(row.path)}), 0U);
         EXPECT_EQ(Describe(model, selector), row.result) << row.title;
+    }
+}
+
+TEST(MainObject, GoesByBothBoundsOfACardinality)
+{
+    const ModelText model("A - B : ab");
+    const struct
+    {
+        qe::CardinalityRange left;
+        qe::CardinalityRange right;
+        Options options;
+        const char* result;
+    } rows[] = {
+        {{12, 11}, {11, 11}, kAnyEnd, "A: A: A, B"},
+        {{11, 12}, {11, 11}, kAnyEnd, "A: A: A, B"},
+        {{12, 10}, {12, 10}, kAnyEnd, "B: B: A, B"}, // many-to-many: nothing was seen before
+        {{11, 10}, {11, 11}, kAnyEnd, "B: B: A, B"},
+        {{11, 11}, {11, 10}, kNoOptional, "A: A: A, B"},
+        {{11, 11}, {10, 11}, kNoOptional, "A: A: A, B"},
+        {{10, 11}, {11, 10}, kNoOptional, ""},
+        {{11, 11}, {11, 11}, kNoOptional, "B: B, A: A, B"},
+        {{12, 11}, {11, 11}, kSearch, "A: A: A, B"},
+    };
+    for (const auto& row : rows) {
+        AQE_RequestContext context;
+        context.SetJoinCache(std::make_unique<AQE_JoinCache>());
+        AQE_I_Refiner::QEjoinInfo info;
+        ASSERT_TRUE(AQE_I_Refiner::GetJoinInfo(&model.GetGateway(), nullptr, model.Id("ab"), info));
+        info.leftCardinality = row.left;
+        info.rightCardinality = row.right;
+        context.GetJoinCache()->CacheJoinInfo(info.joinId, info);
+        MainObjectPathSelector selector(&model.GetGateway(), &context, model.Ids("B, A"),
+                                        row.options);
+        selector.SelectAlternative({model.Ids("ab")});
+        EXPECT_EQ(Describe(model, selector), row.result) << &row - rows;
     }
 }
 
@@ -166,6 +216,21 @@ TEST(MainObject, FailsWhenAJoinVanishesUnderIt)
         EXPECT_EQ(error.GetLocation().line, 465);
         EXPECT_EQ(error.GetMacroName(), "ORV_THROW");
     }
+}
+
+TEST(MainObject, SearchesBeyondFifteenFanOutsOnEqualTerms)
+{
+    std::string text;
+    std::string path;
+    for (int number = 0; number < 20; ++number) {
+        const std::string end = std::to_string(number);
+        text += 's' + end + " -< s" + std::to_string(number + 1) + " : j" + end + ';';
+        path += 'j' + end + ',';
+    }
+    const ModelText model(text);
+    MainObjectPathSelector selector(&model.GetGateway(), nullptr, model.Ids("s0, s20"), kSearch);
+    selector.SelectAlternative({model.Ids(path)});
+    EXPECT_EQ(model.Name(selector.GetMainObject()), "s20");
 }
 
 TEST(MainObject, ScoresLongPathsWithoutOverflow)

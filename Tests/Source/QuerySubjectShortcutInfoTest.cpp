@@ -104,6 +104,12 @@ TEST(ShortcutInfo, JoinsTheMembersOfEachGroup)
         {"a join to the target moves the shortcut to it",
          "folder B; T; folder A; S -> T; T >- S; folder C; R -> T", "S, R", "T-S", "T-S T-R S-R",
          "T-R"},
+        {"and so does one that names the shortcut first",
+         "folder B; T; folder A; S -> T; S >- T; folder C; R -> T", "S, R", "S-T", "T-S T-R S-R",
+         "T-R"},
+        {"joins within the folder of the target do not make that the one to move to",
+         "folder P; T; S -> T; R -> T; T >- S; R >- T; folder C; Y -> T; folder D; X -> T; X >- Y",
+         "S, R, X, Y", "T-S, R-T, X-Y", "T-S T-R T-Y T-X S-R S-Y S-X R-Y R-X Y-X", "T-X"},
         {"the target is the key wherever it lies",
          "folder A; U; folder B; T; folder A; S -> T; folder C; R -> T", "R, S", "", "T-S T-R S-R",
          "T-S T-R S-R"},
@@ -133,9 +139,11 @@ TEST(ShortcutInfo, JoinsTheMembersOfEachGroup)
         Request byTarget(row.model, kByTarget);
         byTarget.Build(row.subjects, row.joins);
         EXPECT_EQ(byTarget.Joins(), row.byTarget);
-        Request byContainer(row.model, kByParent);
-        byContainer.Build(row.subjects, "", row.joins);
-        EXPECT_EQ(byContainer.Joins(), row.byContainer);
+        for (const int rule : {kByParent, 2, -1}) {
+            Request byContainer(row.model, rule);
+            byContainer.Build(row.subjects, "", row.joins);
+            EXPECT_EQ(byContainer.Joins(), row.byContainer);
+        }
     }
 }
 

@@ -15,7 +15,7 @@
 namespace qe::test {
 
 /// Tables of a shop: sales have a customer and, maybe, one who pays; islands stand alone.
-inline constexpr const char* ShopTables = R"(
+inline constexpr const char* kShopTables = R"(
     CREATE TABLE region (id INTEGER PRIMARY KEY);
     CREATE TABLE customer (id INTEGER PRIMARY KEY, region_id INT NOT NULL REFERENCES region);
     CREATE TABLE sale (customer_id INT NOT NULL REFERENCES customer,

@@ -1,7 +1,5 @@
 #include "Toolkit/Batch/Batch.h"
 
-#include "AQE_I_Refiner.h"
-#include "Engine/Services/SettingsOverride.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
 #include "Toolkit/Answers/RequestOutput.h"
@@ -212,7 +210,7 @@ std::string ToLine(const BatchEntry& entry)
 
 BatchRun RunShop(const std::string& requests, const BatchOptions& options)
 {
-    static const ToolModel shop = qe::test::ImportText(qe::test::ShopTables);
+    static const ToolModel shop = qe::test::ImportText(qe::test::kShopTables);
     std::istringstream input(requests);
     std::ostringstream output;
     const BatchSummary summary = RunBatch(shop, input, {output, ToLine}, options);
@@ -272,28 +270,15 @@ TEST(Batch, ThrowsWhenTheOutputCannotBeWritten)
     std::istringstream input(MakeRequests(200));
     std::ostringstream output;
     output.setstate(std::ios::badbit);
-    const ToolModel shop = qe::test::ImportText(qe::test::ShopTables);
+    const ToolModel shop = qe::test::ImportText(qe::test::kShopTables);
     EXPECT_THROW(static_cast<void>(RunBatch(shop, input, {output, ToLine}, {})),
                  std::runtime_error);
-}
-
-TEST(Batch, ReadsSettingsBeforeAnythingElse)
-{
-    static_cast<void>(RunShop("", {}));
-    const qe::SettingsOverride folders(I18NString("General Options"),
-                                       I18NString("AdjustWeightByFolder"), 1);
-    const qe::SettingsOverride mode(I18NString("General Options"), I18NString("FFJoins"), 0);
-    EXPECT_EQ(AQE_I_Refiner::GetFFJoinsMode(), 3);
-    const Answer answer =
-        Ask(qe::test::ImportText(qe::test::ShopTables), qe::test::Connect({"sale", "customer"}));
-    ASSERT_EQ(answer.alternatives.size(), 2U);
-    EXPECT_EQ(answer.weight, 17);
 }
 
 TEST(BatchCommand, ShowsFailuresByItsExitCode)
 {
     const qe::test::TemporaryFolder folder;
-    const std::string model = folder.Write("shop.sql", qe::test::ShopTables);
+    const std::string model = folder.Write("shop.sql", qe::test::kShopTables);
     const std::string requests = folder.Write("requests.jsonl", MakeRequests(2));
     using qe::test::RunTool;
     const auto answered =

@@ -88,13 +88,15 @@ TEST(CheckConditions, MustMentionBothEnds)
         A >- B : left on [Model].[A].[K] = 1
         A >- B : broken on [Model].[A].[K] =
         A >- B : unknown on [Model].[A].[K] = [Model].[B].[L]
+        A >- B : subject on [Model].[A].[K] = [Model].[B]
         A >- B : none
         S >- B : target on [Model].[A].[K] = [Model].[B].[K]
         S >- T : roles on [Model].[S].[K] = [Model].[A].[K]
         moved -> good : S, B
     )");
     const CheckReport report = CheckModel(model, options);
-    EXPECT_EQ(Summarize(report), "one-sided-condition: left; broken; unknown; none; roles");
+    EXPECT_EQ(Summarize(report),
+              "one-sided-condition: left; broken; unknown; subject; none; roles");
     EXPECT_EQ(report.rules.front().found.findings.back().text,
               "The join roles has a condition that does not mention its end T.");
 }

@@ -143,6 +143,15 @@ TEST(KeyChoice, NeverTakesAHeavierPath)
     EXPECT_EQ(choose(), "0 clear");
 }
 
+TEST(KeyChoice, TellsSubjectsOfOneNameApartByTheirNamespaces)
+{
+    const Column left{{"Old", "Order"}, "Id"};
+    const Column right{{"Order"}, "Id"};
+    EXPECT_EQ(FindColumnPairs("[Old].[Order].[Id] = [Order].[Id]"),
+              (std::vector<ColumnPair>{{left, right}}));
+    EXPECT_TRUE(FindColumnPairs("[Order].[Id] = [Order].[Parent] + [one]").empty());
+}
+
 const char* const kRequests =
     // The same, written otherwise.
     R"({"id": "a", "db": "shop", "given": "x", "case": "1", "subjects": ["SALE", "region"],
@@ -186,8 +195,8 @@ std::string RequestLines()
 TEST(Evaluate, ComparesWithTheJoinsThatPeopleWrote)
 {
     const TemporaryFolder folder;
-    folder.Write("shop.sql", qe::test::ShopTables);
-    folder.Write("two.sql", qe::test::ShopTables);
+    folder.Write("shop.sql", qe::test::kShopTables);
+    folder.Write("two.sql", qe::test::kShopTables);
     folder.Write("two.json", "{}");
     ModelSource models(folder / "", [](const auto& path) { return ImportSql({path}, {}); });
     std::istringstream requests(RequestLines());
@@ -216,7 +225,7 @@ TEST(Evaluate, ComparesWithTheJoinsThatPeopleWrote)
 TEST(EvaluateCommand, WritesTextAndJson)
 {
     const TemporaryFolder models;
-    models.Write("shop.sql", qe::test::ShopTables);
+    models.Write("shop.sql", qe::test::kShopTables);
     const TemporaryFolder folder;
     const std::string requests = folder.Write("requests.jsonl", RequestLines());
     const auto listed = qe::test::RunTool({"evaluate", models / "", requests, "--list"});
@@ -233,6 +242,27 @@ TEST(EvaluateCommand, WritesTextAndJson)
     EXPECT_EQ(json["differences"].size(), 10U);
     EXPECT_EQ(qe::test::RunTool({"evaluate", models / "none", requests}).code,
               EExitCode::CannotReadOrWrite);
+}
+
+TEST(EvaluateCommand, ShowsHostileTextsAsText)
+{
+    const TemporaryFolder folder;
+    const std::string model = folder.Write("shop.sql", qe::test::ShopTables);
+    const std::string requests = folder.Write(
+        "requests.jsonl",
+        R"({"id": "\u001b[2J\n", "given": "\u001b[31m", "case": "\u0007", "subjects": ["\u001b[1m"]})"
+        "\n"
+        R"({"id": "b", "subjects": ["sale", "region"], "joins": [["\u001b[1m.x", "sale.\u202e"]]})"
+        "\n"
+        R"({"id": "c", "joins": 1, "\u001b": 1, "\u0007": 2})");
+    for (const char* format : {"text", "json"}) {
+        const auto listed =
+            qe::test::RunTool({"evaluate", model, requests, "--list", "--format", format});
+        EXPECT_EQ(listed.code, EExitCode::Done);
+        for (const char letter : listed.output)
+            EXPECT_TRUE(letter == '\n' || static_cast<unsigned char>(letter) >= 0x20) << format;
+        EXPECT_THAT(listed.output, HasSubstr("[2J"));
+    }
 }
 
 /// Requests that people wrote against public schemas, which lie outside the project. Where a

@@ -247,9 +247,9 @@ TEST(ModelFileTest, NoMutationIsHalfAccepted)
 {
     const std::string text = WorkedModel();
     using namespace std::string_view_literals;
-    constexpr std::string_view pieces[] = {"\"", "{",     "}",      "[",       "]",     ",",
-                                           ":",  "\\",    "\xC3",   "-1",      "1e999", "null",
-                                           "[]", "\"a\"", "Orders", "\\u0000", "\0"sv};
+    constexpr std::string_view kPieces[] = {"\"", "{",     "}",      "[",       "]",     ",",
+                                            ":",  "\\",    "\xC3",   "-1",      "1e999", "null",
+                                            "[]", "\"a\"", "Orders", "\\u0000", "\0"sv};
     std::mt19937 random(1);
     int accepted = 0;
     for (int round = 0; round < 1500; ++round) {
@@ -260,7 +260,7 @@ TEST(ModelFileTest, NoMutationIsHalfAccepted)
             if (random() % 2 == 0)
                 mutated.insert(place, mutated.substr(random() % mutated.size(), length));
             else
-                mutated.replace(place, length, pieces[random() % std::size(pieces)]);
+                mutated.replace(place, length, kPieces[random() % std::size(kPieces)]);
         }
         try {
             const ToolModel model = ReadModelText(mutated, "m");

@@ -1,9 +1,11 @@
 #include "Engine/Model/Model.h"
+#include "Engine/Model/ModelBuilder.h"
 #include "Tests/Support/ModelText.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
 #include "Tests/Toolkit/SchemaCheck.h"
 #include "Tests/Toolkit/SqlRows.h"
+#include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Model/ModelFile.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputFile.h"
@@ -128,7 +130,7 @@ std::vector<std::string> Mutate(const nlohmann::json& document)
 TEST(OutputTest, SchemaAcceptsEveryReportAndRefusesMutations)
 {
     const qe::test::TemporaryFolder folder;
-    const std::string shop = folder.Write("shop.sql", qe::test::ShopTables);
+    const std::string shop = folder.Write("shop.sql", qe::test::kShopTables);
     const std::string lines = "{\"id\": [7], \"subjects\": [\"sale\", \"customer\"], \"joins\": "
                               "[[\"sale.payer_id\", \"customer.id\"]]}\n"
                               "{\"id\": 8, \"subjects\": [\"isle\"]}\n[";
@@ -230,11 +232,98 @@ TEST(OutputTest, SqlGivesTheRowsOfJoinsWrittenByHand)
     EXPECT_EQ(RunSql(database, both).size(), 3U);
 }
 
+struct RoleCase
+{
+    /// The namespaces of the tables and of the shortcuts to customers; empty for none.
+    const char* tables;
+    const char* roles;
+    const char* buyer;
+    const char* conditions;
+};
+
+/// Returns a model of orders and customers, some of whom pay for others, with relationship
+/// shortcuts that lead from the orders to the buyer and from there to "Pay.[er]".
+ToolModel MakeRoleModel(const RoleCase& names)
+{
+    using namespace qe::model;
+    ModelBuilder builder;
+    const auto enter = [&builder](std::string name) {
+        return name.empty() ? amd_id() : builder.AddNamespace(std::move(name));
+    };
+    const amd_id space = enter(names.tables);
+    const amd_id folder = builder.AddFolder(space, "Folder");
+    const amd_id roles = names.roles == std::string(names.tables) ? folder : enter(names.roles);
+    const amd_id orders = builder.AddQuerySubject(folder, "Orders");
+    const amd_id customer = builder.AddQuerySubject(space, "Customer");
+    builder.AddItem(orders, "Id");
+    builder.AddItem(orders, "Cust");
+    builder.AddItem(customer, "Id");
+    builder.AddItem(customer, "Payer");
+    const auto refer = [&names](const std::string& subject, const std::string& item) {
+        QualifiedName name{names.tables, subject, item};
+        name.erase(name.begin(), name.begin() + (name.front().empty() ? 1 : 0));
+        return ToReferenceText(name);
+    };
+    builder.AddRelationship(space, "order", {orders, kOneToMany}, {customer},
+                            refer("Orders", "Cust") + '=' + refer("Customer", "Id"));
+    builder.AddRelationship(space, "payment", {customer, kOneToMany}, {customer},
+                            refer("Customer", "Payer") + '=' + refer("Customer", "Id"));
+    const amd_id buyer = builder.AddShortcut(roles, names.buyer, {customer, 2});
+    const amd_id payer = builder.AddShortcut(roles, "Pay.[er]", {customer, 2});
+    builder.AddRelationshipShortcut(roles, "bought", {"order", orders, buyer});
+    builder.AddRelationshipShortcut(roles, "paid", {"payment", buyer, payer});
+    return {builder.Build()};
+}
+
+TEST(OutputTest, SqlOverRelationshipShortcutsReadsTheColumnsOfTheirEnds)
+{
+    const RoleCase cases[] = {
+        {"", "", "Buyer", "[Orders].[Cust] = [Buyer].[Id]; [Buyer].[Payer] = [Pay.[er]]].[Id]"},
+        {"", "N", "Buyer",
+         "[Orders].[Cust] = [N].[Buyer].[Id]; [N].[Buyer].[Payer] = [N].[Pay.[er]]].[Id]"},
+        {"N", "", "Buyer",
+         "[N].[Orders].[Cust] = [Buyer].[Id]; [Buyer].[Payer] = [Pay.[er]]].[Id]"},
+        {"N", "M", "Buyer",
+         "[N].[Orders].[Cust] = [M].[Buyer].[Id]; [M].[Buyer].[Payer] = [M].[Pay.[er]]].[Id]"},
+        // Names that are taken elsewhere, once by a namespace.
+        {"", "Orders", "Customer",
+         "[Orders].[Cust] = [Orders].[Customer].[Id]; "
+         "[Orders].[Customer].[Payer] = [Orders].[Pay.[er]]].[Id]"},
+        {"N].[M", "", "Customer",
+         "[N]].[M].[Orders].[Cust] = [Customer].[Id]; [Customer].[Payer] = [Pay.[er]]].[Id]"},
+    };
+    const SqliteDatabase database = SqliteDatabase::OpenMemory();
+    RunSql(database, R"(
+        CREATE TABLE "Orders"("Id", "Cust"); CREATE TABLE "Customer"("Id", "Payer");
+        INSERT INTO "Customer" VALUES (7, 8), (8, 9), (9, 9);
+        INSERT INTO "Orders" VALUES (1, 7), (2, 8), (3, 9);
+    )");
+    for (const RoleCase& names : cases) {
+        const ToolModel model = MakeRoleModel(names);
+        const Question question = Connect({"100:1", "109:2"});
+        const Answer answer = Ask(model, question);
+        std::string conditions;
+        for (const amd_id& join : answer.path)
+            conditions += (conditions.empty() ? "" : "; ") + answer.FindJoin(join)->condition;
+        EXPECT_EQ(conditions, names.conditions);
+        const std::string from = WriteAs("sql", model, question);
+        EXPECT_EQ(RunSql(database,
+                         "SELECT \"Orders\".\"Id\", \"Pay.[er]\".\"Id\"\n" + from + "ORDER BY 1"),
+                  (qe::test::SqlRows{{"1", "8"}, {"2", "9"}, {"3", "9"}}))
+            << from;
+        EXPECT_EQ(qe::test::MistakesOf([&model] {
+                      static_cast<void>(ReadModelText(WriteModelText(model), "roles.json"));
+                  }),
+                  "no mistake");
+    }
+}
+
 TEST(OutputTest, SqlIsRefusedWhereAConditionIsMissingOrSaysNothing)
 {
     const Question question = Connect({"A", "B"});
     for (const char* text :
-         {"A >- B : j", "A >- B : j on [x] = = 2", "A >- B : j on [Model].[C].[k] = 1; C(k)"})
+         {"A >- B : j", "A >- B : j on [x] = = 2", "A >- B : j on [Model].[C].[k] = 1; C(k)",
+          "A >- B : j on [Model].[A] = [Model].[B]"})
         EXPECT_THROW(static_cast<void>(WriteAs("sql", MakeModel(text), question)), InputError)
             << text;
 }

@@ -126,15 +126,19 @@ void AddRow(TextTable& table, const Row& row)
 std::string PairsText(const std::vector<NamedPair>& pairs)
 {
     const auto toText = [](const NamedPair& pair) { return pair.first + " = " + pair.second; };
-    return pairs.empty() ? "-" : JoinTexts(pairs, toText);
+    return pairs.empty() ? "-" : ToDisplayText(JoinTexts(pairs, toText));
 }
 
 void WriteDifference(std::ostream& out, const Difference& difference)
 {
-    out << "line " << difference.line << ' ' << difference.id << ": "
+    out << "line " << difference.line << ' ' << ToDisplayText(difference.id) << ": "
         << ToText(difference.comparison);
     if (!difference.reason.empty()) {
-        out << ": " << difference.reason << '\n';
+        std::istringstream problems(difference.reason);
+        const char* separator = ": ";
+        for (std::string problem; std::getline(problems, problem); separator = "\n  ")
+            out << separator << ToDisplayText(problem);
+        out << '\n';
         return;
     }
     out << "\n  written only: " << PairsText(difference.onlyWritten)

@@ -3,6 +3,7 @@
 #include "AQE_Expression.h"
 #include "Engine/Expression/Printer.h"
 #include "HBNException.h"
+#include "IdClass.h"
 #include "Source/Rules/JoinEnds.h"
 #include "Toolkit/Answers/SqlTables.h"
 #include "Toolkit/Text/InputFile.h"
@@ -82,6 +83,12 @@ private:
 
     [[nodiscard]] amd_id FindEnd(const AQE_ExpressionNode& reference) const
     {
+        const amd_id referenced = reference.GetReferencedId();
+        if (referenced.IsValid() && referenced.classCode != IdClassQueryItem)
+            Reject(mJoin, "The condition refers to the " +
+                              std::string(model::ClassTitle(referenced.classCode)) + " \"" +
+                              mModel.Find(referenced)->name +
+                              "\", where an item is needed: " + mJoin.condition);
         const amd_id subject = FindSubject(reference);
         if (subject == mJoin.left || subject == mJoin.right)
             return subject;

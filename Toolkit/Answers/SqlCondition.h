@@ -14,8 +14,8 @@ namespace qe::tool {
 /// is named, the first references mean the left end, as CountLeftReferences counts them, and the
 /// others the right one.
 ///
-/// Throws InputError when there is no condition, or it cannot be read, or it refers to what the
-/// statement has no table for.
+/// Throws InputError when there is no condition, or it cannot be read, or it refers to what is no
+/// item or what the statement has no table for.
 [[nodiscard]] std::string WriteSqlCondition(model::ModelGateway& gateway, const SqlTables& tables,
                                             const AnswerJoin& join);
 

@@ -16,10 +16,12 @@ namespace {
 
 Column ToColumn(const expression::NamedReference& reference)
 {
-    const auto& names = reference.names;
-    if (names.size() < 2)
-        return {};
-    return {names[names.size() - 2].ToStdString(), names.back().ToStdString()};
+    Column column;
+    for (const I18NString& name : reference.names)
+        column.subject.push_back(name.ToStdString());
+    column.name = column.subject.back();
+    column.subject.pop_back();
+    return column;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #ifndef TOOLKIT_ASK_KEYCHOICE_H
 #define TOOLKIT_ASK_KEYCHOICE_H
 
+#include "Engine/Model/Names.h"
 #include "Toolkit/Ask/Answer.h"
 
 #include <cstddef>
@@ -13,7 +14,8 @@ namespace qe::tool {
 /// A column as a condition names it.
 struct Column
 {
-    std::string subject{};
+    /// The names before the column's: the subject's, perhaps behind its namespace's.
+    model::QualifiedName subject{};
     std::string name{};
 
     friend bool operator==(const Column&, const Column&) = default;
@@ -24,6 +26,8 @@ struct ColumnPair
 {
     Column left{};
     Column right{};
+
+    friend bool operator==(const ColumnPair&, const ColumnPair&) = default;
 };
 
 /// Returns the pairs of columns that a join condition names one after the other, in reading order:

@@ -31,7 +31,7 @@ public:
         if (mListeners.empty())
             mCapture = std::make_unique<LogCapture>(
                 kNoticeLevel, [this](const LogEntry& entry) { Route(entry); },
-                LogCapture::EOthers::Told);
+                LogCapture::EOthers::AlsoReceive);
         mListeners.emplace(std::this_thread::get_id(), &texts);
     }
 

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace qe::tool {
@@ -54,6 +55,20 @@ enum class ESelector : std::uint8_t
     /// SelectorChoice::choose is asked.
     Ask,
 };
+
+/// The words for who chooses. Requests know all but "ask", which takes a user.
+inline constexpr std::array<std::pair<std::string_view, ESelector>, 4> kSelectorWords{
+    {{"keys", ESelector::Keys},
+     {"first", ESelector::First},
+     {"main-object", ESelector::MainObject},
+     {"ask", ESelector::Ask}}};
+
+/// The words for what a request is for.
+inline constexpr std::array<std::pair<std::string_view, AQE_RequestContext::ECommandType>, 4>
+    kCommandTypeWords{{{"none", AQE_RequestContext::CommandTypeNone},
+                       {"query", AQE_RequestContext::CommandTypeQuery},
+                       {"validate", AQE_RequestContext::CommandTypeValidate},
+                       {"describe", AQE_RequestContext::CommandTypeDescribe}}};
 
 /// The candidates of a choice; the position that is given must be below their number.
 using ChooseAlternative = std::function<std::size_t(const Answer& soFar)>;

@@ -1,8 +1,6 @@
 #include "Toolkit/Batch/Batch.h"
 
-#include "AQE_I_Refiner.h"
 #include "Engine/Model/Model.h"
-#include "Engine/Model/ModelBuilder.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Batch/LineReader.h"
 #include "Toolkit/Batch/OrderedWork.h"
@@ -78,7 +76,7 @@ using EOutcome = WorkResult::EOutcome;
 /// Lines in memory for each thread: enough to keep the threads busy beside one slow request.
 constexpr std::size_t kWindowPerThread = 32;
 
-/// Answers requests; one object serves all threads.
+/// What answers requests; one object serves all threads.
 class Answerer
 {
 public:
@@ -145,7 +143,6 @@ void Count(const WorkResult& result, BatchSummary& summary)
 BatchSummary RunBatch(const ToolModel& model, std::istream& requests, const BatchOutput& output,
                       const BatchOptions& options)
 {
-    ReadSettingsOnce();
     BatchSummary summary;
     OrderedWork work(options.threads, options.threads * kWindowPerThread,
                      Answerer(model, output, options), [&](const WorkResult& result) {
@@ -167,20 +164,6 @@ BatchSummary RunBatch(const ToolModel& model, std::istream& requests, const Batc
     summary.wasInterrupted = isStopped();
     output.stream.flush();
     return summary;
-}
-
-void ReadSettingsOnce()
-{
-    static_cast<void>(AQE_I_Refiner::GetFFJoinsMode());
-    // The weight of folders is read when the first candidates are compared.
-    model::ModelBuilder builder;
-    const amd_id a = builder.AddQuerySubject({}, "a");
-    const amd_id b = builder.AddQuerySubject({}, "b");
-    for (const char* name : {"first", "second"})
-        builder.AddRelationship({}, name, {a, model::kZeroToMany}, {b, model::kOneToOne}, "1 = 1");
-    Question question;
-    question.subjects = {"a", "b"};
-    static_cast<void>(Ask(ToolModel{builder.Build()}, question));
 }
 
 } // namespace qe::tool

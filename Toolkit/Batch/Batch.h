@@ -97,18 +97,13 @@ struct BatchOptions
     std::function<void(const BatchSummary& soFar)> observer{};
 };
 
-/// Answers one request a line with one line of output, in the order of the input. A line that
-/// cannot be answered gets an error and the rest go on. A bounded number of lines is in memory at a
-/// time.
+/// Writes a line of output for each line of requests, in their order. A line that cannot be
+/// answered gets an error and the rest go on. A bounded number of lines is in memory at a time.
+/// Returns what the lines came to.
 ///
-/// The settings of the process are read before the threads start. Throws std::runtime_error when
-/// the output cannot be written.
+/// Throws std::runtime_error when the output cannot be written.
 [[nodiscard]] BatchSummary RunBatch(const ToolModel& model, std::istream& requests,
                                     const BatchOutput& output, const BatchOptions& options);
-
-/// Makes the library read the settings that it reads once in the life of the process, which is not
-/// safe on several threads.
-void ReadSettingsOnce();
 
 } // namespace qe::tool
 

@@ -3,14 +3,14 @@
 #include "Toolkit/Text/JsonObject.h"
 #include "Toolkit/Text/JsonText.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 
 namespace qe::tool {
 
 namespace {
-
-using CommandType = AQE_RequestContext::ECommandType;
 
 constexpr NumberRange kGovernorRange{.minimum = -1000000, .maximum = 1000000};
 
@@ -24,22 +24,17 @@ JsonWords<EOperation> OperationWords()
     return words;
 }
 
-const JsonWords<ESelector>& SelectorWords()
+JsonWords<ESelector> SelectorWords()
 {
-    static const JsonWords<ESelector> words{{"keys", ESelector::Keys},
-                                            {"first", ESelector::First},
-                                            {"main-object", ESelector::MainObject}};
+    JsonWords<ESelector> words;
+    std::copy_if(kSelectorWords.begin(), kSelectorWords.end(), std::back_inserter(words),
+                 [](const auto& word) { return word.second != ESelector::Ask; });
     return words;
 }
 
-const JsonWords<CommandType>& CommandTypeWords()
+JsonWords<AQE_RequestContext::ECommandType> CommandTypeWords()
 {
-    static const JsonWords<CommandType> words{
-        {"none", AQE_RequestContext::CommandTypeNone},
-        {"query", AQE_RequestContext::CommandTypeQuery},
-        {"validate", AQE_RequestContext::CommandTypeValidate},
-        {"describe", AQE_RequestContext::CommandTypeDescribe}};
-    return words;
+    return {kCommandTypeWords.begin(), kCommandTypeWords.end()};
 }
 
 /// Replaces a value by what was read, if anything was.

@@ -53,7 +53,8 @@ public:
             return "has a condition that cannot be read: " + report.error->expected +
                    " was expected, not " + report.error->found;
         for (const expression::NamedReference& reference : report.references) {
-            if (const auto resolved = mModel.GetGateway().ResolveReference(reference.names))
+            const auto resolved = mModel.GetGateway().ResolveReference(reference.names);
+            if (resolved && resolved->referencedId.classCode == IdClassQueryItem)
                 mMentioned.insert(resolved->querySubjectId);
         }
         return FindMissingEnds();

@@ -88,8 +88,8 @@ struct Picture
 [[nodiscard]] PictureEdge MakePictureEdge(const AnswerJoin& join,
                                           const std::map<amd_id, std::size_t>& positions);
 
-/// Tells facts from dimensions by the joins that are not drawn too: a dimension is the to-one end
-/// of a many-to-one join, a fact only the other.
+/// The facts and dimensions of a picture, by the joins that are not drawn too: a dimension is the
+/// to-one end of a many-to-one join, a fact only the other.
 class FactMarks
 {
 public:

@@ -73,13 +73,11 @@ std::vector<NamedPair> FindNamedPairs(const model::Model& model, const amd_id& l
 {
     const auto toName = [&](const Column& column) {
         for (const amd_id& end : {left, right}) {
-            const model::ObjectRecord* const subject = model.Find(end);
-            if (subject == nullptr || subject->name != column.subject)
-                continue;
-            if (const auto* const target = model.Find(model.GetTarget(end)))
+            const auto* const target = model.Find(model.GetTarget(end));
+            if (target != nullptr && model.GetQualifiedName(end) == column.subject)
                 return ToColumnName(target->name, column.name);
         }
-        return ToColumnName(column.subject, column.name);
+        return ToColumnName(column.subject.back(), column.name);
     };
     std::vector<NamedPair> pairs;
     for (const ColumnPair& pair : FindColumnPairs(condition))

@@ -7,7 +7,6 @@
 
 #include <charconv>
 #include <istream>
-#include <map>
 #include <ostream>
 #include <string>
 #include <system_error>
@@ -21,11 +20,15 @@ constexpr const char* kGraphGroup = "Joins and graph";
 constexpr const char* kChoiceGroup = "Choice";
 constexpr const char* kGovernorGroup = "Governors";
 
-/// Also takes the numbers that the words stand for.
-template <typename T>
-CLI::Validator WordOrNumber(const std::map<std::string, T>& values)
+/// Adds an option that takes words, and the numbers that they stand for.
+template <typename Target, typename Value>
+void AddWordOrNumber(CLI::App& command, const std::string& option, Target& chosen,
+                     const Choices<Value>& words, const std::string& description)
 {
-    return CLI::CheckedTransformer(values).description("");
+    command.add_option(option, chosen, description)
+        ->transform(CLI::CheckedTransformer(words).description(""))
+        ->type_name(ToTypeName(words))
+        ->group(kGovernorGroup);
 }
 
 /// Shows the ranked alternatives on the error stream and reads the number of one from the input.
@@ -121,10 +124,7 @@ void AddSelector(CLI::App& command, Question& question)
     SelectorChoice& selector = question.selector;
     AddChoice(
         command, "--selector", selector.kind,
-        {{"keys", ESelector::Keys},
-         {"first", ESelector::First},
-         {"main-object", ESelector::MainObject},
-         {"ask", ESelector::Ask}},
+        Choices<ESelector>(kSelectorWords.begin(), kSelectorWords.end()),
         "Who chooses: of the cheapest paths the one that keys speak for, the best-ranked one, "
         "the first with a main object, or the user")
         ->group(kChoiceGroup);
@@ -141,32 +141,16 @@ void AddSelector(CLI::App& command, Question& question)
 
 void AddGovernors(CLI::App& command, Question& question)
 {
-    static const std::map<std::string, std::int32_t> crossProducts{
-        {"allow", 0}, {"warn", 1}, {"deny", 2}};
-    static const std::map<std::string, std::int32_t> groupings{{"target", 0}, {"container", 1}};
-    static const std::map<std::string, AQE_RequestContext::ECommandType> commandTypes{
-        {"none", AQE_RequestContext::CommandTypeNone},
-        {"query", AQE_RequestContext::CommandTypeQuery},
-        {"validate", AQE_RequestContext::CommandTypeValidate},
-        {"describe", AQE_RequestContext::CommandTypeDescribe}};
-    command
-        .add_option("--cross-product", question.governors.crossProduct,
-                    "What happens when subjects cannot be connected")
-        ->transform(WordOrNumber(crossProducts))
-        ->type_name("allow|warn|deny")
-        ->group(kGovernorGroup);
-    command
-        .add_option("--grouping", question.governors.grouping,
-                    "Group shortcuts by what they stand for or by where they are kept")
-        ->transform(WordOrNumber(groupings))
-        ->type_name("target|container")
-        ->group(kGovernorGroup);
-    command
-        .add_option("--command-type", question.commandType,
-                    "What the request is for; \"describe\" never fails for a cross product")
-        ->transform(WordOrNumber(commandTypes))
-        ->type_name("none|query|validate|describe")
-        ->group(kGovernorGroup);
+    AddWordOrNumber(command, "--cross-product", question.governors.crossProduct,
+                    Choices<std::int32_t>{{"allow", 0}, {"warn", 1}, {"deny", 2}},
+                    "What happens when subjects cannot be connected");
+    AddWordOrNumber(command, "--grouping", question.governors.grouping,
+                    Choices<std::int32_t>{{"target", 0}, {"container", 1}},
+                    "Group shortcuts by what they stand for or by where they are kept");
+    AddWordOrNumber(command, "--command-type", question.commandType,
+                    Choices<AQE_RequestContext::ECommandType>(kCommandTypeWords.begin(),
+                                                              kCommandTypeWords.end()),
+                    "What the request is for; \"describe\" never fails for a cross product");
 }
 
 ToolModel OpenModel(const QuestionOptions& options, const CommandContext& context)

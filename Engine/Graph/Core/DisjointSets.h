@@ -9,7 +9,7 @@
 namespace qe::graph {
 
 /// Splits the numbers 0 to count - 1 into sets that can be united: union by size with path
-/// halving (Tarjan and van Leeuwen 1984), nearly constant time an operation.
+/// halving, nearly constant time an operation (Tarjan and van Leeuwen 1984).
 class DisjointSets
 {
 public:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 namespace qe::graph {
 
@@ -25,52 +26,54 @@ bool IsTargetLess(const Arc& left, const Arc& right)
 
 void GraphStorage::AddNode(const amd_id& node)
 {
-    mNewNodes.push_back(node);
     if (IsDue(mNewNodes.size(), mNodeIds.GetCount()))
         MergePendingNodes();
+    mNewNodes.push_back(node);
 }
 
 void GraphStorage::AddEdge(const amd_id& edge, const amd_id& end1, const amd_id& end2,
                            std::uint32_t weight)
 {
-    mNewEdges.push_back({end1, end2, weight});
-    mNewEdgeIds.push_back(edge);
     if (IsDue(mNewEdges.size(), mEdgeIds.GetCount()))
         MergePendingEdges();
+    mNewEdges.push_back({edge, end1, end2, weight});
 }
 
 void GraphStorage::MergePendingNodes()
 {
     if (mNewNodes.empty())
         return;
-    if (!mNodeIds.Add(mNewNodes).empty()) {
+    if (mNodeIds.Add(mNewNodes)) {
         ++mRevision;
         mHasAdjacency = false;
     }
     mNewNodes.clear();
 }
 
+// Whatever fails before the commit leaves the edges buffered, for the next merge to find. Ends that
+// were added by then are those that it would add.
 void GraphStorage::MergePendingEdges()
 {
     MergePendingNodes();
     if (mNewEdges.empty())
         return;
-    const std::vector<std::uint32_t> places = mEdgeIds.Add(mNewEdgeIds);
-    const std::vector<std::uint32_t> ends = ResolveEnds(places);
-    for (std::size_t i = 0; i < places.size(); ++i)
-        mEdges.push_back(
-            {NodeIndex{ends[2 * i]}, NodeIndex{ends[2 * i + 1]}, mNewEdges[places[i]].weight});
-    if (!places.empty()) {
+    std::vector<amd_id> ids;
+    ids.reserve(mNewEdges.size());
+    for (const NewEdge& edge : mNewEdges)
+        ids.push_back(edge.id);
+    IdIndex::Addition addition = mEdgeIds.Prepare(ids);
+    const std::vector<Edge> edges = ResolveEdges(addition.GetPlaces());
+    mEdges.insert(mEdges.end(), edges.begin(), edges.end());
+    mEdgeIds.Commit(std::move(addition));
+    if (!edges.empty()) {
         ++mRevision;
         mHasAdjacency = false;
     }
     mNewEdges.clear();
-    mNewEdgeIds.clear();
 }
 
-// Returns the slots of both ends of the new edges at `places`, after adding the ends that are
-// missing.
-std::vector<std::uint32_t> GraphStorage::ResolveEnds(const std::vector<std::uint32_t>& places)
+// Returns the new edges at `places`, after adding those of their ends that are missing.
+std::vector<Edge> GraphStorage::ResolveEdges(const std::vector<std::uint32_t>& places)
 {
     std::vector<std::uint32_t> slots;
     slots.reserve(2 * places.size());
@@ -89,7 +92,13 @@ std::vector<std::uint32_t> GraphStorage::ResolveEnds(const std::vector<std::uint
     mNodeIds.Add(missing);
     for (std::size_t i = 0; i < open.size(); ++i)
         slots[open[i]] = *mNodeIds.FindSlot(missing[i]);
-    return slots;
+
+    std::vector<Edge> edges;
+    edges.reserve(places.size());
+    for (std::size_t i = 0; i < places.size(); ++i)
+        edges.push_back(
+            {NodeIndex{slots[2 * i]}, NodeIndex{slots[2 * i + 1]}, mNewEdges[places[i]].weight});
+    return edges;
 }
 
 void GraphStorage::SetEdgeWeight(const amd_id& edge, std::uint32_t weight)

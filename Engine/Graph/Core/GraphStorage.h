@@ -16,7 +16,8 @@ namespace qe::graph {
 ///
 /// Additions are only buffered. The first question afterwards merges them, and the first question
 /// that needs the view numbers nodes and edges by ascending id and builds their adjacency, in
-/// O(n + m). A change of weight leaves the adjacency standing.
+/// O(n + m). A change of weight leaves the adjacency standing. When memory runs out, the operation
+/// that throws has added and changed nothing.
 class GraphStorage
 {
 public:
@@ -55,6 +56,7 @@ public:
 private:
     struct NewEdge
     {
+        amd_id id;
         amd_id end1;
         amd_id end2;
         std::uint32_t weight;
@@ -62,14 +64,13 @@ private:
 
     void MergePendingNodes();
     void MergePendingEdges();
-    std::vector<std::uint32_t> ResolveEnds(const std::vector<std::uint32_t>& places);
+    std::vector<Edge> ResolveEdges(const std::vector<std::uint32_t>& places);
     void BuildAdjacency();
     void BuildArcs(std::uint32_t nodeCount);
     void BuildSelfLoops();
 
     // Buffered, not yet merged.
     std::vector<amd_id> mNewNodes;
-    std::vector<amd_id> mNewEdgeIds;
     std::vector<NewEdge> mNewEdges;
 
     // By id; the ends of mEdges are slots of mNodeIds.

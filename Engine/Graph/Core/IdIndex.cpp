@@ -96,6 +96,16 @@ const IdIndex::Entry* FindIn(const std::vector<IdIndex::Entry>& run, const IdInd
     return !run.empty() && IsSameId(*first, key) ? first : nullptr;
 }
 
+std::vector<IdIndex::Entry> MergeRuns(const std::vector<IdIndex::Entry>& left,
+                                      const std::vector<IdIndex::Entry>& right)
+{
+    std::vector<IdIndex::Entry> merged;
+    merged.reserve(left.size() + right.size());
+    std::merge(left.begin(), left.end(), right.begin(), right.end(), std::back_inserter(merged),
+               IsIdLess);
+    return merged;
+}
+
 } // namespace
 
 amd_id IdIndex::Entry::GetId() const
@@ -104,25 +114,44 @@ amd_id IdIndex::Entry::GetId() const
             FromOrdered(static_cast<std::uint32_t>(domainAndClass)), FromOrdered(number)};
 }
 
-std::vector<std::uint32_t> IdIndex::Add(std::span<const amd_id> ids)
+IdIndex::Addition IdIndex::Prepare(std::span<const amd_id> ids)
 {
-    Run run;
+    Addition addition;
+    Run& run = addition.mRun;
     run.reserve(ids.size());
     for (const amd_id& id : ids)
         run.push_back(MakeEntry(id, static_cast<std::uint32_t>(run.size())));
     SortById(run);
     run.erase(std::unique(run.begin(), run.end(), IsSameId), run.end());
     DropKnown(run);
-    std::vector<std::uint32_t> places = AssignSlots(run, ids.size());
-    if (!run.empty())
-        mRuns.push_back(std::move(run));
-    while (mRuns.size() > 1 && mRuns[mRuns.size() - 2].size() <= 2 * mRuns.back().size())
-        MergeLastTwoRuns();
-    return places;
+    addition.mPlaces = AssignSlots(run, ids.size());
+    std::size_t& kept = addition.mKeptRuns;
+    kept = mRuns.size();
+    while (!run.empty() && kept > 0 && mRuns[kept - 1].size() <= 2 * run.size())
+        run = MergeRuns(mRuns[--kept], run);
+    mRuns.reserve(kept + 1);
+    return addition;
+}
+
+void IdIndex::Commit(Addition addition) noexcept
+{
+    if (addition.mPlaces.empty())
+        return;
+    mCount += static_cast<std::uint32_t>(addition.mPlaces.size());
+    mRuns.resize(addition.mKeptRuns);
+    mRuns.push_back(std::move(addition.mRun));
+}
+
+bool IdIndex::Add(std::span<const amd_id> ids)
+{
+    Addition addition = Prepare(ids);
+    const bool isNew = !addition.GetPlaces().empty();
+    Commit(std::move(addition));
+    return isNew;
 }
 
 // Turns the places in the entries into slots, given in the order of the places.
-std::vector<std::uint32_t> IdIndex::AssignSlots(Run& run, std::size_t placeCount)
+std::vector<std::uint32_t> IdIndex::AssignSlots(Run& run, std::size_t placeCount) const
 {
     constexpr std::uint32_t kNoSlot = std::numeric_limits<std::uint32_t>::max();
     std::vector<std::uint32_t> slotOfPlace(placeCount, kNoSlot);
@@ -130,10 +159,11 @@ std::vector<std::uint32_t> IdIndex::AssignSlots(Run& run, std::size_t placeCount
         slotOfPlace[entry.slot] = 0;
     std::vector<std::uint32_t> places;
     places.reserve(run.size());
+    std::uint32_t next = mCount;
     for (std::uint32_t place = 0; place < placeCount; ++place) {
         if (slotOfPlace[place] == kNoSlot)
             continue;
-        slotOfPlace[place] = mCount++;
+        slotOfPlace[place] = next++;
         places.push_back(place);
     }
     for (Entry& entry : run)
@@ -149,18 +179,6 @@ void IdIndex::DropKnown(Run& run) const
                   run.end());
 }
 
-void IdIndex::MergeLastTwoRuns()
-{
-    const Run& left = mRuns[mRuns.size() - 2];
-    const Run& right = mRuns.back();
-    Run merged;
-    merged.reserve(left.size() + right.size());
-    std::merge(left.begin(), left.end(), right.begin(), right.end(), std::back_inserter(merged),
-               IsIdLess);
-    mRuns.pop_back();
-    mRuns.back() = std::move(merged);
-}
-
 std::optional<std::uint32_t> IdIndex::FindSlot(const amd_id& id) const
 {
     const Entry key = MakeEntry(id, 0);
@@ -173,8 +191,11 @@ std::optional<std::uint32_t> IdIndex::FindSlot(const amd_id& id) const
 
 std::span<const IdIndex::Entry> IdIndex::GetSorted()
 {
-    while (mRuns.size() > 1)
-        MergeLastTwoRuns();
+    while (mRuns.size() > 1) {
+        Run merged = MergeRuns(mRuns[mRuns.size() - 2], mRuns.back());
+        mRuns.pop_back();
+        mRuns.back() = std::move(merged);
+    }
     return mRuns.empty() ? std::span<const Entry>() : std::span<const Entry>(mRuns.front());
 }
 

@@ -60,7 +60,7 @@ const ShortestPaths& ShortestPathCache::Get(const GraphView& graph, std::uint64_
 void ShortestPathCache::DropStalest(const GraphView& graph)
 {
     const std::size_t bytesEach = sizeof(ShortestPaths) + graph.GetNodeCount() * sizeof(EdgeIndex);
-    const std::size_t most = std::max<std::size_t>(1, kMaximumBytes / bytesEach);
+    const std::size_t most = std::max<std::size_t>(1, mMaximumBytes / bytesEach);
     while (mPaths.size() >= most) {
         mBySource.erase(mPaths.back().source);
         mPaths.pop_back();

@@ -46,9 +46,13 @@ struct ShortestPaths
 class ShortestPathCache
 {
 public:
-    /// What is remembered takes at most about so many bytes, except that the paths from one
-    /// source are always kept.
     static constexpr std::size_t kMaximumBytes = std::size_t{64} << 20U;
+
+    /// What is remembered takes at most about `maximumBytes`, except that the paths from one source
+    /// are always kept.
+    explicit ShortestPathCache(std::size_t maximumBytes = kMaximumBytes)
+        : mMaximumBytes(maximumBytes)
+    {}
 
     /// Returns the paths from `source` in the graph, whose state `revision` tells. They are good
     /// until the next call.
@@ -57,6 +61,7 @@ public:
 private:
     void DropStalest(const GraphView& graph);
 
+    std::size_t mMaximumBytes;
     DijkstraSearch mSearch;
     std::uint64_t mRevision = 0;
     // The latest asked for stands first.

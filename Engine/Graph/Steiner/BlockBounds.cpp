@@ -49,6 +49,7 @@ void BlockBounds::Ascend(NodeIndex root, std::span<const EdgeIndex> guide)
             isUsable[edge] = mAscent.GetReduced(HalfEdge::Forward(edge)) == 0 ||
                              mAscent.GetReduced(HalfEdge::Backward(edge)) == 0;
         TakeTree(mGrower.Grow(root, isUsable));
+        SpendGrowth();
     }
     ClassifyEdges(mNetwork, mAscent, mKnownWeight, mStatuses);
 }
@@ -56,6 +57,13 @@ void BlockBounds::Ascend(NodeIndex root, std::span<const EdgeIndex> guide)
 void BlockBounds::GrowTree(NodeIndex start)
 {
     TakeTree(mGrower.Grow(start, {}));
+    SpendGrowth();
+}
+
+/// Records what trees have been grown for since it was recorded last.
+void BlockBounds::SpendGrowth()
+{
+    mBudget.Spend(mGrower.GetWork() - std::exchange(mSpentGrowth, mGrower.GetWork()));
 }
 
 void BlockBounds::ImproveTree()
@@ -68,15 +76,20 @@ void BlockBounds::Improve(SteinerTree& tree)
 {
     const std::uint64_t end = mGrower.GetWork() + tuning::kLocalSearchWork;
     LocalSearch(mNetwork, mGrower).Improve(tree, [this, end] {
+        SpendGrowth();
         return mGrower.GetWork() > end || mBudget.IsExhausted();
     });
+    SpendGrowth();
 }
 
 void BlockBounds::GrowManyTrees()
 {
     const std::span<const NodeIndex> terminals = mNetwork.GetTerminals();
     const std::size_t starts = std::min(tuning::kManyStarts, terminals.size());
-    const auto isOver = [this] { return mBudget.IsSpent(tuning::kManyStartsShare); };
+    const auto isOver = [this] {
+        SpendGrowth();
+        return mBudget.IsOverdrawn();
+    };
     LocalSearch localSearch(mNetwork, mGrower);
     for (std::size_t start = 0; start < starts && mTree.weight > mLowerBound; ++start) {
         if (isOver())

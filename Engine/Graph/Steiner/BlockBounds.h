@@ -60,12 +60,14 @@ public:
 private:
     void TakeTree(SteinerTree&& tree);
     void Improve(SteinerTree& tree);
+    void SpendGrowth();
     [[nodiscard]] std::vector<NodeIndex> ChooseRoots(std::size_t most) const;
 
     const FlatNetwork& mNetwork;
     Budget& mBudget;
     TreeGrower mGrower;
     DualAscent mAscent;
+    std::uint64_t mSpentGrowth = 0;
     std::uint64_t mKnownWeight;
     std::uint64_t mLowerBound = 0;
     NodeIndex mRoot;

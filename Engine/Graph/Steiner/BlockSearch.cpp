@@ -4,6 +4,8 @@
 #include "Engine/Graph/Steiner/Bound/CompletionBound.h"
 #include "Engine/Graph/Steiner/Exact/DijkstraSteinerSearch.h"
 #include "Engine/Graph/Steiner/List/DerivationBuilder.h"
+#include "Engine/Graph/Steiner/List/DerivationWalk.h"
+#include "Engine/Graph/Steiner/List/Derivations.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
 #include "Engine/Graph/Steiner/Network/TerminalSet.h"
 
@@ -80,7 +82,7 @@ void BlockSearch::Dive()
         DijkstraSteinerSearch<Words>::EOutcome::Solved)
         return;
     std::vector<EdgeIndex> edges;
-    DerivationBuilder<Words>(search, {}, mBudget).AppendOneTree(edges);
+    Derivations<Words>(search).AppendOneTree(edges);
     std::sort(edges.begin(), edges.end());
     edges.erase(std::unique(edges.begin(), edges.end()), edges.end());
     mBounds.RegrowTree(edges);
@@ -204,7 +206,8 @@ std::optional<BlockSearch::Outcome> BlockSearch::SearchWith(TreeFamily& family, 
     return std::nullopt;
 }
 
-/// Adds all trees of a solved search to the family, or one when the budget runs out.
+/// Adds all trees of a solved search to the family; as many as are wanted, one by one, where there
+/// are too many derivations to gather.
 template <std::size_t Words>
 BlockSearch::Outcome BlockSearch::AddTrees(TreeFamily& family,
                                            const DijkstraSteinerSearch<Words>& search) const
@@ -213,16 +216,35 @@ BlockSearch::Outcome BlockSearch::AddTrees(TreeFamily& family,
     for (const EdgeIndex edge : mNetwork.GetEdges())
         strands.push_back(mBlock.GetStrand(mNetwork.GetNetworkEdge(edge)));
     const std::uint64_t weight = search.GetBound();
-    DerivationGraph graph(mBlock.GetStrands());
-    DerivationBuilder<Words> builder(search, strands, mBudget);
-    if (builder.Build(graph) == DerivationBuilder<Words>::EOutcome::Exhausted) {
-        std::vector<EdgeIndex> edges;
-        builder.AppendOneTree(edges);
-        AddTree(family, edges);
-        return {.weight = weight, .lowerBound = weight, .hasAllTrees = false};
+    Derivations<Words> derivations(search);
+    if (mBudget.GetAnswer() == EAnswer::AllTrees) {
+        DerivationGraph graph(mBlock.GetStrands());
+        DerivationBuilder<Words> builder(derivations, strands, mBudget);
+        if (builder.Build(graph) == DerivationBuilder<Words>::EOutcome::Complete) {
+            mBudget.Charge(graph.GetBytes());
+            family.AddDerivations(std::move(graph), builder.GetWhole());
+            return {.weight = weight, .lowerBound = weight, .hasAllTrees = true};
+        }
     }
-    family.AddDerivations(std::move(graph), builder.GetWhole());
-    return {.weight = weight, .lowerBound = weight, .hasAllTrees = true};
+    ListTrees(family, DerivationWalk<Words>(derivations, mBlock.GetStrands(), strands));
+    return {.weight = weight, .lowerBound = weight, .hasAllTrees = false};
+}
+
+/// Adds the trees of the walk to the family until there are enough, or the budget is overdrawn.
+template <std::size_t Words>
+void BlockSearch::ListTrees(TreeFamily& family, DerivationWalk<Words> walk) const
+{
+    ListedTrees trees;
+    std::uint64_t spent = 0;
+    std::size_t charged = 0;
+    while ((trees.GetCount() == 0 || !mBudget.IsOverdrawn()) &&
+           trees.GetCount() < family.GetMostNumbered() && walk.MoveNext()) {
+        trees.Add(walk.GetTree());
+        mBudget.Spend(walk.GetSteps() - std::exchange(spent, walk.GetSteps()));
+        mBudget.Charge(trees.GetBytes() - std::exchange(charged, trees.GetBytes()));
+    }
+    const std::uint64_t count = trees.GetCount();
+    family.AddListed(std::move(trees), count);
 }
 
 void BlockSearch::AddTree(TreeFamily& family, std::span<const EdgeIndex> edges) const

@@ -18,6 +18,8 @@ namespace qe::graph {
 
 class Budget;
 template <std::size_t Words>
+class DerivationWalk;
+template <std::size_t Words>
 class DijkstraSteinerSearch;
 
 /// Searches one block: bounds its optimum from both sides, prunes what the bounds exclude, and
@@ -49,7 +51,7 @@ public:
     {
         std::uint64_t weight;
         std::uint64_t lowerBound;
-        /// Whether the family got all minimum Steiner trees of the block, or only one tree.
+        /// Whether the family knows how many trees the block has, or got only some of them.
         bool hasAllTrees;
     };
     /// Finds all minimum Steiner trees of the block, and adds them to the family, if that takes few
@@ -71,6 +73,8 @@ private:
     std::optional<Outcome> SearchWith(TreeFamily& family, Efforts efforts, std::uint64_t limit);
     template <std::size_t Words>
     Outcome AddTrees(TreeFamily& family, const DijkstraSteinerSearch<Words>& search) const;
+    template <std::size_t Words>
+    void ListTrees(TreeFamily& family, DerivationWalk<Words> walk) const;
     template <std::size_t Words>
     void AppendExchangedBound(std::uint64_t limit,
                               std::vector<CompletionBound<Words>>& bounds) const;

@@ -1,5 +1,6 @@
 #include "Engine/Graph/Steiner/BlockStages.h"
 
+#include "Engine/Graph/Steiner/List/SpanningBlock.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
 #include "Engine/Graph/Steiner/Network/SearchTuning.h"
 #include "Engine/Graph/Steiner/Reduce/DistanceReduction.h"
@@ -9,20 +10,17 @@
 namespace qe::graph {
 
 BlockStages::BlockStages(OpenNetwork& block, TreeFamily& family, Budget& budget)
-    : mBlock(block),
-      mFamily(family),
-      mBudget(budget),
-      mSearch(block.network, block.knownWeight, budget),
-      mEdgesBefore(block.network.GetEdgeCount())
+    : mBlock(block), mFamily(family), mBudget(budget), mEdgesBefore(block.network.GetEdgeCount())
 {}
 
 std::optional<BlockSearch::Outcome> BlockStages::Run()
 {
     using Stage = EState (BlockStages::*)();
-    static constexpr std::array<Stage, 6> kStages{
-        &BlockStages::PruneQuickly,          &BlockStages::SearchQuickly,
-        &BlockStages::PruneThoroughly,       &BlockStages::SearchWithMoreEffort,
-        &BlockStages::TryDistanceReductions, &BlockStages::SearchToTheEnd,
+    static constexpr std::array<Stage, 7> kStages{
+        &BlockStages::SpanTerminals,        &BlockStages::PruneQuickly,
+        &BlockStages::SearchQuickly,        &BlockStages::PruneThoroughly,
+        &BlockStages::SearchWithMoreEffort, &BlockStages::TryDistanceReductions,
+        &BlockStages::SearchToTheEnd,
     };
     for (const Stage stage : kStages) {
         const EState state = (this->*stage)();
@@ -36,26 +34,37 @@ std::optional<BlockSearch::Outcome> BlockStages::Run()
     return mOutcome;
 }
 
+BlockStages::EState BlockStages::SpanTerminals()
+{
+    if (!IsSpanningBlock(mBlock.network))
+        return EState::Open;
+    const SpanningBlockTrees trees = AddSpanningTrees(mBlock.network, mFamily, mBudget);
+    mOutcome = {
+        .weight = trees.weight, .lowerBound = trees.weight, .hasAllTrees = trees.isCountExact};
+    return EState::Solved;
+}
+
 BlockStages::EState BlockStages::PruneQuickly()
 {
-    mPruned += mSearch.PruneQuickly(mBlock.round);
+    mSearch.emplace(mBlock.network, mBlock.knownWeight, mBudget);
+    mPruned += mSearch->PruneQuickly(mBlock.round);
     return GetStateAfterPruning();
 }
 
 BlockStages::EState BlockStages::SearchQuickly()
 {
-    return Conclude(mSearch.SearchQuickly(mFamily));
+    return Conclude(mSearch->SearchQuickly(mFamily));
 }
 
 BlockStages::EState BlockStages::PruneThoroughly()
 {
-    mPruned += mSearch.PruneThoroughly();
+    mPruned += mSearch->PruneThoroughly();
     return GetStateAfterPruning();
 }
 
 BlockStages::EState BlockStages::SearchWithMoreEffort()
 {
-    return Conclude(mSearch.SearchWithMoreEffort(mFamily));
+    return Conclude(mSearch->SearchWithMoreEffort(mFamily));
 }
 
 /// Tries whether the dearer reductions, not applied so far, find enough in a hard block.
@@ -74,7 +83,7 @@ BlockStages::EState BlockStages::TryDistanceReductions()
 
 BlockStages::EState BlockStages::SearchToTheEnd()
 {
-    return Conclude(mSearch.Search(mFamily));
+    return Conclude(mSearch->Search(mFamily));
 }
 
 BlockStages::EState BlockStages::Conclude(const std::optional<BlockSearch::Outcome>& outcome)
@@ -86,7 +95,7 @@ BlockStages::EState BlockStages::Conclude(const std::optional<BlockSearch::Outco
 BlockStages::EState BlockStages::GetStateAfterPruning()
 {
     const bool isShrunk = IsWorthReducing(mPruned, mEdgesBefore) ||
-                          (mSearch.IsWorthContracting() && !mBudget.IsExhausted());
+                          (mSearch->IsWorthContracting() && !mBudget.IsExhausted());
     return isShrunk ? EState::Shrunk : EState::Open;
 }
 
@@ -98,8 +107,8 @@ bool BlockStages::IsWorthReducing(std::size_t pruned, std::size_t edgesBefore)
 
 void BlockStages::PrepareNextRound()
 {
-    mBlock.knownWeight = mSearch.GetKnownWeight();
-    mSearch.ContractForced();
+    mBlock.knownWeight = mSearch->GetKnownWeight();
+    mSearch->ContractForced();
     ++mBlock.round;
 }
 

@@ -54,6 +54,7 @@ private:
         Shrunk, ///< It is best reduced and begun anew.
         Open,   ///< The next stage goes on.
     };
+    EState SpanTerminals();
     EState PruneQuickly();
     EState SearchQuickly();
     EState PruneThoroughly();
@@ -69,7 +70,7 @@ private:
     OpenNetwork& mBlock;
     TreeFamily& mFamily;
     Budget& mBudget;
-    BlockSearch mSearch;
+    std::optional<BlockSearch> mSearch;
     std::size_t mEdgesBefore;
     std::size_t mPruned = 0;
     std::optional<BlockSearch::Outcome> mOutcome;

@@ -12,6 +12,7 @@
 #include "Engine/Graph/Steiner/Reduce/BlockSplit.h"
 #include "Engine/Graph/Steiner/Reduce/DegreeReduction.h"
 #include "Engine/Graph/Steiner/Reduce/DistanceReduction.h"
+#include "Engine/Graph/Steiner/Reduce/DominatedNodes.h"
 
 #include <algorithm>
 #include <optional>
@@ -34,7 +35,8 @@ public:
         : mGraph(graph),
           mTerminals(std::move(terminals)),
           mLimits(limits),
-          mBudget(limits.time - limits.time / tuning::kShareOfLastTree, limits.memory),
+          mMostListed(std::max<std::size_t>(1, limits.maximumTrees)),
+          mBudget(limits),
           mFamily(mStrands)
     {}
 
@@ -46,12 +48,16 @@ private:
     void TakeFixed(OpenNetwork& open);
     void SearchBlock(OpenNetwork open);
     void ListTrees();
+    void ListTree(std::vector<EdgeIndex> tree);
+    void NameLimit();
+    [[nodiscard]] std::size_t GetMostCounted() const;
     void ListTreesThrough(ZeroWeightComponents& components);
     void SortTrees();
 
     const GraphView& mGraph;
     std::vector<NodeIndex> mTerminals;
     const SteinerLimits& mLimits;
+    std::size_t mMostListed;
     Budget mBudget;
     StrandPool mStrands;
     TreeFamily mFamily;
@@ -67,6 +73,7 @@ SteinerResult SteinerSolver::Solve()
     if (!network)
         return mResult;
     mResult.connected = true;
+    mFamily.SetMostNumbered(components.GetComponents().empty() ? mMostListed : GetMostCounted());
     mOpen.push_back({.network = std::move(*network), .knownWeight = kUnreached});
     while (!mOpen.empty())
         Reduce(TakeSmallest());
@@ -75,6 +82,8 @@ SteinerResult SteinerSolver::Solve()
     else
         ListTreesThrough(components);
     SortTrees();
+    NameLimit();
+    mResult.steps = mBudget.GetSteps();
     return std::move(mResult);
 }
 
@@ -97,6 +106,8 @@ void SteinerSolver::Reduce(OpenNetwork open)
     if (open.reductions == EReductions::Distances)
         ReduceByDistances(network, mBudget);
     else
+        ReduceDegrees(network);
+    if (RemoveDominatedNodes(network) > 0)
         ReduceDegrees(network);
     TakeFixed(open);
     if (network.GetTerminalCount() <= 1)
@@ -149,33 +160,68 @@ void SteinerSolver::ListTrees()
     mResult.count = mFamily.GetCount();
     if (mResult.count == kSaturatedCount)
         mResult.countProof = ECount::AtLeast;
-    const std::uint64_t listed = std::min<std::uint64_t>(mResult.count, mLimits.maximumTrees);
-    for (std::uint64_t rank = 0; rank < listed; ++rank) {
-        if (rank > 0 && mBudget.IsExhausted())
+    const std::uint64_t listed =
+        std::min<std::uint64_t>(mFamily.GetNumberedCount(), mLimits.maximumTrees);
+    for (std::uint64_t number = 0; number < listed; ++number) {
+        if (number > 0 && mBudget.IsOverdrawn())
             break;
-        mResult.trees.push_back(mFamily.GetTree(rank));
+        ListTree(mFamily.GetTree(number));
     }
+}
+
+/// Returns up to how many trees are counted when they are counted one by one.
+std::size_t SteinerSolver::GetMostCounted() const
+{
+    return mLimits.answer == EAnswer::OneTree ? 1 : mMostListed + kCountedBeyondList;
+}
+
+void SteinerSolver::ListTree(std::vector<EdgeIndex> tree)
+{
+    constexpr std::size_t kAllocation = 16;
+    mBudget.Spend(tree.size());
+    mBudget.Charge(sizeof tree + tree.size() * sizeof(EdgeIndex) + kAllocation);
+    mResult.trees.push_back(std::move(tree));
 }
 
 /// Lists every tree over the components with every path through them.
 void SteinerSolver::ListTreesThrough(ZeroWeightComponents& components)
 {
-    const std::uint64_t most = mLimits.maximumTrees + kCountedBeyondList;
-    const auto take = [this, most](const std::vector<EdgeIndex>& tree) {
-        if (mResult.trees.size() < mLimits.maximumTrees)
-            mResult.trees.push_back(tree);
+    const std::uint64_t most = GetMostCounted();
+    std::vector<EdgeIndex> outer;
+    const auto take = [&](std::span<const EdgeIndex> inner) {
+        if (mResult.trees.size() < mLimits.maximumTrees) {
+            std::vector<EdgeIndex> tree = outer;
+            tree.insert(tree.end(), inner.begin(), inner.end());
+            std::sort(tree.begin(), tree.end());
+            ListTree(std::move(tree));
+        }
         ++mResult.count;
         return mResult.count < most ? ZeroWeightComponents::EStep::Continue
                                     : ZeroWeightComponents::EStep::Stop;
     };
-    for (std::uint64_t rank = 0; rank < mFamily.GetCount(); ++rank) {
-        const std::vector<EdgeIndex> outer = mFamily.GetTree(rank);
+    for (std::uint64_t number = 0; number < mFamily.GetNumberedCount(); ++number) {
+        outer = mFamily.GetTree(number);
+        mBudget.Spend(outer.size());
         const ZeroWeightComponents::EStep step = components.ForEachTree(outer, mBudget, take);
-        if (step == ZeroWeightComponents::EStep::Stop || mBudget.IsExhausted()) {
+        if (step == ZeroWeightComponents::EStep::Stop || mBudget.IsOverdrawn()) {
             mResult.countProof = ECount::AtLeast;
             return;
         }
     }
+    if (mFamily.GetNumberedCount() < mFamily.GetCount())
+        mResult.countProof = ECount::AtLeast;
+}
+
+/// Names the limit that kept something from the result, if any did.
+void SteinerSolver::NameLimit()
+{
+    const bool isCut = mResult.trees.size() < mResult.count ||
+                       mResult.countProof == ECount::AtLeast || mResult.proof != EProof::Optimal;
+    if (!isCut || mLimits.answer == EAnswer::OneTree)
+        return;
+    mResult.limit = mBudget.GetLimitHit();
+    if (mResult.limit == ELimit::None || mResult.trees.size() == mLimits.maximumTrees)
+        mResult.limit = mResult.proof == EProof::Optimal ? ELimit::Trees : mBudget.GetLimitHit();
 }
 
 void SteinerSolver::SortTrees()
@@ -197,8 +243,14 @@ SteinerResult FindCheapestTrees(const GraphView& graph, std::span<const NodeInde
     SteinerResult result;
     if (!distinct.empty() && distinct.back().value >= graph.GetNodeCount())
         return result;
-    if (distinct.size() > 1)
-        return SteinerSolver(graph, std::move(distinct), limits).Solve();
+    if (distinct.size() > 1) {
+        SteinerLimits own = limits;
+        if (limits.answer == EAnswer::OneTree) {
+            own.effort /= tuning::kShareOfOneTree;
+            own.maximumTrees = 1;
+        }
+        return SteinerSolver(graph, std::move(distinct), own).Solve();
+    }
     result.connected = true;
     result.count = 1;
     if (limits.maximumTrees > 0)

@@ -2,25 +2,14 @@
 #define ENGINE_GRAPH_STEINER_STEINERSOLVER_H
 
 #include "Engine/Graph/Core/GraphView.h"
+#include "Engine/Graph/Steiner/Network/Budget.h"
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
 
 namespace qe::graph {
-
-/// What one search may list and spend.
-struct SteinerLimits
-{
-    /// Trees beyond this many are counted, not listed.
-    std::size_t maximumTrees = 1000;
-    /// Wall time of the whole call: search, counting and listing together.
-    std::chrono::milliseconds time{10000};
-    /// Bytes of working memory.
-    std::size_t memory = std::size_t{1} << 30;
-};
 
 /// What is known of the weight that a search returns.
 enum class EProof
@@ -49,6 +38,10 @@ struct SteinerResult
     std::uint64_t count = 0;
     EProof proof = EProof::Optimal;
     ECount countProof = ECount::Exact;
+    /// The limit that kept weight, count or list from being complete; the first, if several did.
+    ELimit limit = ELimit::None;
+    /// Steps of work that were spent.
+    std::uint64_t steps = 0;
     /// The trees, each as its edges in ascending order.
     std::vector<std::vector<EdgeIndex>> trees;
 };
@@ -73,7 +66,12 @@ struct SteinerResult
 /// returned, found by a heuristic improved by local search, as EProof::BestFound with the best
 /// lower bound that was proven (EProof::Optimal when the two meet). When they are exceeded while
 /// counting or listing, the weight stays proven, fewer trees may be listed than asked for, and
-/// the count is ECount::AtLeast.
+/// the count is ECount::AtLeast. When one tree is wanted (EAnswer::OneTree), only a share of the
+/// effort goes into proving that none is lighter.
+///
+/// The result depends on graph, terminals and limits only, as long as the limits set no time. No
+/// limit is overshot by more than a tenth, except that the graph is looked at once and one tree
+/// found in any case.
 ///
 /// Throws std::bad_alloc only; keeps nothing between calls, so any number of threads may search
 /// graphs that do not change.

@@ -213,6 +213,8 @@ TEST(Expression, ResolvesReferencesThroughTheGatewayAndIsRetargeted)
     EXPECT_THAT(references[1]->GetNamePath(),
                 ElementsAre(I18NString("ns"), I18NString("short]cut"), I18NString("i")));
 
+    EXPECT_THAT(references[3]->GetNamePath(), ElementsAre(I18NString("one")));
+
     references[0]->SetQuerySubjectId(shortcut);
     references[0]->SetNamePath({"n]s", "new"});
     tree->SetNamePath({"x"});
@@ -222,6 +224,28 @@ TEST(Expression, ResolvesReferencesThroughTheGatewayAndIsRetargeted)
     EXPECT_EQ(PrintTree(*tree),
               "[n]]s].[new] = f([ns].[short]]cut].[i]) AND [ns].[S].[i] IN (1, [one])");
     EXPECT_EQ(tree->GetQuerySubjectId(), amd_id());
+}
+
+TEST(Expression, NamesAnItemWithoutQualifierByThreeNames)
+{
+    const amd_id item(0, 101, 7);
+    const amd_id subject(0, 100, 3);
+    NamingGateway gateway;
+    gateway.mKnown[{"s", "i"}] = {item, subject};
+    gateway.mKnown[{"ns", "s"}] = {subject, subject};
+    const std::string text = "[s].[i] = [ns].[s] + [s].[unknown]";
+    const std::unique_ptr<AQE_Expression> tree(
+        AQE_Expression::Create(text, &gateway, "", I18NLocale()));
+    const auto references = CollectReferences(*tree);
+    ASSERT_EQ(references.size(), 3U);
+    EXPECT_THAT(references[0]->GetNamePath(), ElementsAre(I18NString(), "s", "i"));
+    EXPECT_THAT(references[1]->GetNamePath(), ElementsAre("ns", "s"));
+    EXPECT_THAT(references[2]->GetNamePath(), ElementsAre("s", "unknown"));
+    EXPECT_EQ(PrintTree(*tree), text);
+
+    references[0]->SetNamePath({"ns", "x", "i"});
+    references[1]->SetNamePath({"", "x.]", "[i"});
+    EXPECT_EQ(PrintTree(*tree), "[ns].[x].[i] = [x.]]].[[i] + [s].[unknown]");
 }
 
 } // namespace

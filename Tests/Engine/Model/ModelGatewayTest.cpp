@@ -76,6 +76,23 @@ TEST(ModelGatewayTest, ResolvesTheNamesOfReferences)
     }
 }
 
+TEST(ModelGatewayTest, QualifiesWhatLiesOutsideAllNamespacesByANamelessRoot)
+{
+    const ModelText model("A(I); namespace; folder F; B(I); namespace N; folder F; C(I); D -> C");
+    ModelGateway& gateway = model.GetGateway();
+    std::string names;
+    for (const char* name : {"A", "A.I", "B", "B.I", "C", "D", "Model"}) {
+        const amdi_object* const qualifier =
+            gateway.GetObject(gateway.GetQualifierId(model.Id(name)));
+        ASSERT_NE(qualifier, nullptr) << name;
+        names += '[' + qualifier->GetName().ToStdString() + ']';
+    }
+    EXPECT_EQ(names, "[Model][Model][][][N][N][]");
+    EXPECT_EQ(gateway.GetQualifierId({0, IdClassQuerySubject, 99}), amd_id());
+    EXPECT_EQ(gateway.GetObject(amd_id()), nullptr) << "parents of what lies at the top";
+    EXPECT_EQ(model.GetModel()->Find(kRootId), nullptr) << "the root is no object of the model";
+}
+
 TEST(ModelGatewayTest, ListsInIdOrder)
 {
     const ModelText model(

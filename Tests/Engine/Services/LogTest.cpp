@@ -114,7 +114,7 @@ TEST_F(LogTest, InnermostCaptureCountsAndLateEntriesAreDropped)
     EXPECT_THAT(GetTexts(outer), testing::ElementsAre("outer", "outer again"));
 }
 
-TEST_F(LogTest, CapturesMayLetOthersBeToldEachUpToItsOwnLevel)
+TEST_F(LogTest, CapturesMayLetOthersReceiveTooEachUpToItsOwnLevel)
 {
     const SettingsOverride level("Log", "Level", 2);
     std::vector<std::string> seen;
@@ -124,13 +124,13 @@ TEST_F(LogTest, CapturesMayLetOthersBeToldEachUpToItsOwnLevel)
         for (int wanted = 1; wanted <= log.GetLogLevel(); ++wanted)
             log.Log(wanted, std::to_string(wanted));
     };
-    const LogCapture beside(1, note, LogCapture::EOthers::Told);
+    const LogCapture beside(1, note, LogCapture::EOthers::AlsoReceive);
     write();
     EXPECT_THAT(seen, testing::ElementsAre("1"));
     EXPECT_EQ(mFolder.Read("log"), "--- Q, level 1\n1\n--- Q, level 2\n2\n");
     const LogCapture alone(3);
     {
-        const LogCapture inner(4, note, LogCapture::EOthers::Told);
+        const LogCapture inner(4, note, LogCapture::EOthers::AlsoReceive);
         write();
     }
     EXPECT_THAT(GetTexts(alone), testing::ElementsAre("1", "2", "3"));

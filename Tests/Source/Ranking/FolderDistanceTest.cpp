@@ -28,6 +28,7 @@ TEST(FolderDistance, GoesOverTheNearestCommonFolder)
         Orders >- Ship : beside on [Model].[Orders].[Key] = [Model].[Ship].[Key]
         Orders(Key), Ship(Key)
         stand -> beside : Orders, Ship
+        Boat -> Ship; Boat >- Ship : shortcut
         folder Sales/East/Port/Quay/Berth
         Ship >- Crew : below
     )");
@@ -37,7 +38,7 @@ TEST(FolderDistance, GoesOverTheNearestCommonFolder)
         int distance;
     } rows[] = {
         {"together", 0}, {"above", 4}, {"half", 2},  {"apart", 0},  {"outside", 0}, {"second", 0},
-        {"beside", 4},   {"stand", 4}, {"below", 4}, {"Orders", 0}, {"query", 0},
+        {"beside", 4},   {"stand", 4}, {"below", 4}, {"Orders", 0}, {"query", 0},   {"shortcut", 3},
     };
     for (const auto& row : rows)
         EXPECT_EQ(qe::FolderDistance(model.Id(row.join), &model.GetGateway(), nullptr),

@@ -133,6 +133,39 @@ TEST(Ranking, LogsTheFirstThirtyPaths)
     EXPECT_TRUE(quiet.GetEntries().empty());
 }
 
+TEST(Ranking, CountsFactTablesAndBranchesOnTopOfTheWeight)
+{
+    const ModelText model(std::string(kShapes) + "; A >- E : ae; B >-< C : bcm; A - A : aa; x - y");
+    CountingGateway gateway(model.GetGateway());
+    gateway.Hide(model.Id("x-y"));
+    const struct
+    {
+        const char* path;
+        RankingSwitches switches;
+        const char* names;
+        int factTables;
+        int straightness;
+    } rows[] = {
+        {"ab, ac, ad, ae", {true, true}, "ab, ac, ad, ae, ", 1, 12},
+        {"ab, aa", {true, true}, "ab, aa, ", 1, 11},
+        {"ab, ec", {true, true}, "ab, ec, ", 2, 10},
+        {"abm", {true, true}, "abm, ", 10001, 10},
+        {"abm, x-y, bcm", {true, true}, "abm, bcm, ", 20001, 10},
+        {"abm, ac, ad", {false, true}, "abm, ac, ad, ", 1, 11},
+        {"abm, ac, ad", {true, false}, "abm, ac, ad, ", 10001, 10},
+    };
+    for (const auto& row : rows) {
+        const qe::LogCapture log(5);
+        Rank(model, {{row.path, 10}}, row.switches, &gateway);
+        EXPECT_EQ(log.GetEntries().at(1).text.ToStdString(),
+                  "\nPath 1: " + std::string(row.names) +
+                      "\nComputed weight (10), computed number of fact tables (" +
+                      std::to_string(row.factTables) +
+                      "), adjusted weight considering straightest path (" +
+                      std::to_string(row.straightness) + "), ranking using computed weight (0)\n");
+    }
+}
+
 TEST(BestPaths, HaveTheLeastWeightAndThenTheFewestFactTables)
 {
     const ModelText model(kShapes);

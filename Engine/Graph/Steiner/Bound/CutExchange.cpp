@@ -71,6 +71,7 @@ std::size_t CutExchange::GetBytes(const Cut& cut)
 void CutExchange::Exchange()
 {
     const std::uint64_t before = mAscent.GetBound();
+    mBudget.Spend(mCuts.size() + mNetwork.GetNodeCount());
     ChooseTerminals();
     SetAside();
     const std::size_t kept = mCuts.size();

@@ -8,6 +8,7 @@
 #include <functional>
 #include <limits>
 #include <queue>
+#include <utility>
 
 namespace qe::graph {
 
@@ -52,6 +53,8 @@ void DualAscent::Run(NodeIndex root, std::span<const EdgeIndex> guide, Budget& b
         if (terminal != root)
             queue.push({mNetwork.GetArcs(terminal).size(), terminal});
     }
+    std::uint64_t spent = mWork;
+    mWork += mNetwork.GetHalfCount();
     while (!queue.empty() && !budget.IsExhausted()) {
         Entry entry = queue.top();
         queue.pop();
@@ -60,11 +63,13 @@ void DualAscent::Run(NodeIndex root, std::span<const EdgeIndex> guide, Budget& b
             queue.push(entry);
         else
             mIsActive[entry.terminal] = 0;
+        budget.Spend(mWork - std::exchange(spent, mWork));
     }
 }
 
 void DualAscent::Resume(std::mt19937& random, Budget& budget, CutObserver& observer)
 {
+    std::uint64_t spent = mWork;
     mIsReached.assign(mNetwork.GetNodeCount(), 0);
     MarkFrom(mRoot, mIsReached);
     const std::vector<NodeIndex> representatives = ChooseRepresentatives(random);
@@ -75,6 +80,7 @@ void DualAscent::Resume(std::mt19937& random, Budget& budget, CutObserver& obser
         if (!budget.IsExhausted())
             Ascend(entry, kNoLimit, &observer);
         mIsActive[terminal] = 0;
+        budget.Spend(mWork - std::exchange(spent, mWork));
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace qe::graph {
 
@@ -42,7 +43,7 @@ DijkstraSteinerSearch<Words>::Run(std::size_t mostSettled)
         if (settled > mostSettled)
             return EOutcome::Paused;
         settled += SettleNext() ? 1U : 0U;
-        ChargeMemory();
+        ChargeBudget();
     }
     mBound = mLimit;
     return EOutcome::Solved;
@@ -58,7 +59,7 @@ DijkstraSteinerSearch<Words>::Dive(double inflation, std::size_t mostSettled)
         if (mBudget.IsExhausted())
             return EOutcome::Exhausted;
         settled += SettleNext() ? 1U : 0U;
-        ChargeMemory();
+        ChargeBudget();
         if (FindSettled(mRoot, mAll).IsValid())
             return EOutcome::Solved;
     }
@@ -79,6 +80,7 @@ void DijkstraSteinerSearch<Words>::OfferTerminals()
 template <std::size_t Words>
 bool DijkstraSteinerSearch<Words>::SettleNext()
 {
+    ++mLookups;
     const QueueEntry entry = mQueue.front();
     std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
     mQueue.pop_back();
@@ -90,15 +92,17 @@ bool DijkstraSteinerSearch<Words>::SettleNext()
 }
 
 template <std::size_t Words>
-void DijkstraSteinerSearch<Words>::ChargeMemory()
+void DijkstraSteinerSearch<Words>::ChargeBudget()
 {
+    mBudget.Spend(std::exchange(mLookups, 0));
     // Lists that double when they are full take up to three times their contents meanwhile.
     constexpr std::size_t kDoubling = 3;
     constexpr std::size_t kSetBytes = sizeof(SetInfo) + sizeof(Set) + 2 * sizeof(std::uint32_t);
     const std::size_t perSet = kSetBytes + mCompletionBounds.size() * sizeof(std::uint64_t);
     const std::size_t bytes = mLabels.GetBytes() + kDoubling * mQueue.size() * sizeof(QueueEntry) +
                               kDoubling * mSetInfos.size() * perSet +
-                              2 * mSettledCount * sizeof(typename NodeLabels<Words>::Entry);
+                              2 * mSettledCount * sizeof(typename NodeLabels<Words>::Entry) +
+                              mTableBytes;
     mBudget.Release(mCharged);
     mBudget.Charge(bytes);
     mCharged = bytes;
@@ -159,6 +163,7 @@ void DijkstraSteinerSearch<Words>::Offer(NodeIndex node, SetIndex set, std::uint
         label.weight = weight;
         label.isBranch = isBranch;
     } else {
+        mLookups += mCompletionBounds.size();
         const std::uint64_t bound = GetCompletionBound(node, set, mLimit - weight);
         if (weight + bound > mLimit)
             return;
@@ -201,6 +206,7 @@ void DijkstraSteinerSearch<Words>::Settle(LabelIndex index)
 template <std::size_t Words>
 void DijkstraSteinerSearch<Words>::GrowFrom(const Label& label)
 {
+    mLookups += mNetwork.GetArcs(label.node).size();
     for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(label.node))
         Offer(arc.target, label.set, label.weight + arc.weight, EOrigin::Grown);
 }
@@ -210,15 +216,25 @@ void DijkstraSteinerSearch<Words>::JoinAt(const Label& label, LabelIndex index)
 {
     const Set set = mSets.Get(label.set);
     NodeLabels<Words>& settled = mSettledAt[label.node];
-    settled.ForEachDisjoint(set, mAll, [&](const typename NodeLabels<Words>::Entry& other) {
-        if (!(set.IsLower(other.set) ? label.isBranch : other.isBranch))
-            return;
-        const std::uint64_t weight = label.weight + other.weight;
-        const Set joined = set.Union(other.set);
-        if (weight <= mLimit && settled.RecordOffer(joined, weight))
-            Offer(label.node, Intern(joined), weight, EOrigin::Joined);
-    });
-    settled.Add({set, label.weight, index, label.isBranch}, mAll);
+    mLookups +=
+        settled.ForEachDisjoint(set, mAll, [&](const typename NodeLabels<Words>::Entry& other) {
+            if (!(set.IsLower(other.set) ? label.isBranch : other.isBranch))
+                return;
+            const std::uint64_t weight = label.weight + other.weight;
+            const Set joined = set.Union(other.set);
+            if (weight <= mLimit && settled.RecordOffer(joined, weight))
+                Offer(label.node, Intern(joined), weight, EOrigin::Joined);
+        });
+    AddSettled(settled, {set, label.weight, index, label.isBranch});
+}
+
+template <std::size_t Words>
+void DijkstraSteinerSearch<Words>::AddSettled(NodeLabels<Words>& settled,
+                                              const typename NodeLabels<Words>::Entry& entry)
+{
+    const std::size_t before = settled.GetTableBytes();
+    settled.Add(entry, mAll);
+    mTableBytes += settled.GetTableBytes() - before;
     ++mSettledCount;
 }
 
@@ -229,21 +245,21 @@ void DijkstraSteinerSearch<Words>::JoinAtRoot(const Label& label, LabelIndex ind
 {
     const Set set = mSets.Get(label.set);
     NodeLabels<Words>& settled = mSettledAt[mRoot];
-    settled.ForEachDisjoint(set, mAll, [&](const typename NodeLabels<Words>::Entry& other) {
-        const std::uint64_t weight = label.weight + other.weight;
-        const Set joined = set.Union(other.set);
-        if ((label.isBranch && IsNextBranch(set, other.set)) ||
-            (other.isBranch && IsNextBranch(other.set, set))) {
-            if (weight <= mLimit)
-                Offer(mRoot, Intern(joined), weight, EOrigin::Joined);
-            return;
-        }
-        const SetIndex known = mSets.Find(joined);
-        if (known.IsValid())
-            mSetInfos[known].cap = std::min(mSetInfos[known].cap, weight);
-    });
-    settled.Add({set, label.weight, index, label.isBranch}, mAll);
-    ++mSettledCount;
+    mLookups +=
+        settled.ForEachDisjoint(set, mAll, [&](const typename NodeLabels<Words>::Entry& other) {
+            const std::uint64_t weight = label.weight + other.weight;
+            const Set joined = set.Union(other.set);
+            if ((label.isBranch && IsNextBranch(set, other.set)) ||
+                (other.isBranch && IsNextBranch(other.set, set))) {
+                if (weight <= mLimit)
+                    Offer(mRoot, Intern(joined), weight, EOrigin::Joined);
+                return;
+            }
+            const SetIndex known = mSets.Find(joined);
+            if (known.IsValid())
+                mSetInfos[known].cap = std::min(mSetInfos[known].cap, weight);
+        });
+    AddSettled(settled, {set, label.weight, index, label.isBranch});
 }
 
 template <std::size_t Words>

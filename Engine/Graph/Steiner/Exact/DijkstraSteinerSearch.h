@@ -119,10 +119,11 @@ private:
     void OfferTerminals();
     void Settle(LabelIndex index);
     bool SettleNext();
-    void ChargeMemory();
+    void ChargeBudget();
     void GrowFrom(const Label& label);
     void JoinAt(const Label& label, LabelIndex index);
     void JoinAtRoot(const Label& label, LabelIndex index);
+    void AddSettled(NodeLabels<Words>& settled, const typename NodeLabels<Words>::Entry& entry);
     SetIndex Intern(const Set& set);
 
     const FlatNetwork& mNetwork;
@@ -142,6 +143,9 @@ private:
     IndexedVector<NodeIndex, NodeLabels<Words>> mSettledAt;
     std::vector<QueueEntry> mQueue;
     std::size_t mSettledCount = 0;
+    std::size_t mTableBytes = 0;
+    /// Steps since the budget was charged last.
+    std::uint64_t mLookups = 0;
     std::size_t mCharged = 0;
 };
 

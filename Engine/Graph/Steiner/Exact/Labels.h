@@ -99,9 +99,16 @@ public:
     /// Adds a label whose set is within `all`, the set of all terminals.
     void Add(const Entry& entry, const Set& all);
 
+    /// Returns the bytes of the table; 0 while there is none.
+    [[nodiscard]] std::size_t GetTableBytes() const
+    {
+        return mPlaces.size() * (sizeof(std::uint32_t) + sizeof(std::uint64_t));
+    }
+
     /// Calls `visit` with each entry whose set is within `all` and does not meet the given one.
+    /// Returns how many entries or sets were looked at.
     template <typename Visit>
-    void ForEachDisjoint(const Set& set, const Set& all, const Visit& visit) const
+    std::size_t ForEachDisjoint(const Set& set, const Set& all, const Visit& visit) const
     {
         const Set others = all.Without(set);
         if (mPlaces.empty() || (std::size_t{1} << others.GetSize()) > mEntries.size()) {
@@ -109,19 +116,20 @@ public:
                 if (!entry.set.Intersects(set))
                     visit(entry);
             }
-            return;
+            return mEntries.size();
         }
         const std::uint64_t bits = others.words[0];
         for (std::uint64_t part = bits; part != 0; part = (part - 1) & bits) {
             if (mPlaces[part] != 0)
                 visit(mEntries[mPlaces[part] - 1]);
         }
+        return std::size_t{1} << others.GetSize();
     }
 
     /// Calls `visit` with each entry whose set is a proper part of the given one and holds its
-    /// smallest terminal.
+    /// smallest terminal. Returns how many entries or sets were looked at.
     template <typename Visit>
-    void ForEachPart(const Set& set, const Visit& visit) const
+    std::size_t ForEachPart(const Set& set, const Visit& visit) const
     {
         const Set lowest = Set::Single(set.GetLowest());
         if (mPlaces.empty() || (std::size_t{1} << (set.GetSize() - 1)) > mEntries.size()) {
@@ -130,7 +138,7 @@ public:
                     !(entry.set == set))
                     visit(entry);
             }
-            return;
+            return mEntries.size();
         }
         const std::uint64_t others = set.Without(lowest).words[0];
         for (std::uint64_t rest = others; rest != 0; rest = (rest - 1) & others) {
@@ -138,6 +146,7 @@ public:
             if (mPlaces[part] != 0)
                 visit(mEntries[mPlaces[part] - 1]);
         }
+        return std::size_t{1} << (set.GetSize() - 1);
     }
 
     /// Records the weight offered for a label of the set. Returns false when a weight as low was

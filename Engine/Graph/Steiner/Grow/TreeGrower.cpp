@@ -134,6 +134,7 @@ void TreeGrower::Span(SteinerTree& tree)
     DisjointSets parts(static_cast<std::uint32_t>(nodes.size()));
     mCandidates.clear();
     for (const NodeIndex node : nodes) {
+        mWork += mNetwork.GetArcs(node).size();
         for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
             if (arc.target > node && mIsInTree[arc.target] != 0)
                 mCandidates.emplace_back(arc.weight, arc.half.Edge());

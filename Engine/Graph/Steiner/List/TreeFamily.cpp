@@ -67,30 +67,76 @@ void DerivationGraph::AppendEdges(PartIndex part, std::uint64_t rank,
     }
 }
 
+void ListedTrees::Add(std::span<const EdgeIndex> edges)
+{
+    mEdges.insert(mEdges.end(), edges.begin(), edges.end());
+    mEnds.push_back(mEdges.size());
+}
+
+std::span<const EdgeIndex> ListedTrees::GetTree(std::size_t place) const
+{
+    const std::size_t begin = place == 0 ? 0 : mEnds[place - 1];
+    return std::span(mEdges).subspan(begin, mEnds[place] - begin);
+}
+
 void TreeFamily::AddStrand(StrandIndex strand)
 {
-    mCount = MultiplyCounts(mCount, mStrands->GetCount(strand));
+    const std::uint64_t count = mStrands->GetCount(strand);
+    mCount = MultiplyCounts(mCount, count);
+    mNumberedCount = MultiplyCounts(mNumberedCount, count);
     mFixed.push_back(strand);
 }
 
 void TreeFamily::AddDerivations(DerivationGraph&& graph, PartIndex part)
 {
-    mCount = MultiplyCounts(mCount, graph.GetCount(part));
-    mBlocks.push_back({std::move(graph), part});
+    const std::uint64_t count = graph.GetCount(part);
+    AddBlock(Derived{std::move(graph), part}, count);
 }
 
-std::vector<EdgeIndex> TreeFamily::GetTree(std::uint64_t rank) const
+void TreeFamily::AddListed(ListedTrees&& trees, std::uint64_t count)
+{
+    AddBlock(std::move(trees), count);
+}
+
+void TreeFamily::AddBlock(Block&& block, std::uint64_t count)
+{
+    mCount = MultiplyCounts(mCount, count);
+    mNumberedCount = MultiplyCounts(mNumberedCount, GetNumberedCount(block));
+    mBlocks.push_back(std::move(block));
+}
+
+std::uint64_t TreeFamily::GetNumberedCount(const Block& block)
+{
+    if (const auto* listed = std::get_if<ListedTrees>(&block))
+        return listed->GetCount();
+    const auto& derived = std::get<Derived>(block);
+    return derived.graph.GetCount(derived.part);
+}
+
+void TreeFamily::AppendEdges(const Block& block, std::uint64_t number,
+                             std::vector<EdgeIndex>& edges)
+{
+    if (const auto* listed = std::get_if<ListedTrees>(&block)) {
+        const std::span<const EdgeIndex> tree = listed->GetTree(number);
+        edges.insert(edges.end(), tree.begin(), tree.end());
+        return;
+    }
+    const auto& derived = std::get<Derived>(block);
+    derived.graph.AppendEdges(derived.part, number, edges);
+}
+
+std::vector<EdgeIndex> TreeFamily::GetTree(std::uint64_t number) const
 {
     std::vector<EdgeIndex> edges;
     for (const StrandIndex strand : mFixed) {
         const std::uint64_t count = mStrands->GetCount(strand);
-        mStrands->AppendEdges(strand, rank % count, edges);
-        rank /= count;
+        mStrands->AppendEdges(strand, number % count, edges);
+        number /= count;
     }
     for (const Block& block : mBlocks) {
-        const std::uint64_t count = block.graph.GetCount(block.part);
-        block.graph.AppendEdges(block.part, rank % count, edges);
-        rank /= count;
+        const std::uint64_t count = GetNumberedCount(block);
+        AppendEdges(block, number % count, edges);
+        number /= count;
     }
     std::sort(edges.begin(), edges.end());
     return edges;

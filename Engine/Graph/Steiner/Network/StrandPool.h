@@ -2,27 +2,13 @@
 #define ENGINE_GRAPH_STEINER_NETWORK_STRANDPOOL_H
 
 #include "Engine/Graph/Core/GraphView.h"
+#include "Engine/Graph/Core/SaturatingCount.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 namespace qe::graph {
-
-/// The count that stands for "so many or more": trees may be more than 64 bits can count.
-inline constexpr std::uint64_t kSaturatedCount = std::numeric_limits<std::uint64_t>::max();
-
-[[nodiscard]] inline std::uint64_t AddCounts(std::uint64_t left, std::uint64_t right)
-{
-    return left > kSaturatedCount - right ? kSaturatedCount : left + right;
-}
-
-[[nodiscard]] inline std::uint64_t MultiplyCounts(std::uint64_t left, std::uint64_t right)
-{
-    std::uint64_t product = 0;
-    return __builtin_mul_overflow(left, right, &product) ? kSaturatedCount : product;
-}
 
 /// Names one strand of a StrandPool.
 struct StrandIndex

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 namespace qe::graph {
 
@@ -40,16 +41,14 @@ ZeroWeightComponents::EStep ZeroWeightComponents::ForEachTree(std::span<const Ed
     // No step leads into a dead end, so the first tree always comes soon.
     bool isTaken = false;
     const auto takeTree = [&] {
-        std::vector<EdgeIndex> tree(outer.begin(), outer.end());
-        tree.insert(tree.end(), mEdges.begin(), mEdges.end());
-        std::sort(tree.begin(), tree.end());
         isTaken = true;
-        return take(tree);
+        return take(mEdges);
     };
     if (!BeginPath(0))
         return takeTree();
     while (!mFrames.empty()) {
-        if (isTaken && budget.IsExhausted())
+        budget.Spend(std::exchange(mSteps, 1));
+        if (isTaken && budget.IsOverdrawn())
             return EStep::Stop;
         if (!Advance())
             continue;
@@ -75,6 +74,7 @@ void ZeroWeightComponents::FindWanted(std::span<const EdgeIndex> outer)
     std::sort(mWanted.begin(), mWanted.end(), [this](NodeIndex left, NodeIndex right) {
         return std::tie(mComponents[left], left) < std::tie(mComponents[right], right);
     });
+    mSteps += mWanted.size() + mGraph.GetNodeCount();
     mMarks.assign(mGraph.GetNodeCount(), EMark::Free);
     mSeenStamps.resize(mGraph.GetNodeCount());
     for (std::size_t place = 0; place < mWanted.size(); ++place) {
@@ -138,6 +138,7 @@ void ZeroWeightComponents::Retreat()
 
 void ZeroWeightComponents::MarkPath(EMark mark)
 {
+    mSteps += mFrames.size() - mFrames.back().pathStart;
     for (std::size_t place = mFrames.back().pathStart; place < mFrames.size(); ++place)
         mMarks[mFrames[place].node] = mark;
 }
@@ -150,6 +151,7 @@ bool ZeroWeightComponents::CanReachTree(NodeIndex node)
     while (!mSeen.empty()) {
         const NodeIndex current = mSeen.back();
         mSeen.pop_back();
+        mSteps += mGraph.GetArcs(current).size();
         for (const Arc& arc : mGraph.GetArcs(current)) {
             const NodeIndex target = arc.target;
             if (!IsInside(arc) || mMarks[target] == EMark::OnPath ||

@@ -19,7 +19,7 @@ class Budget;
 /// edges weigh something, and inside each component it touches a tree of weight 0 that connects
 /// the terminals of the component and the ends of the outer edges there, and has no other leaves.
 /// These are listed one path at a time: from a node that is missing to what is connected already,
-/// along edges that do not lead into a dead end (as Kobayashi, Kurita and Wasa 2022 do).
+/// along edges that do not lead into a dead end.
 class ZeroWeightComponents
 {
 public:
@@ -39,11 +39,11 @@ public:
         Continue,
         Stop,
     };
-    using TreeTaker = std::function<EStep(const std::vector<EdgeIndex>&)>;
+    using TreeTaker = std::function<EStep(std::span<const EdgeIndex>)>;
 
-    /// Calls `take` with every tree of the graph that has the given edges outside the components,
-    /// each once, in a fixed order, until it returns Stop or the budget runs out. Returns Stop
-    /// then.
+    /// Calls `take` for every tree of the graph that has the given edges outside the components,
+    /// each once, in a fixed order, until it returns Stop or the budget is overdrawn. It gets the
+    /// edges inside the components, in no order. Returns Stop then.
     EStep ForEachTree(std::span<const EdgeIndex> outer, Budget& budget, const TreeTaker& take);
 
 private:
@@ -85,6 +85,8 @@ private:
     std::vector<NodeIndex> mSeen;
     IndexedVector<NodeIndex, std::uint32_t> mSeenStamps;
     std::uint32_t mSeenStamp = 0;
+    /// Steps since the budget was charged last.
+    std::uint64_t mSteps = 0;
 };
 
 } // namespace qe::graph

@@ -240,11 +240,15 @@ void ReduceByDistances(Network& network, Budget& budget)
 {
     // A round that takes out less than this share of the edges is the last.
     constexpr std::size_t kWorthwhileShare = 50;
+    // What a round looks at, about: for each node those near it, for each edge its ends and theirs.
+    constexpr std::uint64_t kStepsPerNode = 100;
+    constexpr std::uint64_t kStepsPerEdge = 20;
     ReduceDegrees(network);
     for (bool isWorthwhile = true; isWorthwhile && !budget.IsExhausted();) {
         if (network.GetTerminalCount() <= 1)
             return;
         const std::uint32_t edgesBefore = network.GetEdgeCount();
+        budget.Spend(kStepsPerNode * network.GetNodeLimit() + kStepsPerEdge * edgesBefore);
         // All three speak of the minimum Steiner trees of what was measured, so they fit together.
         const SpecialDistances distances(network);
         RemoveLongEdges(network, distances);

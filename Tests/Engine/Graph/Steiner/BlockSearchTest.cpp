@@ -80,7 +80,7 @@ class SteinerBlock : public testing::Test
 {
 protected:
     std::mt19937 mRandom{20251123};
-    Budget mBudget{std::chrono::minutes(10), std::size_t{1} << 30};
+    Budget mBudget{SteinerLimits{.effort = 1'000'000'000'000}};
 };
 
 TEST_F(SteinerBlock, ExchangedCutsAddUpAndProveMoreThanTheAscentButNeverTooMuch)

@@ -1,5 +1,8 @@
 #include "Tests/Support/GraphText.h"
 
+#include "Engine/Graph/CheapestTrees.h"
+#include "Engine/Graph/Core/GraphStorage.h"
+#include "Engine/Graph/Core/ShortestPaths.h"
 #include "Engine/Services/LogCapture.h"
 #include "Engine/Services/SettingsOverride.h"
 
@@ -8,6 +11,8 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <chrono>
+#include <cstdint>
 #include <limits>
 #include <optional>
 #include <string>
@@ -74,6 +79,35 @@ TEST(JoinGraph, ShortestPathIsOneAmongEquals)
     };
     for (const auto& test : cases)
         EXPECT_EQ(FindPath(GraphText(test.graph), test.from, test.to), test.expected) << test.what;
+}
+
+TEST(ShortestPathCache, DropsTheSourceThatWasNotAskedForLongest)
+{
+    // What is remembered leads on, even in the other graph, where nothing does.
+    graph::GraphStorage connected;
+    graph::GraphStorage apart;
+    for (int node = 1; node <= 4; ++node) {
+        connected.AddEdge({0, 102, node}, {0, 100, node}, {0, 100, node % 4 + 1}, 1);
+        apart.AddNode({0, 100, node});
+    }
+    const std::size_t bytesEach = sizeof(graph::ShortestPaths) + 4 * sizeof(graph::EdgeIndex);
+    const auto remembered = [&](std::size_t limit, const std::string& asked) {
+        std::string letters;
+        for (const std::uint32_t source : {0U, 1U, 2U, 3U}) {
+            graph::ShortestPathCache cache(limit);
+            for (const char letter : asked)
+                cache.Get(connected.GetView(), 1, {static_cast<std::uint32_t>(letter - 'a')});
+            if (cache.Get(apart.GetView(), 1, {source}).Reaches({(source + 1) % 4}))
+                letters += static_cast<char>('a' + source);
+            EXPECT_FALSE(cache.Get(apart.GetView(), 2, {source}).Reaches({(source + 1) % 4}));
+        }
+        return letters;
+    };
+    EXPECT_EQ(remembered(0, "ab"), "b");
+    EXPECT_EQ(remembered(2 * bytesEach, "abac"), "ac");
+    EXPECT_EQ(remembered(3 * bytesEach - 1, "abc"), "bc");
+    EXPECT_EQ(remembered(3 * bytesEach, "abc"), "abc");
+    EXPECT_EQ(remembered(graph::ShortestPathCache::kMaximumBytes, "abcd"), "abcd");
 }
 
 TEST(JoinGraph, PresentNodesAndEdgesStayAsTheyAre)
@@ -162,14 +196,29 @@ struct NoticeCase
     std::vector<std::string> notices;
 };
 
+TEST(JoinGraph, LimitsAreThoseOfTheUser)
+{
+    const SettingsOverride bound("JoinGraph", "CheapestTreesBound", 3);
+    const SettingsOverride seconds("JoinGraph", "CheapestTreesSeconds", 4);
+    const SettingsOverride megabytes("JoinGraph", "CheapestTreesMegabytes", -5);
+    const graph::SteinerLimits byDefault = graph::ReadCheapestTreesLimits();
+    EXPECT_EQ(byDefault.effort, 1'000'000'000U);
+    const SettingsOverride effort("JoinGraph", "CheapestTreesEffort", 20);
+    const graph::SteinerLimits limits = graph::ReadCheapestTreesLimits();
+    EXPECT_EQ(limits.maximumTrees, 3U);
+    EXPECT_EQ(limits.effort, 20'000'000U);
+    EXPECT_EQ(limits.time, std::chrono::seconds(4));
+    EXPECT_EQ(limits.memory, std::size_t{1} << 20U);
+}
+
 TEST(JoinGraph, TreesBeyondTheBoundAreCountedInTheLog)
 {
     const GraphText text("a-b:1 a-b:1 a-b:1 a-b:2");
     const std::vector<NoticeCase> cases{
         {3, 1, 3, {}},
-        {2, 1, 2, {"Cheapest trees: listed 2 of 3, weight 1"}},
+        {2, 1, 2, {"Cheapest trees: CheapestTreesBound exceeded, listed 2 of 3, weight 1"}},
         {2, 0, 2, {}},
-        {0, 7, 1, {"Cheapest trees: listed 1 of 3, weight 1"}},
+        {0, 7, 1, {"Cheapest trees: CheapestTreesBound exceeded, listed 1 of 3, weight 1"}},
     };
     for (const NoticeCase& row : cases) {
         SCOPED_TRACE(testing::Message() << "bound " << row.bound << ", level " << row.level);
@@ -185,7 +234,7 @@ TEST(JoinGraph, TreesBeyondTheBoundAreCountedInTheLog)
     }
 }
 
-TEST(JoinGraph, ExceededBudgetIsToldInTheLogWithWeightAndBound)
+TEST(JoinGraph, ExceededLimitIsNamedInTheLogWithWeightAndBound)
 {
     // A cube of eight dimensions, half of whose corners are to be connected, no two of them
     // neighbours.
@@ -201,19 +250,46 @@ TEST(JoinGraph, ExceededBudgetIsToldInTheLogWithWeightAndBound)
             names += node + ' ';
     }
     const GraphText text(cube);
-    const SettingsOverride seconds("JoinGraph", "CheapestTreesSeconds", 1);
-    const SettingsOverride megabytes("JoinGraph", "CheapestTreesMegabytes", 1);
+    for (const char* key :
+         {"CheapestTreesEffort", "CheapestTreesMegabytes", "CheapestTreesSeconds"}) {
+        const SettingsOverride limit("JoinGraph", key, 1);
+        const LogCapture log(1);
+        std::vector<std::string> trees;
+        const std::optional<int> weight = FindCheapest(text, names, trees);
+        ASSERT_TRUE(weight);
+        ASSERT_EQ(trees.size(), 1U);
+        EXPECT_EQ(text.Get().GetPathWeight(text.Ids(trees.front())), weight);
+        ASSERT_EQ(log.GetEntries().size(), 1U);
+        EXPECT_THAT(log.GetEntries().front().text.ToStdString(),
+                    testing::MatchesRegex(std::string("Cheapest trees: ") + key +
+                                          " exceeded, weight " + std::to_string(*weight) +
+                                          ", lower bound [0-9]+, not proven"));
+    }
+}
+
+TEST(JoinGraph, OneTreeIsSearchedSilentlyAndACutListOfPathsIsNot)
+{
+    // All trees of the complete graph of eight nodes: 8^6 of them.
+    std::string complete;
+    std::string names;
+    for (char end1 = 'a'; end1 < 'i'; ++end1) {
+        names += std::string(1, end1) + ' ';
+        for (char end2 = 'a'; end2 < end1; ++end2)
+            complete += std::string{end1, '-', end2} + ":1 ";
+    }
+    const GraphText text(complete);
     const LogCapture log(1);
-    std::vector<std::string> trees;
-    const std::optional<int> weight = FindCheapest(text, names, trees);
-    ASSERT_TRUE(weight);
-    ASSERT_EQ(trees.size(), 1U);
-    EXPECT_EQ(text.Get().GetPathWeight(text.Ids(trees.front())), weight);
+    std::vector<amd_id> edges;
+    text.Get().GetTreeEdges(text.Ids(names), edges);
+    EXPECT_EQ(edges.size(), 7U);
+    EXPECT_EQ(log.GetEntries().size(), 0U);
+
+    std::vector<std::vector<amd_id>> paths;
+    text.Get().GetPaths(paths);
+    EXPECT_EQ(paths.size(), 1000U);
     ASSERT_EQ(log.GetEntries().size(), 1U);
-    EXPECT_THAT(log.GetEntries().front().text.ToStdString(),
-                testing::MatchesRegex("Cheapest trees: budget exceeded, weight " +
-                                      std::to_string(*weight) +
-                                      ", lower bound [0-9]+, not proven"));
+    EXPECT_EQ(log.GetEntries().front().text.ToStdString(),
+              "Spanning trees: listed 1000, there are more");
 }
 
 TEST(JoinGraph, SumsOfManyWeightsSaturate)

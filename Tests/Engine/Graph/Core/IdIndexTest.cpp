@@ -6,6 +6,7 @@
 
 #include <map>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace qe::graph {
@@ -30,7 +31,10 @@ TEST(IdIndex, NumbersIdsInTheOrderOfTheirArrival)
                 if (expected.try_emplace(ids[place], expected.size()).second)
                     places.push_back(place);
             }
-            ASSERT_EQ(index.Add(ids), places);
+            IdIndex::Addition addition = index.Prepare(ids);
+            ASSERT_EQ(addition.GetPlaces(), places);
+            ASSERT_EQ(index.GetCount(), expected.size() - places.size());
+            index.Commit(std::move(addition));
             ASSERT_EQ(index.GetCount(), expected.size());
             for (const auto& [id, slot] : expected)
                 ASSERT_EQ(index.FindSlot(id), slot);
