@@ -71,7 +71,7 @@ private:
         // Sparse ones are large, so that paths are long.
         const bool isSparse = Below(3) == 0;
         for (int count = isSparse ? 8 : Below(5); count > 0; --count)
-            names.push_back(std::string(1, static_cast<char>('A' + names.size())));
+            names.emplace_back(1, static_cast<char>('A' + names.size()));
         std::string text = "A, B; ";
         for (const char* shortcut : {"s -> A", "t -> A", "u -> B", "v -> s", "w ->1 A"}) {
             const bool isOfShortcut = shortcut[0] == 'v';
