@@ -44,10 +44,17 @@ std::string ReadScript(const std::filesystem::path& path)
     return text;
 }
 
-void Execute(ScriptDatabase& database, const std::filesystem::path& path, const std::string& text)
+void Execute(ScriptDatabase& database, const std::filesystem::path& path, const std::string& text,
+             const ProgressObserver& observer)
 {
+    std::uint64_t statements = 0;
     std::size_t offset = SkipSpace(text, 0);
     while (offset != std::string::npos) {
+        if (observer)
+            observer({.done = offset,
+                      .size = text.size(),
+                      .count = statements++,
+                      .unit = "statements"});
         try {
             offset = SkipSpace(text, database.ExecuteFirst(text, offset));
         } catch (const SqliteError& error) {
@@ -59,15 +66,16 @@ void Execute(ScriptDatabase& database, const std::filesystem::path& path, const 
 
 } // namespace
 
-DatabaseSchema ReadSqlScripts(const std::vector<std::filesystem::path>& paths)
+DatabaseSchema ReadSqlScripts(const std::vector<std::filesystem::path>& paths,
+                              const ProgressObserver& observer)
 {
     std::deque<std::string> texts;
     ScriptDatabase database;
     for (const std::filesystem::path& path : paths)
-        Execute(database, path, texts.emplace_back(ReadScript(path)));
+        Execute(database, path, texts.emplace_back(ReadScript(path)), observer);
     const std::string name = paths.empty() ? std::string() : paths.front().stem().string();
     try {
-        DatabaseSchema schema = ReadSqliteSchema(database.GetParts());
+        DatabaseSchema schema = ReadSqliteSchema(database.GetParts(), observer);
         schema.name = name;
         return schema;
     } catch (const SqliteError& error) {

@@ -23,10 +23,16 @@ class SchemaReader
 public:
     explicit SchemaReader(std::span<const SqliteDatabase> databases) : mDatabases(databases) {}
 
-    DatabaseSchema Read()
+    DatabaseSchema Read(const ProgressObserver& observer)
     {
-        for (const auto& [name, database] : ListTables())
+        const auto tables = ListTables();
+        std::uint64_t done = 0;
+        for (const auto& [name, database] : tables) {
+            if (observer)
+                observer({.done = done, .size = tables.size(), .count = done, .unit = "tables"});
+            ++done;
             AddTable(name, *database);
+        }
         return std::move(mSchema);
     }
 
@@ -127,19 +133,20 @@ private:
 
 } // namespace
 
-DatabaseSchema ReadSqliteSchema(std::span<const SqliteDatabase> databases)
+DatabaseSchema ReadSqliteSchema(std::span<const SqliteDatabase> databases,
+                                const ProgressObserver& observer)
 {
-    return SchemaReader(databases).Read();
+    return SchemaReader(databases).Read(observer);
 }
 
-DatabaseSchema ReadSqliteFile(const std::filesystem::path& path)
+DatabaseSchema ReadSqliteFile(const std::filesystem::path& path, const ProgressObserver& observer)
 {
     std::error_code failure;
     if (std::filesystem::is_directory(path, failure))
         throw InputError({{path.string(), "is a folder, not a database"}});
     try {
         const SqliteDatabase database = SqliteDatabase::OpenFile(path);
-        DatabaseSchema schema = ReadSqliteSchema({&database, 1});
+        DatabaseSchema schema = ReadSqliteSchema({&database, 1}, observer);
         schema.name = path.stem().string();
         return schema;
     } catch (const SqliteError& error) {
