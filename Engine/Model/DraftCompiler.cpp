@@ -25,7 +25,7 @@ const std::vector<ENameKind> kShortcutNameKinds{
 class DraftCompiler
 {
 public:
-    explicit DraftCompiler(const std::vector<ObjectDraft>& drafts) : mProblems(drafts)
+    explicit DraftCompiler(const std::deque<ObjectDraft>& drafts) : mProblems(drafts)
     {
         for (const ObjectDraft& draft : drafts)
             mDrafts.push_back({.draft = &draft});
@@ -243,7 +243,7 @@ void DraftCompiler::FollowReferences()
 
 } // namespace
 
-ObjectTable CompileDrafts(const std::vector<ObjectDraft>& drafts)
+ObjectTable CompileDrafts(const std::deque<ObjectDraft>& drafts)
 {
     return DraftCompiler(drafts).Compile();
 }

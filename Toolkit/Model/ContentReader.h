@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
@@ -45,7 +46,8 @@ struct ModelContent
     std::string locale = "en";
     std::vector<std::string> userClasses{};
     AQE_Governors governors{};
-    std::vector<ContentObject> objects{};
+    /// There are many, and they are large: a deque never moves them.
+    std::deque<ContentObject> objects{};
 };
 
 /// The values of model files that can be written in more than one form. What is missing or wrong is
