@@ -23,7 +23,8 @@ class NameLookup;
 /// query subject, and no chain of parents, shortcuts or relationship shortcuts is cyclic.
 ///
 /// Any number of threads may read one model. What its operations point to lives as long as the
-/// model. Lists come in ascending order of ids. Lookups by id or exact name cost a binary search at most.
+/// model. Lists come in ascending order of ids. Lookups by id or exact name cost a binary search at
+/// most.
 class QEENGINE_EXPORT Model
 {
 public:

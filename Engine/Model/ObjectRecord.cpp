@@ -62,9 +62,8 @@ std::size_t ObjectTable::FindInRun(const Run& run, const amd_id& id)
 
 const ObjectRecord* ObjectTable::Find(const amd_id& id) const
 {
-    const auto behind =
-        std::partition_point(mRuns.begin(), mRuns.end(),
-                             [&id](const Run& run) { return !(id < run.first); });
+    const auto behind = std::partition_point(mRuns.begin(), mRuns.end(),
+                                             [&id](const Run& run) { return !(id < run.first); });
     if (behind == mRuns.begin())
         return nullptr;
     const Run& run = *std::prev(behind);

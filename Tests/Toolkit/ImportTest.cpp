@@ -170,7 +170,8 @@ TEST(Import, ReadsTablesThatAreKeptApartAsOneDatabase)
         "CREATE TABLE a (x); CREATE INDEX i ON a (y); CREATE TABLE b (y);",
         "/* one */ CREATE -- two\n TABLE a (x /* three */); CREATE TABLE b (x, x);",
         R"(CREATE TABLE "a""b" (x); CREATE INDEX i ON [a"b] (x); CREATE TABLE `A"B` (x);)",
-        "CREATE TABLE a (x INTEGER PRIMARY KEY AUTOINCREMENT); CREATE INDEX i ON sqlite_sequence (x);",
+        "CREATE TABLE a (x INTEGER PRIMARY KEY AUTOINCREMENT); CREATE INDEX i ON sqlite_sequence "
+        "(x);",
         "CREATE TABLE a (x); COMMIT;",
         "CREATE TABLE a (x); CREATE TABLE",
     };

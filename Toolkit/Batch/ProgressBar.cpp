@@ -43,8 +43,7 @@ void ProgressBar::Show(const Progress& progress)
         }
         text += std::to_string(100 * done / progress.size) + " % ";
     }
-    mTerminal << '\r' << text << progress.count << ' ' << progress.unit << "\x1b[K"
-              << std::flush;
+    mTerminal << '\r' << text << progress.count << ' ' << progress.unit << "\x1b[K" << std::flush;
     mIsShown = true;
 }
 

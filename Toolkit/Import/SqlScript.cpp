@@ -51,10 +51,8 @@ void Execute(ScriptDatabase& database, const std::filesystem::path& path, const 
     std::size_t offset = SkipSpace(text, 0);
     while (offset != std::string::npos) {
         if (observer)
-            observer({.done = offset,
-                      .size = text.size(),
-                      .count = statements++,
-                      .unit = "statements"});
+            observer(
+                {.done = offset, .size = text.size(), .count = statements++, .unit = "statements"});
         try {
             offset = SkipSpace(text, database.ExecuteFirst(text, offset));
         } catch (const SqliteError& error) {

@@ -91,7 +91,7 @@ private:
     static void ReadUniqueIndices(SchemaTable& table, const SqliteDatabase& database)
     {
         SqliteQuery indices(database, "SELECT name FROM pragma_index_list(?) WHERE \"unique\" AND "
-                                       "NOT partial ORDER BY name");
+                                      "NOT partial ORDER BY name");
         indices.Bind(1, table.name);
         while (indices.Next()) {
             Names key;
@@ -113,7 +113,7 @@ private:
     {
         // SQLite numbers the keys of a table from the last one backwards.
         SqliteQuery query(database, "SELECT id, \"table\", \"from\", \"to\" FROM "
-                                     "pragma_foreign_key_list(?) ORDER BY id DESC, seq");
+                                    "pragma_foreign_key_list(?) ORDER BY id DESC, seq");
         query.Bind(1, table.name);
         std::optional<std::int64_t> lastId;
         while (query.Next()) {

@@ -32,8 +32,8 @@ std::string PlaceOf(std::string_view text, std::size_t offset, const std::string
     return documentName + ':' + std::to_string(line) + ':' + std::to_string(column);
 }
 
-/// Puts together the document that a parser reads. It knows, which the parser does not, where in the
-/// document it is and whether a key has been there before.
+/// Puts together the document that a parser reads. It knows, which the parser does not, where in
+/// the document it is and whether a key has been there before.
 class DocumentBuilder
 {
 public:
@@ -46,8 +46,8 @@ public:
     {
         std::string pointer = GetPointer();
         if (!mLevels.empty() && mLevels.back().value->is_array())
-            pointer = ChildPointer(pointer.substr(0, pointer.rfind('/')),
-                                   mLevels.back().value->size());
+            pointer =
+                ChildPointer(pointer.substr(0, pointer.rfind('/')), mLevels.back().value->size());
         return pointer;
     }
 

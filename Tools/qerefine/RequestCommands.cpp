@@ -120,10 +120,8 @@ BatchSummary RunRequests(const BatchCommandOptions& options, const CommandContex
     if (context.terminal.error == Terminal::EStream::Terminal) {
         bar.emplace(context.error, context.terminal.width);
         batch.observer = [&bar, size = requests.GetSize()](const BatchSummary& soFar) {
-            bar->Show({.done = soFar.bytes,
-                       .size = size,
-                       .count = soFar.requests,
-                       .unit = "requests"});
+            bar->Show(
+                {.done = soFar.bytes, .size = size, .count = soFar.requests, .unit = "requests"});
         };
     }
     const BatchOutput output{.stream = context.output,
