@@ -117,7 +117,11 @@ private:
             entry.id = request.json["id"];
         entry.question = ReadQuestion(request, mOptions.defaults);
         std::unique_ptr<Asker> asker = TakeAsker();
-        entry.outcome = asker->Ask(entry.question);
+        try {
+            entry.outcome = asker->Ask(entry.question);
+        } catch (const InputError& mistakes) {
+            entry.outcome = mistakes;
+        }
         const std::lock_guard lock(mMutex);
         mIdleAskers.push_back(std::move(asker));
     }
