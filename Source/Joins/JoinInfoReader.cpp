@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace qe {
 
@@ -65,19 +66,23 @@ bool Read(const RefinerServices& services, const amd_id& joinId, AQE_I_Refiner::
 JoinInfoReader::JoinInfoReader(const RefinerServices& services) : mServices(services)
 {}
 
-std::optional<AQE_I_Refiner::QEjoinInfo> JoinInfoReader::LookUpJoinInfo(const amd_id& joinId) const
+const AQE_I_Refiner::QEjoinInfo* JoinInfoReader::LookUpJoinInfo(const amd_id& joinId) const
 {
-    std::optional<AQE_I_Refiner::QEjoinInfo> info(std::in_place);
-    if (!Read(mServices, joinId, *info))
-        info.reset();
-    return info;
+    auto read = mRead.find(joinId);
+    if (read == mRead.end()) {
+        std::optional<QEjoinInfo> info(std::in_place);
+        if (!Read(mServices, joinId, *info))
+            info.reset();
+        read = mRead.emplace(joinId, std::move(info)).first;
+    }
+    return read->second ? &*read->second : nullptr;
 }
 
 std::vector<amd_id> JoinInfoReader::KeepReadableJoins(const std::vector<amd_id>& path) const
 {
     std::vector<amd_id> readable;
     std::copy_if(path.begin(), path.end(), std::back_inserter(readable),
-                 [this](const amd_id& join) { return LookUpJoinInfo(join).has_value(); });
+                 [this](const amd_id& join) { return LookUpJoinInfo(join) != nullptr; });
     return readable;
 }
 

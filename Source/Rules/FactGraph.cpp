@@ -11,36 +11,16 @@ namespace qe {
 namespace {
 
 template <typename T>
-bool Contains(const std::vector<T>& values, const T& value)
+bool Contains(const std::pmr::vector<T>& values, const T& value)
 {
     return std::find(values.begin(), values.end(), value) != values.end();
 }
 
 template <typename T>
-void AppendOnce(std::vector<T>& values, const T& value)
+void AppendOnce(std::pmr::vector<T>& values, const T& value)
 {
     if (!Contains(values, value))
         values.push_back(value);
-}
-
-/// Returns whether `id` belongs to a node above `node`. Each node is walked once: merged nodes may
-/// be their own parents, and a walk along every path would take exponential time in a lattice of
-/// dimensions.
-bool IsFoundAbove(const FactNode& node, const amd_id& id)
-{
-    std::set<const FactNode*> visited(node.mParents.begin(), node.mParents.end());
-    std::vector<const FactNode*> pending(visited.begin(), visited.end());
-    while (!pending.empty()) {
-        const FactNode* const above = pending.back();
-        pending.pop_back();
-        if (Contains(above->mIds, id))
-            return true;
-        for (const FactNode* const parent : above->mParents) {
-            if (visited.insert(parent).second)
-                pending.push_back(parent);
-        }
-    }
-    return false;
 }
 
 enum class ESide
@@ -113,18 +93,45 @@ EFactJoin FactGraph::AddOneToManyJoin(const amd_id& one, const amd_id& many)
     if (manyIsNew)
         manyNode = &MakeNode(many);
     FactNode* oneNode = Find(one);
-    if (oneNode == nullptr)
+    const bool oneIsNew = oneNode == nullptr;
+    if (oneIsNew)
         oneNode = &MakeNode(one);
 
-    oneNode->mParents.insert(manyNode);
+    AppendOnce(oneNode->mParents, manyNode);
     if (Contains(manyNode->mChildren, oneNode))
         return EFactJoin::Added;
     manyNode->mChildren.push_back(oneNode);
     RemoveRoot(*oneNode);
     if (manyIsNew)
         mRoots.push_back(manyNode);
-    return IsFoundAbove(*manyNode, many) || IsFoundAbove(*oneNode, one) ? EFactJoin::Cyclic
-                                                                        : EFactJoin::Added;
+    // A join with a new query subject closes no cycle, unless that one is joined to itself.
+    const bool isCyclic = ((!oneIsNew && (!manyIsNew || one == many)) || mMayBeCyclic) &&
+                          (IsFoundAbove(*manyNode, many) || IsFoundAbove(*oneNode, one));
+    mMayBeCyclic = mMayBeCyclic || isCyclic;
+    return isCyclic ? EFactJoin::Cyclic : EFactJoin::Added;
+}
+
+/// Returns whether `id` belongs to a node above `node`. Each node is walked once: merged nodes may
+/// be their own parents, and a walk along every path would take exponential time in a lattice of
+/// dimensions.
+bool FactGraph::IsFoundAbove(const FactNode& node, const amd_id& id)
+{
+    mVisits.resize(mNodes.size(), 0);
+    ++mWalkCount;
+    mPending.assign(1, &node);
+    while (!mPending.empty()) {
+        const FactNode* const below = mPending.back();
+        mPending.pop_back();
+        for (const FactNode* const above : below->mParents) {
+            if (mVisits[above->mNumber] == mWalkCount)
+                continue;
+            if (Contains(above->mIds, id))
+                return true;
+            mVisits[above->mNumber] = mWalkCount;
+            mPending.push_back(above);
+        }
+    }
+    return false;
 }
 
 void FactGraph::AddOneToOneJoin(const amd_id& a, const amd_id& b)
@@ -159,7 +166,7 @@ FactNode* FactGraph::Find(const amd_id& id) const
 
 FactNode& FactGraph::MakeNode(const amd_id& id)
 {
-    FactNode& node = *mNodes.emplace_back(std::make_unique<FactNode>(id));
+    FactNode& node = mNodes.emplace_back(id, mNodes.size(), &mMemory);
     mNodeById[id] = &node;
     return node;
 }
@@ -167,19 +174,19 @@ FactNode& FactGraph::MakeNode(const amd_id& id)
 void FactGraph::MergeNodes(FactNode& from, FactNode& into, const amd_id& id)
 {
     // The parents keep listing `from`: their dimensions stay those of the time before the merge.
-    into.mParents.insert(from.mParents.begin(), from.mParents.end());
+    for (FactNode* const parent : from.mParents)
+        AppendOnce(into.mParents, parent);
     AppendOnce(into.mIds, id);
-    for (const amd_id& fromId : from.mIds)
+    for (const amd_id& fromId : from.mIds) {
         AppendOnce(into.mIds, fromId);
+        mNodeById[fromId] = &into;
+    }
     for (FactNode* const child : from.mChildren) {
         AppendOnce(into.mChildren, child);
-        child->mParents.erase(&from);
-        child->mParents.insert(&into);
+        std::erase(child->mParents, &from);
+        AppendOnce(child->mParents, &into);
     }
-    for (auto& [key, node] : mNodeById) {
-        if (node == &from)
-            node = &into;
-    }
+    mMayBeCyclic = true;
     RemoveRoot(from);
 }
 

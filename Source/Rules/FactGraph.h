@@ -3,11 +3,13 @@
 
 #include "amd_id.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
+#include <list>
 #include <map>
-#include <memory>
-#include <set>
+#include <memory_resource>
 #include <vector>
 
 namespace qe {
@@ -39,16 +41,19 @@ struct FactJoinEnd
 /// FactGraph; the pointers between them are borrowed.
 struct FactNode
 {
-    explicit FactNode(const amd_id& id) : mIds{id} {}
+    FactNode(const amd_id& id, std::size_t number, std::pmr::memory_resource* memory)
+        : mNumber(number), mParents(memory), mIds({id}, memory), mChildren(memory)
+    {}
 
-    /// The nodes that have this one as a dimension. The set is there for membership only: nothing
-    /// observable may follow its order, which is that of addresses.
-    std::set<FactNode*> mParents;
+    /// How many nodes of the graph are older.
+    std::size_t mNumber;
+    /// The nodes that have this one as a dimension, each once.
+    std::pmr::vector<FactNode*> mParents;
     /// The query subjects of the node in the order in which they came; never empty. The first one
     /// names the node. One that is joined one-to-one to itself before anything else stands twice.
-    std::vector<amd_id> mIds;
+    std::pmr::vector<amd_id> mIds;
     /// The dimensions of this node, each once, in the order in which they came.
-    std::vector<FactNode*> mChildren;
+    std::pmr::vector<FactNode*> mChildren;
 };
 
 /// The facts and dimensions of a set of joins, as a graph that only grows.
@@ -83,13 +88,27 @@ public:
 private:
     void AddOneToOneJoin(const amd_id& a, const amd_id& b);
     [[nodiscard]] EFactJoin AddOneToManyJoin(const amd_id& one, const amd_id& many);
+    [[nodiscard]] bool IsFoundAbove(const FactNode& node, const amd_id& id);
     FactNode& MakeNode(const amd_id& id);
     void MergeNodes(FactNode& from, FactNode& into, const amd_id& id);
     void RemoveRoot(const FactNode& node);
 
-    std::vector<std::unique_ptr<FactNode>> mNodes;
+    /// Enough for the graph of a common path, thousands of which are counted for a ranking.
+    static constexpr std::size_t kFirstBytes = 4096;
+
+    std::array<std::byte, kFirstBytes> mFirstMemory;
+    /// What all nodes and lists live in; it is given back as a whole.
+    std::pmr::monotonic_buffer_resource mMemory{mFirstMemory.data(), mFirstMemory.size()};
+    std::pmr::list<FactNode> mNodes{&mMemory};
+    std::pmr::map<amd_id, FactNode*> mNodeById{&mMemory};
     std::vector<FactNode*> mRoots;
-    std::map<amd_id, FactNode*> mNodeById;
+    /// Whether a node may lie above itself, so that joins with a new query subject are looked at
+    /// too.
+    bool mMayBeCyclic = false;
+    /// For each node by number, the last walk that came by it.
+    std::vector<std::size_t> mVisits;
+    std::size_t mWalkCount = 0;
+    std::vector<const FactNode*> mPending;
 };
 
 } // namespace qe
