@@ -3,6 +3,7 @@
 #include "AQE_I_QuerySubjectShortcutInfo.h"
 #include "AQE_I_Refiner.h"
 #include "IdClass.h"
+#include "Joins/JoinReader.h"
 #include "Rules/JoinEnds.h"
 
 #include <algorithm>
@@ -24,32 +25,28 @@ std::optional<JoinEnds> JoinEndsReader::GetJoinEnds(const amd_id& join) const
     return read->ends;
 }
 
-std::optional<WeighedJoin> JoinEndsReader::GetWeighedJoin(const amd_id& join) const
+int JoinEndsReader::AdjustWeight(const WeighedJoin& join) const
 {
-    auto read = Read(join);
-    if (!read)
-        return read;
     const auto resolve = [this](const amd_id& shortcut) {
         return AQE_I_Refiner::GetRefQuerySubject(mServices.gateway, shortcut, nullptr, nullptr);
     };
-    read->weight = AdjustJoinWeight(
-        *read, {mFavouredSubjects, resolve},
+    return AdjustJoinWeight(
+        join, {mFavouredSubjects, resolve},
         {.oneEnd = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeOneEndInSet),
          .bothEnds = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeBothEndsInSet)});
-    return read;
 }
 
 std::optional<WeighedJoin> JoinEndsReader::Read(const amd_id& join) const
 {
-    AQE_I_Refiner::QEjoinInfo info;
-    bool known =
-        AQE_I_Refiner::GetJoinInfo(mServices.gateway, mServices.requestContext, join, info);
-    if (!known && mShortcutUse == EShortcutUse::Consult && mServices.shortcutInfo != nullptr)
-        known = mServices.shortcutInfo->GetJoinInfo(join, info);
-    if (!known)
+    const AQE_I_Refiner::QEjoinInfo* info =
+        FindOrReadJoin(mServices.gateway, mServices.requestContext, join, mSpace);
+    if (info == nullptr && mShortcutUse == EShortcutUse::Consult &&
+        mServices.shortcutInfo != nullptr && mServices.shortcutInfo->GetJoinInfo(join, mSpace))
+        info = &mSpace;
+    if (info == nullptr)
         return std::nullopt;
-    return WeighedJoin{.ends = {.left = info.leftQuerySubject, .right = info.rightQuerySubject},
-                       .weight = info.weight};
+    return WeighedJoin{.ends = {.left = info->leftQuerySubject, .right = info->rightQuerySubject},
+                       .weight = info->weight};
 }
 
 namespace {

@@ -64,22 +64,29 @@ public:
     JoinEndsReader(const RefinerServices& services, const std::set<amd_id>& favouredSubjects,
                    EShortcutUse shortcutUse);
 
+    [[nodiscard]] const RefinerServices& GetServices() const { return mServices; }
+
     /// Returns whether synthetic shortcut joins are consulted.
     [[nodiscard]] EShortcutUse GetShortcutUse() const { return mShortcutUse; }
 
     /// Returns the ends of a join, or nothing when it cannot be read.
     [[nodiscard]] std::optional<JoinEnds> GetJoinEnds(const amd_id& join) const;
 
-    /// Returns the ends of a join and its weight, made cheaper where its ends are favoured query
-    /// subjects; nothing when it cannot be read.
-    [[nodiscard]] std::optional<WeighedJoin> GetWeighedJoin(const amd_id& join) const;
-
-private:
+    /// Returns the ends of a join and the weight of its kind; nothing when it cannot be read.
     [[nodiscard]] std::optional<WeighedJoin> Read(const amd_id& join) const;
 
+    /// Returns whether the weights of joins depend on which query subjects are favoured.
+    [[nodiscard]] bool HasFavouredSubjects() const { return !mFavouredSubjects.empty(); }
+
+    /// Returns the weight of a join, made cheaper where its ends are favoured query subjects.
+    [[nodiscard]] int AdjustWeight(const WeighedJoin& join) const;
+
+private:
     RefinerServices mServices;
     const std::set<amd_id>& mFavouredSubjects;
     EShortcutUse mShortcutUse;
+    /// What joins are read into that no cache keeps.
+    mutable AQE_I_Refiner::QEjoinInfo mSpace;
 };
 
 } // namespace qe
