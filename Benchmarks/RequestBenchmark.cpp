@@ -1,7 +1,7 @@
 // What a request costs, measured against one look at the model: a sweep reads every candidate join
 // once through the gateway and throws it away. Prints tables with the limits that hold.
 //
-//     RequestBenchmark [requests [SUBJECTS] | ranking | pairwise | facts | groups]
+//     RequestBenchmark [requests [SUBJECTS [RUNS]] | ranking | pairwise | facts | groups]
 
 #include "AQE_Governors.h"
 #include "AQE_I_FactFinder.h"
@@ -212,10 +212,10 @@ const char* Judge(bool isHeld)
     return isHeld ? "ok" : "MISSED";
 }
 
-void MeasureRequests(const Galaxy& galaxy, int subjects, int terminals)
+void MeasureRequests(const Galaxy& galaxy, int subjects, int terminals, int wantedRuns)
 {
     constexpr std::size_t kNextRequests = 8;
-    const int runs = std::clamp(200000 / subjects, 3, 200);
+    const int runs = wantedRuns > 0 ? wantedRuns : std::clamp(200000 / subjects, 3, 200);
     std::vector<Ids> asked;
     for (std::size_t i = 0; i <= kNextRequests; ++i)
         asked.push_back(ChooseSubjects(galaxy, 7 + 5 * i, terminals));
@@ -245,7 +245,7 @@ void MeasureRequests(const Galaxy& galaxy, int subjects, int terminals)
         std::abort();
 }
 
-void MeasureRequests(std::string_view onlySubjects)
+void MeasureRequests(std::string_view onlySubjects, int wantedRuns)
 {
     std::printf("Requests: microseconds, and sweeps (limit)\n%8s %6s %11s %11s %12s %11s %12s %8s "
                 "%16s\n",
@@ -255,7 +255,7 @@ void MeasureRequests(std::string_view onlySubjects)
             continue;
         const Galaxy galaxy = MakeGalaxy(subjects);
         for (const int terminals : {2, 5, 10})
-            MeasureRequests(galaxy, subjects, terminals);
+            MeasureRequests(galaxy, subjects, terminals, wantedRuns);
     }
 }
 
@@ -427,7 +427,7 @@ int main(int argc, char** argv)
     const std::string_view part = argc > 1 ? argv[1] : "";
     const auto isWanted = [&](std::string_view name) { return part.empty() || part == name; };
     if (isWanted("requests"))
-        MeasureRequests(argc > 2 ? argv[2] : "");
+        MeasureRequests(argc > 2 ? argv[2] : "", argc > 3 ? std::atoi(argv[3]) : 0);
     if (isWanted("ranking"))
         MeasureRanking();
     if (isWanted("pairwise"))

@@ -2,14 +2,17 @@
 
 #include "AQE_LogFile.h"
 #include "AUT_I_UserConfiguration.h"
+#include "Engine/Graph/Core/TerminalRegion.h"
 #include "QERes.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace qe::graph {
 
@@ -54,6 +57,28 @@ std::string DescribeShortfall(const SteinerResult& result)
     return text.str();
 }
 
+// Searches where the trees can lie: most requests touch a small part of a large model.
+SteinerResult FindInRegion(const GraphView& graph, std::span<const NodeIndex> nodes,
+                           const SteinerLimits& limits)
+{
+    std::vector<NodeIndex> terminals(nodes.begin(), nodes.end());
+    std::sort(terminals.begin(), terminals.end());
+    terminals.erase(std::unique(terminals.begin(), terminals.end()), terminals.end());
+    if (terminals.size() < 2 || !terminals.back().IsValid())
+        return FindCheapestTrees(graph, terminals, limits);
+    const std::optional<TerminalRegion> region = FindRegion(graph, terminals);
+    if (!region)
+        return {};
+    for (NodeIndex& terminal : terminals)
+        terminal = region->ToRegion(terminal);
+    SteinerResult result = FindCheapestTrees(region->GetView(), terminals, limits);
+    for (std::vector<EdgeIndex>& tree : result.trees) {
+        for (EdgeIndex& edge : tree)
+            edge = region->ToGraph(edge);
+    }
+    return result;
+}
+
 void WriteNotice(const std::string& text)
 {
     AQE_LogFile log(QERes::getString(kLogNameText));
@@ -82,7 +107,7 @@ SteinerLimits ReadCheapestTreesLimits()
 
 SteinerResult SearchCheapestTrees(const GraphView& graph, std::span<const NodeIndex> nodes)
 {
-    SteinerResult result = FindCheapestTrees(graph, nodes, ReadCheapestTreesLimits());
+    SteinerResult result = FindInRegion(graph, nodes, ReadCheapestTreesLimits());
     if (result.connected)
         WriteNotice(DescribeShortfall(result));
     return result;
