@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <memory_resource>
 #include <vector>
 
 namespace qe {
@@ -57,7 +58,9 @@ private:
     /// A set of ids, in order and each once.
     using JoinPathKey = std::vector<amd_id>;
 
-    std::map<amd_id, QEjoinInfo> mJoinInfos;
+    /// What the joins live in: thousands that are never dropped one by one.
+    std::pmr::monotonic_buffer_resource mMemory;
+    std::pmr::map<amd_id, QEjoinInfo> mJoinInfos{&mMemory};
     std::map<JoinPathKey, std::vector<amd_id>> mJoinPaths;
     /// How often a join was replaced by another.
     std::uint64_t mReplacedCount = 0;

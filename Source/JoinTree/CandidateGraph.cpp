@@ -6,6 +6,8 @@
 #include "Joins/JoinReader.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 
 namespace qe {
@@ -29,6 +31,17 @@ std::vector<amd_id> Sort(std::vector<amd_id> ids)
     if (!std::is_sorted(ids.begin(), ids.end()))
         std::sort(ids.begin(), ids.end());
     return ids;
+}
+
+/// Returns whether the id is among the sorted ones.
+bool Contains(const std::vector<amd_id>& sorted, const amd_id& id)
+{
+    // The ids of a model are mostly numbered without gaps, and then the first tells the place.
+    const std::int64_t place = std::int64_t{id.number} - sorted.front().number;
+    if (place >= 0 && place < static_cast<std::int64_t>(sorted.size()) &&
+        sorted[static_cast<std::size_t>(place)] == id)
+        return true;
+    return std::binary_search(sorted.begin(), sorted.end(), id);
 }
 
 WeighedJoin ToWeighedJoin(const QEjoinInfo& info)
@@ -151,9 +164,6 @@ void CandidateGraph::ReadAll(const Request& request)
     const Ids sorted = Sort(request.nodes);
     for (const amd_id& node : sorted)
         candidates.graph->AddNode(node);
-    const auto isCandidate = [&](const amd_id& node) {
-        return std::binary_search(sorted.begin(), sorted.end(), node);
-    };
     candidates.edges.reserve(request.joins.size());
     for (const amd_id& join : request.joins) {
         auto read = mEndsReader.Read(join);
@@ -162,7 +172,7 @@ void CandidateGraph::ReadAll(const Request& request)
             continue;
         }
         const int weight = mEndsReader.AdjustWeight(*read);
-        if (!isCandidate(read->ends.left) || !isCandidate(read->ends.right))
+        if (!Contains(sorted, read->ends.left) || !Contains(sorted, read->ends.right))
             continue;
         candidates.edges.push_back({.id = join, .join = *read});
         if (weight != read->weight)

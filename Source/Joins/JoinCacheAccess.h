@@ -5,6 +5,7 @@
 #include "AQE_JoinCache.h"
 #include "amd_id.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -23,8 +24,12 @@ public:
     /// cache lives.
     [[nodiscard]] const QEjoinInfo* Find(const amd_id& joinId) const
     {
-        const auto found = mCache.mJoinInfos.find(joinId);
-        return found == mCache.mJoinInfos.end() ? nullptr : &found->second;
+        const auto& infos = mCache.mJoinInfos;
+        // What is read comes mostly in the order of its ids, and is then not there yet.
+        if (infos.empty() || infos.rbegin()->first < joinId)
+            return nullptr;
+        const auto found = infos.find(joinId);
+        return found == infos.end() ? nullptr : &found->second;
     }
 
     /// Stores the join under the id, in place of what was there, and returns it.
@@ -32,7 +37,6 @@ public:
     {
         auto& infos = mCache.mJoinInfos;
         const std::size_t count = infos.size();
-        // Candidates mostly come in the order of their ids.
         const auto kept = infos.try_emplace(infos.end(), joinId, std::move(info));
         if (infos.size() == count) {
             kept->second = std::move(info);

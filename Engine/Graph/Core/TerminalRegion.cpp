@@ -56,7 +56,6 @@ private:
     void Push(const Label& label);
     void Settle(const Label& label);
     void Expand(const Label& label);
-    void NoteLeaving(const Label& label);
     void Unite(const Label& label, const Nearest& nearest);
     void SetBound(std::uint64_t frontier);
 
@@ -108,13 +107,12 @@ void RegionSearch::Settle(const Label& label)
     }
     if (nearest.base == label.base)
         return;
-    NoteLeaving(label);
+    if (mPieceCount > 1)
+        Unite(label, nearest);
     if (nearest.secondBase != kNoBase || nearest.distance + label.distance > mBound)
         return;
     nearest.secondBase = label.base;
     nearest.bothDistances = nearest.distance + label.distance;
-    if (mPieceCount > 1)
-        Unite(label, nearest);
     Expand(label);
 }
 
@@ -122,30 +120,23 @@ void RegionSearch::Expand(const Label& label)
 {
     for (const Arc& arc : mGraph.GetArcs(label.node)) {
         const Nearest& nearest = mNearest[arc.target];
-        if (nearest.base == label.base || nearest.secondBase == label.base)
+        // A third terminal matters only as long as the terminals are not connected.
+        if (nearest.base == label.base || nearest.secondBase == label.base ||
+            (nearest.secondBase != kNoBase && mPieceCount == 1))
             continue;
-        const Label next{.distance = label.distance + mGraph.GetEdge(arc.edge).weight,
-                         .node = arc.target,
-                         .base = label.base};
-        if (nearest.secondBase != kNoBase)
-            NoteLeaving(next);
-        else if (next.distance <= mBound)
-            Push(next);
+        const std::uint64_t distance = label.distance + mGraph.GetEdge(arc.edge).weight;
+        if (distance <= mBound)
+            Push({.distance = distance, .node = arc.target, .base = label.base});
     }
 }
 
-/// Notes a path that ends at a node of another terminal.
-void RegionSearch::NoteLeaving(const Label& label)
-{
-    if (mPieceCount > 1)
-        mRadii[label.base] = std::min(mRadii[label.base], label.distance);
-}
-
+/// Takes a path that came to a node of another terminal.
 void RegionSearch::Unite(const Label& label, const Nearest& nearest)
 {
+    mRadii[label.base] = std::min(mRadii[label.base], label.distance);
     if (!mPieces.Unite(nearest.base, label.base))
         return;
-    mTreeWeight += nearest.bothDistances;
+    mTreeWeight += nearest.distance + label.distance;
     if (--mPieceCount == 1)
         SetBound(label.distance);
 }
