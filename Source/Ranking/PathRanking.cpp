@@ -236,12 +236,13 @@ public:
     [[nodiscard]] std::int32_t MeasureKey(const RankingCriterion& criterion, std::size_t index)
     {
         if (criterion.measure != nullptr)
-            criterion.measure(mJoins.GetReadJoins(index), mJoins, mMeasures[index]);
+            criterion.measure(mJoins.GetReadJoins(index), mTools, mMeasures[index]);
         return criterion.getKey(mMeasures[index]);
     }
 
 private:
     CandidateJoins mJoins;
+    MeasureTools mTools{.listener = mJoins};
     std::vector<PathMeasure> mMeasures;
 };
 

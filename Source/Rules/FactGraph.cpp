@@ -11,13 +11,13 @@ namespace qe {
 namespace {
 
 template <typename T>
-bool Contains(const std::pmr::vector<T>& values, const T& value)
+bool Contains(const std::vector<T>& values, const T& value)
 {
     return std::find(values.begin(), values.end(), value) != values.end();
 }
 
 template <typename T>
-void AppendOnce(std::pmr::vector<T>& values, const T& value)
+void AppendOnce(std::vector<T>& values, const T& value)
 {
     if (!Contains(values, value))
         values.push_back(value);
@@ -141,14 +141,14 @@ void FactGraph::AddOneToOneJoin(const amd_id& a, const amd_id& b)
     if (nodeOfA == nullptr && nodeOfB == nullptr) {
         FactNode& node = MakeNode(a);
         node.mIds.push_back(b);
-        mNodeById[b] = &node;
+        Name(b, node);
         mRoots.push_back(&node);
     } else if (nodeOfB == nullptr) {
         nodeOfA->mIds.push_back(b);
-        mNodeById[b] = nodeOfA;
+        Name(b, *nodeOfA);
     } else if (nodeOfA == nullptr) {
         nodeOfB->mIds.push_back(a);
-        mNodeById[a] = nodeOfB;
+        Name(a, *nodeOfB);
     } else if (nodeOfA == nodeOfB) {
         return;
     } else if (nodeOfA->mParents.empty() && !nodeOfB->mParents.empty()) {
@@ -158,16 +158,47 @@ void FactGraph::AddOneToOneJoin(const amd_id& a, const amd_id& b)
     }
 }
 
+void FactGraph::Clear() noexcept
+{
+    mNodeCount = 0;
+    mNodeById.clear();
+    mRoots.clear();
+    mMayBeCyclic = false;
+}
+
+std::vector<FactGraph::NamedNode>::const_iterator FactGraph::FindPlace(const amd_id& id) const
+{
+    return std::lower_bound(
+        mNodeById.begin(), mNodeById.end(), id,
+        [](const NamedNode& named, const amd_id& wanted) { return named.id < wanted; });
+}
+
 FactNode* FactGraph::Find(const amd_id& id) const
 {
-    const auto found = mNodeById.find(id);
-    return found == mNodeById.end() ? nullptr : found->second;
+    const auto found = FindPlace(id);
+    return found == mNodeById.end() || found->id != id ? nullptr : found->node;
+}
+
+void FactGraph::Name(const amd_id& id, FactNode& node)
+{
+    const auto place = mNodeById.begin() + (FindPlace(id) - mNodeById.cbegin());
+    if (place != mNodeById.end() && place->id == id)
+        place->node = &node;
+    else
+        mNodeById.insert(place, {.id = id, .node = &node});
 }
 
 FactNode& FactGraph::MakeNode(const amd_id& id)
 {
-    FactNode& node = mNodes.emplace_back(id, mNodes.size(), &mMemory);
-    mNodeById[id] = &node;
+    if (mNodeCount == mNodes.size())
+        mNodes.emplace_back();
+    FactNode& node = mNodes[mNodeCount];
+    node.mNumber = mNodeCount;
+    node.mParents.clear();
+    node.mIds.assign(1, id);
+    node.mChildren.clear();
+    Name(id, node);
+    ++mNodeCount;
     return node;
 }
 
@@ -179,7 +210,7 @@ void FactGraph::MergeNodes(FactNode& from, FactNode& into, const amd_id& id)
     AppendOnce(into.mIds, id);
     for (const amd_id& fromId : from.mIds) {
         AppendOnce(into.mIds, fromId);
-        mNodeById[fromId] = &into;
+        Name(fromId, into);
     }
     for (FactNode* const child : from.mChildren) {
         AppendOnce(into.mChildren, child);

@@ -3,13 +3,10 @@
 
 #include "amd_id.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <iosfwd>
-#include <list>
-#include <map>
-#include <memory_resource>
 #include <vector>
 
 namespace qe {
@@ -41,19 +38,15 @@ struct FactJoinEnd
 /// FactGraph; the pointers between them are borrowed.
 struct FactNode
 {
-    FactNode(const amd_id& id, std::size_t number, std::pmr::memory_resource* memory)
-        : mNumber(number), mParents(memory), mIds({id}, memory), mChildren(memory)
-    {}
-
     /// How many nodes of the graph are older.
-    std::size_t mNumber;
+    std::size_t mNumber = 0;
     /// The nodes that have this one as a dimension, each once.
-    std::pmr::vector<FactNode*> mParents;
+    std::vector<FactNode*> mParents;
     /// The query subjects of the node in the order in which they came; never empty. The first one
     /// names the node. One that is joined one-to-one to itself before anything else stands twice.
-    std::pmr::vector<amd_id> mIds;
+    std::vector<amd_id> mIds;
     /// The dimensions of this node, each once, in the order in which they came.
-    std::pmr::vector<FactNode*> mChildren;
+    std::vector<FactNode*> mChildren;
 };
 
 /// The facts and dimensions of a set of joins, as a graph that only grows.
@@ -75,6 +68,9 @@ public:
     /// checked for cycles. What is neither added nor cyclic changes nothing.
     [[nodiscard]] EFactJoin AddJoin(const FactJoinEnd& left, const FactJoinEnd& right);
 
+    /// Forgets all joins and keeps the memory for others.
+    void Clear() noexcept;
+
     /// Returns the node of the query subject; null when there is none.
     [[nodiscard]] FactNode* Find(const amd_id& id) const;
 
@@ -93,14 +89,20 @@ private:
     void MergeNodes(FactNode& from, FactNode& into, const amd_id& id);
     void RemoveRoot(const FactNode& node);
 
-    /// Enough for the graph of a common path, thousands of which are counted for a ranking.
-    static constexpr std::size_t kFirstBytes = 4096;
+    struct NamedNode
+    {
+        amd_id id;
+        FactNode* node;
+    };
 
-    std::array<std::byte, kFirstBytes> mFirstMemory;
-    /// What all nodes and lists live in; it is given back as a whole.
-    std::pmr::monotonic_buffer_resource mMemory{mFirstMemory.data(), mFirstMemory.size()};
-    std::pmr::list<FactNode> mNodes{&mMemory};
-    std::pmr::map<amd_id, FactNode*> mNodeById{&mMemory};
+    [[nodiscard]] std::vector<NamedNode>::const_iterator FindPlace(const amd_id& id) const;
+    void Name(const amd_id& id, FactNode& node);
+
+    /// The nodes of the graph, and behind them those of earlier graphs, whose memory serves again.
+    std::deque<FactNode> mNodes;
+    std::size_t mNodeCount = 0;
+    /// In the order of ids.
+    std::vector<NamedNode> mNodeById;
     std::vector<FactNode*> mRoots;
     /// Whether a node may lie above itself, so that joins with a new query subject are looked at
     /// too.

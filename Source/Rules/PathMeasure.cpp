@@ -16,9 +16,10 @@ EFactJoin AddToGraph(FactGraph& graph, const PathJoin& join, bool isManyToMany)
 
 } // namespace
 
-void CountFactTables(ReadJoins joins, const MeasureListener& listener, PathMeasure& measure)
+void CountFactTables(ReadJoins joins, MeasureTools& tools, PathMeasure& measure)
 {
-    FactGraph graph;
+    FactGraph& graph = tools.graph;
+    graph.Clear();
     bool isCountable = true;
     measure.factTables.reset();
     measure.manyToManyJoins = 0;
@@ -30,13 +31,13 @@ void CountFactTables(ReadJoins joins, const MeasureListener& listener, PathMeasu
         const EFactJoin added = AddToGraph(graph, *join, isManyToMany);
         isCountable = added == EFactJoin::Added;
         if (!isCountable)
-            listener.ReportUncountable(added);
+            tools.listener.ReportUncountable(added);
     }
     if (isCountable)
         measure.factTables = static_cast<std::int32_t>(graph.GetRoots().size());
 }
 
-void CountBranches(ReadJoins joins, const MeasureListener& /*listener*/, PathMeasure& measure)
+void CountBranches(ReadJoins joins, MeasureTools& /*tools*/, PathMeasure& measure)
 {
     std::vector<amd_id> ends;
     ends.reserve(2 * joins.size());

@@ -61,6 +61,14 @@ public:
     virtual void ReportUncountable(EFactJoin problem) const = 0;
 };
 
+/// What one path after the other is measured with.
+struct MeasureTools
+{
+    /// Borrowed.
+    const MeasureListener& listener;
+    FactGraph graph{};
+};
+
 /// Where the joins of paths are read from.
 class PathJoinSource : public MeasureListener
 {
@@ -85,13 +93,13 @@ struct PathMeasure
 using ReadJoins = std::span<const PathJoin* const>;
 
 /// Sets the fact tables and the many-to-many joins of the path. At the first join from which facts
-/// cannot be told apart `listener` receives the reason; unless it throws, `factTables` stays empty
+/// cannot be told apart the listener receives the reason; unless it throws, `factTables` stays empty
 /// and the many-to-many joins are counted to the end.
-void CountFactTables(ReadJoins joins, const MeasureListener& listener, PathMeasure& measure);
+void CountFactTables(ReadJoins joins, MeasureTools& tools, PathMeasure& measure);
 
 /// Sets how much the path branches: for every query subject that more than two ends of its joins
 /// meet, their number less two. A join of a query subject with itself has two ends there.
-void CountBranches(ReadJoins joins, const MeasureListener& listener, PathMeasure& measure);
+void CountBranches(ReadJoins joins, MeasureTools& tools, PathMeasure& measure);
 
 /// What a join that cannot be read goes by in the signature of a path.
 inline constexpr const char* kUnreadableName = "Dummy";

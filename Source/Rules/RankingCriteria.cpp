@@ -125,9 +125,10 @@ void MeasureByAll(std::span<const amd_id> path, const PathJoinSource& source, Pa
         if (const auto join = source.ReadPathJoin(id))
             joins.push_back(&read.emplace_back(*join));
     }
+    MeasureTools tools{.listener = source};
     for (const RankingCriterion& criterion : kCriteria) {
         if (criterion.measure != nullptr)
-            criterion.measure(joins, source, measure);
+            criterion.measure(joins, tools, measure);
     }
 }
 
