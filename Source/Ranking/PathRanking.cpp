@@ -103,6 +103,7 @@ private:
     std::span<const WeightedPath> mPaths;
     const JoinInfoReader& mJoinInfos;
     std::vector<JoinNumbers> mNumbers;
+    std::size_t mLastNumbered = 0;
     std::map<amd_id, std::uint32_t> mNumberById;
     std::deque<Join> mJoins;
     std::vector<const PathJoin*> mReadJoins;
@@ -114,8 +115,13 @@ const JoinNumbers& CandidateJoins::GetNumbers(std::size_t index)
     JoinNumbers& numbers = mNumbers[index];
     if (numbers.empty()) {
         numbers.reserve(path.size());
-        for (const amd_id& id : path)
-            numbers.push_back(GetNumber(id));
+        // Candidates that follow each other differ in few of their joins.
+        const std::vector<amd_id>& last = mPaths[mLastNumbered].path;
+        for (std::size_t place = 0; place < path.size(); ++place) {
+            const bool isSame = place < mNumbers[mLastNumbered].size() && last[place] == path[place];
+            numbers.push_back(isSame ? mNumbers[mLastNumbered][place] : GetNumber(path[place]));
+        }
+        mLastNumbered = index;
     }
     return numbers;
 }
