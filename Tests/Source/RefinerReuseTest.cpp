@@ -32,6 +32,8 @@ struct Question
     std::string without{};
 };
 
+const Question kOverShortcut{.subjects = "Home, Zone"};
+
 const std::vector<Question> kQuestions{
     {.subjects = "Orders, Zone"},
     {.subjects = "Orders, Zone", .favoured = "rz, cr"},
@@ -40,8 +42,10 @@ const std::vector<Question> kQuestions{
     {.subjects = "Orders, Region, Date", .favoured = "cd", .required = "sr", .avoided = "cd"},
     {.subjects = "Store, Date", .required = "rz"},
     {.subjects = "Orders, Region", .required = "cr", .without = "cr"},
+    {.subjects = "Orders, Region", .without = "cr"},
     {.subjects = "Orders, Region", .required = "rz", .without = "Zone"},
-    {.subjects = "Home, Zone"},
+    {.subjects = "Orders, Zone", .without = "Zone"},
+    kOverShortcut,
     {.subjects = "Orders, Zone", .without = "sz"},
 };
 
@@ -161,7 +165,18 @@ TEST_P(KeptCandidates, FindJoinsThatCouldNotBeReadBefore)
     EXPECT_THROW(Ask(request, kQuestions[1]), qe::test::ToldFailure);
     EXPECT_EQ(Ask(request, kQuestions[0]), without);
 
-    // Another refiner of the request reads it through a gateway of its own.
+    const std::string with = AskAlone(kQuestions[0]);
+    ASSERT_NE(with, without);
+    request.gateway.Replace(*request.model.GetModel()->Find(request.model.Id("sz")));
+    EXPECT_EQ(Ask(request, kQuestions[0]), with);
+}
+
+TEST_P(KeptCandidates, BelongToOneGateway)
+{
+    Request request(kModel);
+    request.gateway.Hide(request.model.Id("sz"));
+    const ShortcutInfo info = Prepare(request);
+    Ask(request, kQuestions[0]);
     const auto other = AQE_I_Refiner::Create(&request.model.GetGateway(), nullptr, nullptr,
                                              &request.context, false, false);
     other->SetShortcutInfo(info.get());
@@ -176,15 +191,15 @@ TEST(KeptCandidatesOfTwo, DifferByTheirShortcuts)
 {
     AQE_Governors governors{};
     Request apart(kModel);
-    const std::string without = Ask(apart, kQuestions[8]);
+    const std::string without = Ask(apart, kOverShortcut);
     Request request(kModel);
     const ShortcutInfo info = SetShortcuts(request, governors);
-    const std::string with = Ask(request, kQuestions[8]);
+    const std::string with = Ask(request, kOverShortcut);
     ASSERT_NE(with, without);
     request.refiner->SetShortcutInfo(nullptr);
-    EXPECT_EQ(Ask(request, kQuestions[8]), without);
+    EXPECT_EQ(Ask(request, kOverShortcut), without);
     request.refiner->SetShortcutInfo(info.get());
-    EXPECT_EQ(Ask(request, kQuestions[8]), with);
+    EXPECT_EQ(Ask(request, kOverShortcut), with);
 }
 
 /// Asks another refiner of the request while it chooses.
