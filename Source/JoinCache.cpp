@@ -7,8 +7,8 @@
 namespace {
 
 std::vector<amd_id> MakeKey(const std::vector<amd_id>& querySubjects,
-                         const std::vector<amd_id>& favouredJoins,
-                         const std::vector<amd_id>& requiredJoins)
+                            const std::vector<amd_id>& favouredJoins,
+                            const std::vector<amd_id>& requiredJoins)
 {
     std::vector<amd_id> key;
     key.reserve(querySubjects.size() + favouredJoins.size() + requiredJoins.size());

@@ -73,8 +73,8 @@ Ids ChoosePath(const qe::CandidatePaths& candidates, const qe::RefinerServices& 
     if (candidates.paths.size() == 1)
         return candidates.paths.front();
     const auto weighted = qe::WeighPaths(candidates, services);
-    const auto descriptors = qe::DescribePaths(
-        weighted, qe::RankPaths(weighted, rules.ranking, joinInfos));
+    const auto descriptors =
+        qe::DescribePaths(weighted, qe::RankPaths(weighted, rules.ranking, joinInfos));
     Ids chosen;
     descriptors[SelectDescriptor(descriptors, rules)]->GetJoinPath(chosen);
     return chosen;

@@ -90,8 +90,8 @@ bool CandidateGraph::TakeKept(const Request& request)
     std::shared_ptr<CandidateShelf>& shelf = access.Shelf();
     if (shelf == nullptr)
         shelf = std::make_shared<CandidateShelf>();
-    std::unique_ptr<LoadedCandidates> kept = shelf->Take(
-        services.gateway, access.GetReplacedCount(), request.nodes, request.joins);
+    std::unique_ptr<LoadedCandidates> kept =
+        shelf->Take(services.gateway, access.GetReplacedCount(), request.nodes, request.joins);
     if (kept != nullptr && StayUnreadable(kept->unreadable)) {
         mLoan = CandidateLoan(std::move(kept), shelf);
         return true;
@@ -112,25 +112,23 @@ bool CandidateGraph::StayUnreadable(const Ids& joins) const
                         [this](const amd_id& join) { return mEndsReader.Read(join).has_value(); });
 }
 
-/// Returns whether the kept graph is what the request would load: all required joins and the
-/// synthetic joins of the request are in it, and no others.
+/// Returns whether the kept graph has the synthetic joins that the request would add, and no
+/// others.
 bool CandidateGraph::IsGraphUsable(const Request& request) const
 {
     const LoadedCandidates& kept = mLoan.Get();
-    if (!kept.isGraphPlain)
-        return false;
-    const bool hasRequired = std::all_of(
-        request.requiredJoins.begin(), request.requiredJoins.end(), [&](const amd_id& join) {
-            return join.classCode != IdClassShortcutJoin && kept.graph->GetPathWeight({join}) != 0;
-        });
-    if (!hasRequired || kept.shortcutJoins.empty())
-        return hasRequired;
+    if (!kept.isGraphPlain || kept.shortcutJoins.empty())
+        return kept.isGraphPlain;
     auto* const shortcutInfo = mEndsReader.GetServices().shortcutInfo;
     if (shortcutInfo == nullptr || !request.hasShortcutJoins)
         return false;
+    // A required one may have other ends in the join cache, which count then.
+    const bool requiresSynthetic =
+        std::any_of(request.requiredJoins.begin(), request.requiredJoins.end(),
+                    [](const amd_id& join) { return join.classCode == IdClassShortcutJoin; });
     const std::vector<QEjoinInfo>& wanted = shortcutInfo->GetShortcutJoins();
-    return std::equal(kept.shortcutJoins.begin(), kept.shortcutJoins.end(), wanted.begin(),
-                      wanted.end(), IsSame);
+    return !requiresSynthetic && std::equal(kept.shortcutJoins.begin(), kept.shortcutJoins.end(),
+                                            wanted.begin(), wanted.end(), IsSame);
 }
 
 /// Makes the graph anew from what was read.

@@ -118,7 +118,8 @@ const JoinNumbers& CandidateJoins::GetNumbers(std::size_t index)
         // Candidates that follow each other differ in few of their joins.
         const std::vector<amd_id>& last = mPaths[mLastNumbered].path;
         for (std::size_t place = 0; place < path.size(); ++place) {
-            const bool isSame = place < mNumbers[mLastNumbered].size() && last[place] == path[place];
+            const bool isSame =
+                place < mNumbers[mLastNumbered].size() && last[place] == path[place];
             numbers.push_back(isSame ? mNumbers[mLastNumbered][place] : GetNumber(path[place]));
         }
         mLastNumbered = index;

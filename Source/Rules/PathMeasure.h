@@ -93,8 +93,8 @@ struct PathMeasure
 using ReadJoins = std::span<const PathJoin* const>;
 
 /// Sets the fact tables and the many-to-many joins of the path. At the first join from which facts
-/// cannot be told apart the listener receives the reason; unless it throws, `factTables` stays empty
-/// and the many-to-many joins are counted to the end.
+/// cannot be told apart the listener receives the reason; unless it throws, `factTables` stays
+/// empty and the many-to-many joins are counted to the end.
 void CountFactTables(ReadJoins joins, MeasureTools& tools, PathMeasure& measure);
 
 /// Sets how much the path branches: for every query subject that more than two ends of its joins

@@ -67,11 +67,11 @@ std::string Ask(Request& request, AQE_I_Refiner& refiner, const Question& questi
     const Ids required = model.Ids(question.required);
     const Ids avoided = model.Ids(question.avoided);
     std::vector<Ids> paths;
-    std::string text = refiner.ComputeBestJoinPaths(subjects, favoured, required, nodes, joins,
-                                                    paths, avoided,
-                                                    model.Ids(question.favouredSubjects))
-                           ? "connected"
-                           : "apart";
+    std::string text =
+        refiner.ComputeBestJoinPaths(subjects, favoured, required, nodes, joins, paths, avoided,
+                                     model.Ids(question.favouredSubjects))
+            ? "connected"
+            : "apart";
     Ids joined;
     refiner.GetJoinedQuerySubjects(subjects, nodes, joins, joined);
     paths.push_back(joined);
@@ -95,8 +95,8 @@ using ShortcutInfo = std::unique_ptr<AQE_I_QuerySubjectShortcutInfo>;
 
 ShortcutInfo SetShortcuts(Request& request, AQE_Governors& governors)
 {
-    ShortcutInfo info(AQE_I_QuerySubjectShortcutInfo::Create(&request.gateway, &governors,
-                                                             &request.context));
+    ShortcutInfo info(
+        AQE_I_QuerySubjectShortcutInfo::Create(&request.gateway, &governors, &request.context));
     request.refiner->SetShortcutInfo(info.get());
     return info;
 }
@@ -110,8 +110,8 @@ protected:
         return GetParam() ? SetShortcuts(request, mGovernors) : nullptr;
     }
 
-    std::string AskAlone(const Question& question,
-                         const std::function<void(Request&)>& change = [](Request&) {})
+    std::string AskAlone(
+        const Question& question, const std::function<void(Request&)>& change = [](Request&) {})
     {
         Request request(kModel);
         const ShortcutInfo info = Prepare(request);
@@ -229,8 +229,8 @@ TEST(KeptCandidatesOfTwo, AreNotSharedWhileOneIsAtWork)
         ++asked;
         EXPECT_EQ(Ask(request, other), alone);
     });
-    const auto refiner = AQE_I_Refiner::Create(&request.gateway, &selector, nullptr,
-                                               &request.context, false, false);
+    const auto refiner =
+        AQE_I_Refiner::Create(&request.gateway, &selector, nullptr, &request.context, false, false);
     Ids path;
     refiner->ComputeJoinPath(request.model.Ids("Orders, Region, Date"), request.model.Ids("od"), {},
                              request.model.Subjects(), request.model.Joins(), {}, path);
