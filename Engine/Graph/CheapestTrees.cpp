@@ -26,10 +26,12 @@ const char* ToText(ECount proof)
     return proof == ECount::AtLeast ? "at least " : "";
 }
 
-/// Returns the key of the setting that raises the limit.
+/// Returns the key of the setting that raises the limit, or what else the limit is.
 const char* ToText(ELimit limit)
 {
     switch (limit) {
+    case ELimit::Terminals:
+        return "512 query subjects in one part";
     case ELimit::Effort:
         return kCheapestTreesEffort.key;
     case ELimit::Memory:

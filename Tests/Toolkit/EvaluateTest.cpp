@@ -247,7 +247,7 @@ TEST(EvaluateCommand, WritesTextAndJson)
 TEST(EvaluateCommand, ShowsHostileTextsAsText)
 {
     const TemporaryFolder folder;
-    const std::string model = folder.Write("shop.sql", qe::test::ShopTables);
+    const std::string model = folder.Write("shop.sql", qe::test::kShopTables);
     const std::string requests = folder.Write(
         "requests.jsonl",
         R"({"id": "\u001b[2J\n", "given": "\u001b[31m", "case": "\u0007", "subjects": ["\u001b[1m"]})"
