@@ -35,6 +35,6 @@ void ImportDefinitions(benchmark::State& state)
         benchmark::DoNotOptimize(qe::tool::ImportSql({path}, {}));
     std::filesystem::remove(path);
 }
-BENCHMARK(ImportDefinitions)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ImportDefinitions)->Arg(1000)->Arg(20000)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -154,13 +154,13 @@ void AQE_Refiner::ComputeJoinPath(const Ids& querySubjects, const Ids& favouredJ
     if (mGovernors == nullptr && tree->GetPathWeight(candidates.paths.front()) == kNoWeight)
         return;
 
-    const qe::JoinInfoReader joinInfos(GetServices());
-    const Ids chosen = ChoosePath(candidates, GetServices(), joinInfos,
+    const Ids chosen = ChoosePath(candidates, GetServices(), qe::JoinInfoReader(GetServices()),
                                   {.selector = mPathSelector,
                                    .ranking = {.useFactTableCount = mUseFactTableCount,
                                                .useStraightestPath = mUseStraightestPath},
                                    .wrongChoice = qe::host::kWrongChoice});
-    const Ids readable = joinInfos.KeepReadableJoins(chosen);
+    // Read anew: the selector may have changed what can be read.
+    const Ids readable = qe::JoinInfoReader(GetServices()).KeepReadableJoins(chosen);
     // What stood in the caller's vector belongs to the answer, and to what is remembered of it.
     Ids answer = joinPath;
     answer.insert(answer.end(), readable.begin(), readable.end());
@@ -234,13 +234,12 @@ void AQE_Refiner::ComputeJoinPathBetween(const Ids& firstSet, const Ids& avoided
     if (candidates.paths.empty())
         return;
     // Between two groups how straight a path is plays no part.
-    const qe::JoinInfoReader joinInfos(GetServices());
     const Ids chosen = ChoosePath(
-        candidates, GetServices(), joinInfos,
+        candidates, GetServices(), qe::JoinInfoReader(GetServices()),
         {.selector = mPathSelector,
          .ranking = {.useFactTableCount = mUseFactTableCount, .useStraightestPath = false},
          .wrongChoice = qe::host::kWrongChoiceBetweenGroups});
-    Ids readable = joinInfos.KeepReadableJoins(chosen);
+    Ids readable = qe::JoinInfoReader(GetServices()).KeepReadableJoins(chosen);
     // The same path may have been found more than once; the ends are those of the first.
     const auto first = std::find(candidates.paths.begin(), candidates.paths.end(), chosen);
     const EndPair& ends =

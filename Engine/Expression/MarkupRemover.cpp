@@ -169,6 +169,11 @@ MarkupRemover::MarkupRemover(std::string_view text) : mText(text)
 
 UntaggedText MarkupRemover::Run()
 {
+    // Most expressions hold neither tags nor entities.
+    if (mText.find_first_of("<&") == std::string_view::npos) {
+        mResult.Append(mText, 0);
+        return std::move(mResult);
+    }
     FindClosingTags();
     for (std::size_t offset = 0; offset < mText.size();) {
         const Tag tag = ReadTag(mText, offset);

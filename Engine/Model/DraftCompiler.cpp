@@ -7,7 +7,9 @@
 #include "Engine/Model/ReferenceFinder.h"
 
 #include <algorithm>
-#include <map>
+#include <cstddef>
+#include <deque>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -23,184 +25,225 @@ const std::vector<ENameKind> kShortcutNameKinds{
 class DraftCompiler
 {
 public:
-    explicit DraftCompiler(const std::vector<ObjectDraft>& drafts)
-        : mDrafts(drafts), mProblems(mDrafts)
-    {}
+    explicit DraftCompiler(const std::deque<ObjectDraft>& drafts) : mProblems(drafts)
+    {
+        for (const ObjectDraft& draft : drafts)
+            mDrafts.push_back({.draft = &draft});
+    }
 
     ObjectTable Compile()
     {
-        DropBadIds();
+        FillTable();
         CheckNames(mDrafts, mProblems);
         PlaceContainers();
         PlaceObjects();
-        CheckUniqueNames(mDrafts, mInTable, mProblems);
+        CheckUniqueNames(mDrafts, mProblems);
         FollowReferences();
-        ObjectTable table = MakeTable();
         CheckCardinalities(mDrafts, mProblems);
-        CheckTargets(mDrafts, table, mProblems);
-        CheckEnds(mDrafts, table, mProblems);
+        CheckTargets(mDrafts, mTable, mProblems);
+        CheckEnds(mDrafts, mTable, mProblems);
         mProblems.RaiseIfAny();
-        return table;
+        return std::move(mTable);
     }
 
 private:
-    /// Finds ids that cannot be; their drafts stay out of the table, so that references lead to
-    /// the first object of an id.
-    void DropBadIds();
+    /// Puts the drafts into the table, but for those whose ids cannot be: references lead to the
+    /// first object of an id.
+    void FillTable();
+    /// Returns the positions of the drafts whose ids are right, each id once, in the order of the
+    /// ids.
+    [[nodiscard]] std::vector<std::size_t> SortById();
     /// Finds the parents of folders and namespaces.
     void PlaceContainers();
     /// Finds the parents and namespaces of all other objects.
     void PlaceObjects();
+    void PlaceItems();
     /// Refuses the parent that was found for a draft when objects of its class cannot be its
     /// children.
-    void CheckParent(std::size_t position, const ObjectTable& table);
+    void CheckParent(std::size_t position);
     /// Finds ends and targets.
     void FollowReferences();
-    [[nodiscard]] ObjectTable MakeTable() const;
+    /// Returns the kinds of names among which ends and targets are looked for.
+    [[nodiscard]] std::vector<ENameKind> GetReferredKinds() const;
 
-    /// Own copies, in which the references are filled in.
-    std::vector<ObjectDraft> mDrafts;
-    std::vector<bool> mInTable;
+    std::vector<PlacedDraft> mDrafts;
+    ObjectTable mTable;
+    /// The records that are not in the table; references to them stay valid.
+    std::deque<ObjectRecord> mOutside;
     ProblemList mProblems;
 };
 
-void DraftCompiler::DropBadIds()
+std::vector<std::size_t> DraftCompiler::SortById()
 {
-    std::map<amd_id, std::size_t> owners;
-    mInTable.assign(mDrafts.size(), false);
+    std::vector<std::pair<amd_id, std::size_t>> order;
     for (std::size_t i = 0; i < mDrafts.size(); ++i) {
-        const amd_id& id = mDrafts[i].record.id;
-        if (!id.IsValid() || id.classCode != mDrafts[i].classCode) {
+        const ObjectDraft& draft = *mDrafts[i].draft;
+        const amd_id& id = draft.record.id;
+        if (id.IsValid() && id.classCode == draft.classCode)
+            order.emplace_back(id, i);
+        else
             mProblems.Add(i, EAspect::Id,
                           "cannot have the id " + ToText(id) + ": its class is " +
-                              std::to_string(mDrafts[i].classCode) + ", its number not 0");
-            continue;
-        }
-        const auto [owner, isNew] = owners.emplace(id, i);
-        mInTable[i] = isNew;
-        if (!isNew) {
-            const ObjectDraft& first = mDrafts[owner->second];
+                              std::to_string(draft.classCode) + ", its number not 0");
+    }
+    std::sort(order.begin(), order.end());
+    std::vector<std::size_t> first;
+    first.reserve(order.size());
+    for (const auto& [id, i] : order) {
+        if (first.empty() || mDrafts[first.back()].draft->record.id != id)
+            first.push_back(i);
+        else
             mProblems.Add(i, EAspect::Id,
                           "has the id " + ToText(id) + " of another object, \"" +
-                              first.record.name + '"');
-        }
+                              mDrafts[first.back()].draft->record.name + '"');
     }
+    return first;
 }
 
-ObjectTable DraftCompiler::MakeTable() const
+void DraftCompiler::FillTable()
 {
+    const std::vector<std::size_t> order = SortById();
     std::vector<ObjectRecord> records;
-    for (std::size_t i = 0; i < mDrafts.size(); ++i) {
-        if (mInTable[i])
-            records.push_back(mDrafts[i].record);
+    records.reserve(order.size());
+    for (const std::size_t i : order)
+        records.push_back(mDrafts[i].draft->record);
+    mTable = ObjectTable(std::move(records));
+    const std::span<ObjectRecord> stored = mTable.EditRecords();
+    for (std::size_t position = 0; position < order.size(); ++position) {
+        mDrafts[order[position]].record = &stored[position];
+        mDrafts[order[position]].isInTable = true;
     }
-    return ObjectTable(std::move(records));
+    for (PlacedDraft& placed : mDrafts) {
+        if (!placed.isInTable)
+            placed.record = &mOutside.emplace_back(placed.draft->record);
+    }
 }
 
 void DraftCompiler::PlaceContainers()
 {
     std::vector<std::size_t> open;
     for (std::size_t i = 0; i < mDrafts.size(); ++i) {
-        if (IsContainerClass(mDrafts[i].classCode) && !mDrafts[i].parent.IsEmpty())
+        const ObjectDraft& draft = *mDrafts[i].draft;
+        if (IsContainerClass(draft.classCode) && !draft.parent.IsEmpty())
             open.push_back(i);
     }
+    const std::vector<ENameKind> nameKinds{ENameKind::Container};
+    ReferenceFinder finder(mTable, nameKinds, mProblems);
     // A qualified name is only known once the containers that it passes are placed themselves:
     // each round places those that it can, until a round changes nothing.
     for (bool lastRound = false; !open.empty();) {
-        const ObjectTable table = MakeTable();
-        ReferenceFinder finder(table, mProblems);
         std::vector<std::size_t> left;
         std::vector<std::pair<std::size_t, amd_id>> placed;
         for (const std::size_t i : open) {
-            const amd_id id =
-                lastRound ? finder.Find(i, mDrafts[i], mDrafts[i].parent,
-                                        {EAspect::Parent, {ENameKind::Container}})
-                          : finder.TryFind(mDrafts[i], mDrafts[i].parent, {ENameKind::Container});
+            const Reference& parent = mDrafts[i].draft->parent;
+            const amd_id id = lastRound
+                                  ? finder.Find(i, mDrafts[i], parent, {EAspect::Parent, nameKinds})
+                                  : finder.TryFind(mDrafts[i], parent, nameKinds);
             if (id == amd_id())
                 left.push_back(i);
             else
                 placed.emplace_back(i, id);
         }
         for (const auto& [i, id] : placed)
-            mDrafts[i].record.parent = id;
+            mDrafts[i].record->parent = id;
         if (lastRound)
             break;
         lastRound = placed.empty();
         open.swap(left);
     }
-    const ObjectTable table = MakeTable();
     for (std::size_t i = 0; i < mDrafts.size(); ++i)
-        CheckParent(i, table);
-    BreakParentCycles(mDrafts, MakeTable(), mProblems);
+        CheckParent(i);
+    BreakParentCycles(mDrafts, mTable, mProblems);
 }
 
-void DraftCompiler::CheckParent(std::size_t position, const ObjectTable& table)
+void DraftCompiler::CheckParent(std::size_t position)
 {
-    ObjectDraft& draft = mDrafts[position];
-    const amd_id parent = draft.record.parent;
-    const bool fits = draft.classCode == IdClassQueryItem ? parent.classCode == IdClassQuerySubject
-                                                          : IsContainerClass(parent.classCode);
+    const PlacedDraft& placed = mDrafts[position];
+    const amd_id parent = placed.record->parent;
+    const bool fits = placed.draft->classCode == IdClassQueryItem
+                          ? parent.classCode == IdClassQuerySubject
+                          : IsContainerClass(parent.classCode);
     if (parent == amd_id() || fits)
         return;
     mProblems.Add(position, EAspect::Parent,
                   "cannot be held by the " + std::string(ClassTitle(parent.classCode)) + " \"" +
-                      table.Find(parent)->name + '"');
-    draft.record.parent = {};
+                      mTable.Find(parent)->name + '"');
+    placed.record->parent = {};
 }
 
 void DraftCompiler::PlaceObjects()
 {
-    const ObjectTable containers = MakeTable();
-    ReferenceFinder finder(containers, mProblems);
+    const ReferenceFinder::Wanted wanted{EAspect::Parent, {ENameKind::Container}};
+    ReferenceFinder finder(mTable, wanted.nameKinds, mProblems);
     for (std::size_t i = 0; i < mDrafts.size(); ++i) {
-        ObjectDraft& draft = mDrafts[i];
-        if (!IsContainerClass(draft.classCode) && draft.classCode != IdClassQueryItem) {
-            draft.record.parent =
-                finder.Find(i, draft, draft.parent, {EAspect::Parent, {ENameKind::Container}});
-            CheckParent(i, containers);
-        }
-        draft.record.space = SpaceAround(containers, draft.record.parent);
-    }
-    const ObjectTable subjects = MakeTable();
-    ReferenceFinder subjectFinder(subjects, mProblems);
-    for (std::size_t i = 0; i < mDrafts.size(); ++i) {
-        ObjectDraft& draft = mDrafts[i];
-        if (draft.classCode != IdClassQueryItem)
+        const PlacedDraft& placed = mDrafts[i];
+        const std::int32_t classCode = placed.draft->classCode;
+        if (IsContainerClass(classCode) || classCode == IdClassQueryItem)
             continue;
-        if (draft.parent.IsEmpty())
-            mProblems.Add(i, EAspect::Parent, "has no parent");
-        draft.record.parent =
-            subjectFinder.Find(i, draft, draft.parent, {EAspect::Parent, {ENameKind::Subject}});
-        CheckParent(i, subjects);
-        if (const ObjectRecord* subject = subjects.Find(draft.record.parent))
-            draft.record.space = subject->space;
+        placed.record->parent = finder.Find(i, placed, placed.draft->parent, wanted);
+        CheckParent(i);
     }
+    // Only now: which of several parents of one name is meant does not depend on namespaces.
+    for (const PlacedDraft& placed : mDrafts)
+        placed.record->space = SpaceAround(mTable, placed.record->parent);
+    PlaceItems();
+}
+
+void DraftCompiler::PlaceItems()
+{
+    const ReferenceFinder::Wanted wanted{EAspect::Parent, {ENameKind::Subject}};
+    ReferenceFinder finder(mTable, wanted.nameKinds, mProblems);
+    for (std::size_t i = 0; i < mDrafts.size(); ++i) {
+        const PlacedDraft& placed = mDrafts[i];
+        if (placed.draft->classCode != IdClassQueryItem)
+            continue;
+        if (placed.draft->parent.IsEmpty())
+            mProblems.Add(i, EAspect::Parent, "has no parent");
+        placed.record->parent = finder.Find(i, placed, placed.draft->parent, wanted);
+        CheckParent(i);
+        if (const ObjectRecord* subject = mTable.Find(placed.record->parent))
+            placed.record->space = subject->space;
+    }
+}
+
+std::vector<ENameKind> DraftCompiler::GetReferredKinds() const
+{
+    const bool hasShortcuts =
+        std::any_of(mDrafts.begin(), mDrafts.end(), [](const PlacedDraft& placed) {
+            return placed.draft->classCode == IdClassShortcut ||
+                   placed.draft->classCode == IdClassRelationshipShortcut;
+        });
+    return hasShortcuts ? kShortcutNameKinds : std::vector<ENameKind>{ENameKind::Subject};
 }
 
 void DraftCompiler::FollowReferences()
 {
-    const ObjectTable table = MakeTable();
-    ReferenceFinder finder(table, mProblems);
+    ReferenceFinder finder(mTable, GetReferredKinds(), mProblems);
+    const ReferenceFinder::Wanted target{EAspect::Target, kShortcutNameKinds};
+    const ReferenceFinder::Wanted join{EAspect::Target, {ENameKind::Join}};
+    const ReferenceFinder::Wanted left{EAspect::LeftEnd, {ENameKind::Subject}};
+    const ReferenceFinder::Wanted right{EAspect::RightEnd, {ENameKind::Subject}};
+    // Names lead to objects past shortcuts that have no targets yet, whatever their order.
+    std::vector<amd_id> targets(mDrafts.size());
     for (std::size_t i = 0; i < mDrafts.size(); ++i) {
-        ObjectDraft& draft = mDrafts[i];
-        ObjectRecord& record = draft.record;
+        const PlacedDraft& placed = mDrafts[i];
+        const ObjectDraft& draft = *placed.draft;
         if (draft.classCode == IdClassShortcut)
-            record.referenced =
-                finder.Find(i, draft, draft.referenced, {EAspect::Target, kShortcutNameKinds});
+            targets[i] = finder.Find(i, placed, draft.referenced, target);
         if (draft.classCode == IdClassRelationshipShortcut)
-            record.referenced =
-                finder.Find(i, draft, draft.referenced, {EAspect::Target, {ENameKind::Join}});
+            targets[i] = finder.Find(i, placed, draft.referenced, join);
         if (!IsJoinClass(draft.classCode))
             continue;
-        record.left = finder.Find(i, draft, draft.left, {EAspect::LeftEnd, {ENameKind::Subject}});
-        record.right =
-            finder.Find(i, draft, draft.right, {EAspect::RightEnd, {ENameKind::Subject}});
+        placed.record->left = finder.Find(i, placed, draft.left, left);
+        placed.record->right = finder.Find(i, placed, draft.right, right);
     }
+    for (std::size_t i = 0; i < mDrafts.size(); ++i)
+        mDrafts[i].record->referenced = targets[i];
 }
 
 } // namespace
 
-ObjectTable CompileDrafts(const std::vector<ObjectDraft>& drafts)
+ObjectTable CompileDrafts(const std::deque<ObjectDraft>& drafts)
 {
     return DraftCompiler(drafts).Compile();
 }

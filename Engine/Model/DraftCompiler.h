@@ -4,7 +4,7 @@
 #include "Engine/Model/ObjectDraft.h"
 #include "Engine/Model/ObjectRecord.h"
 
-#include <vector>
+#include <deque>
 
 namespace qe::model {
 
@@ -13,7 +13,7 @@ namespace qe::model {
 ///
 /// Costs O(n log n) for n drafts without mistakes; each of the first wrong names costs a look at
 /// all names for suggestions.
-[[nodiscard]] ObjectTable CompileDrafts(const std::vector<ObjectDraft>& drafts);
+[[nodiscard]] ObjectTable CompileDrafts(const std::deque<ObjectDraft>& drafts);
 
 } // namespace qe::model
 

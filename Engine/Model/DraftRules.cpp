@@ -87,16 +87,16 @@ EChain ChainWalk::Classify(const amd_id& id) const
 }
 
 /// The place within which the name of a draft must be its own.
-amd_id NameScope(const ObjectDraft& draft)
+amd_id NameScope(const PlacedDraft& placed)
 {
-    switch (draft.classCode) {
+    switch (placed.draft->classCode) {
     case IdClassNamespace:
         return {};
     case IdClassFolder:
     case IdClassQueryItem:
-        return draft.record.parent;
+        return placed.record->parent;
     default:
-        return draft.record.space;
+        return placed.record->space;
     }
 }
 
@@ -127,7 +127,7 @@ bool IsRange(const CardinalityRange& range)
 void CheckEnd(std::size_t position, EAspect aspect, const amd_id& end, const ObjectTable& table,
               ProblemList& problems)
 {
-    const ObjectRecord* object = table.Find(end);
+    const ObjectRecord* object = end == amd_id() ? nullptr : table.Find(end);
     if (object == nullptr)
         return;
     const std::string title = aspect == EAspect::LeftEnd ? "left end" : "right end";
@@ -150,48 +150,48 @@ void CheckEnd(std::size_t position, EAspect aspect, const amd_id& end, const Obj
 
 } // namespace
 
-void CheckNames(const std::vector<ObjectDraft>& drafts, ProblemList& problems)
+void CheckNames(const std::vector<PlacedDraft>& drafts, ProblemList& problems)
 {
     for (std::size_t i = 0; i < drafts.size(); ++i) {
-        if (drafts[i].record.name.empty())
+        if (drafts[i].record->name.empty())
             problems.Add(i, EAspect::Name, "has no name");
     }
 }
 
-void CheckUniqueNames(const std::vector<ObjectDraft>& drafts, const std::vector<bool>& inTable,
-                      ProblemList& problems)
+void CheckUniqueNames(const std::vector<PlacedDraft>& drafts, ProblemList& problems)
 {
     using NameKey = std::tuple<std::int32_t, amd_id, std::string_view>;
     std::map<NameKey, std::size_t> owners;
     for (std::size_t i = 0; i < drafts.size(); ++i) {
-        const ObjectDraft& draft = drafts[i];
-        if (!inTable[i] || draft.record.name.empty() || IsJoinClass(draft.classCode))
+        const PlacedDraft& placed = drafts[i];
+        const std::int32_t classCode = placed.draft->classCode;
+        if (!placed.isInTable || placed.record->name.empty() || IsJoinClass(classCode))
             continue;
-        const NameKey key(NameClass(draft.classCode), NameScope(draft), draft.record.name);
+        const NameKey key(NameClass(classCode), NameScope(placed), placed.record->name);
         const auto [owner, isNew] = owners.emplace(key, i);
         if (!isNew) {
-            const ObjectDraft& first = drafts[owner->second];
+            const PlacedDraft& first = drafts[owner->second];
             problems.Add(i, EAspect::Name,
                          "has the name of another object beside it: " +
-                             std::string(ClassTitle(first.classCode)) + ' ' +
-                             ToText(first.record.id));
+                             std::string(ClassTitle(first.draft->classCode)) + ' ' +
+                             ToText(first.record->id));
         }
     }
 }
 
-void BreakParentCycles(std::vector<ObjectDraft>& drafts, const ObjectTable& table,
+void BreakParentCycles(const std::vector<PlacedDraft>& drafts, const ObjectTable& table,
                        ProblemList& problems)
 {
     const ChainWalk walk(table, [](const ObjectRecord& record) { return record.parent; });
     for (std::size_t i = 0; i < drafts.size(); ++i) {
-        const EChain chain = walk.Classify(drafts[i].record.id);
-        if (!IsContainerClass(drafts[i].classCode) || chain == EChain::Ends)
+        const EChain chain = walk.Classify(drafts[i].record->id);
+        if (!IsContainerClass(drafts[i].draft->classCode) || chain == EChain::Ends)
             continue;
         problems.Add(i, EAspect::Parent,
                      chain == EChain::Cyclic ? "has a chain of parents that is cyclic"
                                              : "lies too deep: more than " +
                                                    std::to_string(kMaximumChain) + " parents");
-        drafts[i].record.parent = {};
+        drafts[i].record->parent = {};
     }
 }
 
@@ -203,31 +203,30 @@ amd_id SpaceAround(const ObjectTable& table, const amd_id& parent)
     return record == nullptr ? amd_id() : record->id;
 }
 
-void CheckCardinalities(const std::vector<ObjectDraft>& drafts, ProblemList& problems)
+void CheckCardinalities(const std::vector<PlacedDraft>& drafts, ProblemList& problems)
 {
     for (std::size_t i = 0; i < drafts.size(); ++i) {
-        const std::int32_t classCode = drafts[i].classCode;
+        const std::int32_t classCode = drafts[i].draft->classCode;
         if (classCode != IdClassRelationship && classCode != IdClassSpecJoin)
             continue;
-        if (!IsRange(drafts[i].record.leftCardinality))
+        if (!IsRange(drafts[i].record->leftCardinality))
             problems.Add(i, EAspect::LeftCardinality,
                          "has a cardinality at its left end that is not a valid range");
-        if (!IsRange(drafts[i].record.rightCardinality))
+        if (!IsRange(drafts[i].record->rightCardinality))
             problems.Add(i, EAspect::RightCardinality,
                          "has a cardinality at its right end that is not a valid range");
     }
 }
 
-void CheckTargets(const std::vector<ObjectDraft>& drafts, const ObjectTable& table,
+void CheckTargets(const std::vector<PlacedDraft>& drafts, const ObjectTable& table,
                   ProblemList& problems)
 {
     const ChainWalk walk(table, [](const ObjectRecord& record) { return record.referenced; });
     for (std::size_t i = 0; i < drafts.size(); ++i) {
-        const ObjectDraft& draft = drafts[i];
-        const amd_id& referenced = draft.record.referenced;
+        const amd_id& referenced = drafts[i].record->referenced;
         if (referenced == amd_id())
             continue;
-        if (draft.classCode == IdClassRelationshipShortcut &&
+        if (drafts[i].draft->classCode == IdClassRelationshipShortcut &&
             referenced.classCode != IdClassRelationship &&
             referenced.classCode != IdClassRelationshipShortcut) {
             problems.Add(i, EAspect::Target,
@@ -236,7 +235,7 @@ void CheckTargets(const std::vector<ObjectDraft>& drafts, const ObjectTable& tab
                              ToText(referenced));
             continue;
         }
-        const EChain chain = walk.Classify(draft.record.id);
+        const EChain chain = walk.Classify(drafts[i].record->id);
         if (chain == EChain::Cyclic)
             problems.Add(i, EAspect::Target, "has a chain of shortcuts that is cyclic");
         else if (chain == EChain::TooLong)
@@ -246,12 +245,12 @@ void CheckTargets(const std::vector<ObjectDraft>& drafts, const ObjectTable& tab
     }
 }
 
-void CheckEnds(const std::vector<ObjectDraft>& drafts, const ObjectTable& table,
+void CheckEnds(const std::vector<PlacedDraft>& drafts, const ObjectTable& table,
                ProblemList& problems)
 {
     for (std::size_t i = 0; i < drafts.size(); ++i) {
-        CheckEnd(i, EAspect::LeftEnd, drafts[i].record.left, table, problems);
-        CheckEnd(i, EAspect::RightEnd, drafts[i].record.right, table, problems);
+        CheckEnd(i, EAspect::LeftEnd, drafts[i].record->left, table, problems);
+        CheckEnd(i, EAspect::RightEnd, drafts[i].record->right, table, problems);
     }
 }
 

@@ -124,4 +124,9 @@ amd_id Model::FindExact(ENameKind nameKind, const amd_id& scope, std::string_vie
     return mNames->FindExact(nameKind, scope, name);
 }
 
+amd_id Model::FindNamespace(std::string_view name) const
+{
+    return mNames->FindNamespace(name);
+}
+
 } // namespace qe::model

@@ -23,7 +23,8 @@ class NameLookup;
 /// query subject, and no chain of parents, shortcuts or relationship shortcuts is cyclic.
 ///
 /// Any number of threads may read one model. What its operations point to lives as long as the
-/// model. Lists come in ascending order of ids. Lookups by id or exact name are binary searches.
+/// model. Lists come in ascending order of ids. Lookups by id or exact name cost a binary search at
+/// most.
 class QEENGINE_EXPORT Model
 {
 public:
@@ -82,6 +83,8 @@ public:
     /// none; of several, the one with the least id.
     [[nodiscard]] amd_id FindExact(ENameKind nameKind, const amd_id& scope,
                                    std::string_view name) const;
+    /// Returns the namespace of exactly that name, or the empty id.
+    [[nodiscard]] amd_id FindNamespace(std::string_view name) const;
 
 private:
     void ListIds();

@@ -12,7 +12,8 @@ ModelBuilder::ModelBuilder(std::string locale) : mLocale(std::move(locale))
 
 void ModelBuilder::Reserve(const amd_id& id)
 {
-    mTakenIds.insert(id);
+    if (id != amd_id())
+        mTakenIds.insert(id);
 }
 
 amd_id ModelBuilder::NextId(std::int32_t classCode)
@@ -36,7 +37,7 @@ ObjectDraft& ModelBuilder::Add(std::int32_t classCode, const Reference& parent, 
     draft.record.locale = options.locale;
     draft.tag = options.tag;
     draft.parent = parent;
-    mTakenIds.insert(draft.record.id);
+    Reserve(options.id);
     mDrafts.push_back(std::move(draft));
     return mDrafts.back();
 }

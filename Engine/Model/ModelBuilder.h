@@ -7,11 +7,11 @@
 #include "amd_id.h"
 
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <memory>
 #include <set>
 #include <string>
-#include <vector>
 
 namespace qe::model {
 
@@ -124,7 +124,8 @@ private:
     amd_id NextId(std::int32_t classCode);
 
     std::string mLocale;
-    std::vector<ObjectDraft> mDrafts;
+    std::deque<ObjectDraft> mDrafts;
+    /// The ids that were asked for.
     std::set<amd_id> mTakenIds;
     std::map<std::int32_t, std::int32_t> mLastNumbers;
 };

@@ -35,17 +35,6 @@ std::optional<ResolvedReference> FindMember(const Model& model, const amd_id& sp
     return std::nullopt;
 }
 
-/// Namespaces and folders share their index; only a namespace qualifies a reference.
-amd_id FindNamespace(const Model& model, const I18NString& name)
-{
-    for (const amd_id& id :
-         model.FindByName(ENameKind::Container, QualifiedName{name.ToStdString()})) {
-        if (id.classCode == IdClassNamespace && model.Find(id)->name == name.View())
-            return id;
-    }
-    return {};
-}
-
 } // namespace
 
 ModelGateway::ModelGateway(std::shared_ptr<const Model> model) : mModel(std::move(model))
@@ -76,7 +65,7 @@ ModelGateway::ResolveReference(const std::vector<I18NString>& names)
 {
     if (names.size() != 2 && names.size() != 3)
         return std::nullopt;
-    const amd_id space = FindNamespace(*mModel, names[0]);
+    const amd_id space = mModel->FindNamespace(names[0].View());
     if (names.size() == 3)
         return space == amd_id() ? std::nullopt : FindItem(*mModel, space, names[1], names[2]);
     if (auto outside = FindItem(*mModel, {}, names[0], names[1]))

@@ -11,6 +11,10 @@ namespace qe::model {
 
 namespace {
 
+constexpr std::array kAllNameKinds{ENameKind::Container, ENameKind::Subject, ENameKind::Item,
+                                   ENameKind::Join, ENameKind::Filter};
+static_assert(kAllNameKinds.size() == kNameKindCount);
+
 amd_id ScopeOf(const ObjectRecord& record)
 {
     switch (NameKindOf(record.id.classCode)) {
@@ -42,11 +46,17 @@ bool SameNames(const QualifiedName& left, const QualifiedName& right, NameLookup
 NameIndex::NameIndex(std::vector<Entry> entries) : mEntries(std::move(entries))
 {
     for (Entry& entry : mEntries)
-        entry.folded = FoldCase(entry.name);
+        SetFolded(entry);
     std::sort(mEntries.begin(), mEntries.end(), [](const Entry& left, const Entry& right) {
         return std::tie(left.folded, left.scope, left.id) <
                std::tie(right.folded, right.scope, right.id);
     });
+}
+
+void NameIndex::SetFolded(Entry& entry)
+{
+    std::string folded = FoldCase(entry.name);
+    entry.folded = folded == entry.name ? entry.name : mFolded.emplace_back(std::move(folded));
 }
 
 amd_id NameIndex::Find(const amd_id& scope, std::string_view name) const
@@ -72,11 +82,15 @@ std::span<const NameIndex::Entry> NameIndex::FindFolded(std::string_view name) c
 std::span<const NameIndex::Entry> NameIndex::FindFolded(const amd_id& scope,
                                                         std::string_view name) const
 {
-    const std::span<const Entry> found = FindFolded(name);
-    const auto first = std::partition_point(
-        found.begin(), found.end(), [&](const Entry& entry) { return entry.scope < scope; });
-    const auto last = std::partition_point(
-        first, found.end(), [&](const Entry& entry) { return entry.scope == scope; });
+    const std::string folded = FoldCase(name);
+    const auto wanted = std::tuple<std::string_view, const amd_id&>(folded, scope);
+    const auto first =
+        std::partition_point(mEntries.begin(), mEntries.end(), [&](const Entry& entry) {
+            return std::tie(entry.folded, entry.scope) < wanted;
+        });
+    auto last = first;
+    while (last != mEntries.end() && std::tie(last->folded, last->scope) == wanted)
+        ++last;
     return {first, last};
 }
 
@@ -86,12 +100,20 @@ void NameIndex::CollectNames(std::vector<std::string_view>& names) const
         names.push_back(entry.name);
 }
 
-NameLookup::NameLookup(const ObjectTable& table) : mTable(&table)
+NameLookup::NameLookup(const ObjectTable& table) : NameLookup(table, kAllNameKinds)
+{}
+
+NameLookup::NameLookup(const ObjectTable& table, std::span<const ENameKind> nameKinds)
+    : mTable(&table)
 {
+    std::array<bool, kNameKindCount> isWanted{};
+    for (const ENameKind nameKind : nameKinds)
+        isWanted[static_cast<std::size_t>(nameKind)] = true;
     std::array<std::vector<NameIndex::Entry>, kNameKindCount> entries;
     for (const ObjectRecord& record : table.GetRecords()) {
         const auto nameKind = static_cast<std::size_t>(NameKindOf(record.id.classCode));
-        entries[nameKind].push_back({{}, record.name, ScopeOf(record), record.id});
+        if (isWanted[nameKind])
+            entries[nameKind].push_back({{}, record.name, ScopeOf(record), record.id});
     }
     for (std::size_t nameKind = 0; nameKind < kNameKindCount; ++nameKind)
         mIndexes[nameKind] = NameIndex(std::move(entries[nameKind]));
@@ -102,6 +124,15 @@ amd_id NameLookup::FindExact(ENameKind nameKind, const amd_id& scope, std::strin
     return IndexOf(nameKind).Find(scope, name);
 }
 
+amd_id NameLookup::FindNamespace(std::string_view name) const
+{
+    for (const NameIndex::Entry& entry : IndexOf(ENameKind::Container).FindFolded(name)) {
+        if (entry.id.classCode == IdClassNamespace && entry.name == name)
+            return entry.id;
+    }
+    return {};
+}
+
 std::vector<amd_id> NameLookup::Match(ENameKind nameKind, const QualifiedName& name) const
 {
     std::vector<amd_id> found = Match(nameKind, name, ECase::Exact);
@@ -110,6 +141,8 @@ std::vector<amd_id> NameLookup::Match(ENameKind nameKind, const QualifiedName& n
         found = Match(nameKind, name, ECase::Folded);
         letterCase = ECase::Folded;
     }
+    if (found.size() < 2)
+        return found;
     std::vector<amd_id> complete;
     std::copy_if(found.begin(), found.end(), std::back_inserter(complete), [&](const amd_id& id) {
         return SameNames(GetQualifiedName(id), name, letterCase);

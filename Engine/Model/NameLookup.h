@@ -8,6 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,15 +26,21 @@ class NameIndex
 public:
     struct Entry
     {
-        std::string folded;
-        std::string name;
+        std::string_view folded;
+        std::string_view name;
         amd_id scope;
         amd_id id;
     };
 
     NameIndex() = default;
-    /// Takes entries in any order; `folded` need not be set.
+    /// Takes entries in any order; `folded` need not be set. Refers to their names.
     explicit NameIndex(std::vector<Entry> entries);
+    // A copy would refer to the folded names of the original.
+    NameIndex(const NameIndex&) = delete;
+    NameIndex& operator=(const NameIndex&) = delete;
+    NameIndex(NameIndex&&) = default;
+    NameIndex& operator=(NameIndex&&) = default;
+    ~NameIndex() = default;
 
     /// Returns the object of exactly that name in the scope, or the empty id. Of several, the one
     /// with the least id.
@@ -49,6 +56,10 @@ public:
     void CollectNames(std::vector<std::string_view>& names) const;
 
 private:
+    void SetFolded(Entry& entry);
+
+    /// The folded names that differ from the names.
+    std::deque<std::string> mFolded;
     /// Ordered by (folded name, scope, id).
     std::vector<Entry> mEntries;
 };
@@ -64,10 +75,15 @@ public:
     };
 
     explicit NameLookup(const ObjectTable& table);
+    /// Finds objects of these kinds only.
+    NameLookup(const ObjectTable& table, std::span<const ENameKind> nameKinds);
 
     /// See Model::FindExact.
     [[nodiscard]] amd_id FindExact(ENameKind nameKind, const amd_id& scope,
                                    std::string_view name) const;
+
+    /// See Model::FindNamespace.
+    [[nodiscard]] amd_id FindNamespace(std::string_view name) const;
 
     /// See Model::FindByName.
     [[nodiscard]] std::vector<amd_id> Match(ENameKind nameKind, const QualifiedName& name) const;

@@ -48,6 +48,16 @@ struct ObjectDraft
     Reference right{};
 };
 
+/// A draft while its model is put together.
+struct PlacedDraft
+{
+    const ObjectDraft* draft = nullptr;
+    /// What is known of the object so far: first what the draft says.
+    ObjectRecord* record = nullptr;
+    /// Whether the record is part of the model's table: it is the first with a right id.
+    bool isInTable = false;
+};
+
 } // namespace qe::model
 
 #endif

@@ -128,9 +128,11 @@ public:
     /// Takes records in any order; each id occurs once.
     explicit ObjectTable(std::vector<ObjectRecord> records);
 
-    /// Returns the record with that id, or null. Costs a binary search.
+    /// Returns the record with that id, or null. Costs at most a binary search.
     [[nodiscard]] const ObjectRecord* Find(const amd_id& id) const;
     [[nodiscard]] std::span<const ObjectRecord> GetRecords() const { return mRecords; }
+    /// Returns the same records to fill in what is not known yet. Their ids must stay.
+    [[nodiscard]] std::span<ObjectRecord> EditRecords() { return mRecords; }
 
     /// Returns the object that `id` finally stands for: follows shortcuts and relationship
     /// shortcuts to their end. Returns the empty id when the chain breaks or is longer
@@ -138,7 +140,21 @@ public:
     [[nodiscard]] amd_id GetTarget(const amd_id& id) const;
 
 private:
+    /// Records whose ids have successive numbers.
+    struct Run
+    {
+        amd_id first;
+        std::size_t position = 0;
+        std::size_t count = 0;
+    };
+
+    /// Returns how far behind the first id of the run the id would be; a huge number for an id of
+    /// another kind.
+    [[nodiscard]] static std::size_t FindInRun(const Run& run, const amd_id& id);
+
     std::vector<ObjectRecord> mRecords;
+    /// In the order of the records. Builders number objects class by class, so that there are few.
+    std::vector<Run> mRuns;
 };
 
 } // namespace qe::model

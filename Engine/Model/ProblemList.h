@@ -5,6 +5,7 @@
 #include "Engine/Model/ObjectDraft.h"
 
 #include <cstddef>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,7 @@ namespace qe::model {
 class ProblemList
 {
 public:
-    explicit ProblemList(const std::vector<ObjectDraft>& drafts) : mDrafts(&drafts) {}
+    explicit ProblemList(const std::deque<ObjectDraft>& drafts) : mDrafts(&drafts) {}
 
     /// Adds a problem of the draft at that position. `text` goes on after the object's title and
     /// name, such as "has no name".
@@ -25,7 +26,7 @@ public:
     void RaiseIfAny();
 
 private:
-    const std::vector<ObjectDraft>* mDrafts;
+    const std::deque<ObjectDraft>* mDrafts;
     std::vector<ModelProblem> mProblems;
 };
 

@@ -26,9 +26,11 @@ std::string AspectTitle(EAspect aspect)
 
 } // namespace
 
-amd_id ReferenceFinder::Find(std::size_t position, const ObjectDraft& draft,
+amd_id ReferenceFinder::Find(std::size_t position, const PlacedDraft& draft,
                              const Reference& reference, const Wanted& wanted)
 {
+    if (!reference.IsByName() && !reference.IsEmpty() && mTable->Find(reference.GetId()) != nullptr)
+        return reference.GetId();
     const std::string title = AspectTitle(wanted.aspect);
     if (reference.IsEmpty()) {
         if (wanted.aspect != EAspect::Parent)
@@ -36,8 +38,6 @@ amd_id ReferenceFinder::Find(std::size_t position, const ObjectDraft& draft,
         return {};
     }
     if (!reference.IsByName()) {
-        if (mTable->Find(reference.GetId()) != nullptr)
-            return reference.GetId();
         mProblems->Add(position, wanted.aspect,
                        "has a " + title +
                            " that is not in the model: " + ToText(reference.GetId()));
@@ -64,7 +64,7 @@ amd_id ReferenceFinder::Find(std::size_t position, const ObjectDraft& draft,
     return {};
 }
 
-amd_id ReferenceFinder::TryFind(const ObjectDraft& draft, const Reference& reference,
+amd_id ReferenceFinder::TryFind(const PlacedDraft& draft, const Reference& reference,
                                 const std::vector<ENameKind>& nameKinds) const
 {
     if (!reference.IsByName())
@@ -73,21 +73,26 @@ amd_id ReferenceFinder::TryFind(const ObjectDraft& draft, const Reference& refer
     return found.size() == 1 ? found.front() : amd_id();
 }
 
-std::vector<amd_id> ReferenceFinder::Match(const ObjectDraft& draft, const std::string& name,
+std::vector<amd_id> ReferenceFinder::Match(const PlacedDraft& draft, const std::string& name,
                                            const std::vector<ENameKind>& nameKinds) const
 {
     std::vector<amd_id> found;
+    const auto match = [&](ENameKind nameKind, const QualifiedName& parts) {
+        found = mNames.Match(nameKind, parts);
+        // A shortcut often has the name of what it stands for.
+        found.erase(std::remove(found.begin(), found.end(), draft.record->id), found.end());
+    };
+    const QualifiedName parts = ParseQualifiedName(name);
     for (std::size_t i = 0; i < nameKinds.size() && found.empty(); ++i) {
-        for (const QualifiedName& parts : {ParseQualifiedName(name), QualifiedName{name}}) {
-            if (found.empty())
-                found = mNames.Match(nameKinds[i], parts);
-            // A shortcut often has the name of what it stands for.
-            found.erase(std::remove(found.begin(), found.end(), draft.record.id), found.end());
-        }
+        match(nameKinds[i], parts);
+        if (found.empty())
+            match(nameKinds[i], QualifiedName{name});
     }
+    if (found.size() < 2)
+        return found;
     std::vector<amd_id> nearby;
     std::copy_if(found.begin(), found.end(), std::back_inserter(nearby),
-                 [&](const amd_id& id) { return mTable->Find(id)->space == draft.record.space; });
+                 [&](const amd_id& id) { return mTable->Find(id)->space == draft.record->space; });
     return nearby.size() == 1 ? nearby : found;
 }
 

@@ -24,21 +24,23 @@ public:
         std::vector<ENameKind> nameKinds;
     };
 
-    ReferenceFinder(const ObjectTable& table, ProblemList& problems)
-        : mTable(&table), mNames(table), mProblems(&problems)
+    /// Takes the kinds of names among which things are looked for.
+    ReferenceFinder(const ObjectTable& table, const std::vector<ENameKind>& nameKinds,
+                    ProblemList& problems)
+        : mTable(&table), mNames(table, nameKinds), mProblems(&problems)
     {}
 
     /// Returns the id of the object, or the empty id when there is not exactly one; then the
     /// problem is added. A missing parent is none.
-    [[nodiscard]] amd_id Find(std::size_t position, const ObjectDraft& draft,
+    [[nodiscard]] amd_id Find(std::size_t position, const PlacedDraft& draft,
                               const Reference& reference, const Wanted& wanted);
 
     /// Does the same without adding problems.
-    [[nodiscard]] amd_id TryFind(const ObjectDraft& draft, const Reference& reference,
+    [[nodiscard]] amd_id TryFind(const PlacedDraft& draft, const Reference& reference,
                                  const std::vector<ENameKind>& nameKinds) const;
 
 private:
-    [[nodiscard]] std::vector<amd_id> Match(const ObjectDraft& draft, const std::string& name,
+    [[nodiscard]] std::vector<amd_id> Match(const PlacedDraft& draft, const std::string& name,
                                             const std::vector<ENameKind>& nameKinds) const;
     [[nodiscard]] std::vector<std::string> Suggest(const std::string& name,
                                                    const std::vector<ENameKind>& nameKinds);

@@ -87,18 +87,20 @@ bool CandidateGraph::TakeKept(const Request& request)
         return false;
     }
     const JoinCacheAccess access(*cache);
-    std::shared_ptr<CandidateShelf>& shelf = access.Shelf();
-    if (shelf == nullptr)
-        shelf = std::make_shared<CandidateShelf>();
+    if (access.Shelf() == nullptr)
+        access.Shelf() = std::make_shared<CandidateShelf>();
+    // Reading a join calls the host, which may put another cache into the request context.
+    const std::shared_ptr<CandidateShelf> shelf = access.Shelf();
+    const std::uint64_t replacedCount = access.GetReplacedCount();
     std::unique_ptr<LoadedCandidates> kept =
-        shelf->Take(services.gateway, access.GetReplacedCount(), request.nodes, request.joins);
+        shelf->Take(services.gateway, replacedCount, request.nodes, request.joins);
     if (kept != nullptr && StayUnreadable(kept->unreadable)) {
         mLoan = CandidateLoan(std::move(kept), shelf);
         return true;
     }
     auto fresh = std::make_unique<LoadedCandidates>();
     fresh->source = {.gateway = services.gateway,
-                     .replacedCount = access.GetReplacedCount(),
+                     .replacedCount = replacedCount,
                      .nodes = request.nodes,
                      .joins = request.joins};
     mLoan = CandidateLoan(std::move(fresh), shelf);
@@ -183,8 +185,12 @@ void CandidateGraph::ReadAll(const Request& request)
 void CandidateGraph::Favour(const Ids& favouredJoins)
 {
     for (const amd_id& join : favouredJoins) {
-        if (join.classCode != IdClassShortcutJoin && mEndsReader.GetJoinEnds(join))
-            mLoan.SetWeight(join, GetTakeFirstWeight());
+        if (join.classCode == IdClassShortcutJoin || !mEndsReader.GetJoinEnds(join))
+            continue;
+        // One that comes only with the synthetic joins has no weight yet to go back to.
+        if (mLoan.Get().graph->GetPathWeight({join}) == 0)
+            mLoan.Get().isGraphPlain = false;
+        mLoan.SetWeight(join, GetTakeFirstWeight());
     }
 }
 

@@ -194,10 +194,10 @@ std::vector<std::uint32_t> OrderNames(const CandidateJoins& joins)
 /// the others follow in the order in which they were given.
 Indices OrderBySignature(const Indices& members, CandidateJoins& joins)
 {
-    if (members.size() == 1)
-        return members;
     for (const std::size_t index : members)
         static_cast<void>(joins.GetNumbers(index));
+    if (members.size() == 1)
+        return members;
     const std::vector<std::uint32_t> places = OrderNames(joins);
     std::vector<std::vector<std::uint32_t>> signatures;
     signatures.reserve(members.size());

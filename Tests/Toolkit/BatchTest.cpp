@@ -13,6 +13,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <map>
 #include <random>
 #include <sstream>
 #include <stdexcept>
@@ -235,6 +236,49 @@ TEST(Batch, AnswersInOrderWhateverTheThreads)
                                                 "median: "));
     options.threads = 4;
     EXPECT_EQ(RunShop(MakeRequests(500), options).lines, one.lines);
+}
+
+TEST(Batch, AnswersEachRequestAsIfItWereTheOnlyOne)
+{
+    const char* const members[] = {
+        "",
+        R"-(, "favouredJoins": ["sale-customer (payer_id)"])-",
+        R"-(, "requiredJoins": ["sale-customer (payer_id)"])-",
+        R"(, "favouredSubjects": ["region"])",
+        R"-(, "withoutJoins": ["sale-customer (customer_id)"])-",
+        R"(, "onlySubjects": ["customer"])",
+        R"(, "operation": "best", "avoidedJoins": ["customer-region"])",
+        R"(, "operation": "best")",
+        R"(, "operation": "tree")",
+        R"(, "selector": "main-object")",
+        R"(, "useStraightestPath": true)",
+        R"(, "crossProduct": 1)",
+        R"(, "crossProduct": 2)",
+        R"(, "crossProduct": 1, "commandType": "describe")",
+        R"(, "grouping": 1)",
+        R"(, "subjects": [])",
+    };
+    std::vector<std::string> requests;
+    for (const char* const subjects : {R"("sale", "region")", R"("sale", "island")"})
+        for (const char* const member : members)
+            requests.push_back(R"({"subjects": [)" + std::string(subjects) + "]" + member + "}");
+    std::string all;
+    std::vector<std::string> wanted;
+    for (const std::string& before : requests) {
+        for (const std::string& request : requests) {
+            all += before + "\n" + request + "\n";
+            for (const std::string& line : {before, request})
+                wanted.push_back(line);
+        }
+    }
+    const auto answerOf = [](const std::string& line) { return line.substr(line.find(',')); };
+    std::map<std::string, std::string> alone;
+    for (const std::string& request : requests)
+        alone[request] = answerOf(RunShop(request, {}).lines.front());
+    const BatchRun together = RunShop(all, {});
+    ASSERT_EQ(together.lines.size(), wanted.size());
+    for (std::size_t i = 0; i < wanted.size(); ++i)
+        ASSERT_EQ(answerOf(together.lines[i]), alone[wanted[i]]) << wanted[i] << " in line " << i;
 }
 
 TEST(Batch, PassesOverLinesThatAreTooLong)

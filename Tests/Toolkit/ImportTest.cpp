@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <sqlite3.h>
 
@@ -131,6 +132,68 @@ TEST(Import, TellsWhereAFileIsWrong)
     EXPECT_THROW((void)ImportSql({"/nonexistent.sql"}, {}), InputError);
     EXPECT_THROW((void)ImportSql({"/"}, {}), InputError);
     EXPECT_THAT(SubjectsOf(*ImportSql({}, {}).model), IsEmpty());
+}
+
+/// Returns the subjects, joins and notes that the statements make, or what is wrong with them.
+std::string Describe(const std::string& statements)
+{
+    std::string text;
+    const std::string mistakes = qe::test::MistakesOf([&] {
+        const ToolModel tool = qe::test::ImportText(statements);
+        for (const auto& lines : {SubjectsOf(*tool.model), JoinsOf(*tool.model), tool.notes})
+            for (const std::string& line : lines)
+                text += line + '\n';
+    });
+    // The file lies in a folder of its own.
+    return text + mistakes.substr(mistakes.rfind('/') + 1);
+}
+
+TEST(Import, ReadsTablesThatAreKeptApartAsOneDatabase)
+{
+    std::string many = "PRAGMA foreign_keys=OFF; BEGIN TRANSACTION;";
+    for (int i = 0; i < 250; ++i)
+        many += "CREATE TABLE t" + std::to_string(i) + " (id INTEGER PRIMARY KEY, up REFERENCES T" +
+                std::to_string(i * 7 % 250) + "); CREATE UNIQUE INDEX u" + std::to_string(i) +
+                " ON \"T" + std::to_string(i / 2) + "\" (up);";
+    const std::string scripts[] = {
+        many + "COMMIT;",
+        many + "COMMIT; ALTER TABLE t7 RENAME TO t1000; CREATE TABLE t7 (id);",
+        many + "ROLLBACK; CREATE TABLE t7 (id);",
+        many + "CREATE TABLE t3 (id);",
+        many + "BEGIN;",
+        many + "CREATE INDEX t3 ON t4 (id);",
+        "CREATE TABLE IF NOT EXISTS a (x); create table if not exists [A] (y, z REFERENCES a (y));",
+        "CREATE TABLE a (x, y); CREATE UNIQUE INDEX i ON a (x); CREATE INDEX I ON a (y);",
+        "CREATE TABLE a (x); CREATE VIEW v AS SELECT x FROM a; CREATE TABLE v (z);",
+        "CREATE TABLE a AS SELECT 1 AS x; CREATE TABLE main.b (y); CREATE TABLE b (z);",
+        "CREATE TABLE a (x); CREATE INDEX i ON b (x);",
+        "CREATE TABLE a (x); CREATE INDEX i ON a (y); CREATE TABLE b (y);",
+        "/* one */ CREATE -- two\n TABLE a (x /* three */); CREATE TABLE b (x, x);",
+        R"(CREATE TABLE "a""b" (x); CREATE INDEX i ON [a"b] (x); CREATE TABLE `A"B` (x);)",
+        "CREATE TABLE a (x INTEGER PRIMARY KEY AUTOINCREMENT); CREATE INDEX i ON sqlite_sequence "
+        "(x);",
+        "CREATE TABLE a (x); COMMIT;",
+        "CREATE TABLE a (x); CREATE TABLE",
+    };
+    // A statement of another kind at the beginning lets everything run in one database.
+    const std::string together = "CREATE TEMP TABLE z (a); ";
+    const std::string apart(together.size(), ' ');
+    for (const std::string& script : scripts)
+        EXPECT_EQ(Describe(apart + script), Describe(together + script))
+            << script.substr(script.size() - std::min<std::size_t>(script.size(), 100));
+}
+
+TEST(Import, TellsHowFarItIs)
+{
+    const qe::test::TemporaryFolder folder;
+    std::vector<std::string> units;
+    const auto observe = [&units](const Progress& progress) {
+        EXPECT_LE(progress.done, progress.size);
+        units.emplace_back(progress.unit);
+    };
+    (void)ImportSql({folder.Write("w.sql", "CREATE TABLE a (x); CREATE TABLE b (x);")},
+                    {.observer = observe});
+    EXPECT_THAT(units, ElementsAre("statements", "statements", "tables", "tables"));
 }
 
 TEST(Import, ReadsEveryRealSchema)

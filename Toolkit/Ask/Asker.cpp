@@ -2,6 +2,7 @@
 
 #include "AQE_I_JoinPathDescriptor.h"
 #include "AQE_I_PathSelector.h"
+#include "AQE_LogFile.h"
 #include "Engine/Model/Model.h"
 #include "HBNException.h"
 #include "MainObjectPathSelector.h"
@@ -9,11 +10,13 @@
 #include "Toolkit/Ask/KeyChoice.h"
 #include "Toolkit/Ask/LogNotices.h"
 #include "Toolkit/Ask/Request.h"
+#include "Toolkit/Ask/RequestBasis.h"
 #include "Toolkit/Ask/ResolvedQuestion.h"
 #include "Toolkit/Model/ToolModel.h"
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -58,10 +61,12 @@ private:
 class QuestionRun
 {
 public:
-    QuestionRun(const ToolModel& model, const Question& question)
+    /// Refers to everything that it is given.
+    QuestionRun(const ToolModel& model, const Question& question, const ResolvedQuestion& resolved,
+                RequestBasis& basis)
         : mQuestion(question),
-          mResolved(ResolveQuestion(*model.model, question)),
-          mRequest(model, question, mResolved),
+          mResolved(resolved),
+          mRequest(basis, resolved),
           mRecorder(*model.model, mResolved, mRequest, mAnswer)
     {}
     QuestionRun(const QuestionRun&) = delete;
@@ -87,7 +92,7 @@ private:
     std::uint32_t SelectByMainObject(const Descriptors& descriptors);
 
     const Question& mQuestion;
-    ResolvedQuestion mResolved;
+    const ResolvedQuestion& mResolved;
     Request mRequest;
     Answer mAnswer;
     AnswerRecorder mRecorder;
@@ -278,9 +283,54 @@ std::uint32_t QuestionRun::SelectByMainObject(const Descriptors& descriptors)
 
 Answer Ask(const ToolModel& model, const Question& question)
 {
+    return Asker(model).Ask(question);
+}
+
+namespace {
+
+/// The join cache of a basis keeps the path of each question.
+constexpr std::size_t kMostQuestionsOnBasis = 1000;
+
+/// Returns whether somebody reads more of the log than what answers carry with them: then what one
+/// question reads must not be missing in the log of the next.
+bool IsLogRead()
+{
+    constexpr int kNoticeLevel = 1;
+    return AQE_LogFile({}).GetLogLevel() > kNoticeLevel;
+}
+
+} // namespace
+
+Asker::Asker(const ToolModel& model)
+    : mModel(model), mResolver(std::make_unique<QuestionResolver>(*model.model))
+{}
+
+Asker::~Asker() = default;
+
+Answer Asker::Ask(const Question& question)
+{
     if (question.selector.kind == ESelector::Ask && !question.selector.choose)
         throw std::invalid_argument("The question has no function that chooses");
-    return QuestionRun(model, question).Run();
+    const ResolvedQuestion resolved = mResolver->Resolve(question);
+    std::unique_ptr<RequestBasis> basis = TakeBasis(question, resolved);
+    Answer answer = QuestionRun(mModel, question, resolved, *basis).Run();
+    if (!answer.error)
+        mBasis = std::move(basis);
+    return answer;
+}
+
+std::unique_ptr<RequestBasis> Asker::TakeBasis(const Question& question,
+                                               const ResolvedQuestion& resolved)
+{
+    std::unique_ptr<RequestBasis> basis = std::move(mBasis);
+    const bool fits = basis != nullptr && mQuestionsOnBasis < kMostQuestionsOnBasis &&
+                      !IsLogRead() && basis->Fits(mModel, question, resolved);
+    if (!fits) {
+        basis = std::make_unique<RequestBasis>(mModel, question, resolved);
+        mQuestionsOnBasis = 0;
+    }
+    ++mQuestionsOnBasis;
+    return basis;
 }
 
 } // namespace qe::tool

@@ -8,7 +8,7 @@
 #include "HBNException.h"
 #include "IdClass.h"
 #include "Toolkit/Ask/Question.h"
-#include "Toolkit/Ask/Request.h"
+#include "Toolkit/Ask/RequestBasis.h"
 #include "Toolkit/Ask/ResolvedQuestion.h"
 #include "Toolkit/Model/ToolModel.h"
 
@@ -61,9 +61,9 @@ std::vector<AnswerJoin> ReadJoins(const ToolModel& model)
 
 ShortcutReport FindShortcuts(const ToolModel& model, const Question& question)
 {
-    const ResolvedQuestion resolved = ResolveQuestion(*model.model, question);
-    Request request(model, question, resolved);
-    AQE_I_QuerySubjectShortcutInfo& shortcuts = request.GetShortcutInfo();
+    const ResolvedQuestion resolved = QuestionResolver(*model.model).Resolve(question);
+    RequestBasis basis(model, question, resolved);
+    AQE_I_QuerySubjectShortcutInfo& shortcuts = basis.GetShortcutInfo();
     ShortcutReport report;
     for (const amd_id& node : resolved.nodes) {
         if (node.classCode != IdClassShortcut)

@@ -1,21 +1,11 @@
 #include "Toolkit/Ask/Request.h"
 
-#include "AQE_JoinCache.h"
 #include "IdClass.h"
 #include "Source/Rules/JoinEnds.h"
-#include "Toolkit/Model/ToolModel.h"
 
 namespace qe::tool {
 
 namespace {
-
-AQE_Governors ChooseGovernors(const AQE_Governors& ofModel, const GovernorChoice& choice)
-{
-    AQE_Governors governors = ofModel;
-    governors.crossProductAllowed = choice.crossProduct.value_or(ofModel.crossProductAllowed);
-    governors.shortcutGrouping = choice.grouping.value_or(ofModel.shortcutGrouping);
-    return governors;
-}
 
 int WeightOf(AQE_I_Refiner::EEdgeType type)
 {
@@ -24,40 +14,22 @@ int WeightOf(AQE_I_Refiner::EEdgeType type)
 
 } // namespace
 
-Request::Request(const ToolModel& model, const Question& question, const ResolvedQuestion& resolved)
-    : mResolved(resolved),
-      mUserClasses(model.userClasses),
-      mGateway(model.model),
-      mGovernors(ChooseGovernors(model.governors, question.governors)),
-      mContext(question.commandType),
-      mShortcutInfo(AQE_I_QuerySubjectShortcutInfo::Create(&mGateway, &mGovernors, &mContext)),
+Request::Request(RequestBasis& basis, const ResolvedQuestion& resolved)
+    : mBasis(basis),
       mCheapJoins(resolved.favouredJoins.begin(), resolved.favouredJoins.end()),
       mAvoidedJoins(resolved.avoidedJoins.begin(), resolved.avoidedJoins.end()),
       mFavouredSubjects(resolved.favouredSubjects.begin(), resolved.favouredSubjects.end())
 {
-    mContext.SetJoinCache(std::make_unique<AQE_JoinCache>());
-    mContext.SetAuthentication(&mUserClasses);
     mCheapJoins.insert(resolved.requiredJoins.begin(), resolved.requiredJoins.end());
-}
-
-Request::~Request() = default;
-
-AQE_I_QuerySubjectShortcutInfo& Request::GetShortcutInfo()
-{
-    if (!mShortcutsAreBuilt) {
-        mShortcutInfo->Initialize(mResolved.nodes, mResolved.joins, mResolved.requiredJoins);
-        mShortcutsAreBuilt = true;
-    }
-    return *mShortcutInfo;
 }
 
 AUT_RefPtr<AQE_I_Refiner> Request::MakeRefiner(AQE_I_PathSelector* selector,
                                                const RankingSwitches& ranking)
 {
     AUT_RefPtr<AQE_I_Refiner> refiner =
-        AQE_I_Refiner::Create(&mGateway, selector, &mGovernors, &mContext,
+        AQE_I_Refiner::Create(&GetGateway(), selector, &GetGovernors(), &GetContext(),
                               ranking.useFactTableCount, ranking.useStraightestPath);
-    refiner->SetShortcutInfo(mShortcutInfo.get());
+    refiner->SetShortcutInfo(&GetShortcutInfo());
     return refiner;
 }
 
@@ -66,7 +38,7 @@ std::optional<AQE_I_Refiner::QEjoinInfo> Request::ReadJoin(const amd_id& join)
     AQE_I_Refiner::QEjoinInfo info;
     const bool isRead = join.classCode == IdClassShortcutJoin
                             ? GetShortcutInfo().GetJoinInfo(join, info)
-                            : AQE_I_Refiner::GetJoinInfo(&mGateway, &mContext, join, info);
+                            : AQE_I_Refiner::GetJoinInfo(&GetGateway(), &GetContext(), join, info);
     if (!isRead)
         return std::nullopt;
     info.weight = GetWeight(info);
@@ -82,7 +54,7 @@ int Request::GetWeight(const AQE_I_Refiner::QEjoinInfo& info)
     if (mCheapJoins.count(info.joinId) != 0)
         return WeightOf(AQE_I_Refiner::EdgeTypeRelationship136);
     const auto resolve = [this](const amd_id& shortcut) {
-        return AQE_I_Refiner::GetRefQuerySubject(&mGateway, shortcut, nullptr, nullptr);
+        return AQE_I_Refiner::GetRefQuerySubject(&GetGateway(), shortcut, nullptr, nullptr);
     };
     return AdjustJoinWeight(
         {.ends = {.left = info.leftQuerySubject, .right = info.rightQuerySubject},

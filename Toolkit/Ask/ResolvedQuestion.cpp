@@ -125,6 +125,12 @@ Ids SelectJoins(const model::Model& model, const Restriction& restriction, const
     return joins;
 }
 
+bool IsEmpty(const Restriction& restriction)
+{
+    return restriction.onlySubjects.empty() && restriction.withoutSubjects.empty() &&
+           restriction.onlyJoins.empty() && restriction.withoutJoins.empty();
+}
+
 Ids EndsOf(const model::Model& model, const Ids& joins)
 {
     Ids ends;
@@ -137,9 +143,20 @@ Ids EndsOf(const model::Model& model, const Ids& joins)
 
 } // namespace
 
-ResolvedQuestion ResolveQuestion(const model::Model& model, const Question& question)
+const QuestionResolver::Candidates& QuestionResolver::GetAll()
 {
-    NameResolver names(model);
+    if (!mAll) {
+        NameResolver names(mModel);
+        const std::span<const amd_id> subjects = mModel.GetSubjects();
+        mAll.emplace(Candidates{.nodes = Ids(subjects.begin(), subjects.end())});
+        mAll->joins = SelectJoins(mModel, {}, mAll->nodes, names);
+    }
+    return *mAll;
+}
+
+ResolvedQuestion QuestionResolver::Resolve(const Question& question)
+{
+    NameResolver names(mModel);
     RejectUnusedLists(question, names);
     ResolvedQuestion resolved;
     resolved.subjects = names.ResolveSubjects("subjects", question.subjects);
@@ -150,12 +167,17 @@ ResolvedQuestion ResolveQuestion(const model::Model& model, const Question& ques
     resolved.favouredSubjects = names.ResolveSubjects("favoured subjects", //
                                                       question.favouredSubjects);
 
-    NodeFilter filter(question.restriction, names);
-    filter.Keep(resolved.subjects, names);
-    filter.Keep(resolved.secondSet, names);
-    filter.Keep(EndsOf(model, resolved.requiredJoins), names);
-    resolved.nodes = filter.Apply(model.GetSubjects());
-    resolved.joins = SelectJoins(model, question.restriction, resolved.nodes, names);
+    if (IsEmpty(question.restriction)) {
+        resolved.nodes = GetAll().nodes;
+        resolved.joins = GetAll().joins;
+    } else {
+        NodeFilter filter(question.restriction, names);
+        filter.Keep(resolved.subjects, names);
+        filter.Keep(resolved.secondSet, names);
+        filter.Keep(EndsOf(mModel, resolved.requiredJoins), names);
+        resolved.nodes = filter.Apply(mModel.GetSubjects());
+        resolved.joins = SelectJoins(mModel, question.restriction, resolved.nodes, names);
+    }
     names.ThrowProblems();
     return resolved;
 }

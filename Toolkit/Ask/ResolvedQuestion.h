@@ -3,6 +3,7 @@
 
 #include "amd_id.h"
 
+#include <optional>
 #include <vector>
 
 namespace qe::model {
@@ -26,10 +27,31 @@ struct ResolvedQuestion
     std::vector<amd_id> joins{};
 };
 
-/// Returns the objects that the question names, with its restriction applied. Subjects that are to
-/// be connected and ends of required joins are never left out for not being among the only ones.
-/// Throws InputError with all mistakes, also for lists that the operation has no use for.
-[[nodiscard]] ResolvedQuestion ResolveQuestion(const model::Model& model, const Question& question);
+/// Looks up what questions about one model name.
+class QuestionResolver
+{
+public:
+    /// Refers to the model.
+    explicit QuestionResolver(const model::Model& model) : mModel(model) {}
+
+    /// Returns the objects that the question names, with its restriction applied. Subjects that are
+    /// to be connected and ends of required joins are never left out for not being among the only
+    /// ones. Throws InputError with all mistakes, also for lists that the operation has no use for.
+    [[nodiscard]] ResolvedQuestion Resolve(const Question& question);
+
+private:
+    struct Candidates
+    {
+        std::vector<amd_id> nodes{};
+        std::vector<amd_id> joins{};
+    };
+
+    /// Returns what questions without a restriction choose from.
+    [[nodiscard]] const Candidates& GetAll();
+
+    const model::Model& mModel;
+    std::optional<Candidates> mAll;
+};
 
 } // namespace qe::tool
 

@@ -13,11 +13,14 @@
 #include <exception>
 #include <iomanip>
 #include <istream>
+#include <memory>
+#include <mutex>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace qe::tool {
 namespace {
@@ -84,7 +87,7 @@ public:
         : mModel(model), mOutput(output), mOptions(options)
     {}
 
-    [[nodiscard]] WorkResult operator()(const RequestLine& line) const
+    [[nodiscard]] WorkResult operator()(const RequestLine& line)
     {
         const Clock::time_point begin = Clock::now();
         BatchEntry entry;
@@ -103,7 +106,7 @@ public:
     }
 
 private:
-    void Answer(const RequestLine& line, BatchEntry& entry) const
+    void Answer(const RequestLine& line, BatchEntry& entry)
     {
         if (line.isTooLong)
             throw InputError(
@@ -113,7 +116,24 @@ private:
         if (request.json.is_object() && request.json.contains("id"))
             entry.id = request.json["id"];
         entry.question = ReadQuestion(request, mOptions.defaults);
-        entry.outcome = Ask(mModel, entry.question);
+        std::unique_ptr<Asker> asker = TakeAsker();
+        entry.outcome = asker->Ask(entry.question);
+        const std::lock_guard lock(mMutex);
+        mIdleAskers.push_back(std::move(asker));
+    }
+
+    /// Returns the asker that worked last, when it is idle, so that each thread has one.
+    [[nodiscard]] std::unique_ptr<Asker> TakeAsker()
+    {
+        {
+            const std::lock_guard lock(mMutex);
+            if (!mIdleAskers.empty()) {
+                std::unique_ptr<Asker> asker = std::move(mIdleAskers.back());
+                mIdleAskers.pop_back();
+                return asker;
+            }
+        }
+        return std::make_unique<Asker>(mModel);
     }
 
     [[nodiscard]] static EOutcome Classify(const BatchEntry& entry)
@@ -127,6 +147,8 @@ private:
     const ToolModel& mModel;
     const BatchOutput& mOutput;
     const BatchOptions& mOptions;
+    std::mutex mMutex;
+    std::vector<std::unique_ptr<Asker>> mIdleAskers;
 };
 
 void Count(const WorkResult& result, BatchSummary& summary)
@@ -144,14 +166,17 @@ BatchSummary RunBatch(const ToolModel& model, std::istream& requests, const Batc
                       const BatchOptions& options)
 {
     BatchSummary summary;
-    OrderedWork work(options.threads, options.threads * kWindowPerThread,
-                     Answerer(model, output, options), [&](const WorkResult& result) {
-                         if (!(output.stream << result.text << '\n'))
-                             throw std::runtime_error("The answers cannot be written");
-                         Count(result, summary);
-                         if (options.observer)
-                             options.observer(summary);
-                     });
+    Answerer answerer(model, output, options);
+    OrderedWork work(
+        options.threads, options.threads * kWindowPerThread,
+        [&answerer](const RequestLine& requestLine) { return answerer(requestLine); },
+        [&](const WorkResult& result) {
+            if (!(output.stream << result.text << '\n'))
+                throw std::runtime_error("The answers cannot be written");
+            Count(result, summary);
+            if (options.observer)
+                options.observer(summary);
+        });
     const auto isStopped = [&] { return options.stop != nullptr && options.stop->load(); };
     LineReader reader(requests, options.longestLine);
     RequestLine line;

@@ -15,32 +15,36 @@ constexpr std::uint64_t kTextWidth = 30;
 
 } // namespace
 
-ProgressBar::ProgressBar(std::ostream& terminal, int width, std::uint64_t size)
-    : mTerminal(terminal), mWidth(static_cast<std::uint64_t>(std::max(width, 0))), mSize(size)
+ProgressBar::ProgressBar(std::ostream& terminal, int width, std::chrono::milliseconds delay)
+    : mTerminal(terminal),
+      mWidth(static_cast<std::uint64_t>(std::max(width, 0))),
+      mNext(std::chrono::steady_clock::now() + delay)
 {}
 
 ProgressBar::~ProgressBar()
 {
-    mTerminal << "\r\x1b[K" << std::flush;
+    if (mIsShown)
+        mTerminal << "\r\x1b[K" << std::flush;
 }
 
-void ProgressBar::Show(std::uint64_t done, std::size_t requests)
+void ProgressBar::Show(const Progress& progress)
 {
     const auto now = std::chrono::steady_clock::now();
     if (now < mNext)
         return;
     mNext = now + kInterval;
     std::string text;
-    if (mSize > 0) {
-        done = std::min(done, mSize);
+    if (progress.size > 0) {
+        const std::uint64_t done = std::min(progress.done, progress.size);
         if (mWidth > kTextWidth) {
             const std::uint64_t room = std::min(mWidth - kTextWidth, kLongestBar);
-            const std::uint64_t full = room * done / mSize;
+            const std::uint64_t full = room * done / progress.size;
             text += '[' + std::string(full, '#') + std::string(room - full, '.') + "] ";
         }
-        text += std::to_string(100 * done / mSize) + " % ";
+        text += std::to_string(100 * done / progress.size) + " % ";
     }
-    mTerminal << '\r' << text << requests << " requests\x1b[K" << std::flush;
+    mTerminal << '\r' << text << progress.count << ' ' << progress.unit << "\x1b[K" << std::flush;
+    mIsShown = true;
 }
 
 } // namespace qe::tool

@@ -1,31 +1,32 @@
 #ifndef TOOLKIT_BATCH_PROGRESSBAR_H
 #define TOOLKIT_BATCH_PROGRESSBAR_H
 
+#include "Toolkit/Text/Progress.h"
+
 #include <chrono>
-#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 
 namespace qe::tool {
 
-/// Shows on one line of a terminal how far a batch is, a few times a second.
+/// Shows on one line of a terminal how far some work is, a few times a second.
 class ProgressBar
 {
 public:
-    /// Refers to the stream. A size of 0 is not known: then only requests are counted.
-    ProgressBar(std::ostream& terminal, int width, std::uint64_t size);
+    /// Refers to the stream. Shows nothing before the delay is over.
+    ProgressBar(std::ostream& terminal, int width, std::chrono::milliseconds delay = {});
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
-    /// Clears the line.
+    /// Clears the line, if anything was shown.
     ~ProgressBar();
 
-    void Show(std::uint64_t done, std::size_t requests);
+    void Show(const Progress& progress);
 
 private:
     std::ostream& mTerminal;
     std::uint64_t mWidth;
-    std::uint64_t mSize;
-    std::chrono::steady_clock::time_point mNext{};
+    bool mIsShown = false;
+    std::chrono::steady_clock::time_point mNext;
 };
 
 } // namespace qe::tool

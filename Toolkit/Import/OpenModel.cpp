@@ -87,12 +87,12 @@ ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& opti
 
 ToolModel ImportSqlite(const std::filesystem::path& path, const ImportOptions& options)
 {
-    return MakeModel(ReadSqliteFile(path), options);
+    return MakeModel(ReadSqliteFile(path, options.observer), options);
 }
 
 ToolModel ImportSql(const std::vector<std::filesystem::path>& paths, const ImportOptions& options)
 {
-    return MakeModel(ReadSqlScripts(paths), options);
+    return MakeModel(ReadSqlScripts(paths, options.observer), options);
 }
 
 } // namespace qe::tool

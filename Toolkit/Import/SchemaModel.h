@@ -3,6 +3,7 @@
 
 #include "Toolkit/Import/DatabaseSchema.h"
 #include "Toolkit/Model/ToolModel.h"
+#include "Toolkit/Text/Progress.h"
 
 namespace qe::tool {
 
@@ -19,6 +20,8 @@ enum class ERoles
 struct ImportOptions
 {
     ERoles roles = ERoles::Plain;
+    /// Is told how far the reading of statements and tables is.
+    ProgressObserver observer{};
 };
 
 /// Returns the model of a database, whatever its schema was read from: a namespace called after the

@@ -1,6 +1,7 @@
 #include "Toolkit/Import/SqlScript.h"
 
 #include "Engine/Services/Characters.h"
+#include "Toolkit/Import/ScriptDatabase.h"
 #include "Toolkit/Import/SqliteDatabase.h"
 #include "Toolkit/Import/SqliteSchema.h"
 #include "Toolkit/Text/InputFile.h"
@@ -8,6 +9,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <string_view>
 
@@ -32,14 +34,25 @@ std::size_t SkipSpace(std::string_view text, std::size_t offset)
     return text.find_first_not_of(" \t\r\n;", offset);
 }
 
-void Execute(SqliteDatabase& database, const std::filesystem::path& path)
+/// Returns the text of a script. Throws an InputError when it cannot be one.
+std::string ReadScript(const std::filesystem::path& path)
 {
-    const std::string text = ReadInputFile(path, kMaximumScriptSize);
+    std::string text = ReadInputFile(path, kMaximumScriptSize);
     if (text.find('\0') != std::string::npos)
         throw InputError({{DescribePlace(path, text, text.find('\0')),
                            "a zero byte stands here; not valid SQL"}});
+    return text;
+}
+
+void Execute(ScriptDatabase& database, const std::filesystem::path& path, const std::string& text,
+             const ProgressObserver& observer)
+{
+    std::uint64_t statements = 0;
     std::size_t offset = SkipSpace(text, 0);
     while (offset != std::string::npos) {
+        if (observer)
+            observer(
+                {.done = offset, .size = text.size(), .count = statements++, .unit = "statements"});
         try {
             offset = SkipSpace(text, database.ExecuteFirst(text, offset));
         } catch (const SqliteError& error) {
@@ -51,14 +64,16 @@ void Execute(SqliteDatabase& database, const std::filesystem::path& path)
 
 } // namespace
 
-DatabaseSchema ReadSqlScripts(const std::vector<std::filesystem::path>& paths)
+DatabaseSchema ReadSqlScripts(const std::vector<std::filesystem::path>& paths,
+                              const ProgressObserver& observer)
 {
-    SqliteDatabase database = SqliteDatabase::OpenMemory();
+    std::deque<std::string> texts;
+    ScriptDatabase database;
     for (const std::filesystem::path& path : paths)
-        Execute(database, path);
+        Execute(database, path, texts.emplace_back(ReadScript(path)), observer);
     const std::string name = paths.empty() ? std::string() : paths.front().stem().string();
     try {
-        DatabaseSchema schema = ReadSqliteSchema(database);
+        DatabaseSchema schema = ReadSqliteSchema(database.GetParts(), observer);
         schema.name = name;
         return schema;
     } catch (const SqliteError& error) {

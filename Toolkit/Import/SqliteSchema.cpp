@@ -21,47 +21,58 @@ using Names = std::vector<std::string>;
 class SchemaReader
 {
 public:
-    explicit SchemaReader(const SqliteDatabase& database) : mDatabase(database) {}
+    explicit SchemaReader(std::span<const SqliteDatabase> databases) : mDatabases(databases) {}
 
-    DatabaseSchema Read()
+    DatabaseSchema Read(const ProgressObserver& observer)
     {
-        for (const std::string& name : ReadTableNames())
-            AddTable(name);
+        const auto tables = ListTables();
+        std::uint64_t done = 0;
+        for (const auto& [name, database] : tables) {
+            if (observer)
+                observer({.done = done, .size = tables.size(), .count = done, .unit = "tables"});
+            ++done;
+            AddTable(name, *database);
+        }
         return std::move(mSchema);
     }
 
 private:
-    Names ReadTableNames() const
+    /// Returns the names of all tables, sorted, with the databases that hold them.
+    std::vector<std::pair<std::string, const SqliteDatabase*>> ListTables() const
     {
-        Names names;
-        SqliteQuery query(mDatabase, "SELECT name FROM pragma_table_list WHERE schema = 'main' AND "
-                                     "type IN ('table', 'view', 'virtual') AND name NOT LIKE "
-                                     "'sqlite\\_%' ESCAPE '\\' ORDER BY name");
-        while (query.Next())
-            names.push_back(query.GetText(0));
-        return names;
+        std::vector<std::pair<std::string, const SqliteDatabase*>> tables;
+        for (const SqliteDatabase& database : mDatabases) {
+            SqliteQuery query(database,
+                              "SELECT name FROM pragma_table_list WHERE schema = 'main' AND type "
+                              "IN ('table', 'view', 'virtual') AND name NOT LIKE 'sqlite\\_%' "
+                              "ESCAPE '\\'");
+            while (query.Next())
+                tables.emplace_back(query.GetText(0), &database);
+        }
+        std::sort(tables.begin(), tables.end());
+        return tables;
     }
 
-    void AddTable(const std::string& name)
+    void AddTable(const std::string& name, const SqliteDatabase& database)
     {
         SchemaTable table{.name = name};
         try {
-            ReadColumns(table);
+            ReadColumns(table, database);
         } catch (const SqliteError& error) {
             mSchema.notes.push_back("left out what cannot be read (" + std::string(error.what()) +
                                     "): " + name);
             return;
         }
-        ReadUniqueIndices(table);
-        ReadForeignKeys(table);
+        ReadUniqueIndices(table, database);
+        ReadForeignKeys(table, database);
         mSchema.tables.push_back(std::move(table));
     }
 
-    void ReadColumns(SchemaTable& table) const
+    static void ReadColumns(SchemaTable& table, const SqliteDatabase& database)
     {
         std::map<std::int64_t, std::string> primaryKey;
         SqliteQuery query(
-            mDatabase, "SELECT name, \"notnull\", pk FROM pragma_table_xinfo(?) WHERE hidden <> 1");
+            database, "SELECT name, \"notnull\", pk FROM pragma_table_xinfo(?) WHERE hidden <> 1");
         query.Bind(1, table.name);
         while (query.Next()) {
             const std::int64_t keyPosition = query.GetNumber(2);
@@ -77,15 +88,15 @@ private:
             table.keys.push_back(std::move(key));
     }
 
-    void ReadUniqueIndices(SchemaTable& table) const
+    static void ReadUniqueIndices(SchemaTable& table, const SqliteDatabase& database)
     {
-        SqliteQuery indices(mDatabase, "SELECT name FROM pragma_index_list(?) WHERE \"unique\" AND "
-                                       "NOT partial ORDER BY name");
+        SqliteQuery indices(database, "SELECT name FROM pragma_index_list(?) WHERE \"unique\" AND "
+                                      "NOT partial ORDER BY name");
         indices.Bind(1, table.name);
         while (indices.Next()) {
             Names key;
             bool isOnExpression = false;
-            SqliteQuery columns(mDatabase, "SELECT name FROM pragma_index_info(?) ORDER BY seqno");
+            SqliteQuery columns(database, "SELECT name FROM pragma_index_info(?) ORDER BY seqno");
             columns.Bind(1, indices.GetText(0));
             while (columns.Next()) {
                 isOnExpression = isOnExpression || columns.IsNull(0);
@@ -98,11 +109,11 @@ private:
         }
     }
 
-    void ReadForeignKeys(SchemaTable& table) const
+    static void ReadForeignKeys(SchemaTable& table, const SqliteDatabase& database)
     {
         // SQLite numbers the keys of a table from the last one backwards.
-        SqliteQuery query(mDatabase, "SELECT id, \"table\", \"from\", \"to\" FROM "
-                                     "pragma_foreign_key_list(?) ORDER BY id DESC, seq");
+        SqliteQuery query(database, "SELECT id, \"table\", \"from\", \"to\" FROM "
+                                    "pragma_foreign_key_list(?) ORDER BY id DESC, seq");
         query.Bind(1, table.name);
         std::optional<std::int64_t> lastId;
         while (query.Next()) {
@@ -116,24 +127,26 @@ private:
         }
     }
 
-    const SqliteDatabase& mDatabase;
+    std::span<const SqliteDatabase> mDatabases;
     DatabaseSchema mSchema;
 };
 
 } // namespace
 
-DatabaseSchema ReadSqliteSchema(const SqliteDatabase& database)
+DatabaseSchema ReadSqliteSchema(std::span<const SqliteDatabase> databases,
+                                const ProgressObserver& observer)
 {
-    return SchemaReader(database).Read();
+    return SchemaReader(databases).Read(observer);
 }
 
-DatabaseSchema ReadSqliteFile(const std::filesystem::path& path)
+DatabaseSchema ReadSqliteFile(const std::filesystem::path& path, const ProgressObserver& observer)
 {
     std::error_code failure;
     if (std::filesystem::is_directory(path, failure))
         throw InputError({{path.string(), "is a folder, not a database"}});
     try {
-        DatabaseSchema schema = ReadSqliteSchema(SqliteDatabase::OpenFile(path));
+        const SqliteDatabase database = SqliteDatabase::OpenFile(path);
+        DatabaseSchema schema = ReadSqliteSchema({&database, 1}, observer);
         schema.name = path.stem().string();
         return schema;
     } catch (const SqliteError& error) {

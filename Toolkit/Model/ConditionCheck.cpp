@@ -93,7 +93,7 @@ std::vector<std::string> ConditionCheck::Suggest(const Names& names) const
         return SuggestParents(wrong);
     // Outside all namespaces the first of two names is the subject's.
     const std::size_t subjectIndex = wrong.size() - 2;
-    const amd_id space = wrong.size() == 3 ? FindNamespace(wrong[0]) : amd_id();
+    const amd_id space = wrong.size() == 3 ? mModel->FindNamespace(wrong[0]) : amd_id();
     if (wrong.size() == 3 && space == amd_id())
         return ReplaceOne(wrong, 0, NamesOf(mModel->GetIds(model::IdClassNamespace)));
 
@@ -122,15 +122,6 @@ std::vector<std::string> ConditionCheck::SuggestParents(const QualifiedName& nam
         complete.push_back(model::ToReferenceText(name));
     }
     return complete;
-}
-
-amd_id ConditionCheck::FindNamespace(const std::string& name) const
-{
-    for (const amd_id& id : mModel->GetIds(model::IdClassNamespace)) {
-        if (mModel->Find(id)->name == name)
-            return id;
-    }
-    return {};
 }
 
 std::vector<std::string_view> ConditionCheck::NamesOf(std::span<const amd_id> ids) const

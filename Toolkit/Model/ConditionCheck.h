@@ -37,7 +37,6 @@ private:
     [[nodiscard]] std::vector<std::string> Suggest(const Names& names) const;
     /// Returns the names completed by those of the parents that such subjects have.
     [[nodiscard]] std::vector<std::string> SuggestParents(const model::QualifiedName& names) const;
-    [[nodiscard]] amd_id FindNamespace(const std::string& name) const;
     [[nodiscard]] std::vector<std::string_view> NamesOf(std::span<const amd_id> ids) const;
 
     std::shared_ptr<const model::Model> mModel;

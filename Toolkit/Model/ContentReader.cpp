@@ -290,10 +290,20 @@ bool ContentReader::ReadPlainName(const PlacedJson& json, std::int32_t classCode
         return false;
     mContent.objects.push_back({.classCode = classCode,
                                 .pointer = json.pointer,
-                                .namePointer = json.pointer,
+                                .isPlainName = true,
                                 .parent = parent,
                                 .name = ReadText(json, *mProblems).value_or("")});
     return true;
+}
+
+void ContentReader::RecordId(ContentObject& object)
+{
+    const auto [owner, isNew] = mIdOwners.emplace(object.options.id, object.pointer);
+    if (isNew)
+        return;
+    mProblems->Add(ChildPointer(object.pointer, keys::kId),
+                   "is the id of another object of this kind: " + owner->second);
+    object.options.id = {};
 }
 
 std::size_t ContentReader::Add(JsonObject& json, std::int32_t classCode, std::size_t parent)
@@ -301,18 +311,13 @@ std::size_t ContentReader::Add(JsonObject& json, std::int32_t classCode, std::si
     ContentObject object;
     object.classCode = classCode;
     object.pointer = json.GetPointer();
-    object.namePointer = ChildPointer(object.pointer, keys::kName);
     object.parent = parent;
     object.name = json.GetText(keys::kName, EPresence::Required);
     object.options.id = ReadId(json.Find(keys::kId), classCode, *mProblems);
     object.options.displayName = json.GetText(keys::kDisplayName);
     object.options.locale = json.GetText(keys::kLocale);
-    const auto [owner, isNew] = mIdOwners.emplace(object.options.id, object.pointer);
-    if (object.options.id != amd_id() && !isNew) {
-        mProblems->Add(ChildPointer(object.pointer, keys::kId),
-                       "is the id of another object of this kind: " + owner->second);
-        object.options.id = {};
-    }
+    if (object.options.id != amd_id())
+        RecordId(object);
     mContent.objects.push_back(std::move(object));
     return mContent.objects.size() - 1;
 }

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
@@ -26,8 +27,8 @@ struct ContentObject
     std::int32_t classCode = 0;
     /// Where the file describes it.
     std::string pointer{};
-    /// Where the file names it.
-    std::string namePointer{};
+    /// Whether its name is all that the file says of it.
+    bool isPlainName = false;
     /// The position of its parent, which comes before it.
     std::size_t parent = kNoParent;
     std::string name{};
@@ -45,7 +46,8 @@ struct ModelContent
     std::string locale = "en";
     std::vector<std::string> userClasses{};
     AQE_Governors governors{};
-    std::vector<ContentObject> objects{};
+    /// There are many, and they are large: a deque never moves them.
+    std::deque<ContentObject> objects{};
 };
 
 /// The values of model files that can be written in more than one form. What is missing or wrong is
@@ -97,6 +99,8 @@ private:
     /// Reads an object that may be written as its mere name. Returns whether it was.
     [[nodiscard]] bool ReadPlainName(const PlacedJson& json, std::int32_t classCode,
                                      std::size_t parent);
+    /// Refuses and removes the id of an object when an earlier one has it.
+    void RecordId(ContentObject& object);
     /// Starts an object with what every object has. Returns its position.
     std::size_t Add(JsonObject& json, std::int32_t classCode, std::size_t parent);
 

@@ -21,7 +21,7 @@ std::string PlaceOf(const ContentObject& object, EAspect aspect)
     case EAspect::Id:
         return ChildPointer(object.pointer, keys::kId);
     case EAspect::Name:
-        return object.namePointer;
+        return object.isPlainName ? object.pointer : ChildPointer(object.pointer, keys::kName);
     case EAspect::Target:
         return ChildPointer(object.pointer, keys::kTarget);
     case EAspect::LeftEnd:

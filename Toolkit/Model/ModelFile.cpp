@@ -22,8 +22,7 @@ ToolModel ReadModelFile(const std::filesystem::path& path)
 ToolModel ReadModelText(std::string_view text, const std::string& fileName)
 {
     JsonProblems problems(fileName);
-    const nlohmann::json document = ParseJson(text, problems);
-    ModelContent content = ContentReader(problems).Read(document);
+    ModelContent content = ContentReader(problems).Read(ParseJson(text, problems));
 
     ModelAssembler assembler(content, problems);
     ToolModel result;

@@ -105,19 +105,18 @@ JsonObject::JsonObject(const PlacedJson& json, JsonProblems& problems)
 PlacedJson JsonObject::Find(std::string_view key, EPresence presence)
 {
     mKnownKeys.push_back(key);
-    PlacedJson found{nullptr, ChildPointer(mPointer, key)};
     if (mObject == nullptr) {
-        mProblems->MarkReported(found.pointer);
-        return found;
+        mProblems->MarkReported(ChildPointer(mPointer, key));
+        return {};
     }
     const auto member = mObject->find(key);
-    if (member != mObject->end()) {
-        found.value = &*member;
-    } else if (presence == EPresence::Required) {
+    if (member != mObject->end())
+        return {&*member, ChildPointer(mPointer, key)};
+    if (presence == EPresence::Required) {
         mProblems->Add(mPointer, "lacks the key \"" + std::string(key) + '"');
-        mProblems->MarkReported(found.pointer);
+        mProblems->MarkReported(ChildPointer(mPointer, key));
     }
-    return found;
+    return {};
 }
 
 std::string JsonObject::GetText(std::string_view key, EPresence presence)

@@ -51,7 +51,7 @@ public:
 
     [[nodiscard]] const std::string& GetPointer() const { return mPointer; }
 
-    /// Returns the value of a key; its `value` is null when there is none.
+    /// Returns the value of a key; its `value` is null, its pointer empty, when there is none.
     [[nodiscard]] PlacedJson Find(std::string_view key, EPresence presence = EPresence::Optional);
     /// Returns the text of a key; empty when there is none.
     [[nodiscard]] std::string GetText(std::string_view key,

@@ -58,7 +58,10 @@ void JsonProblems::ThrowIfAny() const
 
 std::string ChildPointer(const std::string& pointer, std::string_view key)
 {
-    std::string child = pointer + '/';
+    std::string child;
+    child.reserve(pointer.size() + 1 + key.size());
+    child += pointer;
+    child += '/';
     for (const char letter : key) {
         if (letter == '~')
             child += "~0";

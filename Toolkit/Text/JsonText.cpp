@@ -6,7 +6,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <set>
+#include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace qe::tool {
@@ -31,83 +32,109 @@ std::string PlaceOf(std::string_view text, std::size_t offset, const std::string
     return documentName + ':' + std::to_string(line) + ':' + std::to_string(column);
 }
 
-/// Follows the parser through the text, which knows neither where in the document it is nor
-/// whether a key has been there before.
-class DocumentWalk
+/// Puts together the document that a parser reads. It knows, which the parser does not, where in
+/// the document it is and whether a key has been there before.
+class DocumentBuilder
 {
 public:
-    explicit DocumentWalk(JsonProblems& problems) : mProblems(&problems) {}
+    explicit DocumentBuilder(JsonProblems& problems) : mProblems(&problems) {}
 
-    void Step(json::parse_event_t event, const json& parsed)
-    {
-        switch (event) {
-        case json::parse_event_t::object_start:
-        case json::parse_event_t::array_start:
-            CountElement();
-            Enter(event);
-            break;
-        case json::parse_event_t::key:
-            RecordKey(parsed.get_ref<const std::string&>());
-            break;
-        case json::parse_event_t::value:
-            CountElement();
-            break;
-        default:
-            mLevels.pop_back();
-        }
-    }
+    [[nodiscard]] json TakeDocument() { return std::move(mDocument); }
 
     /// Returns the pointer to the value that comes next.
     [[nodiscard]] std::string GetNextPointer() const
     {
         std::string pointer = GetPointer();
-        if (!mLevels.empty() && mLevels.back().isList)
-            pointer = ChildPointer(pointer.substr(0, pointer.rfind('/')), mLevels.back().elements);
+        if (!mLevels.empty() && mLevels.back().value->is_array())
+            pointer =
+                ChildPointer(pointer.substr(0, pointer.rfind('/')), mLevels.back().value->size());
         return pointer;
+    }
+
+    // What the parser calls; it goes on when they return true.
+    bool null() { return AddValue(nullptr); }
+    bool boolean(bool value) { return AddValue(value); }
+    bool number_integer(std::int64_t value) { return AddValue(value); }
+    bool number_unsigned(std::uint64_t value) { return AddValue(value); }
+    bool number_float(double value, const std::string& /*text*/) { return AddValue(value); }
+    bool string(std::string& value) { return AddValue(std::move(value)); }
+    bool binary(json::binary_t& value) { return AddValue(std::move(value)); }
+    bool start_object(std::size_t /*size*/) { return Enter(json::object()); }
+    bool start_array(std::size_t /*size*/) { return Enter(json::array()); }
+    bool end_object() { return Leave(); }
+    bool end_array() { return Leave(); }
+
+    bool key(std::string& name)
+    {
+        Level& level = mLevels.back();
+        const auto [member, isNew] =
+            level.value->get_ref<json::object_t&>().try_emplace(std::move(name));
+        level.key = &member->first;
+        level.member = &member->second;
+        if (!isNew)
+            mProblems->Add(GetPointer(), "key is given twice: \"" + member->first + '"');
+        return true;
+    }
+
+    template <typename Failure>
+    bool parse_error(std::size_t /*position*/, const std::string& /*token*/, const Failure& failure)
+    {
+        throw failure;
     }
 
 private:
     struct Level
     {
-        bool isList;
-        std::size_t elements = 0;
-        std::string key{};
-        std::set<std::string> keys{};
+        json* value;
+        /// In an object, what was named last.
+        const std::string* key = nullptr;
+        json* member = nullptr;
     };
 
-    void CountElement()
+    json& Place(json value)
     {
-        if (!mLevels.empty() && mLevels.back().isList)
-            ++mLevels.back().elements;
+        if (mLevels.empty())
+            return mDocument = std::move(value);
+        const Level& level = mLevels.back();
+        if (level.value->is_array())
+            return level.value->emplace_back(std::move(value));
+        return *level.member = std::move(value);
     }
 
-    void Enter(json::parse_event_t event)
+    bool AddValue(json value)
     {
+        Place(std::move(value));
+        return true;
+    }
+
+    bool Enter(json value)
+    {
+        json& placed = Place(std::move(value));
         if (mLevels.size() == kMaximumDepth)
             throw InputError(
                 {{mProblems->ToPlace(GetPointer()),
                   "is nested too deep: more than " + std::to_string(kMaximumDepth) + " levels"}});
-        mLevels.push_back({event == json::parse_event_t::array_start});
+        mLevels.push_back({&placed});
+        return true;
     }
 
-    void RecordKey(const std::string& key)
+    bool Leave()
     {
-        Level& level = mLevels.back();
-        level.key = key;
-        if (!level.keys.insert(key).second)
-            mProblems->Add(GetPointer(), "key is given twice: \"" + key + '"');
+        mLevels.pop_back();
+        return true;
     }
 
     [[nodiscard]] std::string GetPointer() const
     {
         std::string pointer;
         for (const Level& level : mLevels)
-            pointer = level.isList ? ChildPointer(pointer, level.elements - 1)
-                                   : ChildPointer(pointer, level.key);
+            pointer = level.value->is_array() ? ChildPointer(pointer, level.value->size() - 1)
+                                              : ChildPointer(pointer, *level.key);
         return pointer;
     }
 
     JsonProblems* mProblems;
+    json mDocument;
     std::vector<Level> mLevels;
 };
 
@@ -151,12 +178,10 @@ std::string Render(const ordered_json& value, std::size_t indent, std::size_t le
 
 json ParseJson(std::string_view text, JsonProblems& problems)
 {
-    DocumentWalk walk(problems);
+    DocumentBuilder builder(problems);
     try {
-        return json::parse(text, [&walk](int, json::parse_event_t event, json& parsed) {
-            walk.Step(event, parsed);
-            return true;
-        });
+        json::sax_parse(text, &builder);
+        return builder.TakeDocument();
     } catch (const json::parse_error& error) {
         const std::size_t offset = error.byte == 0 ? 0 : error.byte - 1;
         const std::string& documentName = problems.GetDocumentName();
@@ -164,7 +189,7 @@ json ParseJson(std::string_view text, JsonProblems& problems)
                            documentName.empty() ? "not valid JSON" : Reason(error)}});
     } catch (const json::exception& error) {
         // A number that no number type holds.
-        throw InputError({{problems.ToPlace(walk.GetNextPointer()), Reason(error)}});
+        throw InputError({{problems.ToPlace(builder.GetNextPointer()), Reason(error)}});
     }
 }
 

@@ -1,10 +1,13 @@
 #include "Tools/qerefine/Command.h"
 
+#include "Toolkit/Batch/ProgressBar.h"
 #include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Model/ModelFile.h"
 #include "Tools/qerefine/CommandOptions.h"
 
+#include <chrono>
 #include <fstream>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -45,14 +48,32 @@ void AddSqliteOptions(CLI::App& command, Options& options)
     command.get_option("FILE")->expected(1);
 }
 
-ToolModel RunSqlite(const Options& options, const CommandContext& /*context*/)
+/// Runs an import; on a terminal, one that takes long is followed by a bar.
+template <typename Import>
+ToolModel RunImport(const Options& options, const CommandContext& context, const Import& import)
 {
-    return ImportSqlite(options.files.front(), options.import);
+    constexpr std::chrono::seconds kDelay(1);
+    ImportOptions importOptions = options.import;
+    std::optional<ProgressBar> bar;
+    if (context.terminal.error == Terminal::EStream::Terminal) {
+        bar.emplace(context.error, context.terminal.width, kDelay);
+        importOptions.observer = [&bar](const Progress& progress) { bar->Show(progress); };
+    }
+    return import(importOptions);
 }
 
-ToolModel RunSql(const Options& options, const CommandContext& /*context*/)
+ToolModel RunSqlite(const Options& options, const CommandContext& context)
 {
-    return ImportSql({options.files.begin(), options.files.end()}, options.import);
+    return RunImport(options, context, [&options](const ImportOptions& importOptions) {
+        return ImportSqlite(options.files.front(), importOptions);
+    });
+}
+
+ToolModel RunSql(const Options& options, const CommandContext& context)
+{
+    return RunImport(options, context, [&options](const ImportOptions& importOptions) {
+        return ImportSql({options.files.begin(), options.files.end()}, importOptions);
+    });
 }
 
 EExitCode Report(const Options& options, const ToolModel& imported, const CommandContext& context)

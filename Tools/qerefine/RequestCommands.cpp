@@ -118,9 +118,10 @@ BatchSummary RunRequests(const BatchCommandOptions& options, const CommandContex
     batch.stop = &interrupt.GetFlag();
     std::optional<ProgressBar> bar;
     if (context.terminal.error == Terminal::EStream::Terminal) {
-        bar.emplace(context.error, context.terminal.width, requests.GetSize());
-        batch.observer = [&bar](const BatchSummary& soFar) {
-            bar->Show(soFar.bytes, soFar.requests);
+        bar.emplace(context.error, context.terminal.width);
+        batch.observer = [&bar, size = requests.GetSize()](const BatchSummary& soFar) {
+            bar->Show(
+                {.done = soFar.bytes, .size = size, .count = soFar.requests, .unit = "requests"});
         };
     }
     const BatchOutput output{.stream = context.output,

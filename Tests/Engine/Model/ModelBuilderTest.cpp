@@ -6,8 +6,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <limits>
 #include <random>
 #include <set>
+#include <utility>
+#include <vector>
 
 namespace qe::model {
 namespace {
@@ -37,6 +41,28 @@ TEST_F(ModelBuilderTest, NumbersEachClassInOrderAroundTakenIds)
     EXPECT_THAT(mBuilder.Build()->GetIds(IdClassQuerySubject),
                 ElementsAre(given, mA, mB, amd_id(0, IdClassQuerySubject, 3),
                             amd_id(0, IdClassQuerySubject, 5), amd_id(0, IdClassQuerySubject, 6)));
+}
+
+TEST(ObjectTableTest, FindsIdsHoweverTheirNumbersLie)
+{
+    constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+    const std::set<amd_id> ids{{0, 100, kLeast}, {0, 100, -1}, {0, 100, 1}, {0, 100, 2},
+                               {0, 100, 3},      {0, 101, 4},  {1, 101, 5}, {1, 101, kMost}};
+    std::vector<ObjectRecord> records;
+    for (auto id = ids.rbegin(); id != ids.rend(); ++id)
+        records.push_back({.id = *id});
+    const ObjectTable table(std::move(records));
+    for (const std::int32_t domain : {-1, 0, 1}) {
+        for (const std::int32_t classCode : {99, 100, 101, 102}) {
+            for (const std::int32_t number : {kLeast, -1, 0, 1, 2, 3, 4, 5, 6, kMost}) {
+                const amd_id id(domain, classCode, number);
+                const ObjectRecord* const found = table.Find(id);
+                ASSERT_EQ(found != nullptr, ids.count(id) != 0) << ToText(id);
+                EXPECT_TRUE(found == nullptr || found->id == id) << ToText(id);
+            }
+        }
+    }
 }
 
 TEST_F(ModelBuilderTest, FollowsNamesToObjectsAddedLater)
