@@ -31,8 +31,9 @@ extern template class QEREFINER_EXPORT AUT_RefPtr<AQE_I_Refiner>;
 /// - `nodes`, `joins`: the query subjects, shortcuts and joins that may be used at all;
 /// - `favouredSubjects`: query subjects whose joins are made cheaper.
 ///
-/// Every operation builds the join graph of its request afresh; each join is read from the gateway
-/// once in a request that has a join cache. How long the search for trees takes is up to the graph
+/// In a request that has a join cache each join is read from the gateway once, and an operation
+/// with the nodes and joins of the one before it goes on with the join graph of that one; otherwise
+/// it builds its own. How long the search for trees takes is up to the graph
 /// (AQE_I_UndirectedGraph), and the paths between two sets take one search for each pair.
 ///
 /// Exceptions of the gateway, of the selector and of the engine's services pass through.

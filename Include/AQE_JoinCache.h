@@ -5,12 +5,21 @@
 #include "QEREFINER_EXPORT.h"
 #include "amd_id.h"
 
+#include <cstdint>
 #include <map>
-#include <set>
+#include <memory>
+#include <memory_resource>
 #include <vector>
 
+namespace qe {
+class CandidateShelf;
+class JoinCacheAccess;
+} // namespace qe
+
 /// Keeps, for the life of one request, the joins that were read and the join paths that were
-/// chosen. Entries are added and replaced, never dropped. One thread at a time uses a cache.
+/// chosen. Entries are added and replaced, never dropped. Refiners also keep the candidate graph of
+/// their last operation here, for the next one with the same candidates. One thread at a time uses
+/// a cache.
 class QEREFINER_EXPORT AQE_JoinCache
 {
 public:
@@ -45,10 +54,17 @@ public:
     [[nodiscard]] std::vector<std::vector<amd_id>> GetAllJoinPaths();
 
 private:
-    using JoinPathKey = std::set<amd_id>;
+    friend qe::JoinCacheAccess;
+    /// A set of ids, in order and each once.
+    using JoinPathKey = std::vector<amd_id>;
 
-    std::map<amd_id, QEjoinInfo> mJoinInfos;
+    /// What the joins live in: thousands that are never dropped one by one.
+    std::pmr::monotonic_buffer_resource mMemory;
+    std::pmr::map<amd_id, QEjoinInfo> mJoinInfos{&mMemory};
     std::map<JoinPathKey, std::vector<amd_id>> mJoinPaths;
+    /// How often a join was replaced by another.
+    std::uint64_t mReplacedCount = 0;
+    std::shared_ptr<qe::CandidateShelf> mShelf;
 };
 
 #endif

@@ -100,7 +100,7 @@ public:
     virtual void GetPaths(std::vector<std::vector<amd_id>>& paths) = 0;
 
     /// Appends all trees of least weight that connect the given nodes, sets `weight` to that
-    /// weight and gives true. Only given nodes are leaves of a tree. When the nodes cannot be
+    /// weight and returns true. Only given nodes are leaves of a tree. When the nodes cannot be
     /// connected, because there is no path or one of them is not in the graph, nothing is
     /// appended, `weight` is -1 and the result false. Repeated nodes count once; one node alone
     /// is connected by the empty tree of weight 0, and so is none.
@@ -114,17 +114,19 @@ public:
     /// (1,000), and the search to "CheapestTreesEffort" million steps of work (1,000) and
     /// "CheapestTreesMegabytes" of working memory (1,024). Steps are counted, not timed, so the
     /// answer is the same on every machine under any load, unless a host sets
-    /// "CheapestTreesSeconds" (0, none) as a guard. Where there are more trees, the log holds their
-    /// number. Where the search was ended by a limit, one good tree is the answer, and the log
-    /// holds its weight and the weight below which it is proven that there is none. In either case
-    /// the log names the limit.
+    /// "CheapestTreesSeconds" (0, none) as a guard. Where there are more trees than are listed, the
+    /// log holds their number, or the number that there are at least. Where a limit ended the
+    /// search, or more than 512 of the nodes lie in one part without cut vertices, the answer is a
+    /// good tree, with what parallel edges make of it, and the log holds its weight and the weight
+    /// below which it is proven that there is none. In either case the log names the limit.
     virtual bool GetCheapestTrees(const std::vector<amd_id>& nodes,
                                   std::vector<std::vector<amd_id>>& trees, int& weight) = 0;
 
     /// Appends the edges of one tree that connects the given nodes, in the order of
-    /// GetCheapestTrees and always the same one; nothing when they cannot be connected. It is a
-    /// tree of least weight, unless proving that takes more than a hundredth of
-    /// "CheapestTreesEffort"; then it is a light one.
+    /// GetCheapestTrees and, without "CheapestTreesSeconds", always the same one; nothing when they
+    /// cannot be connected. It is a tree of least weight, unless proving that takes more than a
+    /// hundredth of "CheapestTreesEffort" or hits another limit of GetCheapestTrees; then it is a
+    /// light one.
     virtual void GetTreeEdges(const std::vector<amd_id>& nodes, std::vector<amd_id>& edgesOut) = 0;
 };
 

@@ -1,14 +1,21 @@
 #include "AQE_JoinCache.h"
 
+#include "Joins/JoinCacheAccess.h"
+
+#include <algorithm>
+
 namespace {
 
-std::set<amd_id> MakeKey(const std::vector<amd_id>& querySubjects,
-                         const std::vector<amd_id>& favouredJoins,
-                         const std::vector<amd_id>& requiredJoins)
+std::vector<amd_id> MakeKey(const std::vector<amd_id>& querySubjects,
+                            const std::vector<amd_id>& favouredJoins,
+                            const std::vector<amd_id>& requiredJoins)
 {
-    std::set<amd_id> key(querySubjects.begin(), querySubjects.end());
-    key.insert(favouredJoins.begin(), favouredJoins.end());
-    key.insert(requiredJoins.begin(), requiredJoins.end());
+    std::vector<amd_id> key;
+    key.reserve(querySubjects.size() + favouredJoins.size() + requiredJoins.size());
+    for (const auto* const ids : {&querySubjects, &favouredJoins, &requiredJoins})
+        key.insert(key.end(), ids->begin(), ids->end());
+    std::sort(key.begin(), key.end());
+    key.erase(std::unique(key.begin(), key.end()), key.end());
     return key;
 }
 
@@ -30,7 +37,7 @@ bool AQE_JoinCache::GetJoinInfo(const amd_id& joinId, QEjoinInfo& info) const
 void AQE_JoinCache::CacheJoinInfo(const amd_id& joinId, QEjoinInfo& info)
 {
     // Copied first: when memory runs out the cache must not be left with half a join.
-    mJoinInfos.insert_or_assign(joinId, QEjoinInfo(info));
+    qe::JoinCacheAccess(*this).Keep(joinId, QEjoinInfo(info));
 }
 
 bool AQE_JoinCache::GetJoinPath(const std::vector<amd_id>& querySubjects,

@@ -2,7 +2,6 @@
 
 #include "AQE_Compatibility.h"
 #include "AQE_JoinCache.h"
-#include "AQE_RequestContext.h"
 #include "Joins/GatewayCalls.h"
 #include "Joins/JoinReader.h"
 #include "Joins/UserSettings.h"
@@ -17,11 +16,6 @@
 template class AUT_RefPtr<AQE_I_Refiner>;
 
 namespace {
-
-AQE_JoinCache* FindJoinCache(const AQE_RequestContext* context)
-{
-    return context == nullptr ? nullptr : context->GetJoinCache();
-}
 
 template <typename T>
 bool ReadFilter(amdi_gateway* gateway, IdClass kind, AQE_I_Refiner::QEFilterInfo& info)
@@ -93,12 +87,12 @@ AUT_RefPtr<AQE_I_Refiner> AQE_I_Refiner::Create(amdi_gateway* gateway,
 bool AQE_I_Refiner::GetJoinInfo(amdi_gateway* gateway, AQE_RequestContext* context,
                                 const amd_id& joinId, QEjoinInfo& info)
 {
-    if (const AQE_JoinCache* cache = FindJoinCache(context);
+    if (const AQE_JoinCache* cache = qe::FindJoinCache(context);
         cache != nullptr && cache->GetJoinInfo(joinId, info))
         return true;
     if (!qe::ReadJoin(gateway, joinId, info))
         return false;
-    if (AQE_JoinCache* cache = FindJoinCache(context); cache != nullptr)
+    if (AQE_JoinCache* cache = qe::FindJoinCache(context); cache != nullptr)
         cache->CacheJoinInfo(joinId, info);
     return true;
 }

@@ -200,14 +200,23 @@ void AQE_JoinTree::Build(const qe::JoinTreeRequest& request, EBuild build)
     const qe::JoinEndsReader endsReader(
         GetServices(), mFavouredSubjects,
         build == EBuild::ConnectOverShortcuts ? EShortcutUse::Consult : EShortcutUse::Ignore);
-    qe::CandidateGraph candidates({.full = *mGraph, .tree = *mTree}, endsReader, mShortcutInfo);
-    candidates.Load(request.nodes, request.joins, request.requiredJoins);
-    if (mConnectivityOnly) {
+    qe::CandidateGraph candidates(endsReader, *mTree);
+    candidates.Load({.nodes = request.nodes,
+                     .joins = request.joins,
+                     .requiredJoins = request.requiredJoins,
+                     .hasShortcutJoins = !mConnectivityOnly});
+    mGraph = candidates.GetGraph();
+    if (mConnectivityOnly)
         mGraph->GetTreeEdges(request.subjects, mConnectingJoins);
-        return;
-    }
+    else
+        Connect(request, build, candidates);
+    mLoan = candidates.TakeLoan();
+    mLoan.Complete();
+}
 
-    NumberNodes(request.nodes);
+void AQE_JoinTree::Connect(const qe::JoinTreeRequest& request, EBuild build,
+                           qe::CandidateGraph& candidates)
+{
     for (const amd_id& subject : request.subjects)
         mTree->AddNode(subject);
     candidates.Favour(request.favouredJoins);
@@ -219,10 +228,12 @@ void AQE_JoinTree::Build(const qe::JoinTreeRequest& request, EBuild build)
 
     if (build == EBuild::TwoSets)
         return;
-    if (mNewAlgo)
+    if (mNewAlgo) {
         CheapestTreesStep();
-    else
-        GrowUnlessConnected(endsReader);
+        return;
+    }
+    NumberNodes(request.nodes);
+    GrowUnlessConnected(candidates.GetEndsReader());
 }
 
 void AQE_JoinTree::NumberNodes(const Ids& nodes)

@@ -3,6 +3,7 @@
 
 #include "AQE_I_UndirectedGraph.h"
 #include "AUT_RefPtr.h"
+#include "JoinTree/CandidateShelf.h"
 #include "JoinTree/JoinTreeRequest.h"
 #include "Joins/JoinInfoReader.h"
 #include "amd_id.h"
@@ -18,6 +19,10 @@ class AQE_I_QuerySubjectShortcutInfo;
 class AQE_RequestContext;
 class amdi_gateway;
 struct AQE_Governors;
+
+namespace qe {
+class CandidateGraph;
+}
 
 /// Decides which joins connect the query subjects of one request.
 ///
@@ -117,6 +122,7 @@ private:
                  const Ids& favouredJoins);
 
     void Build(const qe::JoinTreeRequest& request, EBuild build);
+    void Connect(const qe::JoinTreeRequest& request, EBuild build, qe::CandidateGraph& candidates);
     void NumberNodes(const Ids& nodes);
     void GrowUnlessConnected(const qe::JoinEndsReader& endsReader);
     void CheapestTreesStep();
@@ -146,6 +152,8 @@ private:
     bool mConnectivityOnly = false;
     Ids mConnectingJoins;
     std::set<amd_id> mFavouredSubjects;
+    /// What mGraph belongs to.
+    qe::CandidateLoan mLoan;
 };
 
 #endif

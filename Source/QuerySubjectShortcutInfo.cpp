@@ -5,6 +5,7 @@
 #include "I18NConverter.h"
 #include "IdClass.h"
 #include "Joins/HostNumbers.h"
+#include "Joins/JoinReader.h"
 #include "QERes.h"
 
 #include <cstdint>
@@ -51,10 +52,11 @@ void AQE_QuerySubjectShortcutInfo::Initialize(const std::vector<amd_id>& querySu
 
 void AQE_QuerySubjectShortcutInfo::RecordJoins(const std::vector<amd_id>& joins)
 {
+    QEjoinInfo space;
     for (const amd_id& join : joins) {
-        QEjoinInfo info;
-        if (AQE_I_Refiner::GetJoinInfo(mGateway, mRequestContext, join, info))
-            mReferences.RecordJoinedReferences(info.leftQuerySubject, info.rightQuerySubject);
+        const QEjoinInfo* const info = qe::FindOrReadJoin(mGateway, mRequestContext, join, space);
+        if (info != nullptr)
+            mReferences.RecordJoinedReferences(info->leftQuerySubject, info->rightQuerySubject);
     }
 }
 

@@ -68,13 +68,13 @@ std::size_t SelectDescriptor(const std::vector<AUT_RefPtr<AQE_I_JoinPathDescript
 /// Returns the chosen path; there must be a candidate. A single one is taken as it is; several are
 /// weighed and ranked and put before the selector.
 Ids ChoosePath(const qe::CandidatePaths& candidates, const qe::RefinerServices& services,
-               const ChoiceRules& rules)
+               const qe::JoinInfoReader& joinInfos, const ChoiceRules& rules)
 {
     if (candidates.paths.size() == 1)
         return candidates.paths.front();
     const auto weighted = qe::WeighPaths(candidates, services);
-    const auto descriptors = qe::DescribePaths(
-        weighted, qe::RankPaths(weighted, rules.ranking, qe::JoinInfoReader(services)));
+    const auto descriptors =
+        qe::DescribePaths(weighted, qe::RankPaths(weighted, rules.ranking, joinInfos));
     Ids chosen;
     descriptors[SelectDescriptor(descriptors, rules)]->GetJoinPath(chosen);
     return chosen;
@@ -154,11 +154,12 @@ void AQE_Refiner::ComputeJoinPath(const Ids& querySubjects, const Ids& favouredJ
     if (mGovernors == nullptr && tree->GetPathWeight(candidates.paths.front()) == kNoWeight)
         return;
 
-    const Ids chosen = ChoosePath(candidates, GetServices(),
+    const Ids chosen = ChoosePath(candidates, GetServices(), qe::JoinInfoReader(GetServices()),
                                   {.selector = mPathSelector,
                                    .ranking = {.useFactTableCount = mUseFactTableCount,
                                                .useStraightestPath = mUseStraightestPath},
                                    .wrongChoice = qe::host::kWrongChoice});
+    // Read anew: the selector may have changed what can be read.
     const Ids readable = qe::JoinInfoReader(GetServices()).KeepReadableJoins(chosen);
     // What stood in the caller's vector belongs to the answer, and to what is remembered of it.
     Ids answer = joinPath;
@@ -234,7 +235,7 @@ void AQE_Refiner::ComputeJoinPathBetween(const Ids& firstSet, const Ids& avoided
         return;
     // Between two groups how straight a path is plays no part.
     const Ids chosen = ChoosePath(
-        candidates, GetServices(),
+        candidates, GetServices(), qe::JoinInfoReader(GetServices()),
         {.selector = mPathSelector,
          .ranking = {.useFactTableCount = mUseFactTableCount, .useStraightestPath = false},
          .wrongChoice = qe::host::kWrongChoiceBetweenGroups});

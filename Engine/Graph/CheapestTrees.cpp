@@ -2,14 +2,17 @@
 
 #include "AQE_LogFile.h"
 #include "AUT_I_UserConfiguration.h"
+#include "Engine/Graph/Core/TerminalRegion.h"
 #include "QERes.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace qe::graph {
 
@@ -23,10 +26,12 @@ const char* ToText(ECount proof)
     return proof == ECount::AtLeast ? "at least " : "";
 }
 
-/// Returns the key of the setting that raises the limit.
+/// Returns the key of the setting that raises the limit, or what else the limit is.
 const char* ToText(ELimit limit)
 {
     switch (limit) {
+    case ELimit::Terminals:
+        return "512 query subjects in one part";
     case ELimit::Effort:
         return kCheapestTreesEffort.key;
     case ELimit::Memory:
@@ -52,6 +57,28 @@ std::string DescribeShortfall(const SteinerResult& result)
              << result.trees.size() << " of " << ToText(result.countProof) << result.count
              << ", weight " << result.weight;
     return text.str();
+}
+
+// Searches where the trees can lie: most requests touch a small part of a large model.
+SteinerResult FindInRegion(const GraphView& graph, std::span<const NodeIndex> nodes,
+                           const SteinerLimits& limits)
+{
+    std::vector<NodeIndex> terminals(nodes.begin(), nodes.end());
+    std::sort(terminals.begin(), terminals.end());
+    terminals.erase(std::unique(terminals.begin(), terminals.end()), terminals.end());
+    if (terminals.size() < 2 || !terminals.back().IsValid())
+        return FindCheapestTrees(graph, terminals, limits);
+    const std::optional<TerminalRegion> region = FindRegion(graph, terminals);
+    if (!region)
+        return {};
+    for (NodeIndex& terminal : terminals)
+        terminal = region->ToRegion(terminal);
+    SteinerResult result = FindCheapestTrees(region->GetView(), terminals, limits);
+    for (std::vector<EdgeIndex>& tree : result.trees) {
+        for (EdgeIndex& edge : tree)
+            edge = region->ToGraph(edge);
+    }
+    return result;
 }
 
 void WriteNotice(const std::string& text)
@@ -82,7 +109,7 @@ SteinerLimits ReadCheapestTreesLimits()
 
 SteinerResult SearchCheapestTrees(const GraphView& graph, std::span<const NodeIndex> nodes)
 {
-    SteinerResult result = FindCheapestTrees(graph, nodes, ReadCheapestTreesLimits());
+    SteinerResult result = FindInRegion(graph, nodes, ReadCheapestTreesLimits());
     if (result.connected)
         WriteNotice(DescribeShortfall(result));
     return result;

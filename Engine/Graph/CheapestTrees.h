@@ -44,7 +44,7 @@ inline constexpr JoinGraphSetting kCheapestTreesSeconds{"CheapestTreesSeconds", 
 /// it. The log is told nothing.
 [[nodiscard]] SteinerResult SearchOneTree(const GraphView& graph, std::span<const NodeIndex> nodes);
 
-/// Tells the log, at its lowest level, that there are more spanning trees than were listed.
+/// Writes to the log, at its lowest level, that there are more spanning trees than were listed.
 void LogMoreSpanningTrees(std::size_t listed);
 
 } // namespace qe::graph

@@ -2,12 +2,12 @@
 #define SOURCE_JOINTREE_CANDIDATEGRAPH_H
 
 #include "AQE_I_UndirectedGraph.h"
+#include "JoinTree/CandidateShelf.h"
 #include "Joins/JoinInfoReader.h"
 #include "amd_id.h"
 
+#include <utility>
 #include <vector>
-
-class AQE_I_QuerySubjectShortcutInfo;
 
 namespace qe {
 
@@ -22,18 +22,38 @@ struct JoinGraphs
 
 /// Loads the full graph of a join tree with the candidates and sets the weights that a request
 /// asks for. The steps are taken in the order in which they stand here: a later weight wins.
+///
+/// Where the request has a join cache, an operation with the candidates of the one before it goes
+/// on with their graph: only the joins that could not be read are asked for again.
 class CandidateGraph
 {
 public:
     using Ids = std::vector<amd_id>;
 
-    /// Borrows all of them. The shortcut information may be null.
-    CandidateGraph(const JoinGraphs& graphs, const JoinEndsReader& endsReader,
-                   AQE_I_QuerySubjectShortcutInfo* shortcutInfo);
+    /// What is loaded.
+    struct Request
+    {
+        const Ids& nodes;
+        const Ids& joins;
+        const Ids& requiredJoins;
+        /// Whether the synthetic shortcut joins are added later.
+        bool hasShortcutJoins;
+    };
 
-    /// Adds the nodes in id order, and every join that can be read and has both ends among them.
+    /// Borrows the reader and the graph of the tree.
+    CandidateGraph(const JoinEndsReader& endsReader, AQE_I_UndirectedGraph& tree);
+
+    /// Makes a graph of the nodes, and of every join that can be read and has both ends among them.
     /// Initialises the shortcut information first.
-    void Load(const Ids& nodes, const Ids& joins, const Ids& requiredJoins);
+    void Load(const Request& request);
+
+    [[nodiscard]] const JoinEndsReader& GetEndsReader() const { return mEndsReader; }
+
+    /// Returns the full graph.
+    [[nodiscard]] const AUT_RefPtr<AQE_I_UndirectedGraph>& GetGraph() const
+    {
+        return mLoan.Get().graph;
+    }
 
     /// Makes the joins as cheap as any, synthetic shortcut joins excepted.
     void Favour(const Ids& favouredJoins);
@@ -47,12 +67,21 @@ public:
     /// Makes the joins as long as the unreachable distance.
     void Avoid(const Ids& avoidedJoins);
 
+    /// Returns the candidates, which must stay on loan as long as their graph is used.
+    [[nodiscard]] CandidateLoan TakeLoan() { return std::move(mLoan); }
+
 private:
+    [[nodiscard]] bool TakeKept(const Request& request);
+    [[nodiscard]] bool StayUnreadable(const Ids& joins) const;
+    [[nodiscard]] bool IsGraphUsable(const Request& request) const;
+    void RebuildGraph();
+    void AdjustWeights();
+    void ReadAll(const Request& request);
     void AddEntity(const amd_id& id, Ids& entities);
 
-    JoinGraphs mGraphs;
     const JoinEndsReader& mEndsReader;
-    AQE_I_QuerySubjectShortcutInfo* mShortcutInfo;
+    AQE_I_UndirectedGraph& mTree;
+    CandidateLoan mLoan;
 };
 
 } // namespace qe

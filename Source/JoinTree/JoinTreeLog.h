@@ -8,7 +8,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <list>
 #include <string_view>
 #include <vector>
 
@@ -44,10 +43,13 @@ class JoinTreeLog
 {
 public:
     using Ids = std::vector<amd_id>;
-    using PendingDistances = std::list<AUT_RefPtr<JoinDistance>>;
+    using PendingDistances = std::vector<AUT_RefPtr<JoinDistance>>;
 
     /// Borrows both; the gateway may be null.
     JoinTreeLog(amdi_gateway* gateway, const JoinEndsReader& endsReader);
+
+    /// Returns whether anything is written.
+    [[nodiscard]] bool IsOn() const;
 
     void LogEntities(const Ids& entities);
     /// Writes a shortest path between two entities, or that there is none (a negative weight).
@@ -62,7 +64,6 @@ public:
     void LogClosingJoin(const JoinEnds& ends);
 
 private:
-    [[nodiscard]] bool IsOn() const;
     void Write(std::string_view text);
     [[nodiscard]] I18NString GetName(const amd_id& id) const;
     [[nodiscard]] I18NString GetEndName(const amd_id& id) const;

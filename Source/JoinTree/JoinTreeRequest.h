@@ -22,7 +22,7 @@ struct JoinTreeRequest
         /// Connects the subjects: by all trees of least weight or, with "NewAlgo" off, by shortest
         /// paths.
         Connect,
-        /// Finds nothing but the joins of one minimum Steiner tree; favoured, required and avoided
+        /// Finds nothing but the joins of one light tree; favoured, required and avoided
         /// joins and synthetic shortcut joins do not count.
         ConnectivityOnly,
         /// Connects the subjects by shortest paths that also pass over synthetic shortcut joins,

@@ -26,7 +26,7 @@ void PairwiseGrowth::Grow(const Ids& entities, const UnconnectedPair& onUnconnec
     FindPairwiseDistances(onUnconnectedPair);
     mLabels.assign(mNodeIndex.size(), 0);
     mNextLabel = 1;
-    mLog.LogDistanceCount(mPending.size());
+    mLog.LogDistanceCount(mDistances.size());
     while (!AllLabelled()) {
         const DistancePtr distance = PickCheapest();
         mLog.LogProcessing(distance.Get());
@@ -35,7 +35,8 @@ void PairwiseGrowth::Grow(const Ids& entities, const UnconnectedPair& onUnconnec
         RemoveSameDistances(*distance);
         AddDistances(MergePath(*distance));
     }
-    mLog.LogRemaining(mPending);
+    if (mLog.IsOn())
+        mLog.LogRemaining(ListPending());
 }
 
 void PairwiseGrowth::FindPairwiseDistances(const UnconnectedPair& onUnconnectedPair)
@@ -57,13 +58,14 @@ void PairwiseGrowth::FindPairwiseDistances(const UnconnectedPair& onUnconnectedP
 const JoinDistance& PairwiseGrowth::AddDistance(const amd_id& from, const amd_id& to, Ids path,
                                                 int weight)
 {
-    mPending.push_back(DistancePtr(new JoinDistance{.from = from,
-                                                    .to = to,
-                                                    .path = std::move(path),
-                                                    .weight = weight,
-                                                    .fromIndex = GetIndex(from),
-                                                    .toIndex = GetIndex(to)}));
-    return *mPending.back();
+    mHeap.push({.weight = weight, .position = mDistances.size()});
+    mDistances.push_back(DistancePtr(new JoinDistance{.from = from,
+                                                      .to = to,
+                                                      .path = std::move(path),
+                                                      .weight = weight,
+                                                      .fromIndex = GetIndex(from),
+                                                      .toIndex = GetIndex(to)}));
+    return *mDistances.back();
 }
 
 bool PairwiseGrowth::AllLabelled() const
@@ -76,22 +78,40 @@ bool PairwiseGrowth::AllLabelled() const
            });
 }
 
-PairwiseGrowth::DistancePtr PairwiseGrowth::PickCheapest() const
+PairwiseGrowth::DistancePtr PairwiseGrowth::PickCheapest()
 {
-    const DistancePtr* shortest = nullptr;
-    for (const DistancePtr& distance : mPending) {
-        const std::int32_t fromLabel = GetLabelAt(distance->fromIndex);
-        const bool isCandidate = fromLabel == 0 || fromLabel != GetLabelAt(distance->toIndex);
-        if (isCandidate && (shortest == nullptr || distance->weight < (*shortest)->weight))
-            shortest = &distance;
+    for (; !mHeap.empty(); mHeap.pop()) {
+        const std::size_t position = mHeap.top().position;
+        const JoinDistance& distance = *mDistances[position];
+        const std::int32_t fromLabel = GetLabelAt(distance.fromIndex);
+        const bool isCandidate = fromLabel == 0 || fromLabel != GetLabelAt(distance.toIndex);
+        if (isCandidate && !IsRemoved(position))
+            return mDistances[position];
     }
-    return shortest == nullptr ? DistancePtr() : *shortest;
+    return DistancePtr();
+}
+
+bool PairwiseGrowth::IsRemoved(std::size_t position) const
+{
+    const JoinDistance& distance = *mDistances[position];
+    const auto removed = mRemoved.find({distance.from, distance.to});
+    return removed != mRemoved.end() && position < removed->second;
 }
 
 void PairwiseGrowth::RemoveSameDistances(const JoinDistance& distance)
 {
-    mPending.remove_if(
-        [&](const DistancePtr& pending) { return pending->IsSameDistance(distance); });
+    mRemoved[{distance.from, distance.to}] = mDistances.size();
+}
+
+/// Returns what was found and not removed, in the order in which it was found.
+JoinTreeLog::PendingDistances PairwiseGrowth::ListPending() const
+{
+    JoinTreeLog::PendingDistances pending;
+    for (std::size_t position = 0; position < mDistances.size(); ++position) {
+        if (!IsRemoved(position))
+            pending.push_back(mDistances[position]);
+    }
+    return pending;
 }
 
 PairwiseGrowth::Ids PairwiseGrowth::MergePath(const JoinDistance& distance)

@@ -7,11 +7,13 @@
 #include "Joins/JoinInfoReader.h"
 #include "amd_id.h"
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <list>
 #include <map>
+#include <queue>
+#include <utility>
 #include <vector>
 
 namespace qe {
@@ -25,6 +27,10 @@ namespace qe {
 /// labels is merged next, the one found first among equals. The nodes on a merged path become
 /// entities too, with shortest paths from the entities of other pieces. The growth ends when all
 /// entities carry one label, or when no path is left.
+///
+/// The paths wait in a heap as well, by weight and then by the order in which they were found.
+/// Entities of one piece stay in one piece, so a path between two of them is dropped from the heap
+/// for good when it comes up.
 ///
 /// This approximates a minimum Steiner tree by shortest paths (Kou, Markowsky and Berman 1981,
 /// with the intermediate nodes as further terminals). For n entities it asks for n(n-1)/2 shortest
@@ -52,8 +58,10 @@ private:
     void FindPairwiseDistances(const UnconnectedPair& onUnconnectedPair);
     const JoinDistance& AddDistance(const amd_id& from, const amd_id& to, Ids path, int weight);
     [[nodiscard]] bool AllLabelled() const;
-    [[nodiscard]] DistancePtr PickCheapest() const;
+    [[nodiscard]] DistancePtr PickCheapest();
+    [[nodiscard]] bool IsRemoved(std::size_t position) const;
     void RemoveSameDistances(const JoinDistance& distance);
+    [[nodiscard]] JoinTreeLog::PendingDistances ListPending() const;
     [[nodiscard]] Ids MergePath(const JoinDistance& distance);
     [[nodiscard]] bool MergePieces(const JoinEnds& ends, std::int32_t label);
     void AddJoinToTree(const amd_id& join, const JoinEnds& ends);
@@ -73,7 +81,20 @@ private:
     Ids mEntities;
     std::vector<std::int32_t> mLabels;
     std::int32_t mNextLabel = 1;
-    std::list<DistancePtr> mPending;
+    /// Where a distance stands among all that were found.
+    struct HeapEntry
+    {
+        std::int32_t weight;
+        std::size_t position;
+        friend auto operator<=>(const HeapEntry&, const HeapEntry&) = default;
+    };
+
+    /// In the order in which they were found.
+    std::vector<DistancePtr> mDistances;
+    std::priority_queue<HeapEntry, std::vector<HeapEntry>, std::greater<>> mHeap;
+    /// For the two ends of a merged distance, how many distances had been found by then: those
+    /// among them with the same ends are removed.
+    std::map<std::pair<amd_id, amd_id>, std::size_t> mRemoved;
 };
 
 } // namespace qe

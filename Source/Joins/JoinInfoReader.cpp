@@ -3,10 +3,12 @@
 #include "AQE_I_QuerySubjectShortcutInfo.h"
 #include "AQE_I_Refiner.h"
 #include "IdClass.h"
+#include "Joins/JoinReader.h"
 #include "Rules/JoinEnds.h"
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace qe {
 
@@ -23,32 +25,28 @@ std::optional<JoinEnds> JoinEndsReader::GetJoinEnds(const amd_id& join) const
     return read->ends;
 }
 
-std::optional<WeighedJoin> JoinEndsReader::GetWeighedJoin(const amd_id& join) const
+int JoinEndsReader::AdjustWeight(const WeighedJoin& join) const
 {
-    auto read = Read(join);
-    if (!read)
-        return read;
     const auto resolve = [this](const amd_id& shortcut) {
         return AQE_I_Refiner::GetRefQuerySubject(mServices.gateway, shortcut, nullptr, nullptr);
     };
-    read->weight = AdjustJoinWeight(
-        *read, {mFavouredSubjects, resolve},
+    return AdjustJoinWeight(
+        join, {mFavouredSubjects, resolve},
         {.oneEnd = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeOneEndInSet),
          .bothEnds = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeBothEndsInSet)});
-    return read;
 }
 
 std::optional<WeighedJoin> JoinEndsReader::Read(const amd_id& join) const
 {
-    AQE_I_Refiner::QEjoinInfo info;
-    bool known =
-        AQE_I_Refiner::GetJoinInfo(mServices.gateway, mServices.requestContext, join, info);
-    if (!known && mShortcutUse == EShortcutUse::Consult && mServices.shortcutInfo != nullptr)
-        known = mServices.shortcutInfo->GetJoinInfo(join, info);
-    if (!known)
+    const AQE_I_Refiner::QEjoinInfo* info =
+        FindOrReadJoin(mServices.gateway, mServices.requestContext, join, mSpace);
+    if (info == nullptr && mShortcutUse == EShortcutUse::Consult &&
+        mServices.shortcutInfo != nullptr && mServices.shortcutInfo->GetJoinInfo(join, mSpace))
+        info = &mSpace;
+    if (info == nullptr)
         return std::nullopt;
-    return WeighedJoin{.ends = {.left = info.leftQuerySubject, .right = info.rightQuerySubject},
-                       .weight = info.weight};
+    return WeighedJoin{.ends = {.left = info->leftQuerySubject, .right = info->rightQuerySubject},
+                       .weight = info->weight};
 }
 
 namespace {
@@ -65,19 +63,23 @@ bool Read(const RefinerServices& services, const amd_id& joinId, AQE_I_Refiner::
 JoinInfoReader::JoinInfoReader(const RefinerServices& services) : mServices(services)
 {}
 
-std::optional<AQE_I_Refiner::QEjoinInfo> JoinInfoReader::LookUpJoinInfo(const amd_id& joinId) const
+const AQE_I_Refiner::QEjoinInfo* JoinInfoReader::LookUpJoinInfo(const amd_id& joinId) const
 {
-    std::optional<AQE_I_Refiner::QEjoinInfo> info(std::in_place);
-    if (!Read(mServices, joinId, *info))
-        info.reset();
-    return info;
+    auto read = mRead.find(joinId);
+    if (read == mRead.end()) {
+        std::optional<QEjoinInfo> info(std::in_place);
+        if (!Read(mServices, joinId, *info))
+            info.reset();
+        read = mRead.emplace(joinId, std::move(info)).first;
+    }
+    return read->second ? &*read->second : nullptr;
 }
 
 std::vector<amd_id> JoinInfoReader::KeepReadableJoins(const std::vector<amd_id>& path) const
 {
     std::vector<amd_id> readable;
     std::copy_if(path.begin(), path.end(), std::back_inserter(readable),
-                 [this](const amd_id& join) { return LookUpJoinInfo(join).has_value(); });
+                 [this](const amd_id& join) { return LookUpJoinInfo(join) != nullptr; });
     return readable;
 }
 

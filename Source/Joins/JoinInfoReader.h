@@ -5,6 +5,7 @@
 #include "Rules/JoinEnds.h"
 #include "amd_id.h"
 
+#include <map>
 #include <optional>
 #include <set>
 #include <vector>
@@ -25,23 +26,26 @@ struct RefinerServices
     AQE_I_QuerySubjectShortcutInfo* shortcutInfo = nullptr;
 };
 
-/// Reads the joins of candidate paths, whichever side knows them: synthetic shortcut joins come
-/// from the shortcut information, all others from the metadata.
+/// Reads the joins of candidate paths for one operation, whichever side knows them: synthetic
+/// shortcut joins come from the shortcut information, all others from the metadata. Each join is
+/// read once; what was read, or could not be, is remembered as long as the reader lives.
 class JoinInfoReader
 {
 public:
+    using QEjoinInfo = AQE_I_Refiner::QEjoinInfo;
+
     explicit JoinInfoReader(const RefinerServices& services);
 
-    /// Returns the join, or nothing when it cannot be read. Without shortcut information no
-    /// synthetic join can.
-    [[nodiscard]] std::optional<AQE_I_Refiner::QEjoinInfo>
-    LookUpJoinInfo(const amd_id& joinId) const;
+    /// Returns the join, which stays the reader's, or null when it cannot be read. Without shortcut
+    /// information no synthetic join can.
+    [[nodiscard]] const QEjoinInfo* LookUpJoinInfo(const amd_id& joinId) const;
 
     /// Returns the joins of the path that can be read, in their order.
     [[nodiscard]] std::vector<amd_id> KeepReadableJoins(const std::vector<amd_id>& path) const;
 
 private:
     RefinerServices mServices;
+    mutable std::map<amd_id, std::optional<QEjoinInfo>> mRead;
 };
 
 /// Reads the ends and weights of joins for a join tree.
@@ -60,22 +64,29 @@ public:
     JoinEndsReader(const RefinerServices& services, const std::set<amd_id>& favouredSubjects,
                    EShortcutUse shortcutUse);
 
+    [[nodiscard]] const RefinerServices& GetServices() const { return mServices; }
+
     /// Returns whether synthetic shortcut joins are consulted.
     [[nodiscard]] EShortcutUse GetShortcutUse() const { return mShortcutUse; }
 
     /// Returns the ends of a join, or nothing when it cannot be read.
     [[nodiscard]] std::optional<JoinEnds> GetJoinEnds(const amd_id& join) const;
 
-    /// Returns the ends of a join and its weight, made cheaper where its ends are favoured query
-    /// subjects; nothing when it cannot be read.
-    [[nodiscard]] std::optional<WeighedJoin> GetWeighedJoin(const amd_id& join) const;
-
-private:
+    /// Returns the ends of a join and the weight of its kind; nothing when it cannot be read.
     [[nodiscard]] std::optional<WeighedJoin> Read(const amd_id& join) const;
 
+    /// Returns whether the weights of joins depend on which query subjects are favoured.
+    [[nodiscard]] bool HasFavouredSubjects() const { return !mFavouredSubjects.empty(); }
+
+    /// Returns the weight of a join, made cheaper where its ends are favoured query subjects.
+    [[nodiscard]] int AdjustWeight(const WeighedJoin& join) const;
+
+private:
     RefinerServices mServices;
     const std::set<amd_id>& mFavouredSubjects;
     EShortcutUse mShortcutUse;
+    /// What joins are read into that no cache keeps.
+    mutable AQE_I_Refiner::QEjoinInfo mSpace;
 };
 
 } // namespace qe

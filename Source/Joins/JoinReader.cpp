@@ -1,9 +1,12 @@
 #include "Joins/JoinReader.h"
 
 #include "AQE_I_QuerySpecJoin.h"
+#include "AQE_JoinCache.h"
+#include "AQE_RequestContext.h"
 #include "AQE_ToRelationshipJoinCardinalityValue.h"
 #include "Joins/ConditionRewriter.h"
 #include "Joins/GatewayCalls.h"
+#include "Joins/JoinCacheAccess.h"
 #include "Rules/Cardinality.h"
 #include "amdi_relationship.h"
 #include "amdi_relationshipShortcut.h"
@@ -187,6 +190,25 @@ bool ReadJoin(amdi_gateway* gateway, const amd_id& joinId, QEjoinInfo& info)
     default:
         return false;
     }
+}
+
+AQE_JoinCache* FindJoinCache(const AQE_RequestContext* context)
+{
+    return context == nullptr ? nullptr : context->GetJoinCache();
+}
+
+const QEjoinInfo* FindOrReadJoin(amdi_gateway* gateway, AQE_RequestContext* context,
+                                 const amd_id& joinId, QEjoinInfo& space)
+{
+    if (AQE_JoinCache* const cache = FindJoinCache(context); cache != nullptr) {
+        if (const QEjoinInfo* const found = JoinCacheAccess(*cache).Find(joinId))
+            return found;
+    }
+    space = {};
+    if (!ReadJoin(gateway, joinId, space))
+        return nullptr;
+    AQE_JoinCache* const cache = FindJoinCache(context);
+    return cache == nullptr ? &space : &JoinCacheAccess(*cache).Keep(joinId, std::move(space));
 }
 
 std::set<amd_id> CollectJoinEnds(amdi_gateway* gateway, const std::vector<amd_id>& joins)

@@ -7,6 +7,8 @@
 #include <set>
 #include <vector>
 
+class AQE_JoinCache;
+class AQE_RequestContext;
 class amdi_gateway;
 
 namespace qe {
@@ -16,6 +18,17 @@ namespace qe {
 /// relationship leads to no query subject (`info` then lacks the condition).
 [[nodiscard]] bool ReadJoin(amdi_gateway* gateway, const amd_id& joinId,
                             AQE_I_Refiner::QEjoinInfo& info);
+
+/// Returns the join cache of the request; null when it has none, or there is no request.
+[[nodiscard]] AQE_JoinCache* FindJoinCache(const AQE_RequestContext* context);
+
+/// Returns the join from the request's join cache or, when it is not there, as AQE_I_Refiner's
+/// GetJoinInfo reads it; null when it cannot be read. Nothing is copied: the record is the cache's
+/// own or, without a cache, `space`.
+[[nodiscard]] const AQE_I_Refiner::QEjoinInfo* FindOrReadJoin(amdi_gateway* gateway,
+                                                              AQE_RequestContext* context,
+                                                              const amd_id& joinId,
+                                                              AQE_I_Refiner::QEjoinInfo& space);
 
 /// Returns the ends of the relationships and relationship shortcuts among the joins. A relationship
 /// shortcut brings its own ends and, when it stands for a relationship directly, those of the

@@ -8,10 +8,9 @@
 #include "Rules/RankingCriteria.h"
 
 #include <algorithm>
+#include <deque>
 #include <map>
 #include <numeric>
-#include <optional>
-#include <set>
 #include <string>
 
 namespace qe {
@@ -44,7 +43,7 @@ void RankingLog::LogRankedPath(const std::vector<amd_id>& path, const PathMeasur
     ++mLoggedCount;
     std::string text = "\nPath " + std::to_string(mLoggedCount) + ": ";
     for (const amd_id& join : path) {
-        if (const auto info = mJoinInfos.LookUpJoinInfo(join))
+        if (const auto* const info = mJoinInfos.LookUpJoinInfo(join))
             text.append(info->name.View()).append(", ");
     }
     text += '\n';
@@ -68,29 +67,95 @@ namespace {
 
 /// Positions in the list of paths to rank.
 using Indices = std::vector<std::size_t>;
-using PathSignature = std::set<I18NString>;
-
-/// Reads the joins of candidates, and raises what keeps their fact tables from being counted.
-class CandidateJoins : public PathJoinSource
+/// Joins, in the order in which they were met.
+using JoinNumbers = std::vector<std::uint32_t>;
+/// The joins of the candidates by number, each read once.
+class CandidateJoins : public MeasureListener
 {
 public:
-    explicit CandidateJoins(const JoinInfoReader& joinInfos) : mJoinInfos(joinInfos) {}
+    CandidateJoins(std::span<const WeightedPath> paths, const JoinInfoReader& joinInfos)
+        : mPaths(paths), mJoinInfos(joinInfos), mNumbers(paths.size())
+    {}
 
-    [[nodiscard]] std::optional<PathJoin> ReadPathJoin(const amd_id& join) const override
+    /// Returns the numbers of the joins of a candidate.
+    [[nodiscard]] const JoinNumbers& GetNumbers(std::size_t index);
+    /// Returns those that can be read; good until the next call.
+    [[nodiscard]] ReadJoins GetReadJoins(std::size_t index);
+    /// Returns how many joins were met.
+    [[nodiscard]] std::size_t GetCount() const { return mJoins.size(); }
+    [[nodiscard]] const I18NString& GetName(std::uint32_t number) const
     {
-        const auto info = mJoinInfos.LookUpJoinInfo(join);
-        if (!info)
-            return std::nullopt;
-        return PathJoin{.ends = {info->leftQuerySubject, info->rightQuerySubject},
-                        .leftCardinality = info->leftCardinality,
-                        .rightCardinality = info->rightCardinality};
+        return *mJoins[number].name;
     }
 
     void ReportUncountable(EFactJoin problem) const override { RaiseUnlessAdded(problem); }
 
 private:
+    struct Join
+    {
+        bool isReadable;
+        PathJoin join;
+        const I18NString* name;
+    };
+
+    [[nodiscard]] std::uint32_t GetNumber(const amd_id& id);
+
+    std::span<const WeightedPath> mPaths;
     const JoinInfoReader& mJoinInfos;
+    std::vector<JoinNumbers> mNumbers;
+    std::size_t mLastNumbered = 0;
+    std::map<amd_id, std::uint32_t> mNumberById;
+    std::deque<Join> mJoins;
+    std::vector<const PathJoin*> mReadJoins;
 };
+
+const JoinNumbers& CandidateJoins::GetNumbers(std::size_t index)
+{
+    const std::vector<amd_id>& path = mPaths[index].path;
+    JoinNumbers& numbers = mNumbers[index];
+    if (numbers.empty()) {
+        numbers.reserve(path.size());
+        // Candidates that follow each other differ in few of their joins.
+        const std::vector<amd_id>& last = mPaths[mLastNumbered].path;
+        for (std::size_t place = 0; place < path.size(); ++place) {
+            const bool isSame =
+                place < mNumbers[mLastNumbered].size() && last[place] == path[place];
+            numbers.push_back(isSame ? mNumbers[mLastNumbered][place] : GetNumber(path[place]));
+        }
+        mLastNumbered = index;
+    }
+    return numbers;
+}
+
+std::uint32_t CandidateJoins::GetNumber(const amd_id& id)
+{
+    static const I18NString kDummy = kUnreadableName;
+    const auto known = mNumberById.find(id);
+    if (known != mNumberById.end())
+        return known->second;
+    const AQE_I_Refiner::QEjoinInfo* const info = mJoinInfos.LookUpJoinInfo(id);
+    const auto number = static_cast<std::uint32_t>(mJoins.size());
+    if (info == nullptr)
+        mJoins.push_back({.isReadable = false, .join = {}, .name = &kDummy});
+    else
+        mJoins.push_back({.isReadable = true,
+                          .join = {.ends = {info->leftQuerySubject, info->rightQuerySubject},
+                                   .leftCardinality = info->leftCardinality,
+                                   .rightCardinality = info->rightCardinality},
+                          .name = &info->name});
+    mNumberById.emplace(id, number);
+    return number;
+}
+
+ReadJoins CandidateJoins::GetReadJoins(std::size_t index)
+{
+    mReadJoins.clear();
+    for (const std::uint32_t number : GetNumbers(index)) {
+        if (mJoins[number].isReadable)
+            mReadJoins.push_back(&mJoins[number].join);
+    }
+    return mReadJoins;
+}
 
 Indices ListAll(std::size_t count)
 {
@@ -108,29 +173,83 @@ std::int32_t FindDivisor(std::span<const WeightedPath> paths)
     return maxWeight == 0 ? kDivisorOfWeightless : maxWeight;
 }
 
+/// Returns the place of each join's name in the order of all names, by the number of the join.
+/// Equal names have one place.
+std::vector<std::uint32_t> OrderNames(const CandidateJoins& joins)
+{
+    std::vector<std::uint32_t> order(joins.GetCount());
+    std::iota(order.begin(), order.end(), 0U);
+    std::sort(order.begin(), order.end(), [&](std::uint32_t left, std::uint32_t right) {
+        return joins.GetName(left) < joins.GetName(right);
+    });
+    std::vector<std::uint32_t> places(order.size(), 0);
+    for (std::size_t i = 1; i < order.size(); ++i) {
+        const bool isSame = joins.GetName(order[i]) == joins.GetName(order[i - 1]);
+        places[order[i]] = places[order[i - 1]] + (isSame ? 0 : 1);
+    }
+    return places;
+}
+
+/// Orders members by the sets of the names of their joins, where only the first with a set counts;
+/// the others follow in the order in which they were given.
+Indices OrderBySignature(const Indices& members, CandidateJoins& joins)
+{
+    for (const std::size_t index : members)
+        static_cast<void>(joins.GetNumbers(index));
+    if (members.size() == 1)
+        return members;
+    const std::vector<std::uint32_t> places = OrderNames(joins);
+    std::vector<std::vector<std::uint32_t>> signatures;
+    signatures.reserve(members.size());
+    for (const std::size_t index : members) {
+        std::vector<std::uint32_t>& signature = signatures.emplace_back();
+        signature.reserve(joins.GetNumbers(index).size());
+        for (const std::uint32_t number : joins.GetNumbers(index))
+            signature.push_back(places[number]);
+        std::sort(signature.begin(), signature.end());
+        signature.erase(std::unique(signature.begin(), signature.end()), signature.end());
+    }
+    Indices order = ListAll(members.size());
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
+        return signatures[left] < signatures[right];
+    });
+    Indices ordered;
+    Indices duplicates;
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        const bool isFirst = i == 0 || signatures[order[i]] != signatures[order[i - 1]];
+        (isFirst ? ordered : duplicates).push_back(order[i]);
+    }
+    std::sort(duplicates.begin(), duplicates.end());
+    ordered.insert(ordered.end(), duplicates.begin(), duplicates.end());
+    for (std::size_t& position : ordered)
+        position = members[position];
+    return ordered;
+}
+
 /// Measures candidates by one criterion after the other.
 class Measurer
 {
 public:
     Measurer(std::span<const WeightedPath> paths, const JoinInfoReader& joinInfos)
-        : mPaths(paths), mJoins(joinInfos), mMeasures(paths.size())
+        : mJoins(paths, joinInfos), mMeasures(paths.size())
     {
         for (std::size_t index = 0; index < paths.size(); ++index)
             mMeasures[index].weight = paths[index].weight;
     }
 
     [[nodiscard]] const PathMeasure& Get(std::size_t index) const { return mMeasures[index]; }
+    [[nodiscard]] CandidateJoins& GetJoins() { return mJoins; }
 
     [[nodiscard]] std::int32_t MeasureKey(const RankingCriterion& criterion, std::size_t index)
     {
         if (criterion.measure != nullptr)
-            criterion.measure(mPaths[index].path, mJoins, mMeasures[index]);
+            criterion.measure(mJoins.GetReadJoins(index), mTools, mMeasures[index]);
         return criterion.getKey(mMeasures[index]);
     }
 
 private:
-    std::span<const WeightedPath> mPaths;
     CandidateJoins mJoins;
+    MeasureTools mTools{.listener = mJoins};
     std::vector<PathMeasure> mMeasures;
 };
 
@@ -142,7 +261,6 @@ public:
                const JoinInfoReader& joinInfos)
         : mPaths(paths),
           mSwitches(switches),
-          mJoinInfos(joinInfos),
           mMeasurer(paths, joinInfos),
           mLog(joinInfos),
           mDivisor(FindDivisor(paths))
@@ -152,13 +270,10 @@ public:
 
 private:
     void RankBy(std::span<const RankingCriterion> criteria, const Indices& members);
-    [[nodiscard]] Indices MoveDuplicatesLast(const Indices& members) const;
-    [[nodiscard]] PathSignature GetSignature(std::size_t index) const;
     void Emit(std::size_t index);
 
     std::span<const WeightedPath> mPaths;
     const RankingSwitches& mSwitches;
-    const JoinInfoReader& mJoinInfos;
     Measurer mMeasurer;
     RankingLog mLog;
     std::int32_t mDivisor;
@@ -176,7 +291,7 @@ std::vector<RankedPath> RankingRun::RankAll()
 void RankingRun::RankBy(std::span<const RankingCriterion> criteria, const Indices& members)
 {
     if (criteria.empty()) {
-        for (const std::size_t index : MoveDuplicatesLast(members))
+        for (const std::size_t index : OrderBySignature(members, mMeasurer.GetJoins()))
             Emit(index);
         return;
     }
@@ -188,30 +303,6 @@ void RankingRun::RankBy(std::span<const RankingCriterion> criteria, const Indice
         groups[mMeasurer.MeasureKey(criterion, member)].push_back(member);
     for (const auto& group : groups)
         RankBy(criteria.subspan(1), group.second);
-}
-
-Indices RankingRun::MoveDuplicatesLast(const Indices& members) const
-{
-    std::map<PathSignature, std::size_t> distinct;
-    Indices duplicates;
-    for (const std::size_t index : members) {
-        if (!distinct.emplace(GetSignature(index), index).second)
-            duplicates.push_back(index);
-    }
-    Indices ordered;
-    for (const auto& entry : distinct)
-        ordered.push_back(entry.second);
-    ordered.insert(ordered.end(), duplicates.begin(), duplicates.end());
-    return ordered;
-}
-
-PathSignature RankingRun::GetSignature(std::size_t index) const
-{
-    const auto lookUpName = [this](const amd_id& join) {
-        auto info = mJoinInfos.LookUpJoinInfo(join);
-        return info ? std::optional(std::move(info->name)) : std::nullopt;
-    };
-    return GetPathSignature<I18NString>(mPaths[index].path, lookUpName);
 }
 
 void RankingRun::Emit(std::size_t index)

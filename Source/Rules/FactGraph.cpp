@@ -23,26 +23,6 @@ void AppendOnce(std::vector<T>& values, const T& value)
         values.push_back(value);
 }
 
-/// Returns whether `id` belongs to a node above `node`. Each node is walked once: merged nodes may
-/// be their own parents, and a walk along every path would take exponential time in a lattice of
-/// dimensions.
-bool IsFoundAbove(const FactNode& node, const amd_id& id)
-{
-    std::set<const FactNode*> visited(node.mParents.begin(), node.mParents.end());
-    std::vector<const FactNode*> pending(visited.begin(), visited.end());
-    while (!pending.empty()) {
-        const FactNode* const above = pending.back();
-        pending.pop_back();
-        if (Contains(above->mIds, id))
-            return true;
-        for (const FactNode* const parent : above->mParents) {
-            if (visited.insert(parent).second)
-                pending.push_back(parent);
-        }
-    }
-    return false;
-}
-
 enum class ESide
 {
     ToOne,
@@ -113,18 +93,45 @@ EFactJoin FactGraph::AddOneToManyJoin(const amd_id& one, const amd_id& many)
     if (manyIsNew)
         manyNode = &MakeNode(many);
     FactNode* oneNode = Find(one);
-    if (oneNode == nullptr)
+    const bool oneIsNew = oneNode == nullptr;
+    if (oneIsNew)
         oneNode = &MakeNode(one);
 
-    oneNode->mParents.insert(manyNode);
+    AppendOnce(oneNode->mParents, manyNode);
     if (Contains(manyNode->mChildren, oneNode))
         return EFactJoin::Added;
     manyNode->mChildren.push_back(oneNode);
     RemoveRoot(*oneNode);
     if (manyIsNew)
         mRoots.push_back(manyNode);
-    return IsFoundAbove(*manyNode, many) || IsFoundAbove(*oneNode, one) ? EFactJoin::Cyclic
-                                                                        : EFactJoin::Added;
+    // A join with a new query subject closes no cycle, unless that one is joined to itself.
+    const bool isCyclic = ((!oneIsNew && (!manyIsNew || one == many)) || mMayBeCyclic) &&
+                          (IsFoundAbove(*manyNode, many) || IsFoundAbove(*oneNode, one));
+    mMayBeCyclic = mMayBeCyclic || isCyclic;
+    return isCyclic ? EFactJoin::Cyclic : EFactJoin::Added;
+}
+
+/// Returns whether `id` belongs to a node above `node`. Each node is walked once: merged nodes may
+/// be their own parents, and a walk along every path would take exponential time in a lattice of
+/// dimensions.
+bool FactGraph::IsFoundAbove(const FactNode& node, const amd_id& id)
+{
+    mVisits.resize(mNodes.size(), 0);
+    ++mWalkCount;
+    mPending.assign(1, &node);
+    while (!mPending.empty()) {
+        const FactNode* const below = mPending.back();
+        mPending.pop_back();
+        for (const FactNode* const above : below->mParents) {
+            if (mVisits[above->mNumber] == mWalkCount)
+                continue;
+            if (Contains(above->mIds, id))
+                return true;
+            mVisits[above->mNumber] = mWalkCount;
+            mPending.push_back(above);
+        }
+    }
+    return false;
 }
 
 void FactGraph::AddOneToOneJoin(const amd_id& a, const amd_id& b)
@@ -134,14 +141,14 @@ void FactGraph::AddOneToOneJoin(const amd_id& a, const amd_id& b)
     if (nodeOfA == nullptr && nodeOfB == nullptr) {
         FactNode& node = MakeNode(a);
         node.mIds.push_back(b);
-        mNodeById[b] = &node;
+        Name(b, node);
         mRoots.push_back(&node);
     } else if (nodeOfB == nullptr) {
         nodeOfA->mIds.push_back(b);
-        mNodeById[b] = nodeOfA;
+        Name(b, *nodeOfA);
     } else if (nodeOfA == nullptr) {
         nodeOfB->mIds.push_back(a);
-        mNodeById[a] = nodeOfB;
+        Name(a, *nodeOfB);
     } else if (nodeOfA == nodeOfB) {
         return;
     } else if (nodeOfA->mParents.empty() && !nodeOfB->mParents.empty()) {
@@ -151,35 +158,66 @@ void FactGraph::AddOneToOneJoin(const amd_id& a, const amd_id& b)
     }
 }
 
+void FactGraph::Clear() noexcept
+{
+    mNodeCount = 0;
+    mNodeById.clear();
+    mRoots.clear();
+    mMayBeCyclic = false;
+}
+
+std::vector<FactGraph::NamedNode>::const_iterator FactGraph::FindPlace(const amd_id& id) const
+{
+    return std::lower_bound(
+        mNodeById.begin(), mNodeById.end(), id,
+        [](const NamedNode& named, const amd_id& wanted) { return named.id < wanted; });
+}
+
 FactNode* FactGraph::Find(const amd_id& id) const
 {
-    const auto found = mNodeById.find(id);
-    return found == mNodeById.end() ? nullptr : found->second;
+    const auto found = FindPlace(id);
+    return found == mNodeById.end() || found->id != id ? nullptr : found->node;
+}
+
+void FactGraph::Name(const amd_id& id, FactNode& node)
+{
+    const auto place = mNodeById.begin() + (FindPlace(id) - mNodeById.cbegin());
+    if (place != mNodeById.end() && place->id == id)
+        place->node = &node;
+    else
+        mNodeById.insert(place, {.id = id, .node = &node});
 }
 
 FactNode& FactGraph::MakeNode(const amd_id& id)
 {
-    FactNode& node = *mNodes.emplace_back(std::make_unique<FactNode>(id));
-    mNodeById[id] = &node;
+    if (mNodeCount == mNodes.size())
+        mNodes.emplace_back();
+    FactNode& node = mNodes[mNodeCount];
+    node.mNumber = mNodeCount;
+    node.mParents.clear();
+    node.mIds.assign(1, id);
+    node.mChildren.clear();
+    Name(id, node);
+    ++mNodeCount;
     return node;
 }
 
 void FactGraph::MergeNodes(FactNode& from, FactNode& into, const amd_id& id)
 {
     // The parents keep listing `from`: their dimensions stay those of the time before the merge.
-    into.mParents.insert(from.mParents.begin(), from.mParents.end());
+    for (FactNode* const parent : from.mParents)
+        AppendOnce(into.mParents, parent);
     AppendOnce(into.mIds, id);
-    for (const amd_id& fromId : from.mIds)
+    for (const amd_id& fromId : from.mIds) {
         AppendOnce(into.mIds, fromId);
+        Name(fromId, into);
+    }
     for (FactNode* const child : from.mChildren) {
         AppendOnce(into.mChildren, child);
-        child->mParents.erase(&from);
-        child->mParents.insert(&into);
+        std::erase(child->mParents, &from);
+        AppendOnce(child->mParents, &into);
     }
-    for (auto& [key, node] : mNodeById) {
-        if (node == &from)
-            node = &into;
-    }
+    mMayBeCyclic = true;
     RemoveRoot(from);
 }
 

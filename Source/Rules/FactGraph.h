@@ -3,11 +3,10 @@
 
 #include "amd_id.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <iosfwd>
-#include <map>
-#include <memory>
-#include <set>
 #include <vector>
 
 namespace qe {
@@ -39,11 +38,10 @@ struct FactJoinEnd
 /// FactGraph; the pointers between them are borrowed.
 struct FactNode
 {
-    explicit FactNode(const amd_id& id) : mIds{id} {}
-
-    /// The nodes that have this one as a dimension. The set is there for membership only: nothing
-    /// observable may follow its order, which is that of addresses.
-    std::set<FactNode*> mParents;
+    /// How many nodes of the graph are older.
+    std::size_t mNumber = 0;
+    /// The nodes that have this one as a dimension, each once.
+    std::vector<FactNode*> mParents;
     /// The query subjects of the node in the order in which they came; never empty. The first one
     /// names the node. One that is joined one-to-one to itself before anything else stands twice.
     std::vector<amd_id> mIds;
@@ -70,6 +68,9 @@ public:
     /// checked for cycles. What is neither added nor cyclic changes nothing.
     [[nodiscard]] EFactJoin AddJoin(const FactJoinEnd& left, const FactJoinEnd& right);
 
+    /// Forgets all joins and keeps the memory for others.
+    void Clear() noexcept;
+
     /// Returns the node of the query subject; null when there is none.
     [[nodiscard]] FactNode* Find(const amd_id& id) const;
 
@@ -83,13 +84,33 @@ public:
 private:
     void AddOneToOneJoin(const amd_id& a, const amd_id& b);
     [[nodiscard]] EFactJoin AddOneToManyJoin(const amd_id& one, const amd_id& many);
+    [[nodiscard]] bool IsFoundAbove(const FactNode& node, const amd_id& id);
     FactNode& MakeNode(const amd_id& id);
     void MergeNodes(FactNode& from, FactNode& into, const amd_id& id);
     void RemoveRoot(const FactNode& node);
 
-    std::vector<std::unique_ptr<FactNode>> mNodes;
+    struct NamedNode
+    {
+        amd_id id;
+        FactNode* node;
+    };
+
+    [[nodiscard]] std::vector<NamedNode>::const_iterator FindPlace(const amd_id& id) const;
+    void Name(const amd_id& id, FactNode& node);
+
+    /// The nodes of the graph, and behind them those of earlier graphs, whose memory serves again.
+    std::deque<FactNode> mNodes;
+    std::size_t mNodeCount = 0;
+    /// In the order of ids.
+    std::vector<NamedNode> mNodeById;
     std::vector<FactNode*> mRoots;
-    std::map<amd_id, FactNode*> mNodeById;
+    /// Whether a node may lie above itself, so that joins with a new query subject are looked at
+    /// too.
+    bool mMayBeCyclic = false;
+    /// For each node by number, the last walk that came by it.
+    std::vector<std::size_t> mVisits;
+    std::size_t mWalkCount = 0;
+    std::vector<const FactNode*> mPending;
 };
 
 } // namespace qe

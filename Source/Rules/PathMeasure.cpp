@@ -1,6 +1,7 @@
 #include "Rules/PathMeasure.h"
 
-#include <map>
+#include <algorithm>
+#include <vector>
 
 namespace qe {
 namespace {
@@ -15,17 +16,14 @@ EFactJoin AddToGraph(FactGraph& graph, const PathJoin& join, bool isManyToMany)
 
 } // namespace
 
-void CountFactTables(std::span<const amd_id> path, const PathJoinSource& source,
-                     PathMeasure& measure)
+void CountFactTables(ReadJoins joins, MeasureTools& tools, PathMeasure& measure)
 {
-    FactGraph graph;
+    FactGraph& graph = tools.graph;
+    graph.Clear();
     bool isCountable = true;
     measure.factTables.reset();
     measure.manyToManyJoins = 0;
-    for (const amd_id& id : path) {
-        const auto join = source.ReadPathJoin(id);
-        if (!join)
-            continue;
+    for (const PathJoin* const join : joins) {
         const bool isManyToMany = IsManyToMany(join->leftCardinality, join->rightCardinality);
         measure.manyToManyJoins += isManyToMany ? 1 : 0;
         if (!isCountable)
@@ -33,26 +31,25 @@ void CountFactTables(std::span<const amd_id> path, const PathJoinSource& source,
         const EFactJoin added = AddToGraph(graph, *join, isManyToMany);
         isCountable = added == EFactJoin::Added;
         if (!isCountable)
-            source.ReportUncountable(added);
+            tools.listener.ReportUncountable(added);
     }
     if (isCountable)
         measure.factTables = static_cast<std::int32_t>(graph.GetRoots().size());
 }
 
-void CountBranches(std::span<const amd_id> path, const PathJoinSource& source, PathMeasure& measure)
+void CountBranches(ReadJoins joins, MeasureTools& /*tools*/, PathMeasure& measure)
 {
-    std::map<amd_id, std::int32_t> endCounts;
-    for (const amd_id& id : path) {
-        if (const auto join = source.ReadPathJoin(id)) {
-            ++endCounts[join->ends.left];
-            ++endCounts[join->ends.right];
-        }
+    std::vector<amd_id> ends;
+    ends.reserve(2 * joins.size());
+    for (const PathJoin* const join : joins) {
+        ends.push_back(join->ends.left);
+        ends.push_back(join->ends.right);
     }
+    std::sort(ends.begin(), ends.end());
+    // Equal ends stand together: each that has two like it before it is one too many.
     measure.branches = 0;
-    for (const auto& subject : endCounts) {
-        if (subject.second > 2)
-            measure.branches = AddWrapping(measure.branches, subject.second - 2);
-    }
+    for (std::size_t i = 2; i < ends.size(); ++i)
+        measure.branches += ends[i] == ends[i - 2] ? 1 : 0;
 }
 
 } // namespace qe

@@ -51,18 +51,30 @@ struct PathJoin
     CardinalityRange rightCardinality;
 };
 
-/// Where the joins of paths are read from.
-class PathJoinSource
+/// Who hears why the fact tables of a path cannot be counted.
+class MeasureListener
 {
 public:
-    virtual ~PathJoinSource() = default;
+    virtual ~MeasureListener() = default;
 
+    /// Receives the reason. What it throws ends the measuring and passes through.
+    virtual void ReportUncountable(EFactJoin problem) const = 0;
+};
+
+/// What one path after the other is measured with.
+struct MeasureTools
+{
+    /// Borrowed.
+    const MeasureListener& listener;
+    FactGraph graph{};
+};
+
+/// Where the joins of paths are read from.
+class PathJoinSource : public MeasureListener
+{
+public:
     /// Returns the join, or nothing when it cannot be read; such joins count for nothing.
     [[nodiscard]] virtual std::optional<PathJoin> ReadPathJoin(const amd_id& join) const = 0;
-
-    /// Receives the reason why the fact tables of a path cannot be counted. What it throws ends
-    /// the measuring and passes through.
-    virtual void ReportUncountable(EFactJoin problem) const = 0;
 };
 
 /// What paths are compared by.
@@ -77,19 +89,23 @@ struct PathMeasure
     std::int32_t branches = 0;
 };
 
+/// The joins of a path that can be read, in its order.
+using ReadJoins = std::span<const PathJoin* const>;
+
 /// Sets the fact tables and the many-to-many joins of the path. At the first join from which facts
-/// cannot be told apart `source` receives the reason; unless it throws, `factTables` stays empty
-/// and the many-to-many joins are counted to the end.
-void CountFactTables(std::span<const amd_id> path, const PathJoinSource& source,
-                     PathMeasure& measure);
+/// cannot be told apart the listener receives the reason; unless it throws, `factTables` stays
+/// empty and the many-to-many joins are counted to the end.
+void CountFactTables(ReadJoins joins, MeasureTools& tools, PathMeasure& measure);
 
 /// Sets how much the path branches: for every query subject that more than two ends of its joins
 /// meet, their number less two. A join of a query subject with itself has two ends there.
-void CountBranches(std::span<const amd_id> path, const PathJoinSource& source,
-                   PathMeasure& measure);
+void CountBranches(ReadJoins joins, MeasureTools& tools, PathMeasure& measure);
+
+/// What a join that cannot be read goes by in the signature of a path.
+inline constexpr const char* kUnreadableName = "Dummy";
 
 /// Returns the names of the joins of a path. `lookUpName` returns the name of a join, or nothing
-/// when it cannot be read; such a join goes by the name "Dummy".
+/// when it cannot be read.
 template <typename Name, typename LookUpName>
 [[nodiscard]] std::set<Name> GetPathSignature(std::span<const amd_id> path,
                                               const LookUpName& lookUpName)
@@ -97,7 +113,7 @@ template <typename Name, typename LookUpName>
     std::set<Name> signature;
     for (const amd_id& join : path) {
         std::optional<Name> name = lookUpName(join);
-        signature.insert(name ? std::move(*name) : Name("Dummy"));
+        signature.insert(name ? std::move(*name) : Name(kUnreadableName));
     }
     return signature;
 }

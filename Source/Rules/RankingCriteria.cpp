@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace qe {
 
@@ -117,9 +118,17 @@ const RankingCriterion* FindDifference(const PathMeasure& first, const PathMeasu
 
 void MeasureByAll(std::span<const amd_id> path, const PathJoinSource& source, PathMeasure& measure)
 {
+    std::vector<PathJoin> read;
+    read.reserve(path.size());
+    std::vector<const PathJoin*> joins;
+    for (const amd_id& id : path) {
+        if (const auto join = source.ReadPathJoin(id))
+            joins.push_back(&read.emplace_back(*join));
+    }
+    MeasureTools tools{.listener = source};
     for (const RankingCriterion& criterion : kCriteria) {
         if (criterion.measure != nullptr)
-            criterion.measure(path, source, measure);
+            criterion.measure(joins, tools, measure);
     }
 }
 

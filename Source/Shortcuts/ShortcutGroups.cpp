@@ -102,6 +102,8 @@ void ShortcutGroups::AddGroup(const amd_id& key, const std::vector<amd_id>& memb
 {
     for (const amd_id& member : members) {
         mGroups[key].insert(member);
+        amd_id& least = mKeyOfMember.emplace(member, key).first->second;
+        least = std::min(least, key);
         AddJoin(key, member);
     }
     for (std::size_t i = 0; i < members.size(); ++i) {
@@ -125,10 +127,8 @@ void ShortcutGroups::AddJoin(const amd_id& left, const amd_id& right)
 
 amd_id ShortcutGroups::FindKey(const amd_id& shortcut) const
 {
-    const auto group = std::find_if(mGroups.begin(), mGroups.end(), [&shortcut](const auto& entry) {
-        return entry.second.count(shortcut) != 0;
-    });
-    return group == mGroups.end() ? shortcut : group->first;
+    const auto key = mKeyOfMember.find(shortcut);
+    return key == mKeyOfMember.end() ? shortcut : key->second;
 }
 
 void ShortcutGroups::Dump(std::ostream& out) const

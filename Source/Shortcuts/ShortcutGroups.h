@@ -34,8 +34,8 @@ public:
 
     [[nodiscard]] const std::vector<QEjoinInfo>& GetJoins() const noexcept { return mJoins; }
 
-    /// Returns the key of the group that the shortcut is a member of; its own id when there is
-    /// none.
+    /// Returns the key of the group that the shortcut is a member of, the least of several; its own
+    /// id when there is none.
     [[nodiscard]] amd_id FindKey(const amd_id& shortcut) const;
 
     /// Writes one line for each group and one for each synthetic join. Names come from the gateway,
@@ -48,6 +48,8 @@ private:
 
     amdi_gateway* mGateway;
     std::map<amd_id, std::set<amd_id>> mGroups;
+    /// For each member of a group, the least key of the groups that it is in.
+    std::map<amd_id, amd_id> mKeyOfMember;
     std::vector<QEjoinInfo> mJoins;
 };
 

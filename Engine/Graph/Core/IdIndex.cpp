@@ -73,6 +73,8 @@ void SortByByte(std::vector<IdIndex::Entry>& entries, unsigned byte,
 void SortById(std::vector<IdIndex::Entry>& entries)
 {
     constexpr std::size_t kFewestToCount = 512;
+    if (std::is_sorted(entries.begin(), entries.end(), IsIdLess))
+        return;
     if (entries.size() < kFewestToCount) {
         std::stable_sort(entries.begin(), entries.end(), IsIdLess);
         return;
@@ -82,10 +84,14 @@ void SortById(std::vector<IdIndex::Entry>& entries)
         SortByByte(entries, byte, space);
 }
 
-// Finds the entry by halving without a branch that would have to be guessed: loading a graph
+// Looks where the entry stands if ids are numbered without gaps, as those of a model mostly are.
+// Finds it otherwise by halving without a branch that would have to be guessed: loading a graph
 // looks up both ends of every edge.
 const IdIndex::Entry* FindIn(const std::vector<IdIndex::Entry>& run, const IdIndex::Entry& key)
 {
+    const std::size_t place = run.empty() ? 0 : std::size_t{key.number} - run.front().number;
+    if (place < run.size() && IsSameId(run[place], key))
+        return &run[place];
     const IdIndex::Entry* first = run.data();
     for (std::size_t count = run.size(); count > 1;) {
         const std::size_t half = count / 2;

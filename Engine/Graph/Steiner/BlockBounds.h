@@ -44,7 +44,7 @@ public:
     void GrowTree(NodeIndex start);
     /// Improves the best tree by local search.
     void ImproveTree();
-    /// Grows trees from many terminals and improves each by itself, while the time lasts.
+    /// Grows trees from many terminals and improves each by itself, while there are steps left.
     void GrowManyTrees();
     /// Grows a tree around the forest and improves it; classifies the edges by it and the last
     /// ascent when it is the best so far.

@@ -18,6 +18,9 @@ namespace qe::graph {
 
 namespace {
 
+/// With more terminals a block is not searched exactly.
+constexpr std::size_t kMostTerminals = TerminalSet<8>::kCapacity;
+
 /// Calls with the number of words that so many terminals take, when they are not too many.
 template <typename Call>
 void WithWords(std::size_t terminals, const Call& call)
@@ -28,7 +31,7 @@ void WithWords(std::size_t terminals, const Call& call)
         call(std::integral_constant<std::size_t, 2>());
     else if (terminals <= TerminalSet<4>::kCapacity)
         call(std::integral_constant<std::size_t, 4>());
-    else if (terminals <= TerminalSet<8>::kCapacity)
+    else if (terminals <= kMostTerminals)
         call(std::integral_constant<std::size_t, 8>());
 }
 
@@ -118,6 +121,8 @@ BlockSearch::Outcome BlockSearch::Search(TreeFamily& family)
         outcome = SearchWithin(family, tuning::kLastEfforts, mBounds.GetKnownWeight());
     if (outcome)
         return *outcome;
+    if (mNetwork.GetTerminals().size() > kMostTerminals)
+        mBudget.Hit(ELimit::Terminals);
     if (mBounds.GetTree().weight == kUnreached)
         mBounds.GrowTree(mNetwork.GetTerminals().front());
     mBounds.GrowManyTrees();

@@ -62,9 +62,11 @@ struct SteinerResult
 /// the other. When there are more than `maximumTrees`, those listed are a fixed choice among
 /// them, in that order too; the choice depends on graph, terminals and limit only.
 ///
-/// Within the limits the result is exact. When they are exceeded during the search, one tree is
-/// returned, found by a heuristic improved by local search, as EProof::BestFound with the best
-/// lower bound that was proven (EProof::Optimal when the two meet). When they are exceeded while
+/// Within the limits the result is exact, as long as no block of the graph has more than 512
+/// terminals (ELimit::Terminals). When they are exceeded during the search of a block, one tree of
+/// it is returned, found by a heuristic improved by local search, as EProof::BestFound with the
+/// best lower bound that was proven (EProof::Optimal when the two meet); parallel edges and other
+/// blocks can make several trees of it. When they are exceeded while
 /// counting or listing, the weight stays proven, fewer trees may be listed than asked for, and
 /// the count is ECount::AtLeast. When one tree is wanted (EAnswer::OneTree), only a share of the
 /// effort goes into proving that none is lighter.

@@ -19,7 +19,9 @@ DijkstraSteinerSearch<Words>::DijkstraSteinerSearch(const FlatNetwork& network, 
       mRoot(root),
       mLimit(limit),
       mBits(network.GetNodeCount()),
-      mSettledAt(network.GetNodeCount())
+      mSettledAt(network.GetNodeCount()),
+      mIsMissing(network.GetNodeCount(), 0),
+      mSeparation(network)
 {
     std::uint32_t bit = 0;
     for (const NodeIndex terminal : network.GetTerminals()) {
@@ -71,7 +73,7 @@ void DijkstraSteinerSearch<Words>::OfferTerminals()
 {
     for (const NodeIndex terminal : mNetwork.GetTerminals()) {
         if (terminal != mRoot)
-            Offer(terminal, Intern(Set::Single(mBits[terminal])), 0, EOrigin::Grown);
+            Offer(terminal, Intern(Set::Single(mBits[terminal])), 0, {});
     }
 }
 
@@ -85,7 +87,7 @@ bool DijkstraSteinerSearch<Words>::SettleNext()
     std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
     mQueue.pop_back();
     const Label& label = mLabels.Get(entry.label);
-    if (label.isSettled || label.weight + label.completionBound != entry.key)
+    if (label.state != ELabelState::Open || label.weight + label.completionBound != entry.key)
         return false;
     Settle(entry.label);
     return true;
@@ -145,22 +147,24 @@ std::uint64_t DijkstraSteinerSearch<Words>::GetCompletionBound(NodeIndex node, S
 
 template <std::size_t Words>
 void DijkstraSteinerSearch<Words>::Offer(NodeIndex node, SetIndex set, std::uint64_t weight,
-                                         EOrigin origin)
+                                         const Origin& origin)
 {
     const SetInfo& info = mSetInfos[set];
     if (weight > info.cap || weight + info.completionBound > mLimit)
         return;
-    const bool isBranch = origin == EOrigin::Grown;
+    const bool isBranch = !origin.second.IsValid();
     LabelIndex index = mLabels.Find(node, set);
     if (index.IsValid()) {
         Label& label = mLabels.Get(index);
-        if (label.isSettled || weight > label.weight)
+        if (label.state != ELabelState::Open || weight > label.weight)
             return;
         if (weight == label.weight) {
             label.isBranch |= isBranch;
             return;
         }
         label.weight = weight;
+        label.first = origin.first;
+        label.second = origin.second;
         label.isBranch = isBranch;
     } else {
         mLookups += mCompletionBounds.size();
@@ -172,6 +176,8 @@ void DijkstraSteinerSearch<Words>::Offer(NodeIndex node, SetIndex set, std::uint
                              .set = set,
                              .weight = weight,
                              .completionBound = bound + inflation,
+                             .first = origin.first,
+                             .second = origin.second,
                              .isBranch = isBranch});
     }
     mQueue.push_back({weight + mLabels.Get(index).completionBound, index});
@@ -181,7 +187,7 @@ void DijkstraSteinerSearch<Words>::Offer(NodeIndex node, SetIndex set, std::uint
 template <std::size_t Words>
 void DijkstraSteinerSearch<Words>::Settle(LabelIndex index)
 {
-    mLabels.Get(index).isSettled = true;
+    mLabels.Get(index).state = ELabelState::Settled;
     const Label label = mLabels.Get(index);
     SetInfo& info = mSetInfos[label.set];
     if (label.weight > info.cap)
@@ -195,20 +201,43 @@ void DijkstraSteinerSearch<Words>::Settle(LabelIndex index)
         mLimit = label.weight;
         return;
     }
+    if (IsSeparating(index)) {
+        mLabels.Get(index).state = ELabelState::Discarded;
+        return;
+    }
     if (!isOutside)
-        GrowFrom(label);
+        GrowFrom(label, index);
     if (label.node == mRoot)
         JoinAtRoot(label, index);
     else
         JoinAt(label, index);
 }
 
+/// Returns whether the label's partial tree stands in the way of what is missing. Easy searches end
+/// before it is worth asking.
 template <std::size_t Words>
-void DijkstraSteinerSearch<Words>::GrowFrom(const Label& label)
+bool DijkstraSteinerSearch<Words>::IsSeparating(LabelIndex index)
+{
+    if (mSettledCount < mUntestedLabels || mInflation > 0 || !mSeparation.IsWorthwhile())
+        return false;
+    const Label& label = mLabels.Get(index);
+    const Set& set = mSets.Get(label.set);
+    for (const NodeIndex terminal : mNetwork.GetTerminals()) {
+        const bool isInSet = terminal != mRoot && set.Contains(mBits[terminal]);
+        mIsMissing[terminal] = !isInSet && terminal != label.node ? 1 : 0;
+    }
+    const std::uint64_t before = mSeparation.GetSteps();
+    const bool isSeparating = mSeparation.IsSeparating(mLabels, index, mIsMissing);
+    mLookups += mSeparation.GetSteps() - before;
+    return isSeparating;
+}
+
+template <std::size_t Words>
+void DijkstraSteinerSearch<Words>::GrowFrom(const Label& label, LabelIndex index)
 {
     mLookups += mNetwork.GetArcs(label.node).size();
     for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(label.node))
-        Offer(arc.target, label.set, label.weight + arc.weight, EOrigin::Grown);
+        Offer(arc.target, label.set, label.weight + arc.weight, {.first = index});
 }
 
 template <std::size_t Words>
@@ -223,7 +252,7 @@ void DijkstraSteinerSearch<Words>::JoinAt(const Label& label, LabelIndex index)
             const std::uint64_t weight = label.weight + other.weight;
             const Set joined = set.Union(other.set);
             if (weight <= mLimit && settled.RecordOffer(joined, weight))
-                Offer(label.node, Intern(joined), weight, EOrigin::Joined);
+                Offer(label.node, Intern(joined), weight, {.first = index, .second = other.label});
         });
     AddSettled(settled, {set, label.weight, index, label.isBranch});
 }
@@ -252,7 +281,7 @@ void DijkstraSteinerSearch<Words>::JoinAtRoot(const Label& label, LabelIndex ind
             if ((label.isBranch && IsNextBranch(set, other.set)) ||
                 (other.isBranch && IsNextBranch(other.set, set))) {
                 if (weight <= mLimit)
-                    Offer(mRoot, Intern(joined), weight, EOrigin::Joined);
+                    Offer(mRoot, Intern(joined), weight, {.first = index, .second = other.label});
                 return;
             }
             const SetIndex known = mSets.Find(joined);
@@ -279,7 +308,8 @@ template <std::size_t Words>
 LabelIndex DijkstraSteinerSearch<Words>::FindSettled(NodeIndex node, SetIndex set) const
 {
     const LabelIndex label = mLabels.Find(node, set);
-    return label.IsValid() && mLabels.Get(label).isSettled ? label : LabelIndex();
+    return label.IsValid() && mLabels.Get(label).state == ELabelState::Settled ? label
+                                                                               : LabelIndex();
 }
 
 template class DijkstraSteinerSearch<1>;

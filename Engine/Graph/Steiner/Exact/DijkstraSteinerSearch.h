@@ -3,6 +3,8 @@
 
 #include "Engine/Graph/Steiner/Bound/CompletionBound.h"
 #include "Engine/Graph/Steiner/Exact/Labels.h"
+#include "Engine/Graph/Steiner/Exact/SeparationTest.h"
+#include "Engine/Graph/Steiner/Network/SearchTuning.h"
 #include "Engine/Graph/Steiner/Network/SetTable.h"
 
 #include <compare>
@@ -33,8 +35,9 @@ class Budget;
 /// spares most of the sets.
 ///
 /// A label is cut off when it weighs more than a partial tree that joins the same set to a
-/// terminal outside it: joining there instead would be lighter. All cuts are strict, so none
-/// loses a minimum Steiner tree.
+/// terminal outside it: joining there instead would be lighter. In long searches it is cut off as
+/// well when its partial tree stands in the way of what is missing (SeparationTest). All cuts are
+/// strict, so none loses a minimum Steiner tree.
 ///
 /// The time is at most O(3^k n + 2^k (n log n + m)) for k terminals beside the root, n nodes and
 /// m edges; the bound makes it far less as a rule.
@@ -52,6 +55,9 @@ public:
     DijkstraSteinerSearch(const DijkstraSteinerSearch&) = delete;
     DijkstraSteinerSearch& operator=(const DijkstraSteinerSearch&) = delete;
     ~DijkstraSteinerSearch();
+
+    /// Sets after how many settled labels partial trees that stand in the way are looked for.
+    void SetUntestedLabels(std::size_t count) { mUntestedLabels = count; }
 
     enum class EOutcome
     {
@@ -107,20 +113,21 @@ private:
         std::uint64_t cap;
     };
 
-    /// How a partial tree came about.
-    enum class EOrigin
+    /// What a partial tree came from: the label that was grown, or the two that were joined.
+    struct Origin
     {
-        Grown,
-        Joined,
+        LabelIndex first{};
+        LabelIndex second{};
     };
-    void Offer(NodeIndex node, SetIndex set, std::uint64_t weight, EOrigin origin);
+    void Offer(NodeIndex node, SetIndex set, std::uint64_t weight, const Origin& origin);
     [[nodiscard]] std::uint64_t GetCompletionBound(NodeIndex node, SetIndex set,
                                                    std::uint64_t limit) const;
     void OfferTerminals();
     void Settle(LabelIndex index);
     bool SettleNext();
     void ChargeBudget();
-    void GrowFrom(const Label& label);
+    [[nodiscard]] bool IsSeparating(LabelIndex index);
+    void GrowFrom(const Label& label, LabelIndex index);
     void JoinAt(const Label& label, LabelIndex index);
     void JoinAtRoot(const Label& label, LabelIndex index);
     void AddSettled(NodeLabels<Words>& settled, const typename NodeLabels<Words>::Entry& entry);
@@ -142,6 +149,9 @@ private:
     LabelTable mLabels;
     IndexedVector<NodeIndex, NodeLabels<Words>> mSettledAt;
     std::vector<QueueEntry> mQueue;
+    SeparationTest::NodeMarks mIsMissing;
+    SeparationTest mSeparation;
+    std::size_t mUntestedLabels = tuning::kUntestedLabels;
     std::size_t mSettledCount = 0;
     std::size_t mTableBytes = 0;
     /// Steps since the budget was charged last.

@@ -21,6 +21,14 @@ struct LabelIndex
     friend auto operator<=>(const LabelIndex&, const LabelIndex&) = default;
 };
 
+/// What has become of a label.
+enum class ELabelState : std::uint8_t
+{
+    Open,
+    Settled,   ///< Its weight is least.
+    Discarded, ///< No minimum Steiner tree holds it.
+};
+
 /// What is known of the lightest partial tree that joins a set of terminals to a node.
 struct Label
 {
@@ -29,11 +37,14 @@ struct Label
     std::uint64_t weight;
     /// Lower bound for what is missing to a whole tree.
     std::uint64_t completionBound;
+    /// What the partial tree was made of: the label that was grown, or the two that were joined.
+    /// Invalid for a terminal by itself.
+    LabelIndex first{};
+    LabelIndex second{};
     /// Whether the partial tree is known to be a single branch: the terminal itself, or begun by
     /// one edge.
     bool isBranch = false;
-    /// Once settled, the weight is least.
-    bool isSettled = false;
+    ELabelState state = ELabelState::Open;
 };
 
 /// Holds the labels of a search by node and set, in the order in which they came up.

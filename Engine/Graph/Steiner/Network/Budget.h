@@ -38,14 +38,15 @@ enum class ELimit
     Effort,
     Memory,
     Time,
+    Terminals, ///< The exact search takes no more terminals at once; no setting changes that.
 };
 
 /// What one search may spend, and what it has spent. Every loop whose length the input can blow up
 /// records its steps and asks whether they are used up once a round.
 ///
 /// A step is one half-edge, label or piece of a tree that is looked at. Steps are counted, never
-/// timed, so that the same search comes to the same end on every machine; only when the host sets
-/// a time as a guard is the clock read, every now and then.
+/// timed, so that the same search comes to the same end on every machine; what the clock says
+/// counts only when the host sets a time as a guard.
 class Budget
 {
 public:
@@ -72,6 +73,8 @@ public:
 
     /// Returns the limit that was hit first, ELimit::None when none was.
     [[nodiscard]] ELimit GetLimitHit() const { return mLimitHit; }
+    /// Records a limit that is no matter of spending.
+    void Hit(ELimit limit) { mLimitHit = mLimitHit == ELimit::None ? limit : mLimitHit; }
 
 private:
     using Clock = std::chrono::steady_clock;

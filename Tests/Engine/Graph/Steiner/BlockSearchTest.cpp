@@ -1,5 +1,7 @@
 #include "Engine/Graph/Steiner/BlockSearch.h"
 #include "Engine/Graph/Steiner/Bound/CutExchange.h"
+#include "Engine/Graph/Steiner/List/DerivationBuilder.h"
+#include "Engine/Graph/Steiner/List/DerivationWalk.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
 #include "Engine/Graph/Steiner/Network/NetworkBuilder.h"
 #include "Engine/Graph/Steiner/SteinerSolver.h"
@@ -107,6 +109,75 @@ TEST_F(SteinerBlock, ExchangedCutsAddUpAndProveMoreThanTheAscentButNeverTooMuch)
                       flat.GetWeight(half.Edge()));
     }
     EXPECT_GT(gained, 20U);
+}
+
+/// What a search finds: the weight, the number of trees, and the first of them.
+struct Found
+{
+    std::uint64_t weight;
+    std::uint64_t count;
+    std::vector<std::vector<EdgeIndex>> trees;
+};
+
+/// Derives the trees of a search, and checks that they come one by one as they are numbered.
+Found DeriveTrees(const DijkstraSteinerSearch<1>& search, const Network& network, Budget& budget)
+{
+    constexpr std::uint64_t kMost = 300;
+    std::vector<StrandIndex> strands;
+    for (const EdgeIndex edge : search.GetNetwork().GetEdges())
+        strands.push_back(network.GetStrand(search.GetNetwork().GetNetworkEdge(edge)));
+    Derivations<1> derivations(search);
+    DerivationGraph graph(network.GetStrands());
+    DerivationBuilder<1> builder(derivations, strands, budget);
+    EXPECT_EQ(builder.Build(graph), DerivationBuilder<1>::EOutcome::Complete);
+    Found found{search.GetBound(), graph.GetCount(builder.GetWhole()), {}};
+    DerivationWalk<1> walk(derivations, network.GetStrands(), strands);
+    for (std::uint64_t rank = 0; rank < std::min(found.count, kMost); ++rank) {
+        std::vector<EdgeIndex> numbered;
+        graph.AppendEdges(builder.GetWhole(), rank, numbered);
+        EXPECT_TRUE(walk.MoveNext());
+        std::vector<EdgeIndex> walked(walk.GetTree().begin(), walk.GetTree().end());
+        std::sort(numbered.begin(), numbered.end());
+        std::sort(walked.begin(), walked.end());
+        EXPECT_TRUE(walked == numbered);
+        found.trees.push_back(std::move(walked));
+    }
+    EXPECT_EQ(walk.MoveNext(), found.count > kMost);
+    std::sort(found.trees.begin(), found.trees.end());
+    if (found.count > kMost)
+        found.trees.clear();
+    return found;
+}
+
+TEST_F(SteinerBlock, LosesNoTreeToTestsOfWhatStandsInTheWay)
+{
+    std::int64_t discarded = 0;
+    for (int round = 0; round < 60 && !HasFailure(); ++round) {
+        const SteinerGraph graph = DrawGrid(mRandom, 9, 11);
+        StrandPool strands;
+        const Network network = *BuildNetwork(graph.View(), graph.terminals, {}, strands);
+        const FlatNetwork flat(network);
+        BlockBounds bounds(flat, 1'000'000, mBudget);
+        bounds.GrowTree(flat.GetTerminals().front());
+        std::vector<CompletionBound<1>> completion;
+        bounds.AppendBounds(2, bounds.GetKnownWeight(), completion);
+        const auto find = [&](std::size_t untested) {
+            DijkstraSteinerSearch<1> search(flat, bounds.GetRoot(), completion,
+                                            bounds.GetKnownWeight(), mBudget);
+            search.SetUntestedLabels(untested);
+            EXPECT_EQ(search.Run(tuning::kNoEnd), DijkstraSteinerSearch<1>::EOutcome::Solved);
+            const LabelTable& labels = search.GetLabels();
+            for (std::uint32_t label = 0; label < labels.GetCount(); ++label)
+                discarded += labels.Get({label}).state == ELabelState::Discarded ? 1 : 0;
+            return DeriveTrees(search, network, mBudget);
+        };
+        const Found untested = find(tuning::kNoEnd);
+        const Found tested = find(0);
+        EXPECT_EQ(tested.weight, untested.weight);
+        EXPECT_EQ(tested.count, untested.count);
+        EXPECT_TRUE(tested.trees == untested.trees);
+    }
+    EXPECT_GT(discarded, 500);
 }
 
 TEST_F(SteinerBlock, HasTheSameTreesHoweverMuchEffortFindsThem)

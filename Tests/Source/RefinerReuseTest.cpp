@@ -1,0 +1,241 @@
+// One operation goes on with the candidates of the one before it. No answer may show that.
+
+#include "AQE_I_QuerySubjectShortcutInfo.h"
+#include "Tests/Source/RefinerRequest.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using qe::test::Request;
+using Ids = std::vector<amd_id>;
+
+/// Several ways to everything, two of them over shortcuts.
+constexpr const char* kModel = R"(
+    Orders >- Customer : oc; Orders >- Store : os; Orders >- Date : od; Customer >- Region : cr
+    Store >- Region : sr; Region >- Zone : rz; Store >= Zone : sz; Customer >- Date : cd
+    folder Roles
+    Home -> Region; Shipped -> Date; Customer >- Home : ch; Orders >- Shipped : oh
+)";
+
+struct Question
+{
+    std::string subjects;
+    std::string favoured{};
+    std::string required{};
+    std::string avoided{};
+    std::string favouredSubjects{};
+    /// What is left out of the nodes and of the joins.
+    std::string without{};
+};
+
+const Question kOverShortcut{.subjects = "Home, Zone"};
+
+const std::vector<Question> kQuestions{
+    {.subjects = "Orders, Zone"},
+    {.subjects = "Orders, Zone", .favoured = "rz, cr"},
+    {.subjects = "Orders, Zone", .avoided = "sz, od"},
+    {.subjects = "Orders, Region, Date", .favouredSubjects = "Store, Date"},
+    {.subjects = "Orders, Region, Date", .favoured = "cd", .required = "sr", .avoided = "cd"},
+    {.subjects = "Store, Date", .required = "rz"},
+    {.subjects = "Orders, Region", .required = "cr", .without = "cr"},
+    {.subjects = "Orders, Region", .without = "cr"},
+    {.subjects = "Orders, Region", .required = "rz", .without = "Zone"},
+    {.subjects = "Orders, Zone", .without = "Zone"},
+    kOverShortcut,
+    {.subjects = "Orders, Zone", .without = "sz"},
+};
+
+Ids Without(const Request& request, Ids ids, const std::string& left)
+{
+    for (const amd_id& id : request.model.Ids(left))
+        std::erase(ids, id);
+    return ids;
+}
+
+/// Asks three operations and returns all that they say.
+std::string Ask(Request& request, AQE_I_Refiner& refiner, const Question& question)
+{
+    const auto& model = request.model;
+    const Ids nodes = Without(request, model.Subjects(), question.without);
+    const Ids joins = Without(request, model.Joins(), question.without);
+    const Ids subjects = model.Ids(question.subjects);
+    const Ids favoured = model.Ids(question.favoured);
+    const Ids required = model.Ids(question.required);
+    const Ids avoided = model.Ids(question.avoided);
+    std::vector<Ids> paths;
+    std::string text =
+        refiner.ComputeBestJoinPaths(subjects, favoured, required, nodes, joins, paths, avoided,
+                                     model.Ids(question.favouredSubjects))
+            ? "connected"
+            : "apart";
+    Ids joined;
+    refiner.GetJoinedQuerySubjects(subjects, nodes, joins, joined);
+    paths.push_back(joined);
+    int weight = 0;
+    std::vector<Ids> between;
+    std::vector<AQE_Refiner::EndPair> ends;
+    refiner.ComputeBestJoinPathsBetween({subjects.front()}, avoided, {subjects.back()}, {},
+                                        favoured, required, nodes, joins, between, weight, ends);
+    paths.insert(paths.end(), between.begin(), between.end());
+    for (const Ids& path : paths)
+        text += "; " + model.Names(path);
+    return text + "; " + std::to_string(weight);
+}
+
+std::string Ask(Request& request, const Question& question)
+{
+    return Ask(request, *request.refiner, question);
+}
+
+using ShortcutInfo = std::unique_ptr<AQE_I_QuerySubjectShortcutInfo>;
+
+ShortcutInfo SetShortcuts(Request& request, AQE_Governors& governors)
+{
+    ShortcutInfo info(
+        AQE_I_QuerySubjectShortcutInfo::Create(&request.gateway, &governors, &request.context));
+    request.refiner->SetShortcutInfo(info.get());
+    return info;
+}
+
+class KeptCandidates : public testing::TestWithParam<bool>
+{
+protected:
+    /// Returns what is needed for the request to know its shortcuts, where this run wants that.
+    ShortcutInfo Prepare(Request& request)
+    {
+        return GetParam() ? SetShortcuts(request, mGovernors) : nullptr;
+    }
+
+    std::string AskAlone(
+        const Question& question, const std::function<void(Request&)>& change = [](Request&) {})
+    {
+        Request request(kModel);
+        const ShortcutInfo info = Prepare(request);
+        change(request);
+        return Ask(request, question);
+    }
+
+    AQE_Governors mGovernors{};
+};
+
+TEST_P(KeptCandidates, CarryNothingIntoTheNextOperation)
+{
+    std::vector<std::string> alone;
+    for (const Question& question : kQuestions)
+        alone.push_back(AskAlone(question));
+    for (std::size_t first = 0; first < kQuestions.size(); ++first) {
+        for (std::size_t second = 0; second < kQuestions.size(); ++second) {
+            Request request(kModel);
+            const ShortcutInfo info = Prepare(request);
+            EXPECT_EQ(Ask(request, kQuestions[first]), alone[first]) << first;
+            EXPECT_EQ(Ask(request, kQuestions[second]), alone[second]) << first << ' ' << second;
+        }
+    }
+}
+
+TEST_P(KeptCandidates, FollowTheJoinCache)
+{
+    const auto moveJoin = [](Request& request) {
+        AQE_I_Refiner::QEjoinInfo info;
+        ASSERT_TRUE(AQE_I_Refiner::GetJoinInfo(&request.gateway, &request.context,
+                                               request.model.Id("sz"), info));
+        info.leftQuerySubject = request.model.Id("Orders");
+        request.context.GetJoinCache()->CacheJoinInfo(info.joinId, info);
+    };
+    Request request(kModel);
+    const ShortcutInfo info = Prepare(request);
+    const std::string before = Ask(request, kQuestions[0]);
+    moveJoin(request);
+    EXPECT_EQ(Ask(request, kQuestions[0]), AskAlone(kQuestions[0], moveJoin));
+    EXPECT_NE(Ask(request, kQuestions[0]), before);
+}
+
+TEST_P(KeptCandidates, FindJoinsThatCouldNotBeReadBefore)
+{
+    Request request(kModel);
+    request.gateway.Hide(request.model.Id("sz"));
+    const ShortcutInfo info = Prepare(request);
+    const std::string without = Ask(request, kQuestions[0]);
+    // One that fails at the hidden join leaves nothing behind.
+    request.gateway.calls.FailAtCall(1);
+    EXPECT_THROW(Ask(request, kQuestions[1]), qe::test::ToldFailure);
+    EXPECT_EQ(Ask(request, kQuestions[0]), without);
+
+    const std::string with = AskAlone(kQuestions[0]);
+    ASSERT_NE(with, without);
+    request.gateway.Replace(*request.model.GetModel()->Find(request.model.Id("sz")));
+    EXPECT_EQ(Ask(request, kQuestions[0]), with);
+}
+
+TEST_P(KeptCandidates, BelongToOneGateway)
+{
+    Request request(kModel);
+    request.gateway.Hide(request.model.Id("sz"));
+    const ShortcutInfo info = Prepare(request);
+    Ask(request, kQuestions[0]);
+    const auto other = AQE_I_Refiner::Create(&request.model.GetGateway(), nullptr, nullptr,
+                                             &request.context, false, false);
+    other->SetShortcutInfo(info.get());
+    const std::string with = AskAlone(kQuestions[0]);
+    EXPECT_EQ(Ask(request, *other, kQuestions[0]), with);
+    EXPECT_EQ(Ask(request, kQuestions[0]), with) << "it is in the join cache now";
+}
+
+INSTANTIATE_TEST_SUITE_P(Shortcuts, KeptCandidates, testing::Bool());
+
+TEST(KeptCandidatesOfTwo, DifferByTheirShortcuts)
+{
+    AQE_Governors governors{};
+    Request apart(kModel);
+    const std::string without = Ask(apart, kOverShortcut);
+    Request request(kModel);
+    const ShortcutInfo info = SetShortcuts(request, governors);
+    const std::string with = Ask(request, kOverShortcut);
+    ASSERT_NE(with, without);
+    request.refiner->SetShortcutInfo(nullptr);
+    EXPECT_EQ(Ask(request, kOverShortcut), without);
+    request.refiner->SetShortcutInfo(info.get());
+    EXPECT_EQ(Ask(request, kOverShortcut), with);
+}
+
+/// Asks another refiner of the request while it chooses.
+class AskingSelector : public AQE_I_PathSelector
+{
+public:
+    explicit AskingSelector(std::function<void()> ask) : mAsk(std::move(ask)) {}
+    std::uint32_t SelectPath(const qe::test::Descriptors& /*descriptors*/) override
+    {
+        mAsk();
+        return 0;
+    }
+    std::uint32_t SelectAlternative(const std::vector<Ids>& /*paths*/) override { return 0; }
+
+private:
+    std::function<void()> mAsk;
+};
+
+TEST(KeptCandidatesOfTwo, AreNotSharedWhileOneIsAtWork)
+{
+    Request request(kModel);
+    const Question& other = kQuestions[2];
+    Request apart(kModel);
+    const std::string alone = Ask(apart, other);
+    int asked = 0;
+    AskingSelector selector([&] {
+        ++asked;
+        EXPECT_EQ(Ask(request, other), alone);
+    });
+    const auto refiner =
+        AQE_I_Refiner::Create(&request.gateway, &selector, nullptr, &request.context, false, false);
+    Ids path;
+    refiner->ComputeJoinPath(request.model.Ids("Orders, Region, Date"), request.model.Ids("od"), {},
+                             request.model.Subjects(), request.model.Joins(), {}, path);
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(Ask(request, other), alone);
+}
+
+} // namespace
