@@ -39,10 +39,11 @@ void AnswerFromStart(benchmark::State& state)
 }
 BENCHMARK(AnswerFromStart)->Unit(benchmark::kMillisecond);
 
-/// Requests of nine subjects, a hundred in each round; the argument is the number of threads.
+/// Requests of nine subjects, a thousand different ones in each round; the argument is the number
+/// of threads.
 void AnswerBatch(benchmark::State& state)
 {
-    constexpr std::size_t kRequests = 100;
+    constexpr std::size_t kRequests = 1000;
     const ToolModel model = MakeGalaxy(kSize);
     std::string lines;
     for (const std::string& request : MakeGalaxyRequests(kSize, kRequests))
