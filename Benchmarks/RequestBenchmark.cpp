@@ -79,9 +79,10 @@ Galaxy MakeGalaxy(int subjectCount)
                 continue;
             own.push_back(dimension);
             const std::string name = "Dimension " + std::to_string(place);
-            builder.AddRelationship(space, factName + " to " + name,
-                                    {galaxy.facts.back(), kOneToMany}, {dimension, kOneToOne},
-                                    WriteCondition(factName, name));
+            std::string joinName = factName;
+            joinName.append(" to ").append(name);
+            builder.AddRelationship(space, joinName, {galaxy.facts.back(), kOneToMany},
+                                    {dimension, kOneToOne}, WriteCondition(factName, name));
         }
     }
     galaxy.candidates = MakeCandidates(builder, IdClassRelationship);

@@ -179,7 +179,7 @@ void SteinerSolver::ListTree(std::vector<EdgeIndex> tree)
 {
     constexpr std::size_t kAllocation = 16;
     mBudget.Spend(tree.size());
-    mBudget.Charge(sizeof tree + tree.size() * sizeof(EdgeIndex) + kAllocation);
+    mBudget.Charge(sizeof(std::vector<EdgeIndex>) + tree.size() * sizeof(EdgeIndex) + kAllocation);
     mResult.trees.push_back(std::move(tree));
 }
 
