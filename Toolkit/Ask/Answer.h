@@ -71,6 +71,14 @@ inline constexpr std::string_view kJoinNames = "join names";
 inline constexpr std::string_view kOrder = "order";
 /// Among equally cheap ones, the keys speak for it.
 inline constexpr std::string_view kKeys = "keys";
+/// Among those that the keys and the ranking put level, its referring columns come first.
+inline constexpr std::string_view kPositions = "column positions";
+/// People used its joins more often.
+inline constexpr std::string_view kPastQueries = "past queries";
+/// Level in how people joined, it is walked from one row to many less often.
+inline constexpr std::string_view kWalksToMany = "walks to many";
+/// Level in that and in its keys, fewer of its tables hold them.
+inline constexpr std::string_view kReferringTables = "referring tables";
 /// The selector's own rule.
 inline constexpr std::string_view kSelector = "selector";
 
@@ -115,6 +123,16 @@ struct Separation
     std::vector<amd_id> bridge{};
 };
 
+/// How often people used the joins in which the chosen path differs from the next best.
+struct PastUse
+{
+    std::size_t chosen = 0;
+    std::size_t other = 0;
+    /// The past queries that used one of these joins, those of the chosen path first; only where
+    /// the question asks for them.
+    std::vector<std::string> queries{};
+};
+
 /// What the refiner answered to one question. Everything that is mentioned is in `subjects` and
 /// `joinsById`.
 struct Answer
@@ -142,6 +160,8 @@ struct Answer
     std::optional<std::size_t> chosen{};
     /// The name of a ranking criterion, or one of namespace decision.
     std::string_view criterion = decision::kNone;
+    /// Where past queries decided.
+    std::optional<PastUse> pastUse{};
     std::vector<std::vector<amd_id>> bestPaths{};
     /// Between two sets: the subjects at the ends of the path, or of each of the best paths.
     std::vector<std::pair<amd_id, amd_id>> endPairs{};

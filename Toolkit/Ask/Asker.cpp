@@ -9,6 +9,7 @@
 #include "Toolkit/Ask/AnswerRecorder.h"
 #include "Toolkit/Ask/KeyChoice.h"
 #include "Toolkit/Ask/LogNotices.h"
+#include "Toolkit/Ask/PathAdvisor.h"
 #include "Toolkit/Ask/Request.h"
 #include "Toolkit/Ask/RequestBasis.h"
 #include "Toolkit/Ask/ResolvedQuestion.h"
@@ -64,11 +65,17 @@ public:
     /// Refers to everything that it is given.
     QuestionRun(const ToolModel& model, const Question& question, const ResolvedQuestion& resolved,
                 RequestBasis& basis)
-        : mQuestion(question),
+        : mModel(*model.model),
+          mAdvisor(model.advisor.get()),
+          mQuestion(question),
           mResolved(resolved),
+          mRanking(question.ranking),
           mRequest(basis, resolved),
           mRecorder(*model.model, mResolved, mRequest, mAnswer)
-    {}
+    {
+        // Between two sets how straight a path is plays no part.
+        mRanking.useStraightestPath &= question.operation == EOperation::Path;
+    }
     QuestionRun(const QuestionRun&) = delete;
     QuestionRun& operator=(const QuestionRun&) = delete;
 
@@ -91,8 +98,13 @@ private:
     std::uint32_t SelectByKeys();
     std::uint32_t SelectByMainObject(const Descriptors& descriptors);
 
+    const model::Model& mModel;
+    /// May be null.
+    const PathAdvisor* mAdvisor;
     const Question& mQuestion;
     const ResolvedQuestion& mResolved;
+    /// The criteria that this operation ranks by.
+    RankingSwitches mRanking;
     Request mRequest;
     Answer mAnswer;
     AnswerRecorder mRecorder;
@@ -246,10 +258,7 @@ void QuestionRun::RecordCandidates(const Descriptors& descriptors)
         alternative.rank = descriptor->GetRank();
         mAnswer.alternatives.push_back(std::move(alternative));
     }
-    RankingSwitches ranking = mQuestion.ranking;
-    // Between two sets how straight a path is plays no part.
-    ranking.useStraightestPath &= mQuestion.operation == EOperation::Path;
-    mAnswer.criterion = FindDecision(mAnswer, ranking);
+    mAnswer.criterion = FindDecision(mAnswer, mRanking);
     // Between two sets the ranking has no weights of its own and counts -1 for each join.
     for (Alternative& alternative : mAnswer.alternatives) {
         if (alternative.weight < 0)
@@ -259,9 +268,10 @@ void QuestionRun::RecordCandidates(const Descriptors& descriptors)
 
 std::uint32_t QuestionRun::SelectByKeys()
 {
-    const KeyChoice choice = ChooseByKeys(mAnswer);
-    if (choice.isClear || choice.position != 0)
-        mAnswer.criterion = decision::kKeys;
+    const PathChoice choice = mAdvisor == nullptr ? ChooseByKeys(mModel, mAnswer, mRanking)
+                                                  : mAdvisor->Choose(mModel, mAnswer);
+    if (!choice.decidedBy.empty())
+        mAnswer.criterion = choice.decidedBy;
     return static_cast<std::uint32_t>(choice.position);
 }
 

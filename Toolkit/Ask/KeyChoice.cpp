@@ -2,14 +2,11 @@
 
 #include "Engine/Expression/ParseReport.h"
 #include "Engine/Services/Characters.h"
-#include "Source/Rules/Cardinality.h"
+#include "Toolkit/Ask/PathKeys.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <iterator>
 #include <map>
-#include <set>
-#include <tuple>
 
 namespace qe::tool {
 namespace {
@@ -44,29 +41,6 @@ std::vector<ColumnPair> FindColumnPairs(const std::string& condition)
 
 namespace {
 
-/// What the keys of joins say; less is better.
-struct KeyMeasure
-{
-    std::size_t differingWords = 0;
-    std::size_t pairs = 0;
-    std::size_t optionalJoins = 0;
-
-    void Add(const KeyMeasure& other)
-    {
-        differingWords += other.differingWords;
-        pairs += other.pairs;
-        optionalJoins += other.optionalJoins;
-    }
-
-    friend bool operator==(const KeyMeasure&, const KeyMeasure&) = default;
-
-    [[nodiscard]] bool IsBetterThan(const KeyMeasure& other) const
-    {
-        return std::tie(differingWords, other.pairs, optionalJoins) <
-               std::tie(other.differingWords, pairs, other.optionalJoins);
-    }
-};
-
 bool IsWordLetter(char letter)
 {
     return ascii::IsLetter(letter) || ascii::IsDigit(letter) ||
@@ -83,32 +57,6 @@ bool BeginsWord(std::string_view name, std::size_t position)
     const bool isBeforeLower = position + 1 < name.size() && ascii::IsLower(name[position + 1]);
     return ascii::IsLower(before) || ascii::IsDigit(before) ||
            (ascii::IsUpper(before) && isBeforeLower);
-}
-
-std::size_t CountDifferingWords(const std::string& left, const std::string& right)
-{
-    const auto wordsOf = [](const std::string& name) {
-        const std::vector<std::string> words = SplitWords(name);
-        return std::set<std::string>(words.begin(), words.end());
-    };
-    const std::set<std::string> ofLeft = wordsOf(left);
-    const std::set<std::string> ofRight = wordsOf(right);
-    std::vector<std::string> differing;
-    std::set_symmetric_difference(ofLeft.begin(), ofLeft.end(), ofRight.begin(), ofRight.end(),
-                                  std::back_inserter(differing));
-    return differing.size();
-}
-
-KeyMeasure Measure(const AnswerJoin& join)
-{
-    KeyMeasure measure;
-    for (const ColumnPair& pair : FindColumnPairs(join.condition)) {
-        measure.differingWords += CountDifferingWords(pair.left.name, pair.right.name);
-        ++measure.pairs;
-    }
-    const bool isSure = IsExactlyOne(join.leftCardinality) || IsExactlyOne(join.rightCardinality);
-    measure.optionalJoins = isSure ? 0 : 1;
-    return measure;
 }
 
 } // namespace
@@ -131,29 +79,64 @@ std::vector<std::string> SplitWords(std::string_view name)
     return words;
 }
 
-KeyChoice ChooseByKeys(const Answer& answer)
+std::size_t CountLeastWeight(const Answer& answer)
 {
-    std::map<amd_id, KeyMeasure> joins;
-    for (const auto& [id, join] : answer.joinsById)
-        joins.emplace(id, Measure(join));
+    const auto isHeavier = [&answer](const Alternative& alternative) {
+        return alternative.weight != answer.alternatives.front().weight;
+    };
+    const auto end =
+        std::find_if(answer.alternatives.begin(), answer.alternatives.end(), isHeavier);
+    return static_cast<std::size_t>(end - answer.alternatives.begin());
+}
 
-    std::vector<KeyMeasure> measures;
-    for (const Alternative& alternative : answer.alternatives) {
-        if (alternative.weight != answer.alternatives.front().weight)
-            break;
-        KeyMeasure& measure = measures.emplace_back();
-        for (const amd_id& id : alternative.joins) {
-            if (const auto found = joins.find(id); found != joins.end())
-                measure.Add(found->second);
-        }
-    }
-    const auto best = std::min_element(
-        measures.begin(), measures.end(),
-        [](const KeyMeasure& left, const KeyMeasure& right) { return left.IsBetterThan(right); });
-    if (measures.size() < 2)
+void KeepBestRanked(PathSieve& sieve, const Answer& answer, const RankingSwitches& ranking)
+{
+    if (sieve.GetLeft().size() < 2)
+        return;
+    const Alternative& best = answer.alternatives[sieve.GetLeft().front()];
+    std::string_view criterion;
+    const auto differs = [&](std::size_t position) {
+        const RankingCriterion* const difference =
+            FindDifference(best, answer.alternatives[position], ranking);
+        if (difference != nullptr)
+            criterion = difference->name;
+        return difference == nullptr ? 0 : 1;
+    };
+    for (const std::size_t position : sieve.GetLeft())
+        static_cast<void>(differs(position));
+    sieve.KeepLeast(criterion, differs);
+}
+
+void KeepBestKeys(PathSieve& sieve, const Answer& answer, KeyMeasures& measures)
+{
+    if (sieve.GetLeft().size() < 2)
+        return;
+    std::map<std::size_t, PathKeys> keys;
+    for (const std::size_t position : sieve.GetLeft())
+        keys.emplace(position, measures.Measure(answer.alternatives[position].joins));
+    const auto keep = [&](auto measure) {
+        sieve.KeepLeast(decision::kKeys, [&keys, measure](std::size_t position) {
+            return measure(keys.at(position));
+        });
+    };
+    keep([](const PathKeys& path) { return path.differingWords; });
+    keep([](const PathKeys& path) { return -path.pairs; });
+    keep([](const PathKeys& path) { return path.optionalJoins; });
+}
+
+PathChoice ChooseByKeys(const model::Model& model, const Answer& answer,
+                        const RankingSwitches& ranking)
+{
+    PathSieve sieve(CountLeastWeight(answer));
+    if (sieve.GetLeft().size() < 2)
         return {};
-    return {static_cast<std::size_t>(best - measures.begin()),
-            std::count(measures.begin(), measures.end(), *best) == 1};
+    KeyMeasures measures(model, answer);
+    KeepBestKeys(sieve, answer, measures);
+    KeepBestRanked(sieve, answer, ranking);
+    sieve.KeepLeast(decision::kPositions, [&](std::size_t position) {
+        return measures.Measure(answer.alternatives[position].joins).positions;
+    });
+    return sieve.Take();
 }
 
 } // namespace qe::tool

@@ -2,12 +2,18 @@
 #define TOOLKIT_ASK_KEYCHOICE_H
 
 #include "Engine/Model/Names.h"
+#include "Source/Rules/RankingCriteria.h"
 #include "Toolkit/Ask/Answer.h"
+#include "Toolkit/Ask/PathSieve.h"
 
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
+
+namespace qe::model {
+class Model;
+}
 
 namespace qe::tool {
 
@@ -35,24 +41,32 @@ struct ColumnPair
 /// that is no expression gives the pairs before its fault.
 [[nodiscard]] std::vector<ColumnPair> FindColumnPairs(const std::string& condition);
 
-/// What keys say of the alternatives.
-struct KeyChoice
-{
-    std::size_t position = 0;
-    /// Whether no other alternative of least weight has keys as good; then the ranking decided
-    /// nothing.
-    bool isClear = false;
-};
+/// Returns how many of the alternatives have the least weight: they come first.
+[[nodiscard]] std::size_t CountLeastWeight(const Answer& answer);
+
+class KeyMeasures;
+
+/// Keeps those whose keys speak for them: fewest differing words, then most column pairs, then
+/// fewest optional joins.
+void KeepBestKeys(PathSieve& sieve, const Answer& answer, KeyMeasures& measures);
+
+/// Keeps those that the ranking, by the criteria that are on, puts level with the first that is
+/// left.
+void KeepBestRanked(PathSieve& sieve, const Answer& answer, const RankingSwitches& ranking);
 
 /// Returns the choice, among the alternatives of least weight, that the keys speak for; the first
-/// when there are none. The first of these that differ decides:
+/// when there are none. The first of these that differs decides:
 /// 1. fewer words by which the names of joined columns differ: orders.customerId leads to
 ///    customer.customerId sooner than orders.approvedByCustomerId does;
 /// 2. more pairs of columns: a composite key leads to the nearer owner, such as the item of an
 ///    order rather than the order;
 /// 3. fewer joins that may find no row, having no end of exactly one;
-/// 4. the better ranking.
-[[nodiscard]] KeyChoice ChooseByKeys(const Answer& answer);
+/// 4. the criteria of the ranking;
+/// 5. referring columns that stand earlier in their tables: who designs a table puts the principal
+///    role first;
+/// 6. the names of the joins.
+[[nodiscard]] PathChoice ChooseByKeys(const model::Model& model, const Answer& answer,
+                                      const RankingSwitches& ranking);
 
 /// Returns the words of a name, in lower case (A to Z): it is split at everything but letters and
 /// digits, and where capitals begin a word, as in "orderItemID" or "HTTPServer". Bytes beyond ASCII

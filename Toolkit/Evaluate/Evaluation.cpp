@@ -5,7 +5,9 @@
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Batch/LineReader.h"
 #include "Toolkit/Batch/QuestionReader.h"
+#include "Toolkit/Evaluate/HistoryRounds.h"
 #include "Toolkit/Evaluate/ModelSource.h"
+#include "Toolkit/History/PastQuery.h"
 #include "Toolkit/Text/InputFile.h"
 #include "Toolkit/Text/JsonObject.h"
 
@@ -126,34 +128,69 @@ std::vector<NamedPair> Without(std::vector<NamedPair> pairs, const std::vector<N
     return pairs;
 }
 
+/// A line of the requests, as far as it could be read.
+struct ReadRequest
+{
+    std::size_t line = 0;
+    WrittenRequest written{};
+    Question question{};
+    /// Why it cannot be asked; empty when it can.
+    std::string reason{};
+};
+
+ReadRequest ReadRequestLine(const RequestLine& line, const Question& defaults)
+{
+    ReadRequest read{.line = line.number};
+    try {
+        if (line.isTooLong)
+            throw InputError({InputProblem{"", "the line is too long"}});
+        const RequestDocument request = ParseRequest(line.text);
+        read.written = ReadWritten(request.json);
+        read.question = ReadQuestion(request, defaults);
+        read.written.joins = ReadJoins(request.json);
+    } catch (const InputError& error) {
+        read.reason = error.what();
+    }
+    return read;
+}
+
+/// Returns what the request is to those that come with it as their history.
+PastQuery ToPastQuery(const ReadRequest& request)
+{
+    PastQuery query{.id = request.written.id, .database = request.written.database};
+    for (const std::string& subject : request.question.subjects)
+        query.tables.push_back(ToTableName(subject));
+    if (request.reason.empty())
+        query.pairs = request.written.joins;
+    Normalise(query);
+    return query;
+}
+
 class Evaluator
 {
 public:
-    Evaluator(ModelSource& models, const Question& defaults) : mModels(models), mDefaults(defaults)
+    Evaluator(ModelSource& models, const std::vector<PastQuery>& queries, EHistoryRound round)
+        : mRounds(round, models, queries)
     {}
 
-    void Add(const RequestLine& line)
+    /// Asks the requests, all of them in their order.
+    void Add(std::size_t position, const ReadRequest& request)
     {
         Difference difference;
-        difference.line = line.number;
-        WrittenRequest written;
-        Question question;
-        try {
-            if (line.isTooLong)
-                throw InputError({InputProblem{"", "the line is too long"}});
-            const RequestDocument request = ParseRequest(line.text);
-            written = ReadWritten(request.json);
-            question = ReadQuestion(request, mDefaults);
-            written.joins = ReadJoins(request.json);
-            Ask(written, question, difference);
-        } catch (const InputError& error) {
-            difference.reason = error.what();
+        difference.line = request.line;
+        difference.id = request.written.id;
+        difference.reason = request.reason;
+        if (request.reason.empty()) {
+            try {
+                Ask(position, request, difference);
+            } catch (const InputError& error) {
+                difference.reason = error.what();
+            }
         }
-        difference.id = written.id;
         mEvaluation.all.Add(difference.comparison);
-        mEvaluation.byGiven[written.given].Add(difference.comparison);
-        mEvaluation.byCase[written.caseName].Add(difference.comparison);
-        mEvaluation.bySubjects[question.subjects.size()].Add(difference.comparison);
+        mEvaluation.byGiven[request.written.given].Add(difference.comparison);
+        mEvaluation.byCase[request.written.caseName].Add(difference.comparison);
+        mEvaluation.bySubjects[request.question.subjects.size()].Add(difference.comparison);
         if (difference.comparison != EComparison::Same)
             mEvaluation.differences.push_back(std::move(difference));
     }
@@ -161,20 +198,21 @@ public:
     [[nodiscard]] Evaluation Take() { return std::move(mEvaluation); }
 
 private:
-    void Ask(const WrittenRequest& written, const Question& question, Difference& difference)
+    void Ask(std::size_t position, const ReadRequest& request, Difference& difference)
     {
-        const EvaluatedModel& model = mModels.Get(written.database);
+        Question question = request.question;
+        const EvaluatedModel& model = mRounds.Prepare(position, question);
         const Answer answer = tool::Ask(model.tool, question);
-        difference.comparison = Compare(model, answer, ColumnClasses(written.joins));
+        const std::vector<NamedPair>& joins = request.written.joins;
+        difference.comparison = Compare(model, answer, ColumnClasses(joins));
         if (answer.error)
             difference.reason = answer.error->text;
         const auto chosen = FindPathPairs(*model.tool.model, answer, answer.path);
-        difference.onlyWritten = Without(written.joins, chosen);
-        difference.onlyChosen = Without(chosen, written.joins);
+        difference.onlyWritten = Without(joins, chosen);
+        difference.onlyChosen = Without(chosen, joins);
     }
 
-    ModelSource& mModels;
-    const Question& mDefaults;
+    HistoryRounds mRounds;
     Evaluation mEvaluation;
 };
 
@@ -209,14 +247,34 @@ std::size_t Tally::CountEquallyGood() const
     return Get(EComparison::Same) + Get(EComparison::OtherOfEquallyGood);
 }
 
-Evaluation Evaluate(ModelSource& models, std::istream& requests, const Question& defaults)
+namespace {
+
+Evaluation AskAll(ModelSource& models, const std::vector<ReadRequest>& requests,
+                  const std::vector<PastQuery>& queries, EHistoryRound round)
 {
-    Evaluator evaluator(models, defaults);
+    Evaluator evaluator(models, queries, round);
+    for (std::size_t position = 0; position < requests.size(); ++position)
+        evaluator.Add(position, requests[position]);
+    return evaluator.Take();
+}
+
+} // namespace
+
+Evaluation Evaluate(ModelSource& models, std::istream& requests, const Question& defaults,
+                    EHistoryRound round)
+{
     LineReader reader(requests, kLongestLine);
     RequestLine line;
-    while (reader.Next(line))
-        evaluator.Add(line);
-    return evaluator.Take();
+    std::vector<ReadRequest> read;
+    std::vector<PastQuery> queries;
+    while (reader.Next(line)) {
+        read.push_back(ReadRequestLine(line, defaults));
+        queries.push_back(ToPastQuery(read.back()));
+    }
+    Evaluation evaluation = AskAll(models, read, queries, round);
+    if (round != EHistoryRound::None)
+        evaluation.withoutHistory = AskAll(models, read, queries, EHistoryRound::None).all;
+    return evaluation;
 }
 
 } // namespace qe::tool

@@ -2,6 +2,7 @@
 #define TOOLKIT_EVALUATE_EVALUATION_H
 
 #include "Toolkit/Ask/Question.h"
+#include "Toolkit/Evaluate/HistoryRounds.h"
 #include "Toolkit/Evaluate/ModelSource.h"
 
 #include <array>
@@ -9,6 +10,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -78,6 +80,8 @@ struct Evaluation
     std::map<std::size_t, Tally> bySubjects{};
     /// In the order of the lines.
     std::vector<Difference> differences{};
+    /// Where the requests were asked with a history: what they come to without.
+    std::optional<Tally> withoutHistory{};
 };
 
 /// Asks the requests, one JSON object a line with the joins that a person wrote, and compares. A
@@ -85,7 +89,8 @@ struct Evaluation
 /// where there are several models; `given` and `case` where the output is to be split by them. A
 /// line that cannot be answered counts as refused and the rest go on.
 [[nodiscard]] Evaluation Evaluate(ModelSource& models, std::istream& requests,
-                                  const Question& defaults);
+                                  const Question& defaults,
+                                  EHistoryRound round = EHistoryRound::None);
 
 } // namespace qe::tool
 

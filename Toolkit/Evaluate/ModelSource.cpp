@@ -1,8 +1,6 @@
 #include "Toolkit/Evaluate/ModelSource.h"
 
 #include "Engine/Model/Model.h"
-#include "Engine/Services/Characters.h"
-#include "Toolkit/Ask/KeyChoice.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <algorithm>
@@ -46,11 +44,6 @@ bool ColumnClasses::CanBeMadeOf(const std::vector<NamedPair>& pairs) const
     return ColumnClasses(inside) == *this;
 }
 
-std::string ToColumnName(const std::string& table, const std::string& column)
-{
-    return ascii::ToLower(table + '.' + column);
-}
-
 namespace {
 
 std::vector<NamedPair> FindModelPairs(const model::Model& model)
@@ -67,23 +60,6 @@ std::vector<NamedPair> FindModelPairs(const model::Model& model)
 }
 
 } // namespace
-
-std::vector<NamedPair> FindNamedPairs(const model::Model& model, const amd_id& left,
-                                      const amd_id& right, const std::string& condition)
-{
-    const auto toName = [&](const Column& column) {
-        for (const amd_id& end : {left, right}) {
-            const auto* const target = model.Find(model.GetTarget(end));
-            if (target != nullptr && model.GetQualifiedName(end) == column.subject)
-                return ToColumnName(target->name, column.name);
-        }
-        return ToColumnName(column.subject.back(), column.name);
-    };
-    std::vector<NamedPair> pairs;
-    for (const ColumnPair& pair : FindColumnPairs(condition))
-        pairs.emplace_back(toName(pair.left), toName(pair.right));
-    return pairs;
-}
 
 ModelSource::ModelSource(const std::filesystem::path& path, Opener opener)
     : mOpener(std::move(opener)), mIsFolder(std::filesystem::is_directory(path))

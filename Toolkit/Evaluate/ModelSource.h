@@ -1,21 +1,17 @@
 #ifndef TOOLKIT_EVALUATE_MODELSOURCE_H
 #define TOOLKIT_EVALUATE_MODELSOURCE_H
 
+#include "Toolkit/History/NamedPairs.h"
 #include "Toolkit/Model/ToolModel.h"
-#include "amd_id.h"
 
 #include <filesystem>
 #include <functional>
 #include <map>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace qe::tool {
-
-/// Two columns that are joined, each as "table.column" in lower case (A to Z).
-using NamedPair = std::pair<std::string, std::string>;
 
 /// Sets of columns that joins make equal. Two lists of joins that make the same columns equal lead
 /// to the same rows: a = b and b = c mean what a = c and b = c mean.
@@ -37,9 +33,6 @@ private:
     std::set<std::set<std::string>> mClasses;
 };
 
-/// Returns the name of a column as classes compare it.
-[[nodiscard]] std::string ToColumnName(const std::string& table, const std::string& column);
-
 /// A model with what an evaluation needs to know of it.
 struct EvaluatedModel
 {
@@ -47,12 +40,6 @@ struct EvaluatedModel
     /// The pairs of columns on which its relationships join.
     std::vector<NamedPair> pairs{};
 };
-
-/// Returns the pairs of columns of a join condition between two ends; shortcuts go by the name of
-/// what they stand for.
-[[nodiscard]] std::vector<NamedPair> FindNamedPairs(const model::Model& model, const amd_id& left,
-                                                    const amd_id& right,
-                                                    const std::string& condition);
 
 /// Finds the model that a request is about: the one model that it was made with or, in a folder,
 /// the file that is called as the request's database, whatever its extension. Models are opened

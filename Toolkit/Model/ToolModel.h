@@ -13,6 +13,8 @@ class Model;
 
 namespace qe::tool {
 
+class PathAdvisor;
+
 /// A model with what else a request needs to know of it.
 struct ToolModel
 {
@@ -20,6 +22,8 @@ struct ToolModel
     /// The user classes that requests are made with.
     std::vector<std::string> userClasses{};
     AQE_Governors governors{};
+    /// What is asked about equally cheap paths before their keys; may be null.
+    std::shared_ptr<const PathAdvisor> advisor{};
     /// What reading left out or had to guess, one sentence each.
     std::vector<std::string> notes{};
 };

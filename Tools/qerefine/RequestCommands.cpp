@@ -68,6 +68,7 @@ struct EvaluateCommandOptions
     RequestOptions file{};
     EReportFormat format = EReportFormat::PlainText;
     EDifferences differences = EDifferences::Counted;
+    EHistoryRound round = EHistoryRound::None;
 };
 
 void AddRequestOptions(CLI::App& command, RequestOptions& options)
@@ -148,6 +149,14 @@ void AddEvaluateOptions(CLI::App& command, EvaluateCommandOptions& options)
     command.add_flag_callback(
         "--list", [&options] { options.differences = EDifferences::Listed; },
         "Tell each request that was not answered the same");
+    CLI::Option* const leaveOneOut = command.add_flag_callback(
+        "--leave-one-out", [&options] { options.round = EHistoryRound::LeaveOneOut; },
+        "Answer each request with all others as its history");
+    command
+        .add_flag_callback(
+            "--replay", [&options] { options.round = EHistoryRound::Replay; },
+            "Answer each request with those before it as its history")
+        ->excludes(leaveOneOut);
 }
 
 Evaluation RunEvaluation(const EvaluateCommandOptions& options, const CommandContext& context)
@@ -158,7 +167,7 @@ Evaluation RunEvaluation(const EvaluateCommandOptions& options, const CommandCon
         return OpenModel(path, model.open);
     });
     RequestFile requests(options.file.requests, context.input);
-    return Evaluate(models, requests.Get(), defaults);
+    return Evaluate(models, requests.Get(), defaults, options.round);
 }
 
 EExitCode ReportEvaluation(const EvaluateCommandOptions& options, const Evaluation& evaluation,
