@@ -81,7 +81,7 @@ Question ReadAll(const nlohmann::json& json, const Question& defaults, JsonProbl
     ReadLists(request, question);
     ReadChoices(request, question);
     // What an evaluation reads beside the question.
-    request.Ignore({"id", "db", "given", "joins", "case", "ties"});
+    request.Ignore({"id", "db", "given", "joins", "case", "ties", "text", "count"});
     request.RejectUnknownKeys();
     return question;
 }

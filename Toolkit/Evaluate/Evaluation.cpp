@@ -28,6 +28,7 @@ struct WrittenRequest
     std::string database{};
     std::string given{};
     std::string caseName{};
+    std::string text{};
     std::vector<NamedPair> joins{};
 };
 
@@ -61,6 +62,7 @@ WrittenRequest ReadWritten(const nlohmann::json& request)
         written.database = TextOf(request, "db");
         written.given = TextOf(request, "given");
         written.caseName = TextOf(request, "case");
+        written.text = TextOf(request, "text");
     }
     return written;
 }
@@ -157,7 +159,9 @@ ReadRequest ReadRequestLine(const RequestLine& line, const Question& defaults)
 /// Returns what the request is to those that come with it as their history.
 PastQuery ToPastQuery(const ReadRequest& request)
 {
-    PastQuery query{.id = request.written.id, .database = request.written.database};
+    PastQuery query{.id = request.written.id,
+                    .database = request.written.database,
+                    .text = request.written.text};
     for (const std::string& subject : request.question.subjects)
         query.tables.push_back(ToTableName(subject));
     if (request.reason.empty())
