@@ -133,6 +133,13 @@ Json SettingsToJson(const Question& question)
     return settings;
 }
 
+Json ToJson(const std::optional<PastUse>& use)
+{
+    if (!use)
+        return {};
+    return {{"chosen", use->chosen}, {"other", use->other}, {"queries", use->queries}};
+}
+
 } // namespace
 
 Json ToJson(const Question& question, const Answer& answer, ListLimit alternatives)
@@ -150,6 +157,7 @@ Json ToJson(const Question& question, const Answer& answer, ListLimit alternativ
             {"weight", OrNull(answer.weight)},
             {"path", ToJson(answer.path)},
             {"criterion", answer.criterion.empty() ? Json() : Json(answer.criterion)},
+            {"pastUse", ToJson(answer.pastUse)},
             {"chosen", OrNull(answer.chosen)},
             {"mainObject",
              answer.mainObject.IsValid() ? Json(answer.NameOf(answer.mainObject)) : Json()},

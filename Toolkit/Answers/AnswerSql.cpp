@@ -4,6 +4,7 @@
 #include "Source/Rules/Cardinality.h"
 #include "Toolkit/Answers/SqlCondition.h"
 #include "Toolkit/Answers/SqlTables.h"
+#include "Toolkit/Ask/PassedTables.h"
 #include "Toolkit/Model/ToolModel.h"
 
 #include <algorithm>
@@ -235,7 +236,10 @@ std::string SqlWriter::TableText(std::size_t table) const
 std::string WriteSql(const ToolModel& model, const Answer& answer, const std::vector<amd_id>& path,
                      const SqlOptions& options)
 {
-    return SqlWriter(model, answer, path, options).Write();
+    if (options.passedTables == SqlOptions::EPassedTables::Joined)
+        return SqlWriter(model, answer, path, options).Write();
+    const ShortenedPath shortened = SkipPassedTables(*model.model, answer, path);
+    return SqlWriter(model, shortened.answer, shortened.joins, options).Write();
 }
 
 } // namespace qe::tool

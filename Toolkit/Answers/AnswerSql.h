@@ -30,8 +30,16 @@ struct SqlOptions
         FirstItems,
     };
 
+    enum class EPassedTables : std::uint8_t
+    {
+        Joined,
+        /// Tables that the path only passes are left out; see SkipPassedTables.
+        Skipped,
+    };
+
     EOuterJoins outerJoins = EOuterJoins::ByCardinality;
     ESelect select = ESelect::FromClause;
+    EPassedTables passedTables = EPassedTables::Joined;
     /// The subject that the FROM clause begins with: its rows stay when others may be missing.
     /// Nothing: the one from which the fewest joins lead to a "many" side, of several the one that
     /// the question names first.

@@ -129,7 +129,11 @@ void TextAnswerWriter::WriteCandidates()
     mOut << '\n';
     WriteAlternatives(mOut, mAnswer, mLimit);
     if (!mAnswer.criterion.empty())
-        mOut << "Decided by: " << mAnswer.criterion << '\n';
+        mOut << "Decided by: " << DecisionText(mAnswer) << '\n';
+    if (mAnswer.pastUse) {
+        for (const std::string& query : mAnswer.pastUse->queries)
+            mOut << "  " << ToDisplayText(query) << '\n';
+    }
     if (mAnswer.mainObject.IsValid())
         mOut << "Main object: " << ToDisplayText(mAnswer.NameOf(mAnswer.mainObject)) << '\n';
 }

@@ -80,6 +80,8 @@ struct Row
 std::vector<Row> MakeRows(const Evaluation& evaluation)
 {
     std::vector<Row> rows{{"all", &evaluation.all}};
+    if (evaluation.withoutHistory)
+        rows.push_back({"all, without history", &*evaluation.withoutHistory});
     // One group alone is all requests again.
     if (evaluation.byGiven.size() > 1) {
         for (const auto& [given, tally] : evaluation.byGiven)
@@ -120,6 +122,7 @@ void AddRow(TextTable& table, const Row& row)
                                    PercentText(equallyGood, requests)};
     for (std::size_t kind = 1; kind < kComparisonCount; ++kind)
         cells.push_back(std::to_string(tally.counts[kind]));
+    cells.push_back(std::to_string(tally.sameSkipping));
     table.AddRow(std::move(cells));
 }
 
@@ -154,6 +157,7 @@ Json ToJson(const Tally& tally)
     return {{"requests", requests},
             {"same", Percent(tally.Get(EComparison::Same), requests)},
             {"amongEquallyGood", Percent(tally.CountEquallyGood(), requests)},
+            {"sameSkipping", Percent(tally.sameSkipping, requests)},
             {"counts", counts}};
 }
 
@@ -184,7 +188,7 @@ void WriteText(std::ostream& out, const Evaluation& evaluation, EDifferences dif
 {
     std::vector<TextTable::Column> columns{{"requests", TextTable::EAlign::Left}};
     for (const char* const title : {"number", "same", "share", "equally good", "share", "other",
-                                    "longer", "outside", "apart", "refused"})
+                                    "longer", "outside", "apart", "refused", "skipping"})
         columns.push_back({title, TextTable::EAlign::Right});
     TextTable table(std::move(columns));
     for (const Row& row : MakeRows(evaluation))
@@ -207,12 +211,14 @@ nlohmann::ordered_json ToJson(const Evaluation& evaluation)
                         {"onlyWritten", PairsToJson(difference.onlyWritten)},
                         {"onlyChosen", PairsToJson(difference.onlyChosen)},
                         {"reason", difference.reason}});
-    return {{"version", kEvaluationVersion},
-            {"all", ToJson(evaluation.all)},
-            {"byGiven", GroupsToJson(evaluation.byGiven)},
-            {"bySubjects", GroupsToJson(evaluation.bySubjects)},
-            {"byCase", GroupsToJson(evaluation.byCase)},
-            {"differences", list}};
+    return {
+        {"version", kEvaluationVersion},
+        {"all", ToJson(evaluation.all)},
+        {"withoutHistory", evaluation.withoutHistory ? ToJson(*evaluation.withoutHistory) : Json()},
+        {"byGiven", GroupsToJson(evaluation.byGiven)},
+        {"bySubjects", GroupsToJson(evaluation.bySubjects)},
+        {"byCase", GroupsToJson(evaluation.byCase)},
+        {"differences", list}};
 }
 
 } // namespace qe::tool

@@ -52,6 +52,16 @@ const AnswerJoin* Answer::FindJoin(const amd_id& join) const
     return found == joinsById.end() ? nullptr : &found->second;
 }
 
+std::string DecisionText(const Answer& answer)
+{
+    std::string text(answer.criterion);
+    if (answer.criterion == decision::kPastQueries && answer.pastUse)
+        text += " (used " + std::to_string(answer.pastUse->chosen) +
+                (answer.pastUse->chosen == 1 ? " time" : " times") + " against " +
+                std::to_string(answer.pastUse->other) + ')';
+    return text;
+}
+
 std::string_view JoinKindTitle(const amd_id& join)
 {
     switch (join.classCode) {

@@ -160,7 +160,7 @@ struct Answer
     std::optional<std::size_t> chosen{};
     /// The name of a ranking criterion, or one of namespace decision.
     std::string_view criterion = decision::kNone;
-    /// Where past queries decided.
+    /// Where past queries were asked about several paths of least weight.
     std::optional<PastUse> pastUse{};
     std::vector<std::vector<amd_id>> bestPaths{};
     /// Between two sets: the subjects at the ends of the path, or of each of the best paths.
@@ -179,6 +179,10 @@ struct Answer
     /// Returns the join, or null when the answer does not mention it.
     [[nodiscard]] const AnswerJoin* FindJoin(const amd_id& join) const;
 };
+
+/// Returns what decided as people read it: the criterion, and how often people joined so where that
+/// decided.
+[[nodiscard]] std::string DecisionText(const Answer& answer);
 
 /// Returns the kind of a join: "relationship", "relationship shortcut", "second-kind relationship",
 /// "query join" or "shortcut join".

@@ -244,6 +244,9 @@ std::uint32_t QuestionRun::Select(const Descriptors& descriptors)
     }
     if (choice < mAnswer.alternatives.size())
         mAnswer.chosen = choice;
+    if (mAdvisor != nullptr && mQuestion.selector.kind == ESelector::Keys)
+        mAnswer.pastUse = mAdvisor->FindPastUse(
+            mModel, mAnswer, mQuestion.selector.explainsHistory ? EExplain::Yes : EExplain::No);
     return choice;
 }
 

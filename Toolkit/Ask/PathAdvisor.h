@@ -31,9 +31,10 @@ public:
     [[nodiscard]] virtual PathChoice Choose(const model::Model& model,
                                             const Answer& answer) const = 0;
 
-    /// Returns how often the choice was made before, once it is made; nothing when nobody made it.
-    [[nodiscard]] virtual std::optional<PastUse> FindPastUse(const Answer& answer,
-                                                             EExplain explain) const = 0;
+    /// Returns how often people used the joins in which the chosen path differs from the best of
+    /// the others, once it is chosen; nothing when there is no other of least weight.
+    [[nodiscard]] virtual std::optional<PastUse>
+    FindPastUse(const model::Model& model, const Answer& answer, EExplain explain) const = 0;
 };
 
 } // namespace qe::tool

@@ -2,12 +2,12 @@
 
 #include "Engine/Model/Model.h"
 #include "Source/Rules/Cardinality.h"
-#include "Toolkit/Ask/KeyChoice.h"
+#include "Toolkit/Ask/ColumnPairs.h"
 
 #include <algorithm>
 #include <iterator>
-#include <optional>
 #include <set>
+#include <span>
 #include <string>
 
 namespace qe::tool {
@@ -43,17 +43,20 @@ amd_id FindReferringEnd(const AnswerJoin& join)
     return {};
 }
 
+std::int64_t MiddleOf(std::span<const amd_id> items)
+{
+    return items.empty() ? 0 : (static_cast<std::int64_t>(items.size()) - 1) * kPositionParts / 2;
+}
+
 /// Returns where the item stands among those of its subject.
-std::optional<std::int64_t> FindPosition(const model::Model& model, const amd_id& subject,
-                                         const std::string& name)
+std::int64_t FindPosition(const model::Model& model, const amd_id& subject, const std::string& name)
 {
     const std::span<const amd_id> items = model.GetItems(subject);
     const amd_id item = model.FindExact(model::ENameKind::Item, model.GetTarget(subject), name);
     const auto found = std::lower_bound(items.begin(), items.end(), item);
     if (found == items.end() || *found != item)
-        return std::nullopt;
-    const std::int64_t last = static_cast<std::int64_t>(items.size()) - 1;
-    return last == 0 ? kLastPosition / 2 : (found - items.begin()) * kLastPosition / last;
+        return MiddleOf(items);
+    return (found - items.begin()) * kPositionParts;
 }
 
 /// Returns the mean position of the columns of that end.
@@ -67,11 +70,11 @@ std::int64_t MeanPosition(const model::Model& model, const amd_id& end,
         for (const Column* const column : {&pair.left, &pair.right}) {
             if (column->subject != subject)
                 continue;
-            sum += FindPosition(model, end, column->name).value_or(kLastPosition / 2);
+            sum += FindPosition(model, end, column->name);
             ++count;
         }
     }
-    return count == 0 ? kLastPosition / 2 : sum / count;
+    return count == 0 ? MiddleOf(model.GetItems(end)) : sum / count;
 }
 
 } // namespace
@@ -86,9 +89,11 @@ KeyMeasures::JoinKeys KeyMeasures::MeasureJoin(const AnswerJoin& join) const
     keys.pairs = static_cast<std::int64_t>(pairs.size());
     const bool isSure = IsExactlyOne(join.leftCardinality) || IsExactlyOne(join.rightCardinality);
     keys.optionalJoins = isSure ? 0 : 1;
-    keys.positions = measured.referringEnd == amd_id()
-                         ? kLastPosition / 2
-                         : MeanPosition(mModel, measured.referringEnd, pairs);
+    // Either end may refer: a position that favours neither.
+    keys.positions =
+        measured.referringEnd == amd_id()
+            ? (MiddleOf(mModel.GetItems(join.left)) + MiddleOf(mModel.GetItems(join.right))) / 2
+            : MeanPosition(mModel, measured.referringEnd, pairs);
     return measured;
 }
 

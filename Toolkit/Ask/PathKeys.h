@@ -23,15 +23,16 @@ struct PathKeys
     std::int64_t pairs = 0;
     /// The joins that may find no row, having no end of exactly one.
     std::int64_t optionalJoins = 0;
-    /// The sum over the joins of where their referring columns stand among the items of their
-    /// subject, from 0 for the first to kLastPosition for the last; half of that where it is not
-    /// known which columns refer, or where they stand.
+    /// The sum over the joins of the mean position of their referring columns among the items of
+    /// their subject, in parts of kPositionParts; the middle of the items where it is not known
+    /// which columns refer, or where they stand.
     std::int64_t positions = 0;
     /// The tables that hold the referring columns of a join.
     std::int64_t referringTables = 0;
 };
 
-inline constexpr std::int64_t kLastPosition = 1'000'000;
+/// Fine enough for the mean of a few columns.
+inline constexpr std::int64_t kPositionParts = 1000;
 
 /// Measures the keys of paths; each join of an answer is looked at once.
 class KeyMeasures

@@ -80,6 +80,8 @@ struct SelectorChoice
     bool checkOptional = false;
     /// Main object: only the subjects of the question may be it.
     bool subjectsAreCandidates = true;
+    /// Keys, where past queries are known: the answer tells which of them spoke.
+    bool explainsHistory = false;
     /// Ask: gets the answer as far as it is known, with all its alternatives.
     ChooseAlternative choose{};
 };

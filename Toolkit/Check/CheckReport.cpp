@@ -31,7 +31,7 @@ ESeverity CheckReport::GetWorst() const
 
 CheckReport CheckModel(const ToolModel& model, const CheckOptions& options)
 {
-    const ModelGraph graph(model);
+    const ModelGraph graph(model, options.history.get());
     CheckReport report;
     report.subjects = model.model->GetSubjects().size();
     report.joins = model.model->GetJoins().size();

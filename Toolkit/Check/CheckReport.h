@@ -6,15 +6,19 @@
 #include <cstddef>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace qe::tool {
 
+class JoinHistory;
 struct ToolModel;
 
 struct CheckOptions
 {
+    /// What past queries say of the model; may be null.
+    std::shared_ptr<const JoinHistory> history{};
     CheckLimits limits{};
     /// Severities by code that stand in for those of the rules. Unknown codes have no effect.
     std::map<std::string, ESeverity, std::less<>> severities{};

@@ -13,8 +13,8 @@
 
 namespace qe::tool {
 
-ModelGraph::ModelGraph(const ToolModel& model)
-    : mGateway(model.model), mSubjects(model.model->GetSubjects())
+ModelGraph::ModelGraph(const ToolModel& model, const JoinHistory* history)
+    : mGateway(model.model), mHistory(history), mSubjects(model.model->GetSubjects())
 {
     for (std::size_t i = 0; i < mSubjects.size(); ++i)
         mPositions.emplace(mSubjects[i], i);

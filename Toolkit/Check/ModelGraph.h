@@ -13,6 +13,7 @@
 
 namespace qe::tool {
 
+class JoinHistory;
 struct ToolModel;
 
 /// One join as the refiner reads it. Its ends are positions among the subjects.
@@ -47,11 +48,13 @@ public:
         std::size_t join = 0;
     };
 
-    /// Reads all joins. The model must outlive this object.
-    explicit ModelGraph(const ToolModel& model);
+    /// Reads all joins. The model and the history, which may be null, must outlive this object.
+    explicit ModelGraph(const ToolModel& model, const JoinHistory* history = nullptr);
 
     [[nodiscard]] const model::Model& GetModel() const { return mGateway.GetModel(); }
     [[nodiscard]] model::ModelGateway& GetGateway() const { return mGateway; }
+    /// Returns what past queries say of the model; null when they are not known.
+    [[nodiscard]] const JoinHistory* GetHistory() const { return mHistory; }
     [[nodiscard]] std::span<const amd_id> GetSubjects() const { return mSubjects; }
     /// Returns the joins that can be read, in id order.
     [[nodiscard]] const std::vector<ModelJoin>& GetJoins() const { return mJoins; }
@@ -71,6 +74,7 @@ private:
 
     /// The refiner's operations want a gateway that may change; this one never does.
     mutable model::ModelGateway mGateway;
+    const JoinHistory* mHistory;
     std::span<const amd_id> mSubjects;
     std::map<amd_id, std::size_t> mPositions;
     std::vector<ModelJoin> mJoins;

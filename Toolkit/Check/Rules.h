@@ -113,6 +113,13 @@ struct Rule
 /// that join repeats their rows. Takes linear time.
 [[nodiscard]] RuleFindings FindFanTraps(const ModelGraph& model, const CheckLimits& limits);
 
+/// Joins that people make and the model lacks, the most frequent first. Takes linear time.
+[[nodiscard]] RuleFindings FindMissingJoins(const ModelGraph& model, const CheckLimits& limits);
+/// Declared joins that nobody uses who has both tables. Takes linear time.
+[[nodiscard]] RuleFindings FindUnusedJoins(const ModelGraph& model, const CheckLimits& limits);
+/// Pairs of tables that people join in several ways. Takes linear time.
+[[nodiscard]] RuleFindings FindDisputedPairs(const ModelGraph& model, const CheckLimits& limits);
+
 /// All rules, in the order in which they are reported. A new rule is a function and an entry here.
 inline constexpr std::array kRules{
     Rule{"unreadable-join", ESeverity::Error, FindUnreadableJoins},
@@ -124,6 +131,9 @@ inline constexpr std::array kRules{
     Rule{"many-to-many", ESeverity::Warning, FindManyToManyJoins},
     Rule{"chasm", ESeverity::Note, FindChasmTraps},
     Rule{"fan", ESeverity::Note, FindFanTraps},
+    Rule{"missing-join", ESeverity::Warning, FindMissingJoins},
+    Rule{"unused-join", ESeverity::Note, FindUnusedJoins},
+    Rule{"disputed-pair", ESeverity::Note, FindDisputedPairs},
 };
 
 /// Adds one more to what a rule found: `describe` makes the finding, unless enough are shown.

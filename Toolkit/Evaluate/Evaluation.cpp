@@ -3,6 +3,7 @@
 #include "Engine/Model/Model.h"
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Ask/Asker.h"
+#include "Toolkit/Ask/PassedTables.h"
 #include "Toolkit/Batch/LineReader.h"
 #include "Toolkit/Batch/QuestionReader.h"
 #include "Toolkit/Evaluate/HistoryRounds.h"
@@ -191,10 +192,13 @@ public:
                 difference.reason = error.what();
             }
         }
-        mEvaluation.all.Add(difference.comparison);
-        mEvaluation.byGiven[request.written.given].Add(difference.comparison);
-        mEvaluation.byCase[request.written.caseName].Add(difference.comparison);
-        mEvaluation.bySubjects[request.question.subjects.size()].Add(difference.comparison);
+        mEvaluation.all.Add(difference.comparison, difference.isSameSkipping);
+        mEvaluation.byGiven[request.written.given].Add(difference.comparison,
+                                                       difference.isSameSkipping);
+        mEvaluation.byCase[request.written.caseName].Add(difference.comparison,
+                                                         difference.isSameSkipping);
+        mEvaluation.bySubjects[request.question.subjects.size()].Add(difference.comparison,
+                                                                     difference.isSameSkipping);
         if (difference.comparison != EComparison::Same)
             mEvaluation.differences.push_back(std::move(difference));
     }
@@ -211,6 +215,11 @@ private:
         difference.comparison = Compare(model, answer, ColumnClasses(joins));
         if (answer.error)
             difference.reason = answer.error->text;
+        const ShortenedPath skipping = SkipPassedTables(*model.tool.model, answer, answer.path);
+        difference.isSameSkipping =
+            answer.connected &&
+            ColumnClasses(FindPathPairs(*model.tool.model, skipping.answer, skipping.joins)) ==
+                ColumnClasses(joins);
         const auto chosen = FindPathPairs(*model.tool.model, answer, answer.path);
         difference.onlyWritten = Without(joins, chosen);
         difference.onlyChosen = Without(chosen, joins);

@@ -45,8 +45,14 @@ inline constexpr std::size_t kComparisonCount = 6;
 struct Tally
 {
     std::array<std::size_t, kComparisonCount> counts{};
+    /// Those that are the same when tables which the path only passes are skipped.
+    std::size_t sameSkipping = 0;
 
-    void Add(EComparison comparison) { ++counts[static_cast<std::size_t>(comparison)]; }
+    void Add(EComparison comparison, bool isSameSkipping)
+    {
+        ++counts[static_cast<std::size_t>(comparison)];
+        sameSkipping += isSameSkipping ? 1 : 0;
+    }
     [[nodiscard]] std::size_t Get(EComparison comparison) const
     {
         return counts[static_cast<std::size_t>(comparison)];
@@ -63,6 +69,8 @@ struct Difference
     std::size_t line = 0;
     std::string id{};
     EComparison comparison = EComparison::Refused;
+    /// Whether it is the same when tables which the path only passes are skipped.
+    bool isSameSkipping = false;
     /// What the person joins and the chosen path does not, and the reverse.
     std::vector<NamedPair> onlyWritten{};
     std::vector<NamedPair> onlyChosen{};

@@ -75,9 +75,8 @@ std::size_t JoinHistory::FindOrAdd(const TablePair& tables, std::vector<Pair> pa
 {
     const auto [known, isNew] = mJoinsByPairs.emplace(pairs, mJoins.size());
     if (isNew)
-        mJoins.push_back({.leftTable = tables.first,
-                          .rightTable = tables.second,
-                          .pairs = std::move(pairs)});
+        mJoins.push_back(
+            {.leftTable = tables.first, .rightTable = tables.second, .pairs = std::move(pairs)});
     return known->second;
 }
 

@@ -2,7 +2,7 @@
 
 #include "Engine/Model/Model.h"
 #include "Engine/Services/Characters.h"
-#include "Toolkit/Ask/KeyChoice.h"
+#include "Toolkit/Ask/ColumnPairs.h"
 
 namespace qe::tool {
 

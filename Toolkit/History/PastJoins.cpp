@@ -121,7 +121,8 @@ model::ObjectRecord PastJoinMaker::MakeRecord(const amd_id& id, const Join& join
         const auto reference = [&](Number column) {
             return model::ToReferenceText(mModel.GetQualifiedName(ItemOf(column).id));
         };
-        condition += (condition.empty() ? "" : " AND ") + reference(left) + " = " + reference(right);
+        condition +=
+            (condition.empty() ? "" : " AND ") + reference(left) + " = " + reference(right);
         names += (names.empty() ? "" : ", ") + ItemOf(left).name +
                  (ItemOf(left).name == ItemOf(right).name ? "" : " = " + ItemOf(right).name);
     }
@@ -146,9 +147,8 @@ std::shared_ptr<const model::Model> AddPastJoins(const model::Model& model, Join
     std::vector<model::ObjectRecord> records = PastJoinMaker(model, history).Make(which);
     const auto ofModel = model.GetRecords();
     records.insert(records.end(), ofModel.begin(), ofModel.end());
-    return std::make_shared<const model::Model>(
-        model::ObjectTable(std::move(records)),
-        model.GetLocale({}).GetTag().ToStdString());
+    return std::make_shared<const model::Model>(model::ObjectTable(std::move(records)),
+                                                model.GetLocale({}).GetTag().ToStdString());
 }
 
 } // namespace qe::tool

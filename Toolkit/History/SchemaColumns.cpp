@@ -16,8 +16,8 @@ SchemaColumns::SchemaColumns(const model::Model& model)
         const model::QualifiedName source = model::ParseQualifiedName(model.Find(subject)->text);
         const std::string name = source.empty() ? "" : ascii::ToLower(source.back());
         if (mTableNumbers.find(name) == mTableNumbers.end())
-            mSourceNumbers.emplace(
-                name, mTableNumbers.at(ascii::ToLower(model.Find(subject)->name)));
+            mSourceNumbers.emplace(name,
+                                   mTableNumbers.at(ascii::ToLower(model.Find(subject)->name)));
     }
 }
 
@@ -25,8 +25,7 @@ void SchemaColumns::AddTable(const model::Model& model, const amd_id& subject)
 {
     const std::string& displayName = model.Find(subject)->name;
     const std::string name = ascii::ToLower(displayName);
-    const auto [known, isNew] =
-        mTableNumbers.emplace(name, static_cast<Number>(mTables.size()));
+    const auto [known, isNew] = mTableNumbers.emplace(name, static_cast<Number>(mTables.size()));
     if (isNew)
         mTables.push_back({.subject = subject, .name = name, .displayName = displayName});
     else
@@ -72,8 +71,7 @@ std::optional<SchemaColumns::Number> SchemaColumns::FindColumn(std::string_view 
     const auto table = FindTable(name.substr(0, dot));
     if (!table)
         return std::nullopt;
-    const auto found =
-        mColumnNumbers.find(mTables[*table].name + std::string(name.substr(dot)));
+    const auto found = mColumnNumbers.find(mTables[*table].name + std::string(name.substr(dot)));
     return found == mColumnNumbers.end() ? std::nullopt : std::optional(found->second);
 }
 

@@ -131,6 +131,7 @@ ModelContent ContentReader::Read(const nlohmann::json& document)
     if (!locale.empty())
         mContent.locale = locale;
     mContent.userClasses = top.GetTexts(keys::kUserClasses).value_or(std::vector<std::string>());
+    mContent.histories = top.GetTexts(keys::kHistory).value_or(std::vector<std::string>());
     ReadGovernors(top.Find(keys::kGovernors));
     ReadChildren(top, ContentObject::kNoParent);
     ReadQuery(top.Find(keys::kQuery));

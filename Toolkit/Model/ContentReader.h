@@ -45,6 +45,7 @@ struct ModelContent
 {
     std::string locale = "en";
     std::vector<std::string> userClasses{};
+    std::vector<std::string> histories{};
     AQE_Governors governors{};
     /// There are many, and they are large: a deque never moves them.
     std::deque<ContentObject> objects{};

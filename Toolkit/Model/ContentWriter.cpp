@@ -54,6 +54,8 @@ ordered_json ContentWriter::Write()
     json[keys::kLocale] = mModel->GetLocale(amd_id()).GetTag().ToStdString();
     if (!mTool->userClasses.empty())
         json[keys::kUserClasses] = mTool->userClasses;
+    if (!mTool->histories.empty())
+        json[keys::kHistory] = mTool->histories;
     WriteGovernors(json);
     WriteChildren(amd_id(), json);
     WriteQuery(json);

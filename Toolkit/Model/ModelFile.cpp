@@ -33,6 +33,7 @@ ToolModel ReadModelText(std::string_view text, const std::string& fileName)
     problems.ThrowIfAny();
 
     result.userClasses = std::move(content.userClasses);
+    result.histories = std::move(content.histories);
     result.governors = content.governors;
     return result;
 }

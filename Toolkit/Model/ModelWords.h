@@ -15,6 +15,7 @@ inline constexpr const char* kSchema = "$schema";
 inline constexpr const char* kVersion = "version";
 inline constexpr const char* kLocale = "locale";
 inline constexpr const char* kUserClasses = "userClasses";
+inline constexpr const char* kHistory = "history";
 inline constexpr const char* kGovernors = "governors";
 inline constexpr const char* kCrossProductAllowed = "crossProductAllowed";
 inline constexpr const char* kShortcutGrouping = "shortcutGrouping";

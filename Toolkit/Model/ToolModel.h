@@ -22,6 +22,8 @@ struct ToolModel
     /// The user classes that requests are made with.
     std::vector<std::string> userClasses{};
     AQE_Governors governors{};
+    /// Files of past queries, as the model names them: relative to where it lies.
+    std::vector<std::string> histories{};
     /// What is asked about equally cheap paths before their keys; may be null.
     std::shared_ptr<const PathAdvisor> advisor{};
     /// What reading left out or had to guess, one sentence each.

@@ -191,7 +191,7 @@ void PageWriter::FillSummary(Data& page) const
     if (!mPaths.Get().empty())
         page.set("joinCount", std::to_string(mPaths.Get()[mPaths.GetChosen()].joins.size()));
     page.set("weight", Optional(mAnswer.weight ? std::to_string(*mAnswer.weight) : ""));
-    page.set("criterion", Optional(std::string(mAnswer.criterion)));
+    page.set("criterion", Optional(DecisionText(mAnswer)));
     Data problems = List();
     for (const AnswerMessage& warning : mAnswer.warnings)
         problems << Data(warning.text);

@@ -58,6 +58,12 @@ void AddAnswerOptions(CLI::App& command, AskOptions& options)
             "--inner", [&sql] { sql.outerJoins = SqlOptions::EOuterJoins::Never; },
             "sql: inner joins only")
         ->group(kOutputGroup);
+    command
+        .add_flag_callback(
+            "--skip-passed-tables",
+            [&sql] { sql.passedTables = SqlOptions::EPassedTables::Skipped; },
+            "sql: leave out tables that the path only passes, and join their neighbours directly")
+        ->group(kOutputGroup);
     command.add_option("--start", options.start, "sql: begin with this subject, and keep its rows")
         ->type_name("SUBJECT")
         ->group(kOutputGroup);

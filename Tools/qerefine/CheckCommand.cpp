@@ -3,6 +3,7 @@
 #include "Toolkit/Answers/CheckOutput.h"
 #include "Toolkit/Check/CheckReport.h"
 #include "Toolkit/Check/Rules.h"
+#include "Toolkit/History/JoinHistory.h"
 #include "Toolkit/Text/JsonText.h"
 #include "Tools/qerefine/CommandOptions.h"
 
@@ -19,7 +20,7 @@ namespace {
 
 struct Options
 {
-    std::filesystem::path model{};
+    ModelOptions model{};
     EReportFormat format = EReportFormat::PlainText;
     /// Nothing: no finding makes the check fail.
     std::optional<ESeverity> failOn = ESeverity::Warning;
@@ -45,7 +46,8 @@ void AddSeverity(const std::string& text, CheckOptions& options)
 
 void AddOptions(CLI::App& command, Options& options)
 {
-    AddModelPath(command, options.model);
+    AddModelPath(command, options.model.path);
+    AddHistory(command, options.model.histories, "Options");
     AddReportFormat(command, options.format, "How the findings are written")->default_str("text");
     command.add_option_function<std::vector<std::string>>(
         "--severity",
@@ -74,15 +76,19 @@ void AddOptions(CLI::App& command, Options& options)
         ->capture_default_str();
 }
 
-CheckReport Run(const Options& options, const CommandContext& /*context*/)
+CheckReport Run(const Options& options, const CommandContext& context)
 {
-    return CheckModel(OpenModel(options.model), options.check);
+    const ToolModel model = OpenModel(options.model.path);
+    CheckOptions check = options.check;
+    // The model is checked as it is declared, without the joins that people make beside it.
+    check.history = OpenHistory(model, options.model, context);
+    return CheckModel(model, check);
 }
 
 EExitCode Report(const Options& options, const CheckReport& report, const CommandContext& context)
 {
     if (options.format == EReportFormat::JsonText)
-        context.output << ToJsonText(ToJson(report, options.model.string())) << '\n';
+        context.output << ToJsonText(ToJson(report, options.model.path.string())) << '\n';
     else
         WriteText(context.output, report);
     const ESeverity worst = report.GetWorst();

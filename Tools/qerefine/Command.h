@@ -170,6 +170,9 @@ void AddShowCommand(const CommandLine& line);
 void AddBatchCommand(const CommandLine& line);
 void AddEvaluateCommand(const CommandLine& line);
 
+// Past queries.
+void AddHistoryCommand(const CommandLine& line);
+
 // Models from elsewhere.
 void AddImportCommand(const CommandLine& line);
 
@@ -177,7 +180,8 @@ void AddImportCommand(const CommandLine& line);
 inline constexpr std::array kCommands{
     AddPathCommand,  AddBestCommand,     AddSubjectsCommand,  AddBetweenCommand,
     AddTreeCommand,  AddFactsCommand,    AddShortcutsCommand, AddBatchCommand,
-    AddCheckCommand, AddEvaluateCommand, AddImportCommand,    AddShowCommand,
+    AddCheckCommand, AddEvaluateCommand, AddHistoryCommand,   AddImportCommand,
+    AddShowCommand,
 };
 
 } // namespace qe::tool

@@ -1,11 +1,13 @@
 #include "Tools/qerefine/CommandOptions.h"
 
+#include "Toolkit/History/LoadHistory.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputFile.h"
 #include "Tools/qerefine/Command.h"
 
 #include <cstddef>
 #include <ostream>
+#include <utility>
 
 namespace qe::tool {
 
@@ -77,7 +79,35 @@ ToolModel OpenModelWithNotes(const ModelOptions& options, const CommandContext& 
 {
     ToolModel model = OpenModel(options.path, options.open);
     WriteNotes(model, context);
-    return model;
+    const std::shared_ptr<JoinHistory> history = OpenHistory(model, options, context);
+    return history == nullptr ? model : WithHistory(std::move(model), history);
+}
+
+void AddHistory(CLI::App& command, std::vector<std::filesystem::path>& histories,
+                const std::string& group)
+{
+    command
+        .add_option("--history", histories,
+                    "Past queries: lines of JSON as for evaluate, or SQL statements")
+        ->type_name("FILE")
+        ->allow_extra_args(false)
+        ->group(group);
+}
+
+std::shared_ptr<JoinHistory> OpenHistory(const ToolModel& model, const ModelOptions& options,
+                                         const CommandContext& context,
+                                         const std::optional<std::string>& database)
+{
+    std::vector<std::filesystem::path> files;
+    for (const std::string& name : model.histories)
+        files.push_back(options.path.parent_path() / name);
+    files.insert(files.end(), options.histories.begin(), options.histories.end());
+    if (files.empty())
+        return nullptr;
+    const LoadedHistory loaded = LoadHistory(*model.model, files, database);
+    for (const std::string& note : loaded.notes)
+        context.error << "note: " << ToDisplayText(note) << '\n';
+    return loaded.history;
 }
 
 void WriteNotes(const ToolModel& model, const CommandContext& context)

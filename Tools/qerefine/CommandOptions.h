@@ -10,12 +10,15 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace qe::tool {
 
+class JoinHistory;
 struct CommandContext;
 
 /// The values of an option, by what the user writes.
@@ -76,6 +79,8 @@ struct ModelOptions
     std::filesystem::path path{};
     ImportOptions open{};
     std::vector<Setting> settings{};
+    /// Files of past queries, beside those that the model names.
+    std::vector<std::filesystem::path> histories{};
 };
 
 /// What MODEL is in the help of most commands.
@@ -89,7 +94,18 @@ CLI::Option* AddModelPath(CLI::App& command, std::filesystem::path& path,
 /// Adds --roles and --set, in that group of the help.
 void AddModelSettings(CLI::App& command, ModelOptions& options, const std::string& group);
 
-/// Opens the model, and writes what reading it left out to the error stream. Throws InputError.
+/// Adds --history, in that group of the help.
+void AddHistory(CLI::App& command, std::vector<std::filesystem::path>& histories,
+                const std::string& group);
+
+/// Returns what the files that the model and the command line name say of past queries, with its
+/// notes on the error stream; null when there are none. Throws InputError.
+[[nodiscard]] std::shared_ptr<JoinHistory>
+OpenHistory(const ToolModel& model, const ModelOptions& options, const CommandContext& context,
+            const std::optional<std::string>& database = std::nullopt);
+
+/// Opens the model with its past queries, and writes what reading left out to the error stream.
+/// Throws InputError.
 [[nodiscard]] ToolModel OpenModelWithNotes(const ModelOptions& options,
                                            const CommandContext& context);
 

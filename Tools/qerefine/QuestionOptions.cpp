@@ -56,6 +56,7 @@ void AddModel(CLI::App& command, QuestionOptions& options)
 {
     AddModelPath(command, options.model.path);
     AddModelSettings(command, options.model, "Model");
+    AddHistory(command, options.model.histories, "Model");
 }
 
 void AddSubjects(CLI::App& command, Question& question, ESubjects subjects)
@@ -127,6 +128,10 @@ void AddSelector(CLI::App& command, Question& question)
         Choices<ESelector>(kSelectorWords.begin(), kSelectorWords.end()),
         "Who chooses: of the cheapest paths the one that keys speak for, the best-ranked one, "
         "the first with a main object, or the user")
+        ->group(kChoiceGroup);
+    command
+        .add_flag("--explain-history", selector.explainsHistory,
+                  "List the past queries that spoke for the path and against it")
         ->group(kChoiceGroup);
     command
         .add_flag("--check-optional", selector.checkOptional,

@@ -11,6 +11,7 @@
 #include "Toolkit/Batch/QuestionReader.h"
 #include "Toolkit/Evaluate/Evaluation.h"
 #include "Toolkit/Evaluate/ModelSource.h"
+#include "Toolkit/History/LoadHistory.h"
 #include "Toolkit/Text/JsonText.h"
 #include "Tools/qerefine/CommandOptions.h"
 
@@ -22,6 +23,7 @@
 #include <ostream>
 #include <string>
 #include <thread>
+#include <utility>
 
 namespace qe::tool {
 
@@ -77,6 +79,7 @@ void AddRequestOptions(CLI::App& command, RequestOptions& options)
         .add_option("REQUESTS", options.requests, "One JSON object a line; \"-\" is standard input")
         ->type_name("");
     AddModelSettings(command, options.model, "Options");
+    AddHistory(command, options.model.histories, "Options");
     command
         .add_option("--defaults", options.defaults, "What requests do not say: an object like them")
         ->type_name("JSON");
@@ -156,15 +159,26 @@ void AddEvaluateOptions(CLI::App& command, EvaluateCommandOptions& options)
         .add_flag_callback(
             "--replay", [&options] { options.round = EHistoryRound::Replay; },
             "Answer each request with those before it as its history")
-        ->excludes(leaveOneOut);
+        ->excludes(leaveOneOut)
+        ->excludes(command.get_option("--history"));
+    leaveOneOut->excludes(command.get_option("--history"));
 }
 
 Evaluation RunEvaluation(const EvaluateCommandOptions& options, const CommandContext& context)
 {
     const Question defaults = PrepareDefaults(options.file);
     const ModelOptions& model = options.file.model;
-    ModelSource models(model.path, [&model](const std::filesystem::path& path) {
-        return OpenModel(path, model.open);
+    ModelSource models(model.path, [&](const std::filesystem::path& path) {
+        ToolModel opened = OpenModel(path, model.open);
+        // The requests themselves are the history.
+        if (options.round != EHistoryRound::None)
+            return opened;
+        ModelOptions found = model;
+        found.path = path;
+        const auto database =
+            path == model.path ? std::nullopt : std::optional(path.stem().string());
+        const auto history = OpenHistory(opened, found, context, database);
+        return history == nullptr ? opened : WithHistory(std::move(opened), history);
     });
     RequestFile requests(options.file.requests, context.input);
     return Evaluate(models, requests.Get(), defaults, options.round);
