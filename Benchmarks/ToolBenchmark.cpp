@@ -5,6 +5,9 @@
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Batch/Batch.h"
 #include "Toolkit/Batch/QuestionReader.h"
+#include "Toolkit/History/JoinHistory.h"
+#include "Toolkit/History/LoadHistory.h"
+#include "Toolkit/History/NamedPairs.h"
 #include "Toolkit/Model/ModelFile.h"
 #include "Toolkit/Text/JsonText.h"
 
@@ -12,8 +15,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
+#include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -65,5 +73,82 @@ BENCHMARK(AnswerBatch)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
+
+/// A history of as many queries, each of its own text, over requests of the galaxy.
+std::string MakeHistory(std::size_t queries)
+{
+    constexpr std::size_t kShapes = 1000;
+    const ToolModel model = MakeGalaxy(kSize);
+    std::vector<std::string> shapes;
+    for (const std::string& line : MakeGalaxyRequests(kSize, kShapes)) {
+        const Question question = ReadQuestion(ParseRequest(line), {});
+        const Answer answer = Ask(model, question);
+        nlohmann::json record{{"subjects", question.subjects}, {"joins", nlohmann::json::array()}};
+        for (const amd_id& id : answer.path) {
+            const AnswerJoin* const join = answer.FindJoin(id);
+            for (const auto& [left, right] :
+                 FindNamedPairs(*model.model, join->left, join->right, join->condition))
+                record["joins"].push_back({left, right});
+        }
+        shapes.push_back(record.dump());
+    }
+    std::string text;
+    for (std::size_t query = 0; query < queries; ++query) {
+        std::string line = shapes[query % kShapes];
+        line.back() = ',';
+        text += line + "\"text\": \"" + std::to_string(query) + "\"}\n";
+    }
+    return text;
+}
+
+class HistoryFiles
+{
+public:
+    explicit HistoryFiles(std::size_t queries)
+        : mPath(std::filesystem::temp_directory_path() /
+                ("history." + std::to_string(::getpid()) + ".jsonl"))
+    {
+        std::ofstream(mPath) << MakeHistory(queries);
+    }
+    HistoryFiles(const HistoryFiles&) = delete;
+    HistoryFiles& operator=(const HistoryFiles&) = delete;
+    ~HistoryFiles() { std::filesystem::remove(mPath); }
+
+    [[nodiscard]] LoadedHistory Load(const ToolModel& model) const
+    {
+        return LoadHistory(*model.model, {&mPath, 1});
+    }
+
+private:
+    std::filesystem::path mPath;
+};
+
+void LoadQueries(benchmark::State& state)
+{
+    const ToolModel model = MakeGalaxy(kSize);
+    const HistoryFiles files(static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(WithHistory(model, files.Load(model).history));
+}
+BENCHMARK(LoadQueries)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+/// Requests of nine subjects one after the other, with a history of so many queries.
+void AnswerWithHistory(benchmark::State& state)
+{
+    const auto queries = static_cast<std::size_t>(state.range(0));
+    ToolModel model = MakeGalaxy(kSize);
+    if (queries > 0)
+        model = WithHistory(model, HistoryFiles(queries).Load(model).history);
+    std::vector<Question> questions;
+    for (const std::string& request : MakeGalaxyRequests(kSize, 200))
+        questions.push_back(ReadQuestion(ParseRequest(request), {}));
+    for (auto _ : state) {
+        Asker asker(model);
+        for (const Question& question : questions)
+            benchmark::DoNotOptimize(asker.Ask(question));
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(questions.size()));
+}
+BENCHMARK(AnswerWithHistory)->Arg(0)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -1,8 +1,10 @@
 #include "Toolkit/Evaluate/Evaluation.h"
 
+#include "Engine/Model/ModelBuilder.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
 #include "Toolkit/Ask/Asker.h"
+#include "Toolkit/Ask/ColumnPairs.h"
 #include "Toolkit/Ask/KeyChoice.h"
 #include "Toolkit/Evaluate/ModelSource.h"
 #include "Toolkit/Import/OpenModel.h"
@@ -83,6 +85,7 @@ CREATE TABLE part (headId INT NOT NULL REFERENCES head, no INT,
 CREATE TABLE place (id INTEGER PRIMARY KEY);
 CREATE TABLE trip (aPlaceId INT REFERENCES place, zPlaceId INT NOT NULL REFERENCES place);
 CREATE TABLE walk (aPlaceId INT REFERENCES place, zPlaceId INT REFERENCES place);
+CREATE TABLE sail (zPlaceId INT REFERENCES place, aPlaceId INT REFERENCES place);
 )");
     struct Case
     {
@@ -97,6 +100,8 @@ CREATE TABLE walk (aPlaceId INT REFERENCES place, zPlaceId INT REFERENCES place)
         {{"head", "item", "part"}, "item-head part-item", "item-head part-head"},
         {{"trip", "place"}, "trip-place (zPlaceId)", "trip-place (aPlaceId)"},
         {{"walk", "place"}, "walk-place (aPlaceId)", "walk-place (aPlaceId)"},
+        // Who designs a table puts the principal role first.
+        {{"sail", "place"}, "sail-place (zPlaceId)", "sail-place (aPlaceId)"},
     };
     for (const Case& test : cases) {
         Question question = qe::test::Connect(test.subjects);
@@ -124,9 +129,10 @@ TEST(KeyChoice, NeverTakesAHeavierPath)
         alternative.weight = weight;
         answer.alternatives.push_back(alternative);
     };
-    const auto choose = [&answer] {
-        const KeyChoice choice = ChooseByKeys(answer);
-        return std::to_string(choice.position) + (choice.isClear ? " clear" : "");
+    const auto model = qe::model::ModelBuilder().Build();
+    const auto choose = [&] {
+        const PathChoice choice = ChooseByKeys(*model, answer, {});
+        return std::to_string(choice.position) + (choice.decidedBy.empty() ? "" : " clear");
     };
     EXPECT_EQ(choose(), "0");
     add(1, "[a].[b].[old key] = [a].[c].[key]", 17);
@@ -136,7 +142,7 @@ TEST(KeyChoice, NeverTakesAHeavierPath)
     answer.alternatives[1].weight = 17;
     EXPECT_EQ(choose(), "1 clear");
     add(3, "[a].[b].[key] = [a].[c].[key]", 17);
-    EXPECT_EQ(choose(), "1");
+    EXPECT_EQ(choose(), "1 clear");
     std::swap(answer.alternatives[0], answer.alternatives[1]);
     EXPECT_EQ(choose(), "0");
     answer.alternatives.pop_back();
@@ -244,6 +250,30 @@ TEST(EvaluateCommand, WritesTextAndJson)
               EExitCode::CannotReadOrWrite);
 }
 
+TEST(EvaluateCommand, LetsRequestsLearnFromEachOther)
+{
+    const TemporaryFolder folder;
+    const std::string model = folder.Write("shop.sql", qe::test::kShopTables);
+    const auto request = [](const char* text) {
+        return std::string(R"({"subjects": ["sale", "customer"], "text": ")") + text +
+               R"(", "joins": [["sale.payer_id", "customer.id"]]})" + '\n';
+    };
+    const std::string requests =
+        folder.Write("requests.jsonl", request("a") + request("a") + request("b"));
+    // Whoever has the text of another does not learn from it.
+    const auto countSame = [&](const char* round) {
+        const auto run =
+            qe::test::RunTool({"evaluate", model, requests, "--format", "json", round});
+        const auto json = nlohmann::json::parse(run.output);
+        EXPECT_EQ(json["withoutHistory"]["counts"]["same"], 0) << round;
+        return json["all"]["counts"]["same"].get<int>();
+    };
+    EXPECT_EQ(countSame("--leave-one-out"), 3);
+    EXPECT_EQ(countSame("--replay"), 1);
+    EXPECT_EQ(qe::test::RunTool({"evaluate", model, requests, "--replay", "--leave-one-out"}).code,
+              EExitCode::WrongUsage);
+}
+
 TEST(EvaluateCommand, ShowsHostileTextsAsText)
 {
     const TemporaryFolder folder;
@@ -277,10 +307,12 @@ TEST(Evaluate, AnswersCollectedRequestsAsWellAsBefore)
         const char* models;
         std::size_t sameOfAll;
         std::size_t sameOfReferenced;
+        /// With all other requests as the history of each.
+        std::size_t sameWithHistory;
     };
-    const Set sets[] = {{"spider", "spider", 621, 156},
-                        {"mantle", "mantle.sql", 172, 0},
-                        {"imdb", "imdb.sql", 17, 10}};
+    const Set sets[] = {{"spider", "spider", 621, 156, 817},
+                        {"mantle", "mantle.sql", 173, 0, 177},
+                        {"imdb", "imdb.sql", 16, 10, 26}};
     const std::filesystem::path data = QEREFINER_DATA_DIR;
     for (const Set& set : sets) {
         SCOPED_TRACE(set.requests);
@@ -301,6 +333,11 @@ TEST(Evaluate, AnswersCollectedRequestsAsWellAsBefore)
         EXPECT_EQ(apart.Get(EComparison::NotConnected), apart.CountRequests());
         EXPECT_EQ(evaluation.all.Get(EComparison::NotConnected), apart.CountRequests());
         EXPECT_EQ(evaluation.all.Get(EComparison::Refused), 0U);
+        std::ifstream again(file);
+        const Evaluation learned = Evaluate(models, again, {}, EHistoryRound::LeaveOneOut);
+        EXPECT_GE(learned.all.Get(EComparison::Same), set.sameWithHistory);
+        ASSERT_TRUE(learned.withoutHistory);
+        EXPECT_EQ(learned.withoutHistory->counts, evaluation.all.counts);
     }
 }
 

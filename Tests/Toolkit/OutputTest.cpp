@@ -84,7 +84,7 @@ TEST(OutputTest, JsonHasOneFormForEveryOperation)
         "version": 1, "operation": "path", "subjects": ["A", "Z"], "secondSet": [],
         "governors": {"crossProductAllowed": 0, "shortcutGrouping": 0}, "settings": {},
         "connected": true, "weight": 34, "path": ["102:1", "102:2"],
-        "criterion": "only candidate", "chosen": 0, "mainObject": null, "candidates": 1,
+        "criterion": "only candidate", "pastUse": null, "chosen": 0, "mainObject": null, "candidates": 1,
         "alternatives": [{"joins": ["102:1", "102:2"], "weight": 34, "factTables": 1,
                           "manyToManyJoins": 0, "branches": 0, "rank": null}],
         "joins": [{"id": "102:1", "name": "am", "kind": "relationship", "left": "A",

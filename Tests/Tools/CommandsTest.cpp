@@ -119,7 +119,7 @@ TEST_F(CommandsTest, EveryCommandShowsAnExample)
 {
     const std::string commands = RunWith({"--help"}).output;
     for (const char* command : {"path", "best", "subjects", "between", "tree", "facts", "shortcuts",
-                                "import", "batch", "evaluate", "check"}) {
+                                "import", "batch", "evaluate", "history", "check"}) {
         EXPECT_THAT(commands, HasSubstr(command));
         EXPECT_THAT(RunWith({command, "--help"}).output,
                     HasSubstr(std::string("Example:\n  qerefine ") + command));

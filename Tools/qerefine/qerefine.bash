@@ -39,6 +39,10 @@ _qerefine()
         mapfile -t COMPREPLY < <(compgen -W 'sqlite sql --help' -- "$current")
         return
     fi
+    if [[ $command == history ]] && ((COMP_CWORD == 2)); then
+        mapfile -t COMPREPLY < <(compgen -W 'pack --help' -- "$current")
+        return
+    fi
     _qerefine_values "${COMP_WORDS[COMP_CWORD - 1]}" "$command" "$current" && return
     if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W \
