@@ -244,7 +244,9 @@ std::uint32_t QuestionRun::Select(const Descriptors& descriptors)
     }
     if (choice < mAnswer.alternatives.size())
         mAnswer.chosen = choice;
-    if (mAdvisor != nullptr && mQuestion.selector.kind == ESelector::Keys)
+    const bool wantsUse =
+        mQuestion.selector.explainsHistory || mAnswer.criterion == decision::kPastQueries;
+    if (mAdvisor != nullptr && mQuestion.selector.kind == ESelector::Keys && wantsUse)
         mAnswer.pastUse = mAdvisor->FindPastUse(
             mModel, mAnswer, mQuestion.selector.explainsHistory ? EExplain::Yes : EExplain::No);
     return choice;

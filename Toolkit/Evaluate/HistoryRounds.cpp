@@ -41,7 +41,9 @@ HistoryRounds::Extended& HistoryRounds::Get(const std::string& database)
     extended = std::make_unique<Extended>(model);
     JoinHistory& history = *extended->history;
     for (std::size_t position = 0; position < mQueries.size(); ++position) {
-        if (mQueries[position].database == database)
+        // What joins nothing could not be read.
+        if (mModels.AreOfOneModel(mQueries[position].database, database) &&
+            !mQueries[position].pairs.empty())
             extended->uses.emplace(position, history.Add(mQueries[position]));
     }
     ToolModel& tool = extended->evaluated.tool;

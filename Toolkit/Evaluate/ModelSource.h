@@ -56,6 +56,12 @@ public:
     /// Throws InputError when there is no such model or it cannot be read.
     [[nodiscard]] const EvaluatedModel& Get(const std::string& database);
 
+    /// Returns whether requests about these two databases ask the same model.
+    [[nodiscard]] bool AreOfOneModel(const std::string& left, const std::string& right) const
+    {
+        return !mIsFolder || left == right;
+    }
+
 private:
     const EvaluatedModel& Open(const std::string& key, const std::filesystem::path& path);
 
