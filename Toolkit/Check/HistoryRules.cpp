@@ -37,6 +37,12 @@ std::string Times(std::size_t count)
     return std::to_string(count) + (count == 1 ? " time" : " times");
 }
 
+/// Returns how many queries have something.
+std::string Queries(std::size_t count)
+{
+    return count == 1 ? "one query has" : std::to_string(count) + " queries have";
+}
+
 std::vector<amd_id> PlaceOf(const JoinHistory& history, const Join& join)
 {
     return {history.GetColumns().GetTable(join.leftTable).subject,
@@ -85,8 +91,8 @@ RuleFindings FindUnusedJoins(const ModelGraph& model, const CheckLimits& limits)
             return Finding{.place = join.ids,
                            .placeText = model.NameOf(join.ids.front()),
                            .text = "Nobody uses the join " + model.NameOf(join.ids.front()) +
-                                   ", though " + Times(history->CountTogether(join)) +
-                                   " people had " + EndsOf(*history, join) + " in one query.",
+                                   ", though " + Queries(history->CountTogether(join)) + ' ' +
+                                   EndsOf(*history, join) + '.',
                            .advice = "Remove the join, or see that it is not taken by chance."};
         });
     }
