@@ -237,7 +237,7 @@ TEST(EvaluateCommand, WritesTextAndJson)
     const auto listed = qe::test::RunTool({"evaluate", models / "", requests, "--list"});
     EXPECT_EQ(listed.code, EExitCode::Done);
     EXPECT_THAT(listed.output,
-                testing::ContainsRegex("all +11 +1 +9.1 % +2 +18.2 % +1 +1 +1 +1 +6\n"));
+                testing::ContainsRegex("all +11 +1 +9.1 % +2 +18.2 % +1 +1 +1 +1 +6 +1\n"));
     EXPECT_THAT(listed.output, HasSubstr("line 2 b: other of equally good\n"
                                          "  written only: customer.id = sale.payer_id\n"));
 
