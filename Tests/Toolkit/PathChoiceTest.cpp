@@ -104,7 +104,8 @@ TEST(PathKeys, CountsWalksToManyFromTheBestBeginning)
         PathMaker path;
         const auto subjects = static_cast<std::int32_t>(2 + random() % 7);
         for (std::int32_t subject = 2; subject <= subjects; ++subject) {
-            const auto other = static_cast<std::int32_t>(1 + random() % (subject - 1U));
+            const auto other =
+                static_cast<std::int32_t>(random() % static_cast<unsigned>(subject - 1)) + 1;
             const bool isMany = random() % 2 == 0;
             const bool isOtherMany = random() % 2 == 0;
             if (random() % 2 == 0)
@@ -152,7 +153,7 @@ TEST(HistoryChoice, AsksItsCriteriaInTheirOrder)
         std::string_view criterion;
     };
     const Case cases[] = {
-        {"A -< M : am; M >- Z : mz; A >- N : an; N >- Z : nz", "an nz", decision::kWalksToMany},
+        {"A >- M : am; M -< Z : mz; A >- N : an; N >- Z : nz", "an nz", decision::kWalksToMany},
         {"A >o-o M : am; M >o-o Z : mz; A >- N : an; N >- Z : nz", "an nz", decision::kKeys},
         {"A >- M : am; M >- Z : mz; A >- N : an; N - Z : nz", "an nz", decision::kReferringTables},
         {"A >- M : am; M >- Z : mz; A >- N : an; N >- Z : nz", "am mz", decision::kJoinNames},

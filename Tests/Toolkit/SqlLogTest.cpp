@@ -154,8 +154,8 @@ class StatementWriter
 public:
     explicit StatementWriter(unsigned seed) : mRandom(seed)
     {
-        const unsigned count = 2 + mRandom() % 6;
-        for (unsigned table = 1; table < count; ++table)
+        const std::size_t count = 2 + mRandom() % 6;
+        for (std::size_t table = 1; table < count; ++table)
             mParents.push_back(mRandom() % table);
     }
 
