@@ -16,11 +16,11 @@ BlockStages::BlockStages(OpenNetwork& block, TreeFamily& family, Budget& budget)
 std::optional<BlockSearch::Outcome> BlockStages::Run()
 {
     using Stage = EState (BlockStages::*)();
-    static constexpr std::array<Stage, 7> kStages{
-        &BlockStages::SpanTerminals,        &BlockStages::PruneQuickly,
-        &BlockStages::SearchQuickly,        &BlockStages::PruneThoroughly,
-        &BlockStages::SearchWithMoreEffort, &BlockStages::TryDistanceReductions,
-        &BlockStages::SearchToTheEnd,
+    static constexpr std::array<Stage, 8> kStages{
+        &BlockStages::SpanTerminals,         &BlockStages::PruneQuickly,
+        &BlockStages::SearchQuickly,         &BlockStages::SearchByTable,
+        &BlockStages::PruneThoroughly,       &BlockStages::SearchWithMoreEffort,
+        &BlockStages::TryDistanceReductions, &BlockStages::SearchToTheEnd,
     };
     for (const Stage stage : kStages) {
         const EState state = (this->*stage)();
@@ -54,6 +54,11 @@ BlockStages::EState BlockStages::PruneQuickly()
 BlockStages::EState BlockStages::SearchQuickly()
 {
     return Conclude(mSearch->SearchQuickly(mFamily));
+}
+
+BlockStages::EState BlockStages::SearchByTable()
+{
+    return Conclude(mSearch->SearchByTable(mFamily));
 }
 
 BlockStages::EState BlockStages::PruneThoroughly()

@@ -57,6 +57,7 @@ private:
     EState SpanTerminals();
     EState PruneQuickly();
     EState SearchQuickly();
+    EState SearchByTable();
     EState PruneThoroughly();
     EState SearchWithMoreEffort();
     EState TryDistanceReductions();

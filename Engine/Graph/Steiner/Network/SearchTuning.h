@@ -55,6 +55,10 @@ inline constexpr std::size_t kContractedShare = 10;
 inline constexpr std::array kQuickEffort{SearchEffort{.ascents = 2, .mostSettled = 2000}};
 inline constexpr std::array kMoreEffort{SearchEffort{.ascents = 8, .mostSettled = 30000}};
 
+/// A search by table may take so many steps and places: about as much as what follows it.
+inline constexpr std::uint64_t kTableSteps = 50'000'000;
+inline constexpr std::uint64_t kTablePlaces = 1U << 20;
+
 /// Bounded by what the effort before was, and by more.
 inline constexpr std::array kLastEfforts{SearchEffort{.ascents = 8, .mostSettled = 0},
                                          SearchEffort{.ascents = 32, .mostSettled = kNoEnd}};
