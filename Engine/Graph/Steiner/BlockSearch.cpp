@@ -111,10 +111,11 @@ std::optional<BlockSearch::Outcome> BlockSearch::SearchQuickly(TreeFamily& famil
     return SearchWithin(family, tuning::kQuickEffort, mBounds.GetKnownWeight());
 }
 
-std::optional<BlockSearch::Outcome> BlockSearch::SearchByTable(TreeFamily& family)
+std::optional<BlockSearch::Outcome> BlockSearch::SearchByTable(TreeFamily& family,
+                                                               std::uint64_t mostSteps)
 {
     const TableSearch::Cost cost = TableSearch::GetCost(mNetwork);
-    if (cost.steps > tuning::kTableSteps || cost.places > tuning::kTablePlaces ||
+    if (cost.steps > mostSteps || cost.places > tuning::kTablePlaces ||
         !mBudget.CanAfford(cost.steps, TableDerivations::kBytesPerPlace * cost.places))
         return std::nullopt;
     TableSearch search(mNetwork, mBudget);

@@ -55,8 +55,8 @@ public:
     /// Finds all minimum Steiner trees of the block, and adds them to the family, if that takes few
     /// steps; else returns nothing and leaves the family alone.
     std::optional<Outcome> SearchQuickly(TreeFamily& family);
-    /// Does the same by a table of all nodes and sets of terminals, if that is small.
-    std::optional<Outcome> SearchByTable(TreeFamily& family);
+    /// Does the same by a table of all nodes and sets of terminals, if that takes no more steps.
+    std::optional<Outcome> SearchByTable(TreeFamily& family, std::uint64_t mostSteps);
     /// Does the same with more steps.
     std::optional<Outcome> SearchWithMoreEffort(TreeFamily& family);
     /// Finds all minimum Steiner trees of the block, or one tree when the budget runs out, and adds

@@ -16,11 +16,12 @@ BlockStages::BlockStages(OpenNetwork& block, TreeFamily& family, Budget& budget)
 std::optional<BlockSearch::Outcome> BlockStages::Run()
 {
     using Stage = EState (BlockStages::*)();
-    static constexpr std::array<Stage, 8> kStages{
-        &BlockStages::SpanTerminals,         &BlockStages::PruneQuickly,
-        &BlockStages::SearchQuickly,         &BlockStages::SearchByTable,
-        &BlockStages::PruneThoroughly,       &BlockStages::SearchWithMoreEffort,
-        &BlockStages::TryDistanceReductions, &BlockStages::SearchToTheEnd,
+    static constexpr std::array<Stage, 9> kStages{
+        &BlockStages::SpanTerminals,        &BlockStages::PruneQuickly,
+        &BlockStages::SearchBySmallTable,   &BlockStages::SearchQuickly,
+        &BlockStages::SearchByTable,        &BlockStages::PruneThoroughly,
+        &BlockStages::SearchWithMoreEffort, &BlockStages::TryDistanceReductions,
+        &BlockStages::SearchToTheEnd,
     };
     for (const Stage stage : kStages) {
         const EState state = (this->*stage)();
@@ -51,6 +52,11 @@ BlockStages::EState BlockStages::PruneQuickly()
     return GetStateAfterPruning();
 }
 
+BlockStages::EState BlockStages::SearchBySmallTable()
+{
+    return Conclude(mSearch->SearchByTable(mFamily, tuning::kSmallTableSteps));
+}
+
 BlockStages::EState BlockStages::SearchQuickly()
 {
     return Conclude(mSearch->SearchQuickly(mFamily));
@@ -58,7 +64,7 @@ BlockStages::EState BlockStages::SearchQuickly()
 
 BlockStages::EState BlockStages::SearchByTable()
 {
-    return Conclude(mSearch->SearchByTable(mFamily));
+    return Conclude(mSearch->SearchByTable(mFamily, tuning::kTableSteps));
 }
 
 BlockStages::EState BlockStages::PruneThoroughly()

@@ -56,6 +56,7 @@ private:
     };
     EState SpanTerminals();
     EState PruneQuickly();
+    EState SearchBySmallTable();
     EState SearchQuickly();
     EState SearchByTable();
     EState PruneThoroughly();

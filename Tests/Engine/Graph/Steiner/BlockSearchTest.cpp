@@ -55,18 +55,17 @@ public:
         : charged(network.GetHalfCount()), mNetwork(network), mRoot(root)
     {}
 
-    void Raise(std::span<const NodeIndex> nodes, std::span<const ArcSlot> /*entering*/,
-               std::uint64_t price) override
+    void Raise(const RaisedCut& cut) override
     {
-        const std::set<NodeIndex> set(nodes.begin(), nodes.end());
+        const std::set<NodeIndex> set(cut.nodes.begin(), cut.nodes.end());
         EXPECT_EQ(set.count(mRoot), 0U);
         EXPECT_TRUE(std::any_of(set.begin(), set.end(),
                                 [this](NodeIndex node) { return mNetwork.IsTerminal(node); }));
-        sum += price;
+        sum += cut.price;
         for (const NodeIndex node : set) {
             for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
                 if (set.count(arc.target) == 0)
-                    charged[arc.half.Reversed()] += price;
+                    charged[arc.half.Reversed()] += cut.price;
             }
         }
     }
@@ -202,8 +201,9 @@ TEST_F(SteinerBlock, HasTheSameTreesHoweverMuchEffortFindsThem)
             return std::tuple(outcome ? outcome->weight : 0, family.GetCount(),
                               family.GetCount() > 500 ? decltype(trees){} : trees);
         };
-        const auto byTable = search(
-            [](BlockSearch& block, TreeFamily& family) { return block.SearchByTable(family); });
+        const auto byTable = search([](BlockSearch& block, TreeFamily& family) {
+            return block.SearchByTable(family, tuning::kTableSteps);
+        });
         const auto withMoreEffort = search([](BlockSearch& block, TreeFamily& family) {
             return block.SearchWithMoreEffort(family);
         });
