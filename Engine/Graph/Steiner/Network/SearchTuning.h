@@ -51,7 +51,8 @@ inline constexpr std::size_t kContractedShare = 10;
 
 // Exact searches (BlockSearch).
 
-/// Before the block is bounded thoroughly, and after.
+/// Before the block is bounded thoroughly, and after. Bounding it costs as much as thousands of
+/// labels.
 inline constexpr std::array kQuickEffort{SearchEffort{.ascents = 2, .mostSettled = 6000}};
 inline constexpr std::array kMoreEffort{SearchEffort{.ascents = 16, .mostSettled = 30000}};
 
@@ -61,8 +62,8 @@ inline constexpr std::uint64_t kSmallTableSteps = 300'000;
 inline constexpr std::uint64_t kTableSteps = 50'000'000;
 inline constexpr std::uint64_t kTablePlaces = 1U << 20;
 
-/// Bounded by what the effort before was, and by more.
-inline constexpr std::array kLastEfforts{SearchEffort{.ascents = 16, .mostSettled = 0},
+/// Bounded by a few ascents from roots far apart, and by more.
+inline constexpr std::array kLastEfforts{SearchEffort{.ascents = 8, .mostSettled = 0},
                                          SearchEffort{.ascents = 32, .mostSettled = kNoEnd}};
 
 /// When the bound is tight, by one part in how many of the gap the limit goes up at first, and by
