@@ -50,12 +50,10 @@ qe::CandidatePaths GetCandidates(const AUT_RefPtr<AQE_JoinTree>& tree, const Ids
     return candidates;
 }
 
-/// Returns the position that the selector chooses; the first without a selector.
+/// Returns the position that the selector chooses.
 std::size_t SelectDescriptor(const std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>& descriptors,
                              const ChoiceRules& rules)
 {
-    if (rules.selector == nullptr)
-        return 0;
     if (!descriptors.empty()) {
         const std::size_t index = rules.selector->SelectPath(descriptors);
         if (index < descriptors.size())
@@ -73,8 +71,10 @@ Ids ChoosePath(const qe::CandidatePaths& candidates, const qe::RefinerServices& 
     if (candidates.paths.size() == 1)
         return candidates.paths.front();
     const auto weighted = qe::WeighPaths(candidates, services);
-    const auto descriptors =
-        qe::DescribePaths(weighted, qe::RankPaths(weighted, rules.ranking, joinInfos));
+    const auto ranked = qe::RankPaths(weighted, rules.ranking, joinInfos);
+    if (rules.selector == nullptr)
+        return candidates.paths[ranked.front().candidate];
+    const auto descriptors = qe::DescribePaths(weighted, ranked);
     Ids chosen;
     descriptors[SelectDescriptor(descriptors, rules)]->GetJoinPath(chosen);
     return chosen;
