@@ -17,6 +17,8 @@ const JoinStore::PackedJoin* JoinStore::FindPacked(const amd_id& id) const
 
 const JoinStore::QEjoinInfo* JoinStore::FindOther(const amd_id& id) const
 {
+    if (mOthers.empty())
+        return nullptr;
     const auto found = mOthers.find(id);
     return found == mOthers.end() ? nullptr : &found->second;
 }
@@ -60,29 +62,32 @@ void JoinStore::Reserve(std::size_t count)
 void JoinStore::Keep(const amd_id& id, const QEjoinInfo& info)
 {
     const bool isOther = FindOther(id) != nullptr;
+    if (!isOther && (mPacked.empty() || mPacked.back().id < id)) {
+        Pack(id, info);
+        return;
+    }
     const bool isKnown = isOther || FindPacked(id) != nullptr;
-    if (!isOther && (mPacked.empty() || mPacked.back().id < id))
-        mPacked.push_back(
-            {.id = id,
-             .joinId = info.joinId,
-             .join = {.ends = {.left = info.leftQuerySubject, .right = info.rightQuerySubject},
-                      .weight = info.weight},
-             .leftCardinality = info.leftCardinality,
-             .rightCardinality = info.rightCardinality,
-             .name = KeepText(info.name.View()),
-             .expression = KeepText(info.expression.View())});
-    else
-        mOthers.insert_or_assign(id, QEjoinInfo(info));
+    mOthers.insert_or_assign(id, QEjoinInfo(info));
     mReplacedCount += isKnown ? 1 : 0;
 }
 
-std::string_view JoinStore::KeepText(std::string_view text)
+void JoinStore::Pack(const amd_id& id, const QEjoinInfo& info)
 {
-    if (text.empty())
-        return {};
-    auto* const kept = static_cast<char*>(mTexts.allocate(text.size(), 1));
-    std::copy(text.begin(), text.end(), kept);
-    return {kept, text.size()};
+    const std::string_view name = info.name.View();
+    const std::string_view expression = info.expression.View();
+    const std::size_t length = name.size() + expression.size();
+    char* const texts = length == 0 ? nullptr : static_cast<char*>(mTexts.allocate(length, 1));
+    std::copy(expression.begin(), expression.end(),
+              std::copy(name.begin(), name.end(), texts));
+    mPacked.push_back(
+        {.id = id,
+         .joinId = info.joinId,
+         .join = {.ends = {.left = info.leftQuerySubject, .right = info.rightQuerySubject},
+                  .weight = info.weight},
+         .leftCardinality = info.leftCardinality,
+         .rightCardinality = info.rightCardinality,
+         .name = {texts, name.size()},
+         .expression = {texts + name.size(), expression.size()}});
 }
 
 } // namespace qe

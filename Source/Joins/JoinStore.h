@@ -57,7 +57,7 @@ private:
 
     [[nodiscard]] const PackedJoin* FindPacked(const amd_id& id) const;
     [[nodiscard]] const QEjoinInfo* FindOther(const amd_id& id) const;
-    [[nodiscard]] std::string_view KeepText(std::string_view text);
+    void Pack(const amd_id& id, const QEjoinInfo& info);
 
     std::pmr::monotonic_buffer_resource mTexts;
     /// In the order of their ids.
