@@ -130,8 +130,8 @@ struct Request
     {
         if (hasCache)
             context.SetJoinCache(std::make_unique<AQE_JoinCache>());
-        refiner = AQE_I_Refiner::Create(candidates.gateway.get(), selector.Get(), governors, &context,
-                                        countsFacts, countsFacts);
+        refiner = AQE_I_Refiner::Create(candidates.gateway.get(), selector.Get(), governors,
+                                        &context, countsFacts, countsFacts);
     }
 
     std::size_t Ask(const Ids& subjects, const Ids& required = {})

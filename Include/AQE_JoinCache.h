@@ -17,8 +17,8 @@ class JoinStore;
 
 /// Keeps, for the life of one request, the joins that were read and the join paths that were
 /// chosen. Entries are added and replaced, never dropped. Refiners also keep the candidate graph of
-/// their last operation here, for the next one with the same candidates. One thread at a time uses
-/// a cache.
+/// their last operation here, for the next one with the same candidates, with what the graph
+/// remembers of its own searches. One thread at a time uses a cache.
 class QEREFINER_EXPORT AQE_JoinCache
 {
 public:

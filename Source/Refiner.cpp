@@ -135,8 +135,8 @@ void AQE_Refiner::ComputeJoinPath(const Ids& querySubjects, const Ids& favouredJ
 {
     if (querySubjects.size() < 2)
         return;
-    AQE_JoinCache* const cache = FindJoinCache();
-    if (cache != nullptr &&
+    if (const AQE_JoinCache* const cache = FindJoinCache();
+        cache != nullptr &&
         cache->GetJoinPath(querySubjects, favouredJoins, requiredJoins, joinPath))
         return;
 
@@ -164,7 +164,8 @@ void AQE_Refiner::ComputeJoinPath(const Ids& querySubjects, const Ids& favouredJ
     // What stood in the caller's vector belongs to the answer, and to what is remembered of it.
     Ids answer = joinPath;
     answer.insert(answer.end(), readable.begin(), readable.end());
-    if (cache != nullptr)
+    // Asked for anew: the host may have put another one into the request context.
+    if (AQE_JoinCache* const cache = FindJoinCache(); cache != nullptr)
         cache->CacheJoinPath(querySubjects, favouredJoins, requiredJoins, answer);
     joinPath.swap(answer);
 }

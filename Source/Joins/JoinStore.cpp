@@ -77,8 +77,7 @@ void JoinStore::Pack(const amd_id& id, const QEjoinInfo& info)
     const std::string_view expression = info.expression.View();
     const std::size_t length = name.size() + expression.size();
     char* const texts = length == 0 ? nullptr : static_cast<char*>(mTexts.allocate(length, 1));
-    std::copy(expression.begin(), expression.end(),
-              std::copy(name.begin(), name.end(), texts));
+    std::copy(expression.begin(), expression.end(), std::copy(name.begin(), name.end(), texts));
     mPacked.push_back(
         {.id = id,
          .joinId = info.joinId,
