@@ -87,6 +87,8 @@ private:
     EShortcutUse mShortcutUse;
     /// What joins are read into that no cache keeps.
     mutable AQE_I_Refiner::QEjoinInfo mSpace;
+    /// Read when a weight is first adjusted: looking at a weight may read a setting.
+    mutable std::optional<FavouredWeights> mFavouredWeights;
 };
 
 } // namespace qe

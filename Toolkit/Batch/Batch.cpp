@@ -13,14 +13,15 @@
 #include <exception>
 #include <iomanip>
 #include <istream>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
-#include <vector>
 
 namespace qe::tool {
 namespace {
@@ -116,28 +117,25 @@ private:
         if (request.json.is_object() && request.json.contains("id"))
             entry.id = request.json["id"];
         entry.question = ReadQuestion(request, mOptions.defaults);
-        std::unique_ptr<Asker> asker = TakeAsker();
+        std::unique_ptr<Asker>& asker = FindAsker();
+        if (asker == nullptr)
+            asker = std::make_unique<Asker>(mModel);
         try {
             entry.outcome = asker->Ask(entry.question);
         } catch (const InputError& mistakes) {
             entry.outcome = mistakes;
+        } catch (...) {
+            asker.reset();
+            throw;
         }
-        const std::lock_guard lock(mMutex);
-        mIdleAskers.push_back(std::move(asker));
     }
 
-    /// Returns the asker that worked last, when it is idle, so that each thread has one.
-    [[nodiscard]] std::unique_ptr<Asker> TakeAsker()
+    /// Returns the asker of this thread, or where it is to be. What an asker has found out lies
+    /// near the processor that works with it.
+    [[nodiscard]] std::unique_ptr<Asker>& FindAsker()
     {
-        {
-            const std::lock_guard lock(mMutex);
-            if (!mIdleAskers.empty()) {
-                std::unique_ptr<Asker> asker = std::move(mIdleAskers.back());
-                mIdleAskers.pop_back();
-                return asker;
-            }
-        }
-        return std::make_unique<Asker>(mModel);
+        const std::lock_guard lock(mMutex);
+        return mAskers[std::this_thread::get_id()];
     }
 
     [[nodiscard]] static EOutcome Classify(const BatchEntry& entry)
@@ -152,7 +150,7 @@ private:
     const BatchOutput& mOutput;
     const BatchOptions& mOptions;
     std::mutex mMutex;
-    std::vector<std::unique_ptr<Asker>> mIdleAskers;
+    std::map<std::thread::id, std::unique_ptr<Asker>> mAskers;
 };
 
 void Count(const WorkResult& result, BatchSummary& summary)
