@@ -4,8 +4,10 @@
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/TextTable.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <ostream>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,6 +35,37 @@ std::string PathText(const Answer& answer, const Alternative& alternative)
                      [&answer](const amd_id& join) { return JoinTitle(answer, join); });
 }
 
+/// Returns the names between commas, so many that they stay legible.
+std::string ListSome(const std::vector<std::string>& names)
+{
+    constexpr std::size_t kShown = 5;
+    const std::size_t shown = std::min(names.size(), kShown);
+    std::string text = JoinTexts(std::span(names).first(shown));
+    if (shown < names.size())
+        text += " and " + std::to_string(names.size() - shown) + " more";
+    return text;
+}
+
+} // namespace
+
+std::string DescribeDecision(const AnswerDecision& decision)
+{
+    std::string text =
+        decision.subjects.empty() ? "Everywhere" : "For " + JoinTexts(decision.subjects);
+    const char* separator = " the model ";
+    const auto add = [&](const char* verb, const std::vector<std::string>& joins) {
+        if (joins.empty())
+            return;
+        text += separator + (verb + ListSome(joins));
+        separator = " and ";
+    };
+    add("prefers ", decision.preferred);
+    add("avoids ", decision.avoided);
+    return decision.reason.empty() ? text : text + ": " + decision.reason;
+}
+
+namespace {
+
 class TextAnswerWriter
 {
 public:
@@ -48,6 +81,7 @@ private:
     void WriteSubjects();
     void WriteJoins(const Ids& path);
     void WriteCandidates();
+    void WriteDecisions();
     void WriteSeparation();
     void WriteRemarks();
 
@@ -74,6 +108,7 @@ void TextAnswerWriter::Write()
     else if (mAnswer.bestPaths.size() == 1)
         WriteJoins(mAnswer.bestPaths.front());
     WriteCandidates();
+    WriteDecisions();
     WriteSeparation();
     WriteRemarks();
 }
@@ -132,6 +167,12 @@ void TextAnswerWriter::WriteCandidates()
         mOut << "Decided by: " << mAnswer.criterion << '\n';
     if (mAnswer.mainObject.IsValid())
         mOut << "Main object: " << ToDisplayText(mAnswer.NameOf(mAnswer.mainObject)) << '\n';
+}
+
+void TextAnswerWriter::WriteDecisions()
+{
+    for (const AnswerDecision& decision : mAnswer.decisions)
+        mOut << ToDisplayText(DescribeDecision(decision)) << '\n';
 }
 
 void TextAnswerWriter::WriteSeparation()

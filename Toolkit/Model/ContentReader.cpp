@@ -57,20 +57,33 @@ model::Reference ReadIdReference(const PlacedJson& json, JsonProblems& problems)
     return read;
 }
 
+model::Reference ReadPlacedReference(const PlacedJson& json, JsonProblems& problems)
+{
+    if (json.value->is_object())
+        return ReadIdReference(json, problems);
+    if (!json.value->is_string()) {
+        RejectType(json, "a name or an object with class and id", problems);
+        return {};
+    }
+    return ReadText(json, problems).value_or("");
+}
+
 } // namespace
 
 model::Reference ReadReference(JsonObject& json, const char* key, JsonProblems& problems)
 {
     const PlacedJson found = json.Find(key, EPresence::Required);
-    if (found.value == nullptr)
-        return {};
-    if (found.value->is_object())
-        return ReadIdReference(found, problems);
-    if (!found.value->is_string()) {
-        RejectType(found, "a name or an object with class and id", problems);
-        return {};
-    }
-    return ReadText(found, problems).value_or("");
+    return found.value == nullptr ? model::Reference() : ReadPlacedReference(found, problems);
+}
+
+std::vector<PlacedReference> ReadReferences(JsonObject& json, const char* key,
+                                            JsonProblems& problems)
+{
+    std::vector<PlacedReference> references;
+    for (const PlacedJson& element : json.GetList(key))
+        references.push_back(
+            {.reference = ReadPlacedReference(element, problems), .pointer = element.pointer});
+    return references;
 }
 
 model::CardinalityRange ReadCardinality(JsonObject& json, const char* key, JsonProblems& problems)
@@ -134,6 +147,10 @@ ModelContent ContentReader::Read(const nlohmann::json& document)
     ReadGovernors(top.Find(keys::kGovernors));
     ReadChildren(top, ContentObject::kNoParent);
     ReadQuery(top.Find(keys::kQuery));
+    for (const PlacedJson& json : top.GetList(keys::kDecisions))
+        ReadDecision(json);
+    for (const PlacedJson& json : top.GetList(keys::kAcceptedFindings))
+        ReadAcceptedFinding(json);
     top.RejectUnknownKeys();
     return std::move(mContent);
 }
@@ -180,6 +197,37 @@ void ContentReader::ReadQuery(const PlacedJson& json)
     for (const PlacedJson& filter : query.GetList(keys::kFilters))
         ReadFilter(filter, IdClassSpecFilter, ContentObject::kNoParent);
     query.RejectUnknownKeys();
+}
+
+void ContentReader::ReadDecision(const PlacedJson& json)
+{
+    JsonObject object(json, *mProblems);
+    mContent.decisions.push_back({.pointer = json.pointer,
+                                  .subjects = ReadReferences(object, keys::kSubjects, *mProblems),
+                                  .preferred = ReadReferences(object, keys::kPrefer, *mProblems),
+                                  .avoided = ReadReferences(object, keys::kAvoid, *mProblems),
+                                  .reason = object.GetText(keys::kReason)});
+    object.RejectUnknownKeys();
+    const ContentDecision& decision = mContent.decisions.back();
+    if (decision.preferred.empty() && decision.avoided.empty() &&
+        !mProblems->IsReported(json.pointer))
+        mProblems->Add(json.pointer, "must prefer or avoid a join");
+}
+
+void ContentReader::ReadAcceptedFinding(const PlacedJson& json)
+{
+    JsonObject object(json, *mProblems);
+    AcceptedFinding accepted;
+    const auto read = [&](const char* key, std::string& text) {
+        text = object.GetText(key, EPresence::Required);
+        const std::string pointer = ChildPointer(json.pointer, key);
+        if (json.value->contains(key) && text.empty() && !mProblems->IsReported(pointer))
+            mProblems->Add(pointer, "must not be empty");
+    };
+    read(keys::kId, accepted.id);
+    read(keys::kReason, accepted.reason);
+    object.RejectUnknownKeys();
+    mContent.acceptedFindings.push_back(std::move(accepted));
 }
 
 void ContentReader::ReadChildren(JsonObject& parent, std::size_t position)

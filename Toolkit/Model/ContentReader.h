@@ -3,6 +3,7 @@
 
 #include "AQE_Governors.h"
 #include "Engine/Model/ModelBuilder.h"
+#include "Toolkit/Model/Decision.h"
 #include "Toolkit/Model/ModelWords.h"
 #include "Toolkit/Text/JsonObject.h"
 #include "Toolkit/Text/JsonProblems.h"
@@ -40,12 +41,31 @@ struct ContentObject
     std::string condition{};
 };
 
+/// A reference and where the file has it.
+struct PlacedReference
+{
+    model::Reference reference{};
+    std::string pointer{};
+};
+
+/// A decision as a model file describes it.
+struct ContentDecision
+{
+    std::string pointer{};
+    std::vector<PlacedReference> subjects{};
+    std::vector<PlacedReference> preferred{};
+    std::vector<PlacedReference> avoided{};
+    std::string reason{};
+};
+
 /// The content of a model file, before names are looked up.
 struct ModelContent
 {
     std::string locale = "en";
     std::vector<std::string> userClasses{};
     AQE_Governors governors{};
+    std::vector<ContentDecision> decisions{};
+    std::vector<AcceptedFinding> acceptedFindings{};
     /// There are many, and they are large: a deque never moves them.
     std::deque<ContentObject> objects{};
 };
@@ -56,6 +76,10 @@ struct ModelContent
 /// Returns what a key refers to: by name, or by class and id. Empty when it refers to nothing.
 [[nodiscard]] model::Reference ReadReference(JsonObject& json, const char* key,
                                              JsonProblems& problems);
+
+/// Returns the references in the list of a key.
+[[nodiscard]] std::vector<PlacedReference> ReadReferences(JsonObject& json, const char* key,
+                                                          JsonProblems& problems);
 
 /// Returns the cardinality of a key: a word such as "0..n", or a list of two numbers.
 [[nodiscard]] model::CardinalityRange ReadCardinality(JsonObject& json, const char* key,
@@ -85,6 +109,8 @@ private:
     /// Replaces `value` by what a word stands for, or by a number.
     void ReadGovernor(const PlacedJson& json, const GovernorWords& words, std::int32_t& value);
     void ReadQuery(const PlacedJson& json);
+    void ReadDecision(const PlacedJson& json);
+    void ReadAcceptedFinding(const PlacedJson& json);
     /// Reads the children of the namespace, folder or document.
     void ReadChildren(JsonObject& parent, std::size_t position);
 

@@ -7,7 +7,9 @@
 #include "Toolkit/Format.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Tools/qerefine/QuestionOptions.h"
+#include "Tools/qerefine/SaveOptions.h"
 
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -26,6 +28,7 @@ struct AskOptions
     FormatOptions output{};
     /// The subject that SQL begins with; may be empty.
     std::string start{};
+    SaveOptions save{};
 };
 
 struct AskResult
@@ -34,6 +37,7 @@ struct AskResult
     Question question{};
     Answer answer{};
     FormatOptions output{};
+    std::optional<SavedModel> saved{};
 };
 
 void AddAnswerOptions(CLI::App& command, AskOptions& options)
@@ -65,6 +69,7 @@ void AddAnswerOptions(CLI::App& command, AskOptions& options)
 
 AskResult Run(const AskOptions& options, const CommandContext& context)
 {
+    CheckSaveOptions(options.save, options.asked.model);
     AskResult result{.model = OpenModel(options.asked, context), .output = options.output};
     result.question = MakeQuestion(options.asked, context);
     result.answer = BlameArguments([&] { return Ask(result.model, result.question); });
@@ -75,6 +80,12 @@ AskResult Run(const AskOptions& options, const CommandContext& context)
             names.ThrowProblems();
             result.output.sql.start = found.front();
         });
+    if (options.save.scope && result.answer.connected)
+        result.saved = PrepareSave(options.asked.model, {.model = result.model,
+                                                         .question = result.question,
+                                                         .answer = result.answer,
+                                                         .scope = *options.save.scope,
+                                                         .reason = options.save.reason});
     return result;
 }
 
@@ -100,6 +111,8 @@ EExitCode Report(const AskOptions& options, const AskResult& result, const Comma
                                                .question = result.question,
                                                .answer = result.answer,
                                                .options = result.output});
+    if (result.saved)
+        Save(*result.saved, context);
     return code;
 }
 
@@ -128,6 +141,7 @@ void AddPathCommand(const CommandLine& line)
         AddFavouredSubjects(command, question);
         AddRanking(command, question);
         AddSelector(command, question);
+        AddSaveOptions(command, options.save);
         AddGovernors(command, question);
         AddAnswerOptions(command, options);
     });
