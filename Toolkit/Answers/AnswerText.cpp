@@ -4,10 +4,8 @@
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/TextTable.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <ostream>
-#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -35,28 +33,18 @@ std::string PathText(const Answer& answer, const Alternative& alternative)
                      [&answer](const amd_id& join) { return JoinTitle(answer, join); });
 }
 
-/// Returns the names between commas, so many that they stay legible.
-std::string ListSome(const std::vector<std::string>& names)
-{
-    constexpr std::size_t kShown = 5;
-    const std::size_t shown = std::min(names.size(), kShown);
-    std::string text = JoinTexts(std::span(names).first(shown));
-    if (shown < names.size())
-        text += " and " + std::to_string(names.size() - shown) + " more";
-    return text;
-}
-
 } // namespace
 
 std::string DescribeDecision(const AnswerDecision& decision)
 {
+    constexpr std::size_t kShown = 5;
     std::string text =
         decision.subjects.empty() ? "Everywhere" : "For " + JoinTexts(decision.subjects);
     const char* separator = " the model ";
     const auto add = [&](const char* verb, const std::vector<std::string>& joins) {
         if (joins.empty())
             return;
-        text += separator + (verb + ListSome(joins));
+        text += separator + (verb + JoinFirstTexts(joins, kShown));
         separator = " and ";
     };
     add("prefers ", decision.preferred);

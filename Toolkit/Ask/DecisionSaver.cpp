@@ -69,18 +69,23 @@ public:
         if (choice.scope == EDecisionScope::Subjects)
             mDecision.subjects = choice.answer.terminals;
         std::sort(mDecision.subjects.begin(), mDecision.subjects.end());
-        std::erase_if(mModel.decisions,
-                      [this](const Decision& old) { return old.subjects == mDecision.subjects; });
+        mRivalsOfOld = Ask();
+        mReplaces = 0 < std::erase_if(mModel.decisions, [this](const Decision& old) {
+                        return old.subjects == mDecision.subjects;
+                    });
     }
 
     std::optional<Decision> Find(const Answer& asked)
     {
         std::vector<IdSet> rivals = Ask();
-        if (rivals.empty())
+        if (rivals.empty() && !mReplaces)
             return std::nullopt;
-        const std::vector<IdSet> seen = FindRivals(asked, mChosen);
         Prefer(rivals);
-        Prefer(seen);
+        Prefer(mRivalsOfOld);
+        Prefer(FindRivals(asked, mChosen));
+        // A decision that is only given another reason.
+        if (mDecision.preferred.empty())
+            Prefer({IdSet()});
         for (int round = 0; round < kMostRounds; ++round) {
             rivals = Ask();
             if (rivals.empty())
@@ -143,6 +148,9 @@ private:
     ToolModel mModel;
     Question mQuestion;
     Decision mDecision;
+    bool mReplaces = false;
+    /// What the model, with all its decisions, finds as good as the choice, or better.
+    std::vector<IdSet> mRivalsOfOld;
 };
 
 } // namespace

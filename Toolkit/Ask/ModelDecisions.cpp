@@ -10,13 +10,10 @@
 
 namespace qe::tool {
 
-namespace {
-
 using Ids = std::vector<amd_id>;
 
-/// Returns the decisions that hold for such subjects, those that go first first.
-std::vector<const Decision*> FindHolding(const std::vector<Decision>& decisions,
-                                         const std::set<amd_id>& asked)
+std::vector<const Decision*> FindHoldingDecisions(const std::vector<Decision>& decisions,
+                                                  const std::vector<amd_id>& asked)
 {
     std::vector<const Decision*> holding;
     for (const Decision& decision : decisions) {
@@ -29,6 +26,8 @@ std::vector<const Decision*> FindHolding(const std::vector<Decision>& decisions,
     });
     return holding;
 }
+
+namespace {
 
 /// Hands out the joins of the candidate graph, each once.
 class FreeJoins
@@ -66,11 +65,12 @@ void ApplyDecisions(const std::vector<Decision>& decisions, const Question& ques
 {
     if (decisions.empty() || question.operation == EOperation::JoinedSubjects)
         return;
-    std::set<amd_id> asked(resolved.subjects.begin(), resolved.subjects.end());
-    asked.insert(resolved.secondSet.begin(), resolved.secondSet.end());
+    Ids asked = resolved.subjects;
+    asked.insert(asked.end(), resolved.secondSet.begin(), resolved.secondSet.end());
+    std::sort(asked.begin(), asked.end());
     const bool takesPreferred = resolved.favouredJoins.empty() && resolved.requiredJoins.empty();
     FreeJoins free(resolved);
-    for (const Decision* const decision : FindHolding(decisions, asked)) {
+    for (const Decision* const decision : FindHoldingDecisions(decisions, asked)) {
         Decision applied{.subjects = decision->subjects,
                          .preferred = free.Take(takesPreferred ? decision->preferred : Ids()),
                          .avoided = free.Take(decision->avoided),

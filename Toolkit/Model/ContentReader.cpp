@@ -129,6 +129,21 @@ amd_id ReadId(const PlacedJson& json, std::int32_t classCode, JsonProblems& prob
     return {};
 }
 
+AcceptedFinding ReadAcceptedFinding(const PlacedJson& json, JsonProblems& problems)
+{
+    JsonObject object(json, problems);
+    const auto read = [&](const char* key) {
+        std::string text = object.GetText(key, EPresence::Required);
+        const std::string pointer = ChildPointer(json.pointer, key);
+        if (text.empty() && !problems.IsReported(pointer))
+            problems.Add(pointer, "must not be empty");
+        return text;
+    };
+    AcceptedFinding accepted{.id = read(keys::kId), .reason = read(keys::kReason)};
+    object.RejectUnknownKeys();
+    return accepted;
+}
+
 namespace {
 
 constexpr std::int32_t kFormatVersion = 1;
@@ -150,7 +165,7 @@ ModelContent ContentReader::Read(const nlohmann::json& document)
     for (const PlacedJson& json : top.GetList(keys::kDecisions))
         ReadDecision(json);
     for (const PlacedJson& json : top.GetList(keys::kAcceptedFindings))
-        ReadAcceptedFinding(json);
+        mContent.acceptedFindings.push_back(ReadAcceptedFinding(json, *mProblems));
     top.RejectUnknownKeys();
     return std::move(mContent);
 }
@@ -212,22 +227,6 @@ void ContentReader::ReadDecision(const PlacedJson& json)
     if (decision.preferred.empty() && decision.avoided.empty() &&
         !mProblems->IsReported(json.pointer))
         mProblems->Add(json.pointer, "must prefer or avoid a join");
-}
-
-void ContentReader::ReadAcceptedFinding(const PlacedJson& json)
-{
-    JsonObject object(json, *mProblems);
-    AcceptedFinding accepted;
-    const auto read = [&](const char* key, std::string& text) {
-        text = object.GetText(key, EPresence::Required);
-        const std::string pointer = ChildPointer(json.pointer, key);
-        if (json.value->contains(key) && text.empty() && !mProblems->IsReported(pointer))
-            mProblems->Add(pointer, "must not be empty");
-    };
-    read(keys::kId, accepted.id);
-    read(keys::kReason, accepted.reason);
-    object.RejectUnknownKeys();
-    mContent.acceptedFindings.push_back(std::move(accepted));
 }
 
 void ContentReader::ReadChildren(JsonObject& parent, std::size_t position)

@@ -89,6 +89,9 @@ struct ModelContent
 /// `json` may be without a value.
 [[nodiscard]] amd_id ReadId(const PlacedJson& json, std::int32_t classCode, JsonProblems& problems);
 
+/// Returns an accepted finding: its id and the reason.
+[[nodiscard]] AcceptedFinding ReadAcceptedFinding(const PlacedJson& json, JsonProblems& problems);
+
 /// Reads the document of a model file: keys, types, words and ids. What the objects name is not
 /// looked up yet.
 ///
@@ -110,7 +113,6 @@ private:
     void ReadGovernor(const PlacedJson& json, const GovernorWords& words, std::int32_t& value);
     void ReadQuery(const PlacedJson& json);
     void ReadDecision(const PlacedJson& json);
-    void ReadAcceptedFinding(const PlacedJson& json);
     /// Reads the children of the namespace, folder or document.
     void ReadChildren(JsonObject& parent, std::size_t position);
 

@@ -5,6 +5,7 @@
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Format.h"
+#include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Tools/qerefine/QuestionOptions.h"
 #include "Tools/qerefine/SaveOptions.h"
@@ -71,6 +72,8 @@ AskResult Run(const AskOptions& options, const CommandContext& context)
 {
     CheckSaveOptions(options.save, options.asked.model);
     AskResult result{.model = OpenModel(options.asked, context), .output = options.output};
+    if (IsModelFile(options.asked.model.path))
+        result.output.modelFile = options.asked.model.path.string();
     result.question = MakeQuestion(options.asked, context);
     result.answer = BlameArguments([&] { return Ask(result.model, result.question); });
     if (!options.start.empty())
