@@ -1,12 +1,17 @@
 #include "Engine/Model/Model.h"
 #include "Tests/Support/SmallGraph.h"
+#include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
 #include "Toolkit/Answers/CheckOutput.h"
+#include "Toolkit/Answers/CheckPipelines.h"
+#include "Toolkit/Check/Baseline.h"
 #include "Toolkit/Check/CheckReport.h"
 #include "Toolkit/Check/ModelGraph.h"
 #include "Toolkit/Check/Rules.h"
+#include "Toolkit/Model/ModelFile.h"
 
 #include <algorithm>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -20,6 +25,30 @@ namespace {
 
 using test::MakeModel;
 using test::SmallGraph;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsSupersetOf;
+
+/// Returns the words with those of a command line behind them.
+std::vector<std::string> SplitWords(std::vector<std::string> words, const std::string& line)
+{
+    bool isQuoted = false;
+    bool isNew = true;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == '\'') {
+            isQuoted = !isQuoted;
+        } else if (line[i] == ' ' && !isQuoted) {
+            isNew = true;
+        } else {
+            i += line[i] == '\\' && !isQuoted ? 1 : 0;
+            if (isNew)
+                words.emplace_back();
+            isNew = false;
+            words.back() += line[i];
+        }
+    }
+    return words;
+}
 
 /// Returns "code: place; place | code: place", in the order of the rules.
 std::string Summarize(const CheckReport& report)
@@ -123,7 +152,7 @@ TEST(CheckBrokenRecords, AreReported)
               "path uses it.");
 }
 
-TEST(CheckOutput, CountsWhatItDoesNotShow)
+TEST(CheckOutput, ShowsCausesWhereThereIsTooMuch)
 {
     std::string joins;
     for (int i = 0; i < 30; ++i)
@@ -131,17 +160,38 @@ TEST(CheckOutput, CountsWhatItDoesNotShow)
     CheckOptions options;
     options.severities = {{"one-sided-condition", ESeverity::Off},
                           {"many-to-many", ESeverity::Error}};
-    options.limits.findings = ListLimit(4);
     const CheckReport report = CheckModel(MakeModel(joins), options);
     EXPECT_EQ(report.GetWorst(), ESeverity::Error);
     EXPECT_EQ(report.Count(ESeverity::Error), 30U);
-    const auto json = ToJson(report, "m");
+    const CheckView view{.limit = ListLimit(4)};
+    const auto json = ToJson(report, "m", view);
     EXPECT_EQ(json["rules"].back()["total"], 0);
     EXPECT_EQ(json["findings"].size(), 5U);
     EXPECT_EQ(json["findings"][4]["paths"].size(), 4U);
+    EXPECT_EQ(json["causes"][0]["total"], 30);
     std::ostringstream lines;
-    WriteText(lines, report);
-    EXPECT_NE(lines.str().find("26 more of 30 are not shown"), std::string::npos) << lines.str();
+    WriteText(lines, report, view);
+    EXPECT_THAT(lines.str(), HasSubstr("error many-to-many: A join has many rows at both ends, 30 "
+                                       "times: j0, j1, j2 and 27 more.\n"));
+}
+
+TEST(CheckOutput, OneCauseIsTheSubjectThatMostPathsPass)
+{
+    // Every pair of facts meets at Users and at Day; only X and Y meet at Z too.
+    std::string joins = "X >- Z; Y >- Z; P >- Q : one; P >- Q : two;";
+    for (const std::string fact : {"V", "W", "X", "Y"})
+        joins += fact + " >- Users; " + fact + " >- Day;";
+    const CheckReport report = CheckModel(MakeModel(joins), {});
+    const auto rule = std::find_if(report.rules.begin(), report.rules.end(),
+                                   [](const auto& each) { return each.code == "ambiguous-path"; });
+    ASSERT_EQ(rule->causes.size(), 2U);
+    EXPECT_EQ(rule->causes[0].name, "Users");
+    EXPECT_EQ(rule->causes[0].findings.size(), rule->found.total - 1);
+    EXPECT_EQ(rule->found.findings[rule->causes[1].findings.front()].placeText, "P - Q");
+    std::ostringstream lines;
+    WriteText(lines, report, {.limit = ListLimit(1)});
+    EXPECT_THAT(lines.str(), HasSubstr(" times over or to Users: "));
+    EXPECT_THAT(lines.str(), HasSubstr("1 more cause with 1 finding (--limit shows more)"));
 }
 
 TEST(CheckOutput, SaysWhenTheSearchGaveUp)
@@ -153,6 +203,205 @@ TEST(CheckOutput, SaysWhenTheSearchGaveUp)
                                    [](const auto& each) { return each.code == "ambiguous-path"; });
     EXPECT_EQ(rule->found.notice, "Ambiguous paths were looked for from 1 of 3 subjects only: the "
                                   "limit of steps was reached.");
+}
+
+std::set<std::string> IdsOf(const CheckReport& report)
+{
+    std::set<std::string> ids;
+    for (const RuleReport& rule : report.rules) {
+        for (const Finding& finding : rule.found.findings)
+            EXPECT_TRUE(ids.insert(finding.id).second) << finding.id;
+    }
+    return ids;
+}
+
+TEST(CheckIds, ComeFromNamesAlone)
+{
+    const std::set<std::string> ids =
+        IdsOf(CheckModel(MakeModel("F >- A : ordered; F >- A : shipped; A >-< B : ab; X - Y"), {}));
+    EXPECT_THAT(ids, IsSupersetOf({"ambiguous-path/Model.A/Model.F",
+                                   "many-to-many/Model.ab(Model.A,Model.B)",
+                                   "separate-group/Model.X"}));
+    // Another order, and more to find.
+    EXPECT_THAT(IdsOf(CheckModel(MakeModel("Alone(I); Y - X; A >-< B : ab; F >- A : shipped;"
+                                           "F >- A : ordered; G >- A"),
+                                 {})),
+                IsSupersetOf({"ambiguous-path/Model.A/Model.F",
+                              "many-to-many/Model.ab(Model.A,Model.B)", "separate-group/Model.X",
+                              "unreached-subject/Model.Alone"}));
+}
+
+TEST(CheckAcceptance, WhatIsAcceptedDoesNotCount)
+{
+    ToolModel model = MakeModel("F >- A : ordered; F >- A : shipped; A >-< B : ab");
+    model.acceptedFindings = {{"ambiguous-path/Model.A/Model.F", "both dates are equal"},
+                              {"ambiguous-path/Model.A/Model.G", "gone"}};
+    CheckOptions options;
+    options.severities["one-sided-condition"] = ESeverity::Off;
+    EXPECT_EQ(CheckModel(model, options).Count(ESeverity::Warning), 1U);
+    options.baseline = {{"many-to-many/Model.ab(Model.A,Model.B)", "known"},
+                        {"one-sided-condition/Model.ab(Model.A,Model.B)", "of a rule that is off"}};
+    const CheckReport report = CheckModel(model, options);
+    EXPECT_EQ(report.GetWorst(), ESeverity::Off);
+    EXPECT_EQ(report.CountAccepted(), 2U);
+    ASSERT_EQ(report.idle.size(), 1U);
+    std::ostringstream lines;
+    WriteText(lines, report, {.accepted = CheckView::EAccepted::Shown});
+    EXPECT_THAT(lines.str(),
+                HasSubstr("notice: the model accepts what is not found any more: "
+                          "ambiguous-path/Model.A/Model.G (did you mean "
+                          "ambiguous-path/Model.A/Model.F?)\n"));
+    EXPECT_THAT(lines.str(), HasSubstr("accepted warning many-to-many"));
+    EXPECT_THAT(lines.str(), HasSubstr("0 warnings, 0 notes; 2 findings accepted\n"));
+
+    // A baseline keeps its own reasons, and leaves to the model what the model accepts.
+    const test::TemporaryFolder folder;
+    model.acceptedFindings.clear();
+    const std::string path = folder.Write(
+        "baseline.json", WriteBaselineText(CheckModel(model, options), "for later"));
+    const std::vector<AcceptedFinding> baseline = ReadBaseline(path);
+    ASSERT_EQ(baseline.size(), 2U);
+    EXPECT_EQ(baseline[0].reason, "for later");
+    EXPECT_EQ(baseline[1].reason, "known");
+    EXPECT_EQ(test::MistakesOf([&] {
+                  static_cast<void>(ReadBaseline(folder.Write("bad.json", R"({"finding": []})")));
+              }),
+              folder / "bad.json" + ": lacks the key \"format\"\n" + folder / "bad.json" +
+                  "#/finding: key is unknown: \"finding\" (did you mean findings?)");
+}
+
+TEST(CheckAcceptance, TheExamplePasses)
+{
+    const CheckReport report =
+        CheckModel(ReadModelFile(QEREFINER_SOURCE_DIR "/Examples/retail/model.json"), {});
+    EXPECT_EQ(report.GetWorst(), ESeverity::Off);
+    EXPECT_TRUE(report.idle.empty());
+}
+
+TEST(CheckAdvice, Works)
+{
+    const struct
+    {
+        const char* rule;
+        const char* before;
+        const char* after;
+    } cases[] = {
+        {"one-sided-condition", "A(K), B(K); A >- B : j on [Model].[A].[K] = 1",
+         "A(K), B(K); A >- B : j on [Model].[A].[K] = [Model].[B].[K]"},
+        {"unreached-subject", "A - B; C(I)", "A - B; B - C"},
+        {"unreached-subject", "A - B; C(I)", "A - B"},
+        {"separate-group", "A - B; B - C; D - E", "A - B; B - C; D - E; A - D"},
+        {"many-to-many", "A >-< B", "X >- A; X >- B"},
+        {"many-to-many", "A >-< B", "A >- B"},
+        {"fan", "Line >- Header; Header >- Day; Header >- Customer",
+         "Line >- Header; Line >- Day; Line >- Customer"},
+    };
+    const auto find = [](const ToolModel& model, const std::string& code) {
+        const CheckReport report = CheckModel(model, {});
+        const auto rule = std::find_if(report.rules.begin(), report.rules.end(),
+                                       [&code](const auto& each) { return each.code == code; });
+        return rule->CountNew();
+    };
+    for (const auto& test : cases) {
+        EXPECT_EQ(find(MakeModel(test.before), test.rule), 1U) << test.before;
+        EXPECT_EQ(find(MakeModel(test.after), test.rule), 0U) << test.after;
+    }
+}
+
+/// The advice for ambiguous paths is a command line.
+TEST(CheckAdvice, CommandsDecide)
+{
+    const test::TemporaryFolder folder;
+    for (const char* const text :
+         {"F >- A : 'ordered; F >- A : shipped", "F >- A; F >- B; A >- D; B >- D",
+          "Ordered -> Day; Shipped -> Day; F >- Ordered; F >- Shipped"}) {
+        const std::string path = folder.Write("model.json", WriteModelText(MakeModel(text)));
+        const auto findPairs = [&path] {
+            const CheckReport report = CheckModel(ReadModelFile(path), {});
+            std::vector<Finding> pairs;
+            for (const RuleReport& rule : report.rules) {
+                if (rule.code == "ambiguous-path")
+                    pairs = rule.found.findings;
+                EXPECT_TRUE(rule.code.find("decision") == std::string::npos ||
+                            rule.found.findings.empty());
+            }
+            return pairs;
+        };
+        std::vector<Finding> pairs = findPairs();
+        EXPECT_FALSE(pairs.empty()) << text;
+        for (std::size_t left = pairs.size(); left > 0; --left) {
+            std::string advice = pairs.front().advice;
+            const std::size_t begin = advice.find("qerefine path MODEL ") + 20;
+            advice = advice.substr(begin, advice.find(" --save") + 7 - begin);
+            EXPECT_EQ(test::RunTool(SplitWords({"path", path}, advice)).code, EExitCode::Done);
+            pairs = findPairs();
+            EXPECT_EQ(pairs.size(), left - 1) << advice;
+        }
+    }
+}
+
+TEST(CheckDecisions, MustAgreeAndBeFollowed)
+{
+    const auto summarize = [](std::vector<Decision> decisions) {
+        ToolModel model = MakeModel("F >- A : fa; G >- A : ga; F >- B : fb; G >- B : gb; H >- B");
+        model.decisions = std::move(decisions);
+        CheckOptions options;
+        for (const Rule& rule : kRules) {
+            if (rule.code.find("decision") == std::string_view::npos)
+                options.severities[std::string(rule.code)] = ESeverity::Off;
+        }
+        return Summarize(CheckModel(model, options));
+    };
+    const ToolModel names = MakeModel("F >- A : fa; G >- A : ga; F >- B : fb; G >- B : gb; H >- B");
+    const auto id = [&names](const char* name) {
+        const auto found = names.model->FindByName(model::ENameKind::Subject, std::string(name));
+        return found.empty()
+                   ? names.model->FindByName(model::ENameKind::Join, std::string(name)).front()
+                   : found.front();
+    };
+    const std::vector<amd_id> fg{id("F"), id("G")};
+    const std::vector<amd_id> fh{id("F"), id("H")};
+    EXPECT_EQ(summarize({{.subjects = fg, .preferred = {id("fb"), id("gb")}}}), "");
+    EXPECT_EQ(summarize({{.subjects = fg, .preferred = {id("fa"), id("gb")}}}),
+              "unfollowed-decision: F, G");
+    EXPECT_EQ(summarize({{.subjects = fg, .preferred = {id("fa")}},
+                         {.subjects = {id("A"), id("F")}, .avoided = {id("fa")}}}),
+              "contradicting-decisions: fa");
+    EXPECT_EQ(summarize({{.subjects = fg, .preferred = {id("fa")}},
+                         {.subjects = {id("A"), id("F")}, .avoided = {id("fa")}},
+                         {.subjects = {id("F"), id("G"), id("A")}, .preferred = {id("fa")}}}),
+              "");
+}
+
+TEST(CheckPipelines, HaveWhatBuildServersRead)
+{
+    ToolModel model = MakeModel("F >- A : ordered; F >- A : shipped; A >-< B : a<b");
+    model.acceptedFindings = {{"ambiguous-path/Model.A/Model.F", "both \"dates\" are equal"}};
+    const CheckReport report = CheckModel(model, {});
+    const PipelineContext context{
+        .modelName = "my model.json", .toolVersion = "1", .failOn = ESeverity::Error};
+    const auto run = ToSarif(report, context)["runs"][0];
+    EXPECT_EQ(run["tool"]["driver"]["rules"].size(), kRules.size());
+    for (const auto& result : run["results"]) {
+        const auto& rule = run["tool"]["driver"]["rules"][result["ruleIndex"].get<std::size_t>()];
+        EXPECT_EQ(rule["id"], result["ruleId"]);
+        const auto& place = result["locations"][0];
+        EXPECT_EQ(place["physicalLocation"]["artifactLocation"]["uri"], "my%20model.json");
+        EXPECT_TRUE(place["logicalLocations"][0]["fullyQualifiedName"].is_string());
+        EXPECT_FALSE(result["message"]["text"].get<std::string>().empty());
+        const bool isAccepted = result["ruleId"] == "ambiguous-path";
+        EXPECT_EQ(result.contains("suppressions"), isAccepted);
+    }
+    const auto write = [&report](PipelineContext pipeline) {
+        std::ostringstream out;
+        WriteJunit(out, report, pipeline);
+        return out.str();
+    };
+    EXPECT_THAT(write(context), HasSubstr("failures=\"0\" errors=\"0\" skipped=\"1\""));
+    EXPECT_THAT(write({.modelName = "m", .failOn = ESeverity::Warning}),
+                AllOf(HasSubstr("a&lt;b"), HasSubstr("<failure type=\"warning\""),
+                      HasSubstr("<skipped message=\"accepted: both &quot;dates&quot; are equal\"/>"),
+                      HasSubstr("<testcase name=\"no finding\" classname=\"m\"/>")));
 }
 
 /// The weight of a path that is too long to look at.

@@ -156,7 +156,13 @@ void AddEvaluateOptions(CLI::App& command, EvaluateCommandOptions& options)
         .add_option("--min-same", options.leastSame,
                     "End with exit code 8 when fewer are answered the same, in percent")
         ->type_name("PERCENT")
-        ->check(CLI::Range(0.0, kAllPercent));
+        ->check(CLI::Range(0.0, kAllPercent))
+        ->check(CLI::Validator(
+            [](const std::string& text) {
+                return text.find_first_of("nN") == std::string::npos ? std::string()
+                                                                     : "not a number: " + text;
+            },
+            ""));
 }
 
 Evaluation RunEvaluation(const EvaluateCommandOptions& options, const CommandContext& context)
