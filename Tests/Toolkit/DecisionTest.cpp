@@ -220,6 +220,20 @@ TEST_F(SaveTest, LaterQuestionsFollow)
     EXPECT_THAT(RunPath({}).output, HasSubstr("For F, G the model prefers FA, GA"));
 }
 
+TEST_F(SaveTest, ThePageShowsTheCommandAndThePictureTheDecision)
+{
+    const ToolRun page = RunPath({"--format", "html"});
+    if (page.code == EExitCode::CannotReadOrWrite)
+        GTEST_SKIP() << page.error;
+    EXPECT_THAT(page.output, HasSubstr("qerefine path " + mFile +
+                                       " F G --require FA --require GA --save</code>"));
+    EXPECT_THAT(page.output, HasSubstr("qerefine path " + mFile +
+                                       " F G --require FB --require GB --save</code>"));
+    EXPECT_EQ(RunPath({"--require", "FB", "--require", "GB", "--save"}).code, EExitCode::Done);
+    EXPECT_THAT(qe::test::RunTool({"show", mFile, "--format", "dot"}).output,
+                HasSubstr(" preferred "));
+}
+
 TEST_F(SaveTest, RefusesWhatCannotKeepIt)
 {
     const std::string before = mFolder.Read("star.json");
@@ -231,10 +245,10 @@ TEST_F(SaveTest, RefusesWhatCannotKeepIt)
     EXPECT_EQ(RunPath({"--save", "--set", "General Options/FFJoins=1"}).code,
               EExitCode::WrongUsage);
     EXPECT_EQ(RunPath({"--reason", "x"}).code, EExitCode::WrongUsage);
-    EXPECT_EQ(RunPath({"--without-join", "FA", "--without-join", "FB", "--without-join", "FC",
-                       "--save"})
-                  .code,
-              EExitCode::NegativeResult);
+    EXPECT_EQ(
+        RunPath({"--without-join", "FA", "--without-join", "FB", "--without-join", "FC", "--save"})
+            .code,
+        EExitCode::NegativeResult);
     EXPECT_EQ(mFolder.Read("star.json"), before);
     EXPECT_EQ(qe::test::RunTool({"path", mFile, "F", "A", "--save"}).error,
               "qerefine: nothing to save: the model answers so without a decision\n");

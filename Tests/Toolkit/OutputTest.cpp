@@ -144,6 +144,7 @@ TEST(OutputTest, SchemaAcceptsEveryReportAndRefusesMutations)
         {"facts", shop},
         {"shortcuts", shop, "--roles", "shortcuts"},
         {"check", shop, "--limit", "1"},
+        {"check", QEREFINER_SOURCE_DIR "/Examples/retail/model.json", "--all"},
         {"evaluate", shop},
     };
     std::vector<std::string> reports;
