@@ -104,8 +104,7 @@ TEST(CheckAcceptance, WhatIsAcceptedDoesNotCount)
     EXPECT_EQ(test::MistakesOf([&] {
                   static_cast<void>(ReadBaseline(folder.Write("bad.json", R"({"finding": []})")));
               }),
-              folder / "bad.json" + ": lacks the key \"format\"\n" + folder / "bad.json" +
-                  "#/finding: key is unknown: \"finding\" (did you mean findings?)");
+              folder / "bad.json" + ": lacks the key \"format\"");
 }
 
 TEST(CheckAcceptance, TheExamplePasses)

@@ -145,7 +145,7 @@ TEST(CheckOutput, ShowsCausesWhereThereIsTooMuch)
     std::ostringstream lines;
     WriteText(lines, report, view);
     EXPECT_THAT(lines.str(), HasSubstr("error many-to-many: A join has many rows at both ends, 30 "
-                                       "times: j0, j1, j2 and 27 more.\n"));
+                                       "times.\n    j0, j1, j2 and 27 more\n    advice: "));
 }
 
 TEST(CheckOutput, OneCauseIsTheSubjectThatMostPathsPass)
@@ -163,8 +163,9 @@ TEST(CheckOutput, OneCauseIsTheSubjectThatMostPathsPass)
     EXPECT_EQ(rule->found.findings[rule->causes[1].findings.front()].placeText, "P - Q");
     std::ostringstream lines;
     WriteText(lines, report, {.limit = ListLimit(1)});
-    EXPECT_THAT(lines.str(), HasSubstr(" times over or to Users: "));
-    EXPECT_THAT(lines.str(), HasSubstr("1 more cause with 1 finding (--limit shows more)"));
+    EXPECT_THAT(lines.str(), HasSubstr(" times, of 2 causes.\n"));
+    EXPECT_THAT(lines.str(), HasSubstr(" over or to Users: "));
+    EXPECT_THAT(lines.str(), HasSubstr("    1 more cause with 1 finding\n"));
 }
 
 TEST(CheckOutput, SaysWhenTheSearchGaveUp)

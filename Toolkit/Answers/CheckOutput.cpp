@@ -156,16 +156,23 @@ void CheckText::Write(const RuleReport& rule)
 
 void CheckText::WriteCauses(const RuleReport& rule)
 {
+    const Rule* const known = FindRule(rule.code);
+    const bool areNamed = !rule.causes.empty() && !rule.causes.front().name.empty();
+    mOut << ToText(rule.severity) << ' ' << rule.code << ": " << known->title << ", "
+         << rule.CountNew() << " times";
+    if (areNamed)
+        mOut << ", of " << CountOf(rule.causes.size(), "cause");
+    mOut << ".\n";
     const std::size_t shown = mView.limit.CountShown(rule.causes.size());
-    for (const Cause& cause : std::span(rule.causes).first(shown))
-        Write(rule, cause);
     std::size_t left = rule.CountNew();
-    for (const Cause& cause : std::span(rule.causes).first(shown))
+    for (const Cause& cause : std::span(rule.causes).first(shown)) {
+        Write(rule, cause);
         left -= cause.findings.size();
+    }
     if (left > 0)
-        mOut << ToText(rule.severity) << ' ' << rule.code << ": "
-             << CountOf(rule.causes.size() - shown, "more cause") << " with "
-             << CountOf(left, "finding") << " (--limit shows more)\n";
+        mOut << "    " << CountOf(rule.causes.size() - shown, "more cause") << " with "
+             << CountOf(left, "finding") << '\n';
+    mOut << "    advice: " << known->advice << " --all shows every finding.\n";
 }
 
 /// One join is named by the path itself.
@@ -194,18 +201,13 @@ void CheckText::Write(const RuleReport& rule, const Finding& finding)
 void CheckText::Write(const RuleReport& rule, const Cause& cause)
 {
     constexpr std::size_t kExamples = 3;
-    if (cause.findings.size() == 1)
-        return Write(rule, rule.found.findings[cause.findings.front()]);
-    const Rule* const known = FindRule(rule.code);
-    const std::size_t shown = std::min(kExamples, cause.findings.size());
-    const auto placeOf = [&rule](std::size_t i) { return rule.found.findings[i].placeText; };
-    mOut << ToText(rule.severity) << ' ' << rule.code << ": " << known->title << ", "
-         << cause.findings.size() << " times"
-         << ToDisplayText(cause.name.empty() ? "" : " over or to " + cause.name) << ": "
-         << ToDisplayText(JoinTexts(std::span(cause.findings).first(shown), placeOf));
-    if (shown < cause.findings.size())
-        mOut << " and " << cause.findings.size() - shown << " more";
-    mOut << ".\n    advice: " << known->advice << '\n';
+    std::vector<std::string> places;
+    for (const std::size_t position : cause.findings)
+        places.push_back(rule.found.findings[position].placeText);
+    mOut << "    ";
+    if (!cause.name.empty())
+        mOut << cause.findings.size() << " over or to " << ToDisplayText(cause.name) << ": ";
+    mOut << ToDisplayText(JoinFirstTexts(places, kExamples)) << '\n';
 }
 
 void CheckText::Write(const IdleAcceptance& idle)

@@ -29,6 +29,8 @@ std::vector<AcceptedFinding> ReadBaseline(const std::filesystem::path& path)
     const PlacedJson format = top.Find(kFormat, EPresence::Required);
     if (format.value != nullptr && *format.value != kFormatName)
         problems.Add(format.pointer, std::string("must be \"") + kFormatName + '"');
+    // What is no baseline has nothing but mistakes.
+    problems.ThrowIfAny();
     static_cast<void>(top.GetNumber(kVersion, {kBaselineVersion, kBaselineVersion}));
     std::vector<AcceptedFinding> accepted;
     for (const PlacedJson& json : top.GetList(kFindings))
