@@ -34,7 +34,8 @@ std::vector<std::string> SplitWords(std::vector<std::string> words, const std::s
         } else if (line[i] == ' ' && !isQuoted) {
             isNew = true;
         } else {
-            i += line[i] == '\\' && !isQuoted ? 1 : 0;
+            if (line[i] == '\\' && !isQuoted)
+                ++i;
             if (isNew)
                 words.emplace_back();
             isNew = false;
