@@ -93,8 +93,8 @@ TEST(OutputTest, JsonHasOneFormForEveryOperation)
                   {"id": "102:2", "name": "mz", "kind": "relationship", "left": "M",
                    "leftCardinality": "0..n", "right": "Z", "rightCardinality": "0..1",
                    "condition": "", "weight": 17}],
-        "endPairs": [], "joinedSubjects": [], "groups": [], "bridge": [], "warnings": [],
-        "notices": [], "error": null})"));
+        "endPairs": [], "joinedSubjects": [], "groups": [], "bridge": [],
+        "decisions": [], "warnings": [], "notices": [], "error": null})"));
     const auto keysOf = [](const nlohmann::json& value) {
         std::set<std::string> keys;
         for (const auto& entry : value.items())

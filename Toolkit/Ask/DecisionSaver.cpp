@@ -3,6 +3,7 @@
 #include "Engine/Model/Model.h"
 #include "IdClass.h"
 #include "Toolkit/Ask/Asker.h"
+#include "Toolkit/Ask/ModelDecisions.h"
 #include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Model/DecisionNames.h"
 #include "Toolkit/Model/ModelWords.h"
@@ -62,13 +63,15 @@ class DecisionSearch
 {
 public:
     explicit DecisionSearch(const ChoiceToSave& choice)
-        : mChosen(NamedJoins(choice.answer.path)), mModel(choice.model)
+        : mChosen(NamedJoins(choice.answer.path)),
+          mAsked(choice.answer.terminals),
+          mModel(choice.model)
     {
+        std::sort(mAsked.begin(), mAsked.end());
         mQuestion.subjects = choice.question.subjects;
         mDecision.reason = choice.reason;
         if (choice.scope == EDecisionScope::Subjects)
-            mDecision.subjects = choice.answer.terminals;
-        std::sort(mDecision.subjects.begin(), mDecision.subjects.end());
+            mDecision.subjects = mAsked;
         mRivalsOfOld = Ask();
         mReplaces = 0 < std::erase_if(mModel.decisions, [this](const Decision& old) {
                         return old.subjects == mDecision.subjects;
@@ -93,10 +96,12 @@ public:
             if (!Avoid(rivals))
                 break;
         }
+        const bool isDecided = !FindHoldingDecisions(mModel.decisions, mAsked).empty();
         Fail("The choice cannot be kept as preferred and avoided joins: asked again, the model "
              "answers " +
              JoinTexts(rivals.back(),
-                       [this](const amd_id& join) { return JoinName(*mModel.model, join); }));
+                       [this](const amd_id& join) { return JoinName(*mModel.model, join); }) +
+             (isDecided ? ", and what else it decides for these subjects goes first" : ""));
     }
 
 private:
@@ -144,6 +149,8 @@ private:
     }
 
     IdSet mChosen;
+    /// The subjects of the question, in order.
+    Ids mAsked;
     /// Without the decision that the new one takes the place of.
     ToolModel mModel;
     Question mQuestion;

@@ -224,8 +224,10 @@ void ContentReader::ReadDecision(const PlacedJson& json)
                                   .reason = object.GetText(keys::kReason)});
     object.RejectUnknownKeys();
     const ContentDecision& decision = mContent.decisions.back();
-    if (decision.preferred.empty() && decision.avoided.empty() &&
-        !mProblems->IsReported(json.pointer))
+    const bool isReported = mProblems->IsReported(json.pointer) ||
+                            mProblems->IsReported(ChildPointer(json.pointer, keys::kPrefer)) ||
+                            mProblems->IsReported(ChildPointer(json.pointer, keys::kAvoid));
+    if (decision.preferred.empty() && decision.avoided.empty() && !isReported)
         mProblems->Add(json.pointer, "must prefer or avoid a join");
 }
 
