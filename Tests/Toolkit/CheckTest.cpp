@@ -7,6 +7,7 @@
 #include "Toolkit/Check/Rules.h"
 
 #include <algorithm>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -20,6 +21,7 @@ namespace {
 
 using test::MakeModel;
 using test::SmallGraph;
+using testing::HasSubstr;
 
 /// Returns "code: place; place | code: place", in the order of the rules.
 std::string Summarize(const CheckReport& report)
@@ -123,7 +125,7 @@ TEST(CheckBrokenRecords, AreReported)
               "path uses it.");
 }
 
-TEST(CheckOutput, CountsWhatItDoesNotShow)
+TEST(CheckOutput, ShowsCausesWhereThereIsTooMuch)
 {
     std::string joins;
     for (int i = 0; i < 30; ++i)
@@ -131,17 +133,39 @@ TEST(CheckOutput, CountsWhatItDoesNotShow)
     CheckOptions options;
     options.severities = {{"one-sided-condition", ESeverity::Off},
                           {"many-to-many", ESeverity::Error}};
-    options.limits.findings = ListLimit(4);
     const CheckReport report = CheckModel(MakeModel(joins), options);
     EXPECT_EQ(report.GetWorst(), ESeverity::Error);
     EXPECT_EQ(report.Count(ESeverity::Error), 30U);
-    const auto json = ToJson(report, "m");
+    const CheckView view{.limit = ListLimit(4)};
+    const auto json = ToJson(report, "m", view);
     EXPECT_EQ(json["rules"].back()["total"], 0);
     EXPECT_EQ(json["findings"].size(), 5U);
     EXPECT_EQ(json["findings"][4]["paths"].size(), 4U);
+    EXPECT_EQ(json["causes"][0]["total"], 30);
     std::ostringstream lines;
-    WriteText(lines, report);
-    EXPECT_NE(lines.str().find("26 more of 30 are not shown"), std::string::npos) << lines.str();
+    WriteText(lines, report, view);
+    EXPECT_THAT(lines.str(), HasSubstr("error many-to-many: A join has many rows at both ends, 30 "
+                                       "times.\n    j0, j1, j2 and 27 more\n    advice: "));
+}
+
+TEST(CheckOutput, OneCauseIsTheSubjectThatMostPathsPass)
+{
+    // Every pair of facts meets at Users and at Day; only X and Y meet at Z too.
+    std::string joins = "X >- Z; Y >- Z; P >- Q : one; P >- Q : two;";
+    for (const std::string fact : {"V", "W", "X", "Y"})
+        joins += fact + " >- Users; " + fact + " >- Day;";
+    const CheckReport report = CheckModel(MakeModel(joins), {});
+    const auto rule = std::find_if(report.rules.begin(), report.rules.end(),
+                                   [](const auto& each) { return each.code == "ambiguous-path"; });
+    ASSERT_EQ(rule->causes.size(), 2U);
+    EXPECT_EQ(rule->causes[0].name, "Users");
+    EXPECT_EQ(rule->causes[0].findings.size(), rule->found.total - 1);
+    EXPECT_EQ(rule->found.findings[rule->causes[1].findings.front()].placeText, "P - Q");
+    std::ostringstream lines;
+    WriteText(lines, report, {.limit = ListLimit(1)});
+    EXPECT_THAT(lines.str(), HasSubstr(" times, of 2 causes.\n"));
+    EXPECT_THAT(lines.str(), HasSubstr(" over or to Users: "));
+    EXPECT_THAT(lines.str(), HasSubstr("    1 more cause with 1 finding\n"));
 }
 
 TEST(CheckOutput, SaysWhenTheSearchGaveUp)
@@ -153,6 +177,39 @@ TEST(CheckOutput, SaysWhenTheSearchGaveUp)
                                    [](const auto& each) { return each.code == "ambiguous-path"; });
     EXPECT_EQ(rule->found.notice, "Ambiguous paths were looked for from 1 of 3 subjects only: the "
                                   "limit of steps was reached.");
+}
+
+TEST(CheckDecisions, MustAgreeAndBeFollowed)
+{
+    const auto summarize = [](std::vector<Decision> decisions) {
+        ToolModel model = MakeModel("F >- A : fa; G >- A : ga; F >- B : fb; G >- B : gb; H >- B");
+        model.decisions = std::move(decisions);
+        CheckOptions options;
+        for (const Rule& rule : kRules) {
+            if (rule.code.find("decision") == std::string_view::npos)
+                options.severities[std::string(rule.code)] = ESeverity::Off;
+        }
+        return Summarize(CheckModel(model, options));
+    };
+    const ToolModel names = MakeModel("F >- A : fa; G >- A : ga; F >- B : fb; G >- B : gb; H >- B");
+    const auto id = [&names](const char* name) {
+        const auto found = names.model->FindByName(model::ENameKind::Subject, std::string(name));
+        return found.empty()
+                   ? names.model->FindByName(model::ENameKind::Join, std::string(name)).front()
+                   : found.front();
+    };
+    const std::vector<amd_id> fg{id("F"), id("G")};
+    const std::vector<amd_id> fh{id("F"), id("H")};
+    EXPECT_EQ(summarize({{.subjects = fg, .preferred = {id("fb"), id("gb")}}}), "");
+    EXPECT_EQ(summarize({{.subjects = fg, .preferred = {id("fa"), id("gb")}}}),
+              "unfollowed-decision: F, G");
+    EXPECT_EQ(summarize({{.subjects = fg, .preferred = {id("fa")}},
+                         {.subjects = {id("A"), id("F")}, .avoided = {id("fa")}}}),
+              "contradicting-decisions: fa");
+    EXPECT_EQ(summarize({{.subjects = fg, .preferred = {id("fa")}},
+                         {.subjects = {id("A"), id("F")}, .avoided = {id("fa")}},
+                         {.subjects = {id("F"), id("G"), id("A")}, .preferred = {id("fa")}}}),
+              "");
 }
 
 /// The weight of a path that is too long to look at.

@@ -93,8 +93,8 @@ TEST(OutputTest, JsonHasOneFormForEveryOperation)
                   {"id": "102:2", "name": "mz", "kind": "relationship", "left": "M",
                    "leftCardinality": "0..n", "right": "Z", "rightCardinality": "0..1",
                    "condition": "", "weight": 17}],
-        "endPairs": [], "joinedSubjects": [], "groups": [], "bridge": [], "warnings": [],
-        "notices": [], "error": null})"));
+        "endPairs": [], "joinedSubjects": [], "groups": [], "bridge": [],
+        "decisions": [], "warnings": [], "notices": [], "error": null})"));
     const auto keysOf = [](const nlohmann::json& value) {
         std::set<std::string> keys;
         for (const auto& entry : value.items())
@@ -144,6 +144,7 @@ TEST(OutputTest, SchemaAcceptsEveryReportAndRefusesMutations)
         {"facts", shop},
         {"shortcuts", shop, "--roles", "shortcuts"},
         {"check", shop, "--limit", "1"},
+        {"check", QEREFINER_SOURCE_DIR "/Examples/retail/model.json", "--all"},
         {"evaluate", shop},
     };
     std::vector<std::string> reports;

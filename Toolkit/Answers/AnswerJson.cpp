@@ -74,6 +74,17 @@ Json ToJson(const std::vector<AnswerMessage>& messages)
     return list;
 }
 
+Json ToJson(const std::vector<AnswerDecision>& decisions)
+{
+    Json list = Json::array();
+    for (const AnswerDecision& decision : decisions)
+        list.push_back({{"subjects", decision.subjects},
+                        {"prefer", decision.preferred},
+                        {"avoid", decision.avoided},
+                        {"reason", decision.reason}});
+    return list;
+}
+
 Json ToJson(const std::optional<AnswerError>& error)
 {
     if (!error)
@@ -160,6 +171,7 @@ Json ToJson(const Question& question, const Answer& answer, ListLimit alternativ
             {"joinedSubjects", NamesToJson(answer, answer.joinedSubjects)},
             {"groups", SeparationToJson(answer)},
             {"bridge", NamesToJson(answer, answer.separation.bridge)},
+            {"decisions", ToJson(answer.decisions)},
             {"warnings", ToJson(answer.warnings)},
             {"notices", answer.notices},
             {"error", ToJson(answer.error)}};

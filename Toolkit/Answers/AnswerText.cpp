@@ -33,6 +33,27 @@ std::string PathText(const Answer& answer, const Alternative& alternative)
                      [&answer](const amd_id& join) { return JoinTitle(answer, join); });
 }
 
+} // namespace
+
+std::string DescribeDecision(const AnswerDecision& decision)
+{
+    constexpr std::size_t kShown = 5;
+    std::string text =
+        decision.subjects.empty() ? "Everywhere" : "For " + JoinTexts(decision.subjects);
+    const char* separator = " the model ";
+    const auto add = [&](const char* verb, const std::vector<std::string>& joins) {
+        if (joins.empty())
+            return;
+        text += separator + (verb + JoinFirstTexts(joins, kShown));
+        separator = " and ";
+    };
+    add("prefers ", decision.preferred);
+    add("avoids ", decision.avoided);
+    return decision.reason.empty() ? text : text + ": " + decision.reason;
+}
+
+namespace {
+
 class TextAnswerWriter
 {
 public:
@@ -48,6 +69,7 @@ private:
     void WriteSubjects();
     void WriteJoins(const Ids& path);
     void WriteCandidates();
+    void WriteDecisions();
     void WriteSeparation();
     void WriteRemarks();
 
@@ -74,6 +96,7 @@ void TextAnswerWriter::Write()
     else if (mAnswer.bestPaths.size() == 1)
         WriteJoins(mAnswer.bestPaths.front());
     WriteCandidates();
+    WriteDecisions();
     WriteSeparation();
     WriteRemarks();
 }
@@ -132,6 +155,12 @@ void TextAnswerWriter::WriteCandidates()
         mOut << "Decided by: " << mAnswer.criterion << '\n';
     if (mAnswer.mainObject.IsValid())
         mOut << "Main object: " << ToDisplayText(mAnswer.NameOf(mAnswer.mainObject)) << '\n';
+}
+
+void TextAnswerWriter::WriteDecisions()
+{
+    for (const AnswerDecision& decision : mAnswer.decisions)
+        mOut << ToDisplayText(DescribeDecision(decision)) << '\n';
 }
 
 void TextAnswerWriter::WriteSeparation()

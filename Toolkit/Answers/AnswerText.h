@@ -6,6 +6,7 @@
 #include "Toolkit/Text/DisplayText.h"
 
 #include <iosfwd>
+#include <string>
 
 namespace qe::tool {
 
@@ -14,6 +15,10 @@ namespace qe::tool {
 /// terminal. A failure is not written: it is a diagnostic.
 void WriteText(std::ostream& out, const Question& question, const Answer& answer,
                ListLimit alternatives);
+
+/// Returns one line about a decision of the model: "For sales, stock the model prefers sales-store:
+/// reason".
+[[nodiscard]] std::string DescribeDecision(const AnswerDecision& decision);
 
 /// Writes the table of the alternatives alone.
 void WriteAlternatives(std::ostream& out, const Answer& answer, ListLimit alternatives);

@@ -71,6 +71,8 @@ inline constexpr std::string_view kJoinNames = "join names";
 inline constexpr std::string_view kOrder = "order";
 /// Among equally cheap ones, the keys speak for it.
 inline constexpr std::string_view kKeys = "keys";
+/// The model prefers a join of it.
+inline constexpr std::string_view kModel = "preferred in the model";
 /// The selector's own rule.
 inline constexpr std::string_view kSelector = "selector";
 
@@ -84,6 +86,18 @@ struct AnswerMessage
 };
 
 [[nodiscard]] AnswerMessage ToAnswerMessage(const ORVMessage& message);
+
+/// A decision of the model that holds for the question, by names.
+struct AnswerDecision
+{
+    /// Without subjects it holds for all questions.
+    std::vector<std::string> subjects{};
+    /// Names that a NameResolver resolves to the joins.
+    std::vector<std::string> preferred{};
+    std::vector<std::string> avoided{};
+    /// May be empty.
+    std::string reason{};
+};
 
 /// How the library failed.
 struct AnswerError
@@ -149,6 +163,8 @@ struct Answer
     /// Main-object selector: the main object of the chosen path; else the empty id.
     amd_id mainObject;
 
+    /// The decisions of the model that the question was asked with.
+    std::vector<AnswerDecision> decisions{};
     std::vector<AnswerMessage> warnings{};
     /// What the library logged for its users, such as that a list was cut.
     std::vector<std::string> notices{};

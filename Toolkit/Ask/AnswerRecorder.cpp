@@ -1,6 +1,7 @@
 #include "Toolkit/Ask/AnswerRecorder.h"
 
 #include "Engine/Model/Model.h"
+#include "Toolkit/Ask/ModelDecisions.h"
 #include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Ask/Request.h"
 #include "Toolkit/Ask/ResolvedQuestion.h"
@@ -130,6 +131,26 @@ void AnswerRecorder::RecordCandidateGraph()
     for (const AQE_I_Refiner::QEjoinInfo& info : mRequest.GetShortcutInfo().GetShortcutJoins()) {
         mAnswer.candidateJoins.push_back(info.joinId);
         RecordJoin(info.joinId);
+    }
+}
+
+void AnswerRecorder::RecordDecisions()
+{
+    for (const Decision& decision : mResolved.decisions)
+        mAnswer.decisions.push_back(ToAnswerDecision(mModel, decision));
+}
+
+void AnswerRecorder::RecordPreference()
+{
+    const bool cameCheapest = mAnswer.criterion == decision::kOnlyCandidate ||
+                              mAnswer.criterion == GetRankingCriteria().front().name;
+    const auto isTaken = [this](const amd_id& join) {
+        return std::find(mAnswer.path.begin(), mAnswer.path.end(), join) != mAnswer.path.end();
+    };
+    for (const Decision& decision : mResolved.decisions) {
+        if (cameCheapest &&
+            std::any_of(decision.preferred.begin(), decision.preferred.end(), isTaken))
+            mAnswer.criterion = decision::kModel;
     }
 }
 

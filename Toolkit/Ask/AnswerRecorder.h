@@ -46,6 +46,11 @@ public:
 
     /// Records the names of the question, the governors in force and the graph that is searched.
     void RecordCandidateGraph();
+    /// Records the decisions of the model that hold for the question.
+    void RecordDecisions();
+    /// Records that one of them decided, where the path takes a join that it prefers and nothing
+    /// else was left to decide.
+    void RecordPreference();
     /// Records the path of the answer as a candidate, unless the selector saw candidates.
     void RecordOnlyCandidate();
     /// Records each of the best paths as a candidate.

@@ -9,6 +9,7 @@
 #include "Toolkit/Ask/AnswerRecorder.h"
 #include "Toolkit/Ask/KeyChoice.h"
 #include "Toolkit/Ask/LogNotices.h"
+#include "Toolkit/Ask/ModelDecisions.h"
 #include "Toolkit/Ask/Request.h"
 #include "Toolkit/Ask/RequestBasis.h"
 #include "Toolkit/Ask/ResolvedQuestion.h"
@@ -17,6 +18,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -102,6 +104,7 @@ Answer QuestionRun::Run()
 {
     const LogNotices notices;
     try {
+        mRecorder.RecordDecisions();
         mRecorder.RecordCandidateGraph();
         RunOperation();
     } catch (const HBNException& exception) {
@@ -109,6 +112,7 @@ Answer QuestionRun::Run()
     } catch (const ORVThrowable& failure) {
         mAnswer.error = AnswerError{.kind = AnswerError::EKind::Internal, .text = failure.what()};
     }
+    mRecorder.RecordPreference();
     mRecorder.RecordSeparation(mQuestion.operation);
     mRecorder.RecordMessages(notices.Get());
     return std::move(mAnswer);
@@ -311,12 +315,30 @@ Answer Asker::Ask(const Question& question)
 {
     if (question.selector.kind == ESelector::Ask && !question.selector.choose)
         throw std::invalid_argument("The question has no function that chooses");
-    const ResolvedQuestion resolved = mResolver->Resolve(question);
+    ResolvedQuestion resolved = mResolver->Resolve(question);
+    ApplyDecisions(mModel.decisions, question, resolved);
+    if (question.operation == EOperation::Path && !resolved.avoidedJoins.empty())
+        LeaveOutAvoided(question, resolved);
     std::unique_ptr<RequestBasis> basis = TakeBasis(question, resolved);
     Answer answer = QuestionRun(mModel, question, resolved, *basis).Run();
     if (!answer.error)
         mBasis = std::move(basis);
     return answer;
+}
+
+void Asker::LeaveOutAvoided(const Question& question, ResolvedQuestion& resolved) const
+{
+    Question best = question;
+    best.operation = EOperation::BestPaths;
+    RequestBasis basis(mModel, best, resolved);
+    const Answer answer = QuestionRun(mModel, best, resolved, basis).Run();
+    const Ids needed = answer.bestPaths.empty() ? Ids() : answer.bestPaths.front();
+    std::set<amd_id> leftOut(resolved.avoidedJoins.begin(), resolved.avoidedJoins.end());
+    for (const amd_id& join : needed)
+        leftOut.erase(join);
+    std::erase_if(resolved.joins,
+                  [&leftOut](const amd_id& join) { return leftOut.count(join) > 0; });
+    resolved.avoidedJoins.clear();
 }
 
 std::unique_ptr<RequestBasis> Asker::TakeBasis(const Question& question,

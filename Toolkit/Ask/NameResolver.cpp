@@ -162,6 +162,19 @@ std::string SubjectName(const model::Model& model, const amd_id& subject)
     return isUnique ? record->name : model::ToText(model.GetQualifiedName(subject));
 }
 
+std::string JoinName(const model::Model& model, const amd_id& join)
+{
+    const model::ObjectRecord* const record = model.Find(join);
+    if (record == nullptr)
+        return ToText(join);
+    for (const model::QualifiedName& name :
+         {model::QualifiedName{record->name}, model.GetQualifiedName(join)}) {
+        if (model.FindByName(ENameKind::Join, model::ToText(name)).size() == 1)
+            return model::ToText(name);
+    }
+    return ToText(join);
+}
+
 std::vector<std::string> SubjectNames(const model::Model& model,
                                       const std::vector<amd_id>& subjects)
 {

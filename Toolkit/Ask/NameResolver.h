@@ -65,6 +65,10 @@ private:
 /// have.
 [[nodiscard]] std::string SubjectName(const model::Model& model, const amd_id& subject);
 
+/// Returns such a name for a join: its name, with parents when others have the same, or the id's
+/// text when even that is not enough.
+[[nodiscard]] std::string JoinName(const model::Model& model, const amd_id& join);
+
 /// Returns such a name for each subject.
 [[nodiscard]] std::vector<std::string> SubjectNames(const model::Model& model,
                                                     const std::vector<amd_id>& subjects);

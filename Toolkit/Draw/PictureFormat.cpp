@@ -5,7 +5,7 @@
 #include "Toolkit/Draw/DotWriter.h"
 #include "Toolkit/Draw/Graphviz.h"
 #include "Toolkit/Draw/Pictures.h"
-#include "Toolkit/Text/DisplayText.h"
+#include "Toolkit/Text/Markup.h"
 
 #include <cstddef>
 #include <ostream>
@@ -58,33 +58,6 @@ private:
 };
 
 } // namespace
-
-std::string EscapeMarkup(const std::string& text)
-{
-    std::string escaped;
-    for (const char character : ToDisplayText(text)) {
-        switch (character) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        case '\'':
-            escaped += "&#39;";
-            break;
-        default:
-            escaped += character;
-        }
-    }
-    return escaped;
-}
 
 std::string MakeSvg(const Picture& picture)
 {

@@ -17,10 +17,6 @@ void WriteDotFormat(std::ostream& out, const FormatInput& input);
 void WriteSvgFormat(std::ostream& out, const FormatInput& input);
 void WritePngFormat(std::ostream& out, const FormatInput& input);
 
-/// Returns the text with what XML and HTML read as markup escaped. Control characters and marks of
-/// direction become visible escapes.
-[[nodiscard]] std::string EscapeMarkup(const std::string& text);
-
 } // namespace qe::tool
 
 #endif

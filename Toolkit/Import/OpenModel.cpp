@@ -36,7 +36,7 @@ bool IsSqlite(std::string_view start)
     return start.substr(0, kSqliteStart.size()) == kSqliteStart;
 }
 
-bool IsModelFile(std::string_view start)
+bool StartsModelFile(std::string_view start)
 {
     if (start.substr(0, kByteOrderMark.size()) == kByteOrderMark)
         start.remove_prefix(kByteOrderMark.size());
@@ -62,7 +62,7 @@ ToolModel OpenSql(const std::filesystem::path& path, const ImportOptions& option
 
 /// The first that matches is taken.
 constexpr std::array kFormats{ModelFormat{.matches = IsSqlite, .open = ImportSqlite},
-                              ModelFormat{.matches = IsModelFile, .open = OpenModelFile},
+                              ModelFormat{.matches = StartsModelFile, .open = OpenModelFile},
                               ModelFormat{.matches = IsSql, .open = OpenSql}};
 
 } // namespace
@@ -83,6 +83,13 @@ ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& opti
         throw InputError(
             {{path.string(), "is neither a model file nor an SQLite database nor SQL"}});
     return format->open(path, options);
+}
+
+bool IsModelFile(const std::filesystem::path& path)
+{
+    std::error_code error;
+    return !std::filesystem::is_other(path, error) &&
+           StartsModelFile(ReadInputStart(path, kStartSize));
 }
 
 ToolModel ImportSqlite(const std::filesystem::path& path, const ImportOptions& options)

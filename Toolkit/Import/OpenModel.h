@@ -16,6 +16,10 @@ namespace qe::tool {
 [[nodiscard]] ToolModel OpenModel(const std::filesystem::path& path,
                                   const ImportOptions& options = {});
 
+/// Returns whether the path leads to a file, not a pipe, that is taken for a model file. Throws an
+/// InputError when it cannot be read.
+[[nodiscard]] bool IsModelFile(const std::filesystem::path& path);
+
 /// Returns the model of an SQLite database, called after the file. Throws an InputError when the
 /// file cannot be read as one.
 [[nodiscard]] ToolModel ImportSqlite(const std::filesystem::path& path,

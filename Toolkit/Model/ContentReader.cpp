@@ -57,20 +57,33 @@ model::Reference ReadIdReference(const PlacedJson& json, JsonProblems& problems)
     return read;
 }
 
+model::Reference ReadPlacedReference(const PlacedJson& json, JsonProblems& problems)
+{
+    if (json.value->is_object())
+        return ReadIdReference(json, problems);
+    if (!json.value->is_string()) {
+        RejectType(json, "a name or an object with class and id", problems);
+        return {};
+    }
+    return ReadText(json, problems).value_or("");
+}
+
 } // namespace
 
 model::Reference ReadReference(JsonObject& json, const char* key, JsonProblems& problems)
 {
     const PlacedJson found = json.Find(key, EPresence::Required);
-    if (found.value == nullptr)
-        return {};
-    if (found.value->is_object())
-        return ReadIdReference(found, problems);
-    if (!found.value->is_string()) {
-        RejectType(found, "a name or an object with class and id", problems);
-        return {};
-    }
-    return ReadText(found, problems).value_or("");
+    return found.value == nullptr ? model::Reference() : ReadPlacedReference(found, problems);
+}
+
+std::vector<PlacedReference> ReadReferences(JsonObject& json, const char* key,
+                                            JsonProblems& problems)
+{
+    std::vector<PlacedReference> references;
+    for (const PlacedJson& element : json.GetList(key))
+        references.push_back(
+            {.reference = ReadPlacedReference(element, problems), .pointer = element.pointer});
+    return references;
 }
 
 model::CardinalityRange ReadCardinality(JsonObject& json, const char* key, JsonProblems& problems)
@@ -116,6 +129,21 @@ amd_id ReadId(const PlacedJson& json, std::int32_t classCode, JsonProblems& prob
     return {};
 }
 
+AcceptedFinding ReadAcceptedFinding(const PlacedJson& json, JsonProblems& problems)
+{
+    JsonObject object(json, problems);
+    const auto read = [&](const char* key) {
+        std::string text = object.GetText(key, EPresence::Required);
+        const std::string pointer = ChildPointer(json.pointer, key);
+        if (text.empty() && !problems.IsReported(pointer))
+            problems.Add(pointer, "must not be empty");
+        return text;
+    };
+    AcceptedFinding accepted{.id = read(keys::kId), .reason = read(keys::kReason)};
+    object.RejectUnknownKeys();
+    return accepted;
+}
+
 namespace {
 
 constexpr std::int32_t kFormatVersion = 1;
@@ -134,6 +162,10 @@ ModelContent ContentReader::Read(const nlohmann::json& document)
     ReadGovernors(top.Find(keys::kGovernors));
     ReadChildren(top, ContentObject::kNoParent);
     ReadQuery(top.Find(keys::kQuery));
+    for (const PlacedJson& json : top.GetList(keys::kDecisions))
+        ReadDecision(json);
+    for (const PlacedJson& json : top.GetList(keys::kAcceptedFindings))
+        mContent.acceptedFindings.push_back(ReadAcceptedFinding(json, *mProblems));
     top.RejectUnknownKeys();
     return std::move(mContent);
 }
@@ -180,6 +212,23 @@ void ContentReader::ReadQuery(const PlacedJson& json)
     for (const PlacedJson& filter : query.GetList(keys::kFilters))
         ReadFilter(filter, IdClassSpecFilter, ContentObject::kNoParent);
     query.RejectUnknownKeys();
+}
+
+void ContentReader::ReadDecision(const PlacedJson& json)
+{
+    JsonObject object(json, *mProblems);
+    mContent.decisions.push_back({.pointer = json.pointer,
+                                  .subjects = ReadReferences(object, keys::kSubjects, *mProblems),
+                                  .preferred = ReadReferences(object, keys::kPrefer, *mProblems),
+                                  .avoided = ReadReferences(object, keys::kAvoid, *mProblems),
+                                  .reason = object.GetText(keys::kReason)});
+    object.RejectUnknownKeys();
+    const ContentDecision& decision = mContent.decisions.back();
+    const bool isReported = mProblems->IsReported(json.pointer) ||
+                            mProblems->IsReported(ChildPointer(json.pointer, keys::kPrefer)) ||
+                            mProblems->IsReported(ChildPointer(json.pointer, keys::kAvoid));
+    if (decision.preferred.empty() && decision.avoided.empty() && !isReported)
+        mProblems->Add(json.pointer, "must prefer or avoid a join");
 }
 
 void ContentReader::ReadChildren(JsonObject& parent, std::size_t position)

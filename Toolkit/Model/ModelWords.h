@@ -29,6 +29,12 @@ inline constexpr const char* kNamespaces = "namespaces";
 inline constexpr const char* kQuery = "query";
 inline constexpr const char* kJoins = "joins";
 
+inline constexpr const char* kDecisions = "decisions";
+inline constexpr const char* kPrefer = "prefer";
+inline constexpr const char* kAvoid = "avoid";
+inline constexpr const char* kReason = "reason";
+inline constexpr const char* kAcceptedFindings = "acceptedFindings";
+
 inline constexpr const char* kName = "name";
 inline constexpr const char* kId = "id";
 inline constexpr const char* kClass = "class";

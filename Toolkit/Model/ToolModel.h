@@ -2,6 +2,7 @@
 #define TOOLKIT_MODEL_TOOLMODEL_H
 
 #include "AQE_Governors.h"
+#include "Toolkit/Model/Decision.h"
 
 #include <memory>
 #include <string>
@@ -20,6 +21,8 @@ struct ToolModel
     /// The user classes that requests are made with.
     std::vector<std::string> userClasses{};
     AQE_Governors governors{};
+    std::vector<Decision> decisions{};
+    std::vector<AcceptedFinding> acceptedFindings{};
     /// What reading left out or had to guess, one sentence each.
     std::vector<std::string> notes{};
 };

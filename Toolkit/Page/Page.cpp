@@ -1,12 +1,17 @@
 #include "Toolkit/Page/Page.h"
 
+#include "IdClass.h"
 #include "Source/Rules/RankingCriteria.h"
 #include "Toolkit/Answers/FormatInput.h"
+#include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Draw/PictureFormat.h"
 #include "Toolkit/Draw/Pictures.h"
+#include "Toolkit/Model/ToolModel.h"
 #include "Toolkit/Page/PageParts.h"
 #include "Toolkit/Page/RequestRows.h"
+#include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputFile.h"
+#include "Toolkit/Text/Markup.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -38,6 +43,8 @@ struct PagePath
     std::string sql{};
     /// Why there is no SQL.
     std::string sqlProblem{};
+    /// The command line that keeps the path in the model file; empty where there is none.
+    std::string saveCommand{};
 };
 
 std::string DescribeMeasure(const Alternative& alternative)
@@ -94,6 +101,8 @@ public:
         const auto taken = ListShownPaths(answer, ListLimit(1));
         if (!taken.empty())
             mChosen = Find(taken.front());
+        for (PagePath& path : mPaths)
+            path.saveCommand = MakeSaveCommand(path.joins);
     }
 
     [[nodiscard]] const std::vector<PagePath>& Get() const { return mPaths; }
@@ -108,6 +117,26 @@ private:
             std::find_if(mPaths.begin(), mPaths.end(),
                          [&joins](const PagePath& path) { return path.joins == joins; });
         return static_cast<std::size_t>(found - mPaths.begin());
+    }
+
+    /// Requires the joins that others of the paths do without.
+    [[nodiscard]] std::string MakeSaveCommand(const Ids& joins) const
+    {
+        if (mInput.options.modelFile.empty() || mPaths.size() < 2 ||
+            mInput.question.operation != EOperation::Path)
+            return {};
+        std::string command = "qerefine path " + ToShellWord(mInput.options.modelFile);
+        for (const amd_id& subject : mInput.answer.terminals)
+            command += ' ' + ToShellWord(mInput.answer.NameOf(subject));
+        for (const amd_id& join : joins) {
+            const bool isShared =
+                std::all_of(mPaths.begin(), mPaths.end(), [&join](const PagePath& path) {
+                    return std::count(path.joins.begin(), path.joins.end(), join) > 0;
+                });
+            if (!isShared && join.classCode != IdClassShortcutJoin)
+                command += " --require " + ToShellWord(JoinName(*mInput.model.model, join));
+        }
+        return command + " --save";
     }
 
     void Add(const Ids& joins, const std::string& measure)
@@ -235,6 +264,7 @@ Data PageWriter::MakePath(std::size_t index) const
     data.set("joins", joins);
     data.set("sqlProblem", Optional(path.sqlProblem));
     data.set("sqlLines", ToLines(path.sql));
+    data.set("saveCommand", Optional(path.saveCommand));
     return data;
 }
 
@@ -273,8 +303,8 @@ std::string PageWriter::InlineSvg() const
     return begin == std::string::npos ? std::string() : svg.substr(begin);
 }
 
-/// Returns what the page's script works on: the SQL of each path, and the parts of the picture that
-/// show it.
+/// Returns what the page's script works on: the SQL of each path, the command that keeps it, and
+/// the parts of the picture that show it.
 std::string PageWriter::ScriptData() const
 {
     using Json = nlohmann::ordered_json;
@@ -291,7 +321,8 @@ std::string PageWriter::ScriptData() const
         }
         for (const std::size_t node : nodes)
             parts.push_back('n' + std::to_string(node));
-        data["paths"].push_back({{"sql", path.sql}, {"parts", std::move(parts)}});
+        data["paths"].push_back(
+            {{"sql", path.sql}, {"save", path.saveCommand}, {"parts", std::move(parts)}});
     }
     // Nothing in the data may end the element that holds it.
     std::string text;

@@ -5,9 +5,12 @@
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Format.h"
+#include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Tools/qerefine/QuestionOptions.h"
+#include "Tools/qerefine/SaveOptions.h"
 
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -26,6 +29,7 @@ struct AskOptions
     FormatOptions output{};
     /// The subject that SQL begins with; may be empty.
     std::string start{};
+    SaveOptions save{};
 };
 
 struct AskResult
@@ -34,6 +38,7 @@ struct AskResult
     Question question{};
     Answer answer{};
     FormatOptions output{};
+    std::optional<SavedModel> saved{};
 };
 
 void AddAnswerOptions(CLI::App& command, AskOptions& options)
@@ -65,7 +70,10 @@ void AddAnswerOptions(CLI::App& command, AskOptions& options)
 
 AskResult Run(const AskOptions& options, const CommandContext& context)
 {
+    CheckSaveOptions(options.save, options.asked.model);
     AskResult result{.model = OpenModel(options.asked, context), .output = options.output};
+    if (IsModelFile(options.asked.model.path))
+        result.output.modelFile = options.asked.model.path.string();
     result.question = MakeQuestion(options.asked, context);
     result.answer = BlameArguments([&] { return Ask(result.model, result.question); });
     if (!options.start.empty())
@@ -75,6 +83,12 @@ AskResult Run(const AskOptions& options, const CommandContext& context)
             names.ThrowProblems();
             result.output.sql.start = found.front();
         });
+    if (options.save.scope && result.answer.connected)
+        result.saved = PrepareSave(options.asked.model, {.model = result.model,
+                                                         .question = result.question,
+                                                         .answer = result.answer,
+                                                         .scope = *options.save.scope,
+                                                         .reason = options.save.reason});
     return result;
 }
 
@@ -100,6 +114,8 @@ EExitCode Report(const AskOptions& options, const AskResult& result, const Comma
                                                .question = result.question,
                                                .answer = result.answer,
                                                .options = result.output});
+    if (result.saved)
+        Save(*result.saved, context);
     return code;
 }
 
@@ -128,6 +144,7 @@ void AddPathCommand(const CommandLine& line)
         AddFavouredSubjects(command, question);
         AddRanking(command, question);
         AddSelector(command, question);
+        AddSaveOptions(command, options.save);
         AddGovernors(command, question);
         AddAnswerOptions(command, options);
     });

@@ -24,6 +24,8 @@ enum class EExitCode : std::uint8_t
     /// An error that the library means for its users.
     LibraryError = 4,
     InternalError = 5,
+    /// An evaluation falls short of what was asked of it.
+    ShareMissed = 8,
 };
 
 /// What an exit code means, as the manual page and the documentation word it.
@@ -46,6 +48,8 @@ inline constexpr std::array kExitCodes{
     ExitCodeMeaning{EExitCode::LibraryError,
                     "the library reported an error, such as a governor's or a selector's"},
     ExitCodeMeaning{EExitCode::InternalError, "internal error"},
+    ExitCodeMeaning{EExitCode::ShareMissed,
+                    "an evaluation was answered the same less often than asked for"},
 };
 
 /// What is known of the terminal that the tool stands on.

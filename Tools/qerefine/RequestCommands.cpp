@@ -31,6 +31,8 @@ constexpr std::size_t kMostThreads = 256;
 /// More threads are used only when asked for.
 constexpr std::size_t kMostDefaultThreads = 8;
 
+constexpr double kAllPercent = 100;
+
 constexpr const char* kBatchRemarks = R"(
 
 A request is a JSON object on a line of its own, such as
@@ -68,6 +70,8 @@ struct EvaluateCommandOptions
     RequestOptions file{};
     EReportFormat format = EReportFormat::PlainText;
     EDifferences differences = EDifferences::Counted;
+    /// The share that must be answered the same.
+    std::optional<double> leastSame{};
 };
 
 void AddRequestOptions(CLI::App& command, RequestOptions& options)
@@ -147,7 +151,18 @@ void AddEvaluateOptions(CLI::App& command, EvaluateCommandOptions& options)
     AddReportFormat(command, options.format, "How the shares are written")->default_str("text");
     command.add_flag_callback(
         "--list", [&options] { options.differences = EDifferences::Listed; },
-        "Tell each request that was not answered the same");
+        "Tell each request that was not answered the same, or why it was refused");
+    command
+        .add_option("--min-same", options.leastSame,
+                    "End with exit code 8 when fewer are answered the same, in percent")
+        ->type_name("PERCENT")
+        ->check(CLI::Range(0.0, kAllPercent))
+        ->check(CLI::Validator(
+            [](const std::string& text) {
+                return text.find_first_of("nN") == std::string::npos ? std::string()
+                                                                     : "not a number: " + text;
+            },
+            ""));
 }
 
 Evaluation RunEvaluation(const EvaluateCommandOptions& options, const CommandContext& context)
@@ -168,7 +183,13 @@ EExitCode ReportEvaluation(const EvaluateCommandOptions& options, const Evaluati
         context.output << ToJsonText(ToJson(evaluation)) << '\n';
     else
         WriteText(context.output, evaluation, options.differences);
-    return EExitCode::Done;
+    const auto requests = static_cast<double>(evaluation.all.CountRequests());
+    const auto same = static_cast<double>(evaluation.all.Get(EComparison::Same));
+    if (!options.leastSame || (requests > 0 && kAllPercent * same >= *options.leastSame * requests))
+        return EExitCode::Done;
+    context.error << "qerefine: " << same << " of " << requests
+                  << " requests were answered the same, less than " << *options.leastSame << " %\n";
+    return EExitCode::ShareMissed;
 }
 
 } // namespace
