@@ -1,6 +1,7 @@
 #include "Toolkit/Answers/AnswerText.h"
 
 #include "Source/Rules/RankingCriteria.h"
+#include "Toolkit/Answers/RiskText.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/TextTable.h"
 
@@ -37,8 +38,8 @@ class TextAnswerWriter
 {
 public:
     TextAnswerWriter(std::ostream& out, const Question& question, const Answer& answer,
-                     ListLimit alternatives)
-        : mOut(out), mQuestion(question), mAnswer(answer), mLimit(alternatives)
+                     const Risks& risks, ListLimit alternatives)
+        : mOut(out), mQuestion(question), mAnswer(answer), mRisks(risks), mLimit(alternatives)
     {}
 
     void Write();
@@ -49,7 +50,8 @@ private:
     void WriteJoins(const Ids& path);
     void WriteCandidates();
     void WriteSeparation();
-    void WriteRemarks();
+    void WriteRisks();
+    void WriteMessages();
 
     [[nodiscard]] std::string Join(const Ids& subjects) const;
     [[nodiscard]] bool AsksForSeveral() const
@@ -61,6 +63,7 @@ private:
     std::ostream& mOut;
     const Question& mQuestion;
     const Answer& mAnswer;
+    const Risks& mRisks;
     ListLimit mLimit;
 };
 
@@ -75,7 +78,8 @@ void TextAnswerWriter::Write()
         WriteJoins(mAnswer.bestPaths.front());
     WriteCandidates();
     WriteSeparation();
-    WriteRemarks();
+    WriteRisks();
+    WriteMessages();
 }
 
 void TextAnswerWriter::WriteHeadline()
@@ -152,7 +156,22 @@ void TextAnswerWriter::WriteSeparation()
          << " would connect all: " << Join(mAnswer.separation.bridge) << '\n';
 }
 
-void TextAnswerWriter::WriteRemarks()
+void TextAnswerWriter::WriteRisks()
+{
+    const std::vector<RiskRemark> remarks = ListRemarks(mAnswer, mRisks);
+    const std::string rows = DescribeRows(mAnswer, mRisks);
+    const std::string outerJoins = DescribeOuterJoins(mAnswer, mRisks);
+    if (remarks.empty() && rows.empty() && outerJoins.empty())
+        return;
+    mOut << '\n';
+    if (!rows.empty())
+        mOut << "Rows: " << ToDisplayText(rows) << '\n';
+    if (!outerJoins.empty())
+        mOut << "Outer joins: " << ToDisplayText(outerJoins) << '\n';
+    WriteRemarks(mOut, remarks, "");
+}
+
+void TextAnswerWriter::WriteMessages()
 {
     if (!mAnswer.warnings.empty() || !mAnswer.notices.empty())
         mOut << '\n';
@@ -171,9 +190,9 @@ std::string TextAnswerWriter::Join(const Ids& subjects) const
 } // namespace
 
 void WriteText(std::ostream& out, const Question& question, const Answer& answer,
-               ListLimit alternatives)
+               const Risks& risks, ListLimit alternatives)
 {
-    TextAnswerWriter(out, question, answer, alternatives).Write();
+    TextAnswerWriter(out, question, answer, risks, alternatives).Write();
 }
 
 void WriteAlternatives(std::ostream& out, const Answer& answer, ListLimit alternatives)

@@ -25,13 +25,13 @@ using Json = nlohmann::ordered_json;
 class OutcomeWriter
 {
 public:
-    OutcomeWriter(Json& json, const Question& question, ListLimit alternatives)
-        : mJson(json), mQuestion(question), mAlternatives(alternatives)
+    OutcomeWriter(Json& json, const BatchEntry& entry, ListLimit alternatives)
+        : mJson(json), mEntry(entry), mAlternatives(alternatives)
     {}
 
     void operator()(const Answer& answer)
     {
-        mJson.update(ToJson(mQuestion, answer, mAlternatives));
+        mJson.update(ToJson(mEntry.question, answer, mEntry.risks, mAlternatives));
     }
 
     void operator()(const InputError& error)
@@ -51,7 +51,7 @@ public:
 
 private:
     Json& mJson;
-    const Question& mQuestion;
+    const BatchEntry& mEntry;
     ListLimit mAlternatives;
 };
 
@@ -60,7 +60,7 @@ private:
 Json ToJson(const BatchEntry& entry, ListLimit alternatives)
 {
     Json json{{"line", entry.line}, {"id", entry.id}};
-    std::visit(OutcomeWriter(json, entry.question, alternatives), entry.outcome);
+    std::visit(OutcomeWriter(json, entry, alternatives), entry.outcome);
     return json;
 }
 

@@ -162,6 +162,18 @@ std::string SubjectName(const model::Model& model, const amd_id& subject)
     return isUnique ? record->name : model::ToText(model.GetQualifiedName(subject));
 }
 
+std::string JoinName(const model::Model& model, const amd_id& join)
+{
+    const model::ObjectRecord* const record = model.Find(join);
+    if (record == nullptr)
+        return ToText(join);
+    for (std::string name : {record->name, model::ToText(model.GetQualifiedName(join))}) {
+        if (!name.empty() && model.FindByName(ENameKind::Join, name) == std::vector{join})
+            return name;
+    }
+    return ToText(join);
+}
+
 std::vector<std::string> SubjectNames(const model::Model& model,
                                       const std::vector<amd_id>& subjects)
 {

@@ -2,12 +2,15 @@
 
 #include "Tools/qerefine/Command.h"
 
+#include "Toolkit/Answers/RiskText.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Format.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Tools/qerefine/QuestionOptions.h"
+#include "Tools/qerefine/RiskOptions.h"
 
+#include <algorithm>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -26,6 +29,7 @@ struct AskOptions
     FormatOptions output{};
     /// The subject that SQL begins with; may be empty.
     std::string start{};
+    RiskOptions risks{};
 };
 
 struct AskResult
@@ -61,11 +65,14 @@ void AddAnswerOptions(CLI::App& command, AskOptions& options)
     command.add_option("--start", options.start, "sql: begin with this subject, and keep its rows")
         ->type_name("SUBJECT")
         ->group(kOutputGroup);
+    AddRiskOptions(command, options.risks, kOutputGroup);
 }
 
 AskResult Run(const AskOptions& options, const CommandContext& context)
 {
-    AskResult result{.model = OpenModel(options.asked, context), .output = options.output};
+    const CommandContext noticed{context.input, context.output,
+                                 GetNoticeStream(options.risks, context), context.terminal};
+    AskResult result{.model = OpenModel(options.asked, noticed), .output = options.output};
     result.question = MakeQuestion(options.asked, context);
     result.answer = BlameArguments([&] { return Ask(result.model, result.question); });
     if (!options.start.empty())
@@ -89,18 +96,32 @@ void WriteRemarks(std::ostream& error, const Answer& answer)
         error << "notice: " << ToDisplayText(notice) << '\n';
 }
 
+void WriteRiskWarnings(std::ostream& error, const Answer& answer, const Risks& risks)
+{
+    for (const RiskRemark& remark : ListRemarks(answer, risks))
+        error << "warning: " << ToText(remark.risk) << ": " << ToDisplayText(remark.text)
+              << (remark.advice.empty() ? "" : " ") << ToDisplayText(remark.advice) << '\n';
+}
+
 EExitCode Report(const AskOptions& options, const AskResult& result, const CommandContext& context)
 {
     const EExitCode code = ReportOutcome(result.answer, context);
+    const Risks risks = FindRisks(result.question, result.answer, result.output.sql);
+    std::ostream& notices = GetNoticeStream(options.risks, context);
     if (options.format->name != "text")
-        WriteRemarks(context.error, result.answer);
+        WriteRemarks(notices, result.answer);
+    if (!options.format->showsRisks)
+        WriteRiskWarnings(notices, result.answer, risks);
     // A failed request has no path, so there is nothing to join.
     if (!result.answer.error || options.format->name != "sql")
         options.format->write(context.output, {.model = result.model,
                                                .question = result.question,
                                                .answer = result.answer,
                                                .options = result.output});
-    return code;
+    const std::vector<ERisk> found = ListRisks(result.answer, risks);
+    return JudgeRisks(options.risks, code, [&found](ERisk risk) {
+        return std::find(found.begin(), found.end(), risk) != found.end();
+    });
 }
 
 /// Adds a command, which differs from the others in its operation and its options.
