@@ -141,7 +141,8 @@ void WriteDifference(std::ostream& out, const Difference& difference)
         out << '\n';
         return;
     }
-    out << "\n  written only: " << PairsText(difference.onlyWritten)
+    out << (difference.isCut ? " (the list of candidates was cut)" : "")
+        << "\n  written only: " << PairsText(difference.onlyWritten)
         << "\n  chosen only:  " << PairsText(difference.onlyChosen) << '\n';
 }
 
@@ -190,6 +191,9 @@ void WriteText(std::ostream& out, const Evaluation& evaluation, EDifferences dif
     for (const Row& row : MakeRows(evaluation))
         AddRow(table, row);
     table.Write(out, "");
+    if (evaluation.cutLists > 0)
+        out << "Lists of candidates that were cut, so that the choice may be arbitrary: "
+            << evaluation.cutLists << '\n';
     if (differences == EDifferences::Listed) {
         out << '\n';
         for (const Difference& difference : evaluation.differences)
@@ -206,8 +210,10 @@ nlohmann::ordered_json ToJson(const Evaluation& evaluation)
                         {"comparison", ToText(difference.comparison)},
                         {"onlyWritten", PairsToJson(difference.onlyWritten)},
                         {"onlyChosen", PairsToJson(difference.onlyChosen)},
-                        {"reason", difference.reason}});
+                        {"reason", difference.reason},
+                        {"cut", difference.isCut}});
     return {{"version", kEvaluationVersion},
+            {"cutLists", evaluation.cutLists},
             {"all", ToJson(evaluation.all)},
             {"byGiven", GroupsToJson(evaluation.byGiven)},
             {"bySubjects", GroupsToJson(evaluation.bySubjects)},

@@ -60,9 +60,9 @@ RiskRemark DescribeChasm(const Answer& answer, const Multiplied& chasm)
     const std::string at = answer.NameOf(chasm.at);
     RiskRemark remark;
     remark.text = ListNames(answer, chasm.by) + " meet at " + at + " (chasm trap): each row of " +
-                  (chasm.by.size() == 2 ? "one comes with every row of the other"
-                                        : "one comes with all rows of the others") +
-                  " that has the same " + at + ", so that sums over " +
+                  (chasm.by.size() == 2 ? "one comes with every row of the other that has"
+                                        : "one comes with all rows of the others that have") +
+                  " the same " + at + ", so that sums over " +
                   ListNames(answer, chasm.subjects, "or") + " are too large.";
     const Ids unasked = ListUnasked(answer, chasm.by);
     if (unasked.empty()) {

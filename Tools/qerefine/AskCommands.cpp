@@ -70,9 +70,8 @@ void AddAnswerOptions(CLI::App& command, AskOptions& options)
 
 AskResult Run(const AskOptions& options, const CommandContext& context)
 {
-    const CommandContext noticed{context.input, context.output,
-                                 GetNoticeStream(options.risks, context), context.terminal};
-    AskResult result{.model = OpenModel(options.asked, noticed), .output = options.output};
+    const NoticeContext notices(options.risks, context);
+    AskResult result{.model = OpenModel(options.asked, notices.Get()), .output = options.output};
     result.question = MakeQuestion(options.asked, context);
     result.answer = BlameArguments([&] { return Ask(result.model, result.question); });
     if (!options.start.empty())
@@ -107,11 +106,11 @@ EExitCode Report(const AskOptions& options, const AskResult& result, const Comma
 {
     const EExitCode code = ReportOutcome(result.answer, context);
     const Risks risks = FindRisks(result.question, result.answer, result.output.sql);
-    std::ostream& notices = GetNoticeStream(options.risks, context);
+    const NoticeContext notices(options.risks, context);
     if (options.format->name != "text")
-        WriteRemarks(notices, result.answer);
+        WriteRemarks(notices.Get().error, result.answer);
     if (!options.format->showsRisks)
-        WriteRiskWarnings(notices, result.answer, risks);
+        WriteRiskWarnings(notices.Get().error, result.answer, risks);
     // A failed request has no path, so there is nothing to join.
     if (!result.answer.error || options.format->name != "sql")
         options.format->write(context.output, {.model = result.model,

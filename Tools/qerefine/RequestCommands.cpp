@@ -116,15 +116,14 @@ void AddBatchOptions(CLI::App& command, BatchCommandOptions& options)
 BatchSummary RunRequests(const BatchCommandOptions& options, const CommandContext& context)
 {
     BatchOptions batch{.threads = options.threads, .defaults = PrepareDefaults(options.file)};
-    std::ostream& notices = GetNoticeStream(options.risks, context);
-    const ToolModel model = OpenModelWithNotes(
-        options.file.model, {context.input, context.output, notices, context.terminal});
+    const NoticeContext notices(options.risks, context);
+    const ToolModel model = OpenModelWithNotes(options.file.model, notices.Get());
     RequestFile requests(options.file.requests, context.input);
     const Interrupt interrupt;
     batch.stop = &interrupt.GetFlag();
     std::optional<ProgressBar> bar;
     if (context.terminal.error == Terminal::EStream::Terminal) {
-        bar.emplace(notices, context.terminal.width);
+        bar.emplace(notices.Get().error, context.terminal.width);
         batch.observer = [&bar, size = requests.GetSize()](const BatchSummary& soFar) {
             bar->Show(
                 {.done = soFar.bytes, .size = size, .count = soFar.requests, .unit = "requests"});
@@ -140,7 +139,7 @@ BatchSummary RunRequests(const BatchCommandOptions& options, const CommandContex
 EExitCode ReportBatch(const BatchCommandOptions& options, const BatchSummary& summary,
                       const CommandContext& context)
 {
-    GetNoticeStream(options.risks, context) << ToText(summary) << '\n';
+    NoticeContext(options.risks, context).Get().error << ToText(summary) << '\n';
     const bool isWhole = summary.failures == 0 && !summary.wasInterrupted;
     return JudgeRisks(
         options.risks, isWhole ? EExitCode::Done : EExitCode::NegativeResult,

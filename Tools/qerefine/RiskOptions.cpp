@@ -3,20 +3,28 @@
 #include "Tools/qerefine/CommandOptions.h"
 
 #include <algorithm>
-#include <ostream>
 
 namespace qe::tool {
 
 void AddRiskOptions(CLI::App& command, RiskOptions& options, const std::string& group)
 {
     const Choices<ERisk> words(kRiskWords.begin(), kRiskWords.end());
+    std::vector<std::string> names;
+    for (const auto& [word, risk] : words)
+        names.push_back(word);
+    const auto choose = [&options, words](const std::vector<std::string>& chosen) {
+        for (const auto& [word, risk] : words) {
+            if (std::find(chosen.begin(), chosen.end(), word) != chosen.end())
+                options.failOn.push_back(risk);
+        }
+    };
     command
-        .add_option("--fail-on", options.failOn,
-                    "Exit code 7 when the answer has one of these risks")
+        .add_option_function<std::vector<std::string>>(
+            "--fail-on", choose, "Exit code 7 when an answer has one of these risks")
         ->delimiter(',')
         ->allow_extra_args(false)
-        ->transform(CLI::CheckedTransformer(words).description(""))
-        ->type_name(ToTypeName(words) + ",...")
+        ->check(CLI::IsMember(names).description(""))
+        ->type_name(ToTypeName(words))
         ->group(group);
     command
         .add_flag_callback(
@@ -32,11 +40,10 @@ EExitCode JudgeRisks(const RiskOptions& options, EExitCode code,
     return code == EExitCode::Done && isRisky ? EExitCode::Risky : code;
 }
 
-std::ostream& GetNoticeStream(const RiskOptions& options, const CommandContext& context)
-{
-    // Without a buffer a stream takes everything and keeps nothing.
-    thread_local std::ostream nowhere(nullptr);
-    return options.notices == RiskOptions::ENotices::Quiet ? nowhere : context.error;
-}
+NoticeContext::NoticeContext(const RiskOptions& options, const CommandContext& context)
+    : mContext{context.input, context.output,
+               options.notices == RiskOptions::ENotices::Quiet ? mNowhere : context.error,
+               context.terminal}
+{}
 
 } // namespace qe::tool

@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdint>
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -35,9 +36,22 @@ void AddRiskOptions(CLI::App& command, RiskOptions& options, const std::string& 
 [[nodiscard]] EExitCode JudgeRisks(const RiskOptions& options, EExitCode code,
                                    const std::function<bool(ERisk)>& hasRisk);
 
-/// Returns where notices go: the error stream, or nowhere.
-[[nodiscard]] std::ostream& GetNoticeStream(const RiskOptions& options,
-                                            const CommandContext& context);
+/// The context of a command for all but errors: with --quiet nothing comes out of its error stream.
+class NoticeContext
+{
+public:
+    /// Refers to the context's streams.
+    NoticeContext(const RiskOptions& options, const CommandContext& context);
+    NoticeContext(const NoticeContext&) = delete;
+    NoticeContext& operator=(const NoticeContext&) = delete;
+
+    [[nodiscard]] const CommandContext& Get() const { return mContext; }
+
+private:
+    /// Without a buffer it takes everything and keeps nothing.
+    std::ostream mNowhere{nullptr};
+    CommandContext mContext;
+};
 
 } // namespace qe::tool
 
