@@ -121,6 +121,8 @@ std::vector<std::optional<std::size_t>> PathRows::DrawTargets(const Reference& r
     std::vector<std::size_t> order(to);
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::shuffle(order.begin(), order.end(), random);
+    // Some go without, where that is allowed: one, or all but one.
+    const std::size_t drawn = coversAll || to == 1 ? to : random() % 2 == 0 ? to - 1 : 1;
     std::vector<std::optional<std::size_t>> targets(from);
     for (std::size_t row = 0; row < from; ++row) {
         if (!IsMany(*reference.join, reference.from)) {
@@ -130,8 +132,6 @@ std::vector<std::optional<std::size_t>> PathRows::DrawTargets(const Reference& r
         } else if (coversAll && row < to) {
             targets[row] = order[row];
         } else if (!(mayBeNull && (row + 1 == from || random() % 4 == 0))) {
-            // One goes without, where that is allowed.
-            const std::size_t drawn = to > 1 && !coversAll ? to - 1 : to;
             targets[row] = order[random() % drawn];
         }
     }
@@ -153,11 +153,13 @@ SqliteDatabase PathRows::Make(std::mt19937& random) const
         const bool isManyToMany = IsMany(*reference.join, reference.to);
         const auto targets = isManyToMany ? std::vector<std::optional<std::size_t>>()
                                           : DrawTargets(reference, from, to, random);
+        // Many-to-many: two rows of each meet each other, and others one.
+        const std::size_t groups = std::max<std::size_t>(2, to - 1);
         for (const auto& [fromColumn, toColumn] : reference.columns) {
             auto& keys = tables[reference.to][toColumn];
             keys.clear();
             for (std::size_t row = 0; row < to; ++row)
-                keys.emplace_back(isManyToMany ? row % 3 : row);
+                keys.emplace_back(isManyToMany ? row % groups : row);
             auto& values = tables[reference.from][fromColumn];
             for (std::size_t row = 0; row < from; ++row) {
                 if (isManyToMany)
