@@ -97,17 +97,17 @@ void PathRows::CountAllRows()
             ++known;
             const bool toMany = IsMany(*reference.join, to);
             const bool fromMany = IsMany(*reference.join, from);
-            // One-to-one: a row that may go without leaves one row more at the other end.
-            const std::size_t more =
-                !fromMany && !IsRequired(*reference.join, from) && IsRequired(*reference.join, to)
-                    ? 1
-                    : 0;
+            // One-to-one: most rows at the other end go without, where that is allowed.
+            const bool leavesOut =
+                !fromMany && !IsRequired(*reference.join, from) && IsRequired(*reference.join, to);
             if (mCounts[to] == 0)
-                mCounts[to] = toMany || !fromMany ? mCounts[from] + more
-                                                  : std::max<std::size_t>(2, mCounts[from] / 2);
+                mCounts[to] = leavesOut             ? 3 * mCounts[from]
+                              : toMany || !fromMany ? mCounts[from]
+                                                    : std::max<std::size_t>(2, mCounts[from] / 2);
             else
-                mCounts[from] = !toMany && fromMany ? 2 * mCounts[to] + 1
-                                                    : std::max<std::size_t>(1, mCounts[to] - more);
+                mCounts[from] = leavesOut             ? std::max<std::size_t>(1, mCounts[to] / 3)
+                                : !toMany && fromMany ? 2 * mCounts[to] + 1
+                                                      : mCounts[to];
         }
     }
 }
@@ -126,12 +126,12 @@ std::vector<std::optional<std::size_t>> PathRows::DrawTargets(const Reference& r
     std::vector<std::optional<std::size_t>> targets(from);
     for (std::size_t row = 0; row < from; ++row) {
         if (!IsMany(*reference.join, reference.from)) {
-            const bool isLast = row + 1 == from;
-            if (row < to && !(mayBeNull && isLast && !coversAll))
+            const bool mayLeaveOut = mayBeNull && !coversAll;
+            if (row < to && !(mayLeaveOut && row % 2 == 1))
                 targets[row] = order[row];
         } else if (coversAll && row < to) {
             targets[row] = order[row];
-        } else if (!(mayBeNull && (row + 1 == from || random() % 4 == 0))) {
+        } else if (!(mayBeNull && (row + 1 == from || random() % 2 == 0))) {
             targets[row] = order[random() % drawn];
         }
     }
@@ -153,8 +153,8 @@ SqliteDatabase PathRows::Make(std::mt19937& random) const
         const bool isManyToMany = IsMany(*reference.join, reference.to);
         const auto targets = isManyToMany ? std::vector<std::optional<std::size_t>>()
                                           : DrawTargets(reference, from, to, random);
-        // Many-to-many: two rows of each meet each other, and others one.
-        const std::size_t groups = std::max<std::size_t>(2, to - 1);
+        // Many-to-many: two rows of each meet each other, and some perhaps none.
+        const std::size_t groups = std::max<std::size_t>(2, to / 2);
         for (const auto& [fromColumn, toColumn] : reference.columns) {
             auto& keys = tables[reference.to][toColumn];
             keys.clear();
@@ -163,8 +163,10 @@ SqliteDatabase PathRows::Make(std::mt19937& random) const
             auto& values = tables[reference.from][fromColumn];
             for (std::size_t row = 0; row < from; ++row) {
                 if (isManyToMany)
-                    values.emplace_back(IsRequired(*reference.join, reference.to) ? row % 3
-                                                                                  : 1 + row % 3);
+                    values.emplace_back(row % 2 == 1 && row != groups &&
+                                                !IsRequired(*reference.join, reference.to)
+                                            ? groups
+                                            : row % groups);
                 else
                     values.push_back(targets[row] ? std::optional<long>(*targets[row])
                                                   : std::nullopt);

@@ -130,7 +130,9 @@ private:
             mTally.speaking += isSilent ? 0 : 1;
             mTally.proven += !isSilent && IsProven(said, shown[table]) ? 1 : 0;
             EXPECT_TRUE(IsProven(said, shown[table]))
-                << answer.NameOf(tables.GetSubjects(table).front());
+                << answer.NameOf(tables.GetSubjects(table).front()) << ": "
+                << (said.isMultiplied && !shown[table].isMultiplied ? "never multiplied" : "")
+                << (said.isDropped && !shown[table].isDropped ? "never lost" : "");
         }
     }
 
