@@ -135,6 +135,7 @@ std::vector<std::optional<std::size_t>> PathRows::DrawTargets(const Reference& r
             targets[row] = order[random() % drawn];
         }
     }
+    std::shuffle(targets.begin(), targets.end(), random);
     return targets;
 }
 
@@ -163,7 +164,7 @@ SqliteDatabase PathRows::Make(std::mt19937& random) const
             auto& values = tables[reference.from][fromColumn];
             for (std::size_t row = 0; row < from; ++row) {
                 if (isManyToMany)
-                    values.emplace_back(row % 2 == 1 && row != groups &&
+                    values.emplace_back(row % groups % 2 == 1 &&
                                                 !IsRequired(*reference.join, reference.to)
                                             ? groups
                                             : row % groups);

@@ -121,7 +121,7 @@ private:
         SCOPED_TRACE(from);
         std::vector<Shown> shown(tables.GetCount());
         // What is said may be proven by one draw, and denied by none.
-        for (int draw = 0; draw < 2 || (draw < 12 && !IsProven(tables, risks, shown)); ++draw)
+        for (int draw = 0; draw < 2 || (draw < 100 && !IsProven(tables, risks, shown)); ++draw)
             RunDraw(rows, tables, from, risks, shown);
         for (std::size_t table = 0; table < tables.GetCount() && tables.IsAsked(table); ++table) {
             const Shown said = WhatIsSaid(risks, tables.GetSubjects(table).front());
