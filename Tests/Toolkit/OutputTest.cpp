@@ -68,6 +68,10 @@ TEST(OutputTest, TextTellsPathAlternativesAndWhatDecided)
   *  1      34      1         0     0  oc, cr
      2      34      1         0     0  os, sr
 Decided by: keys
+
+Rows: one for each row of Orders
+Ambiguous: 2 paths are equally cheap, and the columns that they join decided.
+  Way out: To take candidate 2: --favour os
 )");
     EXPECT_THAT(WriteAs("text", model, Connect({"Budget", "Region"})),
                 HasSubstr("The subjects cannot be connected. They fall into 2 groups:\n"
@@ -94,7 +98,21 @@ TEST(OutputTest, JsonHasOneFormForEveryOperation)
                    "leftCardinality": "0..n", "right": "Z", "rightCardinality": "0..1",
                    "condition": "", "weight": 17}],
         "endPairs": [], "joinedSubjects": [], "groups": [], "bridge": [],
-        "decisions": [], "warnings": [], "notices": [], "error": null})"));
+        "decisions": [],
+        "risks": {
+            "rowsOf": ["A"],
+            "multiplied": [{"reason": "dimension", "subjects": ["Z"], "by": ["A"], "at": null,
+                            "joins": ["102:1", "102:2"],
+                            "text": "rows of Z come once for each row of A.", "advice": ""}],
+            "lost": [{"subject": "A", "kept": true, "dimension": false, "missing": ["Z"],
+                      "joins": ["102:2"], "text": "rows of A without Z stay, by outer joins.",
+                      "advice": ""},
+                     {"subject": "Z", "kept": false, "dimension": true, "missing": ["M"],
+                      "joins": ["102:2"], "text": "rows of Z without M are left out.",
+                      "advice": "The SQL begins with A, whose rows it keeps; --start Z keeps those of Z instead."}],
+            "outerJoined": ["Z"], "ambiguous": null},
+        "warnings": [],
+        "notices": [], "error": null})"));
     const auto keysOf = [](const nlohmann::json& value) {
         std::set<std::string> keys;
         for (const auto& entry : value.items())

@@ -1,6 +1,7 @@
 #include "Toolkit/Answers/AnswerText.h"
 
 #include "Source/Rules/RankingCriteria.h"
+#include "Toolkit/Answers/RiskText.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/TextTable.h"
 
@@ -58,8 +59,8 @@ class TextAnswerWriter
 {
 public:
     TextAnswerWriter(std::ostream& out, const Question& question, const Answer& answer,
-                     ListLimit alternatives)
-        : mOut(out), mQuestion(question), mAnswer(answer), mLimit(alternatives)
+                     const Risks& risks, ListLimit alternatives)
+        : mOut(out), mQuestion(question), mAnswer(answer), mRisks(risks), mLimit(alternatives)
     {}
 
     void Write();
@@ -71,7 +72,8 @@ private:
     void WriteCandidates();
     void WriteDecisions();
     void WriteSeparation();
-    void WriteRemarks();
+    void WriteRisks();
+    void WriteMessages();
 
     [[nodiscard]] std::string Join(const Ids& subjects) const;
     [[nodiscard]] bool AsksForSeveral() const
@@ -83,6 +85,7 @@ private:
     std::ostream& mOut;
     const Question& mQuestion;
     const Answer& mAnswer;
+    const Risks& mRisks;
     ListLimit mLimit;
 };
 
@@ -98,7 +101,8 @@ void TextAnswerWriter::Write()
     WriteCandidates();
     WriteDecisions();
     WriteSeparation();
-    WriteRemarks();
+    WriteRisks();
+    WriteMessages();
 }
 
 void TextAnswerWriter::WriteHeadline()
@@ -181,7 +185,22 @@ void TextAnswerWriter::WriteSeparation()
          << " would connect all: " << Join(mAnswer.separation.bridge) << '\n';
 }
 
-void TextAnswerWriter::WriteRemarks()
+void TextAnswerWriter::WriteRisks()
+{
+    const std::vector<RiskRemark> remarks = ListRemarks(mAnswer, mRisks);
+    const std::string rows = DescribeRows(mAnswer, mRisks);
+    const std::string outerJoins = DescribeOuterJoins(mAnswer, mRisks);
+    if (remarks.empty() && rows.empty() && outerJoins.empty())
+        return;
+    mOut << '\n';
+    if (!rows.empty())
+        mOut << "Rows: " << ToDisplayText(rows) << '\n';
+    if (!outerJoins.empty())
+        mOut << "Outer joins: " << ToDisplayText(outerJoins) << '\n';
+    WriteRemarks(mOut, remarks, "");
+}
+
+void TextAnswerWriter::WriteMessages()
 {
     if (!mAnswer.warnings.empty() || !mAnswer.notices.empty())
         mOut << '\n';
@@ -200,9 +219,9 @@ std::string TextAnswerWriter::Join(const Ids& subjects) const
 } // namespace
 
 void WriteText(std::ostream& out, const Question& question, const Answer& answer,
-               ListLimit alternatives)
+               const Risks& risks, ListLimit alternatives)
 {
-    TextAnswerWriter(out, question, answer, alternatives).Write();
+    TextAnswerWriter(out, question, answer, risks, alternatives).Write();
 }
 
 void WriteAlternatives(std::ostream& out, const Answer& answer, ListLimit alternatives)

@@ -1,6 +1,8 @@
 #include "Toolkit/Ask/AnswerRecorder.h"
 
 #include "Engine/Model/Model.h"
+#include "Toolkit/Ask/Ambiguity.h"
+#include "Toolkit/Ask/DetailRule.h"
 #include "Toolkit/Ask/ModelDecisions.h"
 #include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Ask/Request.h"
@@ -83,9 +85,9 @@ using Ids = std::vector<amd_id>;
 
 } // namespace
 
-AnswerRecorder::AnswerRecorder(const model::Model& model, const ResolvedQuestion& resolved,
-                               Request& request, Answer& answer)
-    : mModel(model), mResolved(resolved), mRequest(request), mAnswer(answer)
+AnswerRecorder::AnswerRecorder(const model::Model& model, const DetailRule& details,
+                               const ResolvedQuestion& resolved, Request& request, Answer& answer)
+    : mModel(model), mDetails(details), mResolved(resolved), mRequest(request), mAnswer(answer)
 {
     mAnswer.terminals = resolved.subjects;
     mAnswer.secondSet = resolved.secondSet;
@@ -99,7 +101,8 @@ void AnswerRecorder::RecordJoin(const amd_id& join)
     const auto info = mRequest.ReadJoin(join);
     if (!info)
         return;
-    const AnswerJoin& recorded = mAnswer.joinsById.emplace(join, ToAnswerJoin(*info)).first->second;
+    AnswerJoin& recorded = mAnswer.joinsById.emplace(join, ToAnswerJoin(*info)).first->second;
+    recorded.leadsFromDetail = mDetails.LeadsFromDetail(recorded);
     RecordSubject(recorded.left);
     RecordSubject(recorded.right);
 }
@@ -206,6 +209,8 @@ void AnswerRecorder::RecordMessages(std::vector<std::string> notices)
     for (const AQE_RequestContext::UserMessage& message : mRequest.GetContext().GetUserMessages())
         mAnswer.warnings.push_back(ToAnswerMessage(message.message));
     mAnswer.notices = std::move(notices);
+    if (!mAnswer.error)
+        mAnswer.ambiguity = FindAmbiguity(mModel, mAnswer);
 }
 
 bool AnswerRecorder::Connects(const Ids& joins) const

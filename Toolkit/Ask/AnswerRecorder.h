@@ -28,6 +28,7 @@ class Model;
 
 namespace qe::tool {
 
+class DetailRule;
 class Request;
 struct ResolvedQuestion;
 
@@ -36,8 +37,8 @@ class AnswerRecorder
 {
 public:
     /// Refers to everything that it is given.
-    AnswerRecorder(const model::Model& model, const ResolvedQuestion& resolved, Request& request,
-                   Answer& answer);
+    AnswerRecorder(const model::Model& model, const DetailRule& details,
+                   const ResolvedQuestion& resolved, Request& request, Answer& answer);
 
     /// Records the join and its ends, read from the request; nothing when it cannot be read.
     void RecordJoin(const amd_id& join);
@@ -60,7 +61,8 @@ public:
     /// Records, for subjects that are not connected, which of them can be. Of joined subjects this
     /// decides whether they are connected.
     void RecordSeparation(EOperation operation);
-    /// Records what the request and the library have to say to the user.
+    /// Records what the request and the library have to say to the user, and then which other
+    /// candidates there were.
     void RecordMessages(std::vector<std::string> notices);
 
     /// Returns whether the joins connect the subjects of the question.
@@ -68,6 +70,7 @@ public:
 
 private:
     const model::Model& mModel;
+    const DetailRule& mDetails;
     const ResolvedQuestion& mResolved;
     Request& mRequest;
     Answer& mAnswer;

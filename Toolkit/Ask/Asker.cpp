@@ -7,6 +7,7 @@
 #include "HBNException.h"
 #include "MainObjectPathSelector.h"
 #include "Toolkit/Ask/AnswerRecorder.h"
+#include "Toolkit/Ask/DetailRule.h"
 #include "Toolkit/Ask/KeyChoice.h"
 #include "Toolkit/Ask/LogNotices.h"
 #include "Toolkit/Ask/ModelDecisions.h"
@@ -64,12 +65,12 @@ class QuestionRun
 {
 public:
     /// Refers to everything that it is given.
-    QuestionRun(const ToolModel& model, const Question& question, const ResolvedQuestion& resolved,
-                RequestBasis& basis)
+    QuestionRun(const ToolModel& model, const DetailRule& details, const Question& question,
+                const ResolvedQuestion& resolved, RequestBasis& basis)
         : mQuestion(question),
           mResolved(resolved),
           mRequest(basis, resolved),
-          mRecorder(*model.model, mResolved, mRequest, mAnswer)
+          mRecorder(*model.model, details, mResolved, mRequest, mAnswer)
     {}
     QuestionRun(const QuestionRun&) = delete;
     QuestionRun& operator=(const QuestionRun&) = delete;
@@ -115,6 +116,9 @@ Answer QuestionRun::Run()
     mRecorder.RecordPreference();
     mRecorder.RecordSeparation(mQuestion.operation);
     mRecorder.RecordMessages(notices.Get());
+    // Who chose himself knows the others.
+    if (mQuestion.selector.kind == ESelector::Ask)
+        mAnswer.ambiguity.reset();
     return std::move(mAnswer);
 }
 
@@ -306,7 +310,9 @@ bool IsLogRead()
 } // namespace
 
 Asker::Asker(const ToolModel& model)
-    : mModel(model), mResolver(std::make_unique<QuestionResolver>(*model.model))
+    : mModel(model),
+      mResolver(std::make_unique<QuestionResolver>(*model.model)),
+      mDetails(std::make_unique<DetailRule>(*model.model))
 {}
 
 Asker::~Asker() = default;
@@ -320,7 +326,7 @@ Answer Asker::Ask(const Question& question)
     if (question.operation == EOperation::Path && !resolved.avoidedJoins.empty())
         LeaveOutAvoided(question, resolved);
     std::unique_ptr<RequestBasis> basis = TakeBasis(question, resolved);
-    Answer answer = QuestionRun(mModel, question, resolved, *basis).Run();
+    Answer answer = QuestionRun(mModel, *mDetails, question, resolved, *basis).Run();
     if (!answer.error)
         mBasis = std::move(basis);
     return answer;

@@ -9,6 +9,7 @@
 
 namespace qe::tool {
 
+class DetailRule;
 class QuestionResolver;
 class RequestBasis;
 struct ResolvedQuestion;
@@ -48,6 +49,7 @@ private:
 
     const ToolModel& mModel;
     std::unique_ptr<QuestionResolver> mResolver;
+    std::unique_ptr<DetailRule> mDetails;
     /// Null after a question that failed.
     std::unique_ptr<RequestBasis> mBasis;
     std::size_t mQuestionsOnBasis = 0;

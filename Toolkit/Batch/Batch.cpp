@@ -61,11 +61,26 @@ std::chrono::nanoseconds LatencyHistogram::GetPercentile(unsigned percent) const
     return std::chrono::nanoseconds((bucket - shift * kSteps) << shift);
 }
 
+namespace {
+
+std::string WriteRisks(const BatchSummary& summary)
+{
+    std::string text;
+    for (const auto& [word, risk] : kRiskWords) {
+        const std::size_t count = summary.risky[static_cast<std::size_t>(risk)];
+        if (count != 0)
+            text += ", " + std::string(word) + ": " + std::to_string(count);
+    }
+    return text;
+}
+
+} // namespace
+
 std::string ToText(const BatchSummary& summary)
 {
     std::ostringstream text;
     text << "requests: " << summary.requests << ", failures: " << summary.failures
-         << ", not connected: " << summary.notConnected
+         << ", not connected: " << summary.notConnected << WriteRisks(summary)
          << ", median: " << ToMilliseconds(summary.latencies.GetPercentile(50))
          << ", 99th percentile: " << ToMilliseconds(summary.latencies.GetPercentile(99))
          << (summary.wasInterrupted ? " (interrupted)" : "");
@@ -101,6 +116,8 @@ public:
             entry.outcome = InternalFailure{error.what()};
         }
         WorkResult result{.text = mOutput.toLine(entry), .outcome = Classify(entry)};
+        if (const auto* const answer = std::get_if<tool::Answer>(&entry.outcome))
+            result.risks = ListRisks(*answer, entry.risks);
         result.bytes = line.bytes;
         result.latency = Clock::now() - begin;
         return result;
@@ -121,7 +138,9 @@ private:
         if (asker == nullptr)
             asker = std::make_unique<Asker>(mModel);
         try {
-            entry.outcome = asker->Ask(entry.question);
+            tool::Answer answer = asker->Ask(entry.question);
+            entry.risks = FindRisks(entry.question, answer, {});
+            entry.outcome = std::move(answer);
         } catch (const InputError& mistakes) {
             entry.outcome = mistakes;
         } catch (...) {
@@ -158,6 +177,8 @@ void Count(const WorkResult& result, BatchSummary& summary)
     ++summary.requests;
     summary.failures += result.outcome == EOutcome::Failed ? 1 : 0;
     summary.notConnected += result.outcome == EOutcome::NotConnected ? 1 : 0;
+    for (const ERisk risk : result.risks)
+        ++summary.risky[static_cast<std::size_t>(risk)];
     summary.latencies.Add(result.latency);
     summary.bytes = result.bytes;
 }

@@ -2,14 +2,17 @@
 
 #include "Tools/qerefine/Command.h"
 
+#include "Toolkit/Answers/RiskText.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Format.h"
 #include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Tools/qerefine/QuestionOptions.h"
+#include "Tools/qerefine/RiskOptions.h"
 #include "Tools/qerefine/SaveOptions.h"
 
+#include <algorithm>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -30,6 +33,7 @@ struct AskOptions
     /// The subject that SQL begins with; may be empty.
     std::string start{};
     SaveOptions save{};
+    RiskOptions risks{};
 };
 
 struct AskResult
@@ -66,12 +70,14 @@ void AddAnswerOptions(CLI::App& command, AskOptions& options)
     command.add_option("--start", options.start, "sql: begin with this subject, and keep its rows")
         ->type_name("SUBJECT")
         ->group(kOutputGroup);
+    AddRiskOptions(command, options.risks, kOutputGroup);
 }
 
 AskResult Run(const AskOptions& options, const CommandContext& context)
 {
     CheckSaveOptions(options.save, options.asked.model);
-    AskResult result{.model = OpenModel(options.asked, context), .output = options.output};
+    const NoticeContext notices(options.risks, context);
+    AskResult result{.model = OpenModel(options.asked, notices.Get()), .output = options.output};
     if (IsModelFile(options.asked.model.path))
         result.output.modelFile = options.asked.model.path.string();
     result.question = MakeQuestion(options.asked, context);
@@ -103,11 +109,22 @@ void WriteRemarks(std::ostream& error, const Answer& answer)
         error << "notice: " << ToDisplayText(notice) << '\n';
 }
 
+void WriteRiskWarnings(std::ostream& error, const Answer& answer, const Risks& risks)
+{
+    for (const RiskRemark& remark : ListRemarks(answer, risks))
+        error << "warning: " << ToText(remark.risk) << ": " << ToDisplayText(remark.text)
+              << (remark.advice.empty() ? "" : " ") << ToDisplayText(remark.advice) << '\n';
+}
+
 EExitCode Report(const AskOptions& options, const AskResult& result, const CommandContext& context)
 {
     const EExitCode code = ReportOutcome(result.answer, context);
+    const Risks risks = FindRisks(result.question, result.answer, result.output.sql);
+    const NoticeContext notices(options.risks, context);
     if (options.format->name != "text")
-        WriteRemarks(context.error, result.answer);
+        WriteRemarks(notices.Get().error, result.answer);
+    if (!options.format->showsRisks)
+        WriteRiskWarnings(notices.Get().error, result.answer, risks);
     // A failed request has no path, so there is nothing to join.
     if (!result.answer.error || options.format->name != "sql")
         options.format->write(context.output, {.model = result.model,
@@ -116,7 +133,10 @@ EExitCode Report(const AskOptions& options, const AskResult& result, const Comma
                                                .options = result.output});
     if (result.saved)
         Save(*result.saved, context);
-    return code;
+    const std::vector<ERisk> found = ListRisks(result.answer, risks);
+    return JudgeRisks(options.risks, code, [&found](ERisk risk) {
+        return std::find(found.begin(), found.end(), risk) != found.end();
+    });
 }
 
 /// Adds a command, which differs from the others in its operation and its options.

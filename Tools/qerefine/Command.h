@@ -24,6 +24,8 @@ enum class EExitCode : std::uint8_t
     /// An error that the library means for its users.
     LibraryError = 4,
     InternalError = 5,
+    /// 6 is kept for output that cannot be delivered.
+    Risky = 7,
     /// An evaluation falls short of what was asked of it.
     ShareMissed = 8,
 };
@@ -48,6 +50,7 @@ inline constexpr std::array kExitCodes{
     ExitCodeMeaning{EExitCode::LibraryError,
                     "the library reported an error, such as a governor's or a selector's"},
     ExitCodeMeaning{EExitCode::InternalError, "internal error"},
+    ExitCodeMeaning{EExitCode::Risky, "answered, with a risk that --fail-on names"},
     ExitCodeMeaning{EExitCode::ShareMissed,
                     "an evaluation was answered the same less often than asked for"},
 };

@@ -13,6 +13,7 @@
 #include "Toolkit/Evaluate/ModelSource.h"
 #include "Toolkit/Text/JsonText.h"
 #include "Tools/qerefine/CommandOptions.h"
+#include "Tools/qerefine/RiskOptions.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -38,7 +39,8 @@ constexpr const char* kBatchRemarks = R"(
 A request is a JSON object on a line of its own, such as
   {"id": "sales by region", "subjects": ["orders", "region"]}
 
-The exit code is 1 when a request failed, or after an interrupt.)";
+The exit code is 1 when a request failed, or after an interrupt, and 7 when an
+answer has a risk that --fail-on names.)";
 
 constexpr const char* kEvaluateRemarks = R"(
 
@@ -63,6 +65,7 @@ struct BatchCommandOptions
     std::size_t threads =
         std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, kMostDefaultThreads);
     ListLimit alternatives{0};
+    RiskOptions risks{};
 };
 
 struct EvaluateCommandOptions
@@ -111,18 +114,20 @@ void AddBatchOptions(CLI::App& command, BatchCommandOptions& options)
     AddLimit(command, "--alternatives", options.alternatives,
              "How many ranked alternatives an answer shows, none by default")
         ->type_name("N");
+    AddRiskOptions(command, options.risks, "Options");
 }
 
 BatchSummary RunRequests(const BatchCommandOptions& options, const CommandContext& context)
 {
     BatchOptions batch{.threads = options.threads, .defaults = PrepareDefaults(options.file)};
-    const ToolModel model = OpenModelWithNotes(options.file.model, context);
+    const NoticeContext notices(options.risks, context);
+    const ToolModel model = OpenModelWithNotes(options.file.model, notices.Get());
     RequestFile requests(options.file.requests, context.input);
     const Interrupt interrupt;
     batch.stop = &interrupt.GetFlag();
     std::optional<ProgressBar> bar;
     if (context.terminal.error == Terminal::EStream::Terminal) {
-        bar.emplace(context.error, context.terminal.width);
+        bar.emplace(notices.Get().error, context.terminal.width);
         batch.observer = [&bar, size = requests.GetSize()](const BatchSummary& soFar) {
             bar->Show(
                 {.done = soFar.bytes, .size = size, .count = soFar.requests, .unit = "requests"});
@@ -135,12 +140,14 @@ BatchSummary RunRequests(const BatchCommandOptions& options, const CommandContex
     return RunBatch(model, requests.Get(), output, batch);
 }
 
-EExitCode ReportBatch(const BatchCommandOptions& /*options*/, const BatchSummary& summary,
+EExitCode ReportBatch(const BatchCommandOptions& options, const BatchSummary& summary,
                       const CommandContext& context)
 {
-    context.error << ToText(summary) << '\n';
-    return summary.failures > 0 || summary.wasInterrupted ? EExitCode::NegativeResult
-                                                          : EExitCode::Done;
+    NoticeContext(options.risks, context).Get().error << ToText(summary) << '\n';
+    const bool isWhole = summary.failures == 0 && !summary.wasInterrupted;
+    return JudgeRisks(
+        options.risks, isWhole ? EExitCode::Done : EExitCode::NegativeResult,
+        [&summary](ERisk risk) { return summary.risky[static_cast<std::size_t>(risk)] > 0; });
 }
 
 void AddEvaluateOptions(CLI::App& command, EvaluateCommandOptions& options)

@@ -10,7 +10,10 @@ _qerefine_values()
         [[ $2 != import ]] || return 1
         values='plain shortcuts'
         ;;
-    --fail-on) values='note warning error never' ;;
+    --fail-on)
+        values='multiplied lost ambiguous'
+        [[ $2 != check ]] || values='note warning error never'
+        ;;
     --selector) values='keys first main-object ask' ;;
     --cross-product) values='allow warn deny' ;;
     --grouping) values='target container' ;;
