@@ -86,9 +86,9 @@ std::string EscapeMarkup(const std::string& text)
     return escaped;
 }
 
-std::string MakeSvg(const Picture& picture)
+std::string MakeSvg(const Picture& picture, const DrawingWait& wait)
 {
-    Titles titles(RunGraphviz(WriteDot(picture), EImage::Svg));
+    Titles titles(RunGraphviz(WriteDot(picture), EImage::Svg, wait));
     for (std::size_t i = 0; i < picture.nodes.size(); ++i)
         titles.Replace('n' + std::to_string(i), TitleOf(picture.nodes[i]));
     for (std::size_t i = 0; i < picture.edges.size(); ++i)

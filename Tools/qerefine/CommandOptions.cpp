@@ -75,7 +75,8 @@ void AddModelSettings(CLI::App& command, ModelOptions& options, const std::strin
 
 ToolModel OpenModelWithNotes(const ModelOptions& options, const CommandContext& context)
 {
-    ToolModel model = OpenModel(options.path, options.open);
+    ToolModel model = NameWork("reading " + options.path.string(),
+                               [&options] { return OpenModel(options.path, options.open); });
     WriteNotes(model, context);
     return model;
 }

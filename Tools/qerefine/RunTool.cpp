@@ -3,6 +3,7 @@
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputFile.h"
 #include "Tools/qerefine/Command.h"
+#include "Tools/qerefine/StandardStreams.h"
 
 #include <CLI/CLI.hpp>
 
@@ -54,13 +55,23 @@ EExitCode Parse(const std::vector<std::string>& arguments, const CommandContext&
 EExitCode RunTool(const std::vector<std::string>& arguments, const CommandContext& context)
 {
     try {
-        return Parse(arguments, context);
+        const EExitCode code = Parse(arguments, context);
+        context.output.flush();
+        return code;
     } catch (const UsageError& error) {
         WriteProblems(context.error, error);
         return EExitCode::WrongUsage;
+    } catch (const OutputError& error) {
+        // Nothing more goes there, and no further attempt is to throw.
+        context.output.exceptions(std::ios::goodbit);
+        WriteProblems(context.error, error);
+        return EExitCode::OutputFailed;
     } catch (const InputError& error) {
         WriteProblems(context.error, error);
         return EExitCode::CannotReadOrWrite;
+    } catch (const MemoryError& error) {
+        context.error << "qerefine: " << error.what() << '\n';
+        return EExitCode::InternalError;
     } catch (const std::exception& error) {
         context.error << "qerefine: internal error: " << error.what() << '\n';
         return EExitCode::InternalError;

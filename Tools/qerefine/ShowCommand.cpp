@@ -6,6 +6,7 @@
 #include "Toolkit/Draw/PictureFormat.h"
 #include "Toolkit/Draw/Pictures.h"
 #include "Tools/qerefine/CommandOptions.h"
+#include "Tools/qerefine/DelayedProgress.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -62,15 +63,17 @@ EExitCode Report(const Options& options, const Picture& picture, const CommandCo
     if (options.around.empty() && picture.nodes.size() < picture.subjects)
         context.error << "The " << picture.nodes.size() << " subjects with most joins of "
                       << picture.subjects << " are drawn; --limit 0 draws all, --around some\n";
+    DelayedProgress progress(context);
+    const DrawingWait wait{.limit = kLongestDrawing, .observer = progress.GetObserver()};
     switch (options.format) {
     case EPictureFormat::Dot:
         context.output << WriteDot(picture);
         break;
     case EPictureFormat::Svg:
-        context.output << MakeSvg(picture);
+        context.output << MakeSvg(picture, wait);
         break;
     case EPictureFormat::Png:
-        context.output << RunGraphviz(WriteDot(picture), EImage::Png);
+        context.output << RunGraphviz(WriteDot(picture), EImage::Png, wait);
         break;
     }
     return EExitCode::Done;
