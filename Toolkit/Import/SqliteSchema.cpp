@@ -26,6 +26,7 @@ public:
     DatabaseSchema Read(const ProgressObserver& observer)
     {
         const auto tables = ListTables();
+        NoteTemporaryTables();
         std::uint64_t done = 0;
         for (const auto& [name, database] : tables) {
             if (observer)
@@ -53,6 +54,17 @@ private:
         return tables;
     }
 
+    /// They hide tables of their name from every statement that follows.
+    void NoteTemporaryTables()
+    {
+        for (const SqliteDatabase& database : mDatabases) {
+            SqliteQuery query(database, "SELECT name FROM pragma_table_list WHERE schema = 'temp' "
+                                        "AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' ORDER BY name");
+            while (query.Next())
+                mSchema.notes.push_back("left out a temporary table: " + query.GetText(0));
+        }
+    }
+
     void AddTable(const std::string& name, const SqliteDatabase& database)
     {
         SchemaTable table{.name = name};
@@ -77,7 +89,8 @@ private:
         while (query.Next()) {
             const std::int64_t keyPosition = query.GetNumber(2);
             table.columns.push_back(
-                {query.GetText(0), query.GetNumber(1) != 0 || keyPosition != 0});
+                {.name = query.GetText(0),
+                 .isNotNull = query.GetNumber(1) != 0 || keyPosition != 0});
             if (keyPosition != 0)
                 primaryKey[keyPosition] = query.GetText(0);
         }
