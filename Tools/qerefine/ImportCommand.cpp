@@ -21,10 +21,8 @@ struct Options
 
 void AddOptions(CLI::App& command, Options& options)
 {
-    command.add_option("FILE", options.files, "what to read")->required();
-    command.add_flag_callback(
-        "--roles", [&options] { options.import.roles = ERoles::Shortcuts; },
-        "also make a shortcut for each role of a table that another one refers to several times");
+    command.add_option("FILE", options.files, "What to read")->required();
+    AddRoles(command, options.import.roles);
 }
 
 void AddSqliteOptions(CLI::App& command, Options& options)

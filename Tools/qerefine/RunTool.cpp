@@ -2,13 +2,18 @@
 
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputFile.h"
+#include "Tools/qerefine/Arguments.h"
 #include "Tools/qerefine/Command.h"
 #include "Tools/qerefine/StandardStreams.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <exception>
 #include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace qe::tool {
 
@@ -33,19 +38,25 @@ EExitCode Parse(const std::vector<std::string>& arguments, const CommandContext&
     CLI::App app("Asks which joins connect the query subjects of a report.", "qerefine");
     app.set_version_flag("--version", kVersion);
     app.require_subcommand(1);
-    app.failure_message(CLI::FailureMessage::simple);
     EExitCode exitCode = EExitCode::Done;
     for (const auto addCommand : kCommands)
         addCommand({.app = app, .context = context, .exitCode = exitCode});
     try {
+        RemoveMarks(app);
+        std::vector<std::string> prepared = PrepareArguments(arguments);
         // The parser takes the arguments from the end.
-        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        std::reverse(prepared.begin(), prepared.end());
+        app.parse(std::move(prepared));
         return exitCode;
     } catch (const CLI::Success& request) {
         app.exit(request, context.output, context.error);
         return EExitCode::Done;
     } catch (const CLI::ParseError& error) {
-        app.exit(error, context.output, context.error);
+        if (const auto unknown = FindUnknownArgument(app, arguments))
+            WriteProblems(context.error, InputError({*unknown}));
+        else
+            context.error << ToDisplayText(error.what()) << '\n';
+        context.error << "Run with --help for more information.\n";
         return EExitCode::WrongUsage;
     }
 }

@@ -27,7 +27,7 @@ enum class EPictureFormat : std::uint8_t
 
 struct Options
 {
-    std::filesystem::path model{};
+    ModelOptions model{};
     EPictureFormat format = EPictureFormat::Svg;
     std::vector<std::string> around{};
     ListLimit limit{100};
@@ -35,7 +35,8 @@ struct Options
 
 void AddOptions(CLI::App& command, Options& options)
 {
-    AddModelPath(command, options.model);
+    AddModelPath(command, options.model.path);
+    AddRoles(command, options.model.open.roles);
     AddChoice(
         command, "--format", options.format,
         {{"dot", EPictureFormat::Dot}, {"svg", EPictureFormat::Svg}, {"png", EPictureFormat::Png}},
@@ -46,9 +47,9 @@ void AddOptions(CLI::App& command, Options& options)
     AddLimit(command, "--limit", options.limit, "Subjects drawn at most")->default_str("100");
 }
 
-Picture Run(const Options& options, const CommandContext& /*context*/)
+Picture Run(const Options& options, const CommandContext& context)
 {
-    const ToolModel model = OpenModel(options.model);
+    const ToolModel model = OpenModelWithNotes(options.model, context);
     const std::vector<amd_id> around = BlameArguments([&] {
         NameResolver names(*model.model);
         std::vector<amd_id> found = names.ResolveSubjects("--around", options.around);
