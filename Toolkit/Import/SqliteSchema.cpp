@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <sqlite3.h>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -144,6 +145,29 @@ private:
     DatabaseSchema mSchema;
 };
 
+DatabaseSchema ReadOpened(const SqliteDatabase& database, const ProgressObserver& observer)
+{
+    return ReadSqliteSchema({&database, 1}, observer);
+}
+
+/// A database with a log of changes (WAL) needs files beside it even to be read. Where they cannot
+/// be made, and there is no log, nobody changes it.
+DatabaseSchema ReadFile(const std::filesystem::path& path, const ProgressObserver& observer)
+{
+    try {
+        return ReadOpened(SqliteDatabase::OpenFile(path), observer);
+    } catch (const SqliteError& error) {
+        std::error_code missing;
+        if (error.GetCode() != SQLITE_CANTOPEN || !std::filesystem::exists(path, missing))
+            throw;
+        if (std::filesystem::exists(path.string() + "-wal", missing))
+            throw SqliteError("it is in WAL mode, in a folder that cannot be written; copy it, with "
+                              "the files beside it, to another folder",
+                              error.GetOffset(), error.GetCode());
+        return ReadOpened(SqliteDatabase::OpenUnchangingFile(path), observer);
+    }
+}
+
 } // namespace
 
 DatabaseSchema ReadSqliteSchema(std::span<const SqliteDatabase> databases,
@@ -158,8 +182,7 @@ DatabaseSchema ReadSqliteFile(const std::filesystem::path& path, const ProgressO
     if (std::filesystem::is_directory(path, failure))
         throw InputError({{path.string(), "is a folder, not a database"}});
     try {
-        const SqliteDatabase database = SqliteDatabase::OpenFile(path);
-        DatabaseSchema schema = ReadSqliteSchema({&database, 1}, observer);
+        DatabaseSchema schema = ReadFile(path, observer);
         schema.name = path.stem().string();
         return schema;
     } catch (const SqliteError& error) {

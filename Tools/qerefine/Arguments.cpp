@@ -26,14 +26,6 @@ bool IsRolesValue(const std::string& argument)
     return !model::NearestNames(argument, {"plain", "shortcuts"}).empty();
 }
 
-std::vector<std::string> ListCommands(const CLI::App& app)
-{
-    std::vector<std::string> names;
-    for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; }))
-        names.push_back(command->get_name());
-    return names;
-}
-
 std::vector<std::string> ListOptions(const CLI::App& command)
 {
     std::vector<std::string> names;
@@ -81,6 +73,19 @@ CommandStart ReadCommand(const CLI::App& app, const std::vector<std::string>& ar
 }
 
 } // namespace
+
+std::vector<std::string> ListCommands(const CLI::App& app)
+{
+    std::vector<std::string> names;
+    for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; }))
+        names.push_back(command->get_name());
+    return names;
+}
+
+const CLI::App& FindCommand(const CLI::App& app, const std::vector<std::string>& words)
+{
+    return *ReadCommand(app, words).command;
+}
 
 std::vector<std::string> PrepareArguments(std::vector<std::string> arguments)
 {

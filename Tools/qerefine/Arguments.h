@@ -17,6 +17,13 @@ namespace qe::tool {
 /// take them for lists, and "--roles" gets its value where that is left out.
 [[nodiscard]] std::vector<std::string> PrepareArguments(std::vector<std::string> arguments);
 
+/// Returns the command that the words name, as far as they do.
+[[nodiscard]] const CLI::App& FindCommand(const CLI::App& app,
+                                          const std::vector<std::string>& words);
+
+/// Returns the names of the commands below.
+[[nodiscard]] std::vector<std::string> ListCommands(const CLI::App& app);
+
 /// Lets all options of the commands, which are added already, take the marks away again.
 void RemoveMarks(CLI::App& app);
 

@@ -222,11 +222,15 @@ void AddEvaluateCommand(const CommandLine& line);
 // Models from elsewhere.
 void AddImportCommand(const CommandLine& line);
 
+// The shell.
+void AddCompletionCommand(const CommandLine& line);
+
 /// All commands, in the order of the help.
 inline constexpr std::array kCommands{
     AddPathCommand,  AddBestCommand,     AddSubjectsCommand,  AddBetweenCommand,
     AddTreeCommand,  AddFactsCommand,    AddShortcutsCommand, AddBatchCommand,
     AddCheckCommand, AddEvaluateCommand, AddImportCommand,    AddShowCommand,
+    AddCompletionCommand,
 };
 
 } // namespace qe::tool

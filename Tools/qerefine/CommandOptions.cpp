@@ -17,7 +17,20 @@ std::string FindCountFault(const std::string& text)
     return text.starts_with('-') ? "must be 0 or more: " + text : std::string();
 }
 
+/// Lets "-" stand for the standard input.
+std::string NameStandardInput(std::string& path)
+{
+    if (path == "-")
+        path = "/dev/stdin";
+    return {};
+}
+
 } // namespace
+
+void AcceptStandardInput(CLI::Option& option)
+{
+    option.transform(CLI::Validator(NameStandardInput, ""));
+}
 
 void RejectNegative(CLI::Option& option)
 {
@@ -51,7 +64,12 @@ CLI::Option* AddReportFormat(CLI::App& command, EReportFormat& format,
 CLI::Option* AddModelPath(CLI::App& command, std::filesystem::path& path,
                           const std::string& description)
 {
-    return command.add_option("MODEL", path, description)->type_name("")->required();
+    CLI::Option* const option =
+        command.add_option("MODEL", path, description + "; \"-\" is standard input")
+            ->type_name("")
+            ->required();
+    AcceptStandardInput(*option);
+    return option;
 }
 
 CLI::Option* AddRoles(CLI::App& command, ERoles& roles)

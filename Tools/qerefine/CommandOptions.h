@@ -51,6 +51,9 @@ CLI::Option* AddChoice(CLI::App& command, const std::string& option, T& chosen,
         ->check(CLI::IsMember(names).description(""));
 }
 
+/// Lets "-" stand for the standard input.
+void AcceptStandardInput(CLI::Option& option);
+
 /// Lets the number of an option not be negative.
 void RejectNegative(CLI::Option& option);
 

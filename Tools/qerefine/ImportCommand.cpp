@@ -21,7 +21,9 @@ struct Options
 
 void AddOptions(CLI::App& command, Options& options)
 {
-    command.add_option("FILE", options.files, "What to read")->required();
+    AcceptStandardInput(*command.add_option("FILE", options.files, "What to read")
+                             ->required()
+                             ->type_name(""));
     AddRoles(command, options.import.roles);
 }
 

@@ -4,6 +4,7 @@
 #include "Toolkit/Text/InputFile.h"
 #include "Tools/qerefine/Arguments.h"
 #include "Tools/qerefine/Command.h"
+#include "Tools/qerefine/Completion.h"
 #include "Tools/qerefine/StandardStreams.h"
 
 #include <CLI/CLI.hpp>
@@ -32,6 +33,22 @@ void WriteProblems(std::ostream& error, const InputError& problems)
     }
 }
 
+/// What the scripts of shells ask with; people do not.
+constexpr const char* kCompletingCommand = "complete";
+
+/// Writes a word a line.
+void WriteCompletion(const CLI::App& app, const std::vector<std::string>& words,
+                     std::ostream& output)
+{
+    const Completion completion = CompleteWord(app, words);
+    for (const std::string& word : completion.words) {
+        if (word.find('\n') == std::string::npos)
+            output << word << '\n';
+    }
+    if (completion.takesFiles)
+        output << ":files\n";
+}
+
 /// Parses the arguments, which runs the command that they name.
 EExitCode Parse(const std::vector<std::string>& arguments, const CommandContext& context)
 {
@@ -41,6 +58,10 @@ EExitCode Parse(const std::vector<std::string>& arguments, const CommandContext&
     EExitCode exitCode = EExitCode::Done;
     for (const auto addCommand : kCommands)
         addCommand({.app = app, .context = context, .exitCode = exitCode});
+    if (!arguments.empty() && arguments.front() == kCompletingCommand) {
+        WriteCompletion(app, {arguments.begin() + 1, arguments.end()}, context.output);
+        return EExitCode::Done;
+    }
     try {
         RemoveMarks(app);
         std::vector<std::string> prepared = PrepareArguments(arguments);
