@@ -37,9 +37,8 @@ AnswerError ToAnswerError(const HBNException& exception)
     for (const HBNMessage& message : exception.GetMessages())
         error.messages.push_back(ToAnswerMessage(message));
     // What an exception says of itself is meant for the log.
-    error.text = error.messages.empty()
-                     ? exception.what()
-                     : JoinTexts(error.messages, &AnswerMessage::text, " ");
+    error.text = error.messages.empty() ? exception.what()
+                                        : JoinTexts(error.messages, &AnswerMessage::text, " ");
     return error;
 }
 

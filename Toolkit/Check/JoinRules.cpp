@@ -139,8 +139,7 @@ RuleFindings FindManyToManyJoins(const ModelGraph& model, const CheckLimits& lim
 {
     RuleFindings found;
     for (const ModelJoin& join : model.GetJoins()) {
-        const bool isManyToMany =
-            IsToMany(join.leftCardinality) && IsToMany(join.rightCardinality);
+        const bool isManyToMany = IsToMany(join.leftCardinality) && IsToMany(join.rightCardinality);
         if (!isManyToMany || MissesKeys(model, join))
             continue;
         Record(found, limits, [&] {

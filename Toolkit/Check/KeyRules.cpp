@@ -114,9 +114,9 @@ Finding Describe(const ModelGraph& model, const ModelJoin& join, const JoinKeys&
             .text = "The join " + name + " finds rows of " + subject + " by " +
                     JoinTexts(end.items) + ", which hold none of its keys: one row of " + other +
                     " may meet several" + (end.isToMany ? "." : ", though the join counts on one."),
-            .advice = "Compare all items of a key of " + subject +
-                      (end.isToMany ? ", or sum before joining."
-                                    : ", or set the cardinality to many.")};
+            .advice =
+                "Compare all items of a key of " + subject +
+                (end.isToMany ? ", or sum before joining." : ", or set the cardinality to many.")};
 }
 
 } // namespace

@@ -104,11 +104,11 @@ struct Rule
 /// longer ambiguous paths all come from such pairs. Nearest pairs first. Takes the time of a
 /// bounded search from each subject.
 [[nodiscard]] RuleFindings FindAmbiguousPaths(const ModelGraph& model, const CheckLimits& limits);
-/// Joins that compare items which are no key of an end that needs one. Takes the time of reading all
-/// conditions.
+/// Joins that compare items which are no key of an end that needs one. Takes the time of reading
+/// all conditions.
 [[nodiscard]] RuleFindings FindJoinsWithoutKeys(const ModelGraph& model, const CheckLimits& limits);
-/// Joins with many rows at both ends, but for those that FindJoinsWithoutKeys explains. Takes linear
-/// time.
+/// Joins with many rows at both ends, but for those that FindJoinsWithoutKeys explains. Takes
+/// linear time.
 [[nodiscard]] RuleFindings FindManyToManyJoins(const ModelGraph& model, const CheckLimits& limits);
 /// Subjects at which the rows of two facts meet: a path from one fact to the other over them
 /// multiplies the rows of both. Takes the time of a search from each subject over to-many joins.

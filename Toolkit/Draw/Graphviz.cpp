@@ -73,7 +73,8 @@ bool WaitFor(ChildProcess& child, const DrawingWait& wait)
     const std::optional<bool> endedWell = child.Wait(wait.limit, [&] {
         const auto time = duration_cast<seconds>(Clock::now() - begin).count();
         if (wait.observer)
-            wait.observer({.count = static_cast<std::uint64_t>(time), .unit = "seconds of drawing"});
+            wait.observer(
+                {.count = static_cast<std::uint64_t>(time), .unit = "seconds of drawing"});
     });
     if (!endedWell)
         Fail("The drawing was given up after " +
@@ -94,9 +95,8 @@ std::string RunGraphviz(const std::string& dot, EImage image, const DrawingWait&
         Fail("The graph cannot be handed to dot");
     std::rewind(input.get());
     try {
-        ChildProcess child(
-            MakeArguments(image),
-            {.input = input.get(), .output = output.get(), .errors = errors.get()});
+        ChildProcess child(MakeArguments(image),
+                           {.input = input.get(), .output = output.get(), .errors = errors.get()});
         const bool endedWell = WaitFor(child, wait);
         std::string drawn = ReadAll(output.get());
         if (!endedWell || drawn.empty())

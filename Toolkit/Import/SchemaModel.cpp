@@ -123,8 +123,7 @@ private:
         const SchemaTable& parent = mSchema.tables[key.target];
         const KeyGroup& group = mGroups[{position, key.target}];
         const bool isSelf = position == key.target;
-        const bool hasRoles =
-            mOptions.roles == ERoles::Shortcuts && (isSelf || group.count > 1);
+        const bool hasRoles = mOptions.roles == ERoles::Shortcuts && (isSelf || group.count > 1);
         const std::string ends = table.title + "-" + parent.title;
         const std::string columns = " (" + JoinTexts(TitlesOf(table, key.from)) + ")";
         if (!hasRoles || (!isSelf && group.main == keyPosition))

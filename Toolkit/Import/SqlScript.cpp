@@ -58,9 +58,8 @@ DatabaseSchema ReadSqlTexts(const std::vector<SqlText>& texts, const ProgressObs
     ScriptDatabase database;
     for (const SqlText& script : texts) {
         if (script.text.find('\0') != std::string::npos)
-            throw InputError(
-                {{DescribePlace(script.file, script.text, script.text.find('\0')),
-                  "a zero byte stands here; not valid SQL"}});
+            throw InputError({{DescribePlace(script.file, script.text, script.text.find('\0')),
+                               "a zero byte stands here; not valid SQL"}});
         Execute(database, script.file, script.text, observer);
     }
     const std::string name = texts.empty() ? std::string() : texts.front().file.stem().string();

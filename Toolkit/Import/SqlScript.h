@@ -23,9 +23,9 @@ struct SqlText
 [[nodiscard]] DatabaseSchema ReadSqlTexts(const std::vector<SqlText>& texts,
                                           const ProgressObserver& observer = {});
 
-/// Does so for files; returns what the database declares that the statements of the files create, run one file after
-/// the other in an empty database in memory. It is called after the first file. Throws an
-/// InputError with file, line and column when a statement is wrong.
+/// Does so for files; returns what the database declares that the statements of the files create,
+/// run one file after the other in an empty database in memory. It is called after the first file.
+/// Throws an InputError with file, line and column when a statement is wrong.
 [[nodiscard]] DatabaseSchema ReadSqlScripts(const std::vector<std::filesystem::path>& paths,
                                             const ProgressObserver& observer = {});
 

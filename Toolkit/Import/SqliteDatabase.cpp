@@ -26,8 +26,8 @@ constexpr int kMostSecondsLocked = 5;
     if (code == SQLITE_INTERRUPT)
         text = "the statement takes too long";
     if (code == SQLITE_BUSY || code == SQLITE_LOCKED)
-        text = "another program has locked it for more than " +
-               std::to_string(kMostSecondsLocked) + " seconds; try again when it is done";
+        text = "another program has locked it for more than " + std::to_string(kMostSecondsLocked) +
+               " seconds; try again when it is done";
     throw SqliteError(text, sqlite3_error_offset(database), code);
 }
 

@@ -89,9 +89,8 @@ private:
         query.Bind(1, table.name);
         while (query.Next()) {
             const std::int64_t keyPosition = query.GetNumber(2);
-            table.columns.push_back(
-                {.name = query.GetText(0),
-                 .isNotNull = query.GetNumber(1) != 0 || keyPosition != 0});
+            table.columns.push_back({.name = query.GetText(0),
+                                     .isNotNull = query.GetNumber(1) != 0 || keyPosition != 0});
             if (keyPosition != 0)
                 primaryKey[keyPosition] = query.GetText(0);
         }
@@ -161,9 +160,10 @@ DatabaseSchema ReadFile(const std::filesystem::path& path, const ProgressObserve
         if (error.GetCode() != SQLITE_CANTOPEN || !std::filesystem::exists(path, missing))
             throw;
         if (std::filesystem::exists(path.string() + "-wal", missing))
-            throw SqliteError("it is in WAL mode, in a folder that cannot be written; copy it, with "
-                              "the files beside it, to another folder",
-                              error.GetOffset(), error.GetCode());
+            throw SqliteError(
+                "it is in WAL mode, in a folder that cannot be written; copy it, with "
+                "the files beside it, to another folder",
+                error.GetOffset(), error.GetCode());
         return ReadOpened(SqliteDatabase::OpenUnchangingFile(path), observer);
     }
 }

@@ -247,7 +247,7 @@ void ContentReader::ReadKey(const PlacedJson& json, std::size_t subject)
                            model::NearestNames(*name, items));
         key.push_back(*name);
     }
-    if (key.empty() && !mProblems->IsReported(json.pointer))
+    if (json.value->is_array() && json.value->empty())
         mProblems->Add(json.pointer, "must name an item");
     mContent.objects[subject].options.keys.push_back(std::move(key));
 }

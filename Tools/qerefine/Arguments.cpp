@@ -42,7 +42,8 @@ std::vector<std::string> FindNearest(std::string_view wrong, const std::vector<s
 /// Returns the command of that name; null when there is none.
 const CLI::App* FindNext(const CLI::App& app, const std::string& name)
 {
-    for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    for (const CLI::App* const command :
+         app.get_subcommands([](const CLI::App*) { return true; })) {
         if (command->get_name() == name)
             return command;
     }

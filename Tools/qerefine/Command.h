@@ -227,9 +227,9 @@ void AddCompletionCommand(const CommandLine& line);
 
 /// All commands, in the order of the help.
 inline constexpr std::array kCommands{
-    AddPathCommand,  AddBestCommand,     AddSubjectsCommand,  AddBetweenCommand,
-    AddTreeCommand,  AddFactsCommand,    AddShortcutsCommand, AddBatchCommand,
-    AddCheckCommand, AddEvaluateCommand, AddImportCommand,    AddShowCommand,
+    AddPathCommand,       AddBestCommand,     AddSubjectsCommand,  AddBetweenCommand,
+    AddTreeCommand,       AddFactsCommand,    AddShortcutsCommand, AddBatchCommand,
+    AddCheckCommand,      AddEvaluateCommand, AddImportCommand,    AddShowCommand,
     AddCompletionCommand,
 };
 

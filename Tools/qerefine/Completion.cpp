@@ -109,8 +109,7 @@ Completion CompletePositional(const Line& line)
         const bool takesAll = option->get_items_expected_max() > 1;
         if (takesAll || position++ == line.GetValues().size()) {
             const bool isChoice = option->get_type_name().find('|') != std::string::npos;
-            return CompleteValue(line, isChoice ? option->get_type_name()
-                                                : option->get_name(true));
+            return CompleteValue(line, isChoice ? option->get_type_name() : option->get_name(true));
         }
     }
     return {};

@@ -21,9 +21,8 @@ struct Options
 
 void AddOptions(CLI::App& command, Options& options)
 {
-    AcceptStandardInput(*command.add_option("FILE", options.files, "What to read")
-                             ->required()
-                             ->type_name(""));
+    AcceptStandardInput(
+        *command.add_option("FILE", options.files, "What to read")->required()->type_name(""));
     AddRoles(command, options.import.roles);
 }
 
