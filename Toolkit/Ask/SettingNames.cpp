@@ -29,6 +29,7 @@ std::vector<std::string> FindNearest(std::string_view name)
     if (!nearest.empty())
         return nearest;
     std::vector<std::string_view> keys;
+    keys.reserve(names.size());
     for (const std::string_view known : names)
         keys.push_back(KeyOf(known));
     for (const std::string& key : model::NearestNames(KeyOf(name), keys)) {
@@ -59,8 +60,9 @@ void CheckSettingsFile()
     std::error_code failure;
     if (!path.empty() && !std::filesystem::exists(path, failure))
         throw InputError({{"QEREFINER_SETTINGS", "there is no such file: " + path}});
+    const std::string place = path.empty() ? "settings.ini" : path;
     for (const auto& [section, key] : GetSettingsInFile())
-        CheckSettingName(path.empty() ? "settings.ini" : path, section + '/' + key);
+        CheckSettingName(place, std::string(section).append("/").append(key));
 }
 
 } // namespace qe::tool

@@ -15,6 +15,7 @@
 #include <istream>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
@@ -96,6 +97,8 @@ public:
             Answer(line, entry);
         } catch (const InputError& error) {
             entry.outcome = error;
+        } catch (const std::bad_alloc&) {
+            entry.outcome = InternalFailure{"out of memory while finding the answer"};
         } catch (const std::exception& error) {
             entry.outcome = InternalFailure{error.what()};
         }

@@ -82,6 +82,7 @@ public:
     [[nodiscard]] pid_t Start(std::vector<std::string>& arguments) const
     {
         std::vector<char*> pointers;
+        pointers.reserve(arguments.size() + 1);
         for (std::string& argument : arguments)
             pointers.push_back(argument.data());
         pointers.push_back(nullptr);

@@ -80,7 +80,7 @@ void GiveTitles(DatabaseSchema& schema)
         std::string title = Repair(table.name, "table", i);
         const bool isShared = !titles.IsFree(title);
         if (isShared && !table.space.empty())
-            title = ToValidText(table.space) + '.' + title;
+            title.insert(0, ToValidText(table.space) + '.');
         table.title = titles.Take(title);
         if (isShared)
             Note(schema, "a table whose name another one has", table.title);

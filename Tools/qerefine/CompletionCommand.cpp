@@ -11,7 +11,7 @@ namespace {
 // Each script asks the tool what the words that are typed so far may become: a word a line, and
 // ":files" where files will do.
 
-constexpr const char* kBash = R"(# bash completion for qerefine
+constexpr const char* kBash = R"sh(# bash completion for qerefine
 _qerefine()
 {
     local words=("${COMP_WORDS[@]:1:COMP_CWORD}") current word
@@ -28,9 +28,9 @@ _qerefine()
     done < <("${COMP_WORDS[0]}" complete "${words[@]}" 2>/dev/null)
 }
 complete -F _qerefine qerefine
-)";
+)sh";
 
-constexpr const char* kZsh = R"(#compdef qerefine
+constexpr const char* kZsh = R"sh(#compdef qerefine
 _qerefine()
 {
     local word
@@ -45,9 +45,9 @@ _qerefine()
     compadd -a candidates
 }
 compdef _qerefine qerefine
-)";
+)sh";
 
-constexpr const char* kFish = R"(# fish completion for qerefine
+constexpr const char* kFish = R"sh(# fish completion for qerefine
 function __qerefine_complete
     set -l words (commandline -opc) (commandline -ct)
     for word in ($words[1] complete $words[2..-1] 2>/dev/null)
@@ -59,7 +59,7 @@ function __qerefine_complete
     end
 end
 complete -c qerefine -f -a '(__qerefine_complete)'
-)";
+)sh";
 
 struct Options
 {
