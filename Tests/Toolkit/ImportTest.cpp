@@ -179,6 +179,8 @@ TEST(Import, SaysWhatAFileIsInstead)
     EXPECT_THAT(mistakes([&] { (void)ImportSql({model}, {}); }), HasSubstr("a model file already"));
     EXPECT_THAT(mistakes([&] { (void)ImportSqlite(model, {}); }),
                 HasSubstr("a model file already"));
+    EXPECT_THAT(mistakes([&] { (void)ImportSqlite(folder.Write("t.db", "CREATE"), {}); }),
+                HasSubstr("a text, not an SQLite database"));
     EXPECT_THAT(mistakes([&] { (void)ImportSql({database}, {}); }), HasSubstr("import sqlite"));
 }
 

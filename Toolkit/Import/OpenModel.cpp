@@ -50,6 +50,12 @@ bool IsSql(std::string_view start)
     return start.find('\0') == std::string_view::npos;
 }
 
+/// SQLite takes an empty file for an empty database.
+bool IsText(std::string_view start)
+{
+    return !start.empty() && IsSql(start);
+}
+
 ToolModel OpenModelFile(const std::filesystem::path& path, const ImportOptions&)
 {
     return ReadModelFile(path);
@@ -110,6 +116,7 @@ ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& opti
 ToolModel ImportSqlite(const std::filesystem::path& path, const ImportOptions& options)
 {
     RejectFormat(path, StartsModelFile, "is a model file already, not a database");
+    RejectFormat(path, IsText, "is a text, not an SQLite database: take \"import sql\" for SQL");
     return MakeModel(ReadSqliteFile(path, options.observer), options);
 }
 

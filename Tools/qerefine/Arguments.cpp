@@ -1,6 +1,7 @@
 #include "Tools/qerefine/Arguments.h"
 
 #include "Engine/Model/Names.h"
+#include "Engine/Services/Characters.h"
 
 #include <CLI/CLI.hpp>
 
@@ -15,9 +16,10 @@ namespace {
 /// No name and no path ends so.
 constexpr char kMark = '\x01';
 
+/// Numbers may be below 0.
 bool IsOption(const std::string& argument)
 {
-    return argument.size() > 1 && argument.front() == '-';
+    return argument.size() > 1 && argument.front() == '-' && !ascii::IsDigit(argument[1]);
 }
 
 /// A word that is near to one of the values is one that was mistyped.
