@@ -5,6 +5,7 @@
 #include "Toolkit/Check/CheckReport.h"
 #include "Toolkit/Check/ModelGraph.h"
 #include "Toolkit/Check/Rules.h"
+#include "Toolkit/Model/ModelFile.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>
@@ -35,6 +36,33 @@ std::string Summarize(const CheckReport& report)
         }
     }
     return summary;
+}
+
+TEST(CheckRules, CompareJoinsWithKeys)
+{
+    const struct
+    {
+        const char* keys;
+        const char* cardinality;
+        const char* findings;
+    } cases[] = {
+        {R"([["a"]])", "0..1", ""},
+        {R"([["b"], ["a"]])", "0..1", ""},
+        {R"([["a", "b"]])", "0..1", "not-unique: j"},
+        {R"([["a", "b"]])", "0..n", "not-unique: j"},
+        {R"([["b"]])", "1..1", "not-unique: j"},
+        {"[]", "0..1", ""},
+        {"[]", "0..n", "many-to-many: j"},
+        {R"([["a"]])", "0..n", "many-to-many: j"},
+    };
+    for (const auto& test : cases) {
+        const std::string model =
+            std::string(R"({"subjects": [{"name": "f", "items": ["a"]}, {"name": "p", "items":)") +
+            R"( ["a", "b"], "keys": )" + test.keys + R"(}], "relationships": [{"name": "j", )" +
+            R"("left": "f", "leftCardinality": "0..n", "right": "p", "rightCardinality": ")" +
+            test.cardinality + R"(", "condition": "[f].[a] = [p].[a]"}]})";
+        EXPECT_EQ(Summarize(CheckModel(ReadModelText(model, "m"), {})), test.findings) << model;
+    }
 }
 
 TEST(CheckRules, FindWhatIsWrong)

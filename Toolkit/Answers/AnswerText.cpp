@@ -107,7 +107,10 @@ void TextAnswerWriter::Write()
 
 void TextAnswerWriter::WriteHeadline()
 {
-    if (mQuestion.operation == EOperation::JoinedSubjects) {
+    const bool asksForOne = mAnswer.terminals.size() == 1 && mAnswer.secondSet.empty();
+    if (asksForOne && mAnswer.connected && !mAnswer.error) {
+        mOut << "Nothing to join: " << Join(mAnswer.terminals) << " stands alone\n";
+    } else if (mQuestion.operation == EOperation::JoinedSubjects) {
         mOut << Count(mAnswer.joinedSubjects.size(), "joined subject", "joined subjects") << '\n';
     } else if (AsksForSeveral()) {
         mOut << Count(mAnswer.bestPaths.size(), "best path", "best paths");

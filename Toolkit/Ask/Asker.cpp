@@ -15,6 +15,7 @@
 #include "Toolkit/Ask/RequestBasis.h"
 #include "Toolkit/Ask/ResolvedQuestion.h"
 #include "Toolkit/Model/ToolModel.h"
+#include "Toolkit/Text/DisplayText.h"
 
 #include <cstdint>
 #include <functional>
@@ -35,10 +36,12 @@ AnswerError ToAnswerError(const HBNException& exception)
 {
     AnswerError error{.kind = AnswerError::EKind::Reported,
                       .severity = exception.GetSeverity(),
-                      .code = exception.GetCode(),
-                      .text = exception.what()};
+                      .code = exception.GetCode()};
     for (const HBNMessage& message : exception.GetMessages())
         error.messages.push_back(ToAnswerMessage(message));
+    // What an exception says of itself is meant for the log.
+    error.text = error.messages.empty() ? exception.what()
+                                        : JoinTexts(error.messages, &AnswerMessage::text, " ");
     return error;
 }
 

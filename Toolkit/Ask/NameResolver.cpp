@@ -128,6 +128,11 @@ InputProblem NameResolver::DescribeUnknown(EKind kind, const std::string& place,
     if (kind == EKind::Join)
         return {place, "The model has no join \"" + name + '"',
                 mModel.SuggestNames(ENameKind::Join, name)};
+    const std::vector<amd_id> items = mModel.FindByName(ENameKind::Item, name);
+    if (items.size() == 1)
+        return {place,
+                "A column is no query subject: \"" + name + '"',
+                {SubjectName(mModel, mModel.Find(items.front())->parent)}};
     return {place, "The model has no query subject or shortcut \"" + name + '"',
             mModel.SuggestNames(ENameKind::Subject, name)};
 }

@@ -16,6 +16,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
@@ -112,6 +113,8 @@ public:
             Answer(line, entry);
         } catch (const InputError& error) {
             entry.outcome = error;
+        } catch (const std::bad_alloc&) {
+            entry.outcome = InternalFailure{"out of memory while finding the answer"};
         } catch (const std::exception& error) {
             entry.outcome = InternalFailure{error.what()};
         }

@@ -136,7 +136,11 @@ struct Rule
 /// each.
 [[nodiscard]] RuleFindings FindUnfollowedDecisions(const ModelGraph& model,
                                                    const CheckLimits& limits);
-/// Joins with many rows at both ends. Takes linear time.
+/// Joins that compare items which are no key of an end that needs one. Takes the time of reading
+/// all conditions.
+[[nodiscard]] RuleFindings FindJoinsWithoutKeys(const ModelGraph& model, const CheckLimits& limits);
+/// Joins with many rows at both ends, but for those that FindJoinsWithoutKeys explains. Takes
+/// linear time.
 [[nodiscard]] RuleFindings FindManyToManyJoins(const ModelGraph& model, const CheckLimits& limits);
 /// Subjects at which the rows of two facts meet: a path from one fact to the other over them
 /// multiplies the rows of both. Takes the time of a search from each subject over to-many joins.
@@ -168,6 +172,9 @@ inline constexpr std::array kRules{
          "Decide for the subjects of both, or delete one of them."},
     Rule{"unfollowed-decision", ESeverity::Warning, FindUnfollowedDecisions,
          "The answers do not follow a decision", "Save the choice anew, or delete the decision."},
+    Rule{"not-unique", ESeverity::Warning, FindJoinsWithoutKeys,
+         "A join compares items that are no key of the end it takes for one row",
+         "Compare all items of a key, or set the cardinality to many."},
     Rule{"many-to-many", ESeverity::Warning, FindManyToManyJoins,
          "A join has many rows at both ends",
          "Put a bridge subject between them, or set the right cardinality."},

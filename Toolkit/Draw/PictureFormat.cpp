@@ -59,9 +59,9 @@ private:
 
 } // namespace
 
-std::string MakeSvg(const Picture& picture)
+std::string MakeSvg(const Picture& picture, const DrawingWait& wait)
 {
-    Titles titles(RunGraphviz(WriteDot(picture), EImage::Svg));
+    Titles titles(RunGraphviz(WriteDot(picture), EImage::Svg, wait));
     for (std::size_t i = 0; i < picture.nodes.size(); ++i)
         titles.Replace('n' + std::to_string(i), TitleOf(picture.nodes[i]));
     for (std::size_t i = 0; i < picture.edges.size(); ++i)

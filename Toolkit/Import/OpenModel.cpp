@@ -50,6 +50,12 @@ bool IsSql(std::string_view start)
     return start.find('\0') == std::string_view::npos;
 }
 
+/// SQLite takes an empty file for an empty database.
+bool IsText(std::string_view start)
+{
+    return !start.empty() && IsSql(start);
+}
+
 ToolModel OpenModelFile(const std::filesystem::path& path, const ImportOptions&)
 {
     return ReadModelFile(path);
@@ -65,13 +71,35 @@ constexpr std::array kFormats{ModelFormat{.matches = IsSqlite, .open = ImportSql
                               ModelFormat{.matches = StartsModelFile, .open = OpenModelFile},
                               ModelFormat{.matches = IsSql, .open = OpenSql}};
 
+/// A pipe can only be read once, so that all of it is read before it is known what it is.
+ToolModel OpenPipe(const std::filesystem::path& path, const ImportOptions& options)
+{
+    const std::string text = ReadInputFile(path);
+    if (text.empty())
+        throw InputError({{path.string(), "is empty"}});
+    if (StartsModelFile(text))
+        return ReadModelText(text, path.string());
+    if (IsSqlite(text))
+        throw InputError({{path.string(), "an SQLite database cannot be read from a pipe"}});
+    return MakeModel(ReadSqlTexts({{path, text}}, options.observer), options);
+}
+
+/// Throws an InputError when the file is clearly of another kind than a command takes it for.
+void RejectFormat(const std::filesystem::path& path, bool (*matches)(std::string_view start),
+                  const char* text)
+{
+    std::error_code error;
+    if (std::filesystem::is_regular_file(path, error) && matches(ReadInputStart(path, kStartSize)))
+        throw InputError({{path.string(), text}});
+}
+
 } // namespace
 
 ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& options)
 {
     std::error_code error;
     if (std::filesystem::exists(path, error) && std::filesystem::is_other(path, error))
-        return ReadModelFile(path);
+        return OpenPipe(path, options);
 
     const std::string start = ReadInputStart(path, kStartSize);
     if (start.empty())
@@ -94,11 +122,17 @@ bool IsModelFile(const std::filesystem::path& path)
 
 ToolModel ImportSqlite(const std::filesystem::path& path, const ImportOptions& options)
 {
+    RejectFormat(path, StartsModelFile, "is a model file already, not a database");
+    RejectFormat(path, IsText, "is a text, not an SQLite database: take \"import sql\" for SQL");
     return MakeModel(ReadSqliteFile(path, options.observer), options);
 }
 
 ToolModel ImportSql(const std::vector<std::filesystem::path>& paths, const ImportOptions& options)
 {
+    for (const std::filesystem::path& path : paths) {
+        RejectFormat(path, StartsModelFile, "is a model file already, not SQL");
+        RejectFormat(path, IsSqlite, "is an SQLite database, not SQL: take \"import sqlite\"");
+    }
     return MakeModel(ReadSqlScripts(paths, options.observer), options);
 }
 

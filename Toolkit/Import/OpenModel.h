@@ -11,8 +11,8 @@ namespace qe::tool {
 
 /// Returns the model of whatever the file holds: an SQLite database, a model file (its first
 /// character is "{" or "["), else SQL statements that create tables. The name of the file does not
-/// matter. What is no regular file, such as a pipe, must hold a model file. Throws an InputError
-/// when it cannot be read.
+/// matter. What is no regular file, such as a pipe, holds no database. Throws an InputError when it
+/// cannot be read.
 [[nodiscard]] ToolModel OpenModel(const std::filesystem::path& path,
                                   const ImportOptions& options = {});
 

@@ -3,11 +3,14 @@
 #include "Engine/Model/Names.h"
 #include "Toolkit/Model/ModelWords.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace qe::tool {
 namespace {
@@ -265,6 +268,7 @@ void ContentReader::ReadSubject(const PlacedJson& json, std::size_t parent)
     JsonObject object(json, *mProblems);
     const std::size_t position = Add(object, IdClassQuerySubject, parent);
     mContent.objects[position].options.source = object.GetText(keys::kTable);
+    const std::vector<PlacedJson> keys = object.GetList(keys::kKeys);
     for (const PlacedJson& element : object.GetList(keys::kItems)) {
         if (ReadPlainName(element, IdClassQueryItem, position))
             continue;
@@ -272,7 +276,29 @@ void ContentReader::ReadSubject(const PlacedJson& json, std::size_t parent)
         Add(item, IdClassQueryItem, position);
         item.RejectUnknownKeys();
     }
+    for (const PlacedJson& key : keys)
+        ReadKey(key, position);
     object.RejectUnknownKeys();
+}
+
+void ContentReader::ReadKey(const PlacedJson& json, std::size_t subject)
+{
+    std::vector<std::string_view> items;
+    for (std::size_t i = subject + 1; i < mContent.objects.size(); ++i)
+        items.emplace_back(mContent.objects[i].name);
+    std::vector<std::string> key;
+    for (const PlacedJson& element : ReadList(json, *mProblems)) {
+        const std::optional<std::string> name = ReadText(element, *mProblems);
+        if (!name)
+            continue;
+        if (std::find(items.begin(), items.end(), *name) == items.end())
+            mProblems->Add(element.pointer, "is no item of the query subject: \"" + *name + '"',
+                           model::NearestNames(*name, items));
+        key.push_back(*name);
+    }
+    if (json.value->is_array() && json.value->empty())
+        mProblems->Add(json.pointer, "must name an item");
+    mContent.objects[subject].options.keys.push_back(std::move(key));
 }
 
 void ContentReader::ReadShortcut(const PlacedJson& json, std::size_t parent)

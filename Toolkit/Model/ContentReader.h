@@ -118,6 +118,8 @@ private:
 
     void ReadContainer(const PlacedJson& json, std::int32_t classCode, std::size_t parent);
     void ReadSubject(const PlacedJson& json, std::size_t parent);
+    /// Items are read already.
+    void ReadKey(const PlacedJson& json, std::size_t subject);
     void ReadShortcut(const PlacedJson& json, std::size_t parent);
     void ReadJoin(const PlacedJson& json, std::int32_t classCode, std::size_t parent);
     void ReadRelationship(const PlacedJson& json, std::size_t parent);

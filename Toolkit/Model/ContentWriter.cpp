@@ -148,6 +148,8 @@ void ContentWriter::WriteSubject(const Record& record, ordered_json& json)
         json[keys::kItems].push_back(isMereName ? ordered_json(item[keys::kName])
                                                 : std::move(item));
     }
+    if (!record.keys.empty())
+        json[keys::kKeys] = record.keys;
 }
 
 void ContentWriter::WriteJoin(const Record& record, ordered_json& json) const

@@ -41,6 +41,7 @@ inline constexpr const char* kClass = "class";
 inline constexpr const char* kDisplayName = "displayName";
 inline constexpr const char* kTable = "table";
 inline constexpr const char* kItems = "items";
+inline constexpr const char* kKeys = "keys";
 inline constexpr const char* kKind = "kind";
 inline constexpr const char* kTarget = "target";
 inline constexpr const char* kLeft = "left";

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <optional>
 #include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -73,8 +74,47 @@ void AddAnswerOptions(CLI::App& command, AskOptions& options)
     AddRiskOptions(command, options.risks, kOutputGroup);
 }
 
+/// Throws CLI::ValidationError for options that would be without effect.
+void CheckSqlOptions(const AskOptions& options)
+{
+    if (options.format->name == "sql" || options.format->name == "html")
+        return;
+    const SqlOptions& sql = options.output.sql;
+    const auto reject = [](const char* option) {
+        throw CLI::ValidationError(option, "needs --format sql or html, which hold SQL");
+    };
+    if (sql.select == SqlOptions::ESelect::FirstItems)
+        reject("--select");
+    if (sql.outerJoins == SqlOptions::EOuterJoins::Never)
+        reject("--inner");
+    if (!options.start.empty())
+        reject("--start");
+}
+
+/// Returns the subject that SQL is to begin with. Throws InputError unless the answer has it.
+amd_id FindStart(const model::Model& model, const Answer& answer, const std::string& start)
+{
+    NameResolver names(model);
+    const std::vector<amd_id> found = names.ResolveSubjects("--start", {start});
+    names.ThrowProblems();
+    std::set<amd_id> touched(answer.terminals.begin(), answer.terminals.end());
+    touched.insert(answer.secondSet.begin(), answer.secondSet.end());
+    const std::vector<amd_id>& path =
+        answer.path.empty() && !answer.bestPaths.empty() ? answer.bestPaths.front() : answer.path;
+    for (const amd_id& id : path) {
+        if (const AnswerJoin* const join = answer.FindJoin(id))
+            touched.insert({join->left, join->right});
+    }
+    if (touched.count(found.front()) == 0)
+        throw InputError(
+            {{"--start", "The path does not touch \"" + start + "\"; it touches " +
+                             JoinTexts(SubjectNames(model, {touched.begin(), touched.end()}))}});
+    return found.front();
+}
+
 AskResult Run(const AskOptions& options, const CommandContext& context)
 {
+    CheckSqlOptions(options);
     CheckSaveOptions(options.save, options.asked.model);
     const NoticeContext notices(options.risks, context);
     AskResult result{.model = OpenModel(options.asked, notices.Get()), .output = options.output};
@@ -83,12 +123,8 @@ AskResult Run(const AskOptions& options, const CommandContext& context)
     result.question = MakeQuestion(options.asked, context);
     result.answer = BlameArguments([&] { return Ask(result.model, result.question); });
     if (!options.start.empty())
-        BlameArguments([&] {
-            NameResolver names(*result.model.model);
-            const std::vector<amd_id> found = names.ResolveSubjects("--start", {options.start});
-            names.ThrowProblems();
-            result.output.sql.start = found.front();
-        });
+        result.output.sql.start = BlameArguments(
+            [&] { return FindStart(*result.model.model, result.answer, options.start); });
     if (options.save.scope && result.answer.connected)
         result.saved = PrepareSave(options.asked.model, {.model = result.model,
                                                          .question = result.question,

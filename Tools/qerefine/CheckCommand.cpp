@@ -88,10 +88,11 @@ void AddSearchLimits(CLI::App& command, CheckLimits& limits)
                     "Longest ambiguous paths that are looked for, in joins")
         ->check(CLI::Range(1, 100))
         ->capture_default_str();
-    command
-        .add_option("--path-steps", limits.pathSteps,
-                    "Where the search for ambiguous paths gives up, in joins passed")
-        ->capture_default_str();
+    RejectNegative(
+        *command
+             .add_option("--path-steps", limits.pathSteps,
+                         "Where the search for ambiguous paths gives up, in joins passed")
+             ->capture_default_str());
 }
 
 void AddOptions(CLI::App& command, Options& options)

@@ -92,6 +92,9 @@ void AddRequestOptions(CLI::App& command, RequestOptions& options)
 /// Throws InputError.
 Question PrepareDefaults(const RequestOptions& options)
 {
+    if (options.model.path == "/dev/stdin" && options.requests == "-")
+        throw CLI::ValidationError("REQUESTS",
+                                   "standard input can only be read once, and MODEL is read first");
     Question question;
     try {
         question = ReadDefaults(options.defaults);
