@@ -163,7 +163,9 @@ const std::vector<std::uint32_t>& CandidateJoins::OrderNames()
 {
     if (mPlaceOfName.size() == mJoins.size())
         return mPlaceOfName;
-    const auto getName = [this](std::uint32_t number) { return mJoins[number].name->View(); };
+    const auto getName = [this](std::uint32_t number) -> const I18NString& {
+        return *mJoins[number].name;
+    };
     std::vector<std::uint32_t> order(mJoins.size());
     std::iota(order.begin(), order.end(), 0U);
     std::ranges::sort(order, {}, getName);

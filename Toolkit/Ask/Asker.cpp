@@ -340,7 +340,7 @@ void Asker::LeaveOutAvoided(const Question& question, ResolvedQuestion& resolved
     Question best = question;
     best.operation = EOperation::BestPaths;
     RequestBasis basis(mModel, best, resolved);
-    const Answer answer = QuestionRun(mModel, best, resolved, basis).Run();
+    const Answer answer = QuestionRun(mModel, *mDetails, best, resolved, basis).Run();
     const Ids needed = answer.bestPaths.empty() ? Ids() : answer.bestPaths.front();
     std::set<amd_id> leftOut(resolved.avoidedJoins.begin(), resolved.avoidedJoins.end());
     for (const amd_id& join : needed)
