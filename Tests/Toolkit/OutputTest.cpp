@@ -70,13 +70,15 @@ TEST(OutputTest, TextTellsPathAlternativesAndWhatDecided)
 Decided by: keys
 
 Rows: one for each row of Orders
+Outer joins: Region may be missing; the SQL keeps the rows without it
 Ambiguous: 2 paths are equally cheap, and the columns that they join decided.
   Way out: To take candidate 2: --favour os
 )");
     EXPECT_THAT(WriteAs("text", model, Connect({"Budget", "Region"})),
                 HasSubstr("The subjects cannot be connected. They fall into 2 groups:\n"
                           "  1. Budget\n  2. Region\n"
-                          "Joining these 2 would connect all: Budget, Region\n\nWarning: "));
+                          "Joining these 2 would connect all: Budget, Region\n\nMultiplied: no "
+                          "join connects Budget and Region"));
 }
 
 TEST(OutputTest, JsonHasOneFormForEveryOperation)
