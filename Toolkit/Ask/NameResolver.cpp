@@ -167,10 +167,9 @@ std::string JoinName(const model::Model& model, const amd_id& join)
     const model::ObjectRecord* const record = model.Find(join);
     if (record == nullptr)
         return ToText(join);
-    for (const model::QualifiedName& name :
-         {model::QualifiedName{record->name}, model.GetQualifiedName(join)}) {
-        if (model.FindByName(ENameKind::Join, model::ToText(name)).size() == 1)
-            return model::ToText(name);
+    for (std::string name : {record->name, model::ToText(model.GetQualifiedName(join))}) {
+        if (!name.empty() && model.FindByName(ENameKind::Join, name) == std::vector{join})
+            return name;
     }
     return ToText(join);
 }

@@ -65,8 +65,8 @@ private:
 /// have.
 [[nodiscard]] std::string SubjectName(const model::Model& model, const amd_id& subject);
 
-/// Returns such a name for a join: its name, with parents when others have the same, or the id's
-/// text when even that is not enough.
+/// Returns a name of a join of the model that a NameResolver resolves to this join alone: its own,
+/// its own behind its parents', or else the id's text.
 [[nodiscard]] std::string JoinName(const model::Model& model, const amd_id& join);
 
 /// Returns such a name for each subject.
