@@ -105,7 +105,7 @@ TEST(CheckAcceptance, WhatIsAcceptedDoesNotCount)
     EXPECT_EQ(test::MistakesOf([&] {
                   static_cast<void>(ReadBaseline(folder.Write("bad.json", R"({"finding": []})")));
               }),
-              folder / "bad.json" + ": lacks the key \"format\"");
+              folder / "bad.json" + "#: lacks the key \"format\"");
 }
 
 TEST(CheckAcceptance, TheExamplePasses)
