@@ -145,7 +145,7 @@ TEST_F(CommandsTest, WrongUseIsToldWithTheNearestRightName)
     };
     const Case cases[] = {
         {{"pth", "@", "orders"}, "unknown command \"pth\" (did you mean path?)"},
-        {{"import", "sqlit", "@"}, "unknown command \"sqlit\" (did you mean sqlite or sql?)"},
+        {{"import", "sqlit", "@"}, "unknown command \"sqlit\" (did you mean sqlite?)"},
         {{"path", "@", "orders", "--favor", "x"},
          "unknown option \"--favor\" (did you mean --favour?)"},
         {{"path", "@", "orders", "--favor=x"}, "(did you mean --favour?)"},
