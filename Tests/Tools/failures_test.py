@@ -98,7 +98,7 @@ class Failures(unittest.TestCase):
             "[General Options]\nNewAlgoo = 0\n":
                 f'{settings}: There is no setting "general options/newalgoo" '
                 "(did you mean General Options/NewAlgo?)\n",
-            "[General Options]\nNewAlgo = 0\n": "",
+            "[JoinGraph]\nCheapestTreesBound = 10\n": "",
         }
         for text, message in told.items():
             if text is not None:
