@@ -149,6 +149,33 @@ class Failures(unittest.TestCase):
                                  env=environment, text=True, capture_output=True, check=False)
             self.assertEqual(run.stdout, expected, run.stderr)
 
+    def test_long_drawing_is_followed_on_a_terminal(self):
+        dot = self.folder / "dot"
+        dot.write_text("#!/bin/sh\nsleep 1.5\necho '<svg></svg>'\n", encoding="utf-8")
+        dot.chmod(0o755)
+        environment = dict(os.environ, PATH=f"{self.folder}:{os.environ['PATH']}")
+        terminal, stream = os.openpty()
+        with subprocess.Popen([TOOL, "show", RETAIL / "model.json"], env=environment, stderr=stream,
+                              stdout=subprocess.PIPE, text=True) as tool:
+            os.close(stream)
+            self.assertEqual(tool.stdout.read(), "<svg></svg>\n")
+            self.assertEqual(tool.wait(10), 0)
+        shown = os.read(terminal, 4096).decode()
+        os.close(terminal)
+        self.assertRegex(shown, "^\r1 seconds of drawing")
+        self.assertTrue(shown.endswith("\r\x1b[K"), repr(shown))
+
+    def test_roles_leave_fewer_paths_to_choose_among(self):
+        counts = {}
+        for roles in ("plain", "shortcuts"):
+            model = self.folder / f"{roles}.json"
+            self.run_in_shell(f"qerefine import sql warehouse.sql --roles {roles} -o {model}")
+            report = json.loads(self.run_in_shell(f"qerefine check {model} --format json").stdout)
+            totals = {rule["code"]: rule["total"] for rule in report["rules"]}
+            counts[roles] = (totals["ambiguous-path"], totals["separate-group"])
+        self.assertLess(counts["shortcuts"][0], counts["plain"][0])
+        self.assertEqual(counts["shortcuts"][1], counts["plain"][1])
+
     def test_ending_the_tool_ends_what_it_started(self):
         """The program that draws leaves a process behind that would outlive a plain kill."""
         drawn = self.folder / "pids"
