@@ -288,7 +288,7 @@ TEST(Evaluate, AnswersCollectedRequestsAsWellAsBefore)
         std::size_t sameOfAll;
         std::size_t sameOfReferenced;
     };
-    const Set sets[] = {{"spider", "spider", 621, 156},
+    const Set sets[] = {{"spider", "spider", 621, 155},
                         {"mantle", "mantle.sql", 172, 0},
                         {"imdb", "imdb.sql", 17, 10}};
     const std::filesystem::path data = QEREFINER_DATA_DIR;

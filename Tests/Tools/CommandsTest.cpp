@@ -145,13 +145,13 @@ TEST_F(CommandsTest, WrongUseIsToldWithTheNearestRightName)
     };
     const Case cases[] = {
         {{"pth", "@", "orders"}, "unknown command \"pth\" (did you mean path?)"},
-        {{"import", "sqlit", "@"}, "unknown command \"sqlit\" (did you mean sqlite or sql?)"},
+        {{"import", "sqlit", "@"}, "unknown command \"sqlit\" (did you mean sqlite?)"},
         {{"path", "@", "orders", "--favor", "x"},
          "unknown option \"--favor\" (did you mean --favour?)"},
         {{"path", "@", "orders", "--favor=x"}, "(did you mean --favour?)"},
         {{"check", "@", "--limit", "-3"}, "--limit: must be 0 or more: -3"},
         {{"path", "@", "orders", "--set", "JoinGraph/CheapestTreesBoud=3"},
-         "(did you mean JoinGraph/CheapestTreesBound or"},
+         "(did you mean JoinGraph/CheapestTreesBound?)"},
         {{"path", "@", "orders", "--set", "Options/newalgo=0"},
          "(did you mean General Options/NewAlgo?)"},
         {{"path", "@", "orders", "region", "--inner"}, "--inner: needs --format sql or html"},

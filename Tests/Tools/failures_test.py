@@ -4,10 +4,14 @@
 Usage: failures_test.py QEREFINE
 """
 
+import contextlib
+import json
 import os
 import pathlib
 import resource
+import shutil
 import signal
+import sqlite3
 import subprocess
 import sys
 import tempfile
@@ -75,6 +79,102 @@ class Failures(unittest.TestCase):
             run = self.run_in_shell(f"qerefine batch model.json - {source}")
             self.assertEqual(run.returncode, 3, run.stderr)
             self.assertIn("requests: cannot be read", run.stderr)
+
+    def test_standard_input_is_a_model_whatever_it_holds(self):
+        model, ddl = "path - sales category", "path - sales calendar --roles"
+        whole = self.run_in_shell(f"qerefine {model} <model.json")
+        self.assertEqual(whole.returncode, 0, whole.stderr)
+        self.assertEqual(self.run_in_shell(f"cat model.json | qerefine {model}").stdout, whole.stdout)
+        self.assertIn("sales-calendar", self.run_in_shell(f"cat warehouse.sql | qerefine {ddl}").stdout)
+        imported = self.run_in_shell("qerefine import sql - <warehouse.sql -o -").stdout
+        self.assertEqual(len(json.loads(imported)["namespaces"][0]["subjects"]), 21)
+        empty = self.run_in_shell(f"true | qerefine {model}")
+        self.assertEqual((empty.returncode, empty.stderr), (3, "/dev/stdin: is empty\n"))
+
+    def test_settings_that_cannot_be_meant_are_told(self):
+        settings = self.folder / "settings.ini"
+        told = {
+            None: f"QEREFINER_SETTINGS: there is no such file: {settings}\n",
+            "[General Options]\nNewAlgoo = 0\n":
+                f'{settings}: There is no setting "general options/newalgoo" '
+                "(did you mean General Options/NewAlgo?)\n",
+            "[JoinGraph]\nCheapestTreesBound = 10\n": "",
+        }
+        for text, message in told.items():
+            if text is not None:
+                settings.write_text(text, encoding="utf-8")
+            run = self.run_in_shell("qerefine path model.json sales category",
+                                    env=dict(os.environ, QEREFINER_SETTINGS=str(settings)))
+            self.assertEqual((run.returncode, run.stderr), (3 if message else 0, message))
+
+    def test_locked_database_is_waited_for(self):
+        path = self.folder / "locked.db"
+        with contextlib.closing(sqlite3.connect(path, isolation_level=None)) as database:
+            database.execute("CREATE TABLE a (x)")
+            database.execute("BEGIN EXCLUSIVE")
+            command = [TOOL, "import", "sqlite", path]
+            with subprocess.Popen(command, stdout=subprocess.PIPE, text=True) as patient:
+                time.sleep(0.5)
+                database.execute("COMMIT")
+                self.assertIn('"a"', patient.stdout.read())
+            database.execute("BEGIN EXCLUSIVE")
+            run = subprocess.run(command, capture_output=True, text=True, check=False)
+            self.assertEqual(run.returncode, 3)
+            self.assertIn("another program has locked it", run.stderr)
+
+    @unittest.skipIf(os.geteuid() != 0, "only the administrator can become somebody else")
+    def test_database_with_a_log_is_read_where_nothing_can_be_written(self):
+        path = self.folder / "log.db"
+        with contextlib.closing(sqlite3.connect(path)) as database:
+            database.execute("PRAGMA journal_mode = WAL")
+            database.execute("CREATE TABLE a (x)")
+        self.folder.chmod(0o755)
+        readable = self.folder / "qerefine"
+        shutil.copy(TOOL, readable)
+        run = subprocess.run([readable, "import", "sqlite", path], user=65534, text=True,
+                             capture_output=True, check=False)
+        self.assertEqual((run.returncode, run.stderr), (0, ""))
+
+    def test_scripts_complete_in_bash(self):
+        complete = """source <(qerefine completion bash)
+            COMP_WORDS=({words}); COMP_CWORD=$((${{#COMP_WORDS[@]}} - 1)); _qerefine
+            printf '%s\\n' "${{COMPREPLY[@]}}" """
+        environment = dict(os.environ, PATH=f"{TOOL.parent}:{os.environ['PATH']}")
+        for words, expected in (
+                ("qerefine bet", "between\n"),
+                ("qerefine path model.json cost", "cost\\ center\\ country\ncost_center\n"),
+                ("qerefine path model.json '\"due'", "due\\ date\n"),
+                ("qerefine facts mod", "model.json\n")):
+            run = subprocess.run(["bash", "-c", complete.format(words=words)], cwd=RETAIL,
+                                 env=environment, text=True, capture_output=True, check=False)
+            self.assertEqual(run.stdout, expected, run.stderr)
+
+    def test_long_drawing_is_followed_on_a_terminal(self):
+        dot = self.folder / "dot"
+        dot.write_text("#!/bin/sh\nsleep 1.5\necho '<svg></svg>'\n", encoding="utf-8")
+        dot.chmod(0o755)
+        environment = dict(os.environ, PATH=f"{self.folder}:{os.environ['PATH']}")
+        terminal, stream = os.openpty()
+        with subprocess.Popen([TOOL, "show", RETAIL / "model.json"], env=environment, stderr=stream,
+                              stdout=subprocess.PIPE, text=True) as tool:
+            os.close(stream)
+            self.assertEqual(tool.stdout.read(), "<svg></svg>\n")
+            self.assertEqual(tool.wait(10), 0)
+        shown = os.read(terminal, 4096).decode()
+        os.close(terminal)
+        self.assertRegex(shown, "^\r1 seconds of drawing")
+        self.assertTrue(shown.endswith("\r\x1b[K"), repr(shown))
+
+    def test_roles_leave_fewer_paths_to_choose_among(self):
+        counts = {}
+        for roles in ("plain", "shortcuts"):
+            model = self.folder / f"{roles}.json"
+            self.run_in_shell(f"qerefine import sql warehouse.sql --roles {roles} -o {model}")
+            report = json.loads(self.run_in_shell(f"qerefine check {model} --format json").stdout)
+            totals = {rule["code"]: rule["total"] for rule in report["rules"]}
+            counts[roles] = (totals["ambiguous-path"], totals["separate-group"])
+        self.assertLess(counts["shortcuts"][0], counts["plain"][0])
+        self.assertEqual(counts["shortcuts"][1], counts["plain"][1])
 
     def test_ending_the_tool_ends_what_it_started(self):
         """The program that draws leaves a process behind that would outlive a plain kill."""

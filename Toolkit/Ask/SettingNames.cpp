@@ -21,19 +21,16 @@ std::string_view KeyOf(std::string_view name)
     return name.substr(name.find('/') + 1);
 }
 
-/// Returns the names that are near to a wrong one; a right key in a wrong section is near too.
+/// Returns the names whose keys are nearest to that of a wrong one, whatever their sections.
 std::vector<std::string> FindNearest(std::string_view name)
 {
-    const std::vector<std::string_view> names(kSettingNames.begin(), kSettingNames.end());
-    std::vector<std::string> nearest = model::NearestNames(name, names);
-    if (!nearest.empty())
-        return nearest;
     std::vector<std::string_view> keys;
-    keys.reserve(names.size());
-    for (const std::string_view known : names)
+    keys.reserve(kSettingNames.size());
+    for (const std::string_view known : kSettingNames)
         keys.push_back(KeyOf(known));
-    for (const std::string& key : model::NearestNames(KeyOf(name), keys)) {
-        for (const std::string_view known : names) {
+    std::vector<std::string> nearest;
+    for (const std::string& key : model::NearestNames(KeyOf(name), keys, 1)) {
+        for (const std::string_view known : kSettingNames) {
             if (KeyOf(known) == key)
                 nearest.emplace_back(known);
         }

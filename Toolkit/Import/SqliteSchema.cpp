@@ -157,7 +157,9 @@ DatabaseSchema ReadFile(const std::filesystem::path& path, const ProgressObserve
         return ReadOpened(SqliteDatabase::OpenFile(path), observer);
     } catch (const SqliteError& error) {
         std::error_code missing;
-        if (error.GetCode() != SQLITE_CANTOPEN || !std::filesystem::exists(path, missing))
+        const bool lacksFiles =
+            error.GetCode() == SQLITE_CANTOPEN || error.GetCode() == SQLITE_READONLY;
+        if (!lacksFiles || !std::filesystem::exists(path, missing))
             throw;
         if (std::filesystem::exists(path.string() + "-wal", missing))
             throw SqliteError(

@@ -127,7 +127,9 @@ Completion ListWords(const Line& line, const std::string& current)
         return completion;
     }
     completion.words = ListCommands(line.GetCommand());
-    return completion.words.empty() ? CompletePositional(line) : completion;
+    if (completion.words.empty())
+        return CompletePositional(line);
+    return line.GetValues().empty() ? completion : Completion();
 }
 
 } // namespace
