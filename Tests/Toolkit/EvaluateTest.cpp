@@ -246,6 +246,16 @@ TEST(EvaluateCommand, WritesTextAndJson)
     EXPECT_EQ(json["all"]["counts"]["refused"], 6);
     EXPECT_EQ(json["byGiven"]["x"]["same"], 50.0);
     EXPECT_EQ(json["differences"].size(), 10U);
+    const auto require = [&](const char* percent, const std::string& file) {
+        return qe::test::RunTool({"evaluate", models / "", file, "--min-same", percent});
+    };
+    EXPECT_EQ(require("9", requests).code, EExitCode::Done);
+    EXPECT_EQ(require("9.1", requests).code, EExitCode::ShareMissed);
+    EXPECT_EQ(require("9.1", requests).error,
+              "qerefine: 1 of 11 requests were answered the same, less than 9.1 %\n");
+    EXPECT_EQ(require("0", folder.Write("none.jsonl", "")).code, EExitCode::ShareMissed);
+    for (const char* const wrong : {"-1", "100.1", "nan", "many"})
+        EXPECT_EQ(require(wrong, requests).code, EExitCode::WrongUsage) << wrong;
     EXPECT_EQ(qe::test::RunTool({"evaluate", models / "none", requests}).code,
               EExitCode::CannotReadOrWrite);
 }

@@ -7,17 +7,21 @@
 #include "HBNException.h"
 #include "MainObjectPathSelector.h"
 #include "Toolkit/Ask/AnswerRecorder.h"
+#include "Toolkit/Ask/DetailRule.h"
 #include "Toolkit/Ask/KeyChoice.h"
 #include "Toolkit/Ask/LogNotices.h"
+#include "Toolkit/Ask/ModelDecisions.h"
 #include "Toolkit/Ask/PathAdvisor.h"
 #include "Toolkit/Ask/Request.h"
 #include "Toolkit/Ask/RequestBasis.h"
 #include "Toolkit/Ask/ResolvedQuestion.h"
 #include "Toolkit/Model/ToolModel.h"
+#include "Toolkit/Text/DisplayText.h"
 
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -33,10 +37,12 @@ AnswerError ToAnswerError(const HBNException& exception)
 {
     AnswerError error{.kind = AnswerError::EKind::Reported,
                       .severity = exception.GetSeverity(),
-                      .code = exception.GetCode(),
-                      .text = exception.what()};
+                      .code = exception.GetCode()};
     for (const HBNMessage& message : exception.GetMessages())
         error.messages.push_back(ToAnswerMessage(message));
+    // What an exception says of itself is meant for the log.
+    error.text = error.messages.empty() ? exception.what()
+                                        : JoinTexts(error.messages, &AnswerMessage::text, " ");
     return error;
 }
 
@@ -63,15 +69,15 @@ class QuestionRun
 {
 public:
     /// Refers to everything that it is given.
-    QuestionRun(const ToolModel& model, const Question& question, const ResolvedQuestion& resolved,
-                RequestBasis& basis)
+    QuestionRun(const ToolModel& model, const DetailRule& details, const Question& question,
+                const ResolvedQuestion& resolved, RequestBasis& basis)
         : mModel(*model.model),
           mAdvisor(model.advisor.get()),
           mQuestion(question),
           mResolved(resolved),
           mRanking(question.ranking),
           mRequest(basis, resolved),
-          mRecorder(*model.model, mResolved, mRequest, mAnswer)
+          mRecorder(*model.model, details, mResolved, mRequest, mAnswer)
     {
         // Between two sets how straight a path is plays no part.
         mRanking.useStraightestPath &= question.operation == EOperation::Path;
@@ -114,6 +120,7 @@ Answer QuestionRun::Run()
 {
     const LogNotices notices;
     try {
+        mRecorder.RecordDecisions();
         mRecorder.RecordCandidateGraph();
         RunOperation();
     } catch (const HBNException& exception) {
@@ -121,8 +128,12 @@ Answer QuestionRun::Run()
     } catch (const ORVThrowable& failure) {
         mAnswer.error = AnswerError{.kind = AnswerError::EKind::Internal, .text = failure.what()};
     }
+    mRecorder.RecordPreference();
     mRecorder.RecordSeparation(mQuestion.operation);
     mRecorder.RecordMessages(notices.Get());
+    // Who chose himself knows the others.
+    if (mQuestion.selector.kind == ESelector::Ask)
+        mAnswer.ambiguity.reset();
     return std::move(mAnswer);
 }
 
@@ -317,7 +328,9 @@ bool IsLogRead()
 } // namespace
 
 Asker::Asker(const ToolModel& model)
-    : mModel(model), mResolver(std::make_unique<QuestionResolver>(*model.model))
+    : mModel(model),
+      mResolver(std::make_unique<QuestionResolver>(*model.model)),
+      mDetails(std::make_unique<DetailRule>(*model.model))
 {}
 
 Asker::~Asker() = default;
@@ -326,12 +339,30 @@ Answer Asker::Ask(const Question& question)
 {
     if (question.selector.kind == ESelector::Ask && !question.selector.choose)
         throw std::invalid_argument("The question has no function that chooses");
-    const ResolvedQuestion resolved = mResolver->Resolve(question);
+    ResolvedQuestion resolved = mResolver->Resolve(question);
+    ApplyDecisions(mModel.decisions, question, resolved);
+    if (question.operation == EOperation::Path && !resolved.avoidedJoins.empty())
+        LeaveOutAvoided(question, resolved);
     std::unique_ptr<RequestBasis> basis = TakeBasis(question, resolved);
-    Answer answer = QuestionRun(mModel, question, resolved, *basis).Run();
+    Answer answer = QuestionRun(mModel, *mDetails, question, resolved, *basis).Run();
     if (!answer.error)
         mBasis = std::move(basis);
     return answer;
+}
+
+void Asker::LeaveOutAvoided(const Question& question, ResolvedQuestion& resolved) const
+{
+    Question best = question;
+    best.operation = EOperation::BestPaths;
+    RequestBasis basis(mModel, best, resolved);
+    const Answer answer = QuestionRun(mModel, *mDetails, best, resolved, basis).Run();
+    const Ids needed = answer.bestPaths.empty() ? Ids() : answer.bestPaths.front();
+    std::set<amd_id> leftOut(resolved.avoidedJoins.begin(), resolved.avoidedJoins.end());
+    for (const amd_id& join : needed)
+        leftOut.erase(join);
+    std::erase_if(resolved.joins,
+                  [&leftOut](const amd_id& join) { return leftOut.count(join) > 0; });
+    resolved.avoidedJoins.clear();
 }
 
 std::unique_ptr<RequestBasis> Asker::TakeBasis(const Question& question,

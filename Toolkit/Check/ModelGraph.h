@@ -51,6 +51,7 @@ public:
     /// Reads all joins. The model and the history, which may be null, must outlive this object.
     explicit ModelGraph(const ToolModel& model, const JoinHistory* history = nullptr);
 
+    [[nodiscard]] const ToolModel& GetToolModel() const { return *mToolModel; }
     [[nodiscard]] const model::Model& GetModel() const { return mGateway.GetModel(); }
     [[nodiscard]] model::ModelGateway& GetGateway() const { return mGateway; }
     /// Returns what past queries say of the model; null when they are not known.
@@ -72,6 +73,7 @@ private:
     void ListSteps();
     void CountNames();
 
+    const ToolModel* mToolModel;
     /// The refiner's operations want a gateway that may change; this one never does.
     mutable model::ModelGateway mGateway;
     const JoinHistory* mHistory;

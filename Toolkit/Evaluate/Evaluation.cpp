@@ -220,6 +220,8 @@ private:
             answer.connected &&
             ColumnClasses(FindPathPairs(*model.tool.model, skipping.answer, skipping.joins)) ==
                 ColumnClasses(joins);
+        difference.isCut = answer.ambiguity && answer.ambiguity->IsCut();
+        mEvaluation.cutLists += difference.isCut ? 1 : 0;
         const auto chosen = FindPathPairs(*model.tool.model, answer, answer.path);
         difference.onlyWritten = Without(joins, chosen);
         difference.onlyChosen = Without(chosen, joins);

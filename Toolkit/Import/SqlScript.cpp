@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <string>
 #include <string_view>
 
@@ -34,16 +33,6 @@ std::size_t SkipSpace(std::string_view text, std::size_t offset)
     return text.find_first_not_of(" \t\r\n;", offset);
 }
 
-/// Returns the text of a script. Throws an InputError when it cannot be one.
-std::string ReadScript(const std::filesystem::path& path)
-{
-    std::string text = ReadInputFile(path, kMaximumScriptSize);
-    if (text.find('\0') != std::string::npos)
-        throw InputError({{DescribePlace(path, text, text.find('\0')),
-                           "a zero byte stands here; not valid SQL"}});
-    return text;
-}
-
 void Execute(ScriptDatabase& database, const std::filesystem::path& path, const std::string& text,
              const ProgressObserver& observer)
 {
@@ -64,14 +53,16 @@ void Execute(ScriptDatabase& database, const std::filesystem::path& path, const 
 
 } // namespace
 
-DatabaseSchema ReadSqlScripts(const std::vector<std::filesystem::path>& paths,
-                              const ProgressObserver& observer)
+DatabaseSchema ReadSqlTexts(const std::vector<SqlText>& texts, const ProgressObserver& observer)
 {
-    std::deque<std::string> texts;
     ScriptDatabase database;
-    for (const std::filesystem::path& path : paths)
-        Execute(database, path, texts.emplace_back(ReadScript(path)), observer);
-    const std::string name = paths.empty() ? std::string() : paths.front().stem().string();
+    for (const SqlText& script : texts) {
+        if (script.text.find('\0') != std::string::npos)
+            throw InputError({{DescribePlace(script.file, script.text, script.text.find('\0')),
+                               "a zero byte stands here; not valid SQL"}});
+        Execute(database, script.file, script.text, observer);
+    }
+    const std::string name = texts.empty() ? std::string() : texts.front().file.stem().string();
     try {
         DatabaseSchema schema = ReadSqliteSchema(database.GetParts(), observer);
         schema.name = name;
@@ -79,6 +70,15 @@ DatabaseSchema ReadSqlScripts(const std::vector<std::filesystem::path>& paths,
     } catch (const SqliteError& error) {
         throw InputError({{name, error.what()}});
     }
+}
+
+DatabaseSchema ReadSqlScripts(const std::vector<std::filesystem::path>& paths,
+                              const ProgressObserver& observer)
+{
+    std::vector<SqlText> texts;
+    for (const std::filesystem::path& path : paths)
+        texts.push_back({path, ReadInputFile(path, kMaximumScriptSize)});
+    return ReadSqlTexts(texts, observer);
 }
 
 } // namespace qe::tool

@@ -2,6 +2,7 @@
 #define TOOLKIT_MODEL_TOOLMODEL_H
 
 #include "AQE_Governors.h"
+#include "Toolkit/Model/Decision.h"
 
 #include <memory>
 #include <string>
@@ -22,6 +23,8 @@ struct ToolModel
     /// The user classes that requests are made with.
     std::vector<std::string> userClasses{};
     AQE_Governors governors{};
+    std::vector<Decision> decisions{};
+    std::vector<AcceptedFinding> acceptedFindings{};
     /// Files of past queries, as the model names them: relative to where it lies.
     std::vector<std::string> histories{};
     /// What is asked about equally cheap paths before their keys; may be null.

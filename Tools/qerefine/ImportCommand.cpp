@@ -1,13 +1,10 @@
 #include "Tools/qerefine/Command.h"
 
-#include "Toolkit/Batch/ProgressBar.h"
 #include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Model/ModelFile.h"
 #include "Tools/qerefine/CommandOptions.h"
+#include "Tools/qerefine/DelayedProgress.h"
 
-#include <chrono>
-#include <fstream>
-#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -19,27 +16,14 @@ namespace {
 struct Options
 {
     std::vector<std::string> files{};
-    /// Empty: standard output.
-    std::string output{};
     ImportOptions import{};
 };
 
-void WriteFile(const std::string& path, const std::string& text)
-{
-    std::ofstream file(path, std::ios::binary);
-    file << text << std::flush;
-    if (!file)
-        throw InputError({{path, "cannot write the file"}});
-}
-
 void AddOptions(CLI::App& command, Options& options)
 {
-    command.add_option("FILE", options.files, "what to read")->required();
-    command.add_option("-o,--output", options.output,
-                       "where the model file goes; standard output without it");
-    command.add_flag_callback(
-        "--roles", [&options] { options.import.roles = ERoles::Shortcuts; },
-        "also make a shortcut for each role of a table that another one refers to several times");
+    AcceptStandardInput(
+        *command.add_option("FILE", options.files, "What to read")->required()->type_name(""));
+    AddRoles(command, options.import.roles);
 }
 
 void AddSqliteOptions(CLI::App& command, Options& options)
@@ -52,13 +36,9 @@ void AddSqliteOptions(CLI::App& command, Options& options)
 template <typename Import>
 ToolModel RunImport(const Options& options, const CommandContext& context, const Import& import)
 {
-    constexpr std::chrono::seconds kDelay(1);
     ImportOptions importOptions = options.import;
-    std::optional<ProgressBar> bar;
-    if (context.terminal.error == Terminal::EStream::Terminal) {
-        bar.emplace(context.error, context.terminal.width, kDelay);
-        importOptions.observer = [&bar](const Progress& progress) { bar->Show(progress); };
-    }
+    DelayedProgress progress(context);
+    importOptions.observer = progress.GetObserver();
     return import(importOptions);
 }
 
@@ -76,14 +56,11 @@ ToolModel RunSql(const Options& options, const CommandContext& context)
     });
 }
 
-EExitCode Report(const Options& options, const ToolModel& imported, const CommandContext& context)
+EExitCode Report(const Options& /*options*/, const ToolModel& imported,
+                 const CommandContext& context)
 {
     WriteNotes(imported, context);
-    const std::string text = WriteModelText(imported);
-    if (options.output.empty())
-        context.output << text;
-    else
-        WriteFile(options.output, text);
+    context.output << WriteModelText(imported);
     return EExitCode::Done;
 }
 
