@@ -1,6 +1,7 @@
 #include "Toolkit/Answers/AnswerJson.h"
 
 #include "Source/Rules/RankingCriteria.h"
+#include "Toolkit/Answers/NamesJson.h"
 #include "Toolkit/Answers/RiskJson.h"
 
 #include <array>
@@ -8,32 +9,14 @@
 #include <cstdio>
 #include <optional>
 #include <set>
-#include <span>
 #include <string>
 #include <vector>
 
 namespace qe::tool {
 
-using Json = nlohmann::ordered_json;
-
-Json IdsToJson(std::span<const amd_id> ids)
-{
-    Json list = Json::array();
-    for (const amd_id& id : ids)
-        list.push_back(ToText(id));
-    return list;
-}
-
-Json NamesToJson(const Answer& answer, std::span<const amd_id> subjects)
-{
-    Json list = Json::array();
-    for (const amd_id& subject : subjects)
-        list.push_back(answer.NameOf(subject));
-    return list;
-}
-
 namespace {
 
+using Json = nlohmann::ordered_json;
 using Ids = std::vector<amd_id>;
 
 template <typename T>

@@ -1,6 +1,6 @@
 #include "Toolkit/Answers/CheckOutput.h"
 
-#include "Toolkit/Answers/AnswerJson.h"
+#include "Toolkit/Answers/NamesJson.h"
 #include "Toolkit/Check/CheckReport.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputFile.h"

@@ -1,6 +1,6 @@
 #include "Toolkit/Answers/RiskJson.h"
 
-#include "Toolkit/Answers/AnswerJson.h"
+#include "Toolkit/Answers/NamesJson.h"
 #include "Toolkit/Answers/RiskText.h"
 
 #include <string>

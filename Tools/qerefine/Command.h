@@ -236,10 +236,10 @@ void AddCompletionCommand(const CommandLine& line);
 
 /// All commands, in the order of the help.
 inline constexpr std::array kCommands{
-    AddPathCommand,       AddBestCommand,     AddSubjectsCommand,  AddBetweenCommand,
-    AddTreeCommand,       AddFactsCommand,    AddShortcutsCommand, AddBatchCommand,
-    AddCheckCommand,      AddEvaluateCommand, AddHistoryCommand,   AddImportCommand,
-    AddShowCommand,       AddCompletionCommand,
+    AddPathCommand,  AddBestCommand,       AddSubjectsCommand,  AddBetweenCommand,
+    AddTreeCommand,  AddFactsCommand,      AddShortcutsCommand, AddBatchCommand,
+    AddCheckCommand, AddEvaluateCommand,   AddHistoryCommand,   AddImportCommand,
+    AddShowCommand,  AddCompletionCommand,
 };
 
 } // namespace qe::tool
