@@ -1,7 +1,8 @@
 #include "Toolkit/Import/OpenModel.h"
 
-#include "Toolkit/Import/SqlScript.h"
-#include "Toolkit/Import/SqliteSchema.h"
+#include "Toolkit/Import/Ddl/ScriptText.h"
+#include "Toolkit/Import/SqlScripts.h"
+#include "Toolkit/Import/Sqlite/SqliteSchema.h"
 #include "Toolkit/Model/ModelFile.h"
 #include "Toolkit/Text/InputFile.h"
 
@@ -44,12 +45,6 @@ bool IsModelFile(std::string_view start)
     return first != std::string_view::npos && (start[first] == '{' || start[first] == '[');
 }
 
-/// SQL is what holds anything but zero bytes.
-bool IsSql(std::string_view start)
-{
-    return start.find('\0') == std::string_view::npos;
-}
-
 ToolModel OpenModelFile(const std::filesystem::path& path, const ImportOptions&)
 {
     return ReadModelFile(path);
@@ -63,7 +58,7 @@ ToolModel OpenSql(const std::filesystem::path& path, const ImportOptions& option
 /// The first that matches is taken.
 constexpr std::array kFormats{ModelFormat{.matches = IsSqlite, .open = ImportSqlite},
                               ModelFormat{.matches = IsModelFile, .open = OpenModelFile},
-                              ModelFormat{.matches = IsSql, .open = OpenSql}};
+                              ModelFormat{.matches = IsScriptStart, .open = OpenSql}};
 
 } // namespace
 
@@ -90,9 +85,10 @@ ToolModel ImportSqlite(const std::filesystem::path& path, const ImportOptions& o
     return MakeModel(ReadSqliteFile(path, options.observer), options);
 }
 
-ToolModel ImportSql(const std::vector<std::filesystem::path>& paths, const ImportOptions& options)
+ToolModel ImportSql(const std::vector<std::filesystem::path>& paths, const ImportOptions& options,
+                    std::optional<EDialect> dialect)
 {
-    return MakeModel(ReadSqlScripts(paths, options.observer), options);
+    return MakeModel(ReadSqlScripts(paths, dialect, options.observer), options);
 }
 
 } // namespace qe::tool

@@ -22,6 +22,8 @@ struct ToolModel
     AQE_Governors governors{};
     /// What reading left out or had to guess, one sentence each.
     std::vector<std::string> notes{};
+    /// What it was read from, such as "PostgreSQL, 12 statements"; empty for nothing to tell.
+    std::string origin{};
 };
 
 } // namespace qe::tool

@@ -1,4 +1,4 @@
-#include "Toolkit/Import/StatementStart.h"
+#include "Toolkit/Import/Sqlite/StatementStart.h"
 
 #include "Engine/Services/Characters.h"
 

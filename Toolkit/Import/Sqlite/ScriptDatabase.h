@@ -1,7 +1,7 @@
-#ifndef TOOLKIT_IMPORT_SCRIPTDATABASE_H
-#define TOOLKIT_IMPORT_SCRIPTDATABASE_H
+#ifndef TOOLKIT_IMPORT_SQLITE_SCRIPTDATABASE_H
+#define TOOLKIT_IMPORT_SQLITE_SCRIPTDATABASE_H
 
-#include "Toolkit/Import/SqliteDatabase.h"
+#include "Toolkit/Import/Sqlite/SqliteDatabase.h"
 
 #include <cstddef>
 #include <map>

@@ -1,6 +1,6 @@
-#include "Toolkit/Import/ScriptDatabase.h"
+#include "Toolkit/Import/Sqlite/ScriptDatabase.h"
 
-#include "Toolkit/Import/StatementStart.h"
+#include "Toolkit/Import/Sqlite/StatementStart.h"
 
 #include <string_view>
 

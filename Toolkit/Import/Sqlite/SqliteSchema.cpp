@@ -1,6 +1,6 @@
-#include "Toolkit/Import/SqliteSchema.h"
+#include "Toolkit/Import/Sqlite/SqliteSchema.h"
 
-#include "Toolkit/Import/SqliteDatabase.h"
+#include "Toolkit/Import/Sqlite/SqliteDatabase.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <algorithm>

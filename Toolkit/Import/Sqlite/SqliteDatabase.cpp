@@ -1,4 +1,4 @@
-#include "Toolkit/Import/SqliteDatabase.h"
+#include "Toolkit/Import/Sqlite/SqliteDatabase.h"
 
 #include <sqlite3.h>
 

@@ -1,4 +1,4 @@
-#include "Toolkit/Import/SchemaModel.h"
+#include "Toolkit/Import/Schema/SchemaModel.h"
 
 #include "Engine/Model/Model.h"
 #include "Engine/Model/ModelBuilder.h"
@@ -50,6 +50,7 @@ public:
                 AddRelationship(table, key);
         ToolModel made{mBuilder.Build()};
         made.notes = mSchema.notes;
+        made.origin = mSchema.origin;
         return made;
     }
 
@@ -58,7 +59,7 @@ private:
     {
         model::ObjectOptions options;
         // One name, whatever dots are in it.
-        options.source = model::ToText({table.name});
+        options.source = model::ToText(table.source.empty() ? Names{table.name} : table.source);
         const amd_id subject = mBuilder.AddQuerySubject(mSpace, table.name, options);
         mSubjects[table.name] = subject;
         mSubjectNames.insert(table.name);

@@ -1,4 +1,4 @@
-#include "Toolkit/Import/DatabaseSchema.h"
+#include "Toolkit/Import/Schema/DatabaseSchema.h"
 
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Text/DisplayText.h"
@@ -24,10 +24,8 @@ std::string Fold(std::string name)
 bool SpellLike(const SchemaTable& table, Names& names)
 {
     for (std::string& name : names) {
-        const auto column =
-            std::find_if(table.columns.begin(), table.columns.end(),
-                         [&](const SchemaColumn& other) { return Fold(other.name) == Fold(name); });
-        if (column == table.columns.end())
+        const SchemaColumn* const column = FindColumn(table.columns, name);
+        if (column == nullptr)
             return false;
         name = column->name;
     }
@@ -93,6 +91,19 @@ private:
 };
 
 } // namespace
+
+const SchemaColumn* FindColumn(const std::vector<SchemaColumn>& columns, const std::string& name)
+{
+    const auto find = [&columns](const auto& isNamed) {
+        const auto found = std::find_if(columns.begin(), columns.end(), isNamed);
+        return found == columns.end() ? nullptr : &*found;
+    };
+    if (const auto* same = find([&](const SchemaColumn& other) { return other.name == name; }))
+        return same;
+    return find([folded = Fold(name)](const SchemaColumn& other) {
+        return other.name.size() == folded.size() && Fold(other.name) == folded;
+    });
+}
 
 void ResolveForeignKeys(DatabaseSchema& schema)
 {

@@ -1,7 +1,7 @@
-#ifndef TOOLKIT_IMPORT_SCHEMAMODEL_H
-#define TOOLKIT_IMPORT_SCHEMAMODEL_H
+#ifndef TOOLKIT_IMPORT_SCHEMA_SCHEMAMODEL_H
+#define TOOLKIT_IMPORT_SCHEMA_SCHEMAMODEL_H
 
-#include "Toolkit/Import/DatabaseSchema.h"
+#include "Toolkit/Import/Schema/DatabaseSchema.h"
 #include "Toolkit/Model/ToolModel.h"
 #include "Toolkit/Text/Progress.h"
 

@@ -1,7 +1,7 @@
-#ifndef TOOLKIT_IMPORT_SQLITESCHEMA_H
-#define TOOLKIT_IMPORT_SQLITESCHEMA_H
+#ifndef TOOLKIT_IMPORT_SQLITE_SQLITESCHEMA_H
+#define TOOLKIT_IMPORT_SQLITE_SQLITESCHEMA_H
 
-#include "Toolkit/Import/DatabaseSchema.h"
+#include "Toolkit/Import/Schema/DatabaseSchema.h"
 #include "Toolkit/Text/Progress.h"
 
 #include <filesystem>

@@ -1,0 +1,165 @@
+#include "Toolkit/Import/Ddl/Dialect.h"
+
+#include "Engine/Services/Characters.h"
+#include "Toolkit/Import/Ddl/ScriptText.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace qe::tool {
+
+namespace {
+
+struct DialectWords
+{
+    std::string_view word;
+    std::string_view name;
+};
+
+constexpr std::array kDialects{DialectWords{"sqlite", "SQLite"},
+                               DialectWords{"postgresql", "PostgreSQL"},
+                               DialectWords{"mysql", "MySQL"},
+                               DialectWords{"sqlserver", "SQL Server"},
+                               DialectWords{"oracle", "Oracle"}};
+
+/// A text that scripts of one dialect hold, and how much it says.
+struct Mark
+{
+    EDialect dialect;
+    int weight;
+    std::string_view text;
+};
+
+// In lower case; line breaks are "\n" only.
+constexpr std::array kMarks{
+    Mark{EDialect::Sqlite, 3, "autoincrement"},
+    Mark{EDialect::Sqlite, 4, "pragma "},
+    Mark{EDialect::Sqlite, 4, "without rowid"},
+    Mark{EDialect::Sqlite, 4, "sqlite_"},
+    Mark{EDialect::Sqlite, 1, "integer primary key"},
+    Mark{EDialect::PostgreSql, 6, "postgresql database dump"},
+    Mark{EDialect::PostgreSql, 6, "pg_catalog"},
+    Mark{EDialect::PostgreSql, 6, "\n\\restrict "},
+    Mark{EDialect::PostgreSql, 5, "\n\\."},
+    Mark{EDialect::PostgreSql, 4, "\n\\c"},
+    Mark{EDialect::PostgreSql, 4, "alter table only "},
+    Mark{EDialect::PostgreSql, 4, "search_path"},
+    Mark{EDialect::PostgreSql, 4, "language plpgsql"},
+    Mark{EDialect::PostgreSql, 4, "language 'plpgsql"},
+    Mark{EDialect::PostgreSql, 4, "create extension "},
+    Mark{EDialect::PostgreSql, 3, "character varying"},
+    Mark{EDialect::PostgreSql, 3, " time zone"},
+    Mark{EDialect::PostgreSql, 3, "timestamptz"},
+    Mark{EDialect::PostgreSql, 3, "nextval("},
+    Mark{EDialect::PostgreSql, 3, "serial"},
+    Mark{EDialect::PostgreSql, 3, "bytea"},
+    Mark{EDialect::PostgreSql, 3, "jsonb"},
+    Mark{EDialect::PostgreSql, 2, " boolean"},
+    Mark{EDialect::PostgreSql, 2, "::"},
+    Mark{EDialect::PostgreSql, 2, " as $$"},
+    Mark{EDialect::PostgreSql, 2, " as identity"},
+    Mark{EDialect::PostgreSql, 2, " inherits ("},
+    Mark{EDialect::PostgreSql, 2, " using btree"},
+    Mark{EDialect::MySql, 6, "mysql dump"},
+    Mark{EDialect::MySql, 6, "mariadb dump"},
+    Mark{EDialect::MySql, 5, "\ndelimiter "},
+    Mark{EDialect::MySql, 5, "auto_increment"},
+    Mark{EDialect::MySql, 4, "/*!"},
+    Mark{EDialect::MySql, 4, "engine=innodb"},
+    Mark{EDialect::MySql, 4, "engine = innodb"},
+    Mark{EDialect::MySql, 4, "engine=myisam"},
+    Mark{EDialect::MySql, 3, "create table `"},
+    Mark{EDialect::MySql, 2, "create table if not exists `"},
+    Mark{EDialect::MySql, 3, " unsigned"},
+    Mark{EDialect::MySql, 3, "default charset"},
+    Mark{EDialect::MySql, 2, "bigint("},
+    Mark{EDialect::MySql, 2, "tinyint("},
+    Mark{EDialect::MySql, 2, "unique key "},
+    Mark{EDialect::MySql, 2, "lock tables"},
+    Mark{EDialect::SqlServer, 6, "\ngo\n"},
+    Mark{EDialect::SqlServer, 5, "[dbo]."},
+    Mark{EDialect::SqlServer, 3, "dbo."},
+    Mark{EDialect::SqlServer, 4, " identity(1"},
+    Mark{EDialect::SqlServer, 4, " identity (1"},
+    Mark{EDialect::SqlServer, 3, "nvarchar("},
+    Mark{EDialect::SqlServer, 3, "[nvarchar]"},
+    Mark{EDialect::SqlServer, 3, "[int]"},
+    Mark{EDialect::SqlServer, 4, "clustered"},
+    Mark{EDialect::SqlServer, 4, "on [primary]"},
+    Mark{EDialect::SqlServer, 4, "uniqueidentifier"},
+    Mark{EDialect::SqlServer, 4, "object_id("},
+    Mark{EDialect::SqlServer, 4, "sp_addtype"},
+    Mark{EDialect::SqlServer, 4, "sp_addextendedproperty"},
+    Mark{EDialect::SqlServer, 4, "quoted_identifier"},
+    Mark{EDialect::SqlServer, 3, "with nocheck"},
+    Mark{EDialect::SqlServer, 3, "with check add"},
+    Mark{EDialect::SqlServer, 2, "datetime2"},
+    Mark{EDialect::SqlServer, 2, "exec sp_"},
+    Mark{EDialect::Oracle, 6, "varchar2"},
+    Mark{EDialect::Oracle, 5, "\n/\n"},
+    Mark{EDialect::Oracle, 4, "number("},
+    Mark{EDialect::Oracle, 4, " number "},
+    Mark{EDialect::Oracle, 3, " number,"},
+    Mark{EDialect::Oracle, 4, "\nrem "},
+    Mark{EDialect::Oracle, 4, "\nprompt "},
+    Mark{EDialect::Oracle, 4, "execute immediate"},
+    Mark{EDialect::Oracle, 4, "user_tables"},
+    Mark{EDialect::Oracle, 3, ".nextval"},
+    Mark{EDialect::Oracle, 3, "sysdate"},
+    Mark{EDialect::Oracle, 2, "segment creation"},
+    Mark{EDialect::Oracle, 2, "add (constraint"},
+    Mark{EDialect::Oracle, 2, "create or replace editionable"},
+};
+
+/// How much of a script is looked at; more would only say again what this says.
+constexpr std::size_t kLookedAt = std::size_t{1024} * 1024;
+
+/// Returns the beginning of a script as the marks are written.
+std::string Normalise(std::string_view script)
+{
+    std::string text = "\n";
+    text.reserve(std::min(script.size(), kLookedAt) + 1);
+    for (const char c : script.substr(0, kLookedAt))
+        if (c != '\r')
+            text += ascii::ToLower(c);
+    return text + '\n';
+}
+
+} // namespace
+
+std::vector<std::string> ListDialectWords()
+{
+    std::vector<std::string> words;
+    for (const DialectWords& dialect : kDialects)
+        words.emplace_back(dialect.word);
+    return words;
+}
+
+std::optional<EDialect> FindDialect(std::string_view word)
+{
+    for (std::size_t i = 0; i < kDialects.size(); ++i)
+        if (kDialects[i].word == word)
+            return static_cast<EDialect>(i);
+    return std::nullopt;
+}
+
+std::string_view DialectName(EDialect dialect)
+{
+    return kDialects[static_cast<std::size_t>(dialect)].name;
+}
+
+EDialect RecogniseDialect(std::span<const ScriptText> scripts)
+{
+    std::array<int, kDialects.size()> scores{};
+    for (const ScriptText& script : scripts) {
+        const std::string text = Normalise(script.text);
+        for (const Mark& mark : kMarks)
+            if (text.find(mark.text) != std::string::npos)
+                scores[static_cast<std::size_t>(mark.dialect)] += mark.weight;
+    }
+    const auto best = std::max_element(scores.begin(), scores.end());
+    return static_cast<EDialect>(best - scores.begin());
+}
+
+} // namespace qe::tool
