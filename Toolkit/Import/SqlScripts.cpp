@@ -70,12 +70,9 @@ void RequireTables(const DatabaseSchema& schema, Scripts scripts, EDialect diale
 
 } // namespace
 
-DatabaseSchema ReadSqlScripts(const std::vector<std::filesystem::path>& paths,
-                              std::optional<EDialect> dialect, const ProgressObserver& observer)
+DatabaseSchema ReadSqlTexts(std::span<const ScriptText> scripts, std::optional<EDialect> dialect,
+                            const ProgressObserver& observer)
 {
-    std::vector<ScriptText> scripts;
-    for (const std::filesystem::path& path : paths)
-        scripts.push_back(ReadScriptText(path));
     const EDialect used = dialect ? *dialect : RecogniseDialect(scripts);
     const auto reader =
         std::find_if(kReaders.begin(), kReaders.end(),
@@ -84,9 +81,18 @@ DatabaseSchema ReadSqlScripts(const std::vector<std::filesystem::path>& paths,
     RequireTables(schema, scripts, used);
     for (const ScriptText& script : scripts)
         schema.notes.insert(schema.notes.begin(), script.notes.begin(), script.notes.end());
-    if (!paths.empty())
-        schema.name = paths.front().stem().string();
+    if (!scripts.empty())
+        schema.name = scripts.front().path.stem().string();
     return schema;
+}
+
+DatabaseSchema ReadSqlScripts(const std::vector<std::filesystem::path>& paths,
+                              std::optional<EDialect> dialect, const ProgressObserver& observer)
+{
+    std::vector<ScriptText> scripts;
+    for (const std::filesystem::path& path : paths)
+        scripts.push_back(ReadScriptText(path));
+    return ReadSqlTexts(scripts, dialect, observer);
 }
 
 } // namespace qe::tool

@@ -34,6 +34,7 @@ ToolModel ReadModelText(std::string_view text, const std::string& fileName)
 
     result.userClasses = std::move(content.userClasses);
     result.governors = content.governors;
+    result.descriptions = assembler.GetDescriptions();
     return result;
 }
 

@@ -2,7 +2,9 @@
 #define TOOLKIT_MODEL_TOOLMODEL_H
 
 #include "AQE_Governors.h"
+#include "amd_id.h"
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,6 +22,8 @@ struct ToolModel
     /// The user classes that requests are made with.
     std::vector<std::string> userClasses{};
     AQE_Governors governors{};
+    /// What is said about objects that anything is said about.
+    std::map<amd_id, std::string> descriptions{};
     /// What reading left out or had to guess, one sentence each.
     std::vector<std::string> notes{};
     /// What it was read from, such as "PostgreSQL, 12 statements"; empty for nothing to tell.

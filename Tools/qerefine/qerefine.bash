@@ -10,6 +10,10 @@ _qerefine_values()
         [[ $2 != import ]] || return 1
         values='plain shortcuts'
         ;;
+    --from)
+        [[ $2 == import ]] || return 1
+        values='sqlite postgresql mysql sqlserver oracle'
+        ;;
     --selector) values='keys first main-object ask' ;;
     --cross-product) values='allow warn deny' ;;
     --grouping) values='target container' ;;
@@ -36,7 +40,7 @@ _qerefine()
         return
     fi
     if [[ $command == import ]] && ((COMP_CWORD == 2)); then
-        mapfile -t COMPREPLY < <(compgen -W 'sqlite sql --help' -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W 'sqlite sql --help' -f -- "$current")
         return
     fi
     _qerefine_values "${COMP_WORDS[COMP_CWORD - 1]}" "$command" "$current" && return

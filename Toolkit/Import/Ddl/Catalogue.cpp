@@ -189,19 +189,6 @@ void Catalogue::SetSearchPath(std::vector<std::string> schemas)
     mPath = std::make_shared<const std::vector<std::string>>(std::move(schemas));
 }
 
-void Catalogue::AddType(const std::string& name, bool isNotNull)
-{
-    if (isNotNull)
-        mNotNullTypes.insert(ascii::ToLower(name));
-    else
-        mNotNullTypes.erase(ascii::ToLower(name));
-}
-
-bool Catalogue::IsNotNullType(const std::string& name) const
-{
-    return !mNotNullTypes.empty() && mNotNullTypes.count(ascii::ToLower(name)) != 0;
-}
-
 ObjectName Catalogue::Complete(ObjectName name) const
 {
     if (name.schema.empty() && !mPath->empty())

@@ -27,10 +27,6 @@ public:
     void SetSearchPath(std::vector<std::string> schemas);
     [[nodiscard]] SearchPath GetSearchPath() const { return mPath; }
 
-    /// Declares a type of columns, by its name without a schema.
-    void AddType(const std::string& name, bool isNotNull);
-    [[nodiscard]] bool IsNotNullType(const std::string& name) const;
-
     /// A table that there is stays as it is, and the new one is told.
     void AddTable(TableDeclaration declaration, const ScriptPlace& place);
     [[nodiscard]] bool HasTable(const ObjectName& table) const;
@@ -66,7 +62,6 @@ private:
     /// Elements stay where they are.
     std::deque<CatalogueTable> mTables;
     TableNames mNames;
-    std::set<std::string> mNotNullTypes;
     /// In lower case.
     std::set<std::string> mKeyNames;
     std::vector<WaitingKey> mWaiting;

@@ -52,7 +52,8 @@ constexpr std::array kMarks{
     Mark{EDialect::PostgreSql, 3, " time zone"},
     Mark{EDialect::PostgreSql, 3, "timestamptz"},
     Mark{EDialect::PostgreSql, 3, "nextval("},
-    Mark{EDialect::PostgreSql, 3, "serial"},
+    Mark{EDialect::PostgreSql, 3, " serial "},
+    Mark{EDialect::PostgreSql, 3, " bigserial"},
     Mark{EDialect::PostgreSql, 3, "bytea"},
     Mark{EDialect::PostgreSql, 3, "jsonb"},
     Mark{EDialect::PostgreSql, 2, " boolean"},
@@ -82,7 +83,7 @@ constexpr std::array kMarks{
     Mark{EDialect::SqlServer, 3, "dbo."},
     Mark{EDialect::SqlServer, 4, " identity(1"},
     Mark{EDialect::SqlServer, 4, " identity (1"},
-    Mark{EDialect::SqlServer, 3, "nvarchar("},
+    Mark{EDialect::SqlServer, 2, "nvarchar("},
     Mark{EDialect::SqlServer, 3, "[nvarchar]"},
     Mark{EDialect::SqlServer, 3, "[int]"},
     Mark{EDialect::SqlServer, 4, "clustered"},
@@ -112,18 +113,39 @@ constexpr std::array kMarks{
     Mark{EDialect::Oracle, 2, "create or replace editionable"},
 };
 
+/// What says less may stand in scripts of any dialect.
+constexpr int kLeastScore = 3;
+
 /// How much of a script is looked at; more would only say again what this says.
 constexpr std::size_t kLookedAt = std::size_t{1024} * 1024;
+
+/// Appends a line as the marks are written, without what stands between single quotes, which is
+/// mostly rows.
+void AppendLine(std::string& text, std::string_view line)
+{
+    const std::size_t comment = std::min(line.find("--"), line.size());
+    bool isQuoted = false;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == '\'' && i < comment)
+            isQuoted = !isQuoted;
+        if (!isQuoted && line[i] != '\r')
+            text += ascii::ToLower(line[i]);
+    }
+    text += '\n';
+}
 
 /// Returns the beginning of a script as the marks are written.
 std::string Normalise(std::string_view script)
 {
+    std::string_view rest = script.substr(0, kLookedAt);
     std::string text = "\n";
-    text.reserve(std::min(script.size(), kLookedAt) + 1);
-    for (const char c : script.substr(0, kLookedAt))
-        if (c != '\r')
-            text += ascii::ToLower(c);
-    return text + '\n';
+    text.reserve(rest.size() + 2);
+    while (!rest.empty()) {
+        const std::size_t size = std::min(rest.find('\n'), rest.size());
+        AppendLine(text, rest.substr(0, size));
+        rest.remove_prefix(std::min(size + 1, rest.size()));
+    }
+    return text;
 }
 
 } // namespace
@@ -159,7 +181,8 @@ EDialect RecogniseDialect(std::span<const ScriptText> scripts)
                 scores[static_cast<std::size_t>(mark.dialect)] += mark.weight;
     }
     const auto best = std::max_element(scores.begin(), scores.end());
-    return static_cast<EDialect>(best - scores.begin());
+    return *best < kLeastScore ? EDialect::Sqlite
+                               : static_cast<EDialect>(best - scores.begin());
 }
 
 } // namespace qe::tool

@@ -121,15 +121,20 @@ void RepairLetters(ScriptText& script)
 
 } // namespace
 
-ScriptText ReadScriptText(const std::filesystem::path& path)
+ScriptText MakeScriptText(const std::filesystem::path& path, std::string bytes)
 {
-    ScriptText script{.path = path, .text = ToUtf8(ReadInputFile(path, kMaximumScriptSize))};
+    ScriptText script{.path = path, .text = ToUtf8(std::move(bytes))};
     const std::size_t zero = script.text.find('\0');
     if (zero != std::string::npos)
         throw InputError(
             {{DescribePlace(script, zero), "a zero byte stands here; not valid SQL"}});
     RepairLetters(script);
     return script;
+}
+
+ScriptText ReadScriptText(const std::filesystem::path& path)
+{
+    return MakeScriptText(path, ReadInputFile(path, kMaximumScriptSize));
 }
 
 bool IsScriptStart(std::string_view start)

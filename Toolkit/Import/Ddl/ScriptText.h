@@ -18,9 +18,13 @@ struct ScriptText
     std::vector<std::string> notes{};
 };
 
-/// Returns the script that a file holds. UTF-16 that begins with a byte order mark is converted;
-/// bytes that are no UTF-8 count as letters of Latin-1, which is noted. Throws an InputError when
-/// the file cannot be read, is too large, or has a zero byte.
+/// Returns the script that the bytes of a file are. UTF-16 that begins with a byte order mark is
+/// converted; bytes that are no UTF-8 count as letters of Latin-1, which is noted. Throws an
+/// InputError when there is a zero byte.
+[[nodiscard]] ScriptText MakeScriptText(const std::filesystem::path& path, std::string bytes);
+
+/// Returns the script that a file holds. Throws an InputError like MakeScriptText, and when the
+/// file cannot be read or is too large.
 [[nodiscard]] ScriptText ReadScriptText(const std::filesystem::path& path);
 
 /// Returns whether a file that starts so can be a script.

@@ -72,14 +72,12 @@ EStatementKind ClassifyCreate(Tokens tokens, EDialect dialect)
     const std::size_t index = FindWord(tokens, {"index"});
     if (unique < index && index < tokens.size() && index < kWordsBeforeIndex)
         return EStatementKind::CreateUniqueIndex;
-    if (StartsWith(tokens, {"create", "domain"}))
-        return EStatementKind::CreateType;
     const std::size_t type = FindWord(tokens, {"type"});
     if (dialect == EDialect::Oracle && type < tokens.size() && type < 6)
         return EStatementKind::Routine;
     if (dialect == EDialect::SqlServer && FindWord(tokens, {"view"}) < tokens.size())
         return EStatementKind::Routine;
-    return type == 1 ? EStatementKind::CreateType : EStatementKind::Other;
+    return EStatementKind::Other;
 }
 
 EStatementKind ClassifyAlter(Tokens tokens, EDialect dialect)
@@ -90,8 +88,7 @@ EStatementKind ClassifyAlter(Tokens tokens, EDialect dialect)
     if (dialect == EDialect::SqlServer && tokens.size() > 1 &&
         IsOneOf(tokens[1], {"procedure", "proc", "function", "trigger", "view"}))
         return EStatementKind::Routine;
-    return StartsWith(tokens, {"alter", "domain"}) ? EStatementKind::CreateType
-                                                   : EStatementKind::Other;
+    return EStatementKind::Other;
 }
 
 } // namespace
@@ -119,8 +116,6 @@ EStatementKind ClassifyStatement(std::span<const SqlToken> tokens, EDialect dial
         StartsWith(tokens, {"set", "session", "search_path"}) ||
         FindWord(tokens, {"set_config"}) < tokens.size())
         return EStatementKind::ChooseSchema;
-    if (tokens.size() > 1 && tokens[1].IsWord("sp_addtype"))
-        return EStatementKind::CreateType;
     return tokens.front().IsWord("copy") ? EStatementKind::Copy : EStatementKind::Other;
 }
 

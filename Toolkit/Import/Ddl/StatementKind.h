@@ -25,8 +25,6 @@ enum class EStatementKind : std::uint8_t
     CreateSchema,
     /// It sets where names without a schema are looked for.
     ChooseSchema,
-    /// It declares a type of columns.
-    CreateType,
     /// It reads rows, which may follow it.
     Copy,
     /// It creates what is made of statements, which say nothing on tables before they run.

@@ -84,11 +84,11 @@ void AlterationReader::ReadAdd(TokenCursor& piece)
 void AlterationReader::ReadElements(TokenCursor& piece)
 {
     TableDeclaration added;
-    ElementReader reader(added, *mCatalogue);
+    ElementReader reader(added);
     if (const std::optional<TokenCursor> inner = piece.ReadParentheses())
         reader.ReadAll(*inner);
     else
-        while (!piece.IsAtEnd() && !piece.IsAt("add") && !piece.IsAt("modify"))
+        while (!piece.IsAtEnd() && !piece.IsAtAny({"add", "modify", "drop"}))
             reader.Read(piece);
     for (const SchemaColumn& column : added.columns)
         Alter(column);
@@ -153,7 +153,7 @@ void AlterationReader::ReadNewDefinition(TokenCursor& definition, const std::str
         words.Advance();
     }
     TableDeclaration changed;
-    ElementReader(changed, *mCatalogue).ReadColumn(definition, name);
+    ElementReader(changed).ReadColumn(definition, name);
     // In Oracle a definition changes only what it names.
     if (saysNull || definition.GetDialect() != EDialect::Oracle)
         Alter(ChangedColumn{.name = name, .isNotNull = changed.columns.front().isNotNull});

@@ -1,6 +1,5 @@
 #include "Toolkit/Import/Dialects/DeclarationReader.h"
 
-#include "Engine/Services/Characters.h"
 #include "Toolkit/Import/Dialects/AlterationReader.h"
 #include "Toolkit/Import/Dialects/ElementReader.h"
 
@@ -60,8 +59,6 @@ void DeclarationReader::Read(const ScriptStatement& statement, const ScriptPlace
             return ReadRename(cursor);
         case EStatementKind::Comment:
             return ReadComment(cursor);
-        case EStatementKind::CreateType:
-            return ReadType(cursor);
         case EStatementKind::ChooseSchema:
             return ReadSchemaChoice(cursor);
         case EStatementKind::CreateSchema:
@@ -114,7 +111,7 @@ void DeclarationReader::ReadTableBody(TokenCursor& cursor, TableDeclaration& tab
     const std::optional<TokenCursor> elements = cursor.ReadParentheses();
     const bool isQuery = elements && elements->IsAtAny({"select", "with"});
     if (elements && !isQuery)
-        ElementReader(table, *mCatalogue).ReadAll(*elements);
+        ElementReader(table).ReadAll(*elements);
     if (!table.columns.empty() || !table.inheritances.empty())
         return;
     if (!isQuery && !cursor.IsAtAny({"as", "select", "with", "using"}))
@@ -196,29 +193,6 @@ void DeclarationReader::ReadComment(TokenCursor cursor)
         mCatalogue->Alter(table, DescribedColumn{.name = column, .description = text}, mPlace);
     else
         mCatalogue->Alter(table, DescribedTable{.description = text}, mPlace);
-}
-
-void DeclarationReader::ReadType(TokenCursor cursor)
-{
-    if (cursor.Peek(1).IsWord("sp_addtype")) {
-        cursor.Advance();
-        cursor.Advance();
-        const std::vector<TokenCursor> arguments = cursor.SplitAtCommas();
-        TokenCursor name = arguments.empty() ? cursor : arguments.front();
-        const std::optional<std::string> type = name.ReadName();
-        const SqlToken last = arguments.size() > 2 ? arguments[2].Peek() : SqlToken();
-        if (type && last.kind == EToken::Text)
-            mCatalogue->AddType(*type, ascii::ToLower(ToContent(last)) == "not null");
-        return;
-    }
-    cursor.Skip({"create", "domain"});
-    cursor.Skip({"create", "type"});
-    const std::optional<ObjectName> type = cursor.ReadObjectName();
-    while (type && !cursor.IsAtEnd()) {
-        if (cursor.Skip({"not", "null"}))
-            return mCatalogue->AddType(type->name, true);
-        cursor.Advance();
-    }
 }
 
 void DeclarationReader::ReadSchemaChoice(TokenCursor cursor)

@@ -29,7 +29,6 @@ private:
     void ReadDrop(TokenCursor cursor, EStatementKind kind);
     void ReadRename(TokenCursor cursor);
     void ReadComment(TokenCursor cursor);
-    void ReadType(TokenCursor cursor);
     void ReadSchemaChoice(TokenCursor cursor);
 
     EDialect mDialect;

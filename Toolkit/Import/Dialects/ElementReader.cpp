@@ -9,7 +9,8 @@ namespace {
 /// Skips how an index is stored.
 void SkipStorage(TokenCursor& cursor)
 {
-    while (cursor.SkipAny({"clustered", "nonclustered", "hash", "nulls", "not", "distinct"}) ||
+    while (cursor.SkipAny({"clustered", "nonclustered", "hash"}) ||
+           cursor.Skip({"nulls", "not", "distinct"}) || cursor.Skip({"nulls", "distinct"}) ||
            cursor.Skip({"using", "btree"}) || cursor.Skip({"using", "hash"})) {
     }
 }
@@ -95,7 +96,7 @@ void ElementReader::ReadColumn(TokenCursor& cursor, const std::string& name)
     mTable->columns.push_back(std::move(column));
 }
 
-void ElementReader::ReadType(TokenCursor& cursor, SchemaColumn& column) const
+void ElementReader::ReadType(TokenCursor& cursor, SchemaColumn& column)
 {
     const EDialect dialect = cursor.GetDialect();
     if (cursor.IsAtAny({"not", "null", "default", "references", "check", "generated", "as"}) ||
@@ -104,7 +105,9 @@ void ElementReader::ReadType(TokenCursor& cursor, SchemaColumn& column) const
     const bool isSerial = cursor.IsAtAny({"serial", "bigserial", "smallserial"}) &&
                           (dialect == EDialect::MySql || dialect == EDialect::PostgreSql);
     const std::optional<ObjectName> type = cursor.ReadObjectName();
-    column.isNotNull = isSerial || (type && mCatalogue->IsNotNullType(type->name));
+    column.isNotNull = isSerial;
+    if (type && cursor.IsAtSign('('))
+        mLengths[column.name] = cursor.Peek(1).text;
     if (isSerial && dialect == EDialect::MySql)
         mTable->keys.push_back({.columns = {column.name}});
 }
@@ -185,13 +188,32 @@ bool ElementReader::ReadKey(TokenCursor& cursor, const std::string& name)
     const std::optional<TokenCursor> columns = cursor.ReadParentheses();
     if (!columns)
         throw UnreadableElement("a key without columns");
-    AddKey(key, columns);
+    AddKey(key, *columns);
     return true;
 }
 
-void ElementReader::AddKey(const KeyDeclaration& key, const std::optional<TokenCursor>& columns)
+std::optional<std::vector<std::string>>
+ElementReader::ReadKeyColumns(const TokenCursor& columns) const
 {
-    std::optional<std::vector<std::string>> names = columns->ReadNames();
+    std::vector<std::string> names;
+    for (TokenCursor piece : columns.SplitAtCommas()) {
+        const std::optional<std::string> name = piece.ReadName();
+        // The beginning of a column that is no shorter than the column is all of it.
+        const std::optional<TokenCursor> length = piece.ReadParentheses();
+        const auto declared = length && name ? mLengths.find(*name) : mLengths.end();
+        if (length && (declared == mLengths.end() || declared->second != length->Peek().text))
+            return std::nullopt;
+        piece.SkipAny({"asc", "desc"});
+        if (!name || !piece.IsAtEnd())
+            return std::nullopt;
+        names.push_back(*name);
+    }
+    return names;
+}
+
+void ElementReader::AddKey(const KeyDeclaration& key, const TokenCursor& columns)
+{
+    std::optional<std::vector<std::string>> names = ReadKeyColumns(columns);
     if (!names) {
         ++mTable->partialKeys;
         return;
@@ -242,7 +264,7 @@ bool ElementReader::ReadIndex(TokenCursor& cursor)
     SkipStorage(cursor);
     const std::optional<TokenCursor> columns = cursor.ReadParentheses();
     if (isUnique && columns)
-        AddKey(key, columns);
+        AddKey(key, *columns);
     cursor.GoTo(',');
     return true;
 }

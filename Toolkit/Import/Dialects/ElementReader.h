@@ -1,13 +1,14 @@
 #ifndef TOOLKIT_IMPORT_DIALECTS_ELEMENTREADER_H
 #define TOOLKIT_IMPORT_DIALECTS_ELEMENTREADER_H
 
-#include "Toolkit/Import/Ddl/Catalogue.h"
 #include "Toolkit/Import/Ddl/Declarations.h"
 #include "Toolkit/Import/Dialects/TokenCursor.h"
 
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace qe::tool {
 
@@ -23,10 +24,8 @@ public:
 class ElementReader
 {
 public:
-    /// Refers to both. The catalogue knows the types of columns.
-    ElementReader(TableDeclaration& table, const Catalogue& catalogue)
-        : mTable(&table), mCatalogue(&catalogue)
-    {}
+    /// Refers to the declaration.
+    explicit ElementReader(TableDeclaration& table) : mTable(&table) {}
 
     /// Reads the elements between commas. Throws an UnreadableElement.
     void ReadAll(const TokenCursor& elements);
@@ -44,15 +43,19 @@ private:
     /// Reads what an attribute of a column says, if one comes next. Returns whether it did.
     bool ReadAttribute(TokenCursor& cursor, SchemaColumn& column);
     bool ReadColumnKey(TokenCursor& cursor, const std::string& column);
-    void ReadType(TokenCursor& cursor, SchemaColumn& column) const;
+    void ReadType(TokenCursor& cursor, SchemaColumn& column);
     /// Reads what follows REFERENCES.
     void ReadReference(TokenCursor& cursor, ForeignKeyDeclaration key);
     /// Reads an index among the elements. Returns false when the element is none.
     bool ReadIndex(TokenCursor& cursor);
-    void AddKey(const KeyDeclaration& key, const std::optional<TokenCursor>& columns);
+    void AddKey(const KeyDeclaration& key, const TokenCursor& columns);
+    /// Returns the columns of a key; nothing when it is not over whole columns.
+    [[nodiscard]] std::optional<std::vector<std::string>>
+    ReadKeyColumns(const TokenCursor& columns) const;
 
     TableDeclaration* mTable;
-    const Catalogue* mCatalogue;
+    /// The declared lengths of columns, as they are written.
+    std::map<std::string, std::string> mLengths;
     /// The name of the constraint of a column that is being read.
     std::string mConstraintName;
 };

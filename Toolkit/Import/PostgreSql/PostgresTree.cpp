@@ -93,8 +93,6 @@ bool PostgresTree::Read(const nlohmann::json& statement)
         Reader{"AlterTableStmt", &PostgresTree::ReadAlteration},
         Reader{"IndexStmt", &PostgresTree::ReadIndex},
         Reader{"CommentStmt", &PostgresTree::ReadComment},
-        Reader{"CreateDomainStmt", &PostgresTree::ReadDomain},
-        Reader{"AlterDomainStmt", &PostgresTree::ReadDomainChange},
         Reader{"DropStmt", &PostgresTree::ReadDrop},
         Reader{"RenameStmt", &PostgresTree::ReadRename},
         Reader{"AlterObjectSchemaStmt", &PostgresTree::ReadMove},
@@ -154,7 +152,7 @@ void PostgresTree::ReadSchema(const Node& node)
     mCatalogue->SetSearchPath(*before);
 }
 
-void PostgresTree::AddElement(const Node& element, TableDeclaration& table) const
+void PostgresTree::AddElement(const Node& element, TableDeclaration& table)
 {
     if (const Node& column = PartOf(element, "ColumnDef"); !column.is_null())
         AddColumn(column, table);
@@ -171,15 +169,14 @@ void PostgresTree::AddElement(const Node& element, TableDeclaration& table) cons
     }
 }
 
-void PostgresTree::AddColumn(const Node& column, TableDeclaration& table) const
+void PostgresTree::AddColumn(const Node& column, TableDeclaration& table)
 {
     constexpr std::array<std::string_view, 6> kSerials{"serial",  "serial2",   "serial4",
                                                        "serial8", "bigserial", "smallserial"};
     const std::string type =
         ToObjectName(NamesOf(PartOf(PartOf(column, "typeName"), "names"))).name;
     SchemaColumn added{.name = TextOf(column, "colname")};
-    added.isNotNull = std::find(kSerials.begin(), kSerials.end(), type) != kSerials.end() ||
-                      mCatalogue->IsNotNullType(type);
+    added.isNotNull = std::find(kSerials.begin(), kSerials.end(), type) != kSerials.end();
     for (const Node& part : PartOf(column, "constraints")) {
         const Node& constraint = PartOf(part, "Constraint");
         if (Says(constraint, "contype", "CONSTR_NOTNULL") ||
@@ -283,25 +280,6 @@ void PostgresTree::ReadComment(const Node& node)
     names.pop_back();
     mCatalogue->Alter(ToObjectName(names), DescribedColumn{.name = column, .description = text},
                       mPlace);
-}
-
-void PostgresTree::ReadDomain(const Node& node)
-{
-    const std::string base = ToObjectName(NamesOf(PartOf(PartOf(node, "typeName"), "names"))).name;
-    const Node& constraints = PartOf(node, "constraints");
-    const bool isNotNull =
-        std::any_of(constraints.begin(), constraints.end(), [](const Node& part) {
-            return Says(PartOf(part, "Constraint"), "contype", "CONSTR_NOTNULL");
-        });
-    mCatalogue->AddType(ToObjectName(NamesOf(PartOf(node, "domainname"))).name,
-                        isNotNull || mCatalogue->IsNotNullType(base));
-}
-
-void PostgresTree::ReadDomainChange(const Node& node)
-{
-    const std::string verb = TextOf(node, "subtype");
-    if (verb == "O" || verb == "N")
-        mCatalogue->AddType(ToObjectName(NamesOf(PartOf(node, "typeName"))).name, verb == "O");
 }
 
 void PostgresTree::ReadDrop(const Node& node)

@@ -32,16 +32,14 @@ private:
     void ReadCommand(const ObjectName& table, const Node& command);
     void ReadIndex(const Node& node);
     void ReadComment(const Node& node);
-    void ReadDomain(const Node& node);
-    void ReadDomainChange(const Node& node);
     void ReadDrop(const Node& node);
     void ReadRename(const Node& node);
     void ReadMove(const Node& node);
     void ReadSetting(const Node& node);
     void ReadQuery(const Node& node);
 
-    void AddElement(const Node& element, TableDeclaration& table) const;
-    void AddColumn(const Node& column, TableDeclaration& table) const;
+    static void AddElement(const Node& element, TableDeclaration& table);
+    static void AddColumn(const Node& column, TableDeclaration& table);
     /// Adds a constraint of the table, or of the column of that name.
     static void AddConstraint(const Node& constraint, const std::string& column,
                               TableDeclaration& table);

@@ -51,6 +51,7 @@ public:
         ToolModel made{mBuilder.Build()};
         made.notes = mSchema.notes;
         made.origin = mSchema.origin;
+        made.descriptions = std::move(mDescriptions);
         return made;
     }
 
@@ -63,8 +64,15 @@ private:
         const amd_id subject = mBuilder.AddQuerySubject(mSpace, table.name, options);
         mSubjects[table.name] = subject;
         mSubjectNames.insert(table.name);
+        Describe(subject, table.description);
         for (const SchemaColumn& column : table.columns)
-            mBuilder.AddItem(subject, column.name);
+            Describe(mBuilder.AddItem(subject, column.name), column.description);
+    }
+
+    void Describe(const amd_id& object, const std::string& description)
+    {
+        if (!description.empty())
+            mDescriptions[object] = description;
     }
 
     void AddRelationship(const SchemaTable& table, const SchemaForeignKey& key)
@@ -135,6 +143,7 @@ private:
     model::ModelBuilder mBuilder;
     amd_id mSpace;
     std::map<std::string, amd_id> mSubjects;
+    std::map<amd_id, std::string> mDescriptions;
     std::set<std::string> mSubjectNames;
     std::map<TablePair, int> mKeyCounts;
 };
