@@ -70,8 +70,6 @@ void ImportDump(benchmark::State& state)
                             static_cast<std::int64_t>(state.iterations()));
     std::filesystem::remove(path);
 }
-BENCHMARK(ImportDump)
-    ->ArgsProduct({{1, 2, 3, 4}, {1900, 20000}})
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK(ImportDump)->ArgsProduct({{1, 2, 3, 4}, {1900, 20000}})->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -76,15 +76,14 @@ CREATE TEMPORARY TABLE now_only (id int);
 CREATE UNIQUE INDEX late_key ON public.late USING btree (person, day);
 \unrestrict kQ3
 )");
-    EXPECT_THAT(
-        DescribeSchema(schema),
-        UnorderedElementsAre(
-            "table region", "key region (id)", "key region (code)", "table person",
-            "key person (id)", "join person - crm.region (region = code)",
-            "join person - person (boss = id)", "table crm.region", "key crm.region (code)",
-            "table visit", "join visit - person (person = id) not-null", "table late",
-            "key late (person)", "key late (day, person)",
-            "join late - person (person = id) unique not-null"));
+    EXPECT_THAT(DescribeSchema(schema),
+                UnorderedElementsAre(
+                    "table region", "key region (id)", "key region (code)", "table person",
+                    "key person (id)", "join person - crm.region (region = code)",
+                    "join person - person (boss = id)", "table crm.region", "key crm.region (code)",
+                    "table visit", "join visit - person (person = id) not-null", "table late",
+                    "key late (person)", "key late (day, person)",
+                    "join late - person (person = id) unique not-null"));
     EXPECT_THAT(schema.notes, ElementsAre(HasSubstr("or for some rows only: 2"),
                                           HasSubstr("partitions left out, whose rows are read "
                                                     "through their tables: 2")));
@@ -222,8 +221,8 @@ COMMENT ON COLUMN emp.boss IS 'to whom it reports';
                 UnorderedElementsAre("table REGIONS", "key REGIONS (ID)", "key REGIONS (NAME)",
                                      "table EMP", "key EMP (ID)",
                                      "join EMP - REGIONS (REGION = ID) not-null",
-                                     "join EMP - EMP (BOSS = ID)", "table LISTED",
-                                     "table NEXT_ONE", "key NEXT_ONE (id)"));
+                                     "join EMP - EMP (BOSS = ID)", "table LISTED", "table NEXT_ONE",
+                                     "key NEXT_ONE (id)"));
     EXPECT_THAT(schema.notes, IsEmpty());
     EXPECT_EQ(schema.tables.front().columns.back().description, "to whom it reports");
 }
@@ -234,7 +233,8 @@ TEST(Sqlite, IsReadWithoutItsEngineWhereThatFails)
         Read("CREATE VIRTUAL TABLE w USING no_such_module(a);\n"
              "CREATE TABLE [a b] (id INTEGER PRIMARY KEY, 'c' UNIQUE);\n"
              "CREATE TRIGGER t AFTER INSERT ON [a b] BEGIN DELETE FROM x; DROP TABLE y; END;\n"
-             "CREATE TABLE `d` (e REFERENCES [a b], PRIMARY KEY (e COLLATE NOCASE DESC));");
+             "CREATE TABLE `d` (e REFERENCES [a b], PRIMARY KEY (e COLLATE NOCASE DESC));",
+             EDialect::Sqlite);
     EXPECT_THAT(DescribeSchema(schema),
                 UnorderedElementsAre("table a b", "key a b (id)", "key a b (c)", "table d",
                                      "key d (e)", "join d - a b (e = id) unique not-null"));
@@ -253,8 +253,7 @@ TEST(SeveralFiles, AreOneScriptInAnyOrder)
     EXPECT_EQ(schema.name, "tables");
     EXPECT_THAT(schema.notes, ElementsAre(HasSubstr("keys.sql:3: a key of a table that the "
                                                     "scripts do not create: c")));
-    EXPECT_EQ(DescribeSchema(ReadSqlScripts({keys, tables}, std::nullopt)),
-              DescribeSchema(schema));
+    EXPECT_EQ(DescribeSchema(ReadSqlScripts({keys, tables}, std::nullopt)), DescribeSchema(schema));
     EXPECT_THAT(DescribeSchema(schema), testing::Contains("join b - a (a = id)"));
 }
 

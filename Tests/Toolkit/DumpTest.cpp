@@ -14,10 +14,10 @@
 namespace {
 
 using namespace qe::tool;
+using nlohmann::json;
 using qe::test::DescribeSchema;
 using qe::test::JoinLine;
 using qe::test::KeyLine;
-using nlohmann::json;
 using Names = std::vector<std::string>;
 using Lines = std::vector<std::string>;
 
@@ -107,8 +107,7 @@ TEST(Dumps, DeclareWhatServersMakeOfThem)
             continue;
         ++files;
         std::filesystem::path beside = entry.path();
-        const json truth =
-            json::parse(std::ifstream(beside.replace_extension(".truth.json")));
+        const json truth = json::parse(std::ifstream(beside.replace_extension(".truth.json")));
         DatabaseSchema schema = ReadSqlScripts({entry.path()}, std::nullopt);
         EXPECT_EQ(schema.origin.empty(), truth["dialect"] == "sqlite") << schema.origin;
         ResolveForeignKeys(schema);

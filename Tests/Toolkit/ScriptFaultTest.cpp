@@ -39,16 +39,15 @@ TEST(ScriptFaults, HideWhatFollowsAndAreTold)
         std::string open;
     };
     const Case cases[] = {
-        {EDialect::PostgreSql, "SELECT 'it"},      {EDialect::PostgreSql, "/* /* */"},
-        {EDialect::PostgreSql, "SELECT $a$ $b$"},  {EDialect::PostgreSql, "SELECT E'\\'"},
-        {EDialect::MySql, "SELECT `it"},           {EDialect::MySql, "SELECT 'it\\'"},
-        {EDialect::SqlServer, "SELECT [it"},       {EDialect::Oracle, "SELECT q'[it]"},
+        {EDialect::PostgreSql, "SELECT 'it"},     {EDialect::PostgreSql, "/* /* */"},
+        {EDialect::PostgreSql, "SELECT $a$ $b$"}, {EDialect::PostgreSql, "SELECT E'\\'"},
+        {EDialect::MySql, "SELECT `it"},          {EDialect::MySql, "SELECT 'it\\'"},
+        {EDialect::SqlServer, "SELECT [it"},      {EDialect::Oracle, "SELECT q'[it]"},
         {EDialect::Oracle, "BEGIN x := \"it;"},
     };
     for (const Case& each : cases) {
-        const DatabaseSchema schema =
-            Read("CREATE TABLE a (x int);\n\n" + each.open + ";\nCREATE TABLE b (x int);",
-                 each.dialect);
+        const DatabaseSchema schema = Read(
+            "CREATE TABLE a (x int);\n\n" + each.open + ";\nCREATE TABLE b (x int);", each.dialect);
         EXPECT_THAT(schema.tables, SizeIs(1)) << each.open;
         EXPECT_THAT(schema.notes, ElementsAre(HasSubstr("s.sql:3: a quote or comment that begins")))
             << each.open;

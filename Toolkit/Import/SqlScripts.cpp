@@ -62,9 +62,9 @@ void RequireTables(const DatabaseSchema& schema, Scripts scripts, EDialect diale
     std::vector<InputProblem> problems;
     for (const std::string& note : schema.notes)
         problems.push_back({.place = {}, .text = note});
-    problems.push_back({.place = scripts.front().path.string(),
-                        .text = "creates no tables that can be read as " +
-                                std::string(DialectName(dialect))});
+    problems.push_back(
+        {.place = scripts.front().path.string(),
+         .text = "creates no tables that can be read as " + std::string(DialectName(dialect))});
     throw InputError(std::move(problems));
 }
 

@@ -133,22 +133,23 @@ void AddAnyImport(const CommandLine& line, CLI::App& import)
     import.callback([line, options, &import] {
         if (!import.get_subcommands().empty())
             return;
-        if (options->files.empty())
-            throw CLI::RequiredError("FILE");
-        line.exitCode = Report(*options, RunAny(*options, line.context), line.context);
-    });
-}
-
+    if (options->files.empty())
+        throw CLI::RequiredError("FILE");
+    line.exitCode = Report(*options, RunAny(*options, line.context), line.context);
+});
 } // namespace
+
+} // namespace qe::tool
 
 void AddImportCommand(const CommandLine& line)
 {
     constexpr const char* kExample = "qerefine import sqlite shop.db --roles -o shop.json";
-    CLI::App& import =
-        AddSubcommand(line.app, {.name = "import",
-                                 .summary = "Makes a model file of a database or of its DDL, whose kind is recognised "
-                                            "unless it is named.",
-                                 .example = kExample});
+    CLI::App& import = AddSubcommand(
+        line.app,
+        {.name = "import",
+         .summary = "Makes a model file of a database or of its DDL, whose kind is recognised "
+                    "unless it is named.",
+         .example = kExample});
     import.require_subcommand(0, 1);
     AddAnyImport(line, import);
     const CommandLine sources{.app = import, .context = line.context, .exitCode = line.exitCode};
@@ -159,10 +160,9 @@ void AddImportCommand(const CommandLine& line)
                                                     .addOptions = AddSqliteOptions,
                                                     .run = RunSqlite,
                                                     .report = Report});
-    const CommandHelp sql{
-        .name = "sql",
-        .summary = "Reads files of DDL, one after the other as one script.",
-        .example = "qerefine import sql tables.sql keys.sql > shop.json"};
+    const CommandHelp sql{.name = "sql",
+                          .summary = "Reads files of DDL, one after the other as one script.",
+                          .example = "qerefine import sql tables.sql keys.sql > shop.json"};
     AddCommand(sources,
                Command<Options, ToolModel>{
                    .help = sql, .addOptions = AddSqlOptions, .run = RunSql, .report = Report});

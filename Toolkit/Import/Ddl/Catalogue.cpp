@@ -56,10 +56,7 @@ class Catalogue::Applier
 {
 public:
     Applier(Catalogue& catalogue, CatalogueTable& table, const ScriptPlace& place, SearchPath path)
-        : mCatalogue(catalogue),
-          mTable(table),
-          mPlace(place),
-          mPath(std::move(path))
+        : mCatalogue(catalogue), mTable(table), mPlace(place), mPath(std::move(path))
     {}
 
     void operator()(const SchemaColumn& column) const
@@ -172,8 +169,7 @@ private:
 };
 
 Catalogue::Catalogue(EDialect dialect, ReadingNotes& notes)
-    : mNotes(&notes),
-      mDefaultSchema(DefaultSchema(dialect))
+    : mNotes(&notes), mDefaultSchema(DefaultSchema(dialect))
 {
     std::vector<std::string> path;
     if (!mDefaultSchema.empty())

@@ -20,10 +20,7 @@ class SchemaMaker
 public:
     SchemaMaker(std::deque<CatalogueTable>& tables, const TableNames& names,
                 const std::string& defaultSchema, ReadingNotes& notes)
-        : mTables(tables),
-          mNames(names),
-          mDefaultSchema(defaultSchema),
-          mNotes(notes)
+        : mTables(tables), mNames(names), mDefaultSchema(defaultSchema), mNotes(notes)
     {}
 
     DatabaseSchema Make()
@@ -121,8 +118,8 @@ private:
     void AddForeignKey(const CatalogueTable::ForeignKey& key, SchemaTable& made)
     {
         const ForeignKeyDeclaration& declaration = key.declaration;
-        const std::string what = made.name + " (" + JoinTexts(declaration.columns) + ") -> " +
-                                 declaration.table.name;
+        const std::string what =
+            made.name + " (" + JoinTexts(declaration.columns) + ") -> " + declaration.table.name;
         CatalogueTable* const target = mNames.Find(declaration.table, *key.path);
         const auto position = mPositions.find(target);
         if (position == mPositions.end()) {
@@ -139,8 +136,8 @@ private:
             added.to = target->FindPrimaryKey()->columns;
         if (added.to.empty() || added.to.size() != added.from.size() ||
             !SpellLike(made.columns, added.from) || !SpellLike(target->columns, added.to)) {
-            mNotes.Tell(key.place, "a foreign key whose columns do not exist or do not match: " +
-                                       what);
+            mNotes.Tell(key.place,
+                        "a foreign key whose columns do not exist or do not match: " + what);
             return;
         }
         made.foreignKeys.push_back(std::move(added));

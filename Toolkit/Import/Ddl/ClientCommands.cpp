@@ -12,11 +12,11 @@ namespace {
 using namespace std::string_view_literals;
 
 constexpr std::array kSqlPlusCommands{
-    "rem"sv,    "remark"sv,   "prompt"sv,  "set"sv,     "spool"sv,    "define"sv,     "undefine"sv,
-    "conn"sv,   "connect"sv,  "accept"sv,  "show"sv,    "whenever"sv, "disconnect"sv, "host"sv,
-    "exit"sv,   "quit"sv,     "pause"sv,   "start"sv,   "column"sv,   "col"sv,        "ttitle"sv,
-    "btitle"sv, "break"sv,    "clear"sv,   "compute"sv, "variable"sv, "var"sv,        "print"sv,
-    "timing"sv, "describe"sv, "exec"sv,    "execute"sv, "run"sv,
+    "rem"sv,    "remark"sv,   "prompt"sv, "set"sv,     "spool"sv,    "define"sv,     "undefine"sv,
+    "conn"sv,   "connect"sv,  "accept"sv, "show"sv,    "whenever"sv, "disconnect"sv, "host"sv,
+    "exit"sv,   "quit"sv,     "pause"sv,  "start"sv,   "column"sv,   "col"sv,        "ttitle"sv,
+    "btitle"sv, "break"sv,    "clear"sv,  "compute"sv, "variable"sv, "var"sv,        "print"sv,
+    "timing"sv, "describe"sv, "exec"sv,   "execute"sv, "run"sv,
 };
 
 constexpr std::string_view kBlanks = " \t\r\f\v";

@@ -17,11 +17,10 @@ struct DialectWords
     std::string_view name;
 };
 
-constexpr std::array kDialects{DialectWords{"sqlite", "SQLite"},
-                               DialectWords{"postgresql", "PostgreSQL"},
-                               DialectWords{"mysql", "MySQL"},
-                               DialectWords{"sqlserver", "SQL Server"},
-                               DialectWords{"oracle", "Oracle"}};
+constexpr std::array kDialects{
+    DialectWords{"sqlite", "SQLite"}, DialectWords{"postgresql", "PostgreSQL"},
+    DialectWords{"mysql", "MySQL"}, DialectWords{"sqlserver", "SQL Server"},
+    DialectWords{"oracle", "Oracle"}};
 
 /// A text that scripts of one dialect hold, and how much it says.
 struct Mark
@@ -181,8 +180,7 @@ EDialect RecogniseDialect(std::span<const ScriptText> scripts)
                 scores[static_cast<std::size_t>(mark.dialect)] += mark.weight;
     }
     const auto best = std::max_element(scores.begin(), scores.end());
-    return *best < kLeastScore ? EDialect::Sqlite
-                               : static_cast<EDialect>(best - scores.begin());
+    return *best < kLeastScore ? EDialect::Sqlite : static_cast<EDialect>(best - scores.begin());
 }
 
 } // namespace qe::tool

@@ -126,8 +126,7 @@ ScriptText MakeScriptText(const std::filesystem::path& path, std::string bytes)
     ScriptText script{.path = path, .text = ToUtf8(std::move(bytes))};
     const std::size_t zero = script.text.find('\0');
     if (zero != std::string::npos)
-        throw InputError(
-            {{DescribePlace(script, zero), "a zero byte stands here; not valid SQL"}});
+        throw InputError({{DescribePlace(script, zero), "a zero byte stands here; not valid SQL"}});
     RepairLetters(script);
     return script;
 }

@@ -82,7 +82,8 @@ bool SqlToken::IsWord(std::string_view word) const
 std::string ToContent(const SqlToken& text)
 {
     const char end = text.text.front() == '[' ? ']' : text.text.front();
-    const std::string_view quoted = text.text.substr(1, std::max<std::size_t>(text.text.size(), 2) - 2);
+    const std::string_view quoted =
+        text.text.substr(1, std::max<std::size_t>(text.text.size(), 2) - 2);
     std::string content;
     content.reserve(quoted.size());
     for (std::size_t i = 0; i < quoted.size(); ++i) {
@@ -109,8 +110,7 @@ std::string ToName(const SqlToken& token, EDialect dialect)
 }
 
 SqlTokenizer::SqlTokenizer(std::string_view script, EDialect dialect)
-    : mScript(script),
-      mRules(&RulesOf(dialect))
+    : mScript(script), mRules(&RulesOf(dialect))
 {}
 
 SqlToken SqlTokenizer::Next()

@@ -20,10 +20,9 @@ bool IsOneOf(const SqlToken& token, const Words& words)
 bool StartsWith(Tokens tokens, const Words& words)
 {
     return tokens.size() >= words.size() &&
-           std::equal(words.begin(), words.end(), tokens.begin(),
-                      [](std::string_view word, const SqlToken& token) {
-                          return token.IsWord(word);
-                      });
+           std::equal(
+               words.begin(), words.end(), tokens.begin(),
+               [](std::string_view word, const SqlToken& token) { return token.IsWord(word); });
 }
 
 /// Returns the position of the first of the words, before the first parenthesis; the number of
@@ -52,17 +51,16 @@ bool CreatesRoutine(Tokens tokens)
     const std::size_t found =
         FindWord(tokens.subspan(1), {"procedure", "proc", "function", "trigger", "event", "package",
                                      "table", "view", "index", "type", "database", "schema"});
-    return found + 1 < tokens.size() &&
-           IsOneOf(tokens[found + 1],
-                   {"procedure", "proc", "function", "trigger", "event", "package"});
+    return found + 1 < tokens.size() && IsOneOf(tokens[found + 1], {"procedure", "proc", "function",
+                                                                    "trigger", "event", "package"});
 }
 
 EStatementKind ClassifyCreate(Tokens tokens, EDialect dialect)
 {
     const std::size_t table = FindWord(tokens, {"table"});
-    if (table < tokens.size() && std::all_of(tokens.begin() + 1, tokens.begin() +
-                                                 static_cast<std::ptrdiff_t>(table),
-                                             IsTableModifier))
+    if (table < tokens.size() &&
+        std::all_of(tokens.begin() + 1, tokens.begin() + static_cast<std::ptrdiff_t>(table),
+                    IsTableModifier))
         return EStatementKind::CreateTable;
     if (CreatesRoutine(tokens))
         return EStatementKind::Routine;

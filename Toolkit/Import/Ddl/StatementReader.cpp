@@ -11,10 +11,13 @@ bool SaysNothing(EStatementKind kind)
     return kind == EStatementKind::Other || kind == EStatementKind::Routine;
 }
 
-/// Returns whether the statement that begins so lists rights, whose names are those of statements.
-bool GrantsRights(const SqlToken& first)
+/// Returns whether a right may be named next, as "CREATE TABLE" in a GRANT: rights are called like
+/// statements.
+bool MayNameRight(const SqlToken& first, const SqlToken& last)
 {
-    return first.IsWord("grant") || first.IsWord("deny") || first.IsWord("revoke");
+    const bool grants = first.IsWord("grant") || first.IsWord("deny") || first.IsWord("revoke");
+    return grants && (last.text.data() == first.text.data() || last.IsSign(',') ||
+                      last.IsWord("with") || last.IsWord("for"));
 }
 
 /// Follows the blocks of a routine, which hold statements of their own.
@@ -107,9 +110,9 @@ bool StatementReader::EndsAt(const SqlToken& token, const ScriptStatement& state
 {
     if (token.kind == EToken::Terminator)
         return true;
-    const bool endsBefore = mCommands.EndsBatch(token) || mCommands.IsCommand(token) ||
-                            (state.depth == 0 && !statement.tokens.empty() &&
-                             BeginsAnother(token, statement, state));
+    const bool endsBefore =
+        mCommands.EndsBatch(token) || mCommands.IsCommand(token) ||
+        (state.depth == 0 && !statement.tokens.empty() && BeginsAnother(token, statement, state));
     if (endsBefore)
         MoveTo(token);
     return endsBefore;
@@ -119,7 +122,7 @@ bool StatementReader::BeginsAnother(const SqlToken& token, const ScriptStatement
                                     const State& state)
 {
     if (mDialect == EDialect::SqlServer && token.kind == EToken::Word)
-        return !GrantsRights(statement.tokens.front()) &&
+        return !MayNameRight(statement.tokens.front(), state.last) &&
                IsStatementHead(token, state.last, Peek());
     // Definitions that a server lists have no terminators.
     return mDialect == EDialect::Oracle && (token.IsWord("create") || token.IsWord("alter")) &&
@@ -141,9 +144,9 @@ std::size_t StatementReader::OffsetOf(const SqlToken& token) const
 
 std::size_t StatementReader::CountLine(std::size_t offset)
 {
-    mLine += static_cast<std::size_t>(std::count(
-        mScript.begin() + static_cast<std::ptrdiff_t>(mLineOffset),
-        mScript.begin() + static_cast<std::ptrdiff_t>(offset), '\n'));
+    mLine += static_cast<std::size_t>(
+        std::count(mScript.begin() + static_cast<std::ptrdiff_t>(mLineOffset),
+                   mScript.begin() + static_cast<std::ptrdiff_t>(offset), '\n'));
     mLineOffset = offset;
     return mLine;
 }

@@ -25,7 +25,8 @@ void ReadTableOptions(TokenCursor& cursor, TableDeclaration& table)
     while (!cursor.IsAtEnd()) {
         if (cursor.Skip("inherits")) {
             const std::optional<TokenCursor> parents = cursor.ReadParentheses();
-            for (TokenCursor parent : parents ? parents->SplitAtCommas() : std::vector<TokenCursor>())
+            for (TokenCursor parent :
+                 parents ? parents->SplitAtCommas() : std::vector<TokenCursor>())
                 if (const std::optional<ObjectName> name = parent.ReadObjectName())
                     table.inheritances.push_back({.table = *name});
         } else if (cursor.Skip("comment")) {
@@ -116,8 +117,8 @@ void DeclarationReader::ReadTableBody(TokenCursor& cursor, TableDeclaration& tab
         return;
     if (!isQuery && !cursor.IsAtAny({"as", "select", "with", "using"}))
         throw UnreadableElement("a table without columns: " + table.name.name);
-    mNotes->Tell(mPlace, "the columns of a table that a query makes are not known: " +
-                             table.name.name);
+    mNotes->Tell(mPlace,
+                 "the columns of a table that a query makes are not known: " + table.name.name);
 }
 
 void DeclarationReader::ReadUniqueIndex(TokenCursor cursor)

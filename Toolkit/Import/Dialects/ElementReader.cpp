@@ -11,8 +11,7 @@ void SkipStorage(TokenCursor& cursor)
 {
     while (cursor.SkipAny({"clustered", "nonclustered", "hash"}) ||
            cursor.Skip({"nulls", "not", "distinct"}) || cursor.Skip({"nulls", "distinct"}) ||
-           cursor.Skip({"using", "btree"}) || cursor.Skip({"using", "hash"})) {
-    }
+           cursor.Skip({"using", "btree"}) || cursor.Skip({"using", "hash"})) {}
 }
 
 bool BeginsConstraint(const TokenCursor& cursor)
@@ -30,12 +29,12 @@ bool HasIndexElements(EDialect dialect)
 bool SkipElement(TokenCursor& cursor)
 {
     const SqlToken next = cursor.Peek(1);
-    const bool isCheck = cursor.IsAtAny({"check", "exclude"}) &&
-                         (next.IsSign('(') || next.IsWord("using"));
+    const bool isCheck =
+        cursor.IsAtAny({"check", "exclude"}) && (next.IsSign('(') || next.IsWord("using"));
     const bool isPeriod = cursor.IsAt("period") && next.IsWord("for");
     const bool isLog = cursor.IsAt("supplemental") && next.IsWord("log");
-    const bool isText = cursor.IsAtAny({"fulltext", "spatial", "vector"}) &&
-                        cursor.GetDialect() == EDialect::MySql;
+    const bool isText =
+        cursor.IsAtAny({"fulltext", "spatial", "vector"}) && cursor.GetDialect() == EDialect::MySql;
     const bool isDefault = cursor.IsAt("default") && cursor.GetDialect() == EDialect::SqlServer;
     if (!isCheck && !isPeriod && !isLog && !isText && !isDefault)
         return false;
@@ -72,10 +71,9 @@ void ElementReader::Read(TokenCursor& cursor)
         const std::optional<ObjectName> table = cursor.ReadObjectName();
         const bool hasKeys = cursor.GetDialect() == EDialect::MySql || cursor.IsAt("including");
         if (table)
-            mTable->inheritances.push_back(
-                {.table = *table,
-                 .kind = hasKeys ? Inheritance::EKind::ColumnsAndKeys
-                                 : Inheritance::EKind::Columns});
+            mTable->inheritances.push_back({.table = *table,
+                                            .kind = hasKeys ? Inheritance::EKind::ColumnsAndKeys
+                                                            : Inheritance::EKind::Columns});
         cursor.GoTo(',');
         return;
     }

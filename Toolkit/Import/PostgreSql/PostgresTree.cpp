@@ -120,9 +120,9 @@ void PostgresTree::ReadTable(const Node& node)
         return mNotes->CountSkipped();
     const bool isPartition = base.contains("partbound");
     for (const Node& parent : PartOf(base, "inhRelations"))
-        table.inheritances.push_back({.table = RelationOf(PartOf(parent, "RangeVar")),
-                                      .kind = isPartition ? Inheritance::EKind::Partition
-                                                          : Inheritance::EKind::Child});
+        table.inheritances.push_back(
+            {.table = RelationOf(PartOf(parent, "RangeVar")),
+             .kind = isPartition ? Inheritance::EKind::Partition : Inheritance::EKind::Child});
     for (const Node& element : PartOf(base, "tableElts"))
         AddElement(element, table);
     mCatalogue->AddTable(std::move(table), mPlace);
@@ -161,8 +161,8 @@ void PostgresTree::AddElement(const Node& element, TableDeclaration& table)
     else if (const Node& like = PartOf(element, "TableLikeClause"); !like.is_null()) {
         constexpr unsigned kIncludingIndexes = 64;
         const Node& options = PartOf(like, "options");
-        const bool hasKeys = options.is_number_unsigned() &&
-                             (options.get<unsigned>() & kIncludingIndexes) != 0;
+        const bool hasKeys =
+            options.is_number_unsigned() && (options.get<unsigned>() & kIncludingIndexes) != 0;
         table.inheritances.push_back(
             {.table = RelationOf(PartOf(like, "relation")),
              .kind = hasKeys ? Inheritance::EKind::ColumnsAndKeys : Inheritance::EKind::Columns});
@@ -225,9 +225,7 @@ void PostgresTree::ReadCommand(const ObjectName& table, const Node& command)
 {
     const std::string verb = TextOf(command, "subtype");
     const std::string name = TextOf(command, "name");
-    const auto alter = [&](const Alteration& change) {
-        mCatalogue->Alter(table, change, mPlace);
-    };
+    const auto alter = [&](const Alteration& change) { mCatalogue->Alter(table, change, mPlace); };
     if (verb == "AT_AddColumn" || verb == "AT_AddConstraint") {
         TableDeclaration added;
         AddElement(PartOf(command, "def"), added);
@@ -270,7 +268,8 @@ void PostgresTree::ReadIndex(const Node& node)
 void PostgresTree::ReadComment(const Node& node)
 {
     const bool isColumn = Says(node, "objtype", "OBJECT_COLUMN");
-    std::vector<std::string> names = NamesOf(PartOf(PartOf(PartOf(node, "object"), "List"), "items"));
+    std::vector<std::string> names =
+        NamesOf(PartOf(PartOf(PartOf(node, "object"), "List"), "items"));
     const std::string text = TextOf(node, "comment");
     if (!isColumn)
         return mCatalogue->Alter(ToObjectName(names), DescribedTable{.description = text}, mPlace);
