@@ -159,7 +159,7 @@ std::string Describe(const std::string& statements)
         const ToolModel tool = qe::test::ImportText(statements);
         for (const auto& lines : {SubjectsOf(*tool.model), JoinsOf(*tool.model), tool.notes})
             for (const std::string& line : lines)
-                text += line + '\n';
+                text += line.substr(line.rfind('/') + 1) + '\n';
     });
     // The file lies in a folder of its own.
     return text + mistakes.substr(mistakes.rfind('/') + 1);

@@ -4,6 +4,7 @@
 #include "Toolkit/Import/Ddl/CatalogueSchema.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 #include <variant>
 
@@ -61,7 +62,7 @@ public:
 
     void operator()(const SchemaColumn& column) const
     {
-        if (FindColumn(mTable.columns, column.name) == nullptr)
+        if (!column.name.empty() && FindColumn(mTable.columns, column.name) == nullptr)
             mTable.columns.push_back(column);
     }
 
@@ -80,7 +81,8 @@ public:
     void operator()(const RenamedColumn& renamed) const
     {
         SchemaColumn* const column = mTable.FindColumn(renamed.from);
-        if (column == nullptr)
+        const SchemaColumn* const other = FindColumn(mTable.columns, renamed.to);
+        if (column == nullptr || renamed.to.empty() || (other != nullptr && other != column))
             return;
         const RenamedColumn exact{.from = column->name, .to = renamed.to};
         column->name = renamed.to;
@@ -205,20 +207,32 @@ void Catalogue::AddTable(TableDeclaration declaration, const ScriptPlace& place)
     mNames.Add(table);
     for (const Inheritance& inheritance : declaration.inheritances)
         Inherit(table, inheritance);
+    AddColumns(table, std::move(declaration.columns), place);
     const Applier applier(*this, table, place, mPath);
-    for (SchemaColumn& column : declaration.columns) {
-        SchemaColumn* const inherited =
-            declaration.inheritances.empty() ? nullptr : table.FindColumn(column.name);
-        if (inherited == nullptr)
-            table.columns.push_back(std::move(column));
-        else
-            inherited->isNotNull = inherited->isNotNull || column.isNotNull;
-    }
     for (const KeyDeclaration& key : declaration.keys)
         applier(key);
     for (const ForeignKeyDeclaration& key : declaration.foreignKeys)
         applier(key);
     mNotes->CountPartialKeys(declaration.partialKeys);
+}
+
+void Catalogue::AddColumns(CatalogueTable& table, std::vector<SchemaColumn> columns,
+                           const ScriptPlace& place)
+{
+    std::map<std::string, std::size_t> inherited;
+    for (std::size_t i = 0; i < table.columns.size(); ++i)
+        inherited.emplace(table.columns[i].name, i);
+    std::set<std::string> declared;
+    for (SchemaColumn& column : columns) {
+        const auto found = inherited.find(column.name);
+        if (column.name.empty() || !declared.insert(column.name).second)
+            mNotes->Tell(place, "a column without a name of its own: " + table.name.name + '.' +
+                                    column.name);
+        else if (found == inherited.end())
+            table.columns.push_back(std::move(column));
+        else if (column.isNotNull)
+            table.columns[found->second].isNotNull = true;
+    }
 }
 
 bool Catalogue::HasTable(const ObjectName& table) const

@@ -53,6 +53,8 @@ private:
     };
 
     [[nodiscard]] ObjectName Complete(ObjectName name) const;
+    void AddColumns(CatalogueTable& table, std::vector<SchemaColumn> columns,
+                    const ScriptPlace& place);
     void Inherit(CatalogueTable& table, const Inheritance& inheritance);
 
     ReadingNotes* mNotes;

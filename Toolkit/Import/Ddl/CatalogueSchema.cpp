@@ -87,16 +87,18 @@ private:
             made.source = {table.name.schema, table.name.name};
         else if (name != table.name.name)
             made.source = {table.name.name};
+        std::set<Names> known;
         for (const EKeyKind kind : {EKeyKind::Primary, EKeyKind::Unique})
             for (const CatalogueTable::Key& key : table.keys)
                 if (key.declaration.kind == kind)
-                    AddKey(key, made);
+                    AddKey(key, made, known);
         for (const CatalogueTable::ForeignKey& key : table.foreignKeys)
             AddForeignKey(key, made);
         return made;
     }
 
-    void AddKey(const CatalogueTable::Key& key, SchemaTable& made)
+    /// Adds a key unless it is known; `known` are sets of columns, each sorted.
+    void AddKey(const CatalogueTable::Key& key, SchemaTable& made, std::set<Names>& known)
     {
         Names columns = key.declaration.columns;
         if (!SpellLike(made.columns, columns)) {
@@ -104,14 +106,9 @@ private:
                                        JoinTexts(key.declaration.columns) + ")");
             return;
         }
-        const auto sorted = [](Names names) {
-            std::sort(names.begin(), names.end());
-            return names;
-        };
-        const bool isKnown =
-            std::any_of(made.keys.begin(), made.keys.end(),
-                        [&](const Names& other) { return sorted(other) == sorted(columns); });
-        if (!isKnown && !columns.empty())
+        Names sorted = columns;
+        std::sort(sorted.begin(), sorted.end());
+        if (!columns.empty() && known.insert(std::move(sorted)).second)
             made.keys.push_back(std::move(columns));
     }
 

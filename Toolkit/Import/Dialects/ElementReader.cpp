@@ -201,6 +201,8 @@ ElementReader::ReadKeyColumns(const TokenCursor& columns) const
         const auto declared = length && name ? mLengths.find(*name) : mLengths.end();
         if (length && (declared == mLengths.end() || declared->second != length->Peek().text))
             return std::nullopt;
+        if (piece.Skip("collate"))
+            static_cast<void>(piece.ReadName());
         piece.SkipAny({"asc", "desc"});
         if (!name || !piece.IsAtEnd())
             return std::nullopt;
