@@ -3,6 +3,7 @@
 #include "Tests/Toolkit/SchemaLines.h"
 #include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Import/SqlScripts.h"
+#include "Toolkit/Model/ModelFile.h"
 
 #include <gmock/gmock.h>
 
@@ -272,6 +273,7 @@ TEST(SharedNames, StayApartInTheModel)
     EXPECT_THAT(names, ElementsAre("Id = Id", "id (2) = id", "x.a = x.a", "y.a = y.a"));
     EXPECT_EQ(tool.model->GetJoins().size(), 2U);
     EXPECT_EQ(tool.descriptions.at(tool.model->GetSubjects()[2]), "one");
+    EXPECT_EQ(ReadModelText(WriteModelText(tool), "s.json").descriptions, tool.descriptions);
 }
 
 } // namespace
