@@ -108,6 +108,8 @@ TEST_F(CommandsTest, ImportWritesTheModelThatAnswersLikeItsSource)
 {
     const ToolRun imported = RunWith({"import", "sql", "@", "--roles"});
     EXPECT_EQ(imported.code, EExitCode::Done) << imported.error;
+    EXPECT_THAT(imported.error, testing::ContainsRegex(": [0-9]+ tables, [0-9]+ joins\n$"));
+    EXPECT_EQ(RunWith({"import", "@", "--roles"}).output, imported.output);
     const std::string file = mFolder.Write("model.json", imported.output);
     const ToolRun asked = RunWith({"path", file, "customer (ship_to)", "region"});
     const ToolRun dotted = RunWith({"path", file, "[shop.visit]", "shop", "--format", "sql"});
