@@ -55,7 +55,7 @@ void AddSqlOptions(CLI::App& command, Options& options)
             "--from", [&options](const std::string& word) { options.dialect = FindDialect(word); },
             "the dialect of the files; recognised without it")
         ->check(CLI::IsMember(ListDialectWords()))
-        ->type_name("sqlite|postgresql|mysql|sqlserver|oracle");
+        ->type_name("DIALECT");
 }
 
 void AddSqliteOptions(CLI::App& command, Options& options)
