@@ -35,8 +35,12 @@ void ClientCommands::Skip()
 {
     while (true) {
         const SqlToken token = mTokenizer->Next();
-        if (token.kind == EToken::Terminator || EndsBatch(token) || SkipCommand(token))
+        if (token.kind == EToken::Terminator || SkipCommand(token))
             continue;
+        if (EndsBatch(token)) {
+            SkipLine();
+            continue;
+        }
         mTokenizer->MoveTo(token.kind == EToken::End ? mScript.size() : OffsetOf(token));
         return;
     }
@@ -104,8 +108,12 @@ bool ClientCommands::SkipRoutine()
         return false;
     while (true) {
         const SqlToken token = mTokenizer->Next();
-        if (token.kind == EToken::End || token.kind == EToken::Unended || EndsBatch(token))
+        if (token.kind == EToken::End || token.kind == EToken::Unended)
             return true;
+        if (EndsBatch(token)) {
+            SkipLine();
+            return true;
+        }
     }
 }
 

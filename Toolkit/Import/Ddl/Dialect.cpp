@@ -151,6 +151,7 @@ std::string Normalise(std::string_view script)
 std::vector<std::string> ListDialectWords()
 {
     std::vector<std::string> words;
+    words.reserve(kDialects.size());
     for (const DialectWords& dialect : kDialects)
         words.emplace_back(dialect.word);
     return words;
