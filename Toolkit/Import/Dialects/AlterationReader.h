@@ -31,7 +31,7 @@ private:
     void ReadChange(TokenCursor& piece);
     void ReadAlterColumn(TokenCursor& piece);
     void ReadRename(TokenCursor& piece);
-    void Alter(Alteration change) { mCatalogue->Alter(mTable, change, mPlace); }
+    void Alter(const Alteration& change) { mCatalogue->Alter(mTable, change, mPlace); }
 
     Catalogue* mCatalogue;
     ScriptPlace mPlace;
