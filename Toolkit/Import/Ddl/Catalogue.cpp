@@ -81,8 +81,8 @@ public:
     void operator()(const RenamedColumn& renamed) const
     {
         SchemaColumn* const column = mTable.FindColumn(renamed.from);
-        const SchemaColumn* const other = FindColumn(mTable.columns, renamed.to);
-        if (column == nullptr || renamed.to.empty() || (other != nullptr && other != column))
+        const SchemaColumn* const namesake = FindColumn(mTable.columns, renamed.to);
+        if (column == nullptr || renamed.to.empty() || (namesake != nullptr && namesake != column))
             return;
         const RenamedColumn exact{.from = column->name, .to = renamed.to};
         column->name = renamed.to;
