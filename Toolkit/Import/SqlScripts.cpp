@@ -60,6 +60,7 @@ void RequireTables(const DatabaseSchema& schema, Scripts scripts, EDialect diale
     if (!schema.tables.empty() || scripts.empty() || dialect == EDialect::Sqlite)
         return;
     std::vector<InputProblem> problems;
+    problems.reserve(schema.notes.size() + 1);
     for (const std::string& note : schema.notes)
         problems.push_back({.place = {}, .text = note});
     problems.push_back(
@@ -90,6 +91,7 @@ DatabaseSchema ReadSqlScripts(const std::vector<std::filesystem::path>& paths,
                               std::optional<EDialect> dialect, const ProgressObserver& observer)
 {
     std::vector<ScriptText> scripts;
+    scripts.reserve(paths.size());
     for (const std::filesystem::path& path : paths)
         scripts.push_back(ReadScriptText(path));
     return ReadSqlTexts(scripts, dialect, observer);
