@@ -130,8 +130,8 @@ struct Request
     {
         if (hasCache)
             context.SetJoinCache(std::make_unique<AQE_JoinCache>());
-        refiner = AQE_I_Refiner::Create(candidates.gateway.get(), nullptr, governors, &context,
-                                        countsFacts, countsFacts);
+        refiner = AQE_I_Refiner::Create(candidates.gateway.get(), selector.Get(), governors,
+                                        &context, countsFacts, countsFacts);
     }
 
     std::size_t Ask(const Ids& subjects, const Ids& required = {})
@@ -145,6 +145,7 @@ struct Request
     }
 
     const Candidates& candidates;
+    AUT_RefPtr<AQE_I_PathSelector> selector = AQE_I_PathSelector::CreateFirstPathSelector(nullptr);
     AQE_RequestContext context;
     AUT_RefPtr<AQE_I_Refiner> refiner{nullptr};
 };

@@ -32,9 +32,10 @@ extern template class QEREFINER_EXPORT AUT_RefPtr<AQE_I_Refiner>;
 /// - `favouredSubjects`: query subjects whose joins are made cheaper.
 ///
 /// In a request that has a join cache each join is read from the gateway once, and an operation
-/// with the nodes and joins of the one before it goes on with the join graph of that one; otherwise
-/// it builds its own. How long the search for trees takes is up to the graph
-/// (AQE_I_UndirectedGraph), and the paths between two sets take one search for each pair.
+/// with the nodes and joins of the one before it goes on with the join graph of that one;
+/// otherwise, and always in GetJoinTreeJoins, it builds its own. How long the search for trees
+/// takes is up to the graph (AQE_I_UndirectedGraph), and the paths between two sets take one search
+/// for each pair.
 ///
 /// Exceptions of the gateway, of the selector and of the engine's services pass through.
 class QEREFINER_EXPORT AQE_I_Refiner

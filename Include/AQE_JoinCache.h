@@ -5,21 +5,20 @@
 #include "QEREFINER_EXPORT.h"
 #include "amd_id.h"
 
-#include <cstdint>
 #include <map>
 #include <memory>
-#include <memory_resource>
 #include <vector>
 
 namespace qe {
 class CandidateShelf;
 class JoinCacheAccess;
+class JoinStore;
 } // namespace qe
 
 /// Keeps, for the life of one request, the joins that were read and the join paths that were
 /// chosen. Entries are added and replaced, never dropped. Refiners also keep the candidate graph of
-/// their last operation here, for the next one with the same candidates. One thread at a time uses
-/// a cache.
+/// their last operation here, for the next one with the same candidates, with what the graph
+/// remembers of its own searches. One thread at a time uses a cache.
 class QEREFINER_EXPORT AQE_JoinCache
 {
 public:
@@ -58,12 +57,8 @@ private:
     /// A set of ids, in order and each once.
     using JoinPathKey = std::vector<amd_id>;
 
-    /// What the joins live in: thousands that are never dropped one by one.
-    std::pmr::monotonic_buffer_resource mMemory;
-    std::pmr::map<amd_id, QEjoinInfo> mJoinInfos{&mMemory};
+    std::unique_ptr<qe::JoinStore> mJoins;
     std::map<JoinPathKey, std::vector<amd_id>> mJoinPaths;
-    /// How often a join was replaced by another.
-    std::uint64_t mReplacedCount = 0;
     std::shared_ptr<qe::CandidateShelf> mShelf;
 };
 

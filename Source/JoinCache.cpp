@@ -1,6 +1,6 @@
 #include "AQE_JoinCache.h"
 
-#include "Joins/JoinCacheAccess.h"
+#include "Joins/JoinStore.h"
 
 #include <algorithm>
 
@@ -21,23 +21,19 @@ std::vector<amd_id> MakeKey(const std::vector<amd_id>& querySubjects,
 
 } // namespace
 
-AQE_JoinCache::AQE_JoinCache() = default;
+AQE_JoinCache::AQE_JoinCache() : mJoins(std::make_unique<qe::JoinStore>())
+{}
 
 AQE_JoinCache::~AQE_JoinCache() = default;
 
 bool AQE_JoinCache::GetJoinInfo(const amd_id& joinId, QEjoinInfo& info) const
 {
-    const auto found = mJoinInfos.find(joinId);
-    if (found == mJoinInfos.end())
-        return false;
-    info = found->second;
-    return true;
+    return mJoins->Copy(joinId, info);
 }
 
 void AQE_JoinCache::CacheJoinInfo(const amd_id& joinId, QEjoinInfo& info)
 {
-    // Copied first: when memory runs out the cache must not be left with half a join.
-    qe::JoinCacheAccess(*this).Keep(joinId, QEjoinInfo(info));
+    mJoins->Keep(joinId, info);
 }
 
 bool AQE_JoinCache::GetJoinPath(const std::vector<amd_id>& querySubjects,

@@ -59,8 +59,8 @@ DescribePaths(std::span<const WeightedPath> candidates, std::span<const RankedPa
     descriptors.reserve(ranked.size());
     for (const RankedPath& path : ranked) {
         const WeightedPath& candidate = candidates[path.candidate];
-        descriptors.push_back(AUT_RefPtr<AQE_I_JoinPathDescriptor>(
-            new AQE_JoinPathDescriptor(candidate.path, path.ranking, candidate.weight)));
+        descriptors.push_back(AUT_RefPtr<AQE_I_JoinPathDescriptor>(new AQE_JoinPathDescriptor(
+            {candidate.path.begin(), candidate.path.end()}, path.ranking, candidate.weight)));
     }
     return descriptors;
 }

@@ -22,8 +22,8 @@ AQE_FactFinder::~AQE_FactFinder() = default;
 void AQE_FactFinder::AddJoin(amd_id /*joinId*/, amd_id left, int leftMax, amd_id right,
                              int rightMax)
 {
-    qe::RaiseUnlessAdded(mGraph.AddJoin({.subject = left, .maximum = leftMax},
-                                        {.subject = right, .maximum = rightMax}));
+    qe::RaiseUnlessAdded(mGraph.AddJoin({.subject = mGraph.GetNumber(left), .maximum = leftMax},
+                                        {.subject = mGraph.GetNumber(right), .maximum = rightMax}));
 }
 
 void AQE_FactFinder::GetDimensions(amd_id id, std::vector<amd_id>* dimensions, bool recursive)

@@ -70,6 +70,25 @@ std::optional<int> FindOtherWeight(AQE_I_Refiner::EEdgeType type)
     return std::nullopt;
 }
 
+/// Returns what the shortcut finally leads to; the empty id when the chain breaks or is cyclic.
+amd_id FollowShortcuts(amdi_gateway* gateway, const amd_id& id, std::vector<amd_id>* shortcuts,
+                       std::vector<amd_id>* shortcutParents)
+{
+    amd_id current = id;
+    std::set<amd_id> visited;
+    while (current.classCode == IdClassShortcut) {
+        const auto* const shortcut = qe::LookUp<amdi_shortcut>(gateway, current, IdClassShortcut);
+        if (shortcut == nullptr || !visited.insert(current).second)
+            return {};
+        if (shortcuts != nullptr)
+            shortcuts->push_back(current);
+        if (shortcutParents != nullptr)
+            shortcutParents->push_back(shortcut->GetParentId());
+        current = shortcut->GetReferencedId();
+    }
+    return current;
+}
+
 } // namespace
 
 AQE_I_Refiner::~AQE_I_Refiner() = default;
@@ -127,19 +146,10 @@ amd_id AQE_I_Refiner::GetRefQuerySubject(amdi_gateway* gateway, const amd_id& id
                                          std::vector<amd_id>* shortcuts,
                                          std::vector<amd_id>* shortcutParents)
 {
-    amd_id current = id;
-    std::set<amd_id> visited;
-    while (current.classCode == IdClassShortcut) {
-        const auto* const shortcut = qe::LookUp<amdi_shortcut>(gateway, current, IdClassShortcut);
-        if (shortcut == nullptr || !visited.insert(current).second)
-            return {};
-        if (shortcuts != nullptr)
-            shortcuts->push_back(current);
-        if (shortcutParents != nullptr)
-            shortcutParents->push_back(shortcut->GetParentId());
-        current = shortcut->GetReferencedId();
-    }
-    return current.classCode == IdClassQuerySubject ? current : amd_id{};
+    const amd_id end = id.classCode == IdClassShortcut
+                           ? FollowShortcuts(gateway, id, shortcuts, shortcutParents)
+                           : id;
+    return end.classCode == IdClassQuerySubject ? end : amd_id{};
 }
 
 void AQE_GetConnectivity()

@@ -35,7 +35,6 @@ AQE_JoinTree::AQE_JoinTree(const qe::RefinerServices& services, const Ids& subje
       mGateway(services.gateway),
       mEntities(subjects),
       mPreferredJoins(favouredJoins),
-      mGraph(AQE_I_UndirectedGraph::Create()),
       mTree(AQE_I_UndirectedGraph::Create()),
       mShortcutInfo(services.shortcutInfo),
       mGovernors(services.governors),

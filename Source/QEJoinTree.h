@@ -135,6 +135,7 @@ private:
     amdi_gateway* mGateway;
     Ids mEntities;
     Ids mPreferredJoins;
+    /// Null where nothing is built.
     AUT_RefPtr<AQE_I_UndirectedGraph> mGraph;
     std::map<amd_id, std::int32_t> mNodeIndex;
     AUT_RefPtr<AQE_I_UndirectedGraph> mTree;

@@ -54,9 +54,8 @@ void AQE_QuerySubjectShortcutInfo::RecordJoins(const std::vector<amd_id>& joins)
 {
     QEjoinInfo space;
     for (const amd_id& join : joins) {
-        const QEjoinInfo* const info = qe::FindOrReadJoin(mGateway, mRequestContext, join, space);
-        if (info != nullptr)
-            mReferences.RecordJoinedReferences(info->leftQuerySubject, info->rightQuerySubject);
+        if (const auto read = qe::FindOrReadJoin(mGateway, mRequestContext, join, space))
+            mReferences.RecordJoinedReferences(read->ends.left, read->ends.right);
     }
 }
 

@@ -50,12 +50,10 @@ qe::CandidatePaths GetCandidates(const AUT_RefPtr<AQE_JoinTree>& tree, const Ids
     return candidates;
 }
 
-/// Returns the position that the selector chooses; the first without a selector.
+/// Returns the position that the selector chooses.
 std::size_t SelectDescriptor(const std::vector<AUT_RefPtr<AQE_I_JoinPathDescriptor>>& descriptors,
                              const ChoiceRules& rules)
 {
-    if (rules.selector == nullptr)
-        return 0;
     if (!descriptors.empty()) {
         const std::size_t index = rules.selector->SelectPath(descriptors);
         if (index < descriptors.size())
@@ -73,8 +71,10 @@ Ids ChoosePath(const qe::CandidatePaths& candidates, const qe::RefinerServices& 
     if (candidates.paths.size() == 1)
         return candidates.paths.front();
     const auto weighted = qe::WeighPaths(candidates, services);
-    const auto descriptors =
-        qe::DescribePaths(weighted, qe::RankPaths(weighted, rules.ranking, joinInfos));
+    const auto ranked = qe::RankPaths(weighted, rules.ranking, joinInfos);
+    if (rules.selector == nullptr)
+        return candidates.paths[ranked.front().candidate];
+    const auto descriptors = qe::DescribePaths(weighted, ranked);
     Ids chosen;
     descriptors[SelectDescriptor(descriptors, rules)]->GetJoinPath(chosen);
     return chosen;
@@ -135,8 +135,8 @@ void AQE_Refiner::ComputeJoinPath(const Ids& querySubjects, const Ids& favouredJ
 {
     if (querySubjects.size() < 2)
         return;
-    AQE_JoinCache* const cache = FindJoinCache();
-    if (cache != nullptr &&
+    if (const AQE_JoinCache* const cache = FindJoinCache();
+        cache != nullptr &&
         cache->GetJoinPath(querySubjects, favouredJoins, requiredJoins, joinPath))
         return;
 
@@ -164,7 +164,8 @@ void AQE_Refiner::ComputeJoinPath(const Ids& querySubjects, const Ids& favouredJ
     // What stood in the caller's vector belongs to the answer, and to what is remembered of it.
     Ids answer = joinPath;
     answer.insert(answer.end(), readable.begin(), readable.end());
-    if (cache != nullptr)
+    // Asked for anew: the host may have put another one into the request context.
+    if (AQE_JoinCache* const cache = FindJoinCache(); cache != nullptr)
         cache->CacheJoinPath(querySubjects, favouredJoins, requiredJoins, answer);
     joinPath.swap(answer);
 }

@@ -2,6 +2,7 @@
 
 #include "Toolkit/Answers/AnswerJson.h"
 #include "Toolkit/Answers/AnswerText.h"
+#include "Toolkit/Answers/RiskText.h"
 #include "Toolkit/Draw/PictureFormat.h"
 #include "Toolkit/Page/Page.h"
 #include "Toolkit/Text/JsonText.h"
@@ -13,36 +14,43 @@ namespace qe::tool {
 
 namespace {
 
+Risks FindRisks(const FormatInput& input)
+{
+    return FindRisks(input.question, input.answer, input.options.sql);
+}
+
 void WriteTextFormat(std::ostream& out, const FormatInput& input)
 {
-    WriteText(out, input.question, input.answer, input.options.alternatives);
+    WriteText(out, input.question, input.answer, FindRisks(input), input.options.alternatives);
 }
 
 void WriteJsonFormat(std::ostream& out, const FormatInput& input)
 {
-    out << ToJsonText(ToJson(input.question, input.answer, input.options.alternatives)) << '\n';
+    out << ToJsonText(
+               ToJson(input.question, input.answer, FindRisks(input), input.options.alternatives))
+        << '\n';
 }
 
 void WriteSqlFormat(std::ostream& out, const FormatInput& input)
 {
     const Answer& answer = input.answer;
     const bool isStatement = input.options.sql.select == SqlOptions::ESelect::FirstItems;
-    const auto& path =
-        answer.path.empty() && !answer.bestPaths.empty() ? answer.bestPaths.front() : answer.path;
-    std::string sql = WriteSql(input.model, answer, path, input.options.sql);
+    std::string sql = WriteSql(input.model, answer, GetAnsweredPath(answer), input.options.sql);
     if (isStatement && !sql.empty())
         sql.back() = ';';
+    if (!sql.empty())
+        WriteRemarks(out, ListRemarks(answer, FindRisks(input)), kSqlComment);
     out << sql << (isStatement ? "\n" : "");
 }
 
 constexpr std::array kFormats{
-    Format{"text", "for people", WriteTextFormat},
-    Format{"json", "for programs", WriteJsonFormat},
+    Format{"text", "for people", WriteTextFormat, true},
+    Format{"json", "for programs", WriteJsonFormat, true},
     Format{"sql", "a FROM clause along the path", WriteSqlFormat},
     Format{"dot", "a graph for Graphviz", WriteDotFormat},
     Format{"svg", "a picture, drawn by Graphviz", WriteSvgFormat},
     Format{"png", "a picture, drawn by Graphviz", WritePngFormat},
-    Format{"html", "a page to look at and to choose in", WriteHtmlFormat},
+    Format{"html", "a page to look at and to choose in", WriteHtmlFormat, true},
 };
 
 } // namespace

@@ -16,6 +16,9 @@ struct Format
     /// One line for help.
     std::string_view description;
     void (*write)(std::ostream& out, const FormatInput& input);
+    /// Whether its readers see in it what the answer risks. Beside the others that goes to standard
+    /// error.
+    bool showsRisks = false;
 };
 
 /// Returns all formats, the default one first. Each new one is a line in Format.cpp.

@@ -64,6 +64,7 @@ amd_id ModelBuilder::AddQuerySubject(const Reference& parent, std::string name,
 {
     ObjectDraft& draft = Add(IdClassQuerySubject, parent, std::move(name), options);
     draft.record.text = options.source;
+    draft.record.keys = options.keys;
     return draft.record.id;
 }
 

@@ -28,6 +28,8 @@ struct ObjectOptions
     std::string locale{};
     /// Query subject: the table or view that it reads, any text.
     std::string source{};
+    /// Query subject: sets of its items that no two rows agree in, by name; not checked.
+    std::vector<std::vector<std::string>> keys{};
     /// Anything by which the caller finds the object again; problems carry it.
     std::int64_t tag = 0;
 };

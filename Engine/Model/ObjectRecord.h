@@ -53,6 +53,8 @@ struct ObjectRecord
     std::string locale{};
     /// Query subject: the table or view that it reads. Join, filter: the condition.
     std::string text{};
+    /// Query subject: sets of its items that no two rows agree in. None: nothing is known of them.
+    std::vector<std::vector<std::string>> keys{};
     /// Shortcut, relationship shortcut: what it stands for.
     amd_id referenced{};
     /// Shortcut: 0 is the ordinary kind.

@@ -46,6 +46,11 @@ amd_id ReferenceFinder::Find(std::size_t position, const PlacedDraft& draft,
     const std::vector<amd_id> found = Match(draft, reference.GetName(), wanted.nameKinds);
     if (found.size() == 1)
         return found.front();
+    if (found.empty() && NamesItself(draft, reference.GetName(), wanted.nameKinds)) {
+        mProblems->Add(position, wanted.aspect,
+                       "has itself as its " + title + ": \"" + reference.GetName() + '"');
+        return {};
+    }
     if (found.empty()) {
         mProblems->Add(position, wanted.aspect,
                        "has a " + title + " that is not in the model: \"" + reference.GetName() +
@@ -94,6 +99,15 @@ std::vector<amd_id> ReferenceFinder::Match(const PlacedDraft& draft, const std::
     std::copy_if(found.begin(), found.end(), std::back_inserter(nearby),
                  [&](const amd_id& id) { return mTable->Find(id)->space == draft.record->space; });
     return nearby.size() == 1 ? nearby : found;
+}
+
+bool ReferenceFinder::NamesItself(const PlacedDraft& draft, const std::string& name,
+                                  const std::vector<ENameKind>& nameKinds) const
+{
+    return std::any_of(nameKinds.begin(), nameKinds.end(), [&](ENameKind nameKind) {
+        const std::vector<amd_id> found = mNames.Match(nameKind, ParseQualifiedName(name));
+        return std::find(found.begin(), found.end(), draft.record->id) != found.end();
+    });
 }
 
 std::vector<std::string> ReferenceFinder::Suggest(const std::string& name,

@@ -42,6 +42,8 @@ public:
 private:
     [[nodiscard]] std::vector<amd_id> Match(const PlacedDraft& draft, const std::string& name,
                                             const std::vector<ENameKind>& nameKinds) const;
+    [[nodiscard]] bool NamesItself(const PlacedDraft& draft, const std::string& name,
+                                   const std::vector<ENameKind>& nameKinds) const;
     [[nodiscard]] std::vector<std::string> Suggest(const std::string& name,
                                                    const std::vector<ENameKind>& nameKinds);
 

@@ -128,4 +128,12 @@ std::vector<SettingsProblem> GetSettingsProblems()
     return SettingsFile::Get().GetTable()->problems;
 }
 
+std::vector<std::pair<std::string, std::string>> GetSettingsInFile()
+{
+    std::vector<std::pair<std::string, std::string>> names;
+    for (const auto& [name, value] : SettingsFile::Get().GetTable()->values)
+        names.push_back(name);
+    return names;
+}
+
 } // namespace qe

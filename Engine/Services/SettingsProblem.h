@@ -4,6 +4,7 @@
 #include "QEENGINE_EXPORT.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace qe {
@@ -25,6 +26,10 @@ struct SettingsProblem
 /// Returns what is wrong with the user's settings file as it is now, in the order of its lines;
 /// nothing when there is no file.
 [[nodiscard]] QEENGINE_EXPORT std::vector<SettingsProblem> GetSettingsProblems();
+
+/// Returns section and key of all that the user's settings file sets, in lower case and in order,
+/// whether or not anything reads it.
+[[nodiscard]] QEENGINE_EXPORT std::vector<std::pair<std::string, std::string>> GetSettingsInFile();
 
 } // namespace qe
 

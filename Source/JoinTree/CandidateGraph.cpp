@@ -91,7 +91,8 @@ bool CandidateGraph::TakeKept(const Request& request)
         access.Shelf() = std::make_shared<CandidateShelf>();
     // Reading a join calls the host, which may put another cache into the request context.
     const std::shared_ptr<CandidateShelf> shelf = access.Shelf();
-    const std::uint64_t replacedCount = access.GetReplacedCount();
+    const std::uint64_t replacedCount = access.Joins().GetReplacedCount();
+    access.Joins().Reserve(request.joins.size());
     std::unique_ptr<LoadedCandidates> kept =
         shelf->Take(services.gateway, replacedCount, request.nodes, request.joins);
     if (kept != nullptr && StayUnreadable(kept->unreadable)) {

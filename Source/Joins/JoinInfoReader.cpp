@@ -27,26 +27,29 @@ std::optional<JoinEnds> JoinEndsReader::GetJoinEnds(const amd_id& join) const
 
 int JoinEndsReader::AdjustWeight(const WeighedJoin& join) const
 {
+    if (!mFavouredWeights)
+        mFavouredWeights = {
+            .oneEnd = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeOneEndInSet),
+            .bothEnds = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeBothEndsInSet)};
+    if (!HasFavouredSubjects())
+        return join.weight;
     const auto resolve = [this](const amd_id& shortcut) {
         return AQE_I_Refiner::GetRefQuerySubject(mServices.gateway, shortcut, nullptr, nullptr);
     };
-    return AdjustJoinWeight(
-        join, {mFavouredSubjects, resolve},
-        {.oneEnd = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeOneEndInSet),
-         .bothEnds = AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeBothEndsInSet)});
+    return AdjustJoinWeight(join, {mFavouredSubjects, resolve}, *mFavouredWeights);
 }
 
 std::optional<WeighedJoin> JoinEndsReader::Read(const amd_id& join) const
 {
-    const AQE_I_Refiner::QEjoinInfo* info =
-        FindOrReadJoin(mServices.gateway, mServices.requestContext, join, mSpace);
-    if (info == nullptr && mShortcutUse == EShortcutUse::Consult &&
-        mServices.shortcutInfo != nullptr && mServices.shortcutInfo->GetJoinInfo(join, mSpace))
-        info = &mSpace;
-    if (info == nullptr)
+    const auto read = FindOrReadJoin(mServices.gateway, mServices.requestContext, join, mSpace);
+    if (read || mShortcutUse == EShortcutUse::Ignore || mServices.shortcutInfo == nullptr)
+        return read;
+    // A host's own shortcut information may fill in less than everything.
+    mSpace = {};
+    if (!mServices.shortcutInfo->GetJoinInfo(join, mSpace))
         return std::nullopt;
-    return WeighedJoin{.ends = {.left = info->leftQuerySubject, .right = info->rightQuerySubject},
-                       .weight = info->weight};
+    return WeighedJoin{.ends = {.left = mSpace.leftQuerySubject, .right = mSpace.rightQuerySubject},
+                       .weight = mSpace.weight};
 }
 
 namespace {

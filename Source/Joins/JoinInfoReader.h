@@ -85,8 +85,10 @@ private:
     RefinerServices mServices;
     const std::set<amd_id>& mFavouredSubjects;
     EShortcutUse mShortcutUse;
-    /// What joins are read into that no cache keeps.
+    /// What each join is read into, so that its memory serves all of them.
     mutable AQE_I_Refiner::QEjoinInfo mSpace;
+    /// Read when a weight is first adjusted: looking at a weight may read a setting.
+    mutable std::optional<FavouredWeights> mFavouredWeights;
 };
 
 } // namespace qe

@@ -197,18 +197,19 @@ AQE_JoinCache* FindJoinCache(const AQE_RequestContext* context)
     return context == nullptr ? nullptr : context->GetJoinCache();
 }
 
-const QEjoinInfo* FindOrReadJoin(amdi_gateway* gateway, AQE_RequestContext* context,
-                                 const amd_id& joinId, QEjoinInfo& space)
+std::optional<WeighedJoin> FindOrReadJoin(amdi_gateway* gateway, AQE_RequestContext* context,
+                                          const amd_id& joinId, QEjoinInfo& space)
 {
     if (AQE_JoinCache* const cache = FindJoinCache(context); cache != nullptr) {
-        if (const QEjoinInfo* const found = JoinCacheAccess(*cache).Find(joinId))
+        if (const auto found = JoinCacheAccess(*cache).Joins().Find(joinId))
             return found;
     }
-    space = {};
     if (!ReadJoin(gateway, joinId, space))
-        return nullptr;
-    AQE_JoinCache* const cache = FindJoinCache(context);
-    return cache == nullptr ? &space : &JoinCacheAccess(*cache).Keep(joinId, std::move(space));
+        return std::nullopt;
+    if (AQE_JoinCache* const cache = FindJoinCache(context); cache != nullptr)
+        JoinCacheAccess(*cache).Joins().Keep(joinId, space);
+    return WeighedJoin{.ends = {.left = space.leftQuerySubject, .right = space.rightQuerySubject},
+                       .weight = space.weight};
 }
 
 std::set<amd_id> CollectJoinEnds(amdi_gateway* gateway, const std::vector<amd_id>& joins)

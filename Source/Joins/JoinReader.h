@@ -2,8 +2,10 @@
 #define SOURCE_JOINS_JOINREADER_H
 
 #include "AQE_I_Refiner.h"
+#include "Rules/JoinEnds.h"
 #include "amd_id.h"
 
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -22,13 +24,13 @@ namespace qe {
 /// Returns the join cache of the request; null when it has none, or there is no request.
 [[nodiscard]] AQE_JoinCache* FindJoinCache(const AQE_RequestContext* context);
 
-/// Returns the join from the request's join cache or, when it is not there, as AQE_I_Refiner's
-/// GetJoinInfo reads it; null when it cannot be read. Nothing is copied: the record is the cache's
-/// own or, without a cache, `space`.
-[[nodiscard]] const AQE_I_Refiner::QEjoinInfo* FindOrReadJoin(amdi_gateway* gateway,
-                                                              AQE_RequestContext* context,
-                                                              const amd_id& joinId,
-                                                              AQE_I_Refiner::QEjoinInfo& space);
+/// Returns the ends and the weight of the join from the request's join cache or, when it is not
+/// there, as AQE_I_Refiner's GetJoinInfo reads it; nothing when it cannot be read. `space` is what
+/// it is read into.
+[[nodiscard]] std::optional<WeighedJoin> FindOrReadJoin(amdi_gateway* gateway,
+                                                        AQE_RequestContext* context,
+                                                        const amd_id& joinId,
+                                                        AQE_I_Refiner::QEjoinInfo& space);
 
 /// Returns the ends of the relationships and relationship shortcuts among the joins. A relationship
 /// shortcut brings its own ends and, when it stands for a relationship directly, those of the

@@ -8,7 +8,6 @@
 #include "Rules/RankingCriteria.h"
 
 #include <algorithm>
-#include <deque>
 #include <map>
 #include <numeric>
 #include <string>
@@ -35,7 +34,7 @@ RankingLog::RankingLog(const JoinInfoReader& joinInfos)
         mFile.Log(kLevel, "AQE_Refiner::RankPaths -> START LOGGING COMPUTED JOIN PATHS\n");
 }
 
-void RankingLog::LogRankedPath(const std::vector<amd_id>& path, const PathMeasure& measure,
+void RankingLog::LogRankedPath(std::span<const amd_id> path, const PathMeasure& measure,
                                std::int32_t ranking)
 {
     if (!mIsOn || mLoggedCount >= kMaxLoggedPaths)
@@ -67,34 +66,40 @@ namespace {
 
 /// Positions in the list of paths to rank.
 using Indices = std::vector<std::size_t>;
-/// Joins, in the order in which they were met.
-using JoinNumbers = std::vector<std::uint32_t>;
-/// The joins of the candidates by number, each read once.
-class CandidateJoins : public MeasureListener
+/// The numbers of the joins of a candidate.
+using JoinNumbers = std::span<const std::uint32_t>;
+
+/// Raises what keeps the fact tables of a path from being counted.
+class FailingListener : public MeasureListener
 {
 public:
-    CandidateJoins(std::span<const WeightedPath> paths, const JoinInfoReader& joinInfos)
-        : mPaths(paths), mJoinInfos(joinInfos), mNumbers(paths.size())
+    void ReportUncountable(EFactJoin problem) const override { RaiseUnlessAdded(problem); }
+};
+
+/// The joins of the candidates, numbered in the order in which they are met, each read once.
+class CandidateJoins
+{
+public:
+    CandidateJoins(std::span<const WeightedPath> paths, const JoinInfoReader& joinInfos,
+                   MeasureTools& tools)
+        : mPaths(paths), mJoinInfos(joinInfos), mTools(tools), mFirstNumbers(paths.size(), kNone)
     {}
 
-    /// Returns the numbers of the joins of a candidate.
-    [[nodiscard]] const JoinNumbers& GetNumbers(std::size_t index);
+    /// Returns the numbers of the joins of a candidate; good until the next call.
+    [[nodiscard]] JoinNumbers GetNumbers(std::size_t index);
     /// Returns those that can be read; good until the next call.
-    [[nodiscard]] ReadJoins GetReadJoins(std::size_t index);
-    /// Returns how many joins were met.
-    [[nodiscard]] std::size_t GetCount() const { return mJoins.size(); }
-    [[nodiscard]] const I18NString& GetName(std::uint32_t number) const
-    {
-        return *mJoins[number].name;
-    }
-
-    void ReportUncountable(EFactJoin problem) const override { RaiseUnlessAdded(problem); }
+    [[nodiscard]] MeasuredJoins GetReadJoins(std::size_t index);
+    /// Returns the place of the name of each join met so far in the order of all their names, by
+    /// the number of the join. Equal names have one place.
+    [[nodiscard]] const std::vector<std::uint32_t>& OrderNames();
 
 private:
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
     struct Join
     {
         bool isReadable;
-        PathJoin join;
+        MeasuredJoin join;
         const I18NString* name;
     };
 
@@ -102,29 +107,35 @@ private:
 
     std::span<const WeightedPath> mPaths;
     const JoinInfoReader& mJoinInfos;
-    std::vector<JoinNumbers> mNumbers;
-    std::size_t mLastNumbered = 0;
+    MeasureTools& mTools;
+    /// The numbers of one candidate after the other, and where those of each begin.
+    std::vector<std::uint32_t> mNumbers;
+    std::vector<std::size_t> mFirstNumbers;
+    std::size_t mLastNumbered = kNone;
     std::map<amd_id, std::uint32_t> mNumberById;
-    std::deque<Join> mJoins;
-    std::vector<const PathJoin*> mReadJoins;
+    std::vector<Join> mJoins;
+    std::vector<std::uint32_t> mPlaceOfName;
+    std::vector<MeasuredJoin> mReadJoins;
 };
 
-const JoinNumbers& CandidateJoins::GetNumbers(std::size_t index)
+JoinNumbers CandidateJoins::GetNumbers(std::size_t index)
 {
-    const std::vector<amd_id>& path = mPaths[index].path;
-    JoinNumbers& numbers = mNumbers[index];
-    if (numbers.empty()) {
-        numbers.reserve(path.size());
+    const std::span<const amd_id> path = mPaths[index].path;
+    if (mFirstNumbers[index] == kNone) {
+        const std::size_t first = mNumbers.size();
         // Candidates that follow each other differ in few of their joins.
-        const std::vector<amd_id>& last = mPaths[mLastNumbered].path;
+        std::span<const amd_id> last;
+        if (mLastNumbered != kNone)
+            last = mPaths[mLastNumbered].path;
         for (std::size_t place = 0; place < path.size(); ++place) {
-            const bool isSame =
-                place < mNumbers[mLastNumbered].size() && last[place] == path[place];
-            numbers.push_back(isSame ? mNumbers[mLastNumbered][place] : GetNumber(path[place]));
+            const bool isSame = place < last.size() && last[place] == path[place];
+            mNumbers.push_back(isSame ? mNumbers[mFirstNumbers[mLastNumbered] + place]
+                                      : GetNumber(path[place]));
         }
+        mFirstNumbers[index] = first;
         mLastNumbered = index;
     }
-    return numbers;
+    return JoinNumbers(mNumbers).subspan(mFirstNumbers[index], path.size());
 }
 
 std::uint32_t CandidateJoins::GetNumber(const amd_id& id)
@@ -138,21 +149,40 @@ std::uint32_t CandidateJoins::GetNumber(const amd_id& id)
     if (info == nullptr)
         mJoins.push_back({.isReadable = false, .join = {}, .name = &kDummy});
     else
-        mJoins.push_back({.isReadable = true,
-                          .join = {.ends = {info->leftQuerySubject, info->rightQuerySubject},
-                                   .leftCardinality = info->leftCardinality,
-                                   .rightCardinality = info->rightCardinality},
-                          .name = &info->name});
+        mJoins.push_back(
+            {.isReadable = true,
+             .join = mTools.Prepare({.ends = {info->leftQuerySubject, info->rightQuerySubject},
+                                     .leftCardinality = info->leftCardinality,
+                                     .rightCardinality = info->rightCardinality}),
+             .name = &info->name});
     mNumberById.emplace(id, number);
     return number;
 }
 
-ReadJoins CandidateJoins::GetReadJoins(std::size_t index)
+const std::vector<std::uint32_t>& CandidateJoins::OrderNames()
+{
+    if (mPlaceOfName.size() == mJoins.size())
+        return mPlaceOfName;
+    const auto getName = [this](std::uint32_t number) -> const I18NString& {
+        return *mJoins[number].name;
+    };
+    std::vector<std::uint32_t> order(mJoins.size());
+    std::iota(order.begin(), order.end(), 0U);
+    std::ranges::sort(order, {}, getName);
+    mPlaceOfName.assign(order.size(), 0);
+    for (std::size_t i = 1; i < order.size(); ++i) {
+        const bool isSame = getName(order[i]) == getName(order[i - 1]);
+        mPlaceOfName[order[i]] = mPlaceOfName[order[i - 1]] + (isSame ? 0 : 1);
+    }
+    return mPlaceOfName;
+}
+
+MeasuredJoins CandidateJoins::GetReadJoins(std::size_t index)
 {
     mReadJoins.clear();
     for (const std::uint32_t number : GetNumbers(index)) {
         if (mJoins[number].isReadable)
-            mReadJoins.push_back(&mJoins[number].join);
+            mReadJoins.push_back(mJoins[number].join);
     }
     return mReadJoins;
 }
@@ -173,21 +203,44 @@ std::int32_t FindDivisor(std::span<const WeightedPath> paths)
     return maxWeight == 0 ? kDivisorOfWeightless : maxWeight;
 }
 
-/// Returns the place of each join's name in the order of all names, by the number of the join.
-/// Equal names have one place.
-std::vector<std::uint32_t> OrderNames(const CandidateJoins& joins)
+/// The sets of the names of the joins of some candidates, by position among these.
+class Signatures
 {
-    std::vector<std::uint32_t> order(joins.GetCount());
-    std::iota(order.begin(), order.end(), 0U);
-    std::sort(order.begin(), order.end(), [&](std::uint32_t left, std::uint32_t right) {
-        return joins.GetName(left) < joins.GetName(right);
-    });
-    std::vector<std::uint32_t> places(order.size(), 0);
-    for (std::size_t i = 1; i < order.size(); ++i) {
-        const bool isSame = joins.GetName(order[i]) == joins.GetName(order[i - 1]);
-        places[order[i]] = places[order[i - 1]] + (isSame ? 0 : 1);
+public:
+    Signatures(const Indices& members, CandidateJoins& joins);
+
+    [[nodiscard]] std::span<const std::uint32_t> Get(std::size_t position) const
+    {
+        const std::size_t first = mFirsts[position];
+        return std::span(mPlaces).subspan(first, mFirsts[position + 1] - first);
     }
-    return places;
+    [[nodiscard]] bool IsLess(std::size_t left, std::size_t right) const
+    {
+        return std::ranges::lexicographical_compare(Get(left), Get(right));
+    }
+    [[nodiscard]] bool IsSame(std::size_t left, std::size_t right) const
+    {
+        return std::ranges::equal(Get(left), Get(right));
+    }
+
+private:
+    /// The places of the names in their order, one candidate after the other.
+    std::vector<std::uint32_t> mPlaces;
+    std::vector<std::size_t> mFirsts{0};
+};
+
+Signatures::Signatures(const Indices& members, CandidateJoins& joins)
+{
+    const std::vector<std::uint32_t>& placeOfName = joins.OrderNames();
+    mFirsts.reserve(members.size() + 1);
+    for (const std::size_t index : members) {
+        for (const std::uint32_t number : joins.GetNumbers(index))
+            mPlaces.push_back(placeOfName[number]);
+        const auto first = mPlaces.begin() + static_cast<std::ptrdiff_t>(mFirsts.back());
+        std::sort(first, mPlaces.end());
+        mPlaces.erase(std::unique(first, mPlaces.end()), mPlaces.end());
+        mFirsts.push_back(mPlaces.size());
+    }
 }
 
 /// Orders members by the sets of the names of their joins, where only the first with a set counts;
@@ -198,25 +251,15 @@ Indices OrderBySignature(const Indices& members, CandidateJoins& joins)
         static_cast<void>(joins.GetNumbers(index));
     if (members.size() == 1)
         return members;
-    const std::vector<std::uint32_t> places = OrderNames(joins);
-    std::vector<std::vector<std::uint32_t>> signatures;
-    signatures.reserve(members.size());
-    for (const std::size_t index : members) {
-        std::vector<std::uint32_t>& signature = signatures.emplace_back();
-        signature.reserve(joins.GetNumbers(index).size());
-        for (const std::uint32_t number : joins.GetNumbers(index))
-            signature.push_back(places[number]);
-        std::sort(signature.begin(), signature.end());
-        signature.erase(std::unique(signature.begin(), signature.end()), signature.end());
-    }
+    const Signatures signatures(members, joins);
     Indices order = ListAll(members.size());
     std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
-        return signatures[left] < signatures[right];
+        return signatures.IsLess(left, right);
     });
     Indices ordered;
     Indices duplicates;
     for (std::size_t i = 0; i < order.size(); ++i) {
-        const bool isFirst = i == 0 || signatures[order[i]] != signatures[order[i - 1]];
+        const bool isFirst = i == 0 || !signatures.IsSame(order[i], order[i - 1]);
         (isFirst ? ordered : duplicates).push_back(order[i]);
     }
     std::sort(duplicates.begin(), duplicates.end());
@@ -231,7 +274,7 @@ class Measurer
 {
 public:
     Measurer(std::span<const WeightedPath> paths, const JoinInfoReader& joinInfos)
-        : mJoins(paths, joinInfos), mMeasures(paths.size())
+        : mJoins(paths, joinInfos, mTools), mMeasures(paths.size())
     {
         for (std::size_t index = 0; index < paths.size(); ++index)
             mMeasures[index].weight = paths[index].weight;
@@ -248,8 +291,9 @@ public:
     }
 
 private:
+    FailingListener mListener;
+    MeasureTools mTools{.listener = mListener};
     CandidateJoins mJoins;
-    MeasureTools mTools{.listener = mJoins};
     std::vector<PathMeasure> mMeasures;
 };
 

@@ -23,7 +23,7 @@ public:
     explicit RankingLog(const JoinInfoReader& joinInfos);
 
     /// Writes the next path, with its keys in all criteria of the ranking.
-    void LogRankedPath(const std::vector<amd_id>& path, const PathMeasure& measure,
+    void LogRankedPath(std::span<const amd_id> path, const PathMeasure& measure,
                        std::int32_t ranking);
     void LogEnd(std::size_t pathCount);
 
@@ -34,10 +34,10 @@ private:
     int mLoggedCount = 0;
 };
 
-/// One candidate path with its weight.
+/// One candidate path, borrowed, with its weight.
 struct WeightedPath
 {
-    std::vector<amd_id> path;
+    std::span<const amd_id> path;
     std::int32_t weight = 0;
 };
 

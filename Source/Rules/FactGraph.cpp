@@ -86,13 +86,13 @@ EFactJoin FactGraph::AddJoin(const FactJoinEnd& left, const FactJoinEnd& right)
     return EFactJoin::Added;
 }
 
-EFactJoin FactGraph::AddOneToManyJoin(const amd_id& one, const amd_id& many)
+EFactJoin FactGraph::AddOneToManyJoin(std::uint32_t one, std::uint32_t many)
 {
-    FactNode* manyNode = Find(many);
+    FactNode* manyNode = GetNode(mSubjects[many]);
     const bool manyIsNew = manyNode == nullptr;
     if (manyIsNew)
         manyNode = &MakeNode(many);
-    FactNode* oneNode = Find(one);
+    FactNode* oneNode = GetNode(mSubjects[one]);
     const bool oneIsNew = oneNode == nullptr;
     if (oneIsNew)
         oneNode = &MakeNode(one);
@@ -105,8 +105,9 @@ EFactJoin FactGraph::AddOneToManyJoin(const amd_id& one, const amd_id& many)
     if (manyIsNew)
         mRoots.push_back(manyNode);
     // A join with a new query subject closes no cycle, unless that one is joined to itself.
-    const bool isCyclic = ((!oneIsNew && (!manyIsNew || one == many)) || mMayBeCyclic) &&
-                          (IsFoundAbove(*manyNode, many) || IsFoundAbove(*oneNode, one));
+    const bool isCyclic =
+        ((!oneIsNew && (!manyIsNew || one == many)) || mMayBeCyclic) &&
+        (IsFoundAbove(*manyNode, mSubjects[many].id) || IsFoundAbove(*oneNode, mSubjects[one].id));
     mMayBeCyclic = mMayBeCyclic || isCyclic;
     return isCyclic ? EFactJoin::Cyclic : EFactJoin::Added;
 }
@@ -134,72 +135,81 @@ bool FactGraph::IsFoundAbove(const FactNode& node, const amd_id& id)
     return false;
 }
 
-void FactGraph::AddOneToOneJoin(const amd_id& a, const amd_id& b)
+void FactGraph::AddOneToOneJoin(std::uint32_t a, std::uint32_t b)
 {
-    FactNode* const nodeOfA = Find(a);
-    FactNode* const nodeOfB = Find(b);
+    FactNode* const nodeOfA = GetNode(mSubjects[a]);
+    FactNode* const nodeOfB = GetNode(mSubjects[b]);
     if (nodeOfA == nullptr && nodeOfB == nullptr) {
         FactNode& node = MakeNode(a);
-        node.mIds.push_back(b);
-        Name(b, node);
+        AddToNode(b, node);
         mRoots.push_back(&node);
     } else if (nodeOfB == nullptr) {
-        nodeOfA->mIds.push_back(b);
-        Name(b, *nodeOfA);
+        AddToNode(b, *nodeOfA);
     } else if (nodeOfA == nullptr) {
-        nodeOfB->mIds.push_back(a);
-        Name(a, *nodeOfB);
+        AddToNode(a, *nodeOfB);
     } else if (nodeOfA == nodeOfB) {
         return;
     } else if (nodeOfA->mParents.empty() && !nodeOfB->mParents.empty()) {
-        MergeNodes(*nodeOfA, *nodeOfB, a);
+        MergeNodes(*nodeOfA, *nodeOfB, mSubjects[a].id);
     } else {
-        MergeNodes(*nodeOfB, *nodeOfA, b);
+        MergeNodes(*nodeOfB, *nodeOfA, mSubjects[b].id);
     }
 }
 
 void FactGraph::Clear() noexcept
 {
     mNodeCount = 0;
-    mNodeById.clear();
+    ++mGraphNumber;
     mRoots.clear();
     mMayBeCyclic = false;
 }
 
-std::vector<FactGraph::NamedNode>::const_iterator FactGraph::FindPlace(const amd_id& id) const
+std::uint32_t FactGraph::GetNumber(const amd_id& id)
 {
-    return std::lower_bound(
-        mNodeById.begin(), mNodeById.end(), id,
-        [](const NamedNode& named, const amd_id& wanted) { return named.id < wanted; });
+    const auto known = mNumberById.find(id);
+    if (known != mNumberById.end())
+        return known->second;
+    const auto number = static_cast<std::uint32_t>(mSubjects.size());
+    mSubjects.push_back({.id = id});
+    mNumberById.emplace(id, number);
+    return number;
 }
 
 FactNode* FactGraph::Find(const amd_id& id) const
 {
-    const auto found = FindPlace(id);
-    return found == mNodeById.end() || found->id != id ? nullptr : found->node;
+    const auto found = mNumberById.find(id);
+    return found == mNumberById.end() ? nullptr : GetNode(mSubjects[found->second]);
 }
 
-void FactGraph::Name(const amd_id& id, FactNode& node)
+FactNode* FactGraph::GetNode(const Subject& subject) const
 {
-    const auto place = mNodeById.begin() + (FindPlace(id) - mNodeById.cbegin());
-    if (place != mNodeById.end() && place->id == id)
-        place->node = &node;
-    else
-        mNodeById.insert(place, {.id = id, .node = &node});
+    return subject.graphNumber == mGraphNumber ? subject.node : nullptr;
 }
 
-FactNode& FactGraph::MakeNode(const amd_id& id)
+void FactGraph::Name(Subject& subject, FactNode& node)
+{
+    subject.node = &node;
+    subject.graphNumber = mGraphNumber;
+}
+
+FactNode& FactGraph::MakeNode(std::uint32_t subject)
 {
     if (mNodeCount == mNodes.size())
-        mNodes.emplace_back();
-    FactNode& node = mNodes[mNodeCount];
+        mNodes.push_back(std::make_unique<FactNode>());
+    FactNode& node = *mNodes[mNodeCount];
     node.mNumber = mNodeCount;
     node.mParents.clear();
-    node.mIds.assign(1, id);
+    node.mIds.clear();
     node.mChildren.clear();
-    Name(id, node);
+    AddToNode(subject, node);
     ++mNodeCount;
     return node;
+}
+
+void FactGraph::AddToNode(std::uint32_t subject, FactNode& node)
+{
+    node.mIds.push_back(mSubjects[subject].id);
+    Name(mSubjects[subject], node);
 }
 
 void FactGraph::MergeNodes(FactNode& from, FactNode& into, const amd_id& id)
@@ -210,7 +220,7 @@ void FactGraph::MergeNodes(FactNode& from, FactNode& into, const amd_id& id)
     AppendOnce(into.mIds, id);
     for (const amd_id& fromId : from.mIds) {
         AppendOnce(into.mIds, fromId);
-        Name(fromId, into);
+        Name(mSubjects[GetNumber(fromId)], into);
     }
     for (FactNode* const child : from.mChildren) {
         AppendOnce(into.mChildren, child);
@@ -231,7 +241,10 @@ void FactGraph::RemoveRoot(const FactNode& node)
 void FactGraph::Dump(std::ostream& out) const
 {
     out << "Nodes:" << std::endl;
-    for (const auto& [id, node] : mNodeById) {
+    for (const auto& [id, number] : mNumberById) {
+        const FactNode* const node = GetNode(mSubjects[number]);
+        if (node == nullptr)
+            continue;
         out << ToText(id) << " --> ";
         PrintIds(*node, out);
     }

@@ -5,8 +5,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <iosfwd>
+#include <map>
+#include <memory>
 #include <vector>
 
 namespace qe {
@@ -27,10 +28,11 @@ enum class EFactJoin : std::uint8_t
     Cyclic,
 };
 
-/// One end of a join: a query subject and the maximum of its cardinality.
+/// One end of a join: a query subject, by the number that the graph has for it, and the maximum of
+/// its cardinality.
 struct FactJoinEnd
 {
-    amd_id subject;
+    std::uint32_t subject = 0;
     std::int32_t maximum = 0;
 };
 
@@ -61,6 +63,13 @@ public:
     FactGraph(const FactGraph&) = delete;
     FactGraph& operator=(const FactGraph&) = delete;
 
+    /// Returns the number of a query subject: 0, 1, 2, ... in the order in which they are first
+    /// asked for. Clear leaves the numbers as they are.
+    [[nodiscard]] std::uint32_t GetNumber(const amd_id& id);
+
+    /// Returns how many query subjects have a number.
+    [[nodiscard]] std::size_t GetNumberCount() const noexcept { return mSubjects.size(); }
+
     /// Adds a join. One whose maxima are zero or one at both ends makes both query subjects one; of
     /// two nodes the one that is somebody's dimension is kept, that of the left end on a tie, and
     /// no cycle is looked for. One to-one and one to-many end make the query subject of the to-one
@@ -82,27 +91,32 @@ public:
     void Dump(std::ostream& out) const;
 
 private:
-    void AddOneToOneJoin(const amd_id& a, const amd_id& b);
-    [[nodiscard]] EFactJoin AddOneToManyJoin(const amd_id& one, const amd_id& many);
-    [[nodiscard]] bool IsFoundAbove(const FactNode& node, const amd_id& id);
-    FactNode& MakeNode(const amd_id& id);
-    void MergeNodes(FactNode& from, FactNode& into, const amd_id& id);
-    void RemoveRoot(const FactNode& node);
-
-    struct NamedNode
+    /// A query subject that has a number.
+    struct Subject
     {
         amd_id id;
-        FactNode* node;
+        /// Its node in the graph that was begun with this number.
+        FactNode* node = nullptr;
+        std::size_t graphNumber = 0;
     };
 
-    [[nodiscard]] std::vector<NamedNode>::const_iterator FindPlace(const amd_id& id) const;
-    void Name(const amd_id& id, FactNode& node);
+    void AddOneToOneJoin(std::uint32_t a, std::uint32_t b);
+    [[nodiscard]] EFactJoin AddOneToManyJoin(std::uint32_t one, std::uint32_t many);
+    [[nodiscard]] bool IsFoundAbove(const FactNode& node, const amd_id& id);
+    [[nodiscard]] FactNode* GetNode(const Subject& subject) const;
+    FactNode& MakeNode(std::uint32_t subject);
+    void AddToNode(std::uint32_t subject, FactNode& node);
+    void MergeNodes(FactNode& from, FactNode& into, const amd_id& id);
+    void RemoveRoot(const FactNode& node);
+    void Name(Subject& subject, FactNode& node);
 
     /// The nodes of the graph, and behind them those of earlier graphs, whose memory serves again.
-    std::deque<FactNode> mNodes;
+    std::vector<std::unique_ptr<FactNode>> mNodes;
     std::size_t mNodeCount = 0;
-    /// In the order of ids.
-    std::vector<NamedNode> mNodeById;
+    std::map<amd_id, std::uint32_t> mNumberById;
+    /// By number.
+    std::vector<Subject> mSubjects;
+    std::size_t mGraphNumber = 1;
     std::vector<FactNode*> mRoots;
     /// Whether a node may lie above itself, so that joins with a new query subject are looked at
     /// too.

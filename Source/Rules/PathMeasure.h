@@ -11,6 +11,7 @@
 #include <set>
 #include <span>
 #include <utility>
+#include <vector>
 
 namespace qe {
 
@@ -43,7 +44,7 @@ namespace qe {
     return WrapTo32(std::int64_t{dividend} / divisor);
 }
 
-/// One join of a path, as far as paths are measured by it.
+/// One join of a path, as it is read.
 struct PathJoin
 {
     JoinEnds ends;
@@ -61,12 +62,31 @@ public:
     virtual void ReportUncountable(EFactJoin problem) const = 0;
 };
 
+/// One join of a path, as far as paths are measured by it.
+struct MeasuredJoin
+{
+    /// The ends as the fact graph takes them: it takes no many-to-many join, which goes as a
+    /// one-to-one join and is counted apart.
+    FactJoinEnd left;
+    FactJoinEnd right;
+    bool isManyToMany = false;
+};
+
+/// The joins of a path that can be read, in its order.
+using MeasuredJoins = std::span<const MeasuredJoin>;
+
 /// What one path after the other is measured with.
 struct MeasureTools
 {
     /// Borrowed.
     const MeasureListener& listener;
+    /// Gives the query subjects of all paths their numbers.
     FactGraph graph{};
+    /// By the number of a query subject; all zero between two paths.
+    std::vector<std::int32_t> endCounts{};
+
+    /// Returns the join as paths are measured by it, now and later.
+    [[nodiscard]] MeasuredJoin Prepare(const PathJoin& join);
 };
 
 /// Where the joins of paths are read from.
@@ -89,17 +109,14 @@ struct PathMeasure
     std::int32_t branches = 0;
 };
 
-/// The joins of a path that can be read, in its order.
-using ReadJoins = std::span<const PathJoin* const>;
-
 /// Sets the fact tables and the many-to-many joins of the path. At the first join from which facts
 /// cannot be told apart the listener receives the reason; unless it throws, `factTables` stays
 /// empty and the many-to-many joins are counted to the end.
-void CountFactTables(ReadJoins joins, MeasureTools& tools, PathMeasure& measure);
+void CountFactTables(MeasuredJoins joins, MeasureTools& tools, PathMeasure& measure);
 
 /// Sets how much the path branches: for every query subject that more than two ends of its joins
 /// meet, their number less two. A join of a query subject with itself has two ends there.
-void CountBranches(ReadJoins joins, MeasureTools& tools, PathMeasure& measure);
+void CountBranches(MeasuredJoins joins, MeasureTools& tools, PathMeasure& measure);
 
 /// What a join that cannot be read goes by in the signature of a path.
 inline constexpr const char* kUnreadableName = "Dummy";

@@ -118,14 +118,13 @@ const RankingCriterion* FindDifference(const PathMeasure& first, const PathMeasu
 
 void MeasureByAll(std::span<const amd_id> path, const PathJoinSource& source, PathMeasure& measure)
 {
-    std::vector<PathJoin> read;
-    read.reserve(path.size());
-    std::vector<const PathJoin*> joins;
+    MeasureTools tools{.listener = source};
+    std::vector<MeasuredJoin> joins;
+    joins.reserve(path.size());
     for (const amd_id& id : path) {
         if (const auto join = source.ReadPathJoin(id))
-            joins.push_back(&read.emplace_back(*join));
+            joins.push_back(tools.Prepare(*join));
     }
-    MeasureTools tools{.listener = source};
     for (const RankingCriterion& criterion : kCriteria) {
         if (criterion.measure != nullptr)
             criterion.measure(joins, tools, measure);

@@ -43,7 +43,7 @@ struct RankingCriterion
     /// Whether the best paths are equal in it, whatever the switches say.
     bool countsForBest;
     /// Measures the path; null for the weight, which comes with the path.
-    void (*measure)(ReadJoins joins, MeasureTools& tools, PathMeasure& measure);
+    void (*measure)(MeasuredJoins joins, MeasureTools& tools, PathMeasure& measure);
     /// Returns what paths are ordered by, ascending. Keys wrap around at 32 bits.
     std::int32_t (*getKey)(const PathMeasure& measure);
     /// The head of its column in a table of paths, and what a cell of that column holds.

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <string>
 #include <vector>
 
 namespace {
@@ -31,19 +32,42 @@ TEST(JoinCache, MergesTheListsOfARequest)
         << "ordered by key; a prefix comes first";
 }
 
-TEST(JoinCache, ReplacesWhatItKnowsAndLeavesTheRestAlone)
+AQE_JoinCache::QEjoinInfo MakeInfo(int number)
+{
+    const std::string text = "a text too long for a short string, number " + std::to_string(number);
+    return {.weight = number,
+            .joinId = {number, 102, number},
+            .name = number % 3 == 0 ? I18NString() : I18NString(text),
+            .leftQuerySubject = {number, 100, 1},
+            .rightQuerySubject = {number, 100, 2},
+            .expression = I18NString(text + std::string(1, '\0') + " = 1"),
+            .leftCardinality = {number, 1},
+            .rightCardinality = {2, number}};
+}
+
+TEST(JoinCache, KeepsWholeJoinsInWhateverOrderTheyComeAndAreReplaced)
 {
     AQE_JoinCache cache;
-    AQE_JoinCache::QEjoinInfo info;
-    for (const char* name : {"first", "second"}) {
-        info.name = name;
-        cache.CacheJoinInfo({0, 102, 1}, info);
+    for (const int number : {1, 2, 5, 3, 9, 4, 5, 3, 9, 5}) {
+        auto info = MakeInfo(number + 100);
+        cache.CacheJoinInfo({0, 102, number}, info);
+        info = MakeInfo(number);
+        cache.CacheJoinInfo({0, 102, number}, info);
     }
-    info.name = "before";
-    EXPECT_FALSE(cache.GetJoinInfo({0, 102, 2}, info));
-    EXPECT_EQ(info.name, "before");
-    EXPECT_TRUE(cache.GetJoinInfo({0, 102, 1}, info));
-    EXPECT_EQ(info.name, "second");
+    for (const int number : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10}) {
+        auto info = MakeInfo(-1);
+        const bool isKept = cache.GetJoinInfo({0, 102, number}, info);
+        EXPECT_EQ(isKept, number != 0 && (number < 6 || number == 9)) << number;
+        const auto wanted = MakeInfo(isKept ? number : -1);
+        EXPECT_EQ(info.weight, wanted.weight) << number;
+        EXPECT_EQ(info.joinId, wanted.joinId);
+        EXPECT_EQ(info.name, wanted.name);
+        EXPECT_EQ(info.leftQuerySubject, wanted.leftQuerySubject);
+        EXPECT_EQ(info.rightQuerySubject, wanted.rightQuerySubject);
+        EXPECT_EQ(info.expression, wanted.expression);
+        EXPECT_EQ(info.leftCardinality, wanted.leftCardinality);
+        EXPECT_EQ(info.rightCardinality, wanted.rightCardinality);
+    }
 }
 
 } // namespace

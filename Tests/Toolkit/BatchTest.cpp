@@ -233,7 +233,7 @@ TEST(Batch, AnswersInOrderWhateverTheThreads)
     EXPECT_EQ(one.summary.failures, 300U);
     EXPECT_EQ(one.summary.notConnected, 100U);
     EXPECT_THAT(ToText(one.summary), StartsWith("requests: 500, failures: 300, not connected: 100, "
-                                                "median: "));
+                                                "multiplied: 100, ambiguous: 100, median: "));
     options.threads = 4;
     EXPECT_EQ(RunShop(MakeRequests(500), options).lines, one.lines);
 }

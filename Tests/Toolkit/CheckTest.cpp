@@ -5,8 +5,10 @@
 #include "Toolkit/Check/CheckReport.h"
 #include "Toolkit/Check/ModelGraph.h"
 #include "Toolkit/Check/Rules.h"
+#include "Toolkit/Model/ModelFile.h"
 
 #include <algorithm>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -20,6 +22,7 @@ namespace {
 
 using test::MakeModel;
 using test::SmallGraph;
+using testing::HasSubstr;
 
 /// Returns "code: place; place | code: place", in the order of the rules.
 std::string Summarize(const CheckReport& report)
@@ -33,6 +36,33 @@ std::string Summarize(const CheckReport& report)
         }
     }
     return summary;
+}
+
+TEST(CheckRules, CompareJoinsWithKeys)
+{
+    const struct
+    {
+        const char* keys;
+        const char* cardinality;
+        const char* findings;
+    } cases[] = {
+        {R"([["a"]])", "0..1", ""},
+        {R"([["b"], ["a"]])", "0..1", ""},
+        {R"([["a", "b"]])", "0..1", "not-unique: j"},
+        {R"([["a", "b"]])", "0..n", "not-unique: j"},
+        {R"([["b"]])", "1..1", "not-unique: j"},
+        {"[]", "0..1", ""},
+        {"[]", "0..n", "many-to-many: j"},
+        {R"([["a"]])", "0..n", "many-to-many: j"},
+    };
+    for (const auto& test : cases) {
+        const std::string model =
+            std::string(R"({"subjects": [{"name": "f", "items": ["a"]}, {"name": "p", "items":)") +
+            R"( ["a", "b"], "keys": )" + test.keys + R"(}], "relationships": [{"name": "j", )" +
+            R"("left": "f", "leftCardinality": "0..n", "right": "p", "rightCardinality": ")" +
+            test.cardinality + R"(", "condition": "[f].[a] = [p].[a]"}]})";
+        EXPECT_EQ(Summarize(CheckModel(ReadModelText(model, "m"), {})), test.findings) << model;
+    }
 }
 
 TEST(CheckRules, FindWhatIsWrong)
@@ -123,7 +153,7 @@ TEST(CheckBrokenRecords, AreReported)
               "path uses it.");
 }
 
-TEST(CheckOutput, CountsWhatItDoesNotShow)
+TEST(CheckOutput, ShowsCausesWhereThereIsTooMuch)
 {
     std::string joins;
     for (int i = 0; i < 30; ++i)
@@ -131,17 +161,39 @@ TEST(CheckOutput, CountsWhatItDoesNotShow)
     CheckOptions options;
     options.severities = {{"one-sided-condition", ESeverity::Off},
                           {"many-to-many", ESeverity::Error}};
-    options.limits.findings = ListLimit(4);
     const CheckReport report = CheckModel(MakeModel(joins), options);
     EXPECT_EQ(report.GetWorst(), ESeverity::Error);
     EXPECT_EQ(report.Count(ESeverity::Error), 30U);
-    const auto json = ToJson(report, "m");
+    const CheckView view{.limit = ListLimit(4)};
+    const auto json = ToJson(report, "m", view);
     EXPECT_EQ(json["rules"].back()["total"], 0);
     EXPECT_EQ(json["findings"].size(), 5U);
     EXPECT_EQ(json["findings"][4]["paths"].size(), 4U);
+    EXPECT_EQ(json["causes"][0]["total"], 30);
     std::ostringstream lines;
-    WriteText(lines, report);
-    EXPECT_NE(lines.str().find("26 more of 30 are not shown"), std::string::npos) << lines.str();
+    WriteText(lines, report, view);
+    EXPECT_THAT(lines.str(), HasSubstr("error many-to-many: A join has many rows at both ends, 30 "
+                                       "times.\n    j0, j1, j2 and 27 more\n    advice: "));
+}
+
+TEST(CheckOutput, OneCauseIsTheSubjectThatMostPathsPass)
+{
+    // All facts meet at Users and at Day; Day and Z are joined by two of them.
+    std::string joins = "X >- Z; Y >- Z; P >- Q : one; P >- Q : two;";
+    for (const std::string fact : {"V", "W", "X", "Y"})
+        joins += fact + " >- Users; " + fact + " >- Day;";
+    const CheckReport report = CheckModel(MakeModel(joins), {});
+    const auto rule = std::find_if(report.rules.begin(), report.rules.end(),
+                                   [](const auto& each) { return each.code == "ambiguous-path"; });
+    ASSERT_EQ(rule->causes.size(), 3U);
+    EXPECT_EQ(rule->causes[0].name, "Users");
+    EXPECT_EQ(rule->causes[0].findings.size(), rule->found.total - 2);
+    EXPECT_EQ(rule->found.findings[rule->causes[2].findings.front()].placeText, "P - Q");
+    std::ostringstream lines;
+    WriteText(lines, report, {.limit = ListLimit(1)});
+    EXPECT_THAT(lines.str(), HasSubstr(" times, of 3 causes.\n"));
+    EXPECT_THAT(lines.str(), HasSubstr(" over or to Users: "));
+    EXPECT_THAT(lines.str(), HasSubstr("    2 more causes with 2 findings\n"));
 }
 
 TEST(CheckOutput, SaysWhenTheSearchGaveUp)
@@ -153,6 +205,39 @@ TEST(CheckOutput, SaysWhenTheSearchGaveUp)
                                    [](const auto& each) { return each.code == "ambiguous-path"; });
     EXPECT_EQ(rule->found.notice, "Ambiguous paths were looked for from 1 of 3 subjects only: the "
                                   "limit of steps was reached.");
+}
+
+TEST(CheckDecisions, MustAgreeAndBeFollowed)
+{
+    const auto summarize = [](std::vector<Decision> decisions) {
+        ToolModel model = MakeModel("F >- A : fa; G >- A : ga; F >- B : fb; G >- B : gb; H >- B");
+        model.decisions = std::move(decisions);
+        CheckOptions options;
+        for (const Rule& rule : kRules) {
+            if (rule.code.find("decision") == std::string_view::npos)
+                options.severities[std::string(rule.code)] = ESeverity::Off;
+        }
+        return Summarize(CheckModel(model, options));
+    };
+    const ToolModel names = MakeModel("F >- A : fa; G >- A : ga; F >- B : fb; G >- B : gb; H >- B");
+    const auto id = [&names](const char* name) {
+        const auto found = names.model->FindByName(model::ENameKind::Subject, std::string(name));
+        return found.empty()
+                   ? names.model->FindByName(model::ENameKind::Join, std::string(name)).front()
+                   : found.front();
+    };
+    const std::vector<amd_id> fg{id("F"), id("G")};
+    const std::vector<amd_id> fa{id("F"), id("A")};
+    EXPECT_EQ(summarize({{.subjects = fg, .preferred = {id("fb"), id("gb")}}}), "");
+    EXPECT_EQ(summarize({{.subjects = fg, .preferred = {id("fa"), id("gb")}}}),
+              "unfollowed-decision: F, G");
+    EXPECT_EQ(summarize({{.subjects = fg, .preferred = {id("fa")}},
+                         {.subjects = fa, .avoided = {id("fa")}}}),
+              "contradicting-decisions: fa");
+    EXPECT_EQ(summarize({{.subjects = fg, .preferred = {id("fa")}},
+                         {.subjects = fa, .avoided = {id("fa")}},
+                         {.subjects = {id("F"), id("A"), id("G")}, .preferred = {id("fa")}}}),
+              "");
 }
 
 /// The weight of a path that is too long to look at.

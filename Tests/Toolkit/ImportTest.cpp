@@ -1,7 +1,9 @@
 #include "Engine/Model/Model.h"
+#include "Engine/Services/Characters.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
 #include "Toolkit/Import/OpenModel.h"
+#include "Toolkit/Import/Schema/DatabaseSchema.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <gmock/gmock.h>
@@ -14,6 +16,7 @@ namespace {
 
 using namespace qe::tool;
 using qe::model::Model;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -59,6 +62,14 @@ CREATE VIEW late AS SELECT order_day FROM "or]der" WHERE ship_day > order_day;
 CREATE VIEW broken AS SELECT * FROM gone;
 )";
 
+void WriteDatabase(const std::filesystem::path& path, const char* statements)
+{
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(path.c_str(), &database), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(database, statements, nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(database);
+}
+
 TEST(Import, TurnsKeysIntoRelationships)
 {
     const qe::test::TemporaryFolder folder;
@@ -100,26 +111,129 @@ TEST(Import, ReadsOnWithoutSqliteBehindWhatItRefuses)
     }
 }
 
-TEST(Import, MakesRolesOfTablesReferredToSeveralTimes)
+TEST(Import, LetsRolesTakeThePlaceOfParallelJoins)
 {
     const qe::test::TemporaryFolder folder;
     const ToolModel tool = ImportSql({folder.Write("w.sql", kWarehouse)}, {ERoles::Shortcuts});
-    const auto shortcuts = tool.model->GetIds(109);
-    ASSERT_EQ(shortcuts.size(), 3U) << "a table that refers to itself plays no roles";
-    EXPECT_EQ(tool.model->Find(shortcuts[1])->name, "day (ship_day)");
-    EXPECT_EQ(tool.model->Find(shortcuts[1])->shortcutKind, 1);
-    const auto& role = *tool.model->Find(tool.model->GetIds(110)[1]);
-    EXPECT_EQ(role.right, shortcuts[1]);
-    EXPECT_EQ(tool.model->Find(role.referenced)->name, "or]der-day (ship_day)");
+    EXPECT_THAT(JoinsOf(*tool.model),
+                ElementsAre("badge-person: badge 0..1 -- 1..1 person",
+                            "or]der-day: or]der 0..n -- 1..1 day",
+                            "or]der-day (order_day): or]der 0..n -- 1..1 day (order_day)",
+                            "or]der-day (ship_day): or]der 0..n -- 0..1 day (ship_day)",
+                            "or]der-day (again): or]der 0..n -- 0..1 day (again)",
+                            "or]der-account: or]der 0..n -- 0..1 account",
+                            "person-person (boss): person 0..n -- 0..1 person (boss)",
+                            "person-person (deputy): person 0..n -- 0..1 person (deputy)"));
+    EXPECT_THAT(tool.notes.back(), HasSubstr("a role: or]der (order_day) -> day"));
+    const auto& boss = *tool.model->Find(tool.model->GetJoins()[6]);
+    EXPECT_EQ(boss.text, "[w].[person].[boss] = [w].[person (boss)].[person_id]");
+    EXPECT_EQ(tool.model->Find(boss.right)->shortcutKind, 1);
+
+    // A key that is called like what it refers to is the one that stands for the table itself.
+    const ToolModel named = qe::test::ImportText(
+        "CREATE TABLE day (day_id INTEGER PRIMARY KEY);"
+        "CREATE TABLE f (ship REFERENCES day, DAY_ID INT NOT NULL REFERENCES day);");
+    EXPECT_THAT(named.notes, IsEmpty());
+    const std::string again = folder.Write(
+        "n.sql", "CREATE TABLE day (day_id INTEGER PRIMARY KEY);"
+                 "CREATE TABLE f (ship REFERENCES day, DAY_ID INT NOT NULL REFERENCES day);");
+    EXPECT_THAT(JoinsOf(*ImportSql({again}, {ERoles::Shortcuts}).model),
+                ElementsAre("f-day (ship): f 0..n -- 0..1 day (ship)", "f-day: f 0..n -- 1..1 day",
+                            "f-day (DAY_ID): f 0..n -- 1..1 day (DAY_ID)"));
+}
+
+TEST(Import, CountsColumnsThatAreNoKeyAsMany)
+{
+    const ToolModel tool = qe::test::ImportText(R"(
+        CREATE TABLE p (a INT, b INT, c INT, d INT, e INT, f INT, PRIMARY KEY (a, b), UNIQUE (c));
+        CREATE UNIQUE INDEX part ON p (d) WHERE d > 0;
+        CREATE UNIQUE INDEX computed ON p (e + 1);
+        CREATE TABLE half (x INT NOT NULL REFERENCES p (a));
+        CREATE TABLE whole (x INT, y INT, FOREIGN KEY (y, x) REFERENCES p (b, a));
+        CREATE TABLE more (x INT, y INT, FOREIGN KEY (x, y) REFERENCES p (c, a));
+        CREATE TABLE partial (x INT UNIQUE REFERENCES p (d));
+        CREATE TABLE expression (x INT REFERENCES p (e));
+        CREATE TABLE none (x INT REFERENCES half (x));)");
+    EXPECT_THAT(JoinsOf(*tool.model),
+                ElementsAre("expression-p: expression 0..n -- 0..n p",
+                            "half-p: half 0..n -- 1..n p", "more-p: more 0..n -- 0..1 p",
+                            "none-half: none 0..n -- 0..n half",
+                            "partial-p: partial 0..n -- 0..n p", "whole-p: whole 0..n -- 0..1 p"));
+    EXPECT_THAT(tool.notes,
+                ElementsAre(HasSubstr("expression (x) -> p (e)"), HasSubstr("half (x) -> p (a)"),
+                            HasSubstr("none (x) -> half (x)"), HasSubstr("partial (x) -> p (d)")));
+    const auto& parent = *tool.model->Find(tool.model->GetSubjects()[4]);
+    EXPECT_THAT(parent.keys, ElementsAre(ElementsAre("a", "b"), ElementsAre("c")));
+}
+
+TEST(Import, CountsColumnsThatAreNoKeyAsManyInEveryDialect)
+{
+    const qe::test::TemporaryFolder folder;
+    const std::string file =
+        folder.Write("d.sql", "CREATE TABLE p (a INT NOT NULL, b INT NOT NULL, PRIMARY KEY (a, b));"
+                              "CREATE TABLE c (x INT NOT NULL UNIQUE,"
+                              " CONSTRAINT half FOREIGN KEY (x) REFERENCES p (a));");
+    for (const EDialect dialect : {EDialect::Sqlite, EDialect::PostgreSql, EDialect::MySql,
+                                   EDialect::SqlServer, EDialect::Oracle}) {
+        const ToolModel tool = ImportSql({file}, {}, dialect);
+        EXPECT_EQ(qe::ascii::ToLower(JoinsOf(*tool.model).at(0)), "c-p: c 0..n -- 1..n p")
+            << DialectName(dialect);
+        EXPECT_THAT(tool.notes, Contains(HasSubstr("many at both ends"))) << DialectName(dialect);
+    }
+}
+
+TEST(Import, NotesWhatItRenames)
+{
+    const qe::test::TemporaryFolder folder;
+    WriteDatabase(folder / "data.db", "CREATE TABLE \"caf\xE9\" (\"pr\xE9\" INTEGER PRIMARY KEY, "
+                                      "\"\" INT); CREATE TABLE b (x REFERENCES \"caf\xE9\");");
+    const ToolModel tool = ImportSqlite(folder / "data.db", {});
+    EXPECT_THAT(SubjectsOf(*tool.model), ElementsAre("b", "caf\\xE9"));
+    EXPECT_THAT(JoinsOf(*tool.model), ElementsAre("b-caf\\xE9: b 0..n -- 0..1 caf\\xE9"));
+    EXPECT_THAT(tool.notes, ElementsAre(HasSubstr("\"caf\\xE9\""), HasSubstr("\"pr\\xE9\""),
+                                        HasSubstr("\"column 2\"")));
+    EXPECT_THAT(qe::test::ImportText("CREATE TEMP TABLE passing (x); CREATE TABLE a (x);").notes,
+                ElementsAre(HasSubstr("temporary table: passing")));
+    EXPECT_THAT(qe::test::ImportText("-- nothing").notes, ElementsAre(HasSubstr("no tables")));
+}
+
+TEST(Import, TellsTablesOfSeveralSchemasApart)
+{
+    const DatabaseSchema schema{
+        .name = "d",
+        .tables = {{.name = "t", .columns = {{"k", true}}, .keys = {{"k"}}, .space = "one"},
+                   {.name = "u", .columns = {{"k"}}, .foreignKeys = {{"t", {"k"}}}, .space = "two"},
+                   {.name = "T",
+                    .columns = {{"k", true}},
+                    .keys = {{"k"}},
+                    .foreignKeys = {{.table = "t", .from = {"k"}, .space = "one"}},
+                    .space = "two"},
+                   {.name = "v", .columns = {{"k"}}, .foreignKeys = {{"t", {"k"}}}}}};
+    const ToolModel tool = MakeModel(schema, {});
+    EXPECT_THAT(SubjectsOf(*tool.model), ElementsAre("t", "u", "two.T", "v"));
+    EXPECT_THAT(JoinsOf(*tool.model),
+                ElementsAre("u-two.T: u 0..n -- 0..1 two.T", "two.T-t: two.T 0..1 -- 1..1 t"));
+    EXPECT_THAT(tool.notes, ElementsAre(HasSubstr("called \"two.T\""), HasSubstr("v (k) -> t")));
+}
+
+TEST(Import, SaysWhatAFileIsInstead)
+{
+    const qe::test::TemporaryFolder folder;
+    const std::string model = folder.Write("m.json", " {}");
+    const std::string database = folder.Write("d.sql", std::string("SQLite format 3\0", 16));
+    const auto mistakes = [](const auto& read) { return qe::test::MistakesOf(read); };
+    EXPECT_THAT(mistakes([&] { (void)ImportSql({model}, {}); }), HasSubstr("a model file already"));
+    EXPECT_THAT(mistakes([&] { (void)ImportSqlite(model, {}); }),
+                HasSubstr("a model file already"));
+    EXPECT_THAT(mistakes([&] { (void)ImportSqlite(folder.Write("t.db", "CREATE"), {}); }),
+                HasSubstr("a text, not an SQLite database"));
+    EXPECT_THAT(mistakes([&] { (void)ImportSql({database}, {}); }), HasSubstr("import sqlite"));
 }
 
 TEST(Import, ReadsDatabasesAndLeavesThemAlone)
 {
     const qe::test::TemporaryFolder folder;
-    sqlite3* database = nullptr;
-    ASSERT_EQ(sqlite3_open((folder / "data.db").c_str(), &database), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(database, kWarehouse, nullptr, nullptr, nullptr), SQLITE_OK);
-    sqlite3_close(database);
+    WriteDatabase(folder / "data.db", kWarehouse);
     EXPECT_EQ(JoinsOf(*ImportSqlite(folder / "data.db", {}).model).size(), 7U);
 }
 
@@ -193,7 +307,7 @@ TEST(Import, ReadsTablesThatAreKeptApartAsOneDatabase)
         "CREATE TABLE a (x); CREATE TABLE",
     };
     // A statement of another kind at the beginning lets everything run in one database.
-    const std::string together = "CREATE TEMP TABLE z (a); ";
+    const std::string together = "CREATE TEMP TABLE z (a); DROP TABLE z; ";
     const std::string apart(together.size(), ' ');
     for (const std::string& script : scripts)
         EXPECT_EQ(Describe(apart + script), Describe(together + script))

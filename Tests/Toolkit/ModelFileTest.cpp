@@ -2,6 +2,7 @@
 
 #include "Engine/Model/Model.h"
 #include "Engine/Model/ModelBuilder.h"
+#include "Tests/Toolkit/Asking.h"
 #include "Tests/Toolkit/SchemaCheck.h"
 #include "Toolkit/Text/InputFile.h"
 
@@ -102,6 +103,21 @@ TEST(ModelFileTest, ReadsEveryKey)
 0/300005/1 in 0/0/0 0/0/0: "qj" "qj" "" "" 0/0/0 kind 0 -1/100/5 0/109/1 10..11 0..11
 0/300020/1 in 0/0/0 0/0/0: "qf" "qf" "" "[A].[i] > 1" 0/0/0 kind 0 0/0/0 0/0/0 0..0 0..0
 3/800001/9 in 0/0/0 0/0/0: "Z" "Z" "fr" "" 0/0/0 kind 0 0/0/0 0/0/0 0..0 0..0)");
+}
+
+TEST(ModelFile, KeepsKeysOfItsItems)
+{
+    const std::string text = R"({"subjects": [{"name": "A", "items": ["i", "j"],
+                                               "keys": [["j", "i"], ["i"]]}],
+                                 "shortcuts": []})";
+    const std::string written = WriteModelText(ReadModelText(text, "m"));
+    EXPECT_THAT(written, testing::HasSubstr(R"("keys": [["j", "i"], ["i"]])"));
+    EXPECT_EQ(WriteModelText(ReadModelText(written, "m")), written);
+    const std::string wrong = R"({"subjects": [{"name": "A", "items": ["ii"], "keys": [["i"]]}],
+                                  "shortcuts": [{"name": "S", "target": "S"}]})";
+    EXPECT_EQ(test::MistakesOf([&wrong] { static_cast<void>(ReadModelText(wrong, "m")); }),
+              "m#/subjects/0/keys/0/0: is no item of the query subject: \"i\" (did you mean ii?)\n"
+              "m#/shortcuts/0/target: shortcut \"S\" has itself as its target: \"S\"");
 }
 
 /// Makes random small models whose names are easily mistaken for each other.

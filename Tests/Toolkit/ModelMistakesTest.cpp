@@ -80,6 +80,13 @@ const std::vector<Mistake> kContentMistakes{
      "m#/governors/crossProductAllowed: unknown value: \"no\" (did you mean allow or warn "
      "or deny?)\n"
      "m#/governors/shortcutGrouping: must be a whole number, not a number with a fraction"},
+    {"keys of a subject",
+     R"({"subjects": [{"name": "A", "items": ["i"], "keys": [["i"], [], 7, [1]]}]})",
+     "m#/subjects/0/keys/1: must name an item\n"
+     "m#/subjects/0/keys/2: must be a list, not a number\n"
+     "m#/subjects/0/keys/3/0: must be a string, not a number"},
+    {"number beyond all bounds", R"({"subjects": [{"name": "A", "id": 1000000000000000000000}]})",
+     "m#/subjects/0/id: must lie between -2147483648 and 2147483647: 1e+21"},
     {"missing keys", R"({"relationships": [{"name": "r", "lefft": "A"}], "subjects": [{}]})",
      "m#/subjects/0: lacks the key \"name\"\n"
      "m#/relationships/0: lacks the key \"left\"\n"

@@ -1,6 +1,7 @@
 #include "Engine/Services/SettingsOverride.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
+#include "Toolkit/Ask/SettingNames.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <gmock/gmock.h>
@@ -8,6 +9,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -137,6 +139,112 @@ TEST_F(CommandsTest, FactsSayWhenTheyShareNoDimension)
     EXPECT_THAT(RunWith({"facts", "@"}).output, HasSubstr("\nShared dimensions: none\n"));
     EXPECT_THAT(RunWith({"facts", "@", "--format", "json"}).output,
                 HasSubstr("\"sharedDimensions\": []"));
+}
+
+TEST_F(CommandsTest, WrongUseIsToldWithTheNearestRightName)
+{
+    struct Case
+    {
+        std::vector<std::string> arguments;
+        const char* told;
+    };
+    const Case cases[] = {
+        {{"pth", "@", "orders"}, "unknown command \"pth\" (did you mean path?)"},
+        {{"import", "sqlit", "@"}, "unknown command \"sqlit\" (did you mean sqlite?)"},
+        {{"path", "@", "orders", "--favor", "x"},
+         "unknown option \"--favor\" (did you mean --favour?)"},
+        {{"path", "@", "orders", "--favor=x"}, "(did you mean --favour?)"},
+        {{"check", "@", "--limit", "-3"}, "--limit: must be 0 or more: -3"},
+        {{"path", "@", "orders", "--set", "JoinGraph/CheapestTreesBoud=3"},
+         "(did you mean JoinGraph/CheapestTreesBound?)"},
+        {{"path", "@", "orders", "--set", "Options/newalgo=0"},
+         "(did you mean General Options/NewAlgo?)"},
+        {{"path", "@", "orders", "region", "--inner"}, "--inner: needs --format sql or html"},
+        {{"path", "@", "orders", "region", "--format", "sql", "--start", "shop"},
+         "--start: The path does not touch \"shop\"; it touches customer, orders, region"},
+        {{"path", "@", "orders.bill_to", "region"},
+         "A column is no query subject: \"orders.bill_to\" (did you mean orders?)"},
+        {{"path", "@", "orders", "--roles", "shortcut"}, "shortcut"},
+        {{"batch", "-", "-"}, "standard input can only be read once"},
+        {{"completion", "tcsh"}, "tcsh"},
+    };
+    for (const Case& test : cases) {
+        const ToolRun run = RunWith(test.arguments);
+        EXPECT_EQ(run.code, EExitCode::WrongUsage) << testing::PrintToString(test.arguments);
+        EXPECT_THAT(run.error, HasSubstr(test.told));
+        EXPECT_EQ(run.output, "");
+    }
+}
+
+TEST_F(CommandsTest, OneSubjectIsAnAnswer)
+{
+    const ToolRun run = RunWith({"path", "@", "[schema].[orders]"});
+    EXPECT_EQ(run.code, EExitCode::Done) << run.error;
+    EXPECT_EQ(run.output, "Nothing to join: orders stands alone\n");
+    EXPECT_THAT(RunWith({"best", "@", "orders"}).output, HasSubstr("Nothing to join"));
+}
+
+TEST_F(CommandsTest, MessagesKeepInternalsToThemselves)
+{
+    const ToolRun run = RunWith({"path", "@", "orders", "budget", "--cross-product", "deny"});
+    EXPECT_EQ(run.error, "qerefine: The query subjects orders, budget cannot be joined, and cross "
+                         "products are not allowed.\n");
+    EXPECT_THAT(RunWith({"path", "@", "orders", "budget"}).output, Not(HasSubstr("User classes")));
+}
+
+TEST_F(CommandsTest, WordsAreCompletedFromOptionsAndModel)
+{
+    struct Case
+    {
+        std::vector<std::string> words;
+        const char* completed;
+    };
+    const Case cases[] = {
+        {{"be"}, "best\nbetween\n"},
+        {{"import", ""}, "sql\nsqlite\n"},
+        {{"path", ""}, ":files\n"},
+        {{"path", "@", "OR"}, "orders\n"},
+        {{"path", "@", "orders", "--favour", "orders"},
+         "orders-customer (bill_to)\norders-customer (ship_to)\n"},
+        {{"path", "@", "--roles", "shortcuts", "customer ("},
+         "customer (bill_to)\ncustomer (ship_to)\n"},
+        {{"between", "@", "--from", "re"}, "region\n"},
+        {{"path", "@", "--selector", "m"}, "main-object\n"},
+        {{"path", "@", "--favour-s"}, "--favour-subject\n"},
+        {{"path", "@", "-o", ""}, ":files\n"},
+        {{"batch", "@", ""}, ":files\n"},
+        {{"completion", "f"}, "fish\n"},
+        {{"path", "/no/such/model", "a"}, ""},
+        {{"nonsense", ""}, ""},
+    };
+    for (Case test : cases) {
+        test.words.insert(test.words.begin(), "complete");
+        const ToolRun run = RunWith(test.words);
+        EXPECT_EQ(run.output, test.completed) << testing::PrintToString(test.words);
+        EXPECT_EQ(run.error, "");
+    }
+    for (const char* shell : {"bash", "zsh", "fish"})
+        EXPECT_THAT(RunWith({"completion", shell}).output, HasSubstr("qerefine"));
+}
+
+TEST(SettingNames, AreThoseOfTheDocument)
+{
+    const std::string document =
+        ReadInputFile(std::filesystem::path(QEREFINER_SOURCE_DIR) / "Documentation/settings.md");
+    for (const std::string_view name : kSettingNames) {
+        const std::string section(name.substr(0, name.find('/')));
+        const std::string key(name.substr(section.size() + 1));
+        EXPECT_THAT(document, HasSubstr("\n| " + section + " | " + key + " |")) << name;
+    }
+    const auto rows = [&document](const std::string& section) {
+        std::size_t count = 0;
+        const std::string row = "\n| " + section + " | ";
+        for (auto at = document.find(row); at != std::string::npos; at = document.find(row, at + 1))
+            ++count;
+        return count;
+    };
+    EXPECT_EQ(rows("General Options") + rows("QueryEngine") + rows("JoinGraph") + rows("Log"),
+              kSettingNames.size());
 }
 
 TEST_F(CommandsTest, OptionsReachTheQuestion)

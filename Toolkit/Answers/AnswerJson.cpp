@@ -1,6 +1,7 @@
 #include "Toolkit/Answers/AnswerJson.h"
 
 #include "Source/Rules/RankingCriteria.h"
+#include "Toolkit/Answers/RiskJson.h"
 
 #include <array>
 #include <cstddef>
@@ -74,6 +75,17 @@ Json ToJson(const std::vector<AnswerMessage>& messages)
     return list;
 }
 
+Json ToJson(const std::vector<AnswerDecision>& decisions)
+{
+    Json list = Json::array();
+    for (const AnswerDecision& decision : decisions)
+        list.push_back({{"subjects", decision.subjects},
+                        {"prefer", decision.preferred},
+                        {"avoid", decision.avoided},
+                        {"reason", decision.reason}});
+    return list;
+}
+
 Json ToJson(const std::optional<AnswerError>& error)
 {
     if (!error)
@@ -88,7 +100,8 @@ Json ToJson(const std::optional<AnswerError>& error)
 
 Json JoinsToJson(const Answer& answer, std::size_t alternatives)
 {
-    std::set<amd_id> mentioned(answer.path.begin(), answer.path.end());
+    const Ids& path = GetAnsweredPath(answer);
+    std::set<amd_id> mentioned(path.begin(), path.end());
     for (std::size_t index = 0; index < alternatives; ++index) {
         const Ids& joins = answer.alternatives[index].joins;
         mentioned.insert(joins.begin(), joins.end());
@@ -135,7 +148,8 @@ Json SettingsToJson(const Question& question)
 
 } // namespace
 
-Json ToJson(const Question& question, const Answer& answer, ListLimit alternatives)
+Json ToJson(const Question& question, const Answer& answer, const Risks& risks,
+            ListLimit alternatives)
 {
     const std::size_t shown = alternatives.CountShown(answer.alternatives.size());
     return {{"version", kAnswerVersion},
@@ -160,6 +174,8 @@ Json ToJson(const Question& question, const Answer& answer, ListLimit alternativ
             {"joinedSubjects", NamesToJson(answer, answer.joinedSubjects)},
             {"groups", SeparationToJson(answer)},
             {"bridge", NamesToJson(answer, answer.separation.bridge)},
+            {"decisions", ToJson(answer.decisions)},
+            {"risks", ToJson(answer, risks)},
             {"warnings", ToJson(answer.warnings)},
             {"notices", answer.notices},
             {"error", ToJson(answer.error)}};

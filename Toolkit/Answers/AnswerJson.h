@@ -3,6 +3,7 @@
 
 #include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Ask/Question.h"
+#include "Toolkit/Ask/Risks.h"
 #include "Toolkit/Text/DisplayText.h"
 
 #include <nlohmann/json.hpp>
@@ -12,9 +13,9 @@ namespace qe::tool {
 /// The version of the form that Documentation/json-output.md describes.
 inline constexpr int kAnswerVersion = 1;
 
-/// Returns the JSON form of an answer.
+/// Returns the JSON form of an answer with its risks.
 [[nodiscard]] nlohmann::ordered_json ToJson(const Question& question, const Answer& answer,
-                                            ListLimit alternatives);
+                                            const Risks& risks, ListLimit alternatives);
 
 } // namespace qe::tool
 

@@ -2,10 +2,10 @@
 #define TOOLKIT_ANSWERS_ANSWERSQL_H
 
 #include "Toolkit/Ask/Answer.h"
+#include "Toolkit/Ask/JoinPlan.h"
 #include "amd_id.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,16 +13,8 @@ namespace qe::tool {
 
 struct ToolModel;
 
-struct SqlOptions
+struct SqlOptions : JoinOptions
 {
-    enum class EOuterJoins : std::uint8_t
-    {
-        /// What may be missing is joined by LEFT OUTER JOIN, and so is what lies behind it.
-        ByCardinality,
-        /// All joins are inner joins.
-        Never,
-    };
-
     enum class ESelect : std::uint8_t
     {
         FromClause,
@@ -30,12 +22,7 @@ struct SqlOptions
         FirstItems,
     };
 
-    EOuterJoins outerJoins = EOuterJoins::ByCardinality;
     ESelect select = ESelect::FromClause;
-    /// The subject that the FROM clause begins with: its rows stay when others may be missing.
-    /// Nothing: the one from which the fewest joins lead to a "many" side, of several the one that
-    /// the question names first.
-    std::optional<amd_id> start{};
 };
 
 /// Returns SQL that joins the tables along the path, for SQLite and PostgreSQL. Each query subject

@@ -1,6 +1,7 @@
 #include "Toolkit/Answers/AnswerText.h"
 
 #include "Source/Rules/RankingCriteria.h"
+#include "Toolkit/Answers/RiskText.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/TextTable.h"
 
@@ -33,12 +34,33 @@ std::string PathText(const Answer& answer, const Alternative& alternative)
                      [&answer](const amd_id& join) { return JoinTitle(answer, join); });
 }
 
+} // namespace
+
+std::string DescribeDecision(const AnswerDecision& decision)
+{
+    constexpr std::size_t kShown = 5;
+    std::string text =
+        decision.subjects.empty() ? "Everywhere" : "For " + JoinTexts(decision.subjects);
+    const char* separator = " the model ";
+    const auto add = [&](const char* verb, const std::vector<std::string>& joins) {
+        if (joins.empty())
+            return;
+        text += separator + (verb + JoinFirstTexts(joins, kShown));
+        separator = " and ";
+    };
+    add("prefers ", decision.preferred);
+    add("avoids ", decision.avoided);
+    return decision.reason.empty() ? text : text + ": " + decision.reason;
+}
+
+namespace {
+
 class TextAnswerWriter
 {
 public:
     TextAnswerWriter(std::ostream& out, const Question& question, const Answer& answer,
-                     ListLimit alternatives)
-        : mOut(out), mQuestion(question), mAnswer(answer), mLimit(alternatives)
+                     const Risks& risks, ListLimit alternatives)
+        : mOut(out), mQuestion(question), mAnswer(answer), mRisks(risks), mLimit(alternatives)
     {}
 
     void Write();
@@ -48,8 +70,10 @@ private:
     void WriteSubjects();
     void WriteJoins(const Ids& path);
     void WriteCandidates();
+    void WriteDecisions();
     void WriteSeparation();
-    void WriteRemarks();
+    void WriteRisks();
+    void WriteMessages();
 
     [[nodiscard]] std::string Join(const Ids& subjects) const;
     [[nodiscard]] bool AsksForSeveral() const
@@ -61,6 +85,7 @@ private:
     std::ostream& mOut;
     const Question& mQuestion;
     const Answer& mAnswer;
+    const Risks& mRisks;
     ListLimit mLimit;
 };
 
@@ -74,13 +99,18 @@ void TextAnswerWriter::Write()
     else if (mAnswer.bestPaths.size() == 1)
         WriteJoins(mAnswer.bestPaths.front());
     WriteCandidates();
+    WriteDecisions();
     WriteSeparation();
-    WriteRemarks();
+    WriteRisks();
+    WriteMessages();
 }
 
 void TextAnswerWriter::WriteHeadline()
 {
-    if (mQuestion.operation == EOperation::JoinedSubjects) {
+    const bool asksForOne = mAnswer.terminals.size() == 1 && mAnswer.secondSet.empty();
+    if (asksForOne && mAnswer.connected && !mAnswer.error) {
+        mOut << "Nothing to join: " << Join(mAnswer.terminals) << " stands alone\n";
+    } else if (mQuestion.operation == EOperation::JoinedSubjects) {
         mOut << Count(mAnswer.joinedSubjects.size(), "joined subject", "joined subjects") << '\n';
     } else if (AsksForSeveral()) {
         mOut << Count(mAnswer.bestPaths.size(), "best path", "best paths");
@@ -134,6 +164,12 @@ void TextAnswerWriter::WriteCandidates()
         mOut << "Main object: " << ToDisplayText(mAnswer.NameOf(mAnswer.mainObject)) << '\n';
 }
 
+void TextAnswerWriter::WriteDecisions()
+{
+    for (const AnswerDecision& decision : mAnswer.decisions)
+        mOut << ToDisplayText(DescribeDecision(decision)) << '\n';
+}
+
 void TextAnswerWriter::WriteSeparation()
 {
     const auto& groups = mAnswer.separation.groups;
@@ -152,7 +188,22 @@ void TextAnswerWriter::WriteSeparation()
          << " would connect all: " << Join(mAnswer.separation.bridge) << '\n';
 }
 
-void TextAnswerWriter::WriteRemarks()
+void TextAnswerWriter::WriteRisks()
+{
+    const std::vector<RiskRemark> remarks = ListRemarks(mAnswer, mRisks);
+    const std::string rows = DescribeRows(mAnswer, mRisks);
+    const std::string outerJoins = DescribeOuterJoins(mAnswer, mRisks);
+    if (remarks.empty() && rows.empty() && outerJoins.empty())
+        return;
+    mOut << '\n';
+    if (!rows.empty())
+        mOut << "Rows: " << ToDisplayText(rows) << '\n';
+    if (!outerJoins.empty())
+        mOut << "Outer joins: " << ToDisplayText(outerJoins) << '\n';
+    WriteRemarks(mOut, remarks, "");
+}
+
+void TextAnswerWriter::WriteMessages()
 {
     if (!mAnswer.warnings.empty() || !mAnswer.notices.empty())
         mOut << '\n';
@@ -171,9 +222,9 @@ std::string TextAnswerWriter::Join(const Ids& subjects) const
 } // namespace
 
 void WriteText(std::ostream& out, const Question& question, const Answer& answer,
-               ListLimit alternatives)
+               const Risks& risks, ListLimit alternatives)
 {
-    TextAnswerWriter(out, question, answer, alternatives).Write();
+    TextAnswerWriter(out, question, answer, risks, alternatives).Write();
 }
 
 void WriteAlternatives(std::ostream& out, const Answer& answer, ListLimit alternatives)

@@ -7,6 +7,7 @@
 #include "Toolkit/Text/DisplayText.h"
 
 #include <cstddef>
+#include <string>
 
 namespace qe::tool {
 
@@ -17,6 +18,8 @@ struct FormatOptions
 {
     ListLimit alternatives{10};
     SqlOptions sql{};
+    /// The model file as the command line named it, where a choice can be kept in it; else empty.
+    std::string modelFile{};
 };
 
 /// Everything that a writer of answers can draw on. Refers to the model, question and answer.

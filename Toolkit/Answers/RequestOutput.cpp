@@ -25,13 +25,13 @@ using Json = nlohmann::ordered_json;
 class OutcomeWriter
 {
 public:
-    OutcomeWriter(Json& json, const Question& question, ListLimit alternatives)
-        : mJson(json), mQuestion(question), mAlternatives(alternatives)
+    OutcomeWriter(Json& json, const BatchEntry& entry, ListLimit alternatives)
+        : mJson(json), mEntry(entry), mAlternatives(alternatives)
     {}
 
     void operator()(const Answer& answer)
     {
-        mJson.update(ToJson(mQuestion, answer, mAlternatives));
+        mJson.update(ToJson(mEntry.question, answer, mEntry.risks, mAlternatives));
     }
 
     void operator()(const InputError& error)
@@ -51,7 +51,7 @@ public:
 
 private:
     Json& mJson;
-    const Question& mQuestion;
+    const BatchEntry& mEntry;
     ListLimit mAlternatives;
 };
 
@@ -60,7 +60,7 @@ private:
 Json ToJson(const BatchEntry& entry, ListLimit alternatives)
 {
     Json json{{"line", entry.line}, {"id", entry.id}};
-    std::visit(OutcomeWriter(json, entry.question, alternatives), entry.outcome);
+    std::visit(OutcomeWriter(json, entry, alternatives), entry.outcome);
     return json;
 }
 
@@ -141,7 +141,8 @@ void WriteDifference(std::ostream& out, const Difference& difference)
         out << '\n';
         return;
     }
-    out << "\n  written only: " << PairsText(difference.onlyWritten)
+    out << (difference.isCut ? " (the list of candidates was cut)" : "")
+        << "\n  written only: " << PairsText(difference.onlyWritten)
         << "\n  chosen only:  " << PairsText(difference.onlyChosen) << '\n';
 }
 
@@ -190,6 +191,9 @@ void WriteText(std::ostream& out, const Evaluation& evaluation, EDifferences dif
     for (const Row& row : MakeRows(evaluation))
         AddRow(table, row);
     table.Write(out, "");
+    if (evaluation.cutLists > 0)
+        out << "Lists of candidates that were cut, so that the choice may be arbitrary: "
+            << evaluation.cutLists << '\n';
     if (differences == EDifferences::Listed) {
         out << '\n';
         for (const Difference& difference : evaluation.differences)
@@ -206,8 +210,10 @@ nlohmann::ordered_json ToJson(const Evaluation& evaluation)
                         {"comparison", ToText(difference.comparison)},
                         {"onlyWritten", PairsToJson(difference.onlyWritten)},
                         {"onlyChosen", PairsToJson(difference.onlyChosen)},
-                        {"reason", difference.reason}});
+                        {"reason", difference.reason},
+                        {"cut", difference.isCut}});
     return {{"version", kEvaluationVersion},
+            {"cutLists", evaluation.cutLists},
             {"all", ToJson(evaluation.all)},
             {"byGiven", GroupsToJson(evaluation.byGiven)},
             {"bySubjects", GroupsToJson(evaluation.bySubjects)},

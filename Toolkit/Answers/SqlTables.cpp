@@ -2,8 +2,6 @@
 
 #include "Engine/Model/Names.h"
 #include "Engine/Services/Characters.h"
-#include "IdClass.h"
-#include "Toolkit/Ask/SubjectGroups.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <cstddef>
@@ -51,24 +49,6 @@ std::string AliasNames::Take(std::string_view wanted)
 
 namespace {
 
-using Ids = std::vector<amd_id>;
-
-/// Returns the subjects that need tables, those of the question first; some more than once.
-Ids CollectSubjects(const Answer& answer, const Ids& path)
-{
-    Ids subjects = answer.terminals;
-    // Of two sets only those are part of a statement that the path reaches.
-    if (!answer.endPairs.empty())
-        subjects = {answer.endPairs.front().first, answer.endPairs.front().second};
-    for (const amd_id& id : path) {
-        if (const AnswerJoin* const join = answer.FindJoin(id)) {
-            subjects.push_back(join->left);
-            subjects.push_back(join->right);
-        }
-    }
-    return subjects;
-}
-
 std::string SourceOf(const model::Model& model, const amd_id& subject)
 {
     const model::ObjectRecord* const record = model.Find(model.GetTarget(subject));
@@ -79,21 +59,13 @@ std::string SourceOf(const model::Model& model, const amd_id& subject)
 
 } // namespace
 
-SqlTables::SqlTables(const model::Model& model, const Answer& answer, const Ids& path)
+SqlTables::SqlTables(const model::Model& model, const PathTables& path) : mPath(path)
 {
-    SubjectGroups same;
-    for (const amd_id& id : path) {
-        const AnswerJoin* const join = answer.FindJoin(id);
-        if (join != nullptr && id.classCode == IdClassShortcutJoin)
-            same.AddJoin(join->left, join->right);
-    }
     AliasNames aliases;
-    for (const Ids& group : same.Split(CollectSubjects(answer, path))) {
-        const amd_id& first = group.front();
-        const std::string alias = aliases.Take(model.Find(first)->name);
-        mTables.push_back({SourceOf(model, first), QuoteIdentifier(alias)});
-        for (const amd_id& subject : group)
-            mIndexes.emplace(subject, mTables.size() - 1);
+    for (std::size_t table = 0; table < path.GetCount(); ++table) {
+        const amd_id& first = path.GetSubjects(table).front();
+        mTables.push_back(
+            {SourceOf(model, first), QuoteIdentifier(aliases.Take(model.Find(first)->name))});
     }
 }
 

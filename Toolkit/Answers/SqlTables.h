@@ -2,11 +2,10 @@
 #define TOOLKIT_ANSWERS_SQLTABLES_H
 
 #include "Engine/Model/Model.h"
-#include "Toolkit/Ask/Answer.h"
+#include "Toolkit/Ask/JoinPlan.h"
 #include "amd_id.h"
 
 #include <cstddef>
-#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -42,24 +41,24 @@ struct SqlTable
     std::string alias{};
 };
 
-/// The tables of a statement: one for each query subject or shortcut that it touches, but one for
-/// all that the path takes for the same, by the joins between shortcuts and what they stand for.
+/// The tables of a path as a statement names them.
 class SqlTables
 {
 public:
-    /// Assigns tables to the subjects of the question, in their order, then to the other ends of
-    /// the joins of the path.
-    SqlTables(const model::Model& model, const Answer& answer, const std::vector<amd_id>& path);
+    /// Refers to the path.
+    SqlTables(const model::Model& model, const PathTables& path);
 
-    [[nodiscard]] std::size_t GetCount() const { return mTables.size(); }
     [[nodiscard]] const SqlTable& Get(std::size_t index) const { return mTables[index]; }
-    /// Returns the index of the subject's table. The subject is one that the constructor saw.
-    [[nodiscard]] std::size_t IndexOf(const amd_id& subject) const { return mIndexes.at(subject); }
-    [[nodiscard]] bool Has(const amd_id& subject) const { return mIndexes.count(subject) != 0; }
+    /// Returns the index of the subject's table. The subject is one of the path.
+    [[nodiscard]] std::size_t IndexOf(const amd_id& subject) const
+    {
+        return mPath.IndexOf(subject);
+    }
+    [[nodiscard]] bool Has(const amd_id& subject) const { return mPath.Has(subject); }
 
 private:
+    const PathTables& mPath;
     std::vector<SqlTable> mTables;
-    std::map<amd_id, std::size_t> mIndexes;
 };
 
 } // namespace qe::tool

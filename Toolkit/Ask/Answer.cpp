@@ -3,6 +3,9 @@
 #include "IdClass.h"
 #include "ORVMessage.h"
 
+#include <string_view>
+#include <utility>
+
 namespace qe::tool {
 
 namespace {
@@ -37,7 +40,12 @@ AnswerJoin ToAnswerJoin(const AQE_I_Refiner::QEjoinInfo& info)
 
 AnswerMessage ToAnswerMessage(const ORVMessage& message)
 {
-    return {.number = message.GetNumber(), .text = message.GetText().ToStdString()};
+    // The label of a list that is empty tells nothing.
+    constexpr std::string_view kNoClasses = " User classes: ";
+    std::string text = message.GetText().ToStdString();
+    if (text.ends_with(kNoClasses))
+        text.resize(text.size() - kNoClasses.size());
+    return {.number = message.GetNumber(), .text = std::move(text)};
 }
 
 std::string Answer::NameOf(const amd_id& subject) const

@@ -44,6 +44,8 @@ struct AnswerJoin
     /// What it weighs in the graph that was searched: by its kind, or by being favoured, required
     /// or avoided.
     int weight = 0;
+    /// Whether its "many" end is a detail of its other end, a fact: see DetailRule.
+    bool leadsFromDetail = false;
 };
 
 /// Returns the join that was read.
@@ -71,10 +73,41 @@ inline constexpr std::string_view kJoinNames = "join names";
 inline constexpr std::string_view kOrder = "order";
 /// Among equally cheap ones, the keys speak for it.
 inline constexpr std::string_view kKeys = "keys";
+/// The model prefers a join of it.
+inline constexpr std::string_view kModel = "preferred in the model";
 /// The selector's own rule.
 inline constexpr std::string_view kSelector = "selector";
 
 } // namespace decision
+
+/// An equally cheap candidate, and what would make the refiner take it.
+struct Turn
+{
+    /// The position of the candidate.
+    std::size_t alternative = 0;
+    /// The names of joins: favouring all of them makes it the only cheapest candidate. Empty when
+    /// only requiring them does.
+    std::vector<std::string> favoured{};
+    std::vector<std::string> required{};
+};
+
+/// Why another path might have been answered as well.
+struct Ambiguity
+{
+    /// The candidates of least weight.
+    std::size_t equallyCheap = 0;
+    /// How many there are in all when not all were listed: a number, perhaps behind "at least";
+    /// "more" when that is not known. Else empty.
+    std::string total{};
+    /// Whether the search ended before it was certain that no path is cheaper.
+    bool isUnproven = false;
+    /// Nothing that a user would call a reason decided: the names of joins, or their order.
+    bool isArbitrary = false;
+    /// For the next candidates.
+    std::vector<Turn> turns{};
+
+    [[nodiscard]] bool IsCut() const { return !total.empty() || isUnproven; }
+};
 
 /// A message that the request carries back to its user.
 struct AnswerMessage
@@ -84,6 +117,18 @@ struct AnswerMessage
 };
 
 [[nodiscard]] AnswerMessage ToAnswerMessage(const ORVMessage& message);
+
+/// A decision of the model that holds for the question, by names.
+struct AnswerDecision
+{
+    /// Without subjects it holds for all questions.
+    std::vector<std::string> subjects{};
+    /// Names that a NameResolver resolves to the joins.
+    std::vector<std::string> preferred{};
+    std::vector<std::string> avoided{};
+    /// May be empty.
+    std::string reason{};
+};
 
 /// How the library failed.
 struct AnswerError
@@ -142,6 +187,8 @@ struct Answer
     std::optional<std::size_t> chosen{};
     /// The name of a ranking criterion, or one of namespace decision.
     std::string_view criterion = decision::kNone;
+    /// Nothing when there was only one path to answer.
+    std::optional<Ambiguity> ambiguity{};
     std::vector<std::vector<amd_id>> bestPaths{};
     /// Between two sets: the subjects at the ends of the path, or of each of the best paths.
     std::vector<std::pair<amd_id, amd_id>> endPairs{};
@@ -149,6 +196,8 @@ struct Answer
     /// Main-object selector: the main object of the chosen path; else the empty id.
     amd_id mainObject;
 
+    /// The decisions of the model that the question was asked with.
+    std::vector<AnswerDecision> decisions{};
     std::vector<AnswerMessage> warnings{};
     /// What the library logged for its users, such as that a list was cut.
     std::vector<std::string> notices{};

@@ -1,6 +1,9 @@
 #include "Toolkit/Ask/AnswerRecorder.h"
 
 #include "Engine/Model/Model.h"
+#include "Toolkit/Ask/Ambiguity.h"
+#include "Toolkit/Ask/DetailRule.h"
+#include "Toolkit/Ask/ModelDecisions.h"
 #include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Ask/Request.h"
 #include "Toolkit/Ask/ResolvedQuestion.h"
@@ -82,9 +85,9 @@ using Ids = std::vector<amd_id>;
 
 } // namespace
 
-AnswerRecorder::AnswerRecorder(const model::Model& model, const ResolvedQuestion& resolved,
-                               Request& request, Answer& answer)
-    : mModel(model), mResolved(resolved), mRequest(request), mAnswer(answer)
+AnswerRecorder::AnswerRecorder(const model::Model& model, const DetailRule& details,
+                               const ResolvedQuestion& resolved, Request& request, Answer& answer)
+    : mModel(model), mDetails(details), mResolved(resolved), mRequest(request), mAnswer(answer)
 {
     mAnswer.terminals = resolved.subjects;
     mAnswer.secondSet = resolved.secondSet;
@@ -98,7 +101,8 @@ void AnswerRecorder::RecordJoin(const amd_id& join)
     const auto info = mRequest.ReadJoin(join);
     if (!info)
         return;
-    const AnswerJoin& recorded = mAnswer.joinsById.emplace(join, ToAnswerJoin(*info)).first->second;
+    AnswerJoin& recorded = mAnswer.joinsById.emplace(join, ToAnswerJoin(*info)).first->second;
+    recorded.leadsFromDetail = mDetails.LeadsFromDetail(recorded);
     RecordSubject(recorded.left);
     RecordSubject(recorded.right);
 }
@@ -130,6 +134,26 @@ void AnswerRecorder::RecordCandidateGraph()
     for (const AQE_I_Refiner::QEjoinInfo& info : mRequest.GetShortcutInfo().GetShortcutJoins()) {
         mAnswer.candidateJoins.push_back(info.joinId);
         RecordJoin(info.joinId);
+    }
+}
+
+void AnswerRecorder::RecordDecisions()
+{
+    for (const Decision& decision : mResolved.decisions)
+        mAnswer.decisions.push_back(ToAnswerDecision(mModel, decision));
+}
+
+void AnswerRecorder::RecordPreference()
+{
+    const bool cameCheapest = mAnswer.criterion == decision::kOnlyCandidate ||
+                              mAnswer.criterion == GetRankingCriteria().front().name;
+    const auto isTaken = [this](const amd_id& join) {
+        return std::find(mAnswer.path.begin(), mAnswer.path.end(), join) != mAnswer.path.end();
+    };
+    for (const Decision& decision : mResolved.decisions) {
+        if (cameCheapest &&
+            std::any_of(decision.preferred.begin(), decision.preferred.end(), isTaken))
+            mAnswer.criterion = decision::kModel;
     }
 }
 
@@ -185,6 +209,8 @@ void AnswerRecorder::RecordMessages(std::vector<std::string> notices)
     for (const AQE_RequestContext::UserMessage& message : mRequest.GetContext().GetUserMessages())
         mAnswer.warnings.push_back(ToAnswerMessage(message.message));
     mAnswer.notices = std::move(notices);
+    if (!mAnswer.error)
+        mAnswer.ambiguity = FindAmbiguity(mModel, mAnswer);
 }
 
 bool AnswerRecorder::Connects(const Ids& joins) const

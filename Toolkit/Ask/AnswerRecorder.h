@@ -28,6 +28,7 @@ class Model;
 
 namespace qe::tool {
 
+class DetailRule;
 class Request;
 struct ResolvedQuestion;
 
@@ -36,8 +37,8 @@ class AnswerRecorder
 {
 public:
     /// Refers to everything that it is given.
-    AnswerRecorder(const model::Model& model, const ResolvedQuestion& resolved, Request& request,
-                   Answer& answer);
+    AnswerRecorder(const model::Model& model, const DetailRule& details,
+                   const ResolvedQuestion& resolved, Request& request, Answer& answer);
 
     /// Records the join and its ends, read from the request; nothing when it cannot be read.
     void RecordJoin(const amd_id& join);
@@ -46,6 +47,11 @@ public:
 
     /// Records the names of the question, the governors in force and the graph that is searched.
     void RecordCandidateGraph();
+    /// Records the decisions of the model that hold for the question.
+    void RecordDecisions();
+    /// Records that one of them decided, where the path takes a join that it prefers and nothing
+    /// else was left to decide.
+    void RecordPreference();
     /// Records the path of the answer as a candidate, unless the selector saw candidates.
     void RecordOnlyCandidate();
     /// Records each of the best paths as a candidate.
@@ -55,7 +61,8 @@ public:
     /// Records, for subjects that are not connected, which of them can be. Of joined subjects this
     /// decides whether they are connected.
     void RecordSeparation(EOperation operation);
-    /// Records what the request and the library have to say to the user.
+    /// Records what the request and the library have to say to the user, and then which other
+    /// candidates there were.
     void RecordMessages(std::vector<std::string> notices);
 
     /// Returns whether the joins connect the subjects of the question.
@@ -63,6 +70,7 @@ public:
 
 private:
     const model::Model& mModel;
+    const DetailRule& mDetails;
     const ResolvedQuestion& mResolved;
     Request& mRequest;
     Answer& mAnswer;

@@ -7,16 +7,20 @@
 #include "HBNException.h"
 #include "MainObjectPathSelector.h"
 #include "Toolkit/Ask/AnswerRecorder.h"
+#include "Toolkit/Ask/DetailRule.h"
 #include "Toolkit/Ask/KeyChoice.h"
 #include "Toolkit/Ask/LogNotices.h"
+#include "Toolkit/Ask/ModelDecisions.h"
 #include "Toolkit/Ask/Request.h"
 #include "Toolkit/Ask/RequestBasis.h"
 #include "Toolkit/Ask/ResolvedQuestion.h"
 #include "Toolkit/Model/ToolModel.h"
+#include "Toolkit/Text/DisplayText.h"
 
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -32,10 +36,12 @@ AnswerError ToAnswerError(const HBNException& exception)
 {
     AnswerError error{.kind = AnswerError::EKind::Reported,
                       .severity = exception.GetSeverity(),
-                      .code = exception.GetCode(),
-                      .text = exception.what()};
+                      .code = exception.GetCode()};
     for (const HBNMessage& message : exception.GetMessages())
         error.messages.push_back(ToAnswerMessage(message));
+    // What an exception says of itself is meant for the log.
+    error.text = error.messages.empty() ? exception.what()
+                                        : JoinTexts(error.messages, &AnswerMessage::text, " ");
     return error;
 }
 
@@ -62,12 +68,12 @@ class QuestionRun
 {
 public:
     /// Refers to everything that it is given.
-    QuestionRun(const ToolModel& model, const Question& question, const ResolvedQuestion& resolved,
-                RequestBasis& basis)
+    QuestionRun(const ToolModel& model, const DetailRule& details, const Question& question,
+                const ResolvedQuestion& resolved, RequestBasis& basis)
         : mQuestion(question),
           mResolved(resolved),
           mRequest(basis, resolved),
-          mRecorder(*model.model, mResolved, mRequest, mAnswer)
+          mRecorder(*model.model, details, mResolved, mRequest, mAnswer)
     {}
     QuestionRun(const QuestionRun&) = delete;
     QuestionRun& operator=(const QuestionRun&) = delete;
@@ -102,6 +108,7 @@ Answer QuestionRun::Run()
 {
     const LogNotices notices;
     try {
+        mRecorder.RecordDecisions();
         mRecorder.RecordCandidateGraph();
         RunOperation();
     } catch (const HBNException& exception) {
@@ -109,8 +116,12 @@ Answer QuestionRun::Run()
     } catch (const ORVThrowable& failure) {
         mAnswer.error = AnswerError{.kind = AnswerError::EKind::Internal, .text = failure.what()};
     }
+    mRecorder.RecordPreference();
     mRecorder.RecordSeparation(mQuestion.operation);
     mRecorder.RecordMessages(notices.Get());
+    // Who chose himself knows the others.
+    if (mQuestion.selector.kind == ESelector::Ask)
+        mAnswer.ambiguity.reset();
     return std::move(mAnswer);
 }
 
@@ -302,7 +313,9 @@ bool IsLogRead()
 } // namespace
 
 Asker::Asker(const ToolModel& model)
-    : mModel(model), mResolver(std::make_unique<QuestionResolver>(*model.model))
+    : mModel(model),
+      mResolver(std::make_unique<QuestionResolver>(*model.model)),
+      mDetails(std::make_unique<DetailRule>(*model.model))
 {}
 
 Asker::~Asker() = default;
@@ -311,12 +324,30 @@ Answer Asker::Ask(const Question& question)
 {
     if (question.selector.kind == ESelector::Ask && !question.selector.choose)
         throw std::invalid_argument("The question has no function that chooses");
-    const ResolvedQuestion resolved = mResolver->Resolve(question);
+    ResolvedQuestion resolved = mResolver->Resolve(question);
+    ApplyDecisions(mModel.decisions, question, resolved);
+    if (question.operation == EOperation::Path && !resolved.avoidedJoins.empty())
+        LeaveOutAvoided(question, resolved);
     std::unique_ptr<RequestBasis> basis = TakeBasis(question, resolved);
-    Answer answer = QuestionRun(mModel, question, resolved, *basis).Run();
+    Answer answer = QuestionRun(mModel, *mDetails, question, resolved, *basis).Run();
     if (!answer.error)
         mBasis = std::move(basis);
     return answer;
+}
+
+void Asker::LeaveOutAvoided(const Question& question, ResolvedQuestion& resolved) const
+{
+    Question best = question;
+    best.operation = EOperation::BestPaths;
+    RequestBasis basis(mModel, best, resolved);
+    const Answer answer = QuestionRun(mModel, *mDetails, best, resolved, basis).Run();
+    const Ids needed = answer.bestPaths.empty() ? Ids() : answer.bestPaths.front();
+    std::set<amd_id> leftOut(resolved.avoidedJoins.begin(), resolved.avoidedJoins.end());
+    for (const amd_id& join : needed)
+        leftOut.erase(join);
+    std::erase_if(resolved.joins,
+                  [&leftOut](const amd_id& join) { return leftOut.count(join) > 0; });
+    resolved.avoidedJoins.clear();
 }
 
 std::unique_ptr<RequestBasis> Asker::TakeBasis(const Question& question,

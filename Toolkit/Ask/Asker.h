@@ -9,6 +9,7 @@
 
 namespace qe::tool {
 
+class DetailRule;
 class QuestionResolver;
 class RequestBasis;
 struct ResolvedQuestion;
@@ -39,12 +40,16 @@ public:
     [[nodiscard]] Answer Ask(const Question& question);
 
 private:
+    /// Takes the avoided joins out of the graph of a path, but for those that the best paths cannot
+    /// do without: the refiner finds a path without a list of avoided joins.
+    void LeaveOutAvoided(const Question& question, ResolvedQuestion& resolved) const;
     /// Returns the basis of the question before when it fits this one, otherwise a new one.
     [[nodiscard]] std::unique_ptr<RequestBasis> TakeBasis(const Question& question,
                                                           const ResolvedQuestion& resolved);
 
     const ToolModel& mModel;
     std::unique_ptr<QuestionResolver> mResolver;
+    std::unique_ptr<DetailRule> mDetails;
     /// Null after a question that failed.
     std::unique_ptr<RequestBasis> mBasis;
     std::size_t mQuestionsOnBasis = 0;

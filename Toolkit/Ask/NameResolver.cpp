@@ -128,6 +128,11 @@ InputProblem NameResolver::DescribeUnknown(EKind kind, const std::string& place,
     if (kind == EKind::Join)
         return {place, "The model has no join \"" + name + '"',
                 mModel.SuggestNames(ENameKind::Join, name)};
+    const std::vector<amd_id> items = mModel.FindByName(ENameKind::Item, name);
+    if (items.size() == 1)
+        return {place,
+                "A column is no query subject: \"" + name + '"',
+                {SubjectName(mModel, mModel.Find(items.front())->parent)}};
     return {place, "The model has no query subject or shortcut \"" + name + '"',
             mModel.SuggestNames(ENameKind::Subject, name)};
 }
@@ -160,6 +165,18 @@ std::string SubjectName(const model::Model& model, const amd_id& subject)
     const bool isUnique =
         model.FindByName(ENameKind::Subject, model::QualifiedName{record->name}).size() == 1;
     return isUnique ? record->name : model::ToText(model.GetQualifiedName(subject));
+}
+
+std::string JoinName(const model::Model& model, const amd_id& join)
+{
+    const model::ObjectRecord* const record = model.Find(join);
+    if (record == nullptr)
+        return ToText(join);
+    for (std::string name : {record->name, model::ToText(model.GetQualifiedName(join))}) {
+        if (!name.empty() && model.FindByName(ENameKind::Join, name) == std::vector{join})
+            return name;
+    }
+    return ToText(join);
 }
 
 std::vector<std::string> SubjectNames(const model::Model& model,

@@ -65,6 +65,10 @@ private:
 /// have.
 [[nodiscard]] std::string SubjectName(const model::Model& model, const amd_id& subject);
 
+/// Returns a name of a join of the model that a NameResolver resolves to this join alone: its own,
+/// its own behind its parents', or else the id's text.
+[[nodiscard]] std::string JoinName(const model::Model& model, const amd_id& join);
+
 /// Returns such a name for each subject.
 [[nodiscard]] std::vector<std::string> SubjectNames(const model::Model& model,
                                                     const std::vector<amd_id>& subjects);

@@ -1,6 +1,7 @@
 #include "Toolkit/Ask/Question.h"
 
 #include "Engine/Services/SettingsOverride.h"
+#include "Toolkit/Ask/SettingNames.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <charconv>
@@ -38,8 +39,10 @@ Setting ParseSetting(std::string_view text)
         const char* const end = text.data() + text.size();
         const auto [stop, failure] = std::from_chars(text.data() + equal + 1, end, setting.value);
         if (failure == std::errc() && stop == end && !setting.section.empty() &&
-            !setting.key.empty())
+            !setting.key.empty()) {
+            CheckSettingName("--set", setting.section + '/' + setting.key);
             return setting;
+        }
     }
     throw InputError({{"--set", "A setting is written as \"Section/Key=number\", not as \"" +
                                     std::string(text) + '"'}});
@@ -52,6 +55,7 @@ std::string ToText(const Setting& setting)
 
 void ApplySettings(const std::vector<Setting>& settings)
 {
+    CheckSettingsFile();
     for (const Setting& setting : settings)
         SettingsOverride::Set(setting.section, setting.key, setting.value);
 }

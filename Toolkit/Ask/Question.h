@@ -131,14 +131,16 @@ struct Question
     std::vector<Setting> settings{};
 };
 
-/// Returns the setting that "Section/Key=value" stands for. Throws InputError for any other text.
+/// Returns the setting that "Section/Key=value" stands for. Throws InputError for any other text,
+/// and for settings that nothing reads.
 [[nodiscard]] Setting ParseSetting(std::string_view text);
 
 /// Returns the setting as ParseSetting reads it.
 [[nodiscard]] std::string ToText(const Setting& setting);
 
 /// Sets the values for the whole process. The library reads some settings once and keeps what it
-/// read, so this is done before the first question and not again.
+/// read, so this is done before the first question and not again. Throws InputError when the user's
+/// settings file cannot be meant as it stands.
 void ApplySettings(const std::vector<Setting>& settings);
 
 } // namespace qe::tool

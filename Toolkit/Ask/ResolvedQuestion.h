@@ -1,6 +1,7 @@
 #ifndef TOOLKIT_ASK_RESOLVEDQUESTION_H
 #define TOOLKIT_ASK_RESOLVEDQUESTION_H
 
+#include "Toolkit/Model/Decision.h"
 #include "amd_id.h"
 
 #include <optional>
@@ -25,6 +26,8 @@ struct ResolvedQuestion
     std::vector<amd_id> favouredSubjects{};
     std::vector<amd_id> nodes{};
     std::vector<amd_id> joins{};
+    /// The decisions of the model that hold for the question, with the joins that they add.
+    std::vector<Decision> decisions{};
 };
 
 /// Looks up what questions about one model name.

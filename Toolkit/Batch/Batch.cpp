@@ -13,14 +13,16 @@
 #include <exception>
 #include <iomanip>
 #include <istream>
+#include <map>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
-#include <vector>
 
 namespace qe::tool {
 namespace {
@@ -60,11 +62,26 @@ std::chrono::nanoseconds LatencyHistogram::GetPercentile(unsigned percent) const
     return std::chrono::nanoseconds((bucket - shift * kSteps) << shift);
 }
 
+namespace {
+
+std::string WriteRisks(const BatchSummary& summary)
+{
+    std::string text;
+    for (const auto& [word, risk] : kRiskWords) {
+        const std::size_t count = summary.risky[static_cast<std::size_t>(risk)];
+        if (count != 0)
+            text += ", " + std::string(word) + ": " + std::to_string(count);
+    }
+    return text;
+}
+
+} // namespace
+
 std::string ToText(const BatchSummary& summary)
 {
     std::ostringstream text;
     text << "requests: " << summary.requests << ", failures: " << summary.failures
-         << ", not connected: " << summary.notConnected
+         << ", not connected: " << summary.notConnected << WriteRisks(summary)
          << ", median: " << ToMilliseconds(summary.latencies.GetPercentile(50))
          << ", 99th percentile: " << ToMilliseconds(summary.latencies.GetPercentile(99))
          << (summary.wasInterrupted ? " (interrupted)" : "");
@@ -96,10 +113,14 @@ public:
             Answer(line, entry);
         } catch (const InputError& error) {
             entry.outcome = error;
+        } catch (const std::bad_alloc&) {
+            entry.outcome = InternalFailure{"out of memory while finding the answer"};
         } catch (const std::exception& error) {
             entry.outcome = InternalFailure{error.what()};
         }
         WorkResult result{.text = mOutput.toLine(entry), .outcome = Classify(entry)};
+        if (const auto* const answer = std::get_if<tool::Answer>(&entry.outcome))
+            result.risks = ListRisks(*answer, entry.risks);
         result.bytes = line.bytes;
         result.latency = Clock::now() - begin;
         return result;
@@ -116,28 +137,27 @@ private:
         if (request.json.is_object() && request.json.contains("id"))
             entry.id = request.json["id"];
         entry.question = ReadQuestion(request, mOptions.defaults);
-        std::unique_ptr<Asker> asker = TakeAsker();
+        std::unique_ptr<Asker>& asker = FindAsker();
+        if (asker == nullptr)
+            asker = std::make_unique<Asker>(mModel);
         try {
-            entry.outcome = asker->Ask(entry.question);
+            tool::Answer answer = asker->Ask(entry.question);
+            entry.risks = FindRisks(entry.question, answer, {});
+            entry.outcome = std::move(answer);
         } catch (const InputError& mistakes) {
             entry.outcome = mistakes;
+        } catch (...) {
+            asker.reset();
+            throw;
         }
-        const std::lock_guard lock(mMutex);
-        mIdleAskers.push_back(std::move(asker));
     }
 
-    /// Returns the asker that worked last, when it is idle, so that each thread has one.
-    [[nodiscard]] std::unique_ptr<Asker> TakeAsker()
+    /// Returns the asker of this thread, or where it is to be. What an asker has found out lies
+    /// near the processor that works with it.
+    [[nodiscard]] std::unique_ptr<Asker>& FindAsker()
     {
-        {
-            const std::lock_guard lock(mMutex);
-            if (!mIdleAskers.empty()) {
-                std::unique_ptr<Asker> asker = std::move(mIdleAskers.back());
-                mIdleAskers.pop_back();
-                return asker;
-            }
-        }
-        return std::make_unique<Asker>(mModel);
+        const std::lock_guard lock(mMutex);
+        return mAskers[std::this_thread::get_id()];
     }
 
     [[nodiscard]] static EOutcome Classify(const BatchEntry& entry)
@@ -152,7 +172,7 @@ private:
     const BatchOutput& mOutput;
     const BatchOptions& mOptions;
     std::mutex mMutex;
-    std::vector<std::unique_ptr<Asker>> mIdleAskers;
+    std::map<std::thread::id, std::unique_ptr<Asker>> mAskers;
 };
 
 void Count(const WorkResult& result, BatchSummary& summary)
@@ -160,6 +180,8 @@ void Count(const WorkResult& result, BatchSummary& summary)
     ++summary.requests;
     summary.failures += result.outcome == EOutcome::Failed ? 1 : 0;
     summary.notConnected += result.outcome == EOutcome::NotConnected ? 1 : 0;
+    for (const ERisk risk : result.risks)
+        ++summary.risky[static_cast<std::size_t>(risk)];
     summary.latencies.Add(result.latency);
     summary.bytes = result.bytes;
 }

@@ -3,6 +3,7 @@
 
 #include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Ask/Question.h"
+#include "Toolkit/Ask/Risks.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <array>
@@ -47,13 +48,15 @@ struct BatchSummary
     std::size_t failures = 0;
     /// Those whose subjects cannot be connected.
     std::size_t notConnected = 0;
+    /// Those with each risk, by ERisk.
+    std::array<std::size_t, kRiskWords.size()> risky{};
     LatencyHistogram latencies{};
     /// How much of the input these requests take up.
     std::uint64_t bytes = 0;
     bool wasInterrupted = false;
 };
 
-/// Returns the summary in one line: requests, failures, median and 99th percentile.
+/// Returns the summary in one line: requests, failures, risks, median and 99th percentile.
 [[nodiscard]] std::string ToText(const BatchSummary& summary);
 
 struct ToolModel;
@@ -74,6 +77,8 @@ struct BatchEntry
     /// What was asked, as far as it could be read.
     Question question{};
     std::variant<InternalFailure, InputError, Answer> outcome{};
+    /// What the answer risks, in SQL as the options leave it.
+    Risks risks{};
 };
 
 /// Where answers go.

@@ -1,6 +1,7 @@
 #include "Toolkit/Batch/Interrupt.h"
 
 #include <cerrno>
+#include <cstddef>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -34,12 +35,14 @@ Interrupt::Interrupt() : mEmptyInput(open("/dev/null", O_RDONLY | O_CLOEXEC))
     action.sa_handler = HandleInterrupt;
     sigemptyset(&action.sa_mask);
     action.sa_flags = static_cast<int>(SA_RESETHAND);
-    sigaction(SIGINT, &action, &mEarlier);
+    for (std::size_t i = 0; i < kInterrupts.size(); ++i)
+        sigaction(kInterrupts[i], &action, &mEarlier[i]);
 }
 
 Interrupt::~Interrupt()
 {
-    sigaction(SIGINT, &mEarlier, nullptr);
+    for (std::size_t i = 0; i < kInterrupts.size(); ++i)
+        sigaction(kInterrupts[i], &mEarlier[i], nullptr);
     theFlag = nullptr;
     theEmptyInput = -1;
     close(mEmptyInput);
@@ -49,7 +52,8 @@ InterruptBlock::InterruptBlock()
 {
     sigset_t interrupts;
     sigemptyset(&interrupts);
-    sigaddset(&interrupts, SIGINT);
+    for (const int signal : kInterrupts)
+        sigaddset(&interrupts, signal);
     pthread_sigmask(SIG_BLOCK, &interrupts, &mEarlier);
 }
 

@@ -1,12 +1,16 @@
 #ifndef TOOLKIT_BATCH_INTERRUPT_H
 #define TOOLKIT_BATCH_INTERRUPT_H
 
+#include <array>
 #include <atomic>
 #include <csignal>
 
 namespace qe::tool {
 
-/// Turns the first interrupt (SIGINT) into a flag while it lives; the second ends the process as
+/// The signals that ask a process to end.
+inline constexpr std::array kInterrupts{SIGINT, SIGTERM};
+
+/// Turns the first interrupt into a flag while it lives; the second of its kind ends the process as
 /// usual. A thread that waits for standard input then sees its end. One object at a time.
 class Interrupt
 {
@@ -22,8 +26,7 @@ private:
     std::atomic<bool> mFlag = false;
     /// An input that is at its end.
     int mEmptyInput;
-    struct sigaction mEarlier
-    {};
+    std::array<struct sigaction, kInterrupts.size()> mEarlier{};
 };
 
 /// Keeps interrupts from the threads that are started while it lives, so that they reach the

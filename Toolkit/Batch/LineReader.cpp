@@ -3,17 +3,22 @@
 #include "Toolkit/Text/InputFile.h"
 
 #include <filesystem>
+#include <ios>
 #include <system_error>
 
 namespace qe::tool {
 
 bool LineReader::Next(RequestLine& line)
 {
-    while (Read(line)) {
-        if (line.isTooLong || line.text.find_first_not_of(" \t\r") != std::string::npos)
-            return true;
+    try {
+        while (Read(line)) {
+            if (line.isTooLong || line.text.find_first_not_of(" \t\r") != std::string::npos)
+                return true;
+        }
+        return false;
+    } catch (const std::ios_base::failure& failure) {
+        throw InputError({{"requests", "cannot be read: " + failure.code().message()}});
     }
-    return false;
 }
 
 bool LineReader::Read(RequestLine& line)

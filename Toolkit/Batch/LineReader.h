@@ -29,7 +29,8 @@ public:
     /// Refers to the input.
     LineReader(std::istream& input, std::size_t longest) : mInput(input), mLongest(longest) {}
 
-    /// Replaces `line` by the next one; false at the end of the input.
+    /// Replaces `line` by the next one; false at the end of the input. Throws InputError where it
+    /// cannot be read.
     [[nodiscard]] bool Next(RequestLine& line);
 
 private:

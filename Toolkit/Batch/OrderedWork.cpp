@@ -92,7 +92,10 @@ void OrderedWork::HandOver(std::unique_lock<std::mutex>& lock)
         lock.lock();
         mSlots.pop_front();
         --mBegun;
-        mRoomIsThere.notify_all();
+        // The reader fills half a window at a time; waking it for each line costs as much as a
+        // small request where it shares the processors with the workers.
+        if (mSlots.size() <= mWindow / 2)
+            mRoomIsThere.notify_all();
     }
     mIsHandingOver = false;
 }

@@ -1,6 +1,7 @@
 #ifndef TOOLKIT_BATCH_ORDEREDWORK_H
 #define TOOLKIT_BATCH_ORDEREDWORK_H
 
+#include "Toolkit/Ask/Risks.h"
 #include "Toolkit/Batch/LineReader.h"
 
 #include <chrono>
@@ -30,6 +31,8 @@ struct WorkResult
     /// The line that answers it, without its end.
     std::string text{};
     EOutcome outcome = EOutcome::Answered;
+    /// What the answer risks.
+    std::vector<ERisk> risks{};
     std::chrono::nanoseconds latency{};
     /// RequestLine::bytes of the request.
     std::uint64_t bytes = 0;

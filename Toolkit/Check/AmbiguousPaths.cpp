@@ -7,12 +7,19 @@
 #include "AQE_I_Refiner.h"
 #include "Engine/Model/Model.h"
 #include "IdClass.h"
+#include "Toolkit/Ask/ModelDecisions.h"
+#include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Check/CheapestPaths.h"
 #include "Toolkit/Check/ModelGraph.h"
+#include "Toolkit/Model/ToolModel.h"
+#include "Toolkit/Text/DisplayText.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <limits>
 #include <map>
+#include <set>
+#include <span>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -46,6 +53,37 @@ int MaximumWeight(const CheckLimits& limits)
     return (limits.pathJoins + 1) * join - 1;
 }
 
+/// Returns the paths that are the cheapest with the decisions for these ends.
+std::vector<Path> KeepDecided(const ModelGraph& model, const std::vector<amd_id>& ends,
+                              std::vector<Path> paths)
+{
+    std::map<amd_id, int> weights;
+    for (const Decision* const decision :
+         FindHoldingDecisions(model.GetToolModel().decisions, ends)) {
+        for (const amd_id& join : decision->preferred)
+            weights.emplace(
+                join, AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeRelationship136));
+        for (const amd_id& join : decision->avoided)
+            weights.emplace(join, AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeNone));
+    }
+    if (weights.empty())
+        return paths;
+    const auto weigh = [&](const Path& path) {
+        int sum = 0;
+        for (const std::size_t index : path) {
+            const ModelJoin& join = model.GetJoins()[index];
+            const auto decided = weights.find(join.id);
+            sum += decided == weights.end() ? join.weight : decided->second;
+        }
+        return sum;
+    };
+    int least = std::numeric_limits<int>::max();
+    for (const Path& path : paths)
+        least = std::min(least, weigh(path));
+    std::erase_if(paths, [&](const Path& path) { return weigh(path) > least; });
+    return paths;
+}
+
 class PairSearch
 {
 public:
@@ -57,11 +95,9 @@ public:
     {
         RuleFindings found;
         const std::size_t searched = CollectPairs();
-        found.total = mPairs.size();
         std::sort(mPairs.begin(), mPairs.end());
-        mPairs.resize(mLimits.findings.CountShown(mPairs.size()));
         for (const AmbiguousPair& pair : mPairs)
-            found.findings.push_back(Describe(pair));
+            Record(pair, found);
         if (searched < mModel.GetSubjects().size())
             found.notice = "Ambiguous paths were looked for from " + std::to_string(searched) +
                            " of " + std::to_string(mModel.GetSubjects().size()) +
@@ -86,10 +122,13 @@ private:
         return subjects;
     }
 
-    Finding Describe(const AmbiguousPair& pair);
+    /// Adds the pair to what was found, unless the model decides.
+    void Record(const AmbiguousPair& pair, RuleFindings& found);
+    [[nodiscard]] Finding Describe(const AmbiguousPair& pair, const std::vector<Path>& paths) const;
     [[nodiscard]] CheckedPath DescribePath(std::size_t from, const Path& path,
                                            const std::map<std::size_t, std::size_t>& uses) const;
-    [[nodiscard]] std::string Advise(const AmbiguousPair& pair, const Path& path) const;
+    [[nodiscard]] std::string Advise(const AmbiguousPair& pair,
+                                     const std::vector<CheckedPath>& shown, const Path& path) const;
 
     const ModelGraph& mModel;
     const CheckLimits& mLimits;
@@ -117,41 +156,65 @@ CheckedPath PairSearch::DescribePath(std::size_t from, const Path& path,
     return described;
 }
 
-Finding PairSearch::Describe(const AmbiguousPair& pair)
+void PairSearch::Record(const AmbiguousPair& pair, RuleFindings& found)
 {
     mPaths.Search(pair.from);
-    const std::vector<Path> paths = mPaths.ListPaths(pair.to, kReadPaths);
+    const std::span<const amd_id> subjects = mModel.GetSubjects();
+    std::vector<amd_id> ends{subjects[pair.from], subjects[pair.to]};
+    std::sort(ends.begin(), ends.end());
+    const std::vector<Path> paths =
+        KeepDecided(mModel, ends, mPaths.ListPaths(pair.to, kReadPaths));
+    if (paths.size() > 1)
+        tool::Record(found, mLimits, [&] { return Describe(pair, paths); });
+}
+
+Finding PairSearch::Describe(const AmbiguousPair& pair, const std::vector<Path>& paths) const
+{
     std::map<std::size_t, std::size_t> uses;
+    std::set<std::size_t> passed{pair.from, pair.to};
     for (const Path& path : paths) {
-        for (const std::size_t join : path)
+        for (const std::size_t join : path) {
             ++uses[join];
+            passed.insert({mModel.GetJoins()[join].left, mModel.GetJoins()[join].right});
+        }
     }
     Finding finding;
     finding.place = {mModel.GetSubjects()[pair.from], mModel.GetSubjects()[pair.to]};
     finding.placeText = mModel.NameOf(pair.from) + " - " + mModel.NameOf(pair.to);
+    finding.passed.assign(passed.begin(), passed.end());
     const std::string count = paths.size() < kReadPaths ? std::to_string(paths.size())
                                                         : "at least " + std::to_string(kReadPaths);
     finding.text = mModel.NameOf(pair.from) + " and " + mModel.NameOf(pair.to) + " are joined by " +
                    count + " equally cheap paths of weight " + std::to_string(pair.weight) + ".";
-    finding.advice = Advise(pair, paths.front());
     for (std::size_t i = 0; i < std::min(paths.size(), kShownPaths); ++i)
         finding.paths.push_back(DescribePath(pair.from, paths[i], uses));
+    finding.advice = Advise(pair, finding.paths, paths.front());
     return finding;
 }
 
-std::string PairSearch::Advise(const AmbiguousPair& pair, const Path& path) const
+std::string PairSearch::Advise(const AmbiguousPair& pair, const std::vector<CheckedPath>& shown,
+                               const Path& path) const
 {
-    const ModelJoin& last = mModel.GetJoins()[path.back()];
-    const bool endsInMany = IsToMany(last.CardinalityAt(pair.to));
-    const std::string dimension = mModel.NameOf(endsInMany ? pair.from : pair.to);
-    std::string advice = "A request decides by favouring a join that only one of the paths uses. ";
-    advice += path.size() == 1
-                  ? "In the model, make a shortcut to " + dimension +
-                        " for each role and let each join lead to its own"
-                  : "In the model, make a shortcut to " + dimension + " for one of the paths";
-    if (!mModel.GetModel().GetIds(IdClassFolder).empty() && path.size() > 1)
-        advice += ", or keep the subjects of the path that is meant in one folder and switch "
-                  "\"General Options/AdjustWeightByFolder\" on";
+    const model::Model& model = mModel.GetModel();
+    const auto subjectWord = [&](std::size_t position) {
+        return ToShellWord(SubjectName(model, mModel.GetSubjects()[position]));
+    };
+    const auto decided = std::find_if(shown.begin(), shown.end(), [](const CheckedPath& each) {
+        return each.decidingJoin != amd_id();
+    });
+    const std::string choice =
+        decided == shown.end() ? "--without-join JOIN"
+                               : "--favour " + ToShellWord(JoinName(model, decided->decidingJoin));
+    std::string advice = "Decide which path is meant, for instance: qerefine path MODEL " +
+                         subjectWord(pair.from) + ' ' + subjectWord(pair.to) + ' ' + choice +
+                         " --save";
+    if (path.size() == 1) {
+        const ModelJoin& join = mModel.GetJoins()[path.front()];
+        const bool endsInMany = IsToMany(join.CardinalityAt(pair.to));
+        const std::string dimension = mModel.NameOf(endsInMany ? pair.from : pair.to);
+        advice += ". Where reports need the others too, make a shortcut to " + dimension +
+                  " for each role that one of the joins leads to";
+    }
     return advice + '.';
 }
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -57,6 +58,16 @@ std::vector<Group> FindGroups(const ModelGraph& model)
     std::stable_sort(groups.begin(), groups.end(),
                      [](const Group& a, const Group& b) { return a.size() > b.size(); });
     return groups;
+}
+
+/// Returns the subject that stands for a group in whatever order the model has it.
+std::size_t FindFirstByName(const ModelGraph& model, const Group& group)
+{
+    return *std::min_element(group.begin(), group.end(), [&](std::size_t a, std::size_t b) {
+        const std::span<const amd_id> subjects = model.GetSubjects();
+        return model.GetModel().GetQualifiedName(subjects[a]) <
+               model.GetModel().GetQualifiedName(subjects[b]);
+    });
 }
 
 Finding DescribeEmptyShortcut(const ModelGraph& model, const amd_id& id, const std::string& target)
@@ -110,16 +121,16 @@ RuleFindings FindSeparateGroups(const ModelGraph& model, const CheckLimits& limi
     for (std::size_t i = 1; i < groups.size(); ++i) {
         Record(found, limits, [&] {
             const Group& group = groups[i];
-            return Finding{
-                .place = {model.GetSubjects()[group.front()]},
-                .placeText = model.NameOf(group.front()),
-                .text = "No join connects these " + std::to_string(group.size()) +
-                        " subjects to the other " +
-                        std::to_string(model.GetSubjects().size() - group.size()) + ": " +
-                        ListNames(model, group, kShownNames) + ".",
-                .advice = "Add a relationship between one of them and, for instance, " +
-                          model.NameOf(groups.front().front()) +
-                          ", or tell the authors of reports that the groups do not go together."};
+            const std::size_t first = FindFirstByName(model, group);
+            return Finding{.place = {model.GetSubjects()[first]},
+                           .placeText = model.NameOf(first),
+                           .text = "No join connects these " + std::to_string(group.size()) +
+                                   " subjects to the other " +
+                                   std::to_string(model.GetSubjects().size() - group.size()) +
+                                   ": " + ListNames(model, group, kShownNames) + ".",
+                           .advice = "Add a relationship between one of them and, for instance, " +
+                                     model.NameOf(groups.front().front()) +
+                                     "; where the groups do not go together, accept the finding."};
         });
     }
     return found;

@@ -8,6 +8,7 @@
 #include "Engine/Expression/ParseReport.h"
 #include "Engine/Model/Model.h"
 #include "IdClass.h"
+#include "Toolkit/Check/KeyRules.h"
 #include "Toolkit/Check/ModelGraph.h"
 
 #include <set>
@@ -138,7 +139,8 @@ RuleFindings FindManyToManyJoins(const ModelGraph& model, const CheckLimits& lim
 {
     RuleFindings found;
     for (const ModelJoin& join : model.GetJoins()) {
-        if (!IsToMany(join.leftCardinality) || !IsToMany(join.rightCardinality))
+        const bool isManyToMany = IsToMany(join.leftCardinality) && IsToMany(join.rightCardinality);
+        if (!isManyToMany || MissesKeys(model, join))
             continue;
         Record(found, limits, [&] {
             const std::string name = model.NameOf(join.id);

@@ -14,7 +14,7 @@
 namespace qe::tool {
 
 ModelGraph::ModelGraph(const ToolModel& model)
-    : mGateway(model.model), mSubjects(model.model->GetSubjects())
+    : mToolModel(&model), mGateway(model.model), mSubjects(model.model->GetSubjects())
 {
     for (std::size_t i = 0; i < mSubjects.size(); ++i)
         mPositions.emplace(mSubjects[i], i);
@@ -114,12 +114,10 @@ std::string ModelGraph::NameOf(std::size_t subject) const
 std::string ListNames(const ModelGraph& model, const std::vector<std::size_t>& subjects,
                       std::size_t limit)
 {
-    const auto nameOf = [&model](std::size_t subject) { return model.NameOf(subject); };
-    std::string text =
-        JoinTexts(std::span(subjects).first(std::min(limit, subjects.size())), nameOf);
-    if (subjects.size() > limit)
-        text += " and " + std::to_string(subjects.size() - limit) + " more";
-    return text;
+    std::vector<std::string> names;
+    for (const std::size_t subject : subjects)
+        names.push_back(model.NameOf(subject));
+    return JoinFirstTexts(names, limit);
 }
 
 } // namespace qe::tool

@@ -50,6 +50,7 @@ public:
     /// Reads all joins. The model must outlive this object.
     explicit ModelGraph(const ToolModel& model);
 
+    [[nodiscard]] const ToolModel& GetToolModel() const { return *mToolModel; }
     [[nodiscard]] const model::Model& GetModel() const { return mGateway.GetModel(); }
     [[nodiscard]] model::ModelGateway& GetGateway() const { return mGateway; }
     [[nodiscard]] std::span<const amd_id> GetSubjects() const { return mSubjects; }
@@ -69,6 +70,7 @@ private:
     void ListSteps();
     void CountNames();
 
+    const ToolModel* mToolModel;
     /// The refiner's operations want a gateway that may change; this one never does.
     mutable model::ModelGateway mGateway;
     std::span<const amd_id> mSubjects;

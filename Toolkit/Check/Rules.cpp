@@ -24,4 +24,11 @@ std::optional<ESeverity> ParseSeverity(std::string_view name)
     return static_cast<ESeverity>(found - kSeverityNames.begin());
 }
 
+const Rule* FindRule(std::string_view code)
+{
+    const auto* const found = std::find_if(kRules.begin(), kRules.end(),
+                                           [code](const Rule& rule) { return rule.code == code; });
+    return found == kRules.end() ? nullptr : found;
+}
+
 } // namespace qe::tool

@@ -121,7 +121,7 @@ public:
                         ". A path from one to another over it multiplies the rows of both.",
                 .advice = "Ask for such facts in queries of their own and join the sums by the "
                           "items of " +
-                          name + "."};
+                          name + "; where the authors of reports know that, accept the finding."};
     }
 
 private:
@@ -170,7 +170,8 @@ Finding DescribeFanTrap(const ModelGraph& model, std::size_t subject, const Neig
                     " dimensions of its own, and a join repeats its rows for each row of " +
                     ListNames(model, repeating, kShownNames) + ".",
             .advice = "Where " + name +
-                      " has measures, sum them before joining the details, or move them there."};
+                      " has measures, sum them before joining the details, or move them and its "
+                      "dimensions there; where it has none, accept the finding."};
 }
 
 } // namespace

@@ -149,6 +149,8 @@ void WriteLabels(const Picture& picture, const PictureEdge& edge, std::ostream& 
     }
     if (const std::string label = EdgeLabel(picture, edge); !label.empty())
         lines.push_back(' ' + label + ' ');
+    if (!edge.decision.empty())
+        lines.push_back(' ' + std::string(edge.decision) + ' ');
     if (!lines.empty())
         out << " label=" << QuoteLines(lines);
 }

@@ -1,16 +1,18 @@
 #include "Toolkit/Draw/Graphviz.h"
 
+#include "Toolkit/Draw/ChildProcess.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <memory>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <optional>
+#include <system_error>
+#include <vector>
 
 namespace qe::tool {
 
@@ -46,45 +48,44 @@ std::string ReadAll(std::FILE* file)
     return text;
 }
 
-/// What the child does with its standard streams.
-class Streams
+[[noreturn]] void FailToStart(const std::system_error& failure)
 {
-public:
-    Streams() { posix_spawn_file_actions_init(&mActions); }
-    Streams(const Streams&) = delete;
-    Streams& operator=(const Streams&) = delete;
-    ~Streams() { posix_spawn_file_actions_destroy(&mActions); }
-
-    void Connect(std::FILE* file, int descriptor)
-    {
-        posix_spawn_file_actions_adddup2(&mActions, fileno(file), descriptor);
-    }
-    [[nodiscard]] const posix_spawn_file_actions_t* Get() const { return &mActions; }
-
-private:
-    posix_spawn_file_actions_t mActions{};
-};
-
-pid_t Start(const Streams& streams, EImage image)
-{
-    std::string program = "dot";
-    std::string format = image == EImage::Svg ? "-Tsvg" : "-Tpng";
-    std::string resolution = image == EImage::Svg ? "-Gdpi=72" : "-Gdpi=110";
-    std::array<char*, 4> arguments{program.data(), format.data(), resolution.data(), nullptr};
-    pid_t child = 0;
-    const int failure =
-        posix_spawnp(&child, "dot", streams.Get(), nullptr, arguments.data(), environ);
-    if (failure == ENOENT)
+    if (failure.code() == std::errc::no_such_file_or_directory)
         Fail("The program dot was not found: install Graphviz (Debian: apt-get install graphviz), "
              "or take --format dot");
-    if (failure != 0)
-        Fail(std::string("The program dot cannot be started: ") + std::strerror(failure));
-    return child;
+    Fail("The program dot cannot be started: " + failure.code().message());
+}
+
+std::vector<std::string> MakeArguments(EImage image)
+{
+    if (image == EImage::Svg)
+        return {"dot", "-Tsvg", "-Gdpi=72"};
+    return {"dot", "-Tpng", "-Gdpi=110"};
+}
+
+/// Returns whether the program ended well.
+bool WaitFor(ChildProcess& child, const DrawingWait& wait)
+{
+    using std::chrono::duration_cast;
+    using std::chrono::seconds;
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point begin = Clock::now();
+    const std::optional<bool> endedWell = child.Wait(wait.limit, [&] {
+        const auto time = duration_cast<seconds>(Clock::now() - begin).count();
+        if (wait.observer)
+            wait.observer(
+                {.count = static_cast<std::uint64_t>(time), .unit = "seconds of drawing"});
+    });
+    if (!endedWell)
+        Fail("The drawing was given up after " +
+             std::to_string(duration_cast<seconds>(wait.limit).count()) +
+             " seconds: draw less of it (show: --limit, --around), or take --format dot");
+    return *endedWell;
 }
 
 } // namespace
 
-std::string RunGraphviz(const std::string& dot, EImage image)
+std::string RunGraphviz(const std::string& dot, EImage image, const DrawingWait& wait)
 {
     const File input = OpenTemporaryFile();
     const File output = OpenTemporaryFile();
@@ -93,17 +94,17 @@ std::string RunGraphviz(const std::string& dot, EImage image)
         std::fflush(input.get()) != 0)
         Fail("The graph cannot be handed to dot");
     std::rewind(input.get());
-    Streams streams;
-    streams.Connect(input.get(), STDIN_FILENO);
-    streams.Connect(output.get(), STDOUT_FILENO);
-    streams.Connect(errors.get(), STDERR_FILENO);
-    const pid_t child = Start(streams, image);
-    int status = 0;
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {}
-    std::string drawn = ReadAll(output.get());
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0 || drawn.empty())
-        Fail("The program dot failed: " + ReadAll(errors.get()));
-    return drawn;
+    try {
+        ChildProcess child(MakeArguments(image),
+                           {.input = input.get(), .output = output.get(), .errors = errors.get()});
+        const bool endedWell = WaitFor(child, wait);
+        std::string drawn = ReadAll(output.get());
+        if (!endedWell || drawn.empty())
+            Fail("The program dot failed: " + ReadAll(errors.get()));
+        return drawn;
+    } catch (const std::system_error& failure) {
+        FailToStart(failure);
+    }
 }
 
 } // namespace qe::tool

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace qe::tool {
@@ -68,6 +69,8 @@ struct PictureEdge
     std::string secondCardinality{};
     EKind kind = EKind::Join;
     ERole role = ERole::Context;
+    /// What the model decides on it: "preferred", "avoided", or nothing.
+    std::string_view decision{};
     /// How many joins beside the answer the line stands for.
     std::size_t joins = 1;
 };

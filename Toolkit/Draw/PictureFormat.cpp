@@ -5,7 +5,7 @@
 #include "Toolkit/Draw/DotWriter.h"
 #include "Toolkit/Draw/Graphviz.h"
 #include "Toolkit/Draw/Pictures.h"
-#include "Toolkit/Text/DisplayText.h"
+#include "Toolkit/Text/Markup.h"
 
 #include <cstddef>
 #include <ostream>
@@ -59,36 +59,9 @@ private:
 
 } // namespace
 
-std::string EscapeMarkup(const std::string& text)
+std::string MakeSvg(const Picture& picture, const DrawingWait& wait)
 {
-    std::string escaped;
-    for (const char character : ToDisplayText(text)) {
-        switch (character) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        case '\'':
-            escaped += "&#39;";
-            break;
-        default:
-            escaped += character;
-        }
-    }
-    return escaped;
-}
-
-std::string MakeSvg(const Picture& picture)
-{
-    Titles titles(RunGraphviz(WriteDot(picture), EImage::Svg));
+    Titles titles(RunGraphviz(WriteDot(picture), EImage::Svg, wait));
     for (std::size_t i = 0; i < picture.nodes.size(); ++i)
         titles.Replace('n' + std::to_string(i), TitleOf(picture.nodes[i]));
     for (std::size_t i = 0; i < picture.edges.size(); ++i)

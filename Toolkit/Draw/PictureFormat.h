@@ -1,6 +1,8 @@
 #ifndef TOOLKIT_DRAW_PICTUREFORMAT_H
 #define TOOLKIT_DRAW_PICTUREFORMAT_H
 
+#include "Toolkit/Draw/Graphviz.h"
+
 #include <iosfwd>
 #include <string>
 
@@ -10,16 +12,13 @@ struct FormatInput;
 struct Picture;
 
 /// Returns the picture as an SVG document whose parts are called by the names of what they show.
-[[nodiscard]] std::string MakeSvg(const Picture& picture);
+/// Throws like RunGraphviz.
+[[nodiscard]] std::string MakeSvg(const Picture& picture, const DrawingWait& wait = {});
 
 /// Write the answer as a picture. The image formats throw InputError without Graphviz.
 void WriteDotFormat(std::ostream& out, const FormatInput& input);
 void WriteSvgFormat(std::ostream& out, const FormatInput& input);
 void WritePngFormat(std::ostream& out, const FormatInput& input);
-
-/// Returns the text with what XML and HTML read as markup escaped. Control characters and marks of
-/// direction become visible escapes.
-[[nodiscard]] std::string EscapeMarkup(const std::string& text);
 
 } // namespace qe::tool
 

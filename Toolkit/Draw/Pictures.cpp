@@ -4,12 +4,14 @@
 #include "IdClass.h"
 #include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Check/ModelGraph.h"
+#include "Toolkit/Model/ToolModel.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <utility>
 
@@ -39,6 +41,24 @@ std::set<std::size_t> ChooseSubjects(const ModelGraph& model, const std::vector<
     for (const auto& [distance, rank, position] : order)
         chosen.insert(position);
     return chosen;
+}
+
+/// Of several decisions on a join, the one that is drawn prefers it.
+void MarkDecisions(const ToolModel& model, Picture& picture)
+{
+    std::map<amd_id, std::string_view> marks;
+    for (const Decision& decision : model.decisions) {
+        for (const amd_id& join : decision.avoided)
+            marks.emplace(join, "avoided");
+    }
+    for (const Decision& decision : model.decisions) {
+        for (const amd_id& join : decision.preferred)
+            marks[join] = "preferred";
+    }
+    for (PictureEdge& edge : picture.edges) {
+        if (const auto mark = marks.find(edge.id); mark != marks.end())
+            edge.decision = mark->second;
+    }
 }
 
 } // namespace
@@ -71,6 +91,7 @@ Picture DrawModel(const ToolModel& toolModel, const std::vector<amd_id>& around,
         if (positions.count(drawn.left) > 0 && positions.count(drawn.right) > 0 && !joinsShortcuts)
             picture.edges.push_back(MakePictureEdge(drawn, positions));
     }
+    MarkDecisions(toolModel, picture);
     return picture;
 }
 

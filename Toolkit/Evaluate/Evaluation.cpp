@@ -168,6 +168,8 @@ private:
         difference.comparison = Compare(model, answer, ColumnClasses(written.joins));
         if (answer.error)
             difference.reason = answer.error->text;
+        difference.isCut = answer.ambiguity && answer.ambiguity->IsCut();
+        mEvaluation.cutLists += difference.isCut ? 1 : 0;
         const auto chosen = FindPathPairs(*model.tool.model, answer, answer.path);
         difference.onlyWritten = Without(written.joins, chosen);
         difference.onlyChosen = Without(chosen, written.joins);

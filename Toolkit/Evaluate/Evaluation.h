@@ -66,12 +66,17 @@ struct Difference
     std::vector<NamedPair> onlyChosen{};
     /// Refused: why.
     std::string reason{};
+    /// Whether the list of candidates that the path was chosen from is not whole.
+    bool isCut = false;
 };
 
 /// What came of all requests.
 struct Evaluation
 {
     Tally all{};
+    /// The requests whose lists of candidates were not whole: what was chosen, and what is equally
+    /// good, may then be by chance.
+    std::size_t cutLists = 0;
     /// By what the request says of itself; empty where it says nothing.
     std::map<std::string, Tally> byGiven{};
     std::map<std::string, Tally> byCase{};

@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace qe::tool {
 
@@ -37,12 +38,18 @@ bool IsSqlite(std::string_view start)
     return start.substr(0, kSqliteStart.size()) == kSqliteStart;
 }
 
-bool IsModelFile(std::string_view start)
+bool StartsModelFile(std::string_view start)
 {
     if (start.substr(0, kByteOrderMark.size()) == kByteOrderMark)
         start.remove_prefix(kByteOrderMark.size());
     const std::size_t first = start.find_first_not_of(" \t\r\n\v\f");
     return first != std::string_view::npos && (start[first] == '{' || start[first] == '[');
+}
+
+/// SQLite takes an empty file for an empty database.
+bool IsText(std::string_view start)
+{
+    return !start.empty() && IsScriptStart(start);
 }
 
 ToolModel OpenModelFile(const std::filesystem::path& path, const ImportOptions&)
@@ -57,8 +64,31 @@ ToolModel OpenSql(const std::filesystem::path& path, const ImportOptions& option
 
 /// The first that matches is taken.
 constexpr std::array kFormats{ModelFormat{.matches = IsSqlite, .open = ImportSqlite},
-                              ModelFormat{.matches = IsModelFile, .open = OpenModelFile},
+                              ModelFormat{.matches = StartsModelFile, .open = OpenModelFile},
                               ModelFormat{.matches = IsScriptStart, .open = OpenSql}};
+
+/// A pipe can only be read once, so that all of it is read before it is known what it is.
+ToolModel OpenPipe(const std::filesystem::path& path, const ImportOptions& options)
+{
+    std::string text = ReadInputFile(path);
+    if (text.empty())
+        throw InputError({{path.string(), "is empty"}});
+    if (StartsModelFile(text))
+        return ReadModelText(text, path.string());
+    if (IsSqlite(text))
+        throw InputError({{path.string(), "an SQLite database cannot be read from a pipe"}});
+    const std::array scripts{MakeScriptText(path, std::move(text))};
+    return MakeModel(ReadSqlTexts(scripts, std::nullopt, options.observer), options);
+}
+
+/// Throws an InputError when the file is clearly of another kind than a command takes it for.
+void RejectFormat(const std::filesystem::path& path, bool (*matches)(std::string_view start),
+                  const char* text)
+{
+    std::error_code error;
+    if (std::filesystem::is_regular_file(path, error) && matches(ReadInputStart(path, kStartSize)))
+        throw InputError({{path.string(), text}});
+}
 
 } // namespace
 
@@ -66,7 +96,7 @@ ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& opti
 {
     std::error_code error;
     if (std::filesystem::exists(path, error) && std::filesystem::is_other(path, error))
-        return ReadModelFile(path);
+        return OpenPipe(path, options);
 
     const std::string start = ReadInputStart(path, kStartSize);
     if (start.empty())
@@ -80,14 +110,27 @@ ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& opti
     return format->open(path, options);
 }
 
+bool IsModelFile(const std::filesystem::path& path)
+{
+    std::error_code error;
+    return !std::filesystem::is_other(path, error) &&
+           StartsModelFile(ReadInputStart(path, kStartSize));
+}
+
 ToolModel ImportSqlite(const std::filesystem::path& path, const ImportOptions& options)
 {
+    RejectFormat(path, StartsModelFile, "is a model file already, not a database");
+    RejectFormat(path, IsText, "is a text, not an SQLite database: take \"import sql\" for SQL");
     return MakeModel(ReadSqliteFile(path, options.observer), options);
 }
 
 ToolModel ImportSql(const std::vector<std::filesystem::path>& paths, const ImportOptions& options,
                     std::optional<EDialect> dialect)
 {
+    for (const std::filesystem::path& path : paths) {
+        RejectFormat(path, StartsModelFile, "is a model file already, not SQL");
+        RejectFormat(path, IsSqlite, "is an SQLite database, not SQL: take \"import sqlite\"");
+    }
     return MakeModel(ReadSqlScripts(paths, dialect, options.observer), options);
 }
 

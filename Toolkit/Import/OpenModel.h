@@ -13,10 +13,14 @@ namespace qe::tool {
 
 /// Returns the model of whatever the file holds: an SQLite database, a model file (its first
 /// character is "{" or "["), else SQL statements that create tables. The name of the file does not
-/// matter. What is no regular file, such as a pipe, must hold a model file. Throws an InputError
-/// when it cannot be read.
+/// matter. What is no regular file, such as a pipe, holds no database. Throws an InputError when it
+/// cannot be read.
 [[nodiscard]] ToolModel OpenModel(const std::filesystem::path& path,
                                   const ImportOptions& options = {});
+
+/// Returns whether the path leads to a file, not a pipe, that is taken for a model file. Throws an
+/// InputError when it cannot be read.
+[[nodiscard]] bool IsModelFile(const std::filesystem::path& path);
 
 /// Returns the model of an SQLite database, called after the file. Throws an InputError when the
 /// file cannot be read as one.

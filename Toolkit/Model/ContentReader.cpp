@@ -3,11 +3,14 @@
 #include "Engine/Model/Names.h"
 #include "Toolkit/Model/ModelWords.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace qe::tool {
 namespace {
@@ -57,20 +60,33 @@ model::Reference ReadIdReference(const PlacedJson& json, JsonProblems& problems)
     return read;
 }
 
+model::Reference ReadPlacedReference(const PlacedJson& json, JsonProblems& problems)
+{
+    if (json.value->is_object())
+        return ReadIdReference(json, problems);
+    if (!json.value->is_string()) {
+        RejectType(json, "a name or an object with class and id", problems);
+        return {};
+    }
+    return ReadText(json, problems).value_or("");
+}
+
 } // namespace
 
 model::Reference ReadReference(JsonObject& json, const char* key, JsonProblems& problems)
 {
     const PlacedJson found = json.Find(key, EPresence::Required);
-    if (found.value == nullptr)
-        return {};
-    if (found.value->is_object())
-        return ReadIdReference(found, problems);
-    if (!found.value->is_string()) {
-        RejectType(found, "a name or an object with class and id", problems);
-        return {};
-    }
-    return ReadText(found, problems).value_or("");
+    return found.value == nullptr ? model::Reference() : ReadPlacedReference(found, problems);
+}
+
+std::vector<PlacedReference> ReadReferences(JsonObject& json, const char* key,
+                                            JsonProblems& problems)
+{
+    std::vector<PlacedReference> references;
+    for (const PlacedJson& element : json.GetList(key))
+        references.push_back(
+            {.reference = ReadPlacedReference(element, problems), .pointer = element.pointer});
+    return references;
 }
 
 model::CardinalityRange ReadCardinality(JsonObject& json, const char* key, JsonProblems& problems)
@@ -116,6 +132,21 @@ amd_id ReadId(const PlacedJson& json, std::int32_t classCode, JsonProblems& prob
     return {};
 }
 
+AcceptedFinding ReadAcceptedFinding(const PlacedJson& json, JsonProblems& problems)
+{
+    JsonObject object(json, problems);
+    const auto read = [&](const char* key) {
+        std::string text = object.GetText(key, EPresence::Required);
+        const std::string pointer = ChildPointer(json.pointer, key);
+        if (text.empty() && !problems.IsReported(pointer))
+            problems.Add(pointer, "must not be empty");
+        return text;
+    };
+    AcceptedFinding accepted{.id = read(keys::kId), .reason = read(keys::kReason)};
+    object.RejectUnknownKeys();
+    return accepted;
+}
+
 namespace {
 
 constexpr std::int32_t kFormatVersion = 1;
@@ -134,6 +165,10 @@ ModelContent ContentReader::Read(const nlohmann::json& document)
     ReadGovernors(top.Find(keys::kGovernors));
     ReadChildren(top, ContentObject::kNoParent);
     ReadQuery(top.Find(keys::kQuery));
+    for (const PlacedJson& json : top.GetList(keys::kDecisions))
+        ReadDecision(json);
+    for (const PlacedJson& json : top.GetList(keys::kAcceptedFindings))
+        mContent.acceptedFindings.push_back(ReadAcceptedFinding(json, *mProblems));
     top.RejectUnknownKeys();
     return std::move(mContent);
 }
@@ -182,6 +217,23 @@ void ContentReader::ReadQuery(const PlacedJson& json)
     query.RejectUnknownKeys();
 }
 
+void ContentReader::ReadDecision(const PlacedJson& json)
+{
+    JsonObject object(json, *mProblems);
+    mContent.decisions.push_back({.pointer = json.pointer,
+                                  .subjects = ReadReferences(object, keys::kSubjects, *mProblems),
+                                  .preferred = ReadReferences(object, keys::kPrefer, *mProblems),
+                                  .avoided = ReadReferences(object, keys::kAvoid, *mProblems),
+                                  .reason = object.GetText(keys::kReason)});
+    object.RejectUnknownKeys();
+    const ContentDecision& decision = mContent.decisions.back();
+    const bool isReported = mProblems->IsReported(json.pointer) ||
+                            mProblems->IsReported(ChildPointer(json.pointer, keys::kPrefer)) ||
+                            mProblems->IsReported(ChildPointer(json.pointer, keys::kAvoid));
+    if (decision.preferred.empty() && decision.avoided.empty() && !isReported)
+        mProblems->Add(json.pointer, "must prefer or avoid a join");
+}
+
 void ContentReader::ReadChildren(JsonObject& parent, std::size_t position)
 {
     for (const PlacedJson& json : parent.GetList(keys::kSubjects))
@@ -216,6 +268,7 @@ void ContentReader::ReadSubject(const PlacedJson& json, std::size_t parent)
     JsonObject object(json, *mProblems);
     const std::size_t position = Add(object, IdClassQuerySubject, parent);
     mContent.objects[position].options.source = object.GetText(keys::kTable);
+    const std::vector<PlacedJson> keys = object.GetList(keys::kKeys);
     for (const PlacedJson& element : object.GetList(keys::kItems)) {
         if (ReadPlainName(element, IdClassQueryItem, position))
             continue;
@@ -223,7 +276,29 @@ void ContentReader::ReadSubject(const PlacedJson& json, std::size_t parent)
         Add(item, IdClassQueryItem, position);
         item.RejectUnknownKeys();
     }
+    for (const PlacedJson& key : keys)
+        ReadKey(key, position);
     object.RejectUnknownKeys();
+}
+
+void ContentReader::ReadKey(const PlacedJson& json, std::size_t subject)
+{
+    std::vector<std::string_view> items;
+    for (std::size_t i = subject + 1; i < mContent.objects.size(); ++i)
+        items.emplace_back(mContent.objects[i].name);
+    std::vector<std::string> key;
+    for (const PlacedJson& element : ReadList(json, *mProblems)) {
+        const std::optional<std::string> name = ReadText(element, *mProblems);
+        if (!name)
+            continue;
+        if (std::find(items.begin(), items.end(), *name) == items.end())
+            mProblems->Add(element.pointer, "is no item of the query subject: \"" + *name + '"',
+                           model::NearestNames(*name, items));
+        key.push_back(*name);
+    }
+    if (json.value->is_array() && json.value->empty())
+        mProblems->Add(json.pointer, "must name an item");
+    mContent.objects[subject].options.keys.push_back(std::move(key));
 }
 
 void ContentReader::ReadShortcut(const PlacedJson& json, std::size_t parent)

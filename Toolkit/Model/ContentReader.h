@@ -3,6 +3,7 @@
 
 #include "AQE_Governors.h"
 #include "Engine/Model/ModelBuilder.h"
+#include "Toolkit/Model/Decision.h"
 #include "Toolkit/Model/ModelWords.h"
 #include "Toolkit/Text/JsonObject.h"
 #include "Toolkit/Text/JsonProblems.h"
@@ -41,12 +42,31 @@ struct ContentObject
     std::string condition{};
 };
 
+/// A reference and where the file has it.
+struct PlacedReference
+{
+    model::Reference reference{};
+    std::string pointer{};
+};
+
+/// A decision as a model file describes it.
+struct ContentDecision
+{
+    std::string pointer{};
+    std::vector<PlacedReference> subjects{};
+    std::vector<PlacedReference> preferred{};
+    std::vector<PlacedReference> avoided{};
+    std::string reason{};
+};
+
 /// The content of a model file, before names are looked up.
 struct ModelContent
 {
     std::string locale = "en";
     std::vector<std::string> userClasses{};
     AQE_Governors governors{};
+    std::vector<ContentDecision> decisions{};
+    std::vector<AcceptedFinding> acceptedFindings{};
     /// There are many, and they are large: a deque never moves them.
     std::deque<ContentObject> objects{};
 };
@@ -58,6 +78,10 @@ struct ModelContent
 [[nodiscard]] model::Reference ReadReference(JsonObject& json, const char* key,
                                              JsonProblems& problems);
 
+/// Returns the references in the list of a key.
+[[nodiscard]] std::vector<PlacedReference> ReadReferences(JsonObject& json, const char* key,
+                                                          JsonProblems& problems);
+
 /// Returns the cardinality of a key: a word such as "0..n", or a list of two numbers.
 [[nodiscard]] model::CardinalityRange ReadCardinality(JsonObject& json, const char* key,
                                                       JsonProblems& problems);
@@ -65,6 +89,9 @@ struct ModelContent
 /// Returns an id of that class: a number, or a list of domain and number. Empty when there is none;
 /// `json` may be without a value.
 [[nodiscard]] amd_id ReadId(const PlacedJson& json, std::int32_t classCode, JsonProblems& problems);
+
+/// Returns an accepted finding: its id and the reason.
+[[nodiscard]] AcceptedFinding ReadAcceptedFinding(const PlacedJson& json, JsonProblems& problems);
 
 /// Reads the document of a model file: keys, types, words and ids. What the objects name is not
 /// looked up yet.
@@ -86,11 +113,14 @@ private:
     /// Replaces `value` by what a word stands for, or by a number.
     void ReadGovernor(const PlacedJson& json, const GovernorWords& words, std::int32_t& value);
     void ReadQuery(const PlacedJson& json);
+    void ReadDecision(const PlacedJson& json);
     /// Reads the children of the namespace, folder or document.
     void ReadChildren(JsonObject& parent, std::size_t position);
 
     void ReadContainer(const PlacedJson& json, std::int32_t classCode, std::size_t parent);
     void ReadSubject(const PlacedJson& json, std::size_t parent);
+    /// Items are read already.
+    void ReadKey(const PlacedJson& json, std::size_t subject);
     void ReadShortcut(const PlacedJson& json, std::size_t parent);
     void ReadJoin(const PlacedJson& json, std::int32_t classCode, std::size_t parent);
     void ReadRelationship(const PlacedJson& json, std::size_t parent);

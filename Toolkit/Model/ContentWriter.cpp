@@ -1,5 +1,6 @@
 #include "Toolkit/Model/ContentWriter.h"
 
+#include "Toolkit/Model/DecisionNames.h"
 #include "Toolkit/Model/ModelWords.h"
 
 #include <nlohmann/json.hpp>
@@ -57,6 +58,10 @@ ordered_json ContentWriter::Write()
     WriteGovernors(json);
     WriteChildren(amd_id(), json);
     WriteQuery(json);
+    if (!mTool->decisions.empty())
+        json[keys::kDecisions] = ToJson(*mModel, mTool->decisions);
+    if (!mTool->acceptedFindings.empty())
+        json[keys::kAcceptedFindings] = ToJson(mTool->acceptedFindings);
     return json;
 }
 
@@ -146,6 +151,8 @@ void ContentWriter::WriteSubject(const Record& record, ordered_json& json)
         json[keys::kItems].push_back(isMereName ? ordered_json(item[keys::kName])
                                                 : std::move(item));
     }
+    if (!record.keys.empty())
+        json[keys::kKeys] = record.keys;
 }
 
 void ContentWriter::WriteJoin(const Record& record, ordered_json& json) const

@@ -3,6 +3,7 @@
 #include "Toolkit/Model/ConditionCheck.h"
 #include "Toolkit/Model/ContentReader.h"
 #include "Toolkit/Model/ContentWriter.h"
+#include "Toolkit/Model/DecisionNames.h"
 #include "Toolkit/Model/ModelAssembler.h"
 #include "Toolkit/Text/InputFile.h"
 #include "Toolkit/Text/JsonProblems.h"
@@ -30,11 +31,15 @@ ToolModel ReadModelText(std::string_view text, const std::string& fileName)
     ConditionCheck conditions(result.model, assembler.GetDoubtfulNames(), problems);
     for (const ContentObject& object : content.objects)
         conditions.Check(object);
+    if (result.model != nullptr)
+        result.decisions = DecisionReader(*result.model, assembler.GetDoubtfulNames(), problems)
+                               .Resolve(content.decisions);
     problems.ThrowIfAny();
 
     result.userClasses = std::move(content.userClasses);
     result.governors = content.governors;
     result.descriptions = assembler.GetDescriptions();
+    result.acceptedFindings = std::move(content.acceptedFindings);
     return result;
 }
 

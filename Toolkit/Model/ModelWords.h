@@ -29,6 +29,12 @@ inline constexpr const char* kNamespaces = "namespaces";
 inline constexpr const char* kQuery = "query";
 inline constexpr const char* kJoins = "joins";
 
+inline constexpr const char* kDecisions = "decisions";
+inline constexpr const char* kPrefer = "prefer";
+inline constexpr const char* kAvoid = "avoid";
+inline constexpr const char* kReason = "reason";
+inline constexpr const char* kAcceptedFindings = "acceptedFindings";
+
 inline constexpr const char* kName = "name";
 inline constexpr const char* kId = "id";
 inline constexpr const char* kClass = "class";
@@ -36,6 +42,7 @@ inline constexpr const char* kDisplayName = "displayName";
 inline constexpr const char* kDescription = "description";
 inline constexpr const char* kTable = "table";
 inline constexpr const char* kItems = "items";
+inline constexpr const char* kKeys = "keys";
 inline constexpr const char* kKind = "kind";
 inline constexpr const char* kTarget = "target";
 inline constexpr const char* kLeft = "left";

@@ -2,6 +2,7 @@
 #define TOOLKIT_MODEL_TOOLMODEL_H
 
 #include "AQE_Governors.h"
+#include "Toolkit/Model/Decision.h"
 #include "amd_id.h"
 
 #include <map>
@@ -24,6 +25,8 @@ struct ToolModel
     AQE_Governors governors{};
     /// What is said about objects that anything is said about.
     std::map<amd_id, std::string> descriptions{};
+    std::vector<Decision> decisions{};
+    std::vector<AcceptedFinding> acceptedFindings{};
     /// What reading left out or had to guess, one sentence each.
     std::vector<std::string> notes{};
     /// What it was read from, such as "PostgreSQL, 12 statements"; empty for nothing to tell.

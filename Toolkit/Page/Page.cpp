@@ -1,12 +1,18 @@
 #include "Toolkit/Page/Page.h"
 
+#include "IdClass.h"
 #include "Source/Rules/RankingCriteria.h"
 #include "Toolkit/Answers/FormatInput.h"
+#include "Toolkit/Answers/RiskText.h"
+#include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Draw/PictureFormat.h"
 #include "Toolkit/Draw/Pictures.h"
+#include "Toolkit/Model/ToolModel.h"
 #include "Toolkit/Page/PageParts.h"
 #include "Toolkit/Page/RequestRows.h"
+#include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputFile.h"
+#include "Toolkit/Text/Markup.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -33,11 +39,16 @@ using Data = kainjow::mustache::data;
 struct PagePath
 {
     Ids joins{};
+    /// Its number among the candidates, as the text counts them; empty when it is none of them.
+    std::string number{};
     /// What it was ranked by; empty when it was not ranked.
     std::string measure{};
+    Risks risks{};
     std::string sql{};
     /// Why there is no SQL.
     std::string sqlProblem{};
+    /// The command line that keeps the path in the model file; empty where there is none.
+    std::string saveCommand{};
 };
 
 std::string DescribeMeasure(const Alternative& alternative)
@@ -86,14 +97,20 @@ public:
         const Answer& answer = input.answer;
         const ListLimit limit = input.options.alternatives;
         for (std::size_t i = 0; i < limit.CountShown(answer.alternatives.size()); ++i)
-            Add(answer.alternatives[i].joins, DescribeMeasure(answer.alternatives[i]));
+            AddCandidate(i);
+        if (answer.chosen && Find(answer.alternatives[*answer.chosen].joins) == mPaths.size())
+            AddCandidate(*answer.chosen);
         for (const Ids& path : ListShownPaths(answer, limit)) {
             if (Find(path) == mPaths.size())
-                Add(path, {});
+                Add({.joins = path});
         }
         const auto taken = ListShownPaths(answer, ListLimit(1));
         if (!taken.empty())
             mChosen = Find(taken.front());
+        for (PagePath& path : mPaths) {
+            path.saveCommand = MakeSaveCommand(path.joins);
+            WriteSqlOf(path);
+        }
     }
 
     [[nodiscard]] const std::vector<PagePath>& Get() const { return mPaths; }
@@ -110,15 +127,54 @@ private:
         return static_cast<std::size_t>(found - mPaths.begin());
     }
 
-    void Add(const Ids& joins, const std::string& measure)
+    /// Requires the joins that others of the paths do without.
+    [[nodiscard]] std::string MakeSaveCommand(const Ids& joins) const
     {
-        PagePath path{.joins = joins, .measure = measure};
+        if (mInput.options.modelFile.empty() || mPaths.size() < 2 ||
+            mInput.question.operation != EOperation::Path)
+            return {};
+        std::string command = "qerefine path " + ToShellWord(mInput.options.modelFile);
+        for (const amd_id& subject : mInput.answer.terminals)
+            command += ' ' + ToShellWord(mInput.answer.NameOf(subject));
+        for (const amd_id& join : joins) {
+            const bool isShared =
+                std::all_of(mPaths.begin(), mPaths.end(), [&join](const PagePath& path) {
+                    return std::count(path.joins.begin(), path.joins.end(), join) > 0;
+                });
+            if (!isShared && join.classCode != IdClassShortcutJoin)
+                command += " --require " + ToShellWord(JoinName(*mInput.model.model, join));
+        }
+        return command + " --save";
+    }
+
+    void AddCandidate(std::size_t index)
+    {
+        const Alternative& candidate = mInput.answer.alternatives[index];
+        Add({.joins = candidate.joins,
+             .number = std::to_string(index + 1),
+             .measure = DescribeMeasure(candidate)});
+    }
+
+    void Add(PagePath path)
+    {
+        path.risks = FindRisks(mInput.answer, path.joins, mInput.options.sql);
+        mPaths.push_back(std::move(path));
+    }
+
+    void WriteSqlOf(PagePath& path) const
+    {
+        const bool isChosen = &path == &mPaths[mChosen];
+        std::ostringstream sql;
+        WriteRemarks(sql,
+                     isChosen ? ListRemarks(mInput.answer, path.risks)
+                              : ListPathRemarks(mInput.answer, path.risks),
+                     kSqlComment);
         try {
-            path.sql = WriteSql(mInput.model, mInput.answer, joins, mInput.options.sql);
+            sql << WriteSql(mInput.model, mInput.answer, path.joins, mInput.options.sql);
+            path.sql = sql.str();
         } catch (const InputError& error) {
             path.sqlProblem = error.what();
         }
-        mPaths.push_back(std::move(path));
     }
 
     const FormatInput& mInput;
@@ -151,6 +207,7 @@ private:
     [[nodiscard]] Data MakeNames(const Ids& subjects) const;
     [[nodiscard]] Data MakePath(std::size_t index) const;
     [[nodiscard]] Data MakeJoin(const amd_id& id) const;
+    [[nodiscard]] static Data MakeRemarks(const std::vector<RiskRemark>& remarks);
     [[nodiscard]] Data MakeRequest() const;
     [[nodiscard]] std::string InlineSvg() const;
     [[nodiscard]] std::string ScriptData() const;
@@ -198,6 +255,10 @@ void PageWriter::FillSummary(Data& page) const
     if (mAnswer.error)
         problems << Data(mAnswer.error->text);
     page.set("problems", problems);
+    std::vector<RiskRemark> remarks;
+    if (mAnswer.ambiguity)
+        remarks.push_back(DescribeAmbiguity(mAnswer));
+    page.set("ambiguity", MakeRemarks(remarks));
     Data notices = List();
     for (const std::string& notice : mAnswer.notices)
         notices << Data(notice);
@@ -231,11 +292,28 @@ Data PageWriter::MakePath(std::size_t index) const
     }
     Data data("index", std::to_string(index));
     data.set("isChosen", index == mPaths.GetChosen());
+    data.set("number", Optional(path.number));
     data.set("measure", path.measure);
+    data.set("rows", Optional(ToDisplayText(DescribeRows(mAnswer, path.risks))));
+    data.set("outerJoins", Optional(ToDisplayText(DescribeOuterJoins(mAnswer, path.risks))));
+    data.set("remarks", MakeRemarks(ListPathRemarks(mAnswer, path.risks)));
     data.set("joins", joins);
     data.set("sqlProblem", Optional(path.sqlProblem));
     data.set("sqlLines", ToLines(path.sql));
+    data.set("saveCommand", Optional(path.saveCommand));
     return data;
+}
+
+Data PageWriter::MakeRemarks(const std::vector<RiskRemark>& remarks)
+{
+    Data list = List();
+    for (const RiskRemark& remark : remarks) {
+        Data data("title", ToTitle(remark.risk));
+        data.set("text", ToDisplayText(remark.text));
+        data.set("advice", Optional(ToDisplayText(remark.advice)));
+        list << data;
+    }
+    return list;
 }
 
 Data PageWriter::MakeJoin(const amd_id& id) const
@@ -273,8 +351,8 @@ std::string PageWriter::InlineSvg() const
     return begin == std::string::npos ? std::string() : svg.substr(begin);
 }
 
-/// Returns what the page's script works on: the SQL of each path, and the parts of the picture that
-/// show it.
+/// Returns what the page's script works on: the SQL of each path, the command that keeps it, and
+/// the parts of the picture that show it.
 std::string PageWriter::ScriptData() const
 {
     using Json = nlohmann::ordered_json;
@@ -291,7 +369,8 @@ std::string PageWriter::ScriptData() const
         }
         for (const std::size_t node : nodes)
             parts.push_back('n' + std::to_string(node));
-        data["paths"].push_back({{"sql", path.sql}, {"parts", std::move(parts)}});
+        data["paths"].push_back(
+            {{"sql", path.sql}, {"save", path.saveCommand}, {"parts", std::move(parts)}});
     }
     // Nothing in the data may end the element that holds it.
     std::string text;

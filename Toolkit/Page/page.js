@@ -77,7 +77,7 @@
   }
   for (const button of document.querySelectorAll("button.copy"))
     button.addEventListener("click", async () => {
-      const done = await copy(data.paths[Number(button.dataset.path)].sql);
+      const done = await copy(data.paths[Number(button.dataset.path)][button.dataset.text]);
       button.focus();
       button.nextElementSibling.textContent = done ? "Copied." : "Copying was refused; select the text instead.";
     });

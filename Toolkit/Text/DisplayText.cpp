@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <span>
 #include <utf8proc.h>
 
 namespace qe::tool {
@@ -83,9 +84,29 @@ std::string ToDisplayText(std::string_view text)
     return shown;
 }
 
+std::string JoinFirstTexts(const std::vector<std::string>& texts, std::size_t limit)
+{
+    const std::size_t shown = std::min(limit, texts.size());
+    const std::string first = JoinTexts(std::span(texts).first(shown));
+    return shown == texts.size() ? first
+                                 : first + " and " + std::to_string(texts.size() - shown) + " more";
+}
+
 std::string ToDisplayList(const std::vector<std::string>& texts)
 {
     return texts.empty() ? "none" : JoinTexts(texts, ToDisplayText);
+}
+
+std::string ToShellWord(std::string_view text)
+{
+    constexpr std::string_view kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
+                                        "0123456789_-./:@%+,";
+    if (!text.empty() && text.find_first_not_of(kPlain) == std::string_view::npos)
+        return std::string(text);
+    std::string word = "'";
+    for (const char character : text)
+        word += character == '\'' ? std::string("'\\''") : std::string(1, character);
+    return word + '\'';
 }
 
 std::size_t DisplayWidth(std::string_view text)

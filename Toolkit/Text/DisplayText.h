@@ -32,8 +32,14 @@ template <typename Items, typename ToText = std::identity>
     return joined;
 }
 
+/// Returns the first `limit` texts with commas between them, then "and 7 more".
+[[nodiscard]] std::string JoinFirstTexts(const std::vector<std::string>& texts, std::size_t limit);
+
 /// Returns the texts, made harmless, with commas between them; "none" stands for an empty list.
 [[nodiscard]] std::string ToDisplayList(const std::vector<std::string>& texts);
+
+/// Returns the text as one word of a POSIX shell.
+[[nodiscard]] std::string ToShellWord(std::string_view text);
 
 /// Returns the number of columns that a text from ToDisplayText takes: two for a wide letter, none
 /// for a mark on the letter before it.

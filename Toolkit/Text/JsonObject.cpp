@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cmath>
 
 namespace qe::tool {
 
@@ -52,6 +53,15 @@ std::optional<std::string> ReadText(const PlacedJson& json, JsonProblems& proble
 std::optional<std::int32_t> ReadNumber(const PlacedJson& json, JsonProblems& problems,
                                        const NumberRange& range)
 {
+    const auto rejectRange = [&] {
+        problems.Add(json.pointer, "must lie between " + std::to_string(range.minimum) + " and " +
+                                       std::to_string(range.maximum) + ": " + json.value->dump());
+        return std::nullopt;
+    };
+    // Digits beyond what fits the widest integers are read as a number of the other kind.
+    constexpr double kWidest = 9e18;
+    if (json.value->is_number_float() && std::abs(json.value->get<double>()) > kWidest)
+        return rejectRange();
     if (!json.value->is_number_integer()) {
         RejectType(json, "a whole number", problems);
         return std::nullopt;
@@ -59,11 +69,8 @@ std::optional<std::int32_t> ReadNumber(const PlacedJson& json, JsonProblems& pro
     // Numbers that only fit the unsigned type would turn negative in the signed one.
     const auto number = json.value->get<std::int64_t>();
     const bool isTooLarge = json.value->is_number_unsigned() && number < 0;
-    if (isTooLarge || number < range.minimum || number > range.maximum) {
-        problems.Add(json.pointer, "must lie between " + std::to_string(range.minimum) + " and " +
-                                       std::to_string(range.maximum) + ": " + json.value->dump());
-        return std::nullopt;
-    }
+    if (isTooLarge || number < range.minimum || number > range.maximum)
+        return rejectRange();
     return static_cast<std::int32_t>(number);
 }
 

@@ -2,13 +2,20 @@
 
 #include "Tools/qerefine/Command.h"
 
+#include "Toolkit/Answers/RiskText.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Ask/NameResolver.h"
 #include "Toolkit/Format.h"
+#include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Tools/qerefine/QuestionOptions.h"
+#include "Tools/qerefine/RiskOptions.h"
+#include "Tools/qerefine/SaveOptions.h"
 
+#include <algorithm>
+#include <optional>
 #include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -26,6 +33,8 @@ struct AskOptions
     FormatOptions output{};
     /// The subject that SQL begins with; may be empty.
     std::string start{};
+    SaveOptions save{};
+    RiskOptions risks{};
 };
 
 struct AskResult
@@ -34,6 +43,7 @@ struct AskResult
     Question question{};
     Answer answer{};
     FormatOptions output{};
+    std::optional<SavedModel> saved{};
 };
 
 void AddAnswerOptions(CLI::App& command, AskOptions& options)
@@ -61,20 +71,66 @@ void AddAnswerOptions(CLI::App& command, AskOptions& options)
     command.add_option("--start", options.start, "sql: begin with this subject, and keep its rows")
         ->type_name("SUBJECT")
         ->group(kOutputGroup);
+    AddRiskOptions(command, options.risks, kOutputGroup);
+}
+
+/// Throws CLI::ValidationError for options that would be without effect.
+void CheckSqlOptions(const AskOptions& options)
+{
+    if (options.format->name == "sql" || options.format->name == "html")
+        return;
+    const SqlOptions& sql = options.output.sql;
+    const auto reject = [](const char* option) {
+        throw CLI::ValidationError(option, "needs --format sql or html, which hold SQL");
+    };
+    if (sql.select == SqlOptions::ESelect::FirstItems)
+        reject("--select");
+    if (sql.outerJoins == SqlOptions::EOuterJoins::Never)
+        reject("--inner");
+    if (!options.start.empty())
+        reject("--start");
+}
+
+/// Returns the subject that SQL is to begin with. Throws InputError unless the answer has it.
+amd_id FindStart(const model::Model& model, const Answer& answer, const std::string& start)
+{
+    NameResolver names(model);
+    const std::vector<amd_id> found = names.ResolveSubjects("--start", {start});
+    names.ThrowProblems();
+    std::set<amd_id> touched(answer.terminals.begin(), answer.terminals.end());
+    touched.insert(answer.secondSet.begin(), answer.secondSet.end());
+    const std::vector<amd_id>& path =
+        answer.path.empty() && !answer.bestPaths.empty() ? answer.bestPaths.front() : answer.path;
+    for (const amd_id& id : path) {
+        if (const AnswerJoin* const join = answer.FindJoin(id))
+            touched.insert({join->left, join->right});
+    }
+    if (touched.count(found.front()) == 0)
+        throw InputError(
+            {{"--start", "The path does not touch \"" + start + "\"; it touches " +
+                             JoinTexts(SubjectNames(model, {touched.begin(), touched.end()}))}});
+    return found.front();
 }
 
 AskResult Run(const AskOptions& options, const CommandContext& context)
 {
-    AskResult result{.model = OpenModel(options.asked, context), .output = options.output};
+    CheckSqlOptions(options);
+    CheckSaveOptions(options.save, options.asked.model);
+    const NoticeContext notices(options.risks, context);
+    AskResult result{.model = OpenModel(options.asked, notices.Get()), .output = options.output};
+    if (IsModelFile(options.asked.model.path))
+        result.output.modelFile = options.asked.model.path.string();
     result.question = MakeQuestion(options.asked, context);
     result.answer = BlameArguments([&] { return Ask(result.model, result.question); });
     if (!options.start.empty())
-        BlameArguments([&] {
-            NameResolver names(*result.model.model);
-            const std::vector<amd_id> found = names.ResolveSubjects("--start", {options.start});
-            names.ThrowProblems();
-            result.output.sql.start = found.front();
-        });
+        result.output.sql.start = BlameArguments(
+            [&] { return FindStart(*result.model.model, result.answer, options.start); });
+    if (options.save.scope && result.answer.connected)
+        result.saved = PrepareSave(options.asked.model, {.model = result.model,
+                                                         .question = result.question,
+                                                         .answer = result.answer,
+                                                         .scope = *options.save.scope,
+                                                         .reason = options.save.reason});
     return result;
 }
 
@@ -89,18 +145,34 @@ void WriteRemarks(std::ostream& error, const Answer& answer)
         error << "notice: " << ToDisplayText(notice) << '\n';
 }
 
+void WriteRiskWarnings(std::ostream& error, const Answer& answer, const Risks& risks)
+{
+    for (const RiskRemark& remark : ListRemarks(answer, risks))
+        error << "warning: " << ToText(remark.risk) << ": " << ToDisplayText(remark.text)
+              << (remark.advice.empty() ? "" : " ") << ToDisplayText(remark.advice) << '\n';
+}
+
 EExitCode Report(const AskOptions& options, const AskResult& result, const CommandContext& context)
 {
     const EExitCode code = ReportOutcome(result.answer, context);
+    const Risks risks = FindRisks(result.question, result.answer, result.output.sql);
+    const NoticeContext notices(options.risks, context);
     if (options.format->name != "text")
-        WriteRemarks(context.error, result.answer);
+        WriteRemarks(notices.Get().error, result.answer);
+    if (!options.format->showsRisks)
+        WriteRiskWarnings(notices.Get().error, result.answer, risks);
     // A failed request has no path, so there is nothing to join.
     if (!result.answer.error || options.format->name != "sql")
         options.format->write(context.output, {.model = result.model,
                                                .question = result.question,
                                                .answer = result.answer,
                                                .options = result.output});
-    return code;
+    if (result.saved)
+        Save(*result.saved, context);
+    const std::vector<ERisk> found = ListRisks(result.answer, risks);
+    return JudgeRisks(options.risks, code, [&found](ERisk risk) {
+        return std::find(found.begin(), found.end(), risk) != found.end();
+    });
 }
 
 /// Adds a command, which differs from the others in its operation and its options.
@@ -128,6 +200,7 @@ void AddPathCommand(const CommandLine& line)
         AddFavouredSubjects(command, question);
         AddRanking(command, question);
         AddSelector(command, question);
+        AddSaveOptions(command, options.save);
         AddGovernors(command, question);
         AddAnswerOptions(command, options);
     });

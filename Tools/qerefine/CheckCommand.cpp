@@ -1,12 +1,16 @@
 #include "Tools/qerefine/Command.h"
 
 #include "Toolkit/Answers/CheckOutput.h"
+#include "Toolkit/Answers/CheckPipelines.h"
+#include "Toolkit/Check/Baseline.h"
 #include "Toolkit/Check/CheckReport.h"
 #include "Toolkit/Check/Rules.h"
 #include "Toolkit/Text/JsonText.h"
+#include "Toolkit/Text/OutputFile.h"
 #include "Tools/qerefine/CommandOptions.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -17,10 +21,23 @@ namespace qe::tool {
 
 namespace {
 
+enum class EFormat : std::uint8_t
+{
+    PlainText,
+    JsonText,
+    Sarif,
+    Junit,
+};
+
 struct Options
 {
     std::filesystem::path model{};
-    EReportFormat format = EReportFormat::PlainText;
+    EFormat format = EFormat::PlainText;
+    CheckView view{};
+    /// Empty: none is read, or written.
+    std::filesystem::path baseline{};
+    std::filesystem::path newBaseline{};
+    std::string reason = "not looked at yet";
     /// Nothing: no finding makes the check fail.
     std::optional<ESeverity> failOn = ESeverity::Warning;
     CheckOptions check{};
@@ -43,10 +60,51 @@ void AddSeverity(const std::string& text, CheckOptions& options)
     options.severities[code] = *severity;
 }
 
+void AddBaselines(CLI::App& command, Options& options)
+{
+    command
+        .add_option("--baseline", options.baseline,
+                    "File of findings that are accepted, each with its reason")
+        ->type_name("FILE");
+    CLI::Option* const write = command
+                                   .add_option("--write-baseline", options.newBaseline,
+                                               "Write a file that accepts all that is found now")
+                                   ->type_name("FILE");
+    command.add_option("--reason", options.reason, "--write-baseline: why they are accepted")
+        ->type_name("TEXT")
+        ->needs(write)
+        ->check(CLI::Validator(
+            [](const std::string& text) {
+                return text.empty() ? std::string("a reason must not be empty") : std::string();
+            },
+            ""))
+        ->capture_default_str();
+}
+
+void AddSearchLimits(CLI::App& command, CheckLimits& limits)
+{
+    command
+        .add_option("--path-joins", limits.pathJoins,
+                    "Longest ambiguous paths that are looked for, in joins")
+        ->check(CLI::Range(1, 100))
+        ->capture_default_str();
+    RejectNegative(
+        *command
+             .add_option("--path-steps", limits.pathSteps,
+                         "Where the search for ambiguous paths gives up, in joins passed")
+             ->capture_default_str());
+}
+
 void AddOptions(CLI::App& command, Options& options)
 {
     AddModelPath(command, options.model);
-    AddReportFormat(command, options.format, "How the findings are written")->default_str("text");
+    AddChoice(command, "--format", options.format,
+              {{"text", EFormat::PlainText},
+               {"json", EFormat::JsonText},
+               {"sarif", EFormat::Sarif},
+               {"junit", EFormat::Junit}},
+              "How the findings are written")
+        ->default_str("text");
     command.add_option_function<std::vector<std::string>>(
         "--severity",
         [&options](const std::vector<std::string>& texts) {
@@ -61,30 +119,53 @@ void AddOptions(CLI::App& command, Options& options)
                {"never", std::nullopt}},
               "End with exit code 1 when something at least so severe is found")
         ->default_str("warning");
-    CheckLimits& limits = options.check.limits;
-    AddLimit(command, "--limit", limits.findings, "Findings shown of each rule")->default_str("20");
-    command
-        .add_option("--path-joins", limits.pathJoins,
-                    "Longest ambiguous paths that are looked for, in joins")
-        ->check(CLI::Range(1, 100))
-        ->capture_default_str();
-    command
-        .add_option("--path-steps", limits.pathSteps,
-                    "Where the search for ambiguous paths gives up, in joins passed")
-        ->capture_default_str();
+    AddLimit(command, "--limit", options.view.limit,
+             "Findings shown of each rule; where there are more, text shows so many causes")
+        ->default_str("20");
+    command.add_flag_callback(
+        "--all",
+        [&options] {
+            options.view = {.limit = ListLimit::All(), .accepted = CheckView::EAccepted::Shown};
+        },
+        "Show every finding, those that are accepted too");
+    AddBaselines(command, options);
+    AddSearchLimits(command, options.check.limits);
 }
 
 CheckReport Run(const Options& options, const CommandContext& /*context*/)
 {
-    return CheckModel(OpenModel(options.model), options.check);
+    CheckOptions check = options.check;
+    if (!options.baseline.empty())
+        check.baseline = ReadBaseline(options.baseline);
+    return CheckModel(OpenModel(options.model), check);
+}
+
+void Write(const Options& options, const CheckReport& report, std::ostream& out)
+{
+    const PipelineContext pipeline{.modelName = options.model.string(),
+                                   .toolVersion = QEREFINER_VERSION,
+                                   .failOn = options.failOn};
+    switch (options.format) {
+    case EFormat::PlainText:
+        return WriteText(out, report, options.view);
+    case EFormat::JsonText:
+        out << ToJsonText(ToJson(report, pipeline.modelName, options.view)) << '\n';
+        return;
+    case EFormat::Sarif:
+        out << ToJsonText(ToSarif(report, pipeline)) << '\n';
+        return;
+    case EFormat::Junit:
+        return WriteJunit(out, report, pipeline);
+    }
 }
 
 EExitCode Report(const Options& options, const CheckReport& report, const CommandContext& context)
 {
-    if (options.format == EReportFormat::JsonText)
-        context.output << ToJsonText(ToJson(report, options.model.string())) << '\n';
-    else
-        WriteText(context.output, report);
+    Write(options, report, context.output);
+    if (!options.newBaseline.empty()) {
+        WriteFileWhole(options.newBaseline, WriteBaselineText(report, options.reason));
+        return EExitCode::Done;
+    }
     const ESeverity worst = report.GetWorst();
     const bool fails = options.failOn && worst != ESeverity::Off && worst >= *options.failOn;
     return fails ? EExitCode::NegativeResult : EExitCode::Done;

@@ -6,8 +6,11 @@
 #include <CLI/CLI.hpp>
 #include <array>
 #include <cstdint>
+#include <exception>
+#include <functional>
 #include <iosfwd>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -24,6 +27,10 @@ enum class EExitCode : std::uint8_t
     /// An error that the library means for its users.
     LibraryError = 4,
     InternalError = 5,
+    OutputFailed = 6,
+    Risky = 7,
+    /// An evaluation falls short of what was asked of it.
+    ShareMissed = 8,
 };
 
 /// What an exit code means, as the manual page and the documentation word it.
@@ -41,11 +48,17 @@ inline constexpr std::array kExitCodes{
     ExitCodeMeaning{EExitCode::WrongUsage,
                     "wrong use of the command line, also names that the model does not know"},
     ExitCodeMeaning{EExitCode::CannotReadOrWrite,
-                    "the model or another input cannot be read, or the result cannot be written, "
+                    "the model or another input cannot be read, or the result has no such form, "
                     "such as a path that has no SQL"},
     ExitCodeMeaning{EExitCode::LibraryError,
                     "the library reported an error, such as a governor's or a selector's"},
-    ExitCodeMeaning{EExitCode::InternalError, "internal error"},
+    ExitCodeMeaning{EExitCode::InternalError, "internal error, or out of memory"},
+    ExitCodeMeaning{EExitCode::OutputFailed,
+                    "the result cannot be delivered: the disk is full, or standard output is "
+                    "closed"},
+    ExitCodeMeaning{EExitCode::Risky, "answered, with a risk that --fail-on names"},
+    ExitCodeMeaning{EExitCode::ShareMissed,
+                    "an evaluation was answered the same less often than asked for"},
 };
 
 /// What is known of the terminal that the tool stands on.
@@ -106,8 +119,8 @@ struct Command
     /// are written here. Throws UsageError or CLI::ValidationError for wrong arguments, InputError
     /// for what cannot be read.
     Result (*run)(const Options& options, const CommandContext& context);
-    /// Writes the result and returns how the command ended. Throws InputError for what cannot be
-    /// written.
+    /// Writes the result and returns how the command ended. Throws InputError for what has no such
+    /// form.
     EExitCode (*report)(const Options& options, const Result& result,
                         const CommandContext& context);
 };
@@ -130,6 +143,39 @@ auto BlameArguments(const Work& work)
     }
 }
 
+/// Memory ran out.
+class MemoryError : public std::exception
+{
+public:
+    explicit MemoryError(const std::string& doing) : mText("out of memory while " + doing) {}
+
+    [[nodiscard]] const char* what() const noexcept override { return mText.c_str(); }
+
+private:
+    std::string mText;
+};
+
+/// Returns what `work` returns; where it runs out of memory, that is told of what was being done,
+/// such as "reading shop.json".
+template <typename Work>
+auto NameWork(const std::string& doing, const Work& work)
+{
+    try {
+        return work();
+    } catch (const std::bad_alloc&) {
+        throw MemoryError(doing);
+    }
+}
+
+/// Adds the option that names the file for the data of a command.
+void AddOutput(CLI::App& command, std::string& file);
+
+/// Does the work, which writes data to the context that it gets and returns how it ended. The file
+/// gets the data whole and at the end; it stays as it is when the work fails without any. The empty
+/// name and "-" stand for the context's own output. Throws OutputError.
+[[nodiscard]] EExitCode Deliver(const CommandContext& context, const std::string& file,
+                                const std::function<EExitCode(const CommandContext&)>& work);
+
 /// Adds a subcommand with its help and no options.
 inline CLI::App& AddSubcommand(CLI::App& app, const CommandHelp& help)
 {
@@ -138,20 +184,33 @@ inline CLI::App& AddSubcommand(CLI::App& app, const CommandHelp& help)
     return subcommand;
 }
 
-/// Adds the command as a subcommand that runs and reports once its options are parsed.
+/// Adds the command as a subcommand that runs and reports once its options are parsed, unless one
+/// of its own subcommands does. Returns it.
 template <typename Options, typename Result>
-void AddCommand(const CommandLine& line, const Command<Options, Result>& command)
+CLI::App& AddCommand(const CommandLine& line, const Command<Options, Result>& command)
 {
-    const auto options = std::make_shared<Options>();
+    struct Parsed
+    {
+        Options options{};
+        std::string output{};
+    };
+    const auto parsed = std::make_shared<Parsed>();
     CLI::App& subcommand = AddSubcommand(line.app, command.help);
-    command.addOptions(subcommand, *options);
-    subcommand.callback([line, command, options] {
-        const Result result = command.run(*options, line.context);
-        line.exitCode = command.report(*options, result, line.context);
+    command.addOptions(subcommand, parsed->options);
+    AddOutput(subcommand, parsed->output);
+    subcommand.callback([line, command, parsed, &subcommand] {
+        if (!subcommand.get_subcommands().empty())
+            return;
+        const Options& options = parsed->options;
+        line.exitCode = Deliver(line.context, parsed->output, [&](const CommandContext& context) {
+            const Result result =
+                NameWork("finding the answer", [&] { return command.run(options, context); });
+            return NameWork("writing the answer",
+                            [&] { return command.report(options, result, context); });
+        });
     });
+    return subcommand;
 }
-
-struct CommandLine;
 
 // One question to the refiner.
 void AddPathCommand(const CommandLine& line);
@@ -173,11 +232,15 @@ void AddEvaluateCommand(const CommandLine& line);
 // Models from elsewhere.
 void AddImportCommand(const CommandLine& line);
 
+// The shell.
+void AddCompletionCommand(const CommandLine& line);
+
 /// All commands, in the order of the help.
 inline constexpr std::array kCommands{
-    AddPathCommand,  AddBestCommand,     AddSubjectsCommand,  AddBetweenCommand,
-    AddTreeCommand,  AddFactsCommand,    AddShortcutsCommand, AddBatchCommand,
-    AddCheckCommand, AddEvaluateCommand, AddImportCommand,    AddShowCommand,
+    AddPathCommand,       AddBestCommand,     AddSubjectsCommand,  AddBetweenCommand,
+    AddTreeCommand,       AddFactsCommand,    AddShortcutsCommand, AddBatchCommand,
+    AddCheckCommand,      AddEvaluateCommand, AddImportCommand,    AddShowCommand,
+    AddCompletionCommand,
 };
 
 } // namespace qe::tool

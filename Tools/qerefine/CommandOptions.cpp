@@ -11,25 +11,40 @@ namespace qe::tool {
 
 namespace {
 
-/// Returns what is wrong with the text of a setting; empty when nothing is.
-std::string FindSettingFault(const std::string& text)
+/// Returns what is wrong with the text of a number that counts something.
+std::string FindCountFault(const std::string& text)
 {
-    try {
-        static_cast<void>(ParseSetting(text));
-        return {};
-    } catch (const InputError& error) {
-        return error.what();
-    }
+    return text.starts_with('-') ? "must be 0 or more: " + text : std::string();
+}
+
+/// Lets "-" stand for the standard input.
+std::string NameStandardInput(std::string& path)
+{
+    if (path == "-")
+        path = "/dev/stdin";
+    return {};
 }
 
 } // namespace
 
+void AcceptStandardInput(CLI::Option& option)
+{
+    option.transform(CLI::Validator(NameStandardInput, ""));
+}
+
+void RejectNegative(CLI::Option& option)
+{
+    option.check(CLI::Validator(FindCountFault, ""));
+}
+
 CLI::Option* AddLimit(CLI::App& command, const std::string& option, ListLimit& limit,
                       const std::string& description)
 {
-    return command.add_option_function<std::size_t>(
+    CLI::Option* const added = command.add_option_function<std::size_t>(
         option, [&limit](std::size_t number) { limit = ListLimit::FromOption(number); },
         description + "; 0: all");
+    RejectNegative(*added);
+    return added;
 }
 
 CLI::Option* AddRepeated(CLI::App& command, const std::string& option,
@@ -49,33 +64,43 @@ CLI::Option* AddReportFormat(CLI::App& command, EReportFormat& format,
 CLI::Option* AddModelPath(CLI::App& command, std::filesystem::path& path,
                           const std::string& description)
 {
-    return command.add_option("MODEL", path, description)->type_name("")->required();
+    CLI::Option* const option =
+        command.add_option("MODEL", path, description + "; \"-\" is standard input")
+            ->type_name("")
+            ->required();
+    AcceptStandardInput(*option);
+    return option;
+}
+
+CLI::Option* AddRoles(CLI::App& command, ERoles& roles)
+{
+    return AddChoice(
+        command, "--roles", roles, {{"plain", ERoles::Plain}, {"shortcuts", ERoles::Shortcuts}},
+        "For databases and DDL: let several keys to one table lead to a shortcut each; without a "
+        "value: shortcuts");
 }
 
 void AddModelSettings(CLI::App& command, ModelOptions& options, const std::string& group)
 {
-    AddChoice(command, "--roles", options.open.roles,
-              {{"plain", ERoles::Plain}, {"shortcuts", ERoles::Shortcuts}},
-              "For databases and DDL: make shortcuts for tables that another one refers to several "
-              "times")
-        ->group(group);
+    AddRoles(command, options.open.roles)->group(group);
     command
         .add_option_function<std::vector<std::string>>(
             "--set",
             [&options](const std::vector<std::string>& texts) {
                 for (const std::string& text : texts)
-                    options.settings.push_back(ParseSetting(text));
+                    options.settings.push_back(
+                        BlameArguments([&text] { return ParseSetting(text); }));
             },
             "User setting, such as \"General Options/NewAlgo=0\"")
         ->type_name("SECTION/KEY=NUMBER")
         ->allow_extra_args(false)
-        ->check(CLI::Validator(FindSettingFault, ""))
         ->group(group);
 }
 
 ToolModel OpenModelWithNotes(const ModelOptions& options, const CommandContext& context)
 {
-    ToolModel model = OpenModel(options.path, options.open);
+    ToolModel model = NameWork("reading " + options.path.string(),
+                               [&options] { return OpenModel(options.path, options.open); });
     WriteNotes(model, context);
     return model;
 }

@@ -51,6 +51,12 @@ CLI::Option* AddChoice(CLI::App& command, const std::string& option, T& chosen,
         ->check(CLI::IsMember(names).description(""));
 }
 
+/// Lets "-" stand for the standard input.
+void AcceptStandardInput(CLI::Option& option);
+
+/// Lets the number of an option not be negative.
+void RejectNegative(CLI::Option& option);
+
 /// Adds an option that bounds a list; with 0 all of it is shown.
 CLI::Option* AddLimit(CLI::App& command, const std::string& option, ListLimit& limit,
                       const std::string& description);
@@ -85,6 +91,9 @@ inline constexpr const char* kModelDescription =
 /// Adds MODEL.
 CLI::Option* AddModelPath(CLI::App& command, std::filesystem::path& path,
                           const std::string& description = kModelDescription);
+
+/// Adds --roles.
+CLI::Option* AddRoles(CLI::App& command, ERoles& roles);
 
 /// Adds --roles and --set, in that group of the help.
 void AddModelSettings(CLI::App& command, ModelOptions& options, const std::string& group);

@@ -1,15 +1,12 @@
 #include "Tools/qerefine/Command.h"
 
 #include "Engine/Model/Model.h"
-#include "Toolkit/Batch/ProgressBar.h"
 #include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Model/ModelFile.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Tools/qerefine/CommandOptions.h"
+#include "Tools/qerefine/DelayedProgress.h"
 
-#include <chrono>
-#include <fstream>
-#include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -19,43 +16,43 @@ namespace qe::tool {
 
 namespace {
 
+constexpr const char* kExample = "qerefine import sqlite shop.db --roles -o shop.json";
+
 struct Options
 {
     std::vector<std::string> files{};
-    /// Empty: standard output.
-    std::string output{};
     /// Nothing where it is to be recognised.
     std::optional<EDialect> dialect{};
     ImportOptions import{};
 };
 
-void WriteFile(const std::string& path, const std::string& text)
-{
-    std::ofstream file(path, std::ios::binary);
-    file << text << std::flush;
-    if (!file)
-        throw InputError({{path, "cannot write the file"}});
-}
-
 void AddOptions(CLI::App& command, Options& options)
 {
-    command.add_option("FILE", options.files, "what to read")->required();
-    command.add_option("-o,--output", options.output,
-                       "where the model file goes; standard output without it");
-    command.add_flag_callback(
-        "--roles", [&options] { options.import.roles = ERoles::Shortcuts; },
-        "also make a shortcut for each role of a table that another one refers to several times");
+    AcceptStandardInput(
+        *command.add_option("FILE", options.files, "What to read")->required()->type_name(""));
+    AddRoles(command, options.import.roles);
+}
+
+Choices<std::optional<EDialect>> ListDialects()
+{
+    Choices<std::optional<EDialect>> dialects;
+    for (const std::string& word : ListDialectWords())
+        dialects.emplace_back(word, FindDialect(word));
+    return dialects;
 }
 
 void AddSqlOptions(CLI::App& command, Options& options)
 {
     AddOptions(command, options);
-    command
-        .add_option_function<std::string>(
-            "--from", [&options](const std::string& word) { options.dialect = FindDialect(word); },
-            "the dialect of the files; recognised without it")
-        ->check(CLI::IsMember(ListDialectWords()))
-        ->type_name("DIALECT");
+    AddChoice(command, "--from", options.dialect, ListDialects(),
+              "The dialect of the files; recognised without it");
+}
+
+/// The files may be those of a subcommand, which takes no options from here.
+void AddAnyOptions(CLI::App& command, Options& options)
+{
+    AddSqlOptions(command, options);
+    command.get_option("FILE")->required(false);
 }
 
 void AddSqliteOptions(CLI::App& command, Options& options)
@@ -68,13 +65,9 @@ void AddSqliteOptions(CLI::App& command, Options& options)
 template <typename Import>
 ToolModel RunImport(const Options& options, const CommandContext& context, const Import& import)
 {
-    constexpr std::chrono::seconds kDelay(1);
     ImportOptions importOptions = options.import;
-    std::optional<ProgressBar> bar;
-    if (context.terminal.error == Terminal::EStream::Terminal) {
-        bar.emplace(context.error, context.terminal.width, kDelay);
-        importOptions.observer = [&bar](const Progress& progress) { bar->Show(progress); };
-    }
+    DelayedProgress progress(context);
+    importOptions.observer = progress.GetObserver();
     return import(importOptions);
 }
 
@@ -96,6 +89,8 @@ ToolModel RunSql(const Options& options, const CommandContext& context)
 /// Imports whatever the file holds; several files are DDL.
 ToolModel RunAny(const Options& options, const CommandContext& context)
 {
+    if (options.files.empty())
+        throw CLI::RequiredError("FILE");
     if (options.dialect || options.files.size() != 1)
         return RunSql(options, context);
     return RunImport(options, context, [&options](const ImportOptions& importOptions) {
@@ -115,57 +110,54 @@ void WriteSummary(const Options& options, const ToolModel& imported, const Comma
 EExitCode Report(const Options& options, const ToolModel& imported, const CommandContext& context)
 {
     WriteNotes(imported, context);
-    const std::string text = WriteModelText(imported);
-    if (options.output.empty())
-        context.output << text;
-    else
-        WriteFile(options.output, text);
+    context.output << WriteModelText(imported);
     WriteSummary(options, imported, context);
     return EExitCode::Done;
 }
 
-/// Lets the command read files whose kind it has to recognise, unless a kind is named.
-void AddAnyImport(const CommandLine& line, CLI::App& import)
+void AddSqliteImport(const CommandLine& line)
 {
-    const auto options = std::make_shared<Options>();
-    AddSqlOptions(import, *options);
-    import.get_option("FILE")->required(false);
-    import.callback([line, options, &import] {
-        if (!import.get_subcommands().empty())
-            return;
-    if (options->files.empty())
-        throw CLI::RequiredError("FILE");
-    line.exitCode = Report(*options, RunAny(*options, line.context), line.context);
-});
-} // namespace
+    AddCommand(line, Command<Options, ToolModel>{
+                         .help = {.name = "sqlite",
+                                  .summary = "Reads an SQLite database, which stays as it is.",
+                                  .example = kExample},
+                         .addOptions = AddSqliteOptions,
+                         .run = RunSqlite,
+                         .report = Report});
+}
 
-} // namespace qe::tool
+void AddSqlImport(const CommandLine& line)
+{
+    AddCommand(line, Command<Options, ToolModel>{
+                         .help = {.name = "sql",
+                                  .summary = "Reads files of DDL, one after the other as one "
+                                             "script.",
+                                  .example = "qerefine import sql tables.sql keys.sql > shop.json"},
+                         .addOptions = AddSqlOptions,
+                         .run = RunSql,
+                         .report = Report});
+}
+
+} // namespace
 
 void AddImportCommand(const CommandLine& line)
 {
-    constexpr const char* kExample = "qerefine import sqlite shop.db --roles -o shop.json";
-    CLI::App& import = AddSubcommand(
-        line.app,
-        {.name = "import",
-         .summary = "Makes a model file of a database or of its DDL, whose kind is recognised "
-                    "unless it is named.",
-         .example = kExample});
+    CLI::App& import = AddCommand(
+        line, Command<Options, ToolModel>{
+                  .help = {.name = "import",
+                           .summary = "Makes a model file of a database or of its DDL, whose kind "
+                                      "is recognised unless it is named.",
+                           .example = "qerefine import shop.db --roles -o shop.json"},
+                  .addOptions = AddAnyOptions,
+                  .run = RunAny,
+                  .report = Report});
     import.require_subcommand(0, 1);
-    AddAnyImport(line, import);
-    const CommandLine sources{.app = import, .context = line.context, .exitCode = line.exitCode};
-    const CommandHelp sqlite{.name = "sqlite",
-                             .summary = "Reads an SQLite database, which stays as it is.",
-                             .example = kExample};
-    AddCommand(sources, Command<Options, ToolModel>{.help = sqlite,
-                                                    .addOptions = AddSqliteOptions,
-                                                    .run = RunSqlite,
-                                                    .report = Report});
-    const CommandHelp sql{.name = "sql",
-                          .summary = "Reads files of DDL, one after the other as one script.",
-                          .example = "qerefine import sql tables.sql keys.sql > shop.json"};
-    AddCommand(sources,
-               Command<Options, ToolModel>{
-                   .help = sql, .addOptions = AddSqlOptions, .run = RunSql, .report = Report});
+    const CommandLine kinds{.app = import, .context = line.context, .exitCode = line.exitCode};
+    AddSqliteImport(kinds);
+    AddSqlImport(kinds);
+    for (CLI::App* const kind : import.get_subcommands([](const CLI::App*) { return true; }))
+        for (CLI::Option* const option : import.get_options())
+            kind->excludes(option);
 }
 
 } // namespace qe::tool

@@ -1,6 +1,8 @@
 #include "Tools/qerefine/RunTool.h"
+#include "Tools/qerefine/StandardStreams.h"
 
 #include <iostream>
+#include <ostream>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -26,9 +28,15 @@ Terminal LookAtTerminal()
 
 int main(int argc, char** argv)
 {
+    qe::tool::GuardStandardStreams();
     std::ios::sync_with_stdio(false);
-    const qe::tool::CommandContext context{std::cin, std::cout, std::cerr, LookAtTerminal()};
+    qe::tool::DescriptorBuffer buffer(STDOUT_FILENO, "standard output");
+    std::ostream output(&buffer);
+    output.exceptions(std::ios::badbit);
+    const qe::tool::CommandContext context{std::cin, output, std::cerr, LookAtTerminal()};
+    // What a command says about its output follows behind it, wherever both go.
+    std::cerr.tie(&output);
     const qe::tool::EExitCode code = qe::tool::RunTool({argv + 1, argv + argc}, context);
-    std::cout.flush();
+    std::cerr.tie(nullptr);
     return static_cast<int>(code);
 }

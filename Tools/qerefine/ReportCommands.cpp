@@ -21,6 +21,7 @@ struct Options
 {
     QuestionOptions asked{};
     EReportFormat format = EReportFormat::PlainText;
+    EFactLines lines = EFactLines::Grouped;
 };
 
 struct FactResult
@@ -37,16 +38,6 @@ struct ShortcutResult
     ShortcutReport report{};
 };
 
-template <typename ReportOfModel>
-void Write(const CommandContext& context, EReportFormat format, const ReportOfModel& report,
-           const ToolModel& model)
-{
-    if (format == EReportFormat::JsonText)
-        context.output << ToJsonText(ToJson(report, *model.model)) << '\n';
-    else
-        WriteText(context.output, report, *model.model);
-}
-
 void AddFormat(CLI::App& command, Options& options)
 {
     AddReportFormat(command, options.format, "The form of the answer")->group("Output");
@@ -60,6 +51,11 @@ void AddFactOptions(CLI::App& command, Options& options)
     AddSubjects(command, question, ESubjects::Optional);
     AddLists(command, question, EQuestionLists::Preferences);
     AddFormat(command, options);
+    command
+        .add_flag_callback(
+            "--all", [&options] { options.lines = EFactLines::Each; },
+            "Give every fact and every refused join a line of its own")
+        ->group("Output");
 }
 
 FactResult RunFacts(const Options& options, const CommandContext& context)
@@ -82,7 +78,11 @@ EExitCode ReportFacts(const Options& options, const FactResult& result,
                       const CommandContext& context)
 {
     const EExitCode code = result.answer ? ReportOutcome(*result.answer, context) : EExitCode::Done;
-    Write(context, options.format, result.report, result.model);
+    const model::Model& model = *result.model.model;
+    if (options.format == EReportFormat::JsonText)
+        context.output << ToJsonText(ToJson(result.report, model)) << '\n';
+    else
+        WriteText(context.output, result.report, model, options.lines);
     return code;
 }
 
@@ -107,7 +107,11 @@ ShortcutResult RunShortcuts(const Options& options, const CommandContext& contex
 EExitCode ReportShortcuts(const Options& options, const ShortcutResult& result,
                           const CommandContext& context)
 {
-    Write(context, options.format, result.report, result.model);
+    const model::Model& model = *result.model.model;
+    if (options.format == EReportFormat::JsonText)
+        context.output << ToJsonText(ToJson(result.report, model)) << '\n';
+    else
+        WriteText(context.output, result.report, model);
     return EExitCode::Done;
 }
 

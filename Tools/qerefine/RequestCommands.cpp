@@ -13,6 +13,7 @@
 #include "Toolkit/Evaluate/ModelSource.h"
 #include "Toolkit/Text/JsonText.h"
 #include "Tools/qerefine/CommandOptions.h"
+#include "Tools/qerefine/RiskOptions.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -31,12 +32,15 @@ constexpr std::size_t kMostThreads = 256;
 /// More threads are used only when asked for.
 constexpr std::size_t kMostDefaultThreads = 8;
 
+constexpr double kAllPercent = 100;
+
 constexpr const char* kBatchRemarks = R"(
 
 A request is a JSON object on a line of its own, such as
   {"id": "sales by region", "subjects": ["orders", "region"]}
 
-The exit code is 1 when a request failed, or after an interrupt.)";
+The exit code is 1 when a request failed, or after an interrupt, and 7 when an
+answer has a risk that --fail-on names.)";
 
 constexpr const char* kEvaluateRemarks = R"(
 
@@ -61,6 +65,7 @@ struct BatchCommandOptions
     std::size_t threads =
         std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, kMostDefaultThreads);
     ListLimit alternatives{0};
+    RiskOptions risks{};
 };
 
 struct EvaluateCommandOptions
@@ -68,6 +73,8 @@ struct EvaluateCommandOptions
     RequestOptions file{};
     EReportFormat format = EReportFormat::PlainText;
     EDifferences differences = EDifferences::Counted;
+    /// The share that must be answered the same.
+    std::optional<double> leastSame{};
 };
 
 void AddRequestOptions(CLI::App& command, RequestOptions& options)
@@ -85,6 +92,9 @@ void AddRequestOptions(CLI::App& command, RequestOptions& options)
 /// Throws InputError.
 Question PrepareDefaults(const RequestOptions& options)
 {
+    if (options.model.path == "/dev/stdin" && options.requests == "-")
+        throw CLI::ValidationError("REQUESTS",
+                                   "standard input can only be read once, and MODEL is read first");
     Question question;
     try {
         question = ReadDefaults(options.defaults);
@@ -107,18 +117,20 @@ void AddBatchOptions(CLI::App& command, BatchCommandOptions& options)
     AddLimit(command, "--alternatives", options.alternatives,
              "How many ranked alternatives an answer shows, none by default")
         ->type_name("N");
+    AddRiskOptions(command, options.risks, "Options");
 }
 
 BatchSummary RunRequests(const BatchCommandOptions& options, const CommandContext& context)
 {
     BatchOptions batch{.threads = options.threads, .defaults = PrepareDefaults(options.file)};
-    const ToolModel model = OpenModelWithNotes(options.file.model, context);
+    const NoticeContext notices(options.risks, context);
+    const ToolModel model = OpenModelWithNotes(options.file.model, notices.Get());
     RequestFile requests(options.file.requests, context.input);
     const Interrupt interrupt;
     batch.stop = &interrupt.GetFlag();
     std::optional<ProgressBar> bar;
     if (context.terminal.error == Terminal::EStream::Terminal) {
-        bar.emplace(context.error, context.terminal.width);
+        bar.emplace(notices.Get().error, context.terminal.width);
         batch.observer = [&bar, size = requests.GetSize()](const BatchSummary& soFar) {
             bar->Show(
                 {.done = soFar.bytes, .size = size, .count = soFar.requests, .unit = "requests"});
@@ -131,12 +143,14 @@ BatchSummary RunRequests(const BatchCommandOptions& options, const CommandContex
     return RunBatch(model, requests.Get(), output, batch);
 }
 
-EExitCode ReportBatch(const BatchCommandOptions& /*options*/, const BatchSummary& summary,
+EExitCode ReportBatch(const BatchCommandOptions& options, const BatchSummary& summary,
                       const CommandContext& context)
 {
-    context.error << ToText(summary) << '\n';
-    return summary.failures > 0 || summary.wasInterrupted ? EExitCode::NegativeResult
-                                                          : EExitCode::Done;
+    NoticeContext(options.risks, context).Get().error << ToText(summary) << '\n';
+    const bool isWhole = summary.failures == 0 && !summary.wasInterrupted;
+    return JudgeRisks(
+        options.risks, isWhole ? EExitCode::Done : EExitCode::NegativeResult,
+        [&summary](ERisk risk) { return summary.risky[static_cast<std::size_t>(risk)] > 0; });
 }
 
 void AddEvaluateOptions(CLI::App& command, EvaluateCommandOptions& options)
@@ -147,7 +161,18 @@ void AddEvaluateOptions(CLI::App& command, EvaluateCommandOptions& options)
     AddReportFormat(command, options.format, "How the shares are written")->default_str("text");
     command.add_flag_callback(
         "--list", [&options] { options.differences = EDifferences::Listed; },
-        "Tell each request that was not answered the same");
+        "Tell each request that was not answered the same, or why it was refused");
+    command
+        .add_option("--min-same", options.leastSame,
+                    "End with exit code 8 when fewer are answered the same, in percent")
+        ->type_name("PERCENT")
+        ->check(CLI::Range(0.0, kAllPercent))
+        ->check(CLI::Validator(
+            [](const std::string& text) {
+                return text.find_first_of("nN") == std::string::npos ? std::string()
+                                                                     : "not a number: " + text;
+            },
+            ""));
 }
 
 Evaluation RunEvaluation(const EvaluateCommandOptions& options, const CommandContext& context)
@@ -168,7 +193,13 @@ EExitCode ReportEvaluation(const EvaluateCommandOptions& options, const Evaluati
         context.output << ToJsonText(ToJson(evaluation)) << '\n';
     else
         WriteText(context.output, evaluation, options.differences);
-    return EExitCode::Done;
+    const auto requests = static_cast<double>(evaluation.all.CountRequests());
+    const auto same = static_cast<double>(evaluation.all.Get(EComparison::Same));
+    if (!options.leastSame || (requests > 0 && kAllPercent * same >= *options.leastSame * requests))
+        return EExitCode::Done;
+    context.error << "qerefine: " << same << " of " << requests
+                  << " requests were answered the same, less than " << *options.leastSame << " %\n";
+    return EExitCode::ShareMissed;
 }
 
 } // namespace

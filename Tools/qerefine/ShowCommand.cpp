@@ -6,6 +6,7 @@
 #include "Toolkit/Draw/PictureFormat.h"
 #include "Toolkit/Draw/Pictures.h"
 #include "Tools/qerefine/CommandOptions.h"
+#include "Tools/qerefine/DelayedProgress.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -26,7 +27,7 @@ enum class EPictureFormat : std::uint8_t
 
 struct Options
 {
-    std::filesystem::path model{};
+    ModelOptions model{};
     EPictureFormat format = EPictureFormat::Svg;
     std::vector<std::string> around{};
     ListLimit limit{100};
@@ -34,7 +35,8 @@ struct Options
 
 void AddOptions(CLI::App& command, Options& options)
 {
-    AddModelPath(command, options.model);
+    AddModelPath(command, options.model.path);
+    AddRoles(command, options.model.open.roles);
     AddChoice(
         command, "--format", options.format,
         {{"dot", EPictureFormat::Dot}, {"svg", EPictureFormat::Svg}, {"png", EPictureFormat::Png}},
@@ -45,9 +47,9 @@ void AddOptions(CLI::App& command, Options& options)
     AddLimit(command, "--limit", options.limit, "Subjects drawn at most")->default_str("100");
 }
 
-Picture Run(const Options& options, const CommandContext& /*context*/)
+Picture Run(const Options& options, const CommandContext& context)
 {
-    const ToolModel model = OpenModel(options.model);
+    const ToolModel model = OpenModelWithNotes(options.model, context);
     const std::vector<amd_id> around = BlameArguments([&] {
         NameResolver names(*model.model);
         std::vector<amd_id> found = names.ResolveSubjects("--around", options.around);
@@ -62,15 +64,17 @@ EExitCode Report(const Options& options, const Picture& picture, const CommandCo
     if (options.around.empty() && picture.nodes.size() < picture.subjects)
         context.error << "The " << picture.nodes.size() << " subjects with most joins of "
                       << picture.subjects << " are drawn; --limit 0 draws all, --around some\n";
+    DelayedProgress progress(context);
+    const DrawingWait wait{.limit = kLongestDrawing, .observer = progress.GetObserver()};
     switch (options.format) {
     case EPictureFormat::Dot:
         context.output << WriteDot(picture);
         break;
     case EPictureFormat::Svg:
-        context.output << MakeSvg(picture);
+        context.output << MakeSvg(picture, wait);
         break;
     case EPictureFormat::Png:
-        context.output << RunGraphviz(WriteDot(picture), EImage::Png);
+        context.output << RunGraphviz(WriteDot(picture), EImage::Png, wait);
         break;
     }
     return EExitCode::Done;

@@ -3,9 +3,11 @@
 #include "Engine/Graph/Core/GraphView.h"
 #include "Engine/Graph/Steiner/Bound/CompletionBound.h"
 #include "Engine/Graph/Steiner/Exact/DijkstraSteinerSearch.h"
+#include "Engine/Graph/Steiner/Exact/TableSearch.h"
 #include "Engine/Graph/Steiner/List/DerivationBuilder.h"
 #include "Engine/Graph/Steiner/List/DerivationWalk.h"
-#include "Engine/Graph/Steiner/List/Derivations.h"
+#include "Engine/Graph/Steiner/List/LabelDerivations.h"
+#include "Engine/Graph/Steiner/List/TableDerivations.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
 #include "Engine/Graph/Steiner/Network/TerminalSet.h"
 
@@ -85,7 +87,7 @@ void BlockSearch::Dive()
         DijkstraSteinerSearch<Words>::EOutcome::Solved)
         return;
     std::vector<EdgeIndex> edges;
-    Derivations<Words>(search).AppendOneTree(edges);
+    LabelDerivations<Words>(search).AppendOneTree(edges);
     std::sort(edges.begin(), edges.end());
     edges.erase(std::unique(edges.begin(), edges.end()), edges.end());
     mBounds.RegrowTree(edges);
@@ -107,6 +109,20 @@ void BlockSearch::ContractForced()
 std::optional<BlockSearch::Outcome> BlockSearch::SearchQuickly(TreeFamily& family)
 {
     return SearchWithin(family, tuning::kQuickEffort, mBounds.GetKnownWeight());
+}
+
+std::optional<BlockSearch::Outcome> BlockSearch::SearchByTable(TreeFamily& family,
+                                                               std::uint64_t mostSteps)
+{
+    const TableSearch::Cost cost = TableSearch::GetCost(mNetwork);
+    if (cost.steps > mostSteps || cost.places > tuning::kTablePlaces ||
+        !mBudget.CanAfford(cost.steps, TableDerivations::kBytesPerPlace * cost.places))
+        return std::nullopt;
+    TableSearch search(mNetwork, mBudget);
+    if (!search.Run())
+        return std::nullopt;
+    TableDerivations derivations(search);
+    return AddTrees(family, derivations);
 }
 
 std::optional<BlockSearch::Outcome> BlockSearch::SearchWithMoreEffort(TreeFamily& family)
@@ -205,39 +221,37 @@ std::optional<BlockSearch::Outcome> BlockSearch::SearchWith(TreeFamily& family, 
     }
     if (outcome != DijkstraSteinerSearch<Words>::EOutcome::Solved)
         return std::nullopt;
-    if (search->HasTree())
-        return AddTrees(family, *search);
+    if (search->HasTree()) {
+        LabelDerivations<Words> derivations(*search);
+        return AddTrees(family, derivations);
+    }
     mBounds.RaiseLowerBound(limit + 1);
     return std::nullopt;
 }
 
-/// Adds all trees of a solved search to the family; as many as are wanted, one by one, where there
+/// Adds all trees that are derived to the family; as many as are wanted, one by one, where there
 /// are too many derivations to gather.
-template <std::size_t Words>
-BlockSearch::Outcome BlockSearch::AddTrees(TreeFamily& family,
-                                           const DijkstraSteinerSearch<Words>& search) const
+BlockSearch::Outcome BlockSearch::AddTrees(TreeFamily& family, Derivations& derivations) const
 {
     std::vector<StrandIndex> strands;
     for (const EdgeIndex edge : mNetwork.GetEdges())
         strands.push_back(mBlock.GetStrand(mNetwork.GetNetworkEdge(edge)));
-    const std::uint64_t weight = search.GetBound();
-    Derivations<Words> derivations(search);
+    const std::uint64_t weight = derivations.GetRank(derivations.GetWhole()).weight;
     if (mBudget.GetAnswer() == EAnswer::AllTrees) {
         DerivationGraph graph(mBlock.GetStrands());
-        DerivationBuilder<Words> builder(derivations, strands, mBudget);
-        if (builder.Build(graph) == DerivationBuilder<Words>::EOutcome::Complete) {
+        DerivationBuilder builder(derivations, strands, mBudget);
+        if (builder.Build(graph) == DerivationBuilder::EOutcome::Complete) {
             mBudget.Charge(graph.GetBytes());
             family.AddDerivations(std::move(graph), builder.GetWhole());
             return {.weight = weight, .lowerBound = weight, .hasAllTrees = true};
         }
     }
-    ListTrees(family, DerivationWalk<Words>(derivations, mBlock.GetStrands(), strands));
+    ListTrees(family, DerivationWalk(derivations, mBlock.GetStrands(), strands));
     return {.weight = weight, .lowerBound = weight, .hasAllTrees = false};
 }
 
 /// Adds the trees of the walk to the family until there are enough, or the budget is overdrawn.
-template <std::size_t Words>
-void BlockSearch::ListTrees(TreeFamily& family, DerivationWalk<Words> walk) const
+void BlockSearch::ListTrees(TreeFamily& family, DerivationWalk walk) const
 {
     ListedTrees trees;
     std::uint64_t spent = 0;

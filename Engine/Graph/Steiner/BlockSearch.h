@@ -17,10 +17,8 @@
 namespace qe::graph {
 
 class Budget;
-template <std::size_t Words>
 class DerivationWalk;
-template <std::size_t Words>
-class DijkstraSteinerSearch;
+class Derivations;
 
 /// Searches one block: bounds its optimum from both sides, prunes what the bounds exclude, and
 /// finds all minimum Steiner trees of what is left.
@@ -57,6 +55,8 @@ public:
     /// Finds all minimum Steiner trees of the block, and adds them to the family, if that takes few
     /// steps; else returns nothing and leaves the family alone.
     std::optional<Outcome> SearchQuickly(TreeFamily& family);
+    /// Does the same by a table of all nodes and sets of terminals, if that takes no more steps.
+    std::optional<Outcome> SearchByTable(TreeFamily& family, std::uint64_t mostSteps);
     /// Does the same with more steps.
     std::optional<Outcome> SearchWithMoreEffort(TreeFamily& family);
     /// Finds all minimum Steiner trees of the block, or one tree when the budget runs out, and adds
@@ -71,10 +71,8 @@ private:
     std::optional<Outcome> SearchWithin(TreeFamily& family, Efforts efforts, std::uint64_t limit);
     template <std::size_t Words>
     std::optional<Outcome> SearchWith(TreeFamily& family, Efforts efforts, std::uint64_t limit);
-    template <std::size_t Words>
-    Outcome AddTrees(TreeFamily& family, const DijkstraSteinerSearch<Words>& search) const;
-    template <std::size_t Words>
-    void ListTrees(TreeFamily& family, DerivationWalk<Words> walk) const;
+    Outcome AddTrees(TreeFamily& family, Derivations& derivations) const;
+    void ListTrees(TreeFamily& family, DerivationWalk walk) const;
     template <std::size_t Words>
     void AppendExchangedBound(std::uint64_t limit,
                               std::vector<CompletionBound<Words>>& bounds) const;

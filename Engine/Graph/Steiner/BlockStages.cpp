@@ -16,9 +16,10 @@ BlockStages::BlockStages(OpenNetwork& block, TreeFamily& family, Budget& budget)
 std::optional<BlockSearch::Outcome> BlockStages::Run()
 {
     using Stage = EState (BlockStages::*)();
-    static constexpr std::array<Stage, 7> kStages{
+    static constexpr std::array<Stage, 9> kStages{
         &BlockStages::SpanTerminals,        &BlockStages::PruneQuickly,
-        &BlockStages::SearchQuickly,        &BlockStages::PruneThoroughly,
+        &BlockStages::SearchBySmallTable,   &BlockStages::SearchQuickly,
+        &BlockStages::SearchByTable,        &BlockStages::PruneThoroughly,
         &BlockStages::SearchWithMoreEffort, &BlockStages::TryDistanceReductions,
         &BlockStages::SearchToTheEnd,
     };
@@ -51,9 +52,19 @@ BlockStages::EState BlockStages::PruneQuickly()
     return GetStateAfterPruning();
 }
 
+BlockStages::EState BlockStages::SearchBySmallTable()
+{
+    return Conclude(mSearch->SearchByTable(mFamily, tuning::kSmallTableSteps));
+}
+
 BlockStages::EState BlockStages::SearchQuickly()
 {
     return Conclude(mSearch->SearchQuickly(mFamily));
+}
+
+BlockStages::EState BlockStages::SearchByTable()
+{
+    return Conclude(mSearch->SearchByTable(mFamily, tuning::kTableSteps));
 }
 
 BlockStages::EState BlockStages::PruneThoroughly()

@@ -56,7 +56,9 @@ private:
     };
     EState SpanTerminals();
     EState PruneQuickly();
+    EState SearchBySmallTable();
     EState SearchQuickly();
+    EState SearchByTable();
     EState PruneThoroughly();
     EState SearchWithMoreEffort();
     EState TryDistanceReductions();

@@ -9,6 +9,9 @@
 #include <gmock/gmock.h>
 
 #include <climits>
+#include <deque>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -30,9 +33,10 @@ struct Candidate
 Descriptors Rank(const ModelText& model, const std::vector<Candidate>& candidates,
                  const RankingSwitches& switches = {}, amdi_gateway* gateway = nullptr)
 {
+    std::deque<std::vector<amd_id>> joins;
     std::vector<WeightedPath> paths;
     for (const Candidate& candidate : candidates)
-        paths.push_back({model.Ids(candidate.joins), candidate.weight});
+        paths.push_back({joins.emplace_back(model.Ids(candidate.joins)), candidate.weight});
     const JoinInfoReader joinInfos(
         {gateway == nullptr ? &model.GetGateway() : gateway, nullptr, nullptr, nullptr});
     return qe::DescribePaths(paths, qe::RankPaths(paths, switches, joinInfos));
@@ -173,9 +177,10 @@ TEST(BestPaths, HaveTheLeastWeightAndThenTheFewestFactTables)
     const auto selectBest = [&](const std::vector<int>& weights) {
         const std::vector<std::string> paths{"ab",         "ab, bc, ec", "ab, ac, ad",
                                              "ab, ac, ad", "abm",        "ab, bc, cd"};
+        std::deque<std::vector<amd_id>> joins;
         std::vector<WeightedPath> weighted;
         for (std::size_t index = 0; index < weights.size(); ++index)
-            weighted.push_back({model.Ids(paths[index]), weights[index]});
+            weighted.push_back({joins.emplace_back(model.Ids(paths[index])), weights[index]});
         return qe::SelectBestPaths(weighted, joinInfos);
     };
     EXPECT_THAT(selectBest({5, 3, 3, 3, 3, 4}), ElementsAre(2, 3));

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace qe::tool {
@@ -37,8 +38,11 @@ class KeyResolver
 public:
     explicit KeyResolver(DatabaseSchema& schema) : mSchema(schema)
     {
-        for (std::size_t position = 0; position < schema.tables.size(); ++position)
-            mPositions[Fold(schema.tables[position].name)] = position;
+        for (std::size_t position = 0; position < schema.tables.size(); ++position) {
+            const SchemaTable& table = schema.tables[position];
+            mPositions.emplace(FullName(table.space, table.name), position);
+            mPositionsByName[Fold(table.name)].push_back(position);
+        }
     }
 
     void Resolve()
@@ -50,14 +54,27 @@ public:
     }
 
 private:
+    using TableName = std::pair<std::string, std::string>;
+
+    static TableName FullName(const std::string& space, const std::string& name)
+    {
+        return {Fold(space), Fold(name)};
+    }
+
     /// Adds the key to the table, unless it is to be left out.
     void Add(SchemaTable& table, SchemaForeignKey key)
     {
-        const std::string what = table.name + " (" + JoinTexts(key.from) + ") -> " + key.table;
-        const auto target = mPositions.find(Fold(key.table));
-        if (target == mPositions.end())
+        const std::string what = table.title + " (" + JoinTexts(key.from) + ") -> " + key.table;
+        const std::optional<std::size_t> target = FindTable(table, key);
+        if (!target) {
             LeaveOut("a foreign key to a table that does not exist: " + what);
-        else if (!Complete(key, table, mSchema.tables[target->second]))
+            return;
+        }
+        key.target = *target;
+        const SchemaTable& parent = mSchema.tables[key.target];
+        if (key.to.empty() && parent.keys.empty())
+            LeaveOut("a foreign key to a table that has no key: " + what);
+        else if (!Complete(key, table, parent))
             LeaveOut("a foreign key whose columns do not exist: " + what);
         else if (IsRepeated(key, table))
             LeaveOut("a foreign key that is declared twice: " + what);
@@ -65,12 +82,25 @@ private:
             table.foreignKeys.push_back(std::move(key));
     }
 
+    [[nodiscard]] std::optional<std::size_t> FindTable(const SchemaTable& table,
+                                                       const SchemaForeignKey& key) const
+    {
+        const std::string& space = key.space.empty() ? table.space : key.space;
+        if (const auto found = mPositions.find(FullName(space, key.table));
+            found != mPositions.end())
+            return found->second;
+        const auto named = mPositionsByName.find(Fold(key.table));
+        if (!key.space.empty() || named == mPositionsByName.end() || named->second.size() != 1)
+            return std::nullopt;
+        return named->second.front();
+    }
+
     /// Writes the names of a key from `table` to `parent` as these do; false when there are no such
     /// columns.
     static bool Complete(SchemaForeignKey& key, const SchemaTable& table, const SchemaTable& parent)
     {
         key.table = parent.name;
-        if (key.to.empty() && !parent.keys.empty())
+        if (key.to.empty())
             key.to = parent.keys.front();
         return key.to.size() == key.from.size() && SpellLike(table, key.from) &&
                SpellLike(parent, key.to);
@@ -80,14 +110,15 @@ private:
     {
         return std::any_of(
             table.foreignKeys.begin(), table.foreignKeys.end(), [&](const SchemaForeignKey& other) {
-                return other.table == key.table && other.from == key.from && other.to == key.to;
+                return other.target == key.target && other.from == key.from && other.to == key.to;
             });
     }
 
     void LeaveOut(const std::string& what) { mSchema.notes.push_back("left out " + what); }
 
     DatabaseSchema& mSchema;
-    std::map<std::string, std::size_t> mPositions;
+    std::map<TableName, std::size_t> mPositions;
+    std::map<std::string, std::vector<std::size_t>> mPositionsByName;
 };
 
 } // namespace
@@ -108,6 +139,27 @@ const SchemaColumn* FindColumn(const std::vector<SchemaColumn>& columns, const s
 void ResolveForeignKeys(DatabaseSchema& schema)
 {
     KeyResolver(schema).Resolve();
+}
+
+bool IsUnique(const SchemaTable& table, const std::vector<std::string>& columns)
+{
+    return std::any_of(table.keys.begin(), table.keys.end(), [&](const Names& key) {
+        return !key.empty() && std::all_of(key.begin(), key.end(), [&](const std::string& column) {
+            return std::find(columns.begin(), columns.end(), column) != columns.end();
+        });
+    });
+}
+
+std::vector<std::string> TitlesOf(const SchemaTable& table, const std::vector<std::string>& columns)
+{
+    Names titles;
+    for (const std::string& name : columns) {
+        for (const SchemaColumn& column : table.columns) {
+            if (column.name == name)
+                titles.push_back(column.title);
+        }
+    }
+    return titles;
 }
 
 } // namespace qe::tool

@@ -1,6 +1,7 @@
 #ifndef TOOLKIT_IMPORT_SCHEMA_DATABASESCHEMA_H
 #define TOOLKIT_IMPORT_SCHEMA_DATABASESCHEMA_H
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,8 @@ struct SchemaColumn
     bool isNotNull = false;
     /// What the database says about it; empty for nothing.
     std::string description{};
+    /// What the model calls it; given by GiveTitles.
+    std::string title{};
 };
 
 /// A foreign key: the columns that refer, and the table and columns that they refer to.
@@ -21,6 +24,11 @@ struct SchemaForeignKey
     std::vector<std::string> from{};
     /// Empty for the first key of the table.
     std::vector<std::string> to{};
+    /// The schema of the table; empty for that of the table that refers, else for the only one that
+    /// has such a table.
+    std::string space{};
+    /// The position of the table; given by ResolveForeignKeys.
+    std::size_t target = 0;
 };
 
 /// A table or view.
@@ -31,10 +39,15 @@ struct SchemaTable
     std::vector<std::string> source{};
     std::string description{};
     std::vector<SchemaColumn> columns{};
-    /// The sets of columns that identify a row, the primary key first.
+    /// The sets of columns that identify a row, the primary key first. What only holds for some of
+    /// the rows does not belong here.
     std::vector<std::vector<std::string>> keys{};
     /// In the order in which they are declared.
     std::vector<SchemaForeignKey> foreignKeys{};
+    /// The schema that it lies in, where the database has several.
+    std::string space{};
+    /// What the model calls it; given by GiveTitles.
+    std::string title{};
 };
 
 /// What a database declares, whatever it is written in: each format has a reader that fills it.
@@ -44,7 +57,7 @@ struct DatabaseSchema
     std::string name{};
     /// In the order of their names.
     std::vector<SchemaTable> tables{};
-    /// What had to be left out, one sentence each.
+    /// What had to be left out or renamed, one sentence each.
     std::vector<std::string> notes{};
     /// What it was read from, such as "PostgreSQL, 12 statements"; empty for nothing to tell.
     std::string origin{};
@@ -55,9 +68,18 @@ struct DatabaseSchema
 [[nodiscard]] const SchemaColumn* FindColumn(const std::vector<SchemaColumn>& columns,
                                              const std::string& name);
 
-/// Lets every foreign key name its columns, and spells names as the tables do; the case of A to Z
-/// does not count. Keys that name what does not exist, or repeat another, are left out and noted.
+/// Lets every foreign key name its columns and know its table, and spells names as the tables do;
+/// the case of A to Z does not count. Keys that name what does not exist, or repeat another, are
+/// left out and noted. Tables need titles.
 void ResolveForeignKeys(DatabaseSchema& schema);
+
+/// Returns whether a key of the table lies within the columns, so that no two rows agree in all of
+/// them. A part of a key does not do.
+[[nodiscard]] bool IsUnique(const SchemaTable& table, const std::vector<std::string>& columns);
+
+/// Returns the columns' titles in the order of the names, which are spelt as in the table.
+[[nodiscard]] std::vector<std::string> TitlesOf(const SchemaTable& table,
+                                                const std::vector<std::string>& columns);
 
 } // namespace qe::tool
 

@@ -12,8 +12,10 @@ enum class ERoles
 {
     /// The keys become parallel relationships.
     Plain,
-    /// Each key gets a shortcut to the table as well, called "table (columns)", with a
-    /// relationship shortcut to it.
+    /// Each key leads to a role of its own, a shortcut to the table called "table (columns)", in
+    /// place of the table. One of them also leads to the table itself, so that what lies behind it
+    /// stays in reach: the first whose columns are called like those that it refers to, else the
+    /// first. Keys of a table to itself only lead to roles.
     Shortcuts,
 };
 
@@ -28,8 +30,9 @@ struct ImportOptions
 /// database, with a query subject for each table and view and a relationship for each foreign key,
 /// whose left end is the table that refers.
 ///
-/// The end that refers is to-one when the columns of the key hold a unique key, otherwise to-many,
-/// and always optional; the other end is optional when a column of the key may be null. Several
+/// The end that is referred to is to-one when a key of that table lies within the columns, and
+/// optional when a column that refers may be null. The end that refers is to-one when that holds
+/// and its columns hold a unique key too, and always optional. All other ends are to-many. Several
 /// keys between two tables are told apart by their columns.
 [[nodiscard]] ToolModel MakeModel(DatabaseSchema schema, const ImportOptions& options);
 

@@ -1,5 +1,6 @@
 #include "Toolkit/Import/Sqlite/SqliteDatabase.h"
 
+#include <new>
 #include <sqlite3.h>
 
 namespace qe::tool {
@@ -14,11 +15,36 @@ int CountSteps(void* checks)
     return ++*static_cast<std::int64_t*>(checks) > kMostChecks ? 1 : 0;
 }
 
+constexpr int kMostSecondsLocked = 5;
+
 [[noreturn]] void Fail(sqlite3* database)
 {
-    const bool isInterrupted = sqlite3_errcode(database) == SQLITE_INTERRUPT;
-    throw SqliteError(isInterrupted ? "the statement takes too long" : sqlite3_errmsg(database),
-                      sqlite3_error_offset(database));
+    const int code = sqlite3_errcode(database);
+    if (code == SQLITE_NOMEM)
+        throw std::bad_alloc();
+    std::string text = sqlite3_errmsg(database);
+    if (code == SQLITE_INTERRUPT)
+        text = "the statement takes too long";
+    if (code == SQLITE_BUSY || code == SQLITE_LOCKED)
+        text = "another program has locked it for more than " + std::to_string(kMostSecondsLocked) +
+               " seconds; try again when it is done";
+    throw SqliteError(text, sqlite3_error_offset(database), code);
+}
+
+/// Returns the path as the part of a URI.
+std::string EscapeForUri(const std::string& path)
+{
+    std::string escaped;
+    for (const char letter : path) {
+        constexpr std::string_view kSpecial = "%?#";
+        constexpr std::string_view kDigits = "0123456789ABCDEF";
+        const auto byte = static_cast<unsigned char>(letter);
+        if (kSpecial.find(letter) == std::string_view::npos)
+            escaped += letter;
+        else
+            escaped += {'%', kDigits[byte / 16U], kDigits[byte % 16U]};
+    }
+    return escaped;
 }
 
 } // namespace
@@ -40,9 +66,10 @@ SqliteDatabase::SqliteDatabase(const std::string& name, int flags)
     const int result = sqlite3_open_v2(name.c_str(), &handle, flags, nullptr);
     mHandle.reset(handle);
     if (handle == nullptr)
-        throw SqliteError("out of memory", -1);
+        throw std::bad_alloc();
     if (result != SQLITE_OK)
         Fail(handle);
+    sqlite3_busy_timeout(handle, 1000 * kMostSecondsLocked);
     sqlite3_limit(handle, SQLITE_LIMIT_ATTACHED, 0);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
@@ -52,6 +79,13 @@ SqliteDatabase::SqliteDatabase(const std::string& name, int flags)
 SqliteDatabase SqliteDatabase::OpenFile(const std::filesystem::path& path)
 {
     return SqliteDatabase(path.string(), SQLITE_OPEN_READONLY);
+}
+
+SqliteDatabase SqliteDatabase::OpenUnchangingFile(const std::filesystem::path& path)
+{
+    const std::string absolute = std::filesystem::absolute(path).string();
+    return SqliteDatabase("file:" + EscapeForUri(absolute) + "?immutable=1",
+                          SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
 }
 
 SqliteDatabase SqliteDatabase::OpenMemory()

@@ -18,13 +18,18 @@ namespace qe::tool {
 class SqliteError : public std::runtime_error
 {
 public:
-    /// Takes the byte of the statement that is wrong; -1 when the fault is nowhere in it.
-    SqliteError(const std::string& text, int offset) : std::runtime_error(text), mOffset(offset) {}
+    /// Takes the byte of the statement that is wrong, -1 when the fault is nowhere in it, and
+    /// SQLite's number of the fault.
+    SqliteError(const std::string& text, int offset, int code)
+        : std::runtime_error(text), mOffset(offset), mCode(code)
+    {}
 
     [[nodiscard]] int GetOffset() const noexcept { return mOffset; }
+    [[nodiscard]] int GetCode() const noexcept { return mCode; }
 
 private:
     int mOffset;
+    int mCode;
 };
 
 struct StatementFinalizer
@@ -39,8 +44,11 @@ using Statement = std::unique_ptr<sqlite3_stmt, StatementFinalizer>;
 class SqliteDatabase
 {
 public:
-    /// Opens a file, only to read it. Throws a SqliteError when that cannot be done.
+    /// Opens a file, only to read it. Where another program holds it, each use waits some seconds.
+    /// Throws a SqliteError when that cannot be done.
     [[nodiscard]] static SqliteDatabase OpenFile(const std::filesystem::path& path);
+    /// Opens a file that nothing changes meanwhile, which takes no files beside it.
+    [[nodiscard]] static SqliteDatabase OpenUnchangingFile(const std::filesystem::path& path);
     /// Returns an empty database in memory.
     [[nodiscard]] static SqliteDatabase OpenMemory();
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <sqlite3.h>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -26,6 +27,7 @@ public:
     DatabaseSchema Read(const ProgressObserver& observer)
     {
         const auto tables = ListTables();
+        NoteTemporaryTables();
         std::uint64_t done = 0;
         for (const auto& [name, database] : tables) {
             if (observer)
@@ -53,6 +55,17 @@ private:
         return tables;
     }
 
+    /// They hide tables of their name from every statement that follows.
+    void NoteTemporaryTables()
+    {
+        for (const SqliteDatabase& database : mDatabases) {
+            SqliteQuery query(database, "SELECT name FROM pragma_table_list WHERE schema = 'temp' "
+                                        "AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' ORDER BY name");
+            while (query.Next())
+                mSchema.notes.push_back("left out a temporary table: " + query.GetText(0));
+        }
+    }
+
     void AddTable(const std::string& name, const SqliteDatabase& database)
     {
         SchemaTable table{.name = name};
@@ -76,8 +89,8 @@ private:
         query.Bind(1, table.name);
         while (query.Next()) {
             const std::int64_t keyPosition = query.GetNumber(2);
-            table.columns.push_back(
-                {query.GetText(0), query.GetNumber(1) != 0 || keyPosition != 0});
+            table.columns.push_back({.name = query.GetText(0),
+                                     .isNotNull = query.GetNumber(1) != 0 || keyPosition != 0});
             if (keyPosition != 0)
                 primaryKey[keyPosition] = query.GetText(0);
         }
@@ -131,6 +144,32 @@ private:
     DatabaseSchema mSchema;
 };
 
+DatabaseSchema ReadOpened(const SqliteDatabase& database, const ProgressObserver& observer)
+{
+    return ReadSqliteSchema({&database, 1}, observer);
+}
+
+/// A database with a log of changes (WAL) needs files beside it even to be read. Where they cannot
+/// be made, and there is no log, nobody changes it.
+DatabaseSchema ReadFile(const std::filesystem::path& path, const ProgressObserver& observer)
+{
+    try {
+        return ReadOpened(SqliteDatabase::OpenFile(path), observer);
+    } catch (const SqliteError& error) {
+        std::error_code missing;
+        const bool lacksFiles =
+            error.GetCode() == SQLITE_CANTOPEN || error.GetCode() == SQLITE_READONLY;
+        if (!lacksFiles || !std::filesystem::exists(path, missing))
+            throw;
+        if (std::filesystem::exists(path.string() + "-wal", missing))
+            throw SqliteError(
+                "it is in WAL mode, in a folder that cannot be written; copy it, with "
+                "the files beside it, to another folder",
+                error.GetOffset(), error.GetCode());
+        return ReadOpened(SqliteDatabase::OpenUnchangingFile(path), observer);
+    }
+}
+
 } // namespace
 
 DatabaseSchema ReadSqliteSchema(std::span<const SqliteDatabase> databases,
@@ -145,8 +184,7 @@ DatabaseSchema ReadSqliteFile(const std::filesystem::path& path, const ProgressO
     if (std::filesystem::is_directory(path, failure))
         throw InputError({{path.string(), "is a folder, not a database"}});
     try {
-        const SqliteDatabase database = SqliteDatabase::OpenFile(path);
-        DatabaseSchema schema = ReadSqliteSchema({&database, 1}, observer);
+        DatabaseSchema schema = ReadFile(path, observer);
         schema.name = path.stem().string();
         return schema;
     } catch (const SqliteError& error) {

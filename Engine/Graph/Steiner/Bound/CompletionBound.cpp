@@ -1,6 +1,7 @@
 #include "Engine/Graph/Steiner/Bound/CompletionBound.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qe::graph {
 
@@ -9,7 +10,7 @@ CompletionBound<Words>::CompletionBound(const FlatNetwork& network, NodeIndex se
     : mNetwork(network),
       mSearchRoot(searchRoot),
       mBits(network.GetNodeCount(), kNoIndex),
-      mLast(network.GetNodeCount(), kNoIndex)
+      mLast(network.GetNodeCount())
 {
     std::uint32_t bit = 0;
     for (const NodeIndex terminal : network.GetTerminals())
@@ -17,48 +18,73 @@ CompletionBound<Words>::CompletionBound(const FlatNetwork& network, NodeIndex se
 }
 
 template <std::size_t Words>
-void CompletionBound<Words>::Raise(std::span<const NodeIndex> nodes,
-                                   std::span<const ArcSlot> /*entering*/, std::uint64_t price)
+void CompletionBound<Words>::Raise(const RaisedCut& cut)
 {
-    Set terminals;
-    for (const NodeIndex node : nodes) {
+    if (cut.raisedBefore == 0) {
+        ChargeGrown();
+        mGrown.clear();
+        mGrownTerminals = {};
+    }
+    Set terminals = mGrownTerminals;
+    const std::span<const NodeIndex> added = cut.nodes.subspan(cut.raisedBefore);
+    for (const NodeIndex node : added) {
         if (mBits[node] != kNoIndex)
             terminals.Add(mBits[node]);
     }
-    const SetIndex set = mSets.Intern(terminals);
-    mPrices.resize(mSets.GetCount());
-    mPrices[set] += price;
-    for (const NodeIndex node : nodes) {
-        const std::uint32_t last = mLast[node];
-        if (last != kNoIndex && mRaised[last].set == set) {
-            mRaised[last].price += price;
+    if (!(terminals == mGrownTerminals)) {
+        ChargeGrown();
+        mGrownTerminals = terminals;
+        mGrownSet = mSets.Intern(terminals);
+        mPrices.resize(mSets.GetCount());
+    }
+    for (const NodeIndex node : added)
+        mGrown.push_back({node, mGrownPrice});
+    mPrices[mGrownSet] += cut.price;
+    mGrownPrice += cut.price;
+}
+
+/// Charges the nodes of the set at hand for what it was raised since they were charged last.
+template <std::size_t Words>
+void CompletionBound<Words>::ChargeGrown()
+{
+    for (auto& [node, priceBefore] : mGrown) {
+        const std::uint64_t price = mGrownPrice - std::exchange(priceBefore, mGrownPrice);
+        LastCharge& last = mLast[node];
+        if (last.set == mGrownSet) {
+            mRaised[last.place].price += price;
             continue;
         }
-        mLast[node] = static_cast<std::uint32_t>(mRaised.size());
-        mRaised.push_back({node, set, price});
+        last = {mGrownSet, static_cast<std::uint32_t>(mRaised.size())};
+        mRaised.push_back({node, mGrownSet, price});
     }
 }
 
 template <std::size_t Words>
 void CompletionBound<Words>::Finish(const DualAscent& ascent, std::uint64_t limit)
 {
+    ChargeGrown();
+    mGrown = {};
     mRootBit = mBits[ascent.GetRoot()];
     // A path that pays more than this is in no tree within the limit.
     const std::uint64_t slack = limit - std::min(limit, ascent.GetBound());
-    mPathsFromRoot = GetReducedFromRoot(mNetwork, ascent, slack);
-    mPathsToSearchRoot = GetReducedTo(mNetwork, ascent, mSearchRoot, slack);
-    mTotals.assign(mNetwork.GetNodeCount(), 0);
-    mFirst.assign(mNetwork.GetNodeCount() + 1, 0);
+    const NodeDistances pathsFromRoot = GetReducedFromRoot(mNetwork, ascent, slack);
+    const NodeDistances pathsToSearchRoot = GetReducedTo(mNetwork, ascent, mSearchRoot, slack);
+    mParts.assign(mNetwork.GetNodeCount(), {});
     for (const NumberedCharge& raised : mRaised) {
-        ++mFirst[raised.node.value + 1];
-        mTotals[raised.node] += raised.price;
+        ++mParts[raised.node].endCharge;
+        mParts[raised.node].total += raised.price;
     }
-    for (std::uint32_t node = 0; node < mNetwork.GetNodeCount(); ++node)
-        mFirst[node + 1] += mFirst[node];
-    std::vector<std::uint32_t> place(mFirst.begin(), mFirst.end() - 1);
+    std::uint32_t first = 0;
+    for (const NodeIndex node : mNetwork.GetNodes()) {
+        NodePart& part = mParts[node];
+        part.firstCharge = first;
+        first += std::exchange(part.endCharge, first);
+        part.pathFromRoot = pathsFromRoot[node];
+        part.pathToSearchRoot = pathsToSearchRoot[node];
+    }
     mCharges.resize(mRaised.size());
     for (const NumberedCharge& raised : mRaised)
-        mCharges[place[raised.node.value]++] = {mSets.Get(raised.set), raised.price};
+        mCharges[mParts[raised.node].endCharge++] = {mSets.Get(raised.set), raised.price};
     mRaised = {};
 }
 

@@ -33,8 +33,7 @@ public:
     /// Takes the root of the search. Keeps a reference to the network.
     CompletionBound(const FlatNetwork& network, NodeIndex searchRoot);
 
-    void Raise(std::span<const NodeIndex> nodes, std::span<const ArcSlot> entering,
-               std::uint64_t price) override;
+    void Raise(const RaisedCut& cut) override;
 
     /// Packs what was raised for the search; needs the reduced weights of the finished ascent,
     /// and a weight above which trees are not looked for. Two runs of Dijkstra's algorithm.
@@ -50,14 +49,15 @@ public:
     /// node.
     [[nodiscard]] std::uint64_t Get(NodeIndex node, const Set& set, std::uint64_t setPart) const
     {
+        const NodePart& part = mParts[node];
         std::uint64_t joined = 0;
-        for (std::uint32_t place = mFirst[node.value]; place < mFirst[node.value + 1]; ++place) {
+        for (std::uint32_t place = part.firstCharge; place < part.endCharge; ++place) {
             if (mCharges[place].set.IsSubsetOf(set))
                 joined += mCharges[place].price;
         }
         if (!set.Contains(mRootBit))
-            return setPart + joined + mPathsFromRoot[node];
-        return setPart + joined - mTotals[node] + mPathsToSearchRoot[node];
+            return setPart + joined + part.pathFromRoot;
+        return setPart + joined - part.total + part.pathToSearchRoot;
     }
 
 private:
@@ -66,12 +66,36 @@ private:
         Set set;
         std::uint64_t price;
     };
+    /// Where the charges at a node stand, what they add up to, and what the paths between it and
+    /// the roots pay.
+    struct NodePart
+    {
+        std::uint32_t firstCharge = 0;
+        std::uint32_t endCharge = 0;
+        std::uint64_t total = 0;
+        std::uint64_t pathFromRoot = 0;
+        std::uint64_t pathToSearchRoot = 0;
+    };
+    /// A node of the set that grows, and what the set had been charged when the node came in or was
+    /// charged last.
+    struct Grown
+    {
+        NodeIndex node;
+        std::uint64_t priceBefore;
+    };
+    struct LastCharge
+    {
+        SetIndex set;
+        std::uint32_t place = 0;
+    };
     struct NumberedCharge
     {
         NodeIndex node;
         SetIndex set;
         std::uint64_t price;
     };
+
+    void ChargeGrown();
 
     const FlatNetwork& mNetwork;
     NodeIndex mSearchRoot;
@@ -81,14 +105,16 @@ private:
     SetTable<Words> mSets;
     IndexedVector<SetIndex, std::uint64_t> mPrices;
     std::vector<NumberedCharge> mRaised;
-    /// Place in mRaised of the last charge at each node.
-    IndexedVector<NodeIndex, std::uint32_t> mLast;
-    std::vector<std::uint32_t> mFirst;
+    /// The last charge at each node, and its place in mRaised.
+    IndexedVector<NodeIndex, LastCharge> mLast;
+    /// The set that was raised last, and the terminals in it. Its nodes are charged when other
+    /// terminals come in, all at once.
+    std::vector<Grown> mGrown;
+    std::uint64_t mGrownPrice = 0;
+    Set mGrownTerminals;
+    SetIndex mGrownSet;
+    IndexedVector<NodeIndex, NodePart> mParts;
     std::vector<Charge> mCharges;
-    /// Sum of the charges at each node.
-    IndexedVector<NodeIndex, std::uint64_t> mTotals;
-    NodeDistances mPathsFromRoot;
-    NodeDistances mPathsToSearchRoot;
 };
 
 } // namespace qe::graph

@@ -46,17 +46,17 @@ CutExchange::EOutcome CutExchange::Improve(std::uint64_t knownWeight, std::uint6
 void CutExchange::Report(CutObserver& observer) const
 {
     for (const Cut& cut : mCuts)
-        observer.Raise(cut.nodes, cut.entering, cut.price);
+        observer.Raise(
+            {.nodes = cut.nodes, .raisedBefore = 0, .entering = cut.entering, .price = cut.price});
 }
 
-void CutExchange::Raise(std::span<const NodeIndex> nodes, std::span<const ArcSlot> entering,
-                        std::uint64_t price)
+void CutExchange::Raise(const RaisedCut& raised)
 {
-    Cut& cut = mCuts.emplace_back(Cut{.nodes = {nodes.begin(), nodes.end()},
-                                      .entering = {entering.begin(), entering.end()},
+    Cut& cut = mCuts.emplace_back(Cut{.nodes = {raised.nodes.begin(), raised.nodes.end()},
+                                      .entering = {raised.entering.begin(), raised.entering.end()},
                                       .terminals = {},
-                                      .price = price});
-    std::copy_if(nodes.begin(), nodes.end(), std::back_inserter(cut.terminals),
+                                      .price = raised.price});
+    std::copy_if(cut.nodes.begin(), cut.nodes.end(), std::back_inserter(cut.terminals),
                  [this](NodeIndex node) { return mNetwork.IsTerminal(node); });
     mBudget.Charge(GetBytes(cut));
     mCharged += GetBytes(cut);

@@ -61,8 +61,7 @@ private:
         std::uint64_t price;
     };
 
-    void Raise(std::span<const NodeIndex> nodes, std::span<const ArcSlot> entering,
-               std::uint64_t price) override;
+    void Raise(const RaisedCut& raised) override;
     void Exchange();
     void ChooseTerminals();
     [[nodiscard]] std::vector<NodeIndex> FindNearest(NodeIndex terminal);

@@ -178,6 +178,7 @@ DualAscent::EOutcome DualAscent::Ascend(Entry& entry, std::uint64_t costLimit,
     mStamps[entry.terminal] = mStamp;
     mSet.assign(1, entry.terminal);
     mSpread = 0;
+    mRaisedBefore = 0;
     mEntering.clear();
     const std::uint64_t eagerLimit =
         costLimit == kNoLimit ? kNoLimit : costLimit * tuning::kEagerQuarters / 4;
@@ -233,7 +234,10 @@ void DualAscent::RaiseCut(CutObserver* observer)
         price = std::min(price, mReduced[slot]);
     mBound += price;
     if (observer != nullptr)
-        observer->Raise(mSet, mEntering, price);
+        observer->Raise({.nodes = mSet,
+                         .raisedBefore = std::exchange(mRaisedBefore, mSet.size()),
+                         .entering = mEntering,
+                         .price = price});
     for (const ArcSlot slot : mEntering) {
         mReduced[slot] -= price;
         const NodeIndex origin = mOrigins[slot];

@@ -22,16 +22,25 @@ struct ArcSlot
     friend auto operator<=>(const ArcSlot&, const ArcSlot&) = default;
 };
 
+/// A set of nodes without the root that every tree must enter for the terminals in it, and what
+/// entering it is charged. The spans are good during the call.
+struct RaisedCut
+{
+    std::span<const NodeIndex> nodes;
+    /// So many of the first nodes are the set that was raised last; 0 when that was another one.
+    std::size_t raisedBefore = 0;
+    /// The slots of the arcs into the set.
+    std::span<const ArcSlot> entering;
+    /// The price that these have just been charged.
+    std::uint64_t price = 0;
+};
+
 /// Listens to the cuts that a dual ascent raises.
 class CutObserver
 {
 public:
     virtual ~CutObserver() = default;
-    /// Takes a set of nodes without the root, that every tree must enter for the terminals in
-    /// it, the slots of the arcs into it, and the price that these have just been charged. The
-    /// spans are good during the call.
-    virtual void Raise(std::span<const NodeIndex> nodes, std::span<const ArcSlot> entering,
-                       std::uint64_t price) = 0;
+    virtual void Raise(const RaisedCut& cut) = 0;
 };
 
 /// Proves a lower bound for the weight of every Steiner tree, by raising prices on directed cuts:
@@ -120,10 +129,11 @@ private:
     std::vector<NodeIndex> mOpen;
     /// Slots by which the guiding tree leads away from the root.
     IndexedVector<ArcSlot, std::uint8_t> mIsGuide;
-    /// The set at hand: its nodes, how many of them have been spread from, and the slots that
-    /// lead into it with some weight left.
+    /// The set at hand: its nodes, how many of them have been spread from and how many were raised
+    /// last, and the slots that lead into it with some weight left.
     std::vector<NodeIndex> mSet;
     std::size_t mSpread = 0;
+    std::size_t mRaisedBefore = 0;
     std::vector<ArcSlot> mEntering;
     IndexedVector<NodeIndex, std::uint32_t> mStamps;
     std::uint32_t mStamp = 0;

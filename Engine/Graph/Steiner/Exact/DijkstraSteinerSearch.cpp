@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <numeric>
 #include <utility>
 
 namespace qe::graph {
@@ -19,10 +20,12 @@ DijkstraSteinerSearch<Words>::DijkstraSteinerSearch(const FlatNetwork& network, 
       mRoot(root),
       mLimit(limit),
       mBits(network.GetNodeCount()),
+      mBoundOrder(bounds.size()),
       mSettledAt(network.GetNodeCount()),
       mIsMissing(network.GetNodeCount(), 0),
       mSeparation(network)
 {
+    std::iota(mBoundOrder.begin(), mBoundOrder.end(), 0U);
     std::uint32_t bit = 0;
     for (const NodeIndex terminal : network.GetTerminals()) {
         mBits[terminal] = bit++;
@@ -135,12 +138,18 @@ SetIndex DijkstraSteinerSearch<Words>::Intern(const Set& set)
 /// Returns the greatest bound, or the first one that is above the limit.
 template <std::size_t Words>
 std::uint64_t DijkstraSteinerSearch<Words>::GetCompletionBound(NodeIndex node, SetIndex set,
-                                                               std::uint64_t limit) const
+                                                               std::uint64_t limit)
 {
+    const std::uint64_t* const setParts = &mSetParts[set.value * mCompletionBounds.size()];
     std::uint64_t greatest = 0;
-    for (std::size_t bound = 0; bound < mCompletionBounds.size() && greatest <= limit; ++bound) {
-        const std::uint64_t setPart = mSetParts[set.value * mCompletionBounds.size() + bound];
-        greatest = std::max(greatest, mCompletionBounds[bound].Get(node, mSets.Get(set), setPart));
+    for (std::uint32_t& next : mBoundOrder) {
+        const std::uint64_t bound =
+            mCompletionBounds[next].Get(node, mSets.Get(set), setParts[next]);
+        if (bound > limit) {
+            std::swap(next, mBoundOrder.front());
+            return bound;
+        }
+        greatest = std::max(greatest, bound);
     }
     return greatest;
 }

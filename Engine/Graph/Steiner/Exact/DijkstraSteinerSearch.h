@@ -121,7 +121,7 @@ private:
     };
     void Offer(NodeIndex node, SetIndex set, std::uint64_t weight, const Origin& origin);
     [[nodiscard]] std::uint64_t GetCompletionBound(NodeIndex node, SetIndex set,
-                                                   std::uint64_t limit) const;
+                                                   std::uint64_t limit);
     void OfferTerminals();
     void Settle(LabelIndex index);
     bool SettleNext();
@@ -144,6 +144,9 @@ private:
     Set mAll;
     SetTable<Words> mSets;
     IndexedVector<SetIndex, SetInfo> mSetInfos;
+    /// The bounds in the order in which they are asked: the one that cut something off last is
+    /// likely to do so again.
+    std::vector<std::uint32_t> mBoundOrder;
     /// For each set what each bound says of it alone.
     std::vector<std::uint64_t> mSetParts;
     LabelTable mLabels;

@@ -10,8 +10,7 @@ namespace qe::graph {
 
 SeparationTest::SeparationTest(const FlatNetwork& network)
     : mNetwork(network),
-      mSearch(network.GetNodeCount()),
-      mClosedBy(network.GetNodeCount(), 0),
+      mClosures(network.GetNodeCount()),
       mReachedBy(network.GetNodeCount(), 0),
       mFrontOf(network.GetNodeCount(), 0)
 {}
@@ -23,7 +22,7 @@ bool SeparationTest::IsSeparating(const LabelTable& labels, LabelIndex label,
     FindBarriers(labels, label);
     const NodeIndex node = labels.Get(label).node;
     const bool isSeparating =
-        ClosesMissing(isMissing) || mClosedBy[node] == mTest || CutsOffMissing(node, isMissing);
+        ClosesMissing(isMissing) || IsClosed(node) || CutsOffMissing(node, isMissing);
     mSeparating += isSeparating ? 1U : 0U;
     return isSeparating;
 }
@@ -52,32 +51,45 @@ void SeparationTest::FindBarriers(const LabelTable& labels, LabelIndex label)
     }
 }
 
-/// Closes the surroundings of the barriers, the nearest first and not all of wide ones. Returns
-/// whether a missing terminal is among them.
+/// Closes the surroundings of the barriers, not all of wide ones. Returns whether a missing
+/// terminal is among them.
 bool SeparationTest::ClosesMissing(const NodeMarks& isMissing)
 {
-    std::uint64_t widest = 0;
-    for (const Barrier& barrier : mBarriers)
-        widest = std::max(widest, barrier.radius);
     mClosed.clear();
-    mSearch.Reset();
-    for (const Barrier& barrier : mBarriers)
-        mSearch.Reach(barrier.node, widest - barrier.radius);
-    bool isMissingClosed = false;
-    mSearch.Run([&](NodeIndex node, std::uint64_t distance) {
-        mClosedBy[node] = mTest;
-        mClosed.push_back(node);
-        isMissingClosed = isMissing[node] != 0;
-        mSteps += mNetwork.GetArcs(node).size();
-        for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
-            if (distance + arc.weight < widest)
-                mSearch.Reach(arc.target, distance + arc.weight);
+    mClosing.clear();
+    // Along a segment the surroundings of the last barrier hold those of the others.
+    for (auto barrier = mBarriers.rbegin(); barrier != mBarriers.rend(); ++barrier) {
+        if (Close(*barrier, isMissing))
+            return true;
+    }
+    for (std::size_t next = 0; next < mClosing.size(); ++next) {
+        const Barrier from = mClosing[next];
+        if (mClosures[from.node].radius != from.radius)
+            continue;
+        if (mClosed.size() >= tuning::kMostClosed)
+            return false;
+        mSteps += mNetwork.GetArcs(from.node).size();
+        for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(from.node)) {
+            if (arc.weight < from.radius &&
+                Close({arc.target, from.radius - arc.weight}, isMissing))
+                return true;
         }
-        return isMissingClosed || mClosed.size() >= tuning::kMostClosed
-                   ? DijkstraSearch::EStep::Stop
-                   : DijkstraSearch::EStep::Continue;
-    });
-    return isMissingClosed;
+    }
+    return false;
+}
+
+/// Closes the node and records that its surroundings follow, unless they are closed as far as that
+/// already. Returns whether the node is a missing terminal.
+bool SeparationTest::Close(const Barrier& barrier, const NodeMarks& isMissing)
+{
+    Closure& closure = mClosures[barrier.node];
+    if (closure.test != mTest)
+        mClosed.push_back(barrier.node);
+    else if (closure.radius >= barrier.radius)
+        return false;
+    closure = {.radius = barrier.radius, .test = mTest};
+    mClosing.push_back(barrier);
+    return isMissing[barrier.node] != 0;
 }
 
 /// Returns whether some missing terminal cannot be reached from the node over what is not closed.
@@ -111,14 +123,13 @@ bool SeparationTest::CutsOffMissing(NodeIndex node, const NodeMarks& isMissing)
 
 void SeparationTest::BeginFronts(NodeIndex node, const NodeMarks& isMissing)
 {
-    mFronts.clear();
     mMergedInto.clear();
     mActive.clear();
     BeginFront(node, isMissing);
     mFronts.front().holdsNode = true;
     for (const NodeIndex closed : mClosed) {
         for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(closed)) {
-            if (mClosedBy[arc.target] != mTest && mReachedBy[arc.target] != mTest)
+            if (!IsClosed(arc.target) && mReachedBy[arc.target] != mTest)
                 BeginFront(arc.target, isMissing);
         }
     }
@@ -126,8 +137,10 @@ void SeparationTest::BeginFronts(NodeIndex node, const NodeMarks& isMissing)
 
 void SeparationTest::BeginFront(NodeIndex node, const NodeMarks& isMissing)
 {
-    const auto front = static_cast<std::uint32_t>(mFronts.size());
-    mFronts.emplace_back();
+    const auto front = static_cast<std::uint32_t>(mMergedInto.size());
+    if (front == mFronts.size())
+        mFronts.emplace_back();
+    mFronts[front].Reset();
     mMergedInto.push_back(front);
     mActive.push_back(front);
     Reach(front, node, isMissing);
@@ -155,7 +168,7 @@ void SeparationTest::Advance(std::uint32_t front, const NodeMarks& isMissing)
     const NodeIndex node = mFronts[front].nodes[mFronts[front].next++];
     mSteps += mNetwork.GetArcs(node).size();
     for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
-        if (mClosedBy[arc.target] == mTest)
+        if (IsClosed(arc.target))
             continue;
         if (mReachedBy[arc.target] != mTest)
             Reach(front, arc.target, isMissing);

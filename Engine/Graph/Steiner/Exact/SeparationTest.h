@@ -1,7 +1,6 @@
 #ifndef ENGINE_GRAPH_STEINER_EXACT_SEPARATIONTEST_H
 #define ENGINE_GRAPH_STEINER_EXACT_SEPARATIONTEST_H
 
-#include "Engine/Graph/Core/Dijkstra.h"
 #include "Engine/Graph/Steiner/Exact/Labels.h"
 #include "Engine/Graph/Steiner/Network/FlatNetwork.h"
 #include "Engine/Graph/Steiner/Network/SearchTuning.h"
@@ -61,6 +60,13 @@ private:
         std::uint64_t radius;
     };
 
+    /// The test that has closed a node last, and how far its surroundings are closed then.
+    struct Closure
+    {
+        std::uint64_t radius = 0;
+        std::uint32_t test = 0;
+    };
+
     /// A part of what is not closed, as far as it has been seen.
     struct Front
     {
@@ -70,10 +76,21 @@ private:
         bool holdsMissing = false;
         /// Whether it holds the node of the partial tree.
         bool holdsNode = false;
+
+        /// Forgets everything but keeps the memory.
+        void Reset()
+        {
+            nodes.clear();
+            next = 0;
+            holdsMissing = false;
+            holdsNode = false;
+        }
     };
 
     void FindBarriers(const LabelTable& labels, LabelIndex label);
     [[nodiscard]] bool ClosesMissing(const NodeMarks& isMissing);
+    [[nodiscard]] bool Close(const Barrier& barrier, const NodeMarks& isMissing);
+    [[nodiscard]] bool IsClosed(NodeIndex node) const { return mClosures[node].test == mTest; }
     [[nodiscard]] bool CutsOffMissing(NodeIndex node, const NodeMarks& isMissing);
     void BeginFronts(NodeIndex node, const NodeMarks& isMissing);
     void BeginFront(NodeIndex node, const NodeMarks& isMissing);
@@ -85,14 +102,15 @@ private:
     const FlatNetwork& mNetwork;
     std::vector<Part> mParts;
     std::vector<Barrier> mBarriers;
-    DijkstraSearch mSearch;
-    /// The number of the test that has closed a node last.
-    IndexedVector<NodeIndex, std::uint32_t> mClosedBy;
+    IndexedVector<NodeIndex, Closure> mClosures;
+    /// What is still to be closed around.
+    std::vector<Barrier> mClosing;
     /// The number of the test that has reached a node last, and by which front.
     IndexedVector<NodeIndex, std::uint32_t> mReachedBy;
     IndexedVector<NodeIndex, std::uint32_t> mFrontOf;
     std::uint32_t mTest = 0;
     std::vector<NodeIndex> mClosed;
+    /// The first mMergedInto.size() are in use.
     std::vector<Front> mFronts;
     /// For each front the one that it was merged into, or itself.
     std::vector<std::uint32_t> mMergedInto;

@@ -3,49 +3,38 @@
 #include "Engine/Graph/Steiner/Network/Budget.h"
 
 #include <algorithm>
-#include <numeric>
-#include <tuple>
 #include <utility>
 
 namespace qe::graph {
 
-template <std::size_t Words>
-DerivationBuilder<Words>::DerivationBuilder(Derivations<Words>& derivations,
-                                            std::span<const StrandIndex> strands, Budget& budget)
+DerivationBuilder::DerivationBuilder(Derivations& derivations, std::span<const StrandIndex> strands,
+                                     Budget& budget)
     : mDerivations(derivations), mStrands(strands), mBudget(budget)
 {}
 
-template <std::size_t Words>
-DerivationBuilder<Words>::~DerivationBuilder()
+DerivationBuilder::~DerivationBuilder()
 {
     mBudget.Release(mCharged);
 }
 
-template <std::size_t Words>
-typename DerivationBuilder<Words>::EOutcome DerivationBuilder<Words>::Build(DerivationGraph& graph)
+DerivationBuilder::EOutcome DerivationBuilder::Build(DerivationGraph& graph)
 {
-    const DijkstraSteinerSearch<Words>& search = mDerivations.GetSearch();
-    mItemOfLabel.assign(search.GetLabels().GetCount(), kNoIndex);
+    mItemOfLabel.assign(mDerivations.GetLabelCount(), kNoIndex);
     Visit(mDerivations.GetWhole());
     if (!Collect())
         return EOutcome::Exhausted;
-    std::vector<std::uint32_t> order(mItems.size());
-    std::iota(order.begin(), order.end(), 0U);
-    const auto getRank = [&](std::uint32_t item) {
-        const Label& label = search.GetLabels().Get(mItems[item].label);
-        return std::tuple(search.GetSet(label.set).GetSize(), label.weight, item);
-    };
-    std::sort(order.begin(), order.end(), [&](std::uint32_t left, std::uint32_t right) {
-        return getRank(left) < getRank(right);
-    });
-    for (const std::uint32_t item : order)
+    std::vector<std::pair<Derivations::Rank, std::uint32_t>> order;
+    order.reserve(mItems.size());
+    for (std::uint32_t item = 0; item < mItems.size(); ++item)
+        order.emplace_back(mDerivations.GetRank(mItems[item].label), item);
+    std::sort(order.begin(), order.end());
+    for (const auto& [rank, item] : order)
         AddParts(mItems[item], graph);
     mWhole = GetItem(mDerivations.GetWhole()).part;
     return EOutcome::Complete;
 }
 
-template <std::size_t Words>
-void DerivationBuilder<Words>::Visit(LabelIndex label)
+void DerivationBuilder::Visit(LabelIndex label)
 {
     if (mItemOfLabel[label] != kNoIndex)
         return;
@@ -54,8 +43,7 @@ void DerivationBuilder<Words>::Visit(LabelIndex label)
 }
 
 /// Expands the visited labels and visits what they lead to. Returns false when the budget ran out.
-template <std::size_t Words>
-bool DerivationBuilder<Words>::Collect()
+bool DerivationBuilder::Collect()
 {
     std::uint64_t spent = mDerivations.GetLookups();
     for (std::size_t next = 0; next < mItems.size(); ++next) {
@@ -79,8 +67,7 @@ bool DerivationBuilder<Words>::Collect()
 }
 
 /// Adds the part that is the label's branch, and the one that is all of the label.
-template <std::size_t Words>
-void DerivationBuilder<Words>::AddParts(Item& item, DerivationGraph& graph)
+void DerivationBuilder::AddParts(Item& item, DerivationGraph& graph)
 {
     item.branch = graph.AddPart();
     if (mDerivations.IsEmpty(item.label))
@@ -92,10 +79,5 @@ void DerivationBuilder<Words>::AddParts(Item& item, DerivationGraph& graph)
     for (const auto& join : mDerivations.GetJoins(item.label))
         graph.AddJoin(GetItem(join.branch).branch, GetItem(join.others).part);
 }
-
-template class DerivationBuilder<1>;
-template class DerivationBuilder<2>;
-template class DerivationBuilder<4>;
-template class DerivationBuilder<8>;
 
 } // namespace qe::graph

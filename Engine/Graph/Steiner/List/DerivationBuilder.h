@@ -11,14 +11,15 @@
 
 namespace qe::graph {
 
+class Budget;
+
 /// Puts all derivations of a search into one graph, from which the trees are counted and listed.
-template <std::size_t Words>
 class DerivationBuilder
 {
 public:
     /// Takes the strand of each edge of the network. Keeps references to derivations and budget,
     /// and the span.
-    DerivationBuilder(Derivations<Words>& derivations, std::span<const StrandIndex> strands,
+    DerivationBuilder(Derivations& derivations, std::span<const StrandIndex> strands,
                       Budget& budget);
     DerivationBuilder(const DerivationBuilder&) = delete;
     DerivationBuilder& operator=(const DerivationBuilder&) = delete;
@@ -50,7 +51,7 @@ private:
     [[nodiscard]] Item& GetItem(LabelIndex label) { return mItems[mItemOfLabel[label]]; }
     void AddParts(Item& item, DerivationGraph& graph);
 
-    Derivations<Words>& mDerivations;
+    Derivations& mDerivations;
     std::span<const StrandIndex> mStrands;
     Budget& mBudget;
     IndexedVector<LabelIndex, std::uint32_t> mItemOfLabel;

@@ -2,14 +2,12 @@
 
 namespace qe::graph {
 
-template <std::size_t Words>
-DerivationWalk<Words>::DerivationWalk(Derivations<Words>& derivations, const StrandPool& pool,
-                                      std::span<const StrandIndex> strands)
+DerivationWalk::DerivationWalk(Derivations& derivations, const StrandPool& pool,
+                               std::span<const StrandIndex> strands)
     : mDerivations(derivations), mPool(pool), mStrands(strands)
 {}
 
-template <std::size_t Words>
-bool DerivationWalk<Words>::MoveNext()
+bool DerivationWalk::MoveNext()
 {
     if (!mIsStarted) {
         mIsStarted = true;
@@ -21,16 +19,14 @@ bool DerivationWalk<Words>::MoveNext()
     return true;
 }
 
-template <std::size_t Words>
-std::uint32_t DerivationWalk<Words>::AddTask(EKind kind, std::uint32_t what, std::uint32_t next)
+std::uint32_t DerivationWalk::AddTask(EKind kind, std::uint32_t what, std::uint32_t next)
 {
     mTasks.push_back({kind, what, next});
     return static_cast<std::uint32_t>(mTasks.size() - 1);
 }
 
 /// Does the last task that has another choice in that other manner.
-template <std::size_t Words>
-bool DerivationWalk<Words>::Backtrack()
+bool DerivationWalk::Backtrack()
 {
     while (!mTurns.empty()) {
         Turn& turn = mTurns.back();
@@ -50,8 +46,7 @@ bool DerivationWalk<Words>::Backtrack()
 }
 
 /// Does what is left in the first manner there is.
-template <std::size_t Words>
-void DerivationWalk<Words>::Complete()
+void DerivationWalk::Complete()
 {
     while (mOpen != kNothing) {
         const Task task = mTasks[mOpen];
@@ -63,8 +58,7 @@ void DerivationWalk<Words>::Complete()
     }
 }
 
-template <std::size_t Words>
-std::uint64_t DerivationWalk<Words>::CountChoices(const Task& task)
+std::uint64_t DerivationWalk::CountChoices(const Task& task)
 {
     if (task.kind == EKind::Strand)
         return mPool.GetCount({task.what});
@@ -75,9 +69,7 @@ std::uint64_t DerivationWalk<Words>::CountChoices(const Task& task)
 }
 
 /// Returns the first choice, from the given one on, that leads to a tree.
-template <std::size_t Words>
-std::optional<std::uint64_t> DerivationWalk<Words>::FindChoice(const Task& task,
-                                                               std::uint64_t choice)
+std::optional<std::uint64_t> DerivationWalk::FindChoice(const Task& task, std::uint64_t choice)
 {
     const LabelIndex label{task.what};
     if (task.kind != EKind::Strand)
@@ -93,8 +85,7 @@ std::optional<std::uint64_t> DerivationWalk<Words>::FindChoice(const Task& task,
 }
 
 /// Returns whether the label can be a branch; one that comes about by joins alone cannot.
-template <std::size_t Words>
-bool DerivationWalk<Words>::IsBranch(LabelIndex label)
+bool DerivationWalk::IsBranch(LabelIndex label)
 {
     mDerivations.Expand(label);
     return mDerivations.IsEmpty(label) || !mDerivations.GetSteps(label).empty();
@@ -102,8 +93,7 @@ bool DerivationWalk<Words>::IsBranch(LabelIndex label)
 
 /// Replaces the task by those that its choice makes. Of these the last one changes fastest: the
 /// strand of a step, the others of a join.
-template <std::size_t Words>
-void DerivationWalk<Words>::Do(const Task& task, std::uint64_t choice)
+void DerivationWalk::Do(const Task& task, std::uint64_t choice)
 {
     const LabelIndex label{task.what};
     if (task.kind == EKind::Strand) {
@@ -124,10 +114,5 @@ void DerivationWalk<Words>::Do(const Task& task, std::uint64_t choice)
         mOpen = AddTask(EKind::Part, step.label.value, strand);
     }
 }
-
-template class DerivationWalk<1>;
-template class DerivationWalk<2>;
-template class DerivationWalk<4>;
-template class DerivationWalk<8>;
 
 } // namespace qe::graph

@@ -19,13 +19,12 @@ namespace qe::graph {
 /// is the same whether that graph could be filled or not. A tree is put together task by task; what
 /// is left to do is a list that later tasks share. At the last task that could be done otherwise
 /// the next tree begins.
-template <std::size_t Words>
 class DerivationWalk
 {
 public:
     /// Takes the strand of each edge of the network. Keeps references to derivations and strands,
     /// and the span.
-    DerivationWalk(Derivations<Words>& derivations, const StrandPool& pool,
+    DerivationWalk(Derivations& derivations, const StrandPool& pool,
                    std::span<const StrandIndex> strands);
 
     /// Moves to the first tree, and later to the next; returns false behind the last.
@@ -70,7 +69,7 @@ private:
     [[nodiscard]] bool IsBranch(LabelIndex label);
     void Do(const Task& task, std::uint64_t choice);
 
-    Derivations<Words>& mDerivations;
+    Derivations& mDerivations;
     const StrandPool& mPool;
     std::span<const StrandIndex> mStrands;
     std::vector<Task> mTasks;

@@ -71,6 +71,12 @@ public:
     /// false again when memory is released.
     [[nodiscard]] bool IsOverdrawn();
 
+    /// Returns whether a search may take so many more steps and bytes.
+    [[nodiscard]] bool CanAfford(std::uint64_t steps, std::size_t bytes) const
+    {
+        return mSteps + steps < mSearchSteps && mBytes + bytes < mLimits.memory;
+    }
+
     /// Returns the limit that was hit first, ELimit::None when none was.
     [[nodiscard]] ELimit GetLimitHit() const { return mLimitHit; }
     /// Records a limit that is no matter of spending.

@@ -26,7 +26,7 @@ inline constexpr std::size_t kNoEnd = std::numeric_limits<std::size_t>::max();
 // Bounding a block (BlockBounds, DualAscent).
 
 /// Number of terminals that ascents are rooted at, without and with a guiding tree.
-inline constexpr std::size_t kAscentRoots = 4;
+inline constexpr std::size_t kAscentRoots = 3;
 
 /// After how much work a local search is cut short. Took the place of a tenth of the time, which
 /// made the listed trees depend on the machine.
@@ -51,11 +51,18 @@ inline constexpr std::size_t kContractedShare = 10;
 
 // Exact searches (BlockSearch).
 
-/// Before the block is bounded thoroughly, and after.
-inline constexpr std::array kQuickEffort{SearchEffort{.ascents = 2, .mostSettled = 2000}};
-inline constexpr std::array kMoreEffort{SearchEffort{.ascents = 8, .mostSettled = 30000}};
+/// Before the block is bounded thoroughly, and after. Bounding it costs as much as thousands of
+/// labels.
+inline constexpr std::array kQuickEffort{SearchEffort{.ascents = 2, .mostSettled = 6000}};
+inline constexpr std::array kMoreEffort{SearchEffort{.ascents = 16, .mostSettled = 30000}};
 
-/// Bounded by what the effort before was, and by more.
+/// A search by table may take so many steps before the quick search and so many after it, each
+/// about as much as what follows it, and so many places.
+inline constexpr std::uint64_t kSmallTableSteps = 300'000;
+inline constexpr std::uint64_t kTableSteps = 50'000'000;
+inline constexpr std::uint64_t kTablePlaces = 1U << 20;
+
+/// Bounded by a few ascents from roots far apart, and by more.
 inline constexpr std::array kLastEfforts{SearchEffort{.ascents = 8, .mostSettled = 0},
                                          SearchEffort{.ascents = 32, .mostSettled = kNoEnd}};
 
@@ -69,7 +76,7 @@ inline constexpr std::size_t kUpwardAscents = 4;
 /// much of the gap between the bounds is added to them, and after how many labels it is given up.
 inline constexpr std::size_t kDiveAscents = 4;
 inline constexpr double kDiveInflation = 0.8;
-inline constexpr std::size_t kDiveLabels = 30000;
+inline constexpr std::size_t kDiveLabels = 10000;
 
 /// There is a table of a node's settled labels for at most so many terminals, and when at least
 /// one in so many sets is settled.
@@ -80,7 +87,7 @@ inline constexpr std::size_t kTableSparsity = 64;
 
 /// After how many settled labels a search begins to test labels for it: a test costs as much as
 /// many labels, and pays only where those would be very many.
-inline constexpr std::size_t kUntestedLabels = 40'000;
+inline constexpr std::size_t kUntestedLabels = 20'000;
 
 /// After so many tests, one in so many must have found something for the tests to go on: where few
 /// do, as in graphs with many terminals, they cost more than they spare.
@@ -101,7 +108,7 @@ inline constexpr std::uint64_t kFirstExchangeWork = 20'000'000;
 inline constexpr std::uint64_t kWorkPerLabel = 400;
 
 /// One part in so many of the gap has to be closed by exchanges for them to be of use.
-inline constexpr std::uint64_t kExchangeWorth = 4;
+inline constexpr std::uint64_t kExchangeWorth = 8;
 
 /// Around how many terminals at most an exchange takes cuts back, and how many of ten.
 inline constexpr std::size_t kMostChosen = 6;

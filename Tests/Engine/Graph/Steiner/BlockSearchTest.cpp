@@ -2,6 +2,7 @@
 #include "Engine/Graph/Steiner/Bound/CutExchange.h"
 #include "Engine/Graph/Steiner/List/DerivationBuilder.h"
 #include "Engine/Graph/Steiner/List/DerivationWalk.h"
+#include "Engine/Graph/Steiner/List/LabelDerivations.h"
 #include "Engine/Graph/Steiner/Network/Budget.h"
 #include "Engine/Graph/Steiner/Network/NetworkBuilder.h"
 #include "Engine/Graph/Steiner/SteinerSolver.h"
@@ -54,18 +55,17 @@ public:
         : charged(network.GetHalfCount()), mNetwork(network), mRoot(root)
     {}
 
-    void Raise(std::span<const NodeIndex> nodes, std::span<const ArcSlot> /*entering*/,
-               std::uint64_t price) override
+    void Raise(const RaisedCut& cut) override
     {
-        const std::set<NodeIndex> set(nodes.begin(), nodes.end());
+        const std::set<NodeIndex> set(cut.nodes.begin(), cut.nodes.end());
         EXPECT_EQ(set.count(mRoot), 0U);
         EXPECT_TRUE(std::any_of(set.begin(), set.end(),
                                 [this](NodeIndex node) { return mNetwork.IsTerminal(node); }));
-        sum += price;
+        sum += cut.price;
         for (const NodeIndex node : set) {
             for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node)) {
                 if (set.count(arc.target) == 0)
-                    charged[arc.half.Reversed()] += price;
+                    charged[arc.half.Reversed()] += cut.price;
             }
         }
     }
@@ -126,12 +126,12 @@ Found DeriveTrees(const DijkstraSteinerSearch<1>& search, const Network& network
     std::vector<StrandIndex> strands;
     for (const EdgeIndex edge : search.GetNetwork().GetEdges())
         strands.push_back(network.GetStrand(search.GetNetwork().GetNetworkEdge(edge)));
-    Derivations<1> derivations(search);
+    LabelDerivations<1> derivations(search);
     DerivationGraph graph(network.GetStrands());
-    DerivationBuilder<1> builder(derivations, strands, budget);
-    EXPECT_EQ(builder.Build(graph), DerivationBuilder<1>::EOutcome::Complete);
+    DerivationBuilder builder(derivations, strands, budget);
+    EXPECT_EQ(builder.Build(graph), DerivationBuilder::EOutcome::Complete);
     Found found{search.GetBound(), graph.GetCount(builder.GetWhole()), {}};
-    DerivationWalk<1> walk(derivations, network.GetStrands(), strands);
+    DerivationWalk walk(derivations, network.GetStrands(), strands);
     for (std::uint64_t rank = 0; rank < std::min(found.count, kMost); ++rank) {
         std::vector<EdgeIndex> numbered;
         graph.AppendEdges(builder.GetWhole(), rank, numbered);
@@ -201,6 +201,9 @@ TEST_F(SteinerBlock, HasTheSameTreesHoweverMuchEffortFindsThem)
             return std::tuple(outcome ? outcome->weight : 0, family.GetCount(),
                               family.GetCount() > 500 ? decltype(trees){} : trees);
         };
+        const auto byTable = search([](BlockSearch& block, TreeFamily& family) {
+            return block.SearchByTable(family, tuning::kTableSteps);
+        });
         const auto withMoreEffort = search([](BlockSearch& block, TreeFamily& family) {
             return block.SearchWithMoreEffort(family);
         });
@@ -208,6 +211,7 @@ TEST_F(SteinerBlock, HasTheSameTreesHoweverMuchEffortFindsThem)
             return std::optional(block.Search(family));
         });
         EXPECT_TRUE(withMoreEffort == last);
+        EXPECT_TRUE(byTable == last);
     }
 }
 

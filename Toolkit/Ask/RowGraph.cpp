@@ -1,0 +1,172 @@
+#include "Toolkit/Ask/RowGraph.h"
+
+#include "Source/Rules/Cardinality.h"
+
+#include <algorithm>
+
+namespace qe::tool {
+
+namespace {
+
+constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+bool IsManyAt(const TableJoin& join, std::size_t end)
+{
+    return IsToMany(join.CardinalityAt(end));
+}
+
+} // namespace
+
+RowGraph::RowGraph(const PathTables& path) : mPath(path), mEntities(path.GetCount(), kNone)
+{
+    FindEntities();
+    FindUpSteps();
+}
+
+void RowGraph::FindEntities()
+{
+    for (std::size_t table = 0; table < mPath.GetCount(); ++table) {
+        if (mEntities[table] != kNone)
+            continue;
+        mEntities[table] = mMembers.size();
+        Tables members{table};
+        for (std::size_t next = 0; next < members.size(); ++next) {
+            for (const TableJoin& join : mPath.GetJoins()) {
+                const bool touches = join.left == members[next] || join.right == members[next];
+                if (!touches || IsManyAt(join, join.left) || IsManyAt(join, join.right))
+                    continue;
+                const std::size_t other = join.OtherEnd(members[next]);
+                if (mEntities[other] == kNone) {
+                    mEntities[other] = mMembers.size();
+                    members.push_back(other);
+                }
+            }
+        }
+        std::sort(members.begin(), members.end());
+        mMembers.push_back(std::move(members));
+    }
+}
+
+void RowGraph::FindUpSteps()
+{
+    mUpSteps.resize(mMembers.size());
+    for (const TableJoin& join : mPath.GetJoins()) {
+        const bool leftIsMany = IsManyAt(join, join.left);
+        if (leftIsMany == IsManyAt(join, join.right))
+            continue;
+        const std::size_t upper = mEntities[leftIsMany ? join.left : join.right];
+        const std::size_t lower = mEntities[leftIsMany ? join.right : join.left];
+        std::vector<UpStep>& steps = mUpSteps[lower];
+        const bool isKnown = std::any_of(steps.begin(), steps.end(), [upper](const UpStep& step) {
+            return step.upper == upper;
+        });
+        if (upper != lower && !isKnown)
+            steps.push_back({upper, &join});
+    }
+}
+
+bool RowGraph::IsAsked(std::size_t entity) const
+{
+    return mPath.IsAsked(mMembers[entity].front());
+}
+
+std::set<std::size_t> RowGraph::FindTops(std::size_t entity) const
+{
+    std::set<std::size_t> tops;
+    std::set<std::size_t> seen{entity};
+    for (std::vector<std::size_t> open{entity}; !open.empty();) {
+        const std::size_t current = open.back();
+        open.pop_back();
+        if (IsTop(current))
+            tops.insert(current);
+        for (const UpStep& step : mUpSteps[current]) {
+            if (seen.insert(step.upper).second)
+                open.push_back(step.upper);
+        }
+    }
+    return tops;
+}
+
+std::set<std::size_t> RowGraph::FindSide(std::size_t entity, std::size_t barrier) const
+{
+    std::set<std::size_t> side{entity};
+    for (bool isGrowing = true; isGrowing;) {
+        isGrowing = false;
+        for (const TableJoin& join : mPath.GetJoins()) {
+            const std::size_t left = mEntities[join.left];
+            const std::size_t right = mEntities[join.right];
+            if (left == barrier || right == barrier || side.count(left) == side.count(right))
+                continue;
+            side.insert({left, right});
+            isGrowing = true;
+        }
+    }
+    return side;
+}
+
+std::vector<std::set<std::size_t>> RowGraph::FindParts() const
+{
+    std::vector<std::set<std::size_t>> parts;
+    std::set<std::size_t> seen;
+    for (std::size_t entity = 0; entity < mMembers.size(); ++entity) {
+        if (seen.count(entity) != 0)
+            continue;
+        parts.push_back(FindSide(entity, kNone));
+        seen.insert(parts.back().begin(), parts.back().end());
+    }
+    return parts;
+}
+
+bool RowGraph::IsRepeated(std::size_t table) const
+{
+    // What to-one joins lead to, a row of the table has one of.
+    std::vector<bool> isSingle(mPath.GetCount(), false);
+    isSingle[table] = true;
+    std::size_t count = 1;
+    for (bool isGrowing = true; isGrowing;) {
+        isGrowing = false;
+        for (const TableJoin& join : mPath.GetJoins()) {
+            if (isSingle[join.left] == isSingle[join.right])
+                continue;
+            const std::size_t to = isSingle[join.left] ? join.right : join.left;
+            if (IsManyAt(join, to))
+                continue;
+            isSingle[to] = true;
+            isGrowing = true;
+            ++count;
+        }
+    }
+    return count < mPath.GetCount();
+}
+
+RowGraph::Joins RowGraph::FindRepeating(std::size_t table) const
+{
+    std::vector<bool> isIn(mPath.GetCount(), false);
+    isIn[table] = true;
+    std::set<const TableJoin*> repeating;
+    for (bool isGrowing = true; isGrowing;) {
+        isGrowing = false;
+        for (const TableJoin& join : mPath.GetJoins()) {
+            if (isIn[join.left] == isIn[join.right])
+                continue;
+            const std::size_t to = isIn[join.left] ? join.right : join.left;
+            if (IsManyAt(join, to))
+                repeating.insert(&join);
+            isIn[to] = true;
+            isGrowing = true;
+        }
+    }
+    return {repeating.begin(), repeating.end()};
+}
+
+RowGraph::Joins RowGraph::FindManyToMany() const
+{
+    Joins joins;
+    for (const TableJoin& join : mPath.GetJoins()) {
+        if (IsManyAt(join, join.left) && IsManyAt(join, join.right))
+            joins.push_back(&join);
+    }
+    return joins;
+}
+
+} // namespace qe::tool

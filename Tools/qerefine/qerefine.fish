@@ -1,0 +1,2 @@
+# fish completion for qerefine
+qerefine completion fish | source

@@ -1,0 +1,3 @@
+#compdef qerefine
+source <(qerefine completion zsh)
+_qerefine "$@"
