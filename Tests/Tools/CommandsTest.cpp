@@ -151,6 +151,8 @@ TEST_F(CommandsTest, WrongUseIsToldWithTheNearestRightName)
     const Case cases[] = {
         {{"pth", "@", "orders"}, "unknown command \"pth\" (did you mean path?)"},
         {{"import", "sqlit", "@"}, "unknown command \"sqlit\" (did you mean sqlite?)"},
+        {{"import", "-o", "m.json", "sql", "@"}, "sql excludes --output"},
+        {{"import", "@", "--form", "mysql"}, "unknown option \"--form\" (did you mean --from?)"},
         {{"path", "@", "orders", "--favor", "x"},
          "unknown option \"--favor\" (did you mean --favour?)"},
         {{"path", "@", "orders", "--favor=x"}, "(did you mean --favour?)"},
@@ -201,7 +203,9 @@ TEST_F(CommandsTest, WordsAreCompletedFromOptionsAndModel)
     };
     const Case cases[] = {
         {{"be"}, "best\nbetween\n"},
-        {{"import", ""}, "sql\nsqlite\n"},
+        {{"import", ""}, "sql\nsqlite\n:files\n"},
+        {{"import", "@", ""}, ":files\n"},
+        {{"import", "sql", "--from", "p"}, "postgresql\n"},
         {{"path", ""}, ":files\n"},
         {{"path", "@", "OR"}, "orders\n"},
         {{"path", "@", "orders", "--favour", "orders"},

@@ -1,21 +1,26 @@
 #include "Tools/qerefine/Command.h"
 
 #include "Engine/Model/Model.h"
+#include "Engine/Model/Names.h"
 #include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Model/ModelFile.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Tools/qerefine/CommandOptions.h"
 #include "Tools/qerefine/DelayedProgress.h"
 
+#include <filesystem>
 #include <optional>
 #include <ostream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace qe::tool {
 
 namespace {
 
+constexpr const char* kSqliteKind = "sqlite";
+constexpr const char* kSqlKind = "sql";
 constexpr const char* kExample = "qerefine import sqlite shop.db --roles -o shop.json";
 
 struct Options
@@ -86,11 +91,23 @@ ToolModel RunSql(const Options& options, const CommandContext& context)
     });
 }
 
+/// Throws a UsageError where the first word is no file and like a kind, but for a letter.
+void RejectMistypedKind(const std::string& word)
+{
+    std::error_code error;
+    if (word.find_first_of("./") != std::string::npos || std::filesystem::exists(word, error))
+        return;
+    const std::vector<std::string> nearest = model::NearestNames(word, {kSqliteKind, kSqlKind});
+    if (!nearest.empty())
+        throw UsageError(InputError({{"", "unknown command \"" + word + '"', nearest}}));
+}
+
 /// Imports whatever the file holds; several files are DDL.
 ToolModel RunAny(const Options& options, const CommandContext& context)
 {
     if (options.files.empty())
         throw CLI::RequiredError("FILE");
+    RejectMistypedKind(options.files.front());
     if (options.dialect || options.files.size() != 1)
         return RunSql(options, context);
     return RunImport(options, context, [&options](const ImportOptions& importOptions) {
@@ -118,7 +135,7 @@ EExitCode Report(const Options& options, const ToolModel& imported, const Comman
 void AddSqliteImport(const CommandLine& line)
 {
     AddCommand(line, Command<Options, ToolModel>{
-                         .help = {.name = "sqlite",
+                         .help = {.name = kSqliteKind,
                                   .summary = "Reads an SQLite database, which stays as it is.",
                                   .example = kExample},
                          .addOptions = AddSqliteOptions,
@@ -129,7 +146,7 @@ void AddSqliteImport(const CommandLine& line)
 void AddSqlImport(const CommandLine& line)
 {
     AddCommand(line, Command<Options, ToolModel>{
-                         .help = {.name = "sql",
+                         .help = {.name = kSqlKind,
                                   .summary = "Reads files of DDL, one after the other as one "
                                              "script.",
                                   .example = "qerefine import sql tables.sql keys.sql > shop.json"},
