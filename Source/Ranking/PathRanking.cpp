@@ -15,7 +15,7 @@
 namespace qe {
 namespace {
 
-constexpr int kLevel = 5;
+constexpr int kRankingLevel = 5;
 constexpr int kMaxLoggedPaths = 30;
 
 std::string InParentheses(std::int64_t number)
@@ -28,10 +28,10 @@ std::string InParentheses(std::int64_t number)
 RankingLog::RankingLog(const JoinInfoReader& joinInfos)
     : mJoinInfos(joinInfos),
       mFile(QERes::getString(host::kComponentNameText)),
-      mIsOn(mFile.GetLogLevel() >= kLevel)
+      mIsOn(mFile.GetLogLevel() >= kRankingLevel)
 {
     if (mIsOn)
-        mFile.Log(kLevel, "AQE_Refiner::RankPaths -> START LOGGING COMPUTED JOIN PATHS\n");
+        mFile.Log(kRankingLevel, "AQE_Refiner::RankPaths -> START LOGGING COMPUTED JOIN PATHS\n");
 }
 
 void RankingLog::LogRankedPath(std::span<const amd_id> path, const PathMeasure& measure,
@@ -50,16 +50,17 @@ void RankingLog::LogRankedPath(std::span<const amd_id> path, const PathMeasure& 
         text.append(criterion.logText)
             .append(" " + InParentheses(criterion.getKey(measure)) + ", ");
     text += "ranking using computed weight " + InParentheses(ranking) + "\n";
-    mFile.Log(kLevel, I18NString(text));
+    mFile.Log(kRankingLevel, I18NString(text));
 }
 
 void RankingLog::LogEnd(std::size_t pathCount)
 {
     if (!mIsOn)
         return;
-    mFile.Log(kLevel, I18NString("AQE_Refiner::RankPaths -> Logged " + InParentheses(mLoggedCount) +
-                                 " paths out of " +
-                                 InParentheses(static_cast<std::int64_t>(pathCount)) + " paths\n"));
+    mFile.Log(kRankingLevel,
+              I18NString("AQE_Refiner::RankPaths -> Logged " + InParentheses(mLoggedCount) +
+                         " paths out of " + InParentheses(static_cast<std::int64_t>(pathCount)) +
+                         " paths\n"));
 }
 
 namespace {

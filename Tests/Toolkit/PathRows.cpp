@@ -139,6 +139,15 @@ std::vector<std::optional<std::size_t>> PathRows::DrawTargets(const Reference& r
     return targets;
 }
 
+std::size_t PathRows::DrawGroup(const Reference& reference, std::size_t group, std::size_t groups)
+{
+    if (group % 2 == 0)
+        return group;
+    if (!IsRequired(*reference.join, reference.to))
+        return groups;
+    return IsRequired(*reference.join, reference.from) ? group : group - 1;
+}
+
 SqliteDatabase PathRows::Make(std::mt19937& random) const
 {
     std::vector<Values> tables(mSources.size());
@@ -156,18 +165,20 @@ SqliteDatabase PathRows::Make(std::mt19937& random) const
                                           : DrawTargets(reference, from, to, random);
         // Many-to-many: two rows of each meet each other, and some perhaps none.
         const std::size_t groups = std::max<std::size_t>(2, to / 2);
+        // In an order of its own for each join, or the same rows would go without at all of them.
+        std::vector<std::size_t> places(to);
+        std::iota(places.begin(), places.end(), std::size_t{0});
+        if (isManyToMany)
+            std::shuffle(places.begin(), places.end(), random);
         for (const auto& [fromColumn, toColumn] : reference.columns) {
             auto& keys = tables[reference.to][toColumn];
             keys.clear();
-            for (std::size_t row = 0; row < to; ++row)
-                keys.emplace_back(isManyToMany ? row % groups : row);
+            for (const std::size_t place : places)
+                keys.emplace_back(isManyToMany ? place % groups : place);
             auto& values = tables[reference.from][fromColumn];
             for (std::size_t row = 0; row < from; ++row) {
                 if (isManyToMany)
-                    values.emplace_back(row % groups % 2 == 1 &&
-                                                !IsRequired(*reference.join, reference.to)
-                                            ? groups
-                                            : row % groups);
+                    values.emplace_back(DrawGroup(reference, row % groups, groups));
                 else
                     values.push_back(targets[row] ? std::optional<long>(*targets[row])
                                                   : std::nullopt);

@@ -53,6 +53,10 @@ private:
     [[nodiscard]] bool HasConflicts() const;
     [[nodiscard]] static std::vector<std::optional<std::size_t>>
     DrawTargets(const Reference& reference, std::size_t from, std::size_t to, std::mt19937& random);
+    /// Returns what a row of group `group` refers to: where rows may be missing, every second group
+    /// meets none, at either end.
+    [[nodiscard]] static std::size_t DrawGroup(const Reference& reference, std::size_t group,
+                                               std::size_t groups);
 
     const tool::PathTables& mPath;
     std::vector<std::string> mSources;

@@ -8,17 +8,15 @@
 #include <cstdio>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <vector>
 
 namespace qe::tool {
 
-namespace {
-
 using Json = nlohmann::ordered_json;
-using Ids = std::vector<amd_id>;
 
-Json ToJson(const Ids& ids)
+Json IdsToJson(std::span<const amd_id> ids)
 {
     Json list = Json::array();
     for (const amd_id& id : ids)
@@ -26,13 +24,17 @@ Json ToJson(const Ids& ids)
     return list;
 }
 
-Json NamesToJson(const Answer& answer, const Ids& subjects)
+Json NamesToJson(const Answer& answer, std::span<const amd_id> subjects)
 {
     Json list = Json::array();
     for (const amd_id& subject : subjects)
         list.push_back(answer.NameOf(subject));
     return list;
 }
+
+namespace {
+
+using Ids = std::vector<amd_id>;
 
 template <typename T>
 Json OrNull(const std::optional<T>& value)
@@ -55,7 +57,7 @@ Json ToJson(const Answer& answer, const AnswerJoin& join)
 
 Json ToJson(const Alternative& alternative)
 {
-    Json json{{"joins", ToJson(alternative.joins)}};
+    Json json{{"joins", IdsToJson(alternative.joins)}};
     for (const RankingCriterion& criterion : GetRankingCriteria()) {
         for (const PathFigure& figure : criterion.figures)
             json[std::string(figure.key)] = OrNull(figure.get(alternative));
@@ -134,7 +136,7 @@ Json EndPairsToJson(const Answer& answer)
 {
     Json pairs = Json::array();
     for (const auto& pair : answer.endPairs)
-        pairs.push_back(NamesToJson(answer, {pair.first, pair.second}));
+        pairs.push_back(NamesToJson(answer, std::array{pair.first, pair.second}));
     return pairs;
 }
 
@@ -162,7 +164,7 @@ Json ToJson(const Question& question, const Answer& answer, const Risks& risks,
             {"settings", SettingsToJson(question)},
             {"connected", answer.connected},
             {"weight", OrNull(answer.weight)},
-            {"path", ToJson(answer.path)},
+            {"path", IdsToJson(answer.path)},
             {"criterion", answer.criterion.empty() ? Json() : Json(answer.criterion)},
             {"chosen", OrNull(answer.chosen)},
             {"mainObject",

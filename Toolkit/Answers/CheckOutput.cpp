@@ -1,5 +1,6 @@
 #include "Toolkit/Answers/CheckOutput.h"
 
+#include "Toolkit/Answers/AnswerJson.h"
 #include "Toolkit/Check/CheckReport.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputFile.h"
@@ -22,14 +23,6 @@ using Json = nlohmann::ordered_json;
 /// The version of the form that Documentation/answer.schema.json describes.
 constexpr int kCheckVersion = 1;
 
-Json ToJson(const std::vector<amd_id>& ids)
-{
-    Json list = Json::array();
-    for (const amd_id& id : ids)
-        list.push_back(ToText(id));
-    return list;
-}
-
 std::string_view PlaceOf(const Acceptance& acceptance)
 {
     return acceptance.place == Acceptance::EPlace::Model ? "model" : "baseline";
@@ -40,11 +33,11 @@ Json ToJson(const RuleReport& rule, const Finding& finding)
     Json json{{"id", finding.id},
               {"code", rule.code},
               {"severity", ToText(rule.severity)},
-              {"place", {{"name", finding.placeText}, {"ids", ToJson(finding.place)}}},
+              {"place", {{"name", finding.placeText}, {"ids", IdsToJson(finding.place)}}},
               {"text", finding.text},
               {"advice", finding.advice}};
     for (const CheckedPath& path : finding.paths) {
-        Json described{{"text", path.text}, {"joins", ToJson(path.joins)}};
+        Json described{{"text", path.text}, {"joins", IdsToJson(path.joins)}};
         if (path.decidingJoin != amd_id())
             described["decidingJoin"] = ToText(path.decidingJoin);
         json["paths"].push_back(std::move(described));

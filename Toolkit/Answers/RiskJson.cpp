@@ -1,5 +1,6 @@
 #include "Toolkit/Answers/RiskJson.h"
 
+#include "Toolkit/Answers/AnswerJson.h"
 #include "Toolkit/Answers/RiskText.h"
 
 #include <string>
@@ -11,22 +12,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 using Ids = std::vector<amd_id>;
-
-Json NamesToJson(const Answer& answer, const Ids& subjects)
-{
-    Json list = Json::array();
-    for (const amd_id& subject : subjects)
-        list.push_back(answer.NameOf(subject));
-    return list;
-}
-
-Json IdsToJson(const Ids& ids)
-{
-    Json list = Json::array();
-    for (const amd_id& id : ids)
-        list.push_back(ToText(id));
-    return list;
-}
 
 /// Adds the words behind the members that are there.
 Json WithWords(Json json, const RiskRemark& remark)
