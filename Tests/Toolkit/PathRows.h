@@ -2,7 +2,7 @@
 #define TESTS_TOOLKIT_PATHROWS_H
 
 #include "Toolkit/Ask/JoinPlan.h"
-#include "Toolkit/Import/SqliteDatabase.h"
+#include "Toolkit/Import/Sqlite/SqliteDatabase.h"
 #include "Toolkit/Model/ToolModel.h"
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 #ifndef TESTS_TOOLKIT_SQLROWS_H
 #define TESTS_TOOLKIT_SQLROWS_H
 
-#include "Toolkit/Import/SqliteDatabase.h"
+#include "Toolkit/Import/Sqlite/SqliteDatabase.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>

@@ -64,7 +64,10 @@ TEST_F(CommandsTest, ExitCodesShowHowItEnded)
         {{"shortcuts", "@", "--roles", "shortcuts"}, EExitCode::Done},
         {{"import", "sql", "@", "@.missing"}, EExitCode::CannotReadOrWrite},
         {{"import", "sqlite", "@"}, EExitCode::CannotReadOrWrite},
-        {{"import", "@"}, EExitCode::WrongUsage},
+        {{"import", "@"}, EExitCode::Done},
+        {{"import", "@", "--from", "sqlite"}, EExitCode::Done},
+        {{"import"}, EExitCode::WrongUsage},
+        {{"import", "sql", "@", "--from", "db2"}, EExitCode::WrongUsage},
         {{"--help"}, EExitCode::Done},
         {{"--version"}, EExitCode::Done},
         {{"path", "@", "orders", "budget"}, EExitCode::NegativeResult},
@@ -107,6 +110,8 @@ TEST_F(CommandsTest, ImportWritesTheModelThatAnswersLikeItsSource)
 {
     const ToolRun imported = RunWith({"import", "sql", "@", "--roles"});
     EXPECT_EQ(imported.code, EExitCode::Done) << imported.error;
+    EXPECT_THAT(imported.error, testing::ContainsRegex(": [0-9]+ tables, [0-9]+ joins\n$"));
+    EXPECT_EQ(RunWith({"import", "@", "--roles"}).output, imported.output);
     const std::string file = mFolder.Write("model.json", imported.output);
     const ToolRun asked = RunWith({"path", file, "customer (ship_to)", "region"});
     const ToolRun dotted = RunWith({"path", file, "[shop.visit]", "shop", "--format", "sql"});
@@ -146,6 +151,8 @@ TEST_F(CommandsTest, WrongUseIsToldWithTheNearestRightName)
     const Case cases[] = {
         {{"pth", "@", "orders"}, "unknown command \"pth\" (did you mean path?)"},
         {{"import", "sqlit", "@"}, "unknown command \"sqlit\" (did you mean sqlite?)"},
+        {{"import", "-o", "m.json", "sql", "@"}, "sql excludes --output"},
+        {{"import", "@", "--form", "mysql"}, "unknown option \"--form\" (did you mean --from?)"},
         {{"path", "@", "orders", "--favor", "x"},
          "unknown option \"--favor\" (did you mean --favour?)"},
         {{"path", "@", "orders", "--favor=x"}, "(did you mean --favour?)"},
@@ -196,7 +203,9 @@ TEST_F(CommandsTest, WordsAreCompletedFromOptionsAndModel)
     };
     const Case cases[] = {
         {{"be"}, "best\nbetween\n"},
-        {{"import", ""}, "sql\nsqlite\n"},
+        {{"import", ""}, "sql\nsqlite\n:files\n"},
+        {{"import", "@", ""}, ":files\n"},
+        {{"import", "sql", "--from", "p"}, "postgresql\n"},
         {{"path", ""}, ":files\n"},
         {{"path", "@", "OR"}, "orders\n"},
         {{"path", "@", "orders", "--favour", "orders"},

@@ -1,7 +1,8 @@
 #include "Toolkit/Import/OpenModel.h"
 
-#include "Toolkit/Import/SqlScript.h"
-#include "Toolkit/Import/SqliteSchema.h"
+#include "Toolkit/Import/Ddl/ScriptText.h"
+#include "Toolkit/Import/SqlScripts.h"
+#include "Toolkit/Import/Sqlite/SqliteSchema.h"
 #include "Toolkit/Model/ModelFile.h"
 #include "Toolkit/Text/InputFile.h"
 
@@ -11,6 +12,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace qe::tool {
 
@@ -44,16 +46,10 @@ bool StartsModelFile(std::string_view start)
     return first != std::string_view::npos && (start[first] == '{' || start[first] == '[');
 }
 
-/// SQL is what holds anything but zero bytes.
-bool IsSql(std::string_view start)
-{
-    return start.find('\0') == std::string_view::npos;
-}
-
 /// SQLite takes an empty file for an empty database.
 bool IsText(std::string_view start)
 {
-    return !start.empty() && IsSql(start);
+    return !start.empty() && IsScriptStart(start);
 }
 
 ToolModel OpenModelFile(const std::filesystem::path& path, const ImportOptions&)
@@ -69,19 +65,20 @@ ToolModel OpenSql(const std::filesystem::path& path, const ImportOptions& option
 /// The first that matches is taken.
 constexpr std::array kFormats{ModelFormat{.matches = IsSqlite, .open = ImportSqlite},
                               ModelFormat{.matches = StartsModelFile, .open = OpenModelFile},
-                              ModelFormat{.matches = IsSql, .open = OpenSql}};
+                              ModelFormat{.matches = IsScriptStart, .open = OpenSql}};
 
 /// A pipe can only be read once, so that all of it is read before it is known what it is.
 ToolModel OpenPipe(const std::filesystem::path& path, const ImportOptions& options)
 {
-    const std::string text = ReadInputFile(path);
+    std::string text = ReadInputFile(path);
     if (text.empty())
         throw InputError({{path.string(), "is empty"}});
     if (StartsModelFile(text))
         return ReadModelText(text, path.string());
     if (IsSqlite(text))
         throw InputError({{path.string(), "an SQLite database cannot be read from a pipe"}});
-    return MakeModel(ReadSqlTexts({{path, text}}, options.observer), options);
+    const std::array scripts{MakeScriptText(path, std::move(text))};
+    return MakeModel(ReadSqlTexts(scripts, std::nullopt, options.observer), options);
 }
 
 /// Throws an InputError when the file is clearly of another kind than a command takes it for.
@@ -127,13 +124,14 @@ ToolModel ImportSqlite(const std::filesystem::path& path, const ImportOptions& o
     return MakeModel(ReadSqliteFile(path, options.observer), options);
 }
 
-ToolModel ImportSql(const std::vector<std::filesystem::path>& paths, const ImportOptions& options)
+ToolModel ImportSql(const std::vector<std::filesystem::path>& paths, const ImportOptions& options,
+                    std::optional<EDialect> dialect)
 {
     for (const std::filesystem::path& path : paths) {
         RejectFormat(path, StartsModelFile, "is a model file already, not SQL");
         RejectFormat(path, IsSqlite, "is an SQLite database, not SQL: take \"import sqlite\"");
     }
-    return MakeModel(ReadSqlScripts(paths, options.observer), options);
+    return MakeModel(ReadSqlScripts(paths, dialect, options.observer), options);
 }
 
 } // namespace qe::tool

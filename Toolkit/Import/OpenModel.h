@@ -1,10 +1,12 @@
 #ifndef TOOLKIT_IMPORT_OPENMODEL_H
 #define TOOLKIT_IMPORT_OPENMODEL_H
 
-#include "Toolkit/Import/SchemaModel.h"
+#include "Toolkit/Import/Ddl/Dialect.h"
+#include "Toolkit/Import/Schema/SchemaModel.h"
 #include "Toolkit/Model/ToolModel.h"
 
 #include <filesystem>
+#include <optional>
 #include <vector>
 
 namespace qe::tool {
@@ -25,11 +27,12 @@ namespace qe::tool {
 [[nodiscard]] ToolModel ImportSqlite(const std::filesystem::path& path,
                                      const ImportOptions& options);
 
-/// Returns the model of the database that the statements of the files, run one file after the other
-/// in an empty database in memory, create. It is called after the first file. Throws an InputError
-/// with file, line and column when a statement is wrong.
+/// Returns the model of what the statements of the files declare, read one file after the other as
+/// one script of the dialect; without a dialect, it is recognised. It is called after the first
+/// file. Throws an InputError when a file cannot be read or when nothing in the files can.
 [[nodiscard]] ToolModel ImportSql(const std::vector<std::filesystem::path>& paths,
-                                  const ImportOptions& options);
+                                  const ImportOptions& options,
+                                  std::optional<EDialect> dialect = std::nullopt);
 
 } // namespace qe::tool
 

@@ -391,6 +391,7 @@ std::size_t ContentReader::Add(JsonObject& json, std::int32_t classCode, std::si
     object.name = json.GetText(keys::kName, EPresence::Required);
     object.options.id = ReadId(json.Find(keys::kId), classCode, *mProblems);
     object.options.displayName = json.GetText(keys::kDisplayName);
+    object.description = json.GetText(keys::kDescription);
     object.options.locale = json.GetText(keys::kLocale);
     if (object.options.id != amd_id())
         RecordId(object);

@@ -33,6 +33,7 @@ struct ContentObject
     /// The position of its parent, which comes before it.
     std::size_t parent = kNoParent;
     std::string name{};
+    std::string description{};
     model::ObjectOptions options{};
     model::Reference target{};
     std::int32_t kind = 0;

@@ -120,6 +120,9 @@ ordered_json ContentWriter::WriteObject(const Record& record)
         json[keys::kId] = std::move(id);
     if (record.displayName != record.name)
         json[keys::kDisplayName] = record.displayName;
+    const auto description = mTool->descriptions.find(record.id);
+    if (description != mTool->descriptions.end())
+        json[keys::kDescription] = description->second;
     if (!record.locale.empty())
         json[keys::kLocale] = record.locale;
 

@@ -100,6 +100,7 @@ std::shared_ptr<const model::Model> ModelAssembler::Build()
     ModelBuilder builder(mContent->locale);
     for (const ContentObject& object : mContent->objects)
         builder.Reserve(object.options.id);
+    mDescriptions.clear();
     std::vector<amd_id> ids;
     for (std::size_t i = 0; i < mContent->objects.size(); ++i) {
         const ContentObject& object = mContent->objects[i];
@@ -113,6 +114,8 @@ std::shared_ptr<const model::Model> ModelAssembler::Build()
         options.tag = static_cast<std::int64_t>(i);
         ids.back() = AddTo(builder, object,
                            hasParent ? model::Reference(ids[object.parent]) : model::kTop, options);
+        if (!object.description.empty())
+            mDescriptions[ids.back()] = object.description;
     }
     return builder.Build();
 }

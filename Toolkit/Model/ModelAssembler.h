@@ -3,8 +3,10 @@
 
 #include "Toolkit/Model/ContentReader.h"
 #include "Toolkit/Text/JsonProblems.h"
+#include "amd_id.h"
 
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -28,6 +30,12 @@ public:
     /// when that does not lead to a model.
     [[nodiscard]] std::shared_ptr<const model::Model> Assemble();
 
+    /// Returns what the file says about the objects of the model.
+    [[nodiscard]] const std::map<amd_id, std::string>& GetDescriptions() const
+    {
+        return mDescriptions;
+    }
+
     /// Returns the names of the objects that were left out.
     [[nodiscard]] const std::set<std::string>& GetDoubtfulNames() const { return mDoubtfulNames; }
 
@@ -39,6 +47,7 @@ private:
     const ModelContent* mContent;
     JsonProblems* mProblems;
     std::vector<bool> mLeftOut;
+    std::map<amd_id, std::string> mDescriptions;
     std::set<std::string> mDoubtfulNames;
 };
 

@@ -39,6 +39,7 @@ ToolModel ReadModelText(std::string_view text, const std::string& fileName)
     result.userClasses = std::move(content.userClasses);
     result.histories = std::move(content.histories);
     result.governors = content.governors;
+    result.descriptions = assembler.GetDescriptions();
     result.acceptedFindings = std::move(content.acceptedFindings);
     return result;
 }

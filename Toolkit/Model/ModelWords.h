@@ -40,6 +40,7 @@ inline constexpr const char* kName = "name";
 inline constexpr const char* kId = "id";
 inline constexpr const char* kClass = "class";
 inline constexpr const char* kDisplayName = "displayName";
+inline constexpr const char* kDescription = "description";
 inline constexpr const char* kTable = "table";
 inline constexpr const char* kItems = "items";
 inline constexpr const char* kKeys = "keys";

@@ -3,7 +3,9 @@
 
 #include "AQE_Governors.h"
 #include "Toolkit/Model/Decision.h"
+#include "amd_id.h"
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,6 +25,8 @@ struct ToolModel
     /// The user classes that requests are made with.
     std::vector<std::string> userClasses{};
     AQE_Governors governors{};
+    /// What is said about objects that anything is said about.
+    std::map<amd_id, std::string> descriptions{};
     std::vector<Decision> decisions{};
     std::vector<AcceptedFinding> acceptedFindings{};
     /// Files of past queries, as the model names them: relative to where it lies.
@@ -31,6 +35,8 @@ struct ToolModel
     std::shared_ptr<const PathAdvisor> advisor{};
     /// What reading left out or had to guess, one sentence each.
     std::vector<std::string> notes{};
+    /// What it was read from, such as "PostgreSQL, 12 statements"; empty for nothing to tell.
+    std::string origin{};
 };
 
 } // namespace qe::tool

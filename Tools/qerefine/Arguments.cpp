@@ -28,6 +28,14 @@ bool IsRolesValue(const std::string& argument)
     return !model::NearestNames(argument, {"plain", "shortcuts"}).empty();
 }
 
+/// Returns whether words that are neither commands nor options mean something to the command.
+bool TakesValues(const CLI::App& command)
+{
+    const std::vector<const CLI::Option*> options = command.get_options();
+    return std::any_of(options.begin(), options.end(),
+                       [](const CLI::Option* option) { return option->get_positional(); });
+}
+
 std::vector<std::string> ListOptions(const CLI::App& command)
 {
     std::vector<std::string> names;
@@ -124,7 +132,7 @@ std::optional<InputProblem> FindUnknownArgument(const CLI::App& app,
     const CommandStart start = ReadCommand(app, arguments);
     const CLI::App& command = *start.command;
     const std::vector<std::string> commands = ListCommands(command);
-    if (start.word && !commands.empty())
+    if (start.word && !commands.empty() && !TakesValues(command))
         return InputProblem{"", "unknown command \"" + *start.word + '"',
                             FindNearest(*start.word, commands)};
     for (const std::string& argument : arguments) {

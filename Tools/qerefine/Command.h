@@ -184,9 +184,10 @@ inline CLI::App& AddSubcommand(CLI::App& app, const CommandHelp& help)
     return subcommand;
 }
 
-/// Adds the command as a subcommand that runs and reports once its options are parsed.
+/// Adds the command as a subcommand that runs and reports once its options are parsed, unless one
+/// of its own subcommands does. Returns it.
 template <typename Options, typename Result>
-void AddCommand(const CommandLine& line, const Command<Options, Result>& command)
+CLI::App& AddCommand(const CommandLine& line, const Command<Options, Result>& command)
 {
     struct Parsed
     {
@@ -197,7 +198,9 @@ void AddCommand(const CommandLine& line, const Command<Options, Result>& command
     CLI::App& subcommand = AddSubcommand(line.app, command.help);
     command.addOptions(subcommand, parsed->options);
     AddOutput(subcommand, parsed->output);
-    subcommand.callback([line, command, parsed] {
+    subcommand.callback([line, command, parsed, &subcommand] {
+        if (!subcommand.get_subcommands().empty())
+            return;
         const Options& options = parsed->options;
         line.exitCode = Deliver(line.context, parsed->output, [&](const CommandContext& context) {
             const Result result =
@@ -206,6 +209,7 @@ void AddCommand(const CommandLine& line, const Command<Options, Result>& command
                             [&] { return command.report(options, result, context); });
         });
     });
+    return subcommand;
 }
 
 // One question to the refiner.

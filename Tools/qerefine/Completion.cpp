@@ -126,10 +126,12 @@ Completion ListWords(const Line& line, const std::string& current)
                 completion.words.push_back("--" + name);
         return completion;
     }
-    completion.words = ListCommands(line.GetCommand());
-    if (completion.words.empty())
-        return CompletePositional(line);
-    return line.GetValues().empty() ? completion : Completion();
+    completion = CompletePositional(line);
+    if (line.GetValues().empty()) {
+        const Words commands = ListCommands(line.GetCommand());
+        completion.words.insert(completion.words.end(), commands.begin(), commands.end());
+    }
+    return completion;
 }
 
 } // namespace

@@ -1,21 +1,33 @@
 #include "Tools/qerefine/Command.h"
 
+#include "Engine/Model/Model.h"
+#include "Engine/Model/Names.h"
 #include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Model/ModelFile.h"
+#include "Toolkit/Text/DisplayText.h"
 #include "Tools/qerefine/CommandOptions.h"
 #include "Tools/qerefine/DelayedProgress.h"
 
+#include <filesystem>
+#include <optional>
 #include <ostream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace qe::tool {
 
 namespace {
 
+constexpr const char* kSqliteKind = "sqlite";
+constexpr const char* kSqlKind = "sql";
+constexpr const char* kExample = "qerefine import sqlite shop.db --roles -o shop.json";
+
 struct Options
 {
     std::vector<std::string> files{};
+    /// Nothing where it is to be recognised.
+    std::optional<EDialect> dialect{};
     ImportOptions import{};
 };
 
@@ -24,6 +36,28 @@ void AddOptions(CLI::App& command, Options& options)
     AcceptStandardInput(
         *command.add_option("FILE", options.files, "What to read")->required()->type_name(""));
     AddRoles(command, options.import.roles);
+}
+
+Choices<std::optional<EDialect>> ListDialects()
+{
+    Choices<std::optional<EDialect>> dialects;
+    for (const std::string& word : ListDialectWords())
+        dialects.emplace_back(word, FindDialect(word));
+    return dialects;
+}
+
+void AddSqlOptions(CLI::App& command, Options& options)
+{
+    AddOptions(command, options);
+    AddChoice(command, "--from", options.dialect, ListDialects(),
+              "The dialect of the files; recognised without it");
+}
+
+/// The files may be those of a subcommand, which takes no options from here.
+void AddAnyOptions(CLI::App& command, Options& options)
+{
+    AddSqlOptions(command, options);
+    command.get_option("FILE")->required(false);
 }
 
 void AddSqliteOptions(CLI::App& command, Options& options)
@@ -52,43 +86,95 @@ ToolModel RunSqlite(const Options& options, const CommandContext& context)
 ToolModel RunSql(const Options& options, const CommandContext& context)
 {
     return RunImport(options, context, [&options](const ImportOptions& importOptions) {
-        return ImportSql({options.files.begin(), options.files.end()}, importOptions);
+        return ImportSql({options.files.begin(), options.files.end()}, importOptions,
+                         options.dialect);
     });
 }
 
-EExitCode Report(const Options& /*options*/, const ToolModel& imported,
-                 const CommandContext& context)
+/// Throws a UsageError where the first word is no file and like a kind, but for a letter.
+void RejectMistypedKind(const std::string& word)
+{
+    std::error_code error;
+    if (word.find_first_of("./") != std::string::npos || std::filesystem::exists(word, error))
+        return;
+    const std::vector<std::string> nearest = model::NearestNames(word, {kSqliteKind, kSqlKind});
+    if (!nearest.empty())
+        throw UsageError(InputError({{"", "unknown command \"" + word + '"', nearest}}));
+}
+
+/// Imports whatever the file holds; several files are DDL.
+ToolModel RunAny(const Options& options, const CommandContext& context)
+{
+    if (options.files.empty())
+        throw CLI::RequiredError("FILE");
+    RejectMistypedKind(options.files.front());
+    if (options.dialect || options.files.size() != 1)
+        return RunSql(options, context);
+    return RunImport(options, context, [&options](const ImportOptions& importOptions) {
+        return OpenModel(options.files.front(), importOptions);
+    });
+}
+
+void WriteSummary(const Options& options, const ToolModel& imported, const CommandContext& context)
+{
+    const std::string origin = imported.origin.empty() ? "" : "; read as " + imported.origin;
+    context.error << ToDisplayText(options.files.front()) << ": "
+                  << imported.model->GetSubjects().size() << " tables, "
+                  << imported.model->GetIds(IdClassRelationship).size() << " joins" << origin
+                  << '\n';
+}
+
+EExitCode Report(const Options& options, const ToolModel& imported, const CommandContext& context)
 {
     WriteNotes(imported, context);
     context.output << WriteModelText(imported);
+    WriteSummary(options, imported, context);
     return EExitCode::Done;
+}
+
+void AddSqliteImport(const CommandLine& line)
+{
+    AddCommand(line, Command<Options, ToolModel>{
+                         .help = {.name = kSqliteKind,
+                                  .summary = "Reads an SQLite database, which stays as it is.",
+                                  .example = kExample},
+                         .addOptions = AddSqliteOptions,
+                         .run = RunSqlite,
+                         .report = Report});
+}
+
+void AddSqlImport(const CommandLine& line)
+{
+    AddCommand(line, Command<Options, ToolModel>{
+                         .help = {.name = kSqlKind,
+                                  .summary = "Reads files of DDL, one after the other as one "
+                                             "script.",
+                                  .example = "qerefine import sql tables.sql keys.sql > shop.json"},
+                         .addOptions = AddSqlOptions,
+                         .run = RunSql,
+                         .report = Report});
 }
 
 } // namespace
 
 void AddImportCommand(const CommandLine& line)
 {
-    constexpr const char* kExample = "qerefine import sqlite shop.db --roles -o shop.json";
-    CLI::App& import =
-        AddSubcommand(line.app, {.name = "import",
-                                 .summary = "Makes a model file of a database or of its DDL.",
-                                 .example = kExample});
-    import.require_subcommand(1);
-    const CommandLine sources{.app = import, .context = line.context, .exitCode = line.exitCode};
-    const CommandHelp sqlite{.name = "sqlite",
-                             .summary = "Reads an SQLite database, which stays as it is.",
-                             .example = kExample};
-    AddCommand(sources, Command<Options, ToolModel>{.help = sqlite,
-                                                    .addOptions = AddSqliteOptions,
-                                                    .run = RunSqlite,
-                                                    .report = Report});
-    const CommandHelp sql{
-        .name = "sql",
-        .summary = "Reads files of DDL, run one after the other in an empty database in memory.",
-        .example = "qerefine import sql tables.sql keys.sql > shop.json"};
-    AddCommand(sources,
-               Command<Options, ToolModel>{
-                   .help = sql, .addOptions = AddOptions, .run = RunSql, .report = Report});
+    CLI::App& import = AddCommand(
+        line, Command<Options, ToolModel>{
+                  .help = {.name = "import",
+                           .summary = "Makes a model file of a database or of its DDL, whose kind "
+                                      "is recognised unless it is named.",
+                           .example = "qerefine import shop.db --roles -o shop.json"},
+                  .addOptions = AddAnyOptions,
+                  .run = RunAny,
+                  .report = Report});
+    import.require_subcommand(0, 1);
+    const CommandLine kinds{.app = import, .context = line.context, .exitCode = line.exitCode};
+    AddSqliteImport(kinds);
+    AddSqlImport(kinds);
+    for (CLI::App* const kind : import.get_subcommands([](const CLI::App*) { return true; }))
+        for (CLI::Option* const option : import.get_options())
+            kind->excludes(option);
 }
 
 } // namespace qe::tool

@@ -1,0 +1,151 @@
+#include "Toolkit/Import/Ddl/ScriptText.h"
+
+#include "Engine/Services/Characters.h"
+#include "Toolkit/Text/InputFile.h"
+
+#include <cstdint>
+#include <utility>
+
+namespace qe::tool {
+
+namespace {
+
+constexpr std::uintmax_t kMaximumScriptSize = std::uintmax_t{256} * 1024 * 1024;
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view kUtf16LittleMark = "\xFF\xFE";
+constexpr std::string_view kUtf16BigMark = "\xFE\xFF";
+constexpr char32_t kReplacement = 0xFFFD;
+
+void AppendUtf8(std::string& text, char32_t code)
+{
+    const auto add = [&text](char32_t byte) {
+        text += static_cast<char>(static_cast<unsigned char>(byte));
+    };
+    const auto addRest = [&](int shift) { add(0x80U | ((code >> shift) & 0x3FU)); };
+    if (code < 0x80) {
+        add(code);
+    } else if (code < 0x800) {
+        add(0xC0U | (code >> 6));
+        addRest(0);
+    } else if (code < 0x10000) {
+        add(0xE0U | (code >> 12));
+        addRest(6);
+        addRest(0);
+    } else {
+        add(0xF0U | (code >> 18));
+        addRest(12);
+        addRest(6);
+        addRest(0);
+    }
+}
+
+enum class EByteOrder
+{
+    Little,
+    Big,
+};
+
+char32_t ReadUtf16Unit(std::string_view bytes, std::size_t offset, EByteOrder order)
+{
+    const auto first = static_cast<unsigned char>(bytes[offset]);
+    const auto second = static_cast<unsigned char>(bytes[offset + 1]);
+    return order == EByteOrder::Little ? char32_t{first} | char32_t{second} << 8
+                                       : char32_t{second} | char32_t{first} << 8;
+}
+
+/// Returns UTF-16, without its mark, as UTF-8.
+std::string ConvertUtf16(std::string_view bytes, EByteOrder order)
+{
+    std::string text;
+    text.reserve(bytes.size());
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        const char32_t unit = ReadUtf16Unit(bytes, i, order);
+        const bool isSurrogate = unit >= 0xD800 && unit < 0xE000;
+        const char32_t next = unit >= 0xD800 && unit < 0xDC00 && i + 3 < bytes.size()
+                                  ? ReadUtf16Unit(bytes, i + 2, order)
+                                  : 0;
+        if (next >= 0xDC00 && next < 0xE000) {
+            AppendUtf8(text, 0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00));
+            i += 2;
+        } else {
+            AppendUtf8(text, isSurrogate ? kReplacement : unit);
+        }
+    }
+    return text;
+}
+
+std::string ToUtf8(std::string bytes)
+{
+    const std::string_view view = bytes;
+    if (view.starts_with(kUtf16LittleMark))
+        return ConvertUtf16(view.substr(kUtf16LittleMark.size()), EByteOrder::Little);
+    if (view.starts_with(kUtf16BigMark))
+        return ConvertUtf16(view.substr(kUtf16BigMark.size()), EByteOrder::Big);
+    if (view.starts_with(kUtf8Mark))
+        bytes.erase(0, kUtf8Mark.size());
+    return bytes;
+}
+
+std::size_t FindIllFormed(std::string_view text)
+{
+    std::size_t offset = 0;
+    while (offset < text.size()) {
+        const Utf8Piece piece = ReadUtf8(text.substr(offset));
+        if (!piece.isWellFormed)
+            return offset;
+        offset += piece.bytes;
+    }
+    return std::string_view::npos;
+}
+
+/// Makes letters of Latin-1 of the bytes that are no UTF-8.
+void RepairLetters(ScriptText& script)
+{
+    std::size_t offset = FindIllFormed(script.text);
+    if (offset == std::string::npos)
+        return;
+    script.notes.push_back("bytes that are no UTF-8 were read as Latin-1, the first one at " +
+                           DescribePlace(script, offset));
+    const std::string_view text = script.text;
+    std::string repaired(text.substr(0, offset));
+    while (offset < text.size()) {
+        const Utf8Piece piece = ReadUtf8(text.substr(offset));
+        if (piece.isWellFormed)
+            repaired += text.substr(offset, piece.bytes);
+        else
+            AppendUtf8(repaired, static_cast<unsigned char>(text[offset]));
+        offset += piece.isWellFormed ? piece.bytes : 1;
+    }
+    script.text = std::move(repaired);
+}
+
+} // namespace
+
+ScriptText MakeScriptText(const std::filesystem::path& path, std::string bytes)
+{
+    ScriptText script{.path = path, .text = ToUtf8(std::move(bytes))};
+    const std::size_t zero = script.text.find('\0');
+    if (zero != std::string::npos)
+        throw InputError({{DescribePlace(script, zero), "a zero byte stands here; not valid SQL"}});
+    RepairLetters(script);
+    return script;
+}
+
+ScriptText ReadScriptText(const std::filesystem::path& path)
+{
+    return MakeScriptText(path, ReadInputFile(path, kMaximumScriptSize));
+}
+
+bool IsScriptStart(std::string_view start)
+{
+    return start.starts_with(kUtf16LittleMark) || start.starts_with(kUtf16BigMark) ||
+           start.find('\0') == std::string_view::npos;
+}
+
+std::string DescribePlace(const ScriptText& script, std::size_t offset)
+{
+    const auto [line, column] = PositionCounter(script.text).MoveTo(offset);
+    return script.path.string() + ":" + std::to_string(line) + ":" + std::to_string(column);
+}
+
+} // namespace qe::tool

@@ -1,0 +1,36 @@
+#ifndef TOOLKIT_IMPORT_POSTGRESQL_POSTGRESPARSER_H
+#define TOOLKIT_IMPORT_POSTGRESQL_POSTGRESPARSER_H
+
+#include "Toolkit/Import/Ddl/StatementReader.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+
+namespace qe::tool {
+
+/// What PostgreSQL's parser says of a statement that it cannot read.
+class PostgresSyntaxError : public std::runtime_error
+{
+public:
+    /// Takes the number of the line, counted from the statement's own.
+    PostgresSyntaxError(const std::string& text, std::size_t line)
+        : std::runtime_error(text), mLine(line)
+    {}
+
+    [[nodiscard]] std::size_t GetLine() const noexcept { return mLine; }
+
+private:
+    std::size_t mLine;
+};
+
+/// Returns the tree that PostgreSQL's own parser makes of a statement: an object whose only key is
+/// the kind of the statement. Throws a PostgresSyntaxError when there is none, also when the
+/// statement is nested so deeply that the parser would run out of stack.
+[[nodiscard]] nlohmann::json ParsePostgres(const ScriptStatement& statement);
+
+} // namespace qe::tool
+
+#endif

@@ -1,0 +1,86 @@
+#ifndef TOOLKIT_IMPORT_SCHEMA_DATABASESCHEMA_H
+#define TOOLKIT_IMPORT_SCHEMA_DATABASESCHEMA_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace qe::tool {
+
+struct SchemaColumn
+{
+    std::string name{};
+    bool isNotNull = false;
+    /// What the database says about it; empty for nothing.
+    std::string description{};
+    /// What the model calls it; given by GiveTitles.
+    std::string title{};
+};
+
+/// A foreign key: the columns that refer, and the table and columns that they refer to.
+struct SchemaForeignKey
+{
+    std::string table{};
+    std::vector<std::string> from{};
+    /// Empty for the first key of the table.
+    std::vector<std::string> to{};
+    /// The schema of the table; empty for that of the table that refers, else for the only one that
+    /// has such a table.
+    std::string space{};
+    /// The position of the table; given by ResolveForeignKeys.
+    std::size_t target = 0;
+};
+
+/// A table or view.
+struct SchemaTable
+{
+    std::string name{};
+    /// The parts of its name in the database, the outermost first; empty where `name` is all.
+    std::vector<std::string> source{};
+    std::string description{};
+    std::vector<SchemaColumn> columns{};
+    /// The sets of columns that identify a row, the primary key first. What only holds for some of
+    /// the rows does not belong here.
+    std::vector<std::vector<std::string>> keys{};
+    /// In the order in which they are declared.
+    std::vector<SchemaForeignKey> foreignKeys{};
+    /// The schema that it lies in, where the database has several.
+    std::string space{};
+    /// What the model calls it; given by GiveTitles.
+    std::string title{};
+};
+
+/// What a database declares, whatever it is written in: each format has a reader that fills it.
+struct DatabaseSchema
+{
+    /// Empty when the database has none.
+    std::string name{};
+    /// In the order of their names.
+    std::vector<SchemaTable> tables{};
+    /// What had to be left out or renamed, one sentence each.
+    std::vector<std::string> notes{};
+    /// What it was read from, such as "PostgreSQL, 12 statements"; empty for nothing to tell.
+    std::string origin{};
+};
+
+/// Returns the column of that name, else one whose name differs only in the case of A to Z; null
+/// when there is none.
+[[nodiscard]] const SchemaColumn* FindColumn(const std::vector<SchemaColumn>& columns,
+                                             const std::string& name);
+
+/// Lets every foreign key name its columns and know its table, and spells names as the tables do;
+/// the case of A to Z does not count. Keys that name what does not exist, or repeat another, are
+/// left out and noted. Tables need titles.
+void ResolveForeignKeys(DatabaseSchema& schema);
+
+/// Returns whether a key of the table lies within the columns, so that no two rows agree in all of
+/// them. A part of a key does not do.
+[[nodiscard]] bool IsUnique(const SchemaTable& table, const std::vector<std::string>& columns);
+
+/// Returns the columns' titles in the order of the names, which are spelt as in the table.
+[[nodiscard]] std::vector<std::string> TitlesOf(const SchemaTable& table,
+                                                const std::vector<std::string>& columns);
+
+} // namespace qe::tool
+
+#endif
