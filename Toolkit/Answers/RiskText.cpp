@@ -186,6 +186,8 @@ std::string DescribeDecision(const Answer& answer)
         return "only their order decided, which is arbitrary";
     if (answer.criterion == decision::kKeys)
         return "the columns that they join decided";
+    if (answer.criterion == decision::kPositions)
+        return "the places of the columns that they join decided";
     if (answer.criterion == decision::kNone)
         return "nothing chooses among them";
     return std::string(answer.criterion) + " decided";
