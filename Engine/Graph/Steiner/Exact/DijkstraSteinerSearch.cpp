@@ -140,7 +140,7 @@ template <std::size_t Words>
 std::uint64_t DijkstraSteinerSearch<Words>::GetCompletionBound(NodeIndex node, SetIndex set,
                                                                std::uint64_t limit)
 {
-    const std::uint64_t* const setParts = &mSetParts[set.value * mCompletionBounds.size()];
+    const std::uint64_t* const setParts = mSetParts.data() + set.value * mCompletionBounds.size();
     std::uint64_t greatest = 0;
     for (std::uint32_t& next : mBoundOrder) {
         const std::uint64_t bound =
