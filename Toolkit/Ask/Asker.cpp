@@ -125,8 +125,11 @@ Answer QuestionRun::Run()
         RunOperation();
     } catch (const HBNException& exception) {
         mAnswer.error = ToAnswerError(exception);
-    } catch (const ORVThrowable& failure) {
-        mAnswer.error = AnswerError{.kind = AnswerError::EKind::Internal, .text = failure.what()};
+    } catch (const ORVThrowable&) {
+        // What it says is for those who build the refiner: conditions and places of its code.
+        mAnswer.error = AnswerError{.kind = AnswerError::EKind::Internal,
+                                    .text = "The refiner met what it takes to be impossible, and "
+                                            "gives no answer: please report model and question"};
     }
     mRecorder.RecordPreference();
     mRecorder.RecordSeparation(mQuestion.operation);
