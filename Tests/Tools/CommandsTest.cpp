@@ -192,6 +192,11 @@ TEST_F(CommandsTest, MessagesKeepInternalsToThemselves)
     EXPECT_EQ(run.error, "qerefine: The query subjects orders, budget cannot be joined, and cross "
                          "products are not allowed.\n");
     EXPECT_THAT(RunWith({"path", "@", "orders", "budget"}).output, Not(HasSubstr("User classes")));
+    const std::string example = QEREFINER_SOURCE_DIR "/Examples/retail/model.json";
+    const ToolRun broken =
+        RunWith({"path", example, "sales", "product", "--set", "General Options/NewAlgo=0"});
+    EXPECT_EQ(broken.code, EExitCode::InternalError);
+    EXPECT_THAT(broken.error, AllOf(HasSubstr("impossible"), Not(HasSubstr("ASSERT"))));
 }
 
 TEST_F(CommandsTest, WordsAreCompletedFromOptionsAndModel)
