@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   g++ clang libclang-rt-dev clang-format clang-tidy cmake ninja-build pkg-config binutils git
   libgtest-dev libgmock-dev libbenchmark-dev
-  libinih-dev nlohmann-json3-dev libcli11-dev libsqlite3-dev libpg-query-dev libutf8proc-dev
+  libinih-dev nlohmann-json3-dev libcli11-dev libsqlite3-dev libpg-query-dev libutf8proc-dev libyaml-cpp-dev
   libkainjow-mustache-dev
   sqlite3 graphviz python3-jsonschema
   "$@"

@@ -168,9 +168,9 @@ void PairwiseGrowth::AddDistances(const Ids& newNodes)
             if (weight < 0)
                 continue;
             AddDistance(entity, node, std::move(path), weight);
-            // One entry a node is enough: a second one would only yield distances equal to those
-            // of the first, which wait behind them and go with them. The log counts them once.
-            if (!Contains(reached, node))
+            // One entry a node is enough: a second one only yields distances equal to those of the
+            // first, which wait behind them and go with them. The log shows them all.
+            if (mLog.IsOn() || !Contains(reached, node))
                 reached.push_back(node);
         }
     }

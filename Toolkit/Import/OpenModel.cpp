@@ -4,15 +4,19 @@
 #include "Toolkit/Import/SqlScripts.h"
 #include "Toolkit/Import/Sqlite/SqliteSchema.h"
 #include "Toolkit/Model/ModelFile.h"
+#include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace qe::tool {
 
@@ -23,27 +27,17 @@ using namespace std::string_view_literals;
 /// How many bytes of a file its format is recognised by.
 constexpr std::size_t kStartSize = 4096;
 constexpr std::string_view kSqliteStart = "SQLite format 3\0"sv;
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-/// A format that models are read from.
-struct ModelFormat
-{
-    /// Returns whether a file that starts so is of the format.
-    bool (*matches)(std::string_view start);
-    ToolModel (*open)(const std::filesystem::path& path, const ImportOptions& options);
-};
+/// What the files of a folder are called that make a model.
+constexpr std::array kFolderEndings{".yml"sv, ".yaml"sv, ".tmdl"sv};
 
 bool IsSqlite(std::string_view start)
 {
     return start.substr(0, kSqliteStart.size()) == kSqliteStart;
 }
 
-bool StartsModelFile(std::string_view start)
+bool IsJson(std::string_view start)
 {
-    if (start.substr(0, kByteOrderMark.size()) == kByteOrderMark)
-        start.remove_prefix(kByteOrderMark.size());
-    const std::size_t first = start.find_first_not_of(" \t\r\n\v\f");
-    return first != std::string_view::npos && (start[first] == '{' || start[first] == '[');
+    return RecogniseSyntax(start) == ESyntax::Json;
 }
 
 /// SQLite takes an empty file for an empty database.
@@ -52,20 +46,71 @@ bool IsText(std::string_view start)
     return !start.empty() && IsScriptStart(start);
 }
 
-ToolModel OpenModelFile(const std::filesystem::path& path, const ImportOptions&)
+std::string ListFormatWords()
 {
-    return ReadModelFile(path);
+    std::vector<std::string> words;
+    for (const SourceFormat& format : ListSourceFormats())
+        words.emplace_back(format.word);
+    return JoinTexts(words);
 }
 
-ToolModel OpenSql(const std::filesystem::path& path, const ImportOptions& options)
+ToolModel MakeSourceModel(const SourceFormat& format, std::span<SourceDocument> documents,
+                          const std::filesystem::path& path, const ImportOptions& options)
 {
-    return ImportSql({path}, options);
+    DatabaseSchema schema = ReadSource(format, documents);
+    if (schema.name.empty())
+        schema.name = path.stem().string();
+    return MakeModel(std::move(schema), options);
 }
 
-/// The first that matches is taken.
-constexpr std::array kFormats{ModelFormat{.matches = IsSqlite, .open = ImportSqlite},
-                              ModelFormat{.matches = StartsModelFile, .open = OpenModelFile},
-                              ModelFormat{.matches = IsScriptStart, .open = OpenSql}};
+/// What is JSON, but of no other format, is taken for a model file.
+ToolModel OpenDocument(SourceDocument document, const std::filesystem::path& path,
+                       const ImportOptions& options)
+{
+    const std::span<SourceDocument> documents(&document, 1);
+    if (const SourceFormat* const format = RecogniseFormat(documents))
+        return MakeSourceModel(*format, documents, path, options);
+    if (document.syntax != ESyntax::Json)
+        throw InputError(
+            {{document.name, "is of no format that can be read; there are " + ListFormatWords()}});
+    return ReadModelDocument(document.json, document.problems);
+}
+
+/// Returns the documents in the folder and in those within, in the order of their paths.
+std::vector<SourceDocument> ReadFolder(const std::filesystem::path& folder)
+{
+    std::vector<std::filesystem::path> paths;
+    std::error_code error;
+    for (std::filesystem::recursive_directory_iterator entry(folder, error), end;
+         !error && entry != end; entry.increment(error)) {
+        const std::string ending = entry->path().extension().string();
+        if (std::find(kFolderEndings.begin(), kFolderEndings.end(), ending) != kFolderEndings.end())
+            paths.push_back(entry->path());
+    }
+    if (error)
+        throw InputError({{folder.string(), "cannot be read: " + error.message()}});
+    std::sort(paths.begin(), paths.end());
+    std::vector<SourceDocument> documents;
+    for (const std::filesystem::path& path : paths) {
+        std::string text = ReadInputFile(path);
+        const auto syntax = RecogniseSyntax(text);
+        if (syntax)
+            documents.push_back(ReadDocument(path.string(), std::move(text), *syntax));
+    }
+    return documents;
+}
+
+ToolModel OpenFolder(const std::filesystem::path& folder, const ImportOptions& options)
+{
+    std::vector<SourceDocument> documents = ReadFolder(folder);
+    if (documents.empty())
+        throw InputError({{folder.string(), "is a folder without files of a model; those of " +
+                                                ListFormatWords() + " can be read"}});
+    if (const SourceFormat* const format = RecogniseFormat(documents))
+        return MakeSourceModel(*format, documents, folder, options);
+    throw InputError(
+        {{folder.string(), "is of no format that can be read; there are " + ListFormatWords()}});
+}
 
 /// A pipe can only be read once, so that all of it is read before it is known what it is.
 ToolModel OpenPipe(const std::filesystem::path& path, const ImportOptions& options)
@@ -73,10 +118,10 @@ ToolModel OpenPipe(const std::filesystem::path& path, const ImportOptions& optio
     std::string text = ReadInputFile(path);
     if (text.empty())
         throw InputError({{path.string(), "is empty"}});
-    if (StartsModelFile(text))
-        return ReadModelText(text, path.string());
     if (IsSqlite(text))
         throw InputError({{path.string(), "an SQLite database cannot be read from a pipe"}});
+    if (const auto syntax = RecogniseSyntax(text))
+        return OpenDocument(ReadDocument(path.string(), std::move(text), *syntax), path, options);
     const std::array scripts{MakeScriptText(path, std::move(text))};
     return MakeModel(ReadSqlTexts(scripts, std::nullopt, options.observer), options);
 }
@@ -95,31 +140,54 @@ void RejectFormat(const std::filesystem::path& path, bool (*matches)(std::string
 ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& options)
 {
     std::error_code error;
+    if (std::filesystem::is_directory(path, error))
+        return OpenFolder(path, options);
     if (std::filesystem::exists(path, error) && std::filesystem::is_other(path, error))
         return OpenPipe(path, options);
 
     const std::string start = ReadInputStart(path, kStartSize);
     if (start.empty())
         throw InputError({{path.string(), "is empty"}});
-    const auto format =
-        std::find_if(kFormats.begin(), kFormats.end(),
-                     [&start](const ModelFormat& known) { return known.matches(start); });
-    if (format == kFormats.end())
-        throw InputError(
-            {{path.string(), "is neither a model file nor an SQLite database nor SQL"}});
-    return format->open(path, options);
+    if (IsSqlite(start))
+        return ImportSqlite(path, options);
+    if (const auto syntax = RecogniseSyntax(start))
+        return OpenDocument(ReadDocument(path.string(), ReadInputFile(path), *syntax), path,
+                            options);
+    if (IsScriptStart(start))
+        return ImportSql({path}, options);
+    throw InputError({{path.string(), "is neither a model file nor an SQLite database nor SQL"}});
+}
+
+ToolModel ImportSource(const std::filesystem::path& path, const SourceFormat& format,
+                       const ImportOptions& options)
+{
+    std::error_code error;
+    if (std::filesystem::is_directory(path, error)) {
+        std::vector<SourceDocument> documents = ReadFolder(path);
+        if (documents.empty())
+            throw InputError({{path.string(), "is a folder without files of a model"}});
+        return MakeSourceModel(format, documents, path, options);
+    }
+    std::string text = ReadInputFile(path);
+    const std::optional<ESyntax> syntax = RecogniseSyntax(text);
+    if (!syntax)
+        throw InputError({{path.string(), "is neither JSON nor YAML nor TMDL"}});
+    SourceDocument document = ReadDocument(path.string(), std::move(text), *syntax);
+    return MakeSourceModel(format, {&document, 1}, path, options);
 }
 
 bool IsModelFile(const std::filesystem::path& path)
 {
     std::error_code error;
-    return !std::filesystem::is_other(path, error) &&
-           StartsModelFile(ReadInputStart(path, kStartSize));
+    if (!std::filesystem::is_regular_file(path, error) || !IsJson(ReadInputStart(path, kStartSize)))
+        return false;
+    const SourceDocument document = ReadDocument(path.string(), ReadInputFile(path), ESyntax::Json);
+    return RecogniseFormat({&document, 1}) == nullptr;
 }
 
 ToolModel ImportSqlite(const std::filesystem::path& path, const ImportOptions& options)
 {
-    RejectFormat(path, StartsModelFile, "is a model file already, not a database");
+    RejectFormat(path, IsJson, "is JSON, not a database");
     RejectFormat(path, IsText, "is a text, not an SQLite database: take \"import sql\" for SQL");
     return MakeModel(ReadSqliteFile(path, options.observer), options);
 }
@@ -128,7 +196,7 @@ ToolModel ImportSql(const std::vector<std::filesystem::path>& paths, const Impor
                     std::optional<EDialect> dialect)
 {
     for (const std::filesystem::path& path : paths) {
-        RejectFormat(path, StartsModelFile, "is a model file already, not SQL");
+        RejectFormat(path, IsJson, "is JSON, not SQL");
         RejectFormat(path, IsSqlite, "is an SQLite database, not SQL: take \"import sqlite\"");
     }
     return MakeModel(ReadSqlScripts(paths, dialect, options.observer), options);

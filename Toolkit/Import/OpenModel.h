@@ -2,6 +2,7 @@
 #define TOOLKIT_IMPORT_OPENMODEL_H
 
 #include "Toolkit/Import/Ddl/Dialect.h"
+#include "Toolkit/Import/Formats/SourceFormat.h"
 #include "Toolkit/Import/Schema/SchemaModel.h"
 #include "Toolkit/Model/ToolModel.h"
 
@@ -11,16 +12,21 @@
 
 namespace qe::tool {
 
-/// Returns the model of whatever the file holds: an SQLite database, a model file (its first
-/// character is "{" or "["), else SQL statements that create tables. The name of the file does not
-/// matter. What is no regular file, such as a pipe, holds no database. Throws an InputError when it
-/// cannot be read.
+/// Returns the model of whatever the file holds: an SQLite database, a format of another tool,
+/// other JSON, which is a model file, else SQL statements that create tables. The name of the file
+/// does not matter. A folder holds the files of one format. What is no regular file, such as a
+/// pipe, holds no database. Throws an InputError when it cannot be read.
 [[nodiscard]] ToolModel OpenModel(const std::filesystem::path& path,
                                   const ImportOptions& options = {});
 
-/// Returns whether the path leads to a file, not a pipe, that is taken for a model file. Throws an
-/// InputError when it cannot be read.
+/// Returns whether the path leads to a file, not a pipe, that is taken for a model file. All of it
+/// is read. Throws an InputError when it cannot be read.
 [[nodiscard]] bool IsModelFile(const std::filesystem::path& path);
+
+/// Returns the model of a file or folder of that format. Throws an InputError when it cannot be
+/// read as one.
+[[nodiscard]] ToolModel ImportSource(const std::filesystem::path& path, const SourceFormat& format,
+                                     const ImportOptions& options);
 
 /// Returns the model of an SQLite database, called after the file. Throws an InputError when the
 /// file cannot be read as one.

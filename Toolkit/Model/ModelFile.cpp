@@ -23,10 +23,16 @@ ToolModel ReadModelFile(const std::filesystem::path& path)
 ToolModel ReadModelText(std::string_view text, const std::string& fileName)
 {
     JsonProblems problems(fileName);
-    ModelContent content = ContentReader(problems).Read(ParseJson(text, problems));
+    return ReadModelDocument(ParseJson(text, problems), problems);
+}
+
+ToolModel ReadModelDocument(const nlohmann::json& document, JsonProblems& problems)
+{
+    ModelContent content = ContentReader(problems).Read(document);
 
     ModelAssembler assembler(content, problems);
     ToolModel result;
+    result.isModelFile = true;
     result.model = assembler.Assemble();
     ConditionCheck conditions(result.model, assembler.GetDoubtfulNames(), problems);
     for (const ContentObject& object : content.objects)

@@ -2,8 +2,10 @@
 #define TOOLKIT_MODEL_MODELFILE_H
 
 #include "Toolkit/Model/ToolModel.h"
+#include "Toolkit/Text/JsonProblems.h"
 
 #include <filesystem>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 
@@ -15,6 +17,10 @@ namespace qe::tool {
 
 /// Reads the text of a model file like ReadModelFile. Messages show `fileName`.
 [[nodiscard]] ToolModel ReadModelText(std::string_view text, const std::string& fileName);
+
+/// Reads the document of a model file like ReadModelFile. Mistakes are added to the problems, which
+/// may hold some already.
+[[nodiscard]] ToolModel ReadModelDocument(const nlohmann::json& document, JsonProblems& problems);
 
 /// Returns a model as the text of a model file, from which ReadModelText makes an equal one: same
 /// objects, ids, user classes and governors; the notes are left out. Equal models have equal

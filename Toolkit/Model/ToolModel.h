@@ -37,6 +37,8 @@ struct ToolModel
     std::vector<std::string> notes{};
     /// What it was read from, such as "PostgreSQL, 12 statements"; empty for nothing to tell.
     std::string origin{};
+    /// Whether it was read from a model file, which can keep decisions.
+    bool isModelFile = false;
 };
 
 } // namespace qe::tool

@@ -38,7 +38,9 @@ void JsonProblems::Add(const std::string& pointer, const std::string& text,
     }
     for (std::string& name : nearestNames)
         name = OnOneLine(name);
-    mProblems.push_back({ToPlace(OnOneLine(pointer)), OnOneLine(text), std::move(nearestNames)});
+    mProblems.push_back(
+        {.pointer = pointer,
+         .problem = {ToPlace(OnOneLine(pointer)), OnOneLine(text), std::move(nearestNames)}});
 }
 
 std::string JsonProblems::ToPlace(const std::string& pointer) const
@@ -50,7 +52,15 @@ void JsonProblems::ThrowIfAny() const
 {
     if (mProblems.empty())
         return;
-    std::vector<InputProblem> problems = mProblems;
+    DocumentLines lines;
+    if (mFindLines)
+        lines = mFindLines(mReported);
+    std::vector<InputProblem> problems;
+    for (const Problem& kept : mProblems) {
+        problems.push_back(kept.problem);
+        if (const auto line = lines.find(kept.pointer); line != lines.end())
+            problems.back().place.insert(mDocumentName.size(), ':' + std::to_string(line->second));
+    }
     if (mLeftOut > 0)
         problems.push_back({mDocumentName, "further mistakes: " + std::to_string(mLeftOut)});
     throw InputError(std::move(problems));

@@ -1,6 +1,7 @@
 #ifndef TOOLKIT_TEXT_JSONPROBLEMS_H
 #define TOOLKIT_TEXT_JSONPROBLEMS_H
 
+#include "Toolkit/Text/DocumentLines.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <cstddef>
@@ -24,6 +25,9 @@ public:
     [[nodiscard]] const std::string& GetDocumentName() const { return mDocumentName; }
     [[nodiscard]] bool IsEmpty() const { return mProblems.empty(); }
 
+    /// Lets messages show lines before pointers.
+    void SetLineFinder(LineFinder finder) { mFindLines = std::move(finder); }
+
     /// Adds a mistake. Only the first hundred are kept one by one; the others are counted.
     void Add(const std::string& pointer, const std::string& text,
              std::vector<std::string> nearestNames = {});
@@ -43,8 +47,15 @@ public:
     void ThrowIfAny() const;
 
 private:
+    struct Problem
+    {
+        std::string pointer;
+        InputProblem problem;
+    };
+
     std::string mDocumentName;
-    std::vector<InputProblem> mProblems;
+    LineFinder mFindLines;
+    std::vector<Problem> mProblems;
     std::size_t mLeftOut = 0;
     std::set<std::string> mReported;
 };

@@ -1,12 +1,14 @@
 #include "Toolkit/Text/JsonText.h"
 
 #include "Engine/Services/Characters.h"
+#include "Toolkit/Text/DocumentBuilder.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -16,9 +18,6 @@ namespace {
 
 using nlohmann::json;
 using nlohmann::ordered_json;
-
-/// Objects and lists may be nested this deep.
-constexpr std::size_t kMaximumDepth = 256;
 
 /// Texts for people are at most this wide, where they can be.
 constexpr std::size_t kLineWidth = 100;
@@ -32,26 +31,12 @@ std::string PlaceOf(std::string_view text, std::size_t offset, const std::string
     return documentName + ':' + std::to_string(line) + ':' + std::to_string(column);
 }
 
-/// Puts together the document that a parser reads. It knows, which the parser does not, where in
-/// the document it is and whether a key has been there before.
-class DocumentBuilder
+/// Hands what the parser reads to a builder; the parser goes on where true is returned.
+class JsonReader
 {
 public:
-    explicit DocumentBuilder(JsonProblems& problems) : mProblems(&problems) {}
+    explicit JsonReader(DocumentBuilder& builder) : mBuilder(&builder) {}
 
-    [[nodiscard]] json TakeDocument() { return std::move(mDocument); }
-
-    /// Returns the pointer to the value that comes next.
-    [[nodiscard]] std::string GetNextPointer() const
-    {
-        std::string pointer = GetPointer();
-        if (!mLevels.empty() && mLevels.back().value->is_array())
-            pointer =
-                ChildPointer(pointer.substr(0, pointer.rfind('/')), mLevels.back().value->size());
-        return pointer;
-    }
-
-    // What the parser calls; it goes on when they return true.
     bool null() { return AddValue(nullptr); }
     bool boolean(bool value) { return AddValue(value); }
     bool number_integer(std::int64_t value) { return AddValue(value); }
@@ -66,13 +51,7 @@ public:
 
     bool key(std::string& name)
     {
-        Level& level = mLevels.back();
-        const auto [member, isNew] =
-            level.value->get_ref<json::object_t&>().try_emplace(std::move(name));
-        level.key = &member->first;
-        level.member = &member->second;
-        if (!isNew)
-            mProblems->Add(GetPointer(), "key is given twice: \"" + member->first + '"');
+        mBuilder->AddKey(std::move(name));
         return true;
     }
 
@@ -83,59 +62,55 @@ public:
     }
 
 private:
-    struct Level
-    {
-        json* value;
-        /// In an object, what was named last.
-        const std::string* key = nullptr;
-        json* member = nullptr;
-    };
-
-    json& Place(json value)
-    {
-        if (mLevels.empty())
-            return mDocument = std::move(value);
-        const Level& level = mLevels.back();
-        if (level.value->is_array())
-            return level.value->emplace_back(std::move(value));
-        return *level.member = std::move(value);
-    }
-
     bool AddValue(json value)
     {
-        Place(std::move(value));
+        mBuilder->AddValue(std::move(value));
         return true;
     }
 
     bool Enter(json value)
     {
-        json& placed = Place(std::move(value));
-        if (mLevels.size() == kMaximumDepth)
-            throw InputError(
-                {{mProblems->ToPlace(GetPointer()),
-                  "is nested too deep: more than " + std::to_string(kMaximumDepth) + " levels"}});
-        mLevels.push_back({&placed});
+        mBuilder->Enter(std::move(value));
         return true;
     }
 
     bool Leave()
     {
-        mLevels.pop_back();
+        mBuilder->Leave();
         return true;
     }
 
-    [[nodiscard]] std::string GetPointer() const
-    {
-        std::string pointer;
-        for (const Level& level : mLevels)
-            pointer = level.value->is_array() ? ChildPointer(pointer, level.value->size() - 1)
-                                              : ChildPointer(pointer, *level.key);
-        return pointer;
-    }
+    DocumentBuilder* mBuilder;
+};
 
-    JsonProblems* mProblems;
-    json mDocument;
-    std::vector<Level> mLevels;
+/// Walks over a text and counts its lines. The parser may read one character beyond what it tells,
+/// so that the line counts on only behind the character after a line break.
+class LineCounter
+{
+public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const char*;
+    using reference = const char&;
+
+    LineCounter(const char* position, std::size_t* line) : mPosition(position), mLine(line) {}
+
+    reference operator*() const { return *mPosition; }
+    LineCounter& operator++()
+    {
+        if (mIsBehindBreak)
+            ++*mLine;
+        mIsBehindBreak = *mPosition++ == '\n';
+        return *this;
+    }
+    bool operator==(const LineCounter& other) const { return mPosition == other.mPosition; }
+    bool operator!=(const LineCounter& other) const { return mPosition != other.mPosition; }
+
+private:
+    const char* mPosition;
+    std::size_t* mLine;
+    bool mIsBehindBreak = false;
 };
 
 /// Returns the parser's message without its own place and number.
@@ -180,7 +155,8 @@ json ParseJson(std::string_view text, JsonProblems& problems)
 {
     DocumentBuilder builder(problems);
     try {
-        json::sax_parse(text, &builder);
+        JsonReader reader(builder);
+        json::sax_parse(text, &reader);
         return builder.TakeDocument();
     } catch (const json::parse_error& error) {
         const std::size_t offset = error.byte == 0 ? 0 : error.byte - 1;
@@ -191,6 +167,18 @@ json ParseJson(std::string_view text, JsonProblems& problems)
         // A number that no number type holds.
         throw InputError({{problems.ToPlace(builder.GetNextPointer()), Reason(error)}});
     }
+}
+
+DocumentLines FindJsonLines(std::string_view text, const std::set<std::string>& pointers)
+{
+    LineRecord lines(pointers);
+    JsonProblems ignored;
+    DocumentBuilder builder(ignored);
+    builder.Report(lines);
+    JsonReader reader(builder);
+    json::sax_parse(LineCounter(text.data(), &lines.Line()),
+                    LineCounter(text.data() + text.size(), &lines.Line()), &reader);
+    return lines.Get();
 }
 
 std::string FormatJson(const ordered_json& document)

@@ -1,10 +1,12 @@
 #ifndef TOOLKIT_TEXT_JSONTEXT_H
 #define TOOLKIT_TEXT_JSONTEXT_H
 
+#include "Toolkit/Text/DocumentLines.h"
 #include "Toolkit/Text/JsonProblems.h"
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -14,6 +16,10 @@ namespace qe::tool {
 /// characters, from 1) when the text is not JSON in UTF-8, or when it is nested deeper than 256
 /// levels. Keys that one object has twice are added to `problems`; the last one counts.
 [[nodiscard]] nlohmann::json ParseJson(std::string_view text, JsonProblems& problems);
+
+/// Returns the lines of those of the pointers that the document has. The text is JSON.
+[[nodiscard]] DocumentLines FindJsonLines(std::string_view text,
+                                          const std::set<std::string>& pointers);
 
 /// Returns JSON for people: what fits on a line stands on one, everything else is indented by two
 /// spaces. Bytes that are not UTF-8 are replaced by U+FFFD. Ends with a line break.

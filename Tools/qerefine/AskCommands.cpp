@@ -124,7 +124,7 @@ AskResult Run(const AskOptions& options, const CommandContext& context)
     CheckSaveOptions(options.save, options.asked.model);
     const NoticeContext notices(options.risks, context);
     AskResult result{.model = OpenModel(options.asked, notices.Get()), .output = options.output};
-    if (IsModelFile(options.asked.model.path))
+    if (result.model.isModelFile)
         result.output.modelFile = options.asked.model.path.string();
     result.question = MakeQuestion(options.asked, context);
     result.answer = BlameArguments([&] { return Ask(result.model, result.question); });

@@ -23,11 +23,18 @@ constexpr const char* kSqliteKind = "sqlite";
 constexpr const char* kSqlKind = "sql";
 constexpr const char* kExample = "qerefine import sqlite shop.db --roles -o shop.json";
 
+/// What the files are; nothing where that is to be recognised.
+struct ImportKind
+{
+    std::optional<EDialect> dialect{};
+    /// May be null.
+    const SourceFormat* format = nullptr;
+};
+
 struct Options
 {
     std::vector<std::string> files{};
-    /// Nothing where it is to be recognised.
-    std::optional<EDialect> dialect{};
+    ImportKind kind{};
     ImportOptions import{};
 };
 
@@ -38,25 +45,35 @@ void AddOptions(CLI::App& command, Options& options)
     AddRoles(command, options.import.roles);
 }
 
-Choices<std::optional<EDialect>> ListDialects()
+Choices<ImportKind> ListDialects()
 {
-    Choices<std::optional<EDialect>> dialects;
+    Choices<ImportKind> kinds;
     for (const std::string& word : ListDialectWords())
-        dialects.emplace_back(word, FindDialect(word));
-    return dialects;
+        kinds.emplace_back(word, ImportKind{.dialect = FindDialect(word)});
+    return kinds;
+}
+
+Choices<ImportKind> ListKinds()
+{
+    Choices<ImportKind> kinds = ListDialects();
+    for (const SourceFormat& format : ListSourceFormats())
+        kinds.emplace_back(format.word, ImportKind{.format = &format});
+    return kinds;
 }
 
 void AddSqlOptions(CLI::App& command, Options& options)
 {
     AddOptions(command, options);
-    AddChoice(command, "--from", options.dialect, ListDialects(),
+    AddChoice(command, "--from", options.kind, ListDialects(),
               "The dialect of the files; recognised without it");
 }
 
 /// The files may be those of a subcommand, which takes no options from here.
 void AddAnyOptions(CLI::App& command, Options& options)
 {
-    AddSqlOptions(command, options);
+    AddOptions(command, options);
+    AddChoice(command, "--from", options.kind, ListKinds(),
+              "The dialect or format of the files; recognised without it");
     command.get_option("FILE")->required(false);
 }
 
@@ -87,7 +104,7 @@ ToolModel RunSql(const Options& options, const CommandContext& context)
 {
     return RunImport(options, context, [&options](const ImportOptions& importOptions) {
         return ImportSql({options.files.begin(), options.files.end()}, importOptions,
-                         options.dialect);
+                         options.kind.dialect);
     });
 }
 
@@ -108,9 +125,15 @@ ToolModel RunAny(const Options& options, const CommandContext& context)
     if (options.files.empty())
         throw CLI::RequiredError("FILE");
     RejectMistypedKind(options.files.front());
-    if (options.dialect || options.files.size() != 1)
+    const SourceFormat* const format = options.kind.format;
+    if (format != nullptr && options.files.size() != 1)
+        throw UsageError(InputError(
+            {{"", "one file or folder makes a model of " + std::string(format->title)}}));
+    if (options.kind.dialect || options.files.size() != 1)
         return RunSql(options, context);
-    return RunImport(options, context, [&options](const ImportOptions& importOptions) {
+    return RunImport(options, context, [&](const ImportOptions& importOptions) {
+        if (format != nullptr)
+            return ImportSource(options.files.front(), *format, importOptions);
         return OpenModel(options.files.front(), importOptions);
     });
 }

@@ -67,6 +67,13 @@ TEST(JoinTreeLog, ShowsPathsWhatRemainsAndTheClosing)
                             "AA adding join left=100:2 right=100:3"));
 }
 
+TEST(JoinTreeLog, CountsWhatRemainsOncePerEntityThatReachedANode)
+{
+    JoinGraphModel model("a-x:1 b-x:1 c-y:1 d-y:1 e-z:1 f-z:1 x-y:1 z-y:1");
+    EXPECT_THAT(LogOf(model, model["a b c d e f"]),
+                testing::Contains("num shortest distances remaining: 28"));
+}
+
 TEST(JoinTreeLog, HasNoNamesForWhatCannotBeRead)
 {
     // Synthetic joins have no ends that could be read, and the empty id is no object.

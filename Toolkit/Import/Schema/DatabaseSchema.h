@@ -2,6 +2,7 @@
 #define TOOLKIT_IMPORT_SCHEMA_DATABASESCHEMA_H
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,13 +51,56 @@ struct SchemaTable
     std::string title{};
 };
 
+/// One end of a join that a source states, and what it says of it.
+struct SchemaJoinEnd
+{
+    /// The position of the table.
+    std::size_t table = 0;
+    /// The columns that are compared, in pairs with those of the other end; none where the
+    /// condition is no conjunction of equal columns.
+    std::vector<std::string> columns{};
+    /// Whether several rows of this end may meet one row of the other. Where the source does not
+    /// tell, they may unless a key of the table lies within the columns.
+    std::optional<bool> isMany{};
+    /// Whether a row of the other end may meet none of this one. Where the source does not tell,
+    /// it may meet none on the left; on the right, where a column of the left may be null.
+    std::optional<bool> isOptional{};
+};
+
+/// A join that a source states as such, not as a foreign key of a table. It usually refers from
+/// left to right.
+struct SchemaJoin
+{
+    /// Empty for one that follows from tables and columns.
+    std::string name{};
+    SchemaJoinEnd left{};
+    SchemaJoinEnd right{};
+    /// Empty where the ends' columns say all. Else a condition whose references name an end and one
+    /// of its columns: "[left].[day] <= [right].[day]".
+    std::string condition{};
+    /// Joins that are only used where somebody asks for them lead to a role of the right table.
+    bool isActive = true;
+};
+
+/// What a source says of how some tables are to be joined.
+struct SchemaPreference
+{
+    /// The positions of the tables.
+    std::vector<std::size_t> tables{};
+    /// The positions of the joins.
+    std::vector<std::size_t> joins{};
+    std::string reason{};
+};
+
 /// What a database declares, whatever it is written in: each format has a reader that fills it.
 struct DatabaseSchema
 {
     /// Empty when the database has none.
     std::string name{};
-    /// In the order of their names.
+    /// Those of a database in the order of their names.
     std::vector<SchemaTable> tables{};
+    std::vector<SchemaJoin> joins{};
+    std::vector<SchemaPreference> preferences{};
     /// What had to be left out or renamed, one sentence each.
     std::vector<std::string> notes{};
     /// What it was read from, such as "PostgreSQL, 12 statements"; empty for nothing to tell.

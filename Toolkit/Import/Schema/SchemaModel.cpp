@@ -5,6 +5,7 @@
 #include "Engine/Model/Names.h"
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Import/Schema/SchemaNames.h"
+#include "Toolkit/Import/Schema/StatedJoins.h"
 #include "Toolkit/Text/DisplayText.h"
 
 #include <algorithm>
@@ -71,12 +72,16 @@ public:
             for (std::size_t key = 0; key < mSchema.tables[i].foreignKeys.size(); ++key)
                 AddKey(i, key);
         NoteRoles();
+        std::vector<amd_id> joins;
+        for (const SchemaJoin& join : mSchema.joins)
+            joins.push_back(AddStatedJoin(join));
         if (mSchema.tables.empty())
             mNotes.emplace_back("there are no tables to read: " + mSpaceName);
         ToolModel made{mBuilder.Build()};
         made.notes = std::move(mNotes);
         made.origin = mSchema.origin;
         made.descriptions = std::move(mDescriptions);
+        made.decisions = MakeDecisions(joins);
         return made;
     }
 
@@ -170,6 +175,62 @@ private:
                                  {join.target, isToOne ? one : many}, Condition(join));
     }
 
+    /// A join that is only used where it is asked for leads to a role of its own.
+    amd_id AddStatedJoin(const SchemaJoin& join)
+    {
+        const SchemaTable& left = mSchema.tables[join.left.table];
+        const SchemaTable& right = mSchema.tables[join.right.table];
+        amd_id target = mSubjects[join.right.table];
+        std::string targetName = right.title;
+        if (!join.isActive) {
+            const Names& columns = join.left.columns;
+            targetName = NameRole(
+                left, right,
+                " (" + (columns.empty() ? join.name : JoinTexts(TitlesOf(left, columns))) + ")");
+            target = AddRole(target, targetName);
+        }
+        const JoinRanges ranges = RangesOf(mSchema, join);
+        return mBuilder.AddRelationship(
+            mSpace, join.name, {mSubjects[join.left.table], ranges.left}, {target, ranges.right},
+            WriteStatedCondition(join, [&](bool isLeft, const std::string& column) {
+                const SchemaTable& table = isLeft ? left : right;
+                return model::QualifiedName{mSpaceName, isLeft ? left.title : targetName,
+                                            FindColumn(table.columns, column)->title};
+            }));
+    }
+
+    /// A model has one decision for each set of query subjects; the first counts.
+    [[nodiscard]] std::vector<Decision> MakeDecisions(const std::vector<amd_id>& joins)
+    {
+        std::map<std::vector<amd_id>, Decision> decisions;
+        for (const SchemaPreference& preference : mSchema.preferences) {
+            Decision decision{.reason = preference.reason};
+            for (const std::size_t table : preference.tables)
+                decision.subjects.push_back(mSubjects[table]);
+            for (const std::size_t join : preference.joins)
+                decision.preferred.push_back(joins[join]);
+            SortUnique(decision.subjects);
+            SortUnique(decision.preferred);
+            if (decision.preferred.empty())
+                continue;
+            const bool isNew = decisions.emplace(decision.subjects, decision).second;
+            if (!isNew)
+                mNotes.push_back(
+                    "left out a preference for query subjects that have one already: " +
+                    preference.reason);
+        }
+        std::vector<Decision> made;
+        for (auto& [subjects, decision] : decisions)
+            made.push_back(std::move(decision));
+        return made;
+    }
+
+    static void SortUnique(std::vector<amd_id>& ids)
+    {
+        std::sort(ids.begin(), ids.end());
+        ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+    }
+
     [[nodiscard]] std::size_t PositionOf(const SchemaTable& table) const
     {
         return static_cast<std::size_t>(&table - mSchema.tables.data());
@@ -249,6 +310,7 @@ ToolModel MakeModel(DatabaseSchema schema, const ImportOptions& options)
 {
     GiveTitles(schema);
     ResolveForeignKeys(schema);
+    ResolveStatedJoins(schema);
     return ModelMaker(schema, options).Make();
 }
 

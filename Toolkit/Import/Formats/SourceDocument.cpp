@@ -1,0 +1,105 @@
+#include "Toolkit/Import/Formats/SourceDocument.h"
+
+#include "Engine/Services/Characters.h"
+#include "Toolkit/Text/JsonText.h"
+#include "Toolkit/Text/YamlText.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <set>
+#include <utility>
+
+namespace qe::tool {
+
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kBlanks = " \t\r\n\v\f";
+
+/// What the first line of a TMDL text may begin with.
+constexpr std::array<std::string_view, 12> kTmdlWords{
+    "table ",   "model ",      "model\n",         "relationship ",
+    "ref ",     "database ",   "database\n",      "///",
+    "culture ", "expression ", "createOrReplace", "perspective "};
+
+std::string_view SkipByteOrderMark(std::string_view text)
+{
+    return text.substr(
+        text.substr(0, kByteOrderMark.size()) == kByteOrderMark ? kByteOrderMark.size() : 0);
+}
+
+/// Returns the text from the first line on that is neither empty nor a comment of YAML.
+std::string_view SkipComments(std::string_view text)
+{
+    for (;;) {
+        const std::size_t first = text.find_first_not_of(kBlanks);
+        if (first == std::string_view::npos)
+            return {};
+        text.remove_prefix(first);
+        if (text.front() != '#')
+            return text;
+        text.remove_prefix(std::min(text.find('\n'), text.size()));
+    }
+}
+
+/// Returns whether a line is "key:", perhaps with something behind a blank.
+bool IsYamlKey(std::string_view line)
+{
+    const auto end = std::find_if_not(line.begin(), line.end(), [](char c) {
+        return ascii::IsLetter(c) || ascii::IsDigit(c) || c == '_';
+    });
+    const std::string_view rest(end, line.end());
+    return end != line.begin() && !rest.empty() && rest.front() == ':' &&
+           (rest.size() == 1 || kBlanks.find(rest[1]) != std::string_view::npos);
+}
+
+bool IsTmdl(std::string_view text)
+{
+    return std::any_of(kTmdlWords.begin(), kTmdlWords.end(), [text](std::string_view word) {
+        return text.substr(0, word.size()) == word;
+    });
+}
+
+} // namespace
+
+std::optional<ESyntax> RecogniseSyntax(std::string_view start)
+{
+    const std::string_view text = SkipComments(SkipByteOrderMark(start));
+    if (text.empty())
+        return std::nullopt;
+    if (text.front() == '{' || text.front() == '[')
+        return ESyntax::Json;
+    if (text.substr(0, 3) == "---" || text.substr(0, 5) == "%YAML" ||
+        IsYamlKey(text.substr(0, text.find('\n'))))
+        return ESyntax::Yaml;
+    if (IsTmdl(text))
+        return ESyntax::Tmdl;
+    return std::nullopt;
+}
+
+SourceDocument ReadDocument(std::string name, std::string text, ESyntax syntax)
+{
+    SourceDocument document{.name = std::move(name),
+                            .syntax = syntax,
+                            .text = std::make_shared<const std::string>(std::move(text))};
+    document.problems = JsonProblems(document.name);
+    if (syntax == ESyntax::Json)
+        document.json = ParseJson(*document.text, document.problems);
+    if (syntax == ESyntax::Yaml)
+        document.json = ParseYaml(*document.text, document.problems);
+    return document;
+}
+
+void ShowLines(SourceDocument& document)
+{
+    document.problems.SetLineFinder([text = document.text, syntax = document.syntax](
+                                        const std::set<std::string>& pointers) -> DocumentLines {
+        if (syntax == ESyntax::Tmdl)
+            return {};
+        return syntax == ESyntax::Json ? FindJsonLines(*text, pointers)
+                                       : FindYamlLines(*text, pointers);
+    });
+}
+
+} // namespace qe::tool

@@ -1,0 +1,52 @@
+#ifndef TOOLKIT_IMPORT_FORMATS_SOURCEDOCUMENT_H
+#define TOOLKIT_IMPORT_FORMATS_SOURCEDOCUMENT_H
+
+#include "Toolkit/Text/JsonObject.h"
+#include "Toolkit/Text/JsonProblems.h"
+
+#include <cstdint>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qe::tool {
+
+/// What the texts are written in that hold models.
+enum class ESyntax : std::uint8_t
+{
+    Json,
+    Yaml,
+    /// Objects as indented lines: "table Sales", "relationship 1" and so on.
+    Tmdl,
+};
+
+/// A text that may hold a model, and where its mistakes are told.
+struct SourceDocument
+{
+    /// What messages call it.
+    std::string name{};
+    ESyntax syntax = ESyntax::Json;
+    /// Never null.
+    std::shared_ptr<const std::string> text{};
+    /// Null for TMDL, which each reader takes apart itself.
+    nlohmann::json json{};
+    JsonProblems problems{};
+
+    /// Returns the whole document as a value with a place.
+    [[nodiscard]] PlacedJson Top() const { return {.value = &json, .pointer = ""}; }
+};
+
+/// Returns what a text that starts so is written in; nothing when it is none of these.
+[[nodiscard]] std::optional<ESyntax> RecogniseSyntax(std::string_view start);
+
+/// Reads a text. Throws an InputError with line and column when it does not follow its syntax.
+[[nodiscard]] SourceDocument ReadDocument(std::string name, std::string text, ESyntax syntax);
+
+/// Lets messages about the document show lines beside pointers.
+void ShowLines(SourceDocument& document);
+
+} // namespace qe::tool
+
+#endif

@@ -1,0 +1,62 @@
+#include "Toolkit/Import/Formats/SourceFormat.h"
+
+#include "Toolkit/Import/Formats/TblsSchema.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+namespace qe::tool {
+
+namespace {
+
+constexpr std::array kFormats{
+    SourceFormat{.word = "tbls",
+                 .title = "a schema of tbls",
+                 .matches = IsTblsSchema,
+                 .read = ReadTblsSchema},
+};
+
+} // namespace
+
+std::span<const SourceFormat> ListSourceFormats()
+{
+    return kFormats;
+}
+
+const SourceFormat* FindSourceFormat(std::string_view word)
+{
+    const auto found =
+        std::find_if(kFormats.begin(), kFormats.end(),
+                     [word](const SourceFormat& format) { return format.word == word; });
+    return found == kFormats.end() ? nullptr : &*found;
+}
+
+const SourceFormat* RecogniseFormat(std::span<const SourceDocument> documents)
+{
+    const auto found =
+        std::find_if(kFormats.begin(), kFormats.end(), [&documents](const SourceFormat& format) {
+            return format.matches(documents.front());
+        });
+    return found == kFormats.end() ? nullptr : &*found;
+}
+
+DatabaseSchema ReadSource(const SourceFormat& format, std::span<SourceDocument> documents)
+{
+    if (documents.size() > 1 && !format.takesSeveral)
+        throw InputError({{documents[1].name, "is one file too many: one makes a model of " +
+                                                  std::string(format.title)}});
+    for (SourceDocument& document : documents)
+        ShowLines(document);
+    DatabaseSchema schema = format.read(documents);
+    for (const SourceDocument& document : documents)
+        document.problems.ThrowIfAny();
+    if (schema.tables.empty())
+        throw InputError({{documents.front().name, "describes no query subjects as " +
+                                                       std::string(format.title) + " does"}});
+    if (schema.origin.empty())
+        schema.origin = format.title;
+    return schema;
+}
+
+} // namespace qe::tool

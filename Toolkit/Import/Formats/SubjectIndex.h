@@ -1,0 +1,44 @@
+#ifndef TOOLKIT_IMPORT_FORMATS_SUBJECTINDEX_H
+#define TOOLKIT_IMPORT_FORMATS_SUBJECTINDEX_H
+
+#include "Toolkit/Import/Schema/DatabaseSchema.h"
+#include "Toolkit/Text/JsonObject.h"
+#include "Toolkit/Text/JsonProblems.h"
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qe::tool {
+
+/// Finds the query subjects of a source by the names that it gives them. Letter case counts.
+class SubjectIndex
+{
+public:
+    /// Returns whether the name was free.
+    bool Add(const std::string& name, std::size_t position)
+    {
+        return mPositions.emplace(name, position).second;
+    }
+
+    [[nodiscard]] std::optional<std::size_t> Find(const std::string& name) const;
+
+    /// Returns the position of the subject that the text of a required key names; one that is
+    /// missing or unknown is reported, with the nearest names.
+    [[nodiscard]] std::optional<std::size_t> Find(JsonObject& json, const char* key,
+                                                  JsonProblems& problems) const;
+
+    [[nodiscard]] std::vector<std::string> Nearest(const std::string& name) const;
+
+private:
+    std::map<std::string, std::size_t> mPositions;
+};
+
+/// Lets the table have the column, for sources that do not list all.
+void EnsureColumn(SchemaTable& table, const std::string& column);
+
+} // namespace qe::tool
+
+#endif
