@@ -65,6 +65,11 @@ Line DescribeTruth(const json& join)
                     join.value("active", true), join.value("plain", true));
 }
 
+int MinimumOf(const model::CardinalityRange& range)
+{
+    return range.minimum == model::kZeroToOne.minimum ? 0 : 1;
+}
+
 /// Which joins compare more than equal columns is said by the truth alone.
 Line DescribeJoin(const model::Model& model, const amd_id& id, const std::set<Names>& complex)
 {
@@ -74,11 +79,11 @@ Line DescribeJoin(const model::Model& model, const amd_id& id, const std::set<Na
         return record.referenced == amd_id() ? record.name : model.Find(record.referenced)->name;
     };
     End left{.subject = baseOf(join.left),
-             .isMany = join.leftCardinality.maximum > 1,
-             .minimum = join.leftCardinality.minimum};
+             .isMany = join.leftCardinality.maximum != model::kOneToOne.maximum,
+             .minimum = MinimumOf(join.leftCardinality)};
     End right{.subject = baseOf(join.right),
-              .isMany = join.rightCardinality.maximum > 1,
-              .minimum = join.rightCardinality.minimum};
+              .isMany = join.rightCardinality.maximum != model::kOneToOne.maximum,
+              .minimum = MinimumOf(join.rightCardinality)};
     for (const auto& reference : expression::FindReferences(I18NString(join.text)).references) {
         const bool isLeft = reference.names.at(1).ToStdString() == model.Find(join.left)->name;
         End& end = isLeft && left.columns.size() <= right.columns.size() ? left : right;

@@ -187,7 +187,7 @@ bool IsModelFile(const std::filesystem::path& path)
 
 ToolModel ImportSqlite(const std::filesystem::path& path, const ImportOptions& options)
 {
-    RejectFormat(path, IsJson, "is JSON, not a database");
+    RejectFormat(path, IsJson, "is a model file already, or other JSON, not a database");
     RejectFormat(path, IsText, "is a text, not an SQLite database: take \"import sql\" for SQL");
     return MakeModel(ReadSqliteFile(path, options.observer), options);
 }
@@ -196,7 +196,7 @@ ToolModel ImportSql(const std::vector<std::filesystem::path>& paths, const Impor
                     std::optional<EDialect> dialect)
 {
     for (const std::filesystem::path& path : paths) {
-        RejectFormat(path, IsJson, "is JSON, not SQL");
+        RejectFormat(path, IsJson, "is a model file already, or other JSON, not SQL");
         RejectFormat(path, IsSqlite, "is an SQLite database, not SQL: take \"import sqlite\"");
     }
     return MakeModel(ReadSqlScripts(paths, dialect, options.observer), options);
