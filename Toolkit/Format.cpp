@@ -50,7 +50,7 @@ constexpr std::array kFormats{
     Format{"dot", "a graph for Graphviz", WriteDotFormat},
     Format{"svg", "a picture, drawn by Graphviz", WriteSvgFormat},
     Format{"png", "a picture, drawn by Graphviz", WritePngFormat},
-    Format{"html", "a page to look at and to choose in", WriteHtmlFormat, true},
+    Format{"html", "a page to look at and to choose in", WriteHtmlFormat, true, true},
 };
 
 } // namespace

@@ -19,6 +19,8 @@ struct Format
     /// Whether its readers see in it what the answer risks. Beside the others that goes to standard
     /// error.
     bool showsRisks = false;
+    /// Whether it lists the past queries that spoke, also where nobody asks for them.
+    bool listsPastQueries = false;
 };
 
 /// Returns all formats, the default one first. Each new one is a line in Format.cpp.

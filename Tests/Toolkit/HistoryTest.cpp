@@ -244,6 +244,13 @@ TEST_F(HistoryTest, CommandsTakeAHistory)
     const auto path = run({"path", "sale", "day", "--explain-history"});
     EXPECT_THAT(path.output,
                 HasSubstr("Decided by: past queries (used 1 time against 0)\n  for: log.sql:1\n"));
+    const auto page = run({"path", "sale", "day", "--format", "html"});
+    // Pages are drawn by another program, which may be missing.
+    if (page.code != EExitCode::CannotReadOrWrite) {
+        EXPECT_THAT(
+            page.output,
+            HasSubstr("spoke: 1</summary>\n<ul>\n<li><bdi>for: log.sql:1</bdi></li>\n</ul>"));
+    }
     EXPECT_THAT(path.error, HasSubstr("1 of 4 entries cannot be read: log.sql:1 syntax error"));
     const auto json = nlohmann::json::parse(run({"batch", "-"}).output);
     EXPECT_EQ(json["pastUse"]["chosen"], 1);

@@ -4,7 +4,7 @@
 #include "Tests/Toolkit/HistoryTables.h"
 #include "Toolkit/History/HistoryFile.h"
 #include "Toolkit/History/SchemaColumns.h"
-#include "Toolkit/History/StatementSplitter.h"
+#include "Toolkit/Import/Ddl/StatementReader.h"
 
 #include <gmock/gmock.h>
 
@@ -18,7 +18,9 @@ namespace {
 using namespace qe::tool;
 using qe::test::TemporaryFolder;
 using testing::ElementsAre;
+using testing::Field;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 /// Returns the pairs and behind them the tables of each query, and the first mistake.
 std::string Describe(const HistoryEntries& file)
@@ -84,37 +86,36 @@ TEST(SqlLog, FindsTheJoinsOfStatements)
               "day.day_key=sale.sold_day_key (day sale)");
 }
 
-TEST(SqlLog, TakesStatementsApart)
+TEST(SqlLog, CountsWhatIsTooLongTooDeepOrOpen)
 {
-    const std::string text = "-- a;\nSELECT ';' ; ;;/* ; /* ; */ ; */ SELECT \"a;b\"\n;"
-                             "SELECT $t$ ; $$ ; $t$, $1;SELECT x$y$z";
-    StatementSplitter splitter(text);
-    SqlStatement statement;
-    std::vector<std::string> found;
-    while (splitter.Next(statement))
-        found.push_back(std::to_string(statement.line) + ' ' + std::string(statement.text));
-    EXPECT_THAT(found, ElementsAre("2 SELECT ';' ", "2 SELECT \"a;b\"\n",
-                                   "3 SELECT $t$ ; $$ ; $t$, $1", "3 SELECT x$y$z"));
-    StatementSplitter open("SELECT 'never closed; SELECT 1");
-    EXPECT_TRUE(open.Next(statement));
-    EXPECT_FALSE(open.Next(statement));
-}
-
-TEST(SqlLog, CountsWhatIsTooLongOrTooDeep)
-{
-    const auto repeat = [](std::string text, const char* part, std::size_t length) {
+    const auto repeat = [](std::string text, const std::string& part, std::size_t length) {
         while (text.size() < length)
             text += part;
         return text;
     };
-    const std::size_t longest = kLongestStatement - 10;
-    EXPECT_THAT(ReadSql(repeat("SELECT 1 FROM a", " JOIN b ON a.x = b.x", 20'000'000)),
-                HasSubstr("the statement is too long"));
-    EXPECT_THAT(ReadSql(repeat("SELECT ", "(", longest)), HasSubstr("unread"));
-    EXPECT_EQ(ReadSql(repeat("SELECT 1 FROM a, b WHERE a.x = b.x AND 1 = 1", "+1", longest)),
-              "a.x=b.x (a b)");
-    EXPECT_EQ(ReadSql(repeat("SELECT 1 FROM a", " JOIN b ON a.x = b.x", longest - 20)),
-              "a.x=b.x (a b)");
+    const std::string query = "SELECT 1 FROM a, b WHERE a.x = b.x";
+    const std::string found = "a.x=b.x (a b)";
+    const std::size_t longest = kLongestStatement - 20;
+    for (const std::string& deep :
+         {repeat("SELECT ", "(", 1'000'000),
+          repeat("SELECT 1 FROM a", " JOIN b ON a.x = b.x", longest),
+          repeat("SELECT * FROM ", "(SELECT*FROM", longest), repeat("SELECT ", "- ", longest),
+          repeat(query + " AND 1 = 1", "+1", longest), repeat(query, " AND a.v = 1", 50'000'000)})
+        EXPECT_THAT(ReadSql(deep + "; " + query), StartsWith(found + "unread: "))
+            << deep.substr(0, 80);
+    EXPECT_EQ(ReadSql(repeat(query + " AND a.v IN (1", ", 2", longest) + ')'), found);
+    EXPECT_EQ(ReadSql(repeat("SELECT 1 FROM a", " JOIN b ON a.x = b.x", 15'000)), found);
+
+    for (const char* const open : {"'", "\"", "E'\\'", "$t$ $$", "/* /* */"}) {
+        const HistoryEntries file = ReadSqlLog(query + ";\n" + query + " AND\n a.v = " + open +
+                                                   ';' + repeat("", query + ";\n", 1'000'000),
+                                               "log.sql", nullptr);
+        EXPECT_EQ(Describe(file), found + "unread: " + kUnended) << open;
+        EXPECT_EQ(file.firstUnread.front().place, "log.sql:3");
+        EXPECT_EQ(file.entries, 2U);
+    }
+    EXPECT_THAT(ReadSqlLog(";\nSELECT\n\n 1 2;", "log.sql", nullptr).firstUnread,
+                ElementsAre(Field(&InputProblem::place, "log.sql:4")));
 }
 
 TEST(HistoryFile, NamesLinesThatCannotBeRead)

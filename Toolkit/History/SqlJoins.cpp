@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -57,7 +58,7 @@ public:
     void ReadStatement(const Json& select)
     {
         mFound.emplace_back();
-        static_cast<void>(Read(select, {}, 0));
+        static_cast<void>(Read(select, std::make_shared<Withs>(), 0));
         // Subqueries of conditions may have further ones.
         while (!mOpen.empty()) {
             const auto [subquery, outer] = std::move(mOpen.back());
@@ -71,17 +72,19 @@ public:
 
 private:
     using Withs = std::map<std::string, Outputs>;
+    /// Subqueries that are read later share what they know.
+    using KnownWiths = std::shared_ptr<const Withs>;
 
     /// Where the entries of FROM are gathered, and into which of the results.
     struct Scope
     {
         std::vector<Source> sources{};
-        Withs withs{};
+        KnownWiths withs{};
         std::size_t result = 0;
     };
 
     /// Reads a SELECT into one of the results, and returns what its columns stand for.
-    Outputs Read(const Json& select, const Withs& outer, std::size_t result);
+    Outputs Read(const Json& select, const KnownWiths& outer, std::size_t result);
     void ReadWiths(const Json& select, Scope& scope);
     void ReadFrom(const Json& node, Scope& scope);
     void ReadTable(const Json& table, Scope& scope);
@@ -104,10 +107,10 @@ private:
 
     const SchemaColumns* mColumns;
     std::vector<JoinedTables> mFound;
-    std::vector<std::pair<const Json*, Withs>> mOpen;
+    std::vector<std::pair<const Json*, KnownWiths>> mOpen;
 };
 
-Outputs SelectReader::Read(const Json& select, const Withs& outer, std::size_t result)
+Outputs SelectReader::Read(const Json& select, const KnownWiths& outer, std::size_t result)
 {
     Scope scope{.withs = outer, .result = result};
     ReadWiths(select, scope);
@@ -142,9 +145,11 @@ void SelectReader::ReadWiths(const Json& select, Scope& scope)
             continue;
         const std::string name = TextOf(*with, "ctename");
         // One that refers to itself finds nothing that a column could stand for.
-        scope.withs[name] = {};
+        const auto known = std::make_shared<Withs>(*scope.withs);
+        (*known)[name] = {};
+        scope.withs = known;
         if (const Json* const query = Find(*with, "ctequery", "SelectStmt"))
-            scope.withs[name] = Read(*query, scope.withs, scope.result);
+            (*known)[name] = Read(*query, known, scope.result);
     }
 }
 
@@ -152,8 +157,8 @@ void SelectReader::ReadTable(const Json& table, Scope& scope)
 {
     Source source{.alias = TextOf(table, "relname")};
     const std::string schema = TextOf(table, "schemaname");
-    if (const auto with = scope.withs.find(source.alias);
-        schema.empty() && with != scope.withs.end()) {
+    if (const auto with = scope.withs->find(source.alias);
+        schema.empty() && with != scope.withs->end()) {
         source.outputs = with->second;
     } else {
         source.table = (schema.empty() ? "" : schema + '.') + source.alias;

@@ -1,12 +1,11 @@
 #include "Toolkit/History/SqlLog.h"
 
-#include "Toolkit/History/LargeStack.h"
 #include "Toolkit/History/SqlJoins.h"
-#include "Toolkit/History/StatementSplitter.h"
+#include "Toolkit/Import/Ddl/StatementReader.h"
+#include "Toolkit/Import/PostgreSql/PostgresParser.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <nlohmann/json.hpp>
-#include <pg_query.h>
 
 #include <unordered_set>
 #include <utility>
@@ -15,27 +14,6 @@ namespace qe::tool {
 
 namespace {
 
-/// Returns the statement as the parser's tree. Throws InputError when the parser refuses it.
-nlohmann::json Parse(const std::string& text)
-{
-    struct Result
-    {
-        explicit Result(const std::string& statement) : value(pg_query_parse(statement.c_str())) {}
-        Result(const Result&) = delete;
-        Result& operator=(const Result&) = delete;
-        ~Result() { pg_query_free_parse_result(value); }
-
-        PgQueryParseResult value;
-    };
-    const Result result(text);
-    if (result.value.error != nullptr)
-        throw InputError({InputProblem{"", result.value.error->message}});
-    nlohmann::json tree = nlohmann::json::parse(result.value.parse_tree, nullptr, false);
-    if (tree.is_discarded() || tree["stmts"].size() != 1)
-        throw InputError({InputProblem{"", "not one statement"}});
-    return std::move(tree["stmts"][0]["stmt"]);
-}
-
 class LogReader
 {
 public:
@@ -43,29 +21,47 @@ public:
         : mFileName(fileName), mColumns(columns)
     {}
 
-    void Read(const SqlStatement& statement)
+    void Read(const ScriptStatement& statement)
     {
         ++mFile.entries;
-        const std::string place = mFileName + ':' + std::to_string(statement.line);
         // The same text counts once, so it is parsed once.
         if (!mTexts.insert(statement.text).second)
             return;
         try {
             if (statement.text.size() > kLongestStatement)
-                throw InputError({InputProblem{"", "the statement is too long"}});
-            Add(std::string(statement.text), place);
+                throw PostgresSyntaxError("the statement is too long", 0);
+            Add(std::string(statement.text), PlaceOf(statement.line));
         } catch (const InputError& error) {
-            mFile.AddUnread({place, error.GetProblems().front().text});
+            AddUnread(statement.line, error.GetProblems().front().text);
+        } catch (const PostgresSyntaxError& error) {
+            AddUnread(statement.line + error.GetLine(), error.what());
         }
+    }
+
+    /// Takes the line on which something begins that hides the rest of the file.
+    void AddUnended(std::size_t line)
+    {
+        ++mFile.entries;
+        AddUnread(line, kUnended);
     }
 
     [[nodiscard]] HistoryEntries Take() { return std::move(mFile); }
 
 private:
+    void AddUnread(std::size_t line, const std::string& text)
+    {
+        mFile.AddUnread({PlaceOf(line), text});
+    }
+
+    [[nodiscard]] std::string PlaceOf(std::size_t line) const
+    {
+        return mFileName + ':' + std::to_string(line);
+    }
+
     void Add(const std::string& text, const std::string& place)
     {
         std::size_t part = 0;
-        for (JoinedTables& joined : FindSqlJoins(Parse(text), mColumns)) {
+        for (JoinedTables& joined : FindSqlJoins(ParsePostgres(text), mColumns)) {
             // A query over one table tells nothing of joins.
             if (joined.tables.size() < 2)
                 continue;
@@ -90,14 +86,16 @@ private:
 HistoryEntries ReadSqlLog(std::string_view text, const std::string& fileName,
                           const SchemaColumns* columns)
 {
-    LogReader reader(fileName, columns);
-    RunOnLargeStack([&] {
-        StatementSplitter statements(text);
-        SqlStatement statement;
-        while (statements.Next(statement))
-            reader.Read(statement);
-    });
-    return reader.Take();
+    LogReader log(fileName, columns);
+    StatementReader statements(text, EDialect::PostgreSql);
+    ScriptStatement statement;
+    while (statements.Read(statement)) {
+        if (statements.GetUnendedLine() != 0)
+            log.AddUnended(statements.GetUnendedLine());
+        else
+            log.Read(statement);
+    }
+    return log.Take();
 }
 
 } // namespace qe::tool

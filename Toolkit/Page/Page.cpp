@@ -204,6 +204,7 @@ public:
 private:
     [[nodiscard]] Data Fill() const;
     void FillSummary(Data& page) const;
+    static void FillPastQueries(Data& page, const std::vector<std::string>& queries);
     [[nodiscard]] Data MakeNames(const Ids& subjects) const;
     [[nodiscard]] Data MakePath(std::size_t index) const;
     [[nodiscard]] Data MakeJoin(const amd_id& id) const;
@@ -236,6 +237,8 @@ Data PageWriter::Fill() const
     page.set("furtherAlternatives",
              Optional(count < candidates ? std::to_string(candidates - count) : ""));
     page.set("request", MakeRequest());
+    if (mAnswer.pastUse)
+        FillPastQueries(page, mAnswer.pastUse->queries);
     page.set("picture", InlineSvg());
     page.set("data", ScriptData());
     page.set("style", std::string(kPageStyle));
@@ -268,6 +271,15 @@ void PageWriter::FillSummary(Data& page) const
         groups << Data("subjects", MakeNames(group));
     page.set("groups", groups);
     page.set("isSeparated", !mAnswer.separation.bridge.empty());
+}
+
+void PageWriter::FillPastQueries(Data& page, const std::vector<std::string>& queries)
+{
+    Data list = List();
+    for (const std::string& query : queries)
+        list << Data(ToDisplayText(query));
+    page.set("pastQueries", list);
+    page.set("pastQueryCount", Optional(queries.empty() ? "" : std::to_string(queries.size())));
 }
 
 Data PageWriter::MakeNames(const Ids& subjects) const

@@ -127,6 +127,8 @@ AskResult Run(const AskOptions& options, const CommandContext& context)
     if (result.model.isModelFile)
         result.output.modelFile = options.asked.model.path.string();
     result.question = MakeQuestion(options.asked, context);
+    if (options.format->listsPastQueries)
+        result.question.selector.explainsHistory = true;
     result.answer = BlameArguments([&] { return Ask(result.model, result.question); });
     if (!options.start.empty())
         result.output.sql.start = BlameArguments(

@@ -22,9 +22,7 @@ void WalkScripts(std::span<const ScriptText> scripts, EDialect dialect, ReadingN
             read(statement, {.path = &script.path, .line = statement.line});
         }
         if (reader.GetUnendedLine() != 0)
-            notes.Tell({.path = &script.path, .line = reader.GetUnendedLine()},
-                       "a quote or comment that begins here does not end; what follows was not "
-                       "read");
+            notes.Tell({.path = &script.path, .line = reader.GetUnendedLine()}, kUnended);
     }
 }
 

@@ -270,7 +270,8 @@ bool SqlTokenizer::TakesDollarQuote(std::string& end) const
     std::size_t size = 1;
     while (size < rest.size() && rest[size] != '$' && ContinuesWord(rest[size]))
         ++size;
-    if (size == rest.size() || rest[size] != '$')
+    // "$1" is a parameter.
+    if (size == rest.size() || rest[size] != '$' || ascii::IsDigit(rest[1]))
         return false;
     end = rest.substr(0, size + 1);
     return true;

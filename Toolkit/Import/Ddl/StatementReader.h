@@ -23,6 +23,10 @@ struct ScriptStatement
     std::size_t line = 1;
 };
 
+/// What is told of the line on which a script has no more statements.
+inline constexpr const char* kUnended =
+    "a quote or comment that begins here does not end; what follows was not read";
+
 /// Splits a script into statements, and passes over what its clients would not send to a server:
 /// their own commands, and rows. Linear in the size of the script.
 class StatementReader

@@ -1,11 +1,12 @@
 #include "Toolkit/Import/PostgreSql/PostgresParser.h"
 
+#include "Toolkit/Import/Ddl/SqlTokens.h"
+
 #include <nlohmann/json.hpp>
 #include <pg_query.h>
 
 #include <algorithm>
 #include <memory>
-#include <span>
 #include <utility>
 #include <vector>
 
@@ -13,19 +14,19 @@ namespace qe::tool {
 
 namespace {
 
-/// How deep a tree may get. The parser writes it by calling itself for each level, and runs out of
-/// the usual stack at about fifty thousand.
-constexpr std::size_t kDeepest = 5000;
+/// How deep a tree may get. The parser writes it by calling itself for each level, and needs up to
+/// a quarter of the usual stack for so many.
+constexpr std::size_t kDeepest = 10'000;
 
-/// Returns a bound of the depth of the tree: what stands between two commas may all be nested, and
-/// so may what stands around the parentheses that it stands in. The tables of a CREATE SCHEMA are
-/// not nested.
-std::size_t MeasureDepth(std::span<const SqlToken> tokens)
+/// Returns whether the tree may get deeper than that: what stands between two commas may all be
+/// nested, and so may what stands around the parentheses that it stands in. The tables of a CREATE
+/// SCHEMA are not nested.
+bool IsTooDeep(std::string_view statement)
 {
+    SqlTokenizer tokens(statement, EDialect::PostgreSql);
     std::vector<std::size_t> open{0};
     std::size_t depth = 0;
-    std::size_t deepest = 0;
-    for (const SqlToken& token : tokens) {
+    for (SqlToken token = tokens.Next(); token.kind != EToken::End; token = tokens.Next()) {
         if (token.IsSign(',') || (open.size() == 1 && token.IsWord("create"))) {
             depth -= open.back();
             open.back() = 0;
@@ -36,11 +37,12 @@ std::size_t MeasureDepth(std::span<const SqlToken> tokens)
             open.pop_back();
         }
         ++open.back();
-        deepest = std::max(deepest, ++depth);
+        if (++depth > kDeepest)
+            return true;
         if (token.IsSign('('))
             open.push_back(0);
     }
-    return deepest;
+    return false;
 }
 
 struct ResultFreer
@@ -54,11 +56,13 @@ struct ResultFreer
 
 } // namespace
 
-nlohmann::json ParsePostgres(const ScriptStatement& statement)
+nlohmann::json ParsePostgres(std::string_view statement)
 {
-    if (MeasureDepth(statement.tokens) > kDeepest)
+    if (statement.size() > kLongestPostgres)
+        throw PostgresSyntaxError("the statement is too long", 0);
+    if (IsTooDeep(statement))
         throw PostgresSyntaxError("nested too deeply", 0);
-    const std::string text(statement.text);
+    const std::string text(statement);
     const std::unique_ptr<PgQueryParseResult, ResultFreer> result(
         new PgQueryParseResult(pg_query_parse(text.c_str())));
     if (result->error != nullptr) {

@@ -36,7 +36,7 @@ public:
             break;
         }
         try {
-            if (!PostgresTree(mCatalogue, mNotes, place).Read(ParsePostgres(statement)))
+            if (!PostgresTree(mCatalogue, mNotes, place).Read(ParsePostgres(statement.text)))
                 mNotes.CountSkipped();
         } catch (const PostgresSyntaxError& error) {
             mNotes.Tell({.path = place.path, .line = place.line + error.GetLine()},
