@@ -60,7 +60,8 @@ private:
         friend auto operator<=>(const Bridge&, const Bridge&) = default;
     };
 
-    void Push(const Label& label);
+    /// Returns the queued labels of that distance.
+    std::vector<Label>& GetLabels(std::uint64_t distance);
     void Settle(const Label& label);
     void Expand(const Label& label);
     void Unite(const Label& label, const Nearest& nearest);
@@ -85,7 +86,7 @@ private:
 bool RegionSearch::Run()
 {
     for (std::uint32_t base = 0; base < mTerminals.size(); ++base)
-        Push({.distance = 0, .node = mTerminals[base], .base = base});
+        GetLabels(0).push_back({.distance = 0, .node = mTerminals[base], .base = base});
     while (!mQueue.empty() && mQueue.begin()->first <= mBound) {
         // Edges of weight 0 add to the labels at hand.
         const std::vector<Label>& labels = mQueue.begin()->second;
@@ -96,9 +97,13 @@ bool RegionSearch::Run()
     return mPieceCount == 1;
 }
 
-void RegionSearch::Push(const Label& label)
+std::vector<RegionSearch::Label>& RegionSearch::GetLabels(std::uint64_t distance)
 {
-    mQueue[label.distance].push_back(label);
+    constexpr std::size_t kFewest = 64;
+    std::vector<Label>& labels = mQueue[distance];
+    if (labels.empty())
+        labels.reserve(kFewest);
+    return labels;
 }
 
 void RegionSearch::Settle(const Label& label)
@@ -125,6 +130,9 @@ void RegionSearch::Settle(const Label& label)
 
 void RegionSearch::Expand(const Label& label)
 {
+    // Most edges at a node weigh the same.
+    std::vector<Label>* labels = nullptr;
+    std::uint64_t distanceOfLabels = 0;
     for (const Arc& arc : mGraph.GetArcs(label.node)) {
         const Nearest& nearest = mNearest[arc.target];
         // A third terminal matters only as long as the terminals are not connected.
@@ -132,8 +140,13 @@ void RegionSearch::Expand(const Label& label)
             (nearest.secondBase != kNoBase && mPieceCount == 1))
             continue;
         const std::uint64_t distance = label.distance + mGraph.GetEdge(arc.edge).weight;
-        if (nearest.distance + distance <= mBound)
-            Push({.distance = distance, .node = arc.target, .base = label.base});
+        if (nearest.distance + distance > mBound)
+            continue;
+        if (labels == nullptr || distance != distanceOfLabels) {
+            labels = &GetLabels(distance);
+            distanceOfLabels = distance;
+        }
+        labels->push_back({.distance = distance, .node = arc.target, .base = label.base});
     }
 }
 

@@ -13,7 +13,10 @@ class BlockSplit
 {
 public:
     explicit BlockSplit(const Network& network) : mNetwork(network), mVisits(network.GetNodeLimit())
-    {}
+    {
+        mPath.reserve(network.GetNodeLimit());
+        mEdges.reserve(network.GetEdgeCount());
+    }
 
     std::vector<Network> Run();
 
