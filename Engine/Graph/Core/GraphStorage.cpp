@@ -12,6 +12,9 @@ namespace {
 // for ever does not use up memory.
 constexpr std::size_t kFewestToMerge = 1U << 17U;
 
+// Room for so many is made at once.
+constexpr std::size_t kFewestBuffered = 64;
+
 bool IsDue(std::size_t buffered, std::uint32_t held)
 {
     return buffered >= std::max<std::size_t>(kFewestToMerge, held);
@@ -28,6 +31,8 @@ void GraphStorage::AddNode(const amd_id& node)
 {
     if (IsDue(mNewNodes.size(), mNodeIds.GetCount()))
         MergePendingNodes();
+    if (mNewNodes.empty())
+        mNewNodes.reserve(kFewestBuffered);
     mNewNodes.push_back(node);
 }
 
@@ -36,6 +41,8 @@ void GraphStorage::AddEdge(const amd_id& edge, const amd_id& end1, const amd_id&
 {
     if (IsDue(mNewEdges.size(), mEdgeIds.GetCount()))
         MergePendingEdges();
+    if (mNewEdges.empty())
+        mNewEdges.reserve(kFewestBuffered);
     mNewEdges.push_back({edge, end1, end2, weight});
 }
 
