@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <deque>
+#include <map>
 #include <span>
 #include <string>
 #include <utility>
@@ -75,27 +76,32 @@ private:
 
 std::vector<std::size_t> DraftCompiler::SortById()
 {
-    std::vector<std::pair<amd_id, std::size_t>> order;
+    // Builders number the objects of each class as they come: class by class they are in order.
+    std::map<std::pair<std::int32_t, std::int32_t>, std::vector<std::size_t>> ofClass;
     for (std::size_t i = 0; i < mDrafts.size(); ++i) {
         const ObjectDraft& draft = *mDrafts[i].draft;
         const amd_id& id = draft.record.id;
         if (id.IsValid() && id.classCode == draft.classCode)
-            order.emplace_back(id, i);
+            ofClass[{id.domain, id.classCode}].push_back(i);
         else
             mProblems.Add(i, EAspect::Id,
                           "cannot have the id " + ToText(id) + ": its class is " +
                               std::to_string(draft.classCode) + ", its number not 0");
     }
-    std::sort(order.begin(), order.end());
+    const auto getId = [this](std::size_t i) -> const amd_id& { return mDrafts[i].draft->record.id; };
     std::vector<std::size_t> first;
-    first.reserve(order.size());
-    for (const auto& [id, i] : order) {
-        if (first.empty() || mDrafts[first.back()].draft->record.id != id)
-            first.push_back(i);
-        else
-            mProblems.Add(i, EAspect::Id,
-                          "has the id " + ToText(id) + " of another object, \"" +
-                              mDrafts[first.back()].draft->record.name + '"');
+    first.reserve(mDrafts.size());
+    for (auto& [kind, order] : ofClass) {
+        if (!std::ranges::is_sorted(order, {}, getId))
+            std::ranges::stable_sort(order, {}, getId);
+        for (const std::size_t i : order) {
+            if (first.empty() || getId(first.back()) != getId(i))
+                first.push_back(i);
+            else
+                mProblems.Add(i, EAspect::Id,
+                              "has the id " + ToText(getId(i)) + " of another object, \"" +
+                                  mDrafts[first.back()].draft->record.name + '"');
+        }
     }
     return first;
 }
@@ -229,13 +235,13 @@ void DraftCompiler::FollowReferences()
         const PlacedDraft& placed = mDrafts[i];
         const ObjectDraft& draft = *placed.draft;
         if (draft.classCode == IdClassShortcut)
-            targets[i] = finder.Find(i, placed, draft.referenced, target);
+            targets[i] = finder.Find(i, placed, draft.links->referenced, target);
         if (draft.classCode == IdClassRelationshipShortcut)
-            targets[i] = finder.Find(i, placed, draft.referenced, join);
+            targets[i] = finder.Find(i, placed, draft.links->referenced, join);
         if (!IsJoinClass(draft.classCode))
             continue;
-        placed.record->left = finder.Find(i, placed, draft.left, left);
-        placed.record->right = finder.Find(i, placed, draft.right, right);
+        placed.record->left = finder.Find(i, placed, draft.links->left, left);
+        placed.record->right = finder.Find(i, placed, draft.links->right, right);
     }
     for (std::size_t i = 0; i < mDrafts.size(); ++i)
         mDrafts[i].record->referenced = targets[i];

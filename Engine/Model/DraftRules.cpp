@@ -8,7 +8,8 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <tuple>
+#include <unordered_map>
+#include <utility>
 
 namespace qe::model {
 
@@ -160,15 +161,23 @@ void CheckNames(const std::vector<PlacedDraft>& drafts, ProblemList& problems)
 
 void CheckUniqueNames(const std::vector<PlacedDraft>& drafts, ProblemList& problems)
 {
-    using NameKey = std::tuple<std::int32_t, amd_id, std::string_view>;
-    std::map<NameKey, std::size_t> owners;
+    using NamePlace = std::pair<std::int32_t, amd_id>;
+    using Owners = std::unordered_map<std::string_view, std::size_t>;
+    std::map<NamePlace, Owners> ownersIn;
+    NamePlace lastPlace;
+    Owners* owners = nullptr;
     for (std::size_t i = 0; i < drafts.size(); ++i) {
         const PlacedDraft& placed = drafts[i];
         const std::int32_t classCode = placed.draft->classCode;
         if (!placed.isInTable || placed.record->name.empty() || IsJoinClass(classCode))
             continue;
-        const NameKey key(NameClass(classCode), NameScope(placed), placed.record->name);
-        const auto [owner, isNew] = owners.emplace(key, i);
+        const NamePlace place(NameClass(classCode), NameScope(placed));
+        // The items of one query subject mostly come together.
+        if (owners == nullptr || place != lastPlace) {
+            lastPlace = place;
+            owners = &ownersIn[place];
+        }
+        const auto [owner, isNew] = owners->emplace(placed.record->name, i);
         if (!isNew) {
             const PlacedDraft& first = drafts[owner->second];
             problems.Add(i, EAspect::Name,

@@ -29,7 +29,7 @@ amd_id ModelBuilder::NextId(std::int32_t classCode)
 ObjectDraft& ModelBuilder::Add(std::int32_t classCode, const Reference& parent, std::string name,
                                const ObjectOptions& options)
 {
-    ObjectDraft draft;
+    ObjectDraft& draft = mDrafts.emplace_back();
     draft.record.id = options.id == amd_id() ? NextId(classCode) : options.id;
     draft.classCode = classCode;
     draft.record.displayName = options.displayName.empty() ? name : options.displayName;
@@ -38,8 +38,7 @@ ObjectDraft& ModelBuilder::Add(std::int32_t classCode, const Reference& parent, 
     draft.tag = options.tag;
     draft.parent = parent;
     Reserve(options.id);
-    mDrafts.push_back(std::move(draft));
-    return mDrafts.back();
+    return draft;
 }
 
 amd_id ModelBuilder::AddNamespace(std::string name)
@@ -78,7 +77,7 @@ amd_id ModelBuilder::AddShortcut(const Reference& parent, std::string name,
                                  const ShortcutTarget& target, const ObjectOptions& options)
 {
     ObjectDraft& draft = Add(IdClassShortcut, parent, std::move(name), options);
-    draft.referenced = target.object;
+    draft.links = std::make_unique<DraftLinks>(DraftLinks{.referenced = target.object});
     draft.record.shortcutKind = target.kind;
     return draft.record.id;
 }
@@ -88,8 +87,8 @@ amd_id ModelBuilder::AddJoin(std::int32_t classCode, const Reference& parent, st
                              const ObjectOptions& options)
 {
     ObjectDraft& draft = Add(classCode, parent, std::move(name), options);
-    draft.left = left.subject;
-    draft.right = right.subject;
+    draft.links =
+        std::make_unique<DraftLinks>(DraftLinks{.left = left.subject, .right = right.subject});
     draft.record.leftCardinality = left.cardinality;
     draft.record.rightCardinality = right.cardinality;
     draft.record.text = std::move(condition);
@@ -124,9 +123,8 @@ amd_id ModelBuilder::AddRelationshipShortcut(const Reference& parent, std::strin
                                              const ObjectOptions& options)
 {
     ObjectDraft& draft = Add(IdClassRelationshipShortcut, parent, std::move(name), options);
-    draft.referenced = target.relationship;
-    draft.left = target.left;
-    draft.right = target.right;
+    draft.links = std::make_unique<DraftLinks>(
+        DraftLinks{.referenced = target.relationship, .left = target.left, .right = target.right});
     return draft.record.id;
 }
 

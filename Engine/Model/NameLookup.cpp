@@ -27,6 +27,14 @@ amd_id ScopeOf(const ObjectRecord& record)
     }
 }
 
+bool IsScopeLess(const NameIndex::Entry& left, const NameIndex::Entry& right)
+{
+    return std::tie(left.scope, left.id) < std::tie(right.scope, right.id);
+}
+
+/// Where a range begins that has no place yet.
+constexpr std::size_t kUnplaced = static_cast<std::size_t>(-1);
+
 bool SameName(const std::string& left, const std::string& right, NameLookup::ECase letterCase)
 {
     return letterCase == NameLookup::ECase::Exact ? left == right
@@ -43,20 +51,34 @@ bool SameNames(const QualifiedName& left, const QualifiedName& right, NameLookup
 
 } // namespace
 
-NameIndex::NameIndex(std::vector<Entry> entries) : mEntries(std::move(entries))
+NameIndex::NameIndex(const std::vector<Entry>& entries) : mEntries(entries.size())
 {
-    for (Entry& entry : mEntries)
-        SetFolded(entry);
-    std::sort(mEntries.begin(), mEntries.end(), [](const Entry& left, const Entry& right) {
-        return std::tie(left.folded, left.scope, left.id) <
-               std::tie(right.folded, right.scope, right.id);
-    });
+    const std::vector<Range*> ranges = CountNames(entries);
+    std::size_t end = 0;
+    for (Range* const range : ranges) {
+        if (range->first == kUnplaced)
+            range->first = std::exchange(end, end + std::exchange(range->count, 0));
+    }
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        mEntries[ranges[i]->first + ranges[i]->count++] = entries[i];
+    for (const auto& [name, range] : mRanges) {
+        const std::span<Entry> entriesOfName = std::span(mEntries).subspan(range.first, range.count);
+        // Tables give their records in the order of ids, in which scopes mostly ascend too.
+        if (!std::ranges::is_sorted(entriesOfName, IsScopeLess))
+            std::ranges::sort(entriesOfName, IsScopeLess);
+    }
 }
 
-void NameIndex::SetFolded(Entry& entry)
+std::vector<NameIndex::Range*> NameIndex::CountNames(const std::vector<Entry>& entries)
 {
-    std::string folded = FoldCase(entry.name);
-    entry.folded = folded == entry.name ? entry.name : mFolded.emplace_back(std::move(folded));
+    std::vector<Range*> ranges;
+    ranges.reserve(entries.size());
+    for (const Entry& entry : entries) {
+        Range& range = mRanges.try_emplace(FoldCase(entry.name), Range{kUnplaced, 0}).first->second;
+        ++range.count;
+        ranges.push_back(&range);
+    }
+    return ranges;
 }
 
 amd_id NameIndex::Find(const amd_id& scope, std::string_view name) const
@@ -70,28 +92,18 @@ amd_id NameIndex::Find(const amd_id& scope, std::string_view name) const
 
 std::span<const NameIndex::Entry> NameIndex::FindFolded(std::string_view name) const
 {
-    const std::string folded = FoldCase(name);
-    const auto first =
-        std::partition_point(mEntries.begin(), mEntries.end(),
-                             [&](const Entry& entry) { return entry.folded < folded; });
-    const auto last = std::partition_point(
-        first, mEntries.end(), [&](const Entry& entry) { return entry.folded == folded; });
-    return {first, last};
+    const auto found = mRanges.find(FoldCase(name));
+    if (found == mRanges.end())
+        return {};
+    return std::span(mEntries).subspan(found->second.first, found->second.count);
 }
 
 std::span<const NameIndex::Entry> NameIndex::FindFolded(const amd_id& scope,
                                                         std::string_view name) const
 {
-    const std::string folded = FoldCase(name);
-    const auto wanted = std::tuple<std::string_view, const amd_id&>(folded, scope);
-    const auto first =
-        std::partition_point(mEntries.begin(), mEntries.end(), [&](const Entry& entry) {
-            return std::tie(entry.folded, entry.scope) < wanted;
-        });
-    auto last = first;
-    while (last != mEntries.end() && std::tie(last->folded, last->scope) == wanted)
-        ++last;
-    return {first, last};
+    const std::span<const Entry> entries = FindFolded(name);
+    const auto found = std::ranges::equal_range(entries, scope, {}, &Entry::scope);
+    return {found.begin(), found.end()};
 }
 
 void NameIndex::CollectNames(std::vector<std::string_view>& names) const
@@ -113,10 +125,10 @@ NameLookup::NameLookup(const ObjectTable& table, std::span<const ENameKind> name
     for (const ObjectRecord& record : table.GetRecords()) {
         const auto nameKind = static_cast<std::size_t>(NameKindOf(record.id.classCode));
         if (isWanted[nameKind])
-            entries[nameKind].push_back({{}, record.name, ScopeOf(record), record.id});
+            entries[nameKind].push_back({record.name, ScopeOf(record), record.id});
     }
     for (std::size_t nameKind = 0; nameKind < kNameKindCount; ++nameKind)
-        mIndexes[nameKind] = NameIndex(std::move(entries[nameKind]));
+        mIndexes[nameKind] = NameIndex(entries[nameKind]);
 }
 
 amd_id NameLookup::FindExact(ENameKind nameKind, const amd_id& scope, std::string_view name) const

@@ -8,16 +8,16 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace qe::model {
 
-/// Finds the objects of one name kind by name. Lookups are binary searches; the suggestions for a
-/// wrong name read every name.
+/// Finds the objects of one name kind by name: what shares a name, letter case aside, stands
+/// together. Suggestions for a wrong name read every name.
 ///
 /// Every object has a scope, the object within which its name is looked up: the query subject of
 /// an item, the namespace of most others. Results are ordered by scope, then id.
@@ -26,15 +26,14 @@ class NameIndex
 public:
     struct Entry
     {
-        std::string_view folded;
         std::string_view name;
         amd_id scope;
         amd_id id;
     };
 
     NameIndex() = default;
-    /// Takes entries in any order; `folded` need not be set. Refers to their names.
-    explicit NameIndex(std::vector<Entry> entries);
+    /// Takes entries in any order. Refers to their names.
+    explicit NameIndex(const std::vector<Entry>& entries);
     // A copy would refer to the folded names of the original.
     NameIndex(const NameIndex&) = delete;
     NameIndex& operator=(const NameIndex&) = delete;
@@ -56,11 +55,19 @@ public:
     void CollectNames(std::vector<std::string_view>& names) const;
 
 private:
-    void SetFolded(Entry& entry);
+    /// Where the entries of one folded name stand.
+    struct Range
+    {
+        std::size_t first = 0;
+        std::size_t count = 0;
+    };
 
-    /// The folded names that differ from the names.
-    std::deque<std::string> mFolded;
-    /// Ordered by (folded name, scope, id).
+    /// Returns the range of the folded name for each entry, and counts the entries in it.
+    [[nodiscard]] std::vector<Range*> CountNames(const std::vector<Entry>& entries);
+
+    /// By folded name. Nothing depends on the order in which a hash map has them.
+    std::unordered_map<std::string, Range> mRanges;
+    /// Range by range in the order of their first entries, each ordered by (scope, id).
     std::vector<Entry> mEntries;
 };
 

@@ -5,6 +5,7 @@
 #include "amd_id.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -34,6 +35,14 @@ private:
 /// The place of a reference that names nothing: the top of the model.
 inline const Reference kTop{};
 
+/// What a shortcut or join refers to.
+struct DraftLinks
+{
+    Reference referenced{};
+    Reference left{};
+    Reference right{};
+};
+
 /// An object as it was added: its references are not followed yet.
 struct ObjectDraft
 {
@@ -43,9 +52,8 @@ struct ObjectDraft
     std::int32_t classCode = 0;
     std::int64_t tag = 0;
     Reference parent{};
-    Reference referenced{};
-    Reference left{};
-    Reference right{};
+    /// Null but for shortcuts and joins: most objects are items, and these should be small.
+    std::unique_ptr<DraftLinks> links{};
 };
 
 /// A draft while its model is put together.

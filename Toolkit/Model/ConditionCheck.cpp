@@ -53,10 +53,10 @@ ConditionCheck::ConditionCheck(std::shared_ptr<const model::Model> model,
 
 void ConditionCheck::Check(const ContentObject& object)
 {
-    if (object.condition.empty())
+    if (object.links == nullptr || object.links->condition.empty())
         return;
     const std::string pointer = ChildPointer(object.pointer, keys::kCondition);
-    const expression::ParseReport report = expression::FindReferences(object.condition);
+    const expression::ParseReport report = expression::FindReferences(object.links->condition);
     if (report.error)
         mProblems->Add(pointer, "cannot be read at " + ToPlace(report.error->position) +
                                     ": expected " + report.error->expected + ", found " +

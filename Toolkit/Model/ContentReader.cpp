@@ -305,7 +305,7 @@ void ContentReader::ReadKey(const PlacedJson& json, std::size_t subject)
 void ContentReader::ReadShortcut(const PlacedJson& json, std::size_t parent)
 {
     JsonObject object(json, *mProblems);
-    ContentObject& shortcut = mContent.objects[Add(object, IdClassShortcut, parent)];
+    ContentLinks& shortcut = AddLinked(object, IdClassShortcut, parent);
     shortcut.target = ReadReference(object, keys::kTarget, *mProblems);
     shortcut.kind = object.GetNumber(keys::kKind).value_or(0);
     object.RejectUnknownKeys();
@@ -332,7 +332,7 @@ void ContentReader::ReadJoin(const PlacedJson& json, std::int32_t classCode, std
     JsonObject object(json, *mProblems);
     if (classCode != IdClassSpecJoin)
         static_cast<void>(object.Find(keys::kClass));
-    ContentObject& join = mContent.objects[Add(object, classCode, parent)];
+    ContentLinks& join = AddLinked(object, classCode, parent);
     join.left.subject = ReadReference(object, keys::kLeft, *mProblems);
     join.left.cardinality = ReadCardinality(object, keys::kLeftCardinality, *mProblems);
     join.right.subject = ReadReference(object, keys::kRight, *mProblems);
@@ -344,7 +344,7 @@ void ContentReader::ReadJoin(const PlacedJson& json, std::int32_t classCode, std
 void ContentReader::ReadRelationshipShortcut(const PlacedJson& json, std::size_t parent)
 {
     JsonObject object(json, *mProblems);
-    ContentObject& shortcut = mContent.objects[Add(object, IdClassRelationshipShortcut, parent)];
+    ContentLinks& shortcut = AddLinked(object, IdClassRelationshipShortcut, parent);
     shortcut.target = ReadReference(object, keys::kTarget, *mProblems);
     shortcut.left.subject = ReadReference(object, keys::kLeft, *mProblems);
     shortcut.right.subject = ReadReference(object, keys::kRight, *mProblems);
@@ -354,7 +354,7 @@ void ContentReader::ReadRelationshipShortcut(const PlacedJson& json, std::size_t
 void ContentReader::ReadFilter(const PlacedJson& json, std::int32_t classCode, std::size_t parent)
 {
     JsonObject object(json, *mProblems);
-    ContentObject& filter = mContent.objects[Add(object, classCode, parent)];
+    ContentLinks& filter = AddLinked(object, classCode, parent);
     filter.condition = object.GetText(keys::kCondition, EPresence::Required);
     object.RejectUnknownKeys();
 }
@@ -364,11 +364,12 @@ bool ContentReader::ReadPlainName(const PlacedJson& json, std::int32_t classCode
 {
     if (!json.value->is_string())
         return false;
-    mContent.objects.push_back({.classCode = classCode,
-                                .pointer = json.pointer,
-                                .isPlainName = true,
-                                .parent = parent,
-                                .name = ReadText(json, *mProblems).value_or("")});
+    ContentObject& object = mContent.objects.emplace_back();
+    object.classCode = classCode;
+    object.pointer = json.pointer;
+    object.isPlainName = true;
+    object.parent = parent;
+    object.name = ReadText(json, *mProblems).value_or("");
     return true;
 }
 
@@ -384,7 +385,7 @@ void ContentReader::RecordId(ContentObject& object)
 
 std::size_t ContentReader::Add(JsonObject& json, std::int32_t classCode, std::size_t parent)
 {
-    ContentObject object;
+    ContentObject& object = mContent.objects.emplace_back();
     object.classCode = classCode;
     object.pointer = json.GetPointer();
     object.parent = parent;
@@ -395,8 +396,14 @@ std::size_t ContentReader::Add(JsonObject& json, std::int32_t classCode, std::si
     object.options.locale = json.GetText(keys::kLocale);
     if (object.options.id != amd_id())
         RecordId(object);
-    mContent.objects.push_back(std::move(object));
     return mContent.objects.size() - 1;
+}
+
+ContentLinks& ContentReader::AddLinked(JsonObject& json, std::int32_t classCode, std::size_t parent)
+{
+    ContentObject& object = mContent.objects[Add(json, classCode, parent)];
+    object.links = std::make_unique<ContentLinks>();
+    return *object.links;
 }
 
 } // namespace qe::tool

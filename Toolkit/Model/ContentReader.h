@@ -13,11 +13,23 @@
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <memory>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
 namespace qe::tool {
+
+/// What joins, shortcuts and filters have beyond other objects. Fields that a class does not use
+/// keep their defaults.
+struct ContentLinks
+{
+    model::Reference target{};
+    std::int32_t kind = 0;
+    model::JoinEnd left{};
+    model::JoinEnd right{};
+    std::string condition{};
+};
 
 /// One object as a model file describes it. Fields that its class does not use keep their
 /// defaults.
@@ -35,11 +47,8 @@ struct ContentObject
     std::string name{};
     std::string description{};
     model::ObjectOptions options{};
-    model::Reference target{};
-    std::int32_t kind = 0;
-    model::JoinEnd left{};
-    model::JoinEnd right{};
-    std::string condition{};
+    /// Null for objects that have none: most are items, and these should be small.
+    std::unique_ptr<ContentLinks> links{};
 };
 
 /// A reference and where the file has it.
@@ -135,6 +144,8 @@ private:
     void RecordId(ContentObject& object);
     /// Starts an object with what every object has. Returns its position.
     std::size_t Add(JsonObject& json, std::int32_t classCode, std::size_t parent);
+    /// Starts an object that has links, and returns these.
+    ContentLinks& AddLinked(JsonObject& json, std::int32_t classCode, std::size_t parent);
 
     JsonProblems* mProblems;
     ModelContent mContent;

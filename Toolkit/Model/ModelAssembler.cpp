@@ -42,6 +42,8 @@ std::string PlaceOf(const ContentObject& object, EAspect aspect)
 amd_id AddTo(ModelBuilder& builder, const ContentObject& object, const model::Reference& parent,
              const model::ObjectOptions& options)
 {
+    static const ContentLinks kNoLinks;
+    const ContentLinks& links = object.links == nullptr ? kNoLinks : *object.links;
     switch (object.classCode) {
     case model::IdClassNamespace:
         return builder.AddNamespace(parent, object.name, options);
@@ -52,26 +54,26 @@ amd_id AddTo(ModelBuilder& builder, const ContentObject& object, const model::Re
     case IdClassQueryItem:
         return builder.AddItem(parent, object.name, options);
     case IdClassShortcut:
-        return builder.AddShortcut(parent, object.name, {object.target, object.kind}, options);
+        return builder.AddShortcut(parent, object.name, {links.target, links.kind}, options);
     case IdClassRelationship:
-        return builder.AddRelationship(parent, object.name, object.left, object.right,
-                                       object.condition, options);
+        return builder.AddRelationship(parent, object.name, links.left, links.right,
+                                       links.condition, options);
     case IdClassRelationship136:
-        return builder.AddRelationship136(parent, object.name, object.left, object.right,
-                                          object.condition, options);
+        return builder.AddRelationship136(parent, object.name, links.left, links.right,
+                                          links.condition, options);
     case IdClassRelationshipShortcut:
         return builder.AddRelationshipShortcut(parent, object.name,
-                                               {.relationship = object.target,
-                                                .left = object.left.subject,
-                                                .right = object.right.subject},
+                                               {.relationship = links.target,
+                                                .left = links.left.subject,
+                                                .right = links.right.subject},
                                                options);
     case IdClassFilter:
-        return builder.AddFilter(parent, object.name, object.condition, options);
+        return builder.AddFilter(parent, object.name, links.condition, options);
     case IdClassSpecJoin:
-        return builder.AddSpecJoin(object.name, object.left, object.right, object.condition,
+        return builder.AddSpecJoin(object.name, links.left, links.right, links.condition,
                                    options);
     default:
-        return builder.AddSpecFilter(object.name, object.condition, options);
+        return builder.AddSpecFilter(object.name, links.condition, options);
     }
 }
 

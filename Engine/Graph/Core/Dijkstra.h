@@ -32,7 +32,11 @@ public:
         Stop,
     };
 
-    explicit DijkstraSearch(std::uint32_t nodeCount = 0) : mDistances(nodeCount, kUnreached) {}
+    explicit DijkstraSearch(std::uint32_t nodeCount = 0) : mDistances(nodeCount, kUnreached)
+    {
+        mReached.reserve(std::min(nodeCount, kFewReached));
+        mQueue.reserve(std::min(nodeCount, kFewReached));
+    }
 
     /// Forgets what was reached.
     void Reset()
@@ -98,6 +102,8 @@ private:
         NodeIndex node;
         friend auto operator<=>(const QueuedNode&, const QueuedNode&) = default;
     };
+
+    static constexpr std::uint32_t kFewReached = 64;
 
     NodeDistances mDistances;
     std::vector<NodeIndex> mReached;

@@ -12,6 +12,9 @@ namespace {
 // for ever does not use up memory.
 constexpr std::size_t kFewestToMerge = 1U << 17U;
 
+// Room for so many is made at once.
+constexpr std::size_t kFewestBuffered = 64;
+
 bool IsDue(std::size_t buffered, std::uint32_t held)
 {
     return buffered >= std::max<std::size_t>(kFewestToMerge, held);
@@ -28,6 +31,8 @@ void GraphStorage::AddNode(const amd_id& node)
 {
     if (IsDue(mNewNodes.size(), mNodeIds.GetCount()))
         MergePendingNodes();
+    if (mNewNodes.empty())
+        mNewNodes.reserve(kFewestBuffered);
     mNewNodes.push_back(node);
 }
 
@@ -36,6 +41,8 @@ void GraphStorage::AddEdge(const amd_id& edge, const amd_id& end1, const amd_id&
 {
     if (IsDue(mNewEdges.size(), mEdgeIds.GetCount()))
         MergePendingEdges();
+    if (mNewEdges.empty())
+        mNewEdges.reserve(kFewestBuffered);
     mNewEdges.push_back({edge, end1, end2, weight});
 }
 
@@ -75,29 +82,29 @@ void GraphStorage::MergePendingEdges()
 // Returns the new edges at `places`, after adding those of their ends that are missing.
 std::vector<Edge> GraphStorage::ResolveEdges(const std::vector<std::uint32_t>& places)
 {
-    std::vector<std::uint32_t> slots;
-    slots.reserve(2 * places.size());
     std::vector<amd_id> missing;
-    std::vector<std::size_t> open;
-    for (const std::uint32_t place : places) {
-        for (const amd_id& end : {mNewEdges[place].end1, mNewEdges[place].end2}) {
-            const std::optional<std::uint32_t> slot = mNodeIds.FindSlot(end);
-            if (!slot) {
-                missing.push_back(end);
-                open.push_back(slots.size());
-            }
-            slots.push_back(slot.value_or(0));
-        }
-    }
-    mNodeIds.Add(missing);
-    for (std::size_t i = 0; i < open.size(); ++i)
-        slots[open[i]] = *mNodeIds.FindSlot(missing[i]);
-
+    const auto find = [&](const amd_id& end) {
+        const std::optional<std::uint32_t> slot = mNodeIds.FindSlot(end);
+        if (!slot)
+            missing.push_back(end);
+        return slot ? NodeIndex{*slot} : NodeIndex{};
+    };
     std::vector<Edge> edges;
     edges.reserve(places.size());
-    for (std::size_t i = 0; i < places.size(); ++i)
-        edges.push_back(
-            {NodeIndex{slots[2 * i]}, NodeIndex{slots[2 * i + 1]}, mNewEdges[places[i]].weight});
+    for (const std::uint32_t place : places) {
+        const NewEdge& edge = mNewEdges[place];
+        edges.push_back({find(edge.end1), find(edge.end2), edge.weight});
+    }
+    if (missing.empty())
+        return edges;
+    mNodeIds.Add(missing);
+    auto next = missing.begin();
+    for (Edge& edge : edges) {
+        for (NodeIndex* const end : {&edge.end1, &edge.end2}) {
+            if (!end->IsValid())
+                *end = NodeIndex{*mNodeIds.FindSlot(*next++)};
+        }
+    }
     return edges;
 }
 

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <iterator>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 namespace qe::graph {
@@ -73,8 +75,6 @@ void SortByByte(std::vector<IdIndex::Entry>& entries, unsigned byte,
 void SortById(std::vector<IdIndex::Entry>& entries)
 {
     constexpr std::size_t kFewestToCount = 512;
-    if (std::is_sorted(entries.begin(), entries.end(), IsIdLess))
-        return;
     if (entries.size() < kFewestToCount) {
         std::stable_sort(entries.begin(), entries.end(), IsIdLess);
         return;
@@ -127,8 +127,11 @@ IdIndex::Addition IdIndex::Prepare(std::span<const amd_id> ids)
     run.reserve(ids.size());
     for (const amd_id& id : ids)
         run.push_back(MakeEntry(id, static_cast<std::uint32_t>(run.size())));
-    SortById(run);
-    run.erase(std::unique(run.begin(), run.end(), IsSameId), run.end());
+    // The ids of a model mostly come in their order, each once.
+    if (std::adjacent_find(run.begin(), run.end(), std::not_fn(IsIdLess)) != run.end()) {
+        SortById(run);
+        run.erase(std::unique(run.begin(), run.end(), IsSameId), run.end());
+    }
     DropKnown(run);
     addition.mPlaces = AssignSlots(run, ids.size());
     std::size_t& kept = addition.mKeptRuns;
@@ -159,6 +162,13 @@ bool IdIndex::Add(std::span<const amd_id> ids)
 // Turns the places in the entries into slots, given in the order of the places.
 std::vector<std::uint32_t> IdIndex::AssignSlots(Run& run, std::size_t placeCount) const
 {
+    if (run.size() == placeCount) {
+        for (Entry& entry : run)
+            entry.slot += mCount;
+        std::vector<std::uint32_t> all(placeCount);
+        std::iota(all.begin(), all.end(), 0U);
+        return all;
+    }
     constexpr std::uint32_t kNoSlot = std::numeric_limits<std::uint32_t>::max();
     std::vector<std::uint32_t> slotOfPlace(placeCount, kNoSlot);
     for (const Entry& entry : run)

@@ -99,6 +99,7 @@ public:
 
     void assign(std::size_t count, const Value& value) { mValues.assign(count, value); }
     void resize(std::size_t count) { mValues.resize(count); }
+    void reserve(std::size_t count) { mValues.reserve(count); }
     void push_back(Value value) { mValues.push_back(std::move(value)); }
 
 private:

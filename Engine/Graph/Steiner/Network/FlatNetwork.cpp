@@ -2,11 +2,19 @@
 
 #include "Engine/Graph/Steiner/Network/Network.h"
 
+#include <cstddef>
+
 namespace qe::graph {
 
 FlatNetwork::FlatNetwork(const Network& network)
 {
     IndexedVector<NodeIndex, NodeIndex> local(network.GetNodeLimit());
+    mFirstArc.reserve(network.GetNodeLimit() + std::size_t{1});
+    mIsTerminal.reserve(network.GetNodeLimit());
+    mTerminals.reserve(network.GetTerminalCount());
+    mOrigins.reserve(2 * std::size_t{network.GetEdgeCount()});
+    mWeights.reserve(network.GetEdgeCount());
+    mNetworkEdges.reserve(network.GetEdgeCount());
     mFirstArc.push_back(0);
     for (const NodeIndex node : network.GetNodes()) {
         if (network.GetDegree(node) == 0 && !network.IsTerminal(node))

@@ -14,6 +14,12 @@ void Network::MakeTerminal(NodeIndex node)
     mNodes[node].isTerminal = true;
 }
 
+void Network::Reserve(std::size_t edges)
+{
+    mEdges.reserve(edges);
+    mHalves.reserve(2 * edges);
+}
+
 void Network::Link(HalfEdge half, NodeIndex origin)
 {
     Node& node = mNodes[origin];

@@ -5,6 +5,7 @@
 #include "Engine/Graph/Steiner/Network/StrandPool.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -61,6 +62,9 @@ public:
     }
 
     void MakeTerminal(NodeIndex node);
+
+    /// Makes room for so many edges.
+    void Reserve(std::size_t edges);
 
     /// Adds an edge between two different nodes that no edge joins yet.
     void AppendEdge(NodeIndex end1, NodeIndex end2, std::uint64_t weight, StrandIndex strand);

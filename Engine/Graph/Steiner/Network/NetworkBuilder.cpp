@@ -127,6 +127,8 @@ Network NetworkBuilder::Build(std::span<const NodeIndex> terminals, StrandPool& 
     const std::uint32_t count = Number();
     SortLinks(count);
     Network network(count, strands);
+    network.Reserve(mLinks.size());
+    strands.Reserve(mLinks.size());
     // The last edge seen towards each node; it is one of the current node when it is no older
     // than that node's first.
     IndexedVector<NodeIndex, std::uint32_t> lastEdge(count, 0);

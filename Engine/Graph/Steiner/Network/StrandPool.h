@@ -27,6 +27,9 @@ struct StrandIndex
 class StrandPool
 {
 public:
+    /// Makes room for so many strands more.
+    void Reserve(std::size_t count) { mStrands.reserve(mStrands.size() + count); }
+
     /// Adds the strand that is the one edge.
     StrandIndex AddEdge(EdgeIndex edge);
     /// Adds the strand that runs through both.

@@ -13,7 +13,10 @@ class BlockSplit
 {
 public:
     explicit BlockSplit(const Network& network) : mNetwork(network), mVisits(network.GetNodeLimit())
-    {}
+    {
+        mPath.reserve(network.GetNodeLimit());
+        mEdges.reserve(network.GetEdgeCount());
+    }
 
     std::vector<Network> Run();
 
@@ -143,6 +146,7 @@ void BlockSplit::Emit(std::uint32_t firstEdge)
     for (std::uint32_t local = 0; local < nodes.size(); ++local)
         mVisits[nodes[local]].local = {local};
     Network block(static_cast<std::uint32_t>(nodes.size()), mNetwork.GetStrands());
+    block.Reserve(edges.size());
     for (const EdgeIndex edge : edges) {
         const auto [end1, end2] = mNetwork.GetEnds(edge);
         block.AppendEdge(mVisits[end1].local, mVisits[end2].local, mNetwork.GetWeight(edge),
