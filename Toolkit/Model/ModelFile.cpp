@@ -40,6 +40,7 @@ ToolModel ReadModelText(std::string_view text, const std::string& fileName)
     result.histories = std::move(content.histories);
     result.governors = content.governors;
     result.descriptions = assembler.GetDescriptions();
+    result.writtenNames = {.dialect = content.dialect, .quoted = assembler.GetQuotedNames()};
     result.acceptedFindings = std::move(content.acceptedFindings);
     return result;
 }
