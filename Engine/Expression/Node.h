@@ -37,10 +37,12 @@ enum class ENodeKind : std::uint8_t
     Case = 19,
     When = 20,
     Cast = 21,
+    /// IS DISTINCT FROM: a comparison for which null is a value like any other.
+    Distinct = 22,
 };
 
-/// What stands between two operands, and the NOT inside NOT IN, NOT LIKE, NOT BETWEEN and
-/// IS NOT NULL.
+/// What stands between two operands, and the NOT inside NOT IN, NOT LIKE, NOT BETWEEN,
+/// IS NOT NULL and IS NOT DISTINCT FROM.
 enum class EOperator : std::uint8_t
 {
     Or,
@@ -64,10 +66,10 @@ enum class EOperator : std::uint8_t
 ///
 /// Operands by kind: Or, And, Comparison, Concatenation, Sum and Product have an operator
 /// between each two; In has the tested value and then the list; Like the value, the pattern and
-/// perhaps the escape character; Between the value and both bounds; Case perhaps the value that
-/// is compared, then its Whens, then perhaps the value behind ELSE; When the condition and the
-/// value behind THEN; Not, Negation, IsNull and Cast have one; Call has its arguments; the other
-/// kinds have none.
+/// perhaps the escape character; Between the value and both bounds; Distinct the two values; Case
+/// perhaps the value that is compared, then its Whens, then perhaps the value behind ELSE; When the
+/// condition and the value behind THEN; Not, Negation, IsNull and Cast have one; Call has its
+/// arguments; the other kinds have none.
 class Node : public AQE_ExpressionNode
 {
 public:

@@ -38,6 +38,7 @@ EPrecedence PrecedenceOf(ENodeKind kind) noexcept
     case ENodeKind::Like:
     case ENodeKind::Between:
     case ENodeKind::IsNull:
+    case ENodeKind::Distinct:
         return EPrecedence::Predicate;
     case ENodeKind::Concatenation:
         return EPrecedence::Concatenation;

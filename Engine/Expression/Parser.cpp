@@ -2,6 +2,7 @@
 
 #include "Engine/Expression/Lexer.h"
 #include "Engine/Expression/Operators.h"
+#include "Engine/Services/Characters.h"
 
 #include <exception>
 #include <utility>
@@ -51,6 +52,7 @@ private:
     NodePointer ParseExpression(EPrecedence loosest);
     NodePointer ParseInfix(NodePointer left, ENodeKind kind);
     NodePointer ParsePredicate(NodePointer left);
+    NodePointer ParseDistinct(NodePointer left, bool negated);
     NodePointer ParseNested(ENodeKind kind, EPrecedence loosest);
     void ParseList(Node& parent);
     NodePointer ParseOperand();
@@ -64,6 +66,10 @@ private:
 
     [[nodiscard]] EPrecedence PrecedenceAfterOperand() const;
     [[nodiscard]] bool Is(ETokenKind kind) const { return mCurrent.kind == kind; }
+    [[nodiscard]] bool IsWord(std::string_view word) const
+    {
+        return Is(ETokenKind::Word) && ascii::ToLower(std::string(mCurrent.text)) == word;
+    }
     Token Advance() { return std::exchange(mCurrent, mLexer.Next()); }
     bool Accept(ETokenKind kind);
     void Expect(ETokenKind kind, const char* expected);
@@ -155,7 +161,13 @@ NodePointer Parser::ParsePredicate(NodePointer left)
     bool negated = Accept(ETokenKind::Not);
     if (negated && !Is(ETokenKind::In) && !Is(ETokenKind::Like) && !Is(ETokenKind::Between))
         Fail("IN, LIKE or BETWEEN");
-    auto predicate = std::make_unique<Node>(PredicateOf(Advance().kind));
+    const ETokenKind keyword = Advance().kind;
+    if (keyword == ETokenKind::Is) {
+        negated = Accept(ETokenKind::Not);
+        if (IsWord("distinct"))
+            return ParseDistinct(std::move(left), negated);
+    }
+    auto predicate = std::make_unique<Node>(PredicateOf(keyword));
     predicate->AddOperand(std::move(left));
     switch (predicate->GetKind()) {
     case ENodeKind::In:
@@ -173,10 +185,25 @@ NodePointer Parser::ParsePredicate(NodePointer left)
         predicate->AddOperand(ParseExpression(kPredicateOperands));
         break;
     default:
-        negated = Accept(ETokenKind::Not);
-        Expect(ETokenKind::Null, negated ? "NULL" : "NULL or NOT NULL");
+        Expect(ETokenKind::Null,
+               negated ? "NULL or DISTINCT FROM" : "NULL, NOT NULL or DISTINCT FROM");
         break;
     }
+    if (negated)
+        predicate->AddOperator(EOperator::Not);
+    return predicate;
+}
+
+/// Parses what follows IS or IS NOT. DISTINCT and FROM are names everywhere else.
+NodePointer Parser::ParseDistinct(NodePointer left, bool negated)
+{
+    Advance();
+    if (!IsWord("from"))
+        Fail("FROM");
+    Advance();
+    auto predicate = std::make_unique<Node>(ENodeKind::Distinct);
+    predicate->AddOperand(std::move(left));
+    predicate->AddOperand(ParseExpression(kPredicateOperands));
     if (negated)
         predicate->AddOperator(EOperator::Not);
     return predicate;

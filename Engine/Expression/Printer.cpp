@@ -27,10 +27,10 @@ Printer::~Printer() = default;
 
 void Printer::Print(const AQE_ExpressionNode& node)
 {
-    if (node.GetNodeType() == static_cast<int>(ENodeKind::Reference))
-        return PrintReference(node);
     if (const auto* const known = dynamic_cast<const Node*>(&node))
         return PrintNode(*known);
+    if (node.GetNodeType() == static_cast<int>(ENodeKind::Reference))
+        return PrintReference(node);
     for (const AQE_ExpressionNode* child : node.GetChildren())
         Print(*child);
 }
@@ -76,6 +76,7 @@ void Printer::PrintNode(const Node& node)
     case ENodeKind::Like:
     case ENodeKind::Between:
     case ENodeKind::IsNull:
+    case ENodeKind::Distinct:
         return PrintPredicate(node);
     default:
         return PrintInfix(node);
@@ -122,6 +123,12 @@ void Printer::PrintPredicate(const Node& node)
         mOut += negation;
         mOut += " NULL";
         return;
+    }
+    if (node.GetKind() == ENodeKind::Distinct) {
+        mOut += " IS";
+        mOut += negation;
+        mOut += " DISTINCT FROM ";
+        return PrintOperand(*operands[1], kLoosest);
     }
     mOut += negation;
     if (node.GetKind() == ENodeKind::In) {

@@ -31,19 +31,22 @@ public:
 protected:
     /// Writes a reference from its names, in brackets.
     virtual void PrintReference(const AQE_ExpressionNode& reference);
+    /// Writes a node and what is below it. Every node of this library passes here.
+    virtual void PrintNode(const Node& node);
+    /// Writes an operand, in parentheses where it binds more loosely.
+    void PrintOperand(const Node& operand, EPrecedence loosest);
+    /// Writes the operands from one on, between parentheses and with commas.
+    void PrintList(const Node& node, std::size_t first);
     /// Appends the text as it is.
     void PrintText(std::string_view text) { mOut += text; }
 
 private:
-    void PrintNode(const Node& node);
-    void PrintOperand(const Node& operand, EPrecedence loosest);
     void PrintInfix(const Node& node);
     void PrintNegation(const Node& node);
     void PrintPredicate(const Node& node);
     void PrintCase(const Node& choice);
     void PrintWhen(const Node& branch);
     void PrintCast(const Node& cast);
-    void PrintList(const Node& node, std::size_t first);
     void PrintQuoted(std::string_view value, char open, char close);
 
     std::string& mOut;

@@ -1,10 +1,11 @@
 #include "Tests/Toolkit/PathRows.h"
 
 #include "Engine/Model/Model.h"
+#include "Engine/Model/Names.h"
 #include "Source/Rules/Cardinality.h"
 #include "Tests/Toolkit/SqlRows.h"
-#include "Toolkit/Answers/SqlTables.h"
 #include "Toolkit/Ask/ColumnPairs.h"
+#include "Toolkit/Sql/SqlNames.h"
 
 #include <algorithm>
 #include <numeric>
@@ -15,6 +16,14 @@ namespace qe::test {
 using namespace qe::tool;
 
 namespace {
+
+std::string QuoteName(const std::string& source)
+{
+    std::string quoted;
+    for (const std::string& part : model::ParseQualifiedName(source))
+        quoted += (quoted.empty() ? "" : ".") + QuoteIdentifier(part);
+    return quoted;
+}
 
 bool IsRequired(const TableJoin& join, std::size_t end)
 {
@@ -190,7 +199,7 @@ SqliteDatabase PathRows::Make(std::mt19937& random) const
         std::string columns;
         for (const auto& [name, values] : tables[table])
             columns += (columns.empty() ? "" : ", ") + QuoteIdentifier(name);
-        const std::string source = QuoteTableName(mSources[table]);
+        const std::string source = QuoteName(mSources[table]);
         script += "CREATE TABLE " + source + '(' + columns + ");";
         for (std::size_t row = 0; row < mCounts[table]; ++row) {
             std::string line;

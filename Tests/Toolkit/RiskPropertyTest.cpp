@@ -155,7 +155,7 @@ private:
                  const Risks& risks, std::vector<Shown>& shown)
     {
         const SqliteDatabase database = rows.Make(mRandom);
-        const SqlTables names(*mModel.model, tables);
+        const SqlTables names(mModel, tables);
         for (std::size_t table = 0; table < tables.GetCount() && tables.IsAsked(table); ++table) {
             const std::string measures = "SELECT count(t.qe_row), count(DISTINCT t.qe_row), "
                                          "coalesce(sum(t.qe_value), 0) FROM ";
@@ -290,7 +290,7 @@ TEST(RiskProperties, SilentSubjectsOfTheExampleHaveTheSumsOfTheirTables)
                 continue;
             ++silent;
             const PathTables tables(answer, answer.path);
-            const SqlTables names(*model.model, tables);
+            const SqlTables names(model, tables);
             const SqlTable& table = names.Get(tables.IndexOf(first));
             EXPECT_EQ(RunSql(database, "SELECT count(" + table.alias + ".rowid) " +
                                            WriteSql(model, answer, answer.path, {})),

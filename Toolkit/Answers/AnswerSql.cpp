@@ -13,6 +13,14 @@ namespace {
 
 constexpr std::size_t kItemsOfSubject = 3;
 
+const SqlDialect& ChooseDialect(const ToolModel& model, const SqlOptions& options)
+{
+    if (options.dialect != nullptr)
+        return *options.dialect;
+    const SqlDialect* const own = model.writtenNames.dialect;
+    return own == nullptr ? GetUsualSqlDialect() : *own;
+}
+
 class SqlWriter
 {
 public:
@@ -23,7 +31,7 @@ public:
           mOptions(options),
           mGateway(model.model),
           mPath(answer, path),
-          mTables(mModel, mPath)
+          mTables(model, mPath, ChooseDialect(model, options))
     {}
 
     [[nodiscard]] std::string Write();
@@ -56,7 +64,7 @@ std::string SqlWriter::Write()
 std::string SqlWriter::WriteSelect() const
 {
     std::string columns;
-    AliasNames names;
+    AliasNames names(mTables.GetDialect());
     for (const amd_id& subject : mAnswer.terminals) {
         if (!mPath.Has(subject))
             continue;
@@ -65,10 +73,9 @@ std::string SqlWriter::WriteSelect() const
             if (++count > kItemsOfSubject)
                 break;
             const std::string& name = mModel.Find(item)->name;
-            columns += (columns.empty() ? "" : ",\n       ") +
-                       mTables.Get(mPath.IndexOf(subject)).alias + '.' + QuoteIdentifier(name) +
+            columns += (columns.empty() ? "" : ",\n       ") + mTables.WriteColumn(subject, name) +
                        " AS " +
-                       QuoteIdentifier(names.Take(mModel.Find(subject)->name + '.' + name));
+                       mTables.WriteAlias(names.Take(mModel.Find(subject)->name + '.' + name));
         }
     }
     return "SELECT " + (columns.empty() ? "COUNT(*)" : columns) + '\n';
@@ -98,7 +105,9 @@ std::string SqlWriter::WriteConditions(const JoinStep& step)
 std::string SqlWriter::TableText(std::size_t table) const
 {
     const SqlTable& entry = mTables.Get(table);
-    return entry.source == entry.alias ? entry.source : entry.source + " AS " + entry.alias;
+    if (entry.source == entry.alias)
+        return entry.source;
+    return entry.source + std::string(mTables.GetDialect().names.tableAlias) + entry.alias;
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Ask/JoinPlan.h"
+#include "Toolkit/Sql/SqlDialect.h"
 #include "amd_id.h"
 
 #include <cstdint>
@@ -31,14 +32,16 @@ struct SqlOptions : JoinOptions
 
     ESelect select = ESelect::FromClause;
     EPassedTables passedTables = EPassedTables::Joined;
+    /// Null for the one that the model was read from, else the usual one.
+    const SqlDialect* dialect = nullptr;
 };
 
-/// Returns SQL that joins the tables along the path, for SQLite and PostgreSQL. Each query subject
+/// Returns SQL that joins the tables along the path, in the dialect. Each query subject
 /// and shortcut is a table of its own, under its name; what the path takes for the same, by the
 /// joins between shortcuts and what they stand for, is one. Subjects that the path does not reach
 /// come in by CROSS JOIN.
 ///
-/// Throws InputError when a condition or a name cannot be written in SQL.
+/// Throws InputError when a condition or a name cannot be written in the dialect.
 [[nodiscard]] std::string WriteSql(const ToolModel& model, const Answer& answer,
                                    const std::vector<amd_id>& path, const SqlOptions& options);
 

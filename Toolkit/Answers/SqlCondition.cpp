@@ -1,16 +1,17 @@
 #include "Toolkit/Answers/SqlCondition.h"
 
 #include "AQE_Expression.h"
-#include "Engine/Expression/Printer.h"
 #include "HBNException.h"
 #include "IdClass.h"
 #include "Source/Rules/JoinEnds.h"
+#include "Toolkit/Answers/DialectPrinter.h"
 #include "Toolkit/Answers/SqlTables.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -124,22 +125,23 @@ private:
 };
 
 /// Writes a condition whose references are columns of the tables of a statement.
-class SqlConditionPrinter final : public expression::Printer
+class SqlConditionPrinter final : public DialectPrinter
 {
 public:
     /// Appends to `out`; everything referred to must outlive the printer.
     SqlConditionPrinter(const SqlTables& tables, const SubjectsByReference& subjects,
                         std::string& out)
-        : Printer(out), mTables(tables), mSubjects(subjects)
+        : DialectPrinter(tables.GetDialect(),
+                         tables.IsForeign() ? ESource::Elsewhere : ESource::SameDialect, out),
+          mTables(tables),
+          mSubjects(subjects)
     {}
 
 private:
     void PrintReference(const AQE_ExpressionNode& reference) override
     {
-        const std::size_t table = mTables.IndexOf(mSubjects.at(&reference));
-        PrintText(mTables.Get(table).alias);
-        PrintText(".");
-        PrintText(QuoteIdentifier(reference.GetNamePath().back().ToStdString()));
+        PrintText(mTables.WriteColumn(mSubjects.at(&reference),
+                                      reference.GetNamePath().back().ToStdString()));
     }
 
     const SqlTables& mTables;
@@ -170,7 +172,13 @@ std::string WriteSqlCondition(model::ModelGateway& gateway, const SqlTables& tab
     const SubjectsByReference subjects =
         ReferenceTables(gateway.GetModel(), tables, join).Find(*expression);
     std::string text;
-    SqlConditionPrinter(tables, subjects, text).Print(*expression);
+    try {
+        SqlConditionPrinter(tables, subjects, text).PrintCondition(*expression);
+    } catch (const std::length_error&) {
+        Reject(join, "The condition cannot be written for " +
+                         std::string(tables.GetDialect().name) +
+                         ", which has no truth values: " + join.condition);
+    }
     return text;
 }
 

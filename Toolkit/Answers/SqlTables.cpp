@@ -1,72 +1,49 @@
 #include "Toolkit/Answers/SqlTables.h"
 
 #include "Engine/Model/Names.h"
-#include "Engine/Services/Characters.h"
-#include "Toolkit/Text/InputFile.h"
+#include "Toolkit/Model/ToolModel.h"
 
 #include <cstddef>
-#include <utility>
 
 namespace qe::tool {
-namespace {
 
-// PostgreSQL cuts identifiers there.
-constexpr std::size_t kMaximumBytes = 63;
-
-} // namespace
-
-std::string QuoteIdentifier(std::string_view name)
+SqlTables::SqlTables(const ToolModel& model, const PathTables& path, const SqlDialect& dialect)
+    : mModel(*model.model), mPath(path), mNames(dialect, model.writtenNames)
 {
-    if (name.empty() || name.find('\0') != std::string_view::npos)
-        throw InputError({{"sql", "SQL cannot hold an empty name, nor one with a zero in it: \"" +
-                                      std::string(name) + '"'}});
-    std::string quoted = "\"";
-    for (const char letter : name) {
-        quoted += letter;
-        if (letter == '"')
-            quoted += '"';
-    }
-    return quoted + '"';
-}
-
-std::string QuoteTableName(std::string_view source)
-{
-    std::string quoted;
-    for (const std::string& part : model::ParseQualifiedName(source))
-        quoted += (quoted.empty() ? "" : ".") + QuoteIdentifier(part);
-    return quoted;
-}
-
-std::string AliasNames::Take(std::string_view wanted)
-{
-    std::string name(CutUtf8(wanted, kMaximumBytes));
-    for (int number = 2; !mTaken.insert(model::FoldCase(name)).second; ++number) {
-        const std::string suffix = ' ' + std::to_string(number);
-        name = std::string(CutUtf8(wanted, kMaximumBytes - suffix.size())) + suffix;
-    }
-    return name;
-}
-
-namespace {
-
-std::string SourceOf(const model::Model& model, const amd_id& subject)
-{
-    const model::ObjectRecord* const record = model.Find(model.GetTarget(subject));
-    if (record == nullptr)
-        return {};
-    return record->text.empty() ? QuoteIdentifier(record->name) : QuoteTableName(record->text);
-}
-
-} // namespace
-
-SqlTables::SqlTables(const model::Model& model, const PathTables& path) : mPath(path)
-{
-    AliasNames aliases;
+    AliasNames aliases(dialect);
     for (std::size_t table = 0; table < path.GetCount(); ++table) {
         const amd_id& first = path.GetSubjects(table).front();
+        const Source source = FindSource(first);
+        const std::string alias = aliases.Take(mModel.Find(first)->name);
+        const bool isItself = !source.parts.empty() && alias == source.parts.back();
         mTables.push_back(
-            {SourceOf(model, first), QuoteIdentifier(aliases.Take(model.Find(first)->name))});
+            {.source = Write(source),
+             .alias = isItself ? mNames.Write(source.subject, alias) : mNames.WriteAlias(alias)});
     }
+}
+
+std::string SqlTables::WriteColumn(const amd_id& subject, std::string_view column) const
+{
+    return Get(IndexOf(subject)).alias + '.' + mNames.Write(mModel.GetTarget(subject), column);
+}
+
+SqlTables::Source SqlTables::FindSource(const amd_id& subject) const
+{
+    const amd_id target = mModel.GetTarget(subject);
+    const model::ObjectRecord* const record = mModel.Find(target);
+    if (record == nullptr)
+        return {};
+    if (record->text.empty())
+        return {.subject = target, .parts = {record->name}};
+    return {.subject = target, .parts = model::ParseQualifiedName(record->text)};
+}
+
+std::string SqlTables::Write(const Source& source) const
+{
+    std::string text;
+    for (const std::string& part : source.parts)
+        text += (text.empty() ? "" : ".") + mNames.Write(source.subject, part);
+    return text;
 }
 
 } // namespace qe::tool

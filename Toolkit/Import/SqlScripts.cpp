@@ -79,6 +79,7 @@ DatabaseSchema ReadSqlTexts(std::span<const ScriptText> scripts, std::optional<E
         std::find_if(kReaders.begin(), kReaders.end(),
                      [used](const DialectReader& known) { return known.dialect == used; });
     DatabaseSchema schema = reader->read(scripts, observer);
+    schema.dialect = &GetSqlDialect(used);
     RequireTables(schema, scripts, used);
     for (const ScriptText& script : scripts)
         schema.notes.insert(schema.notes.begin(), script.notes.begin(), script.notes.end());

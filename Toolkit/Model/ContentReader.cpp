@@ -151,6 +151,15 @@ namespace {
 
 constexpr std::int32_t kFormatVersion = 1;
 
+/// Returns the parts of the name of the query subject's table.
+NameSet TableParts(const ContentObject& subject)
+{
+    const model::QualifiedName parts = model::ParseQualifiedName(subject.options.source);
+    if (subject.options.source.empty())
+        return {subject.name};
+    return {parts.begin(), parts.end()};
+}
+
 } // namespace
 
 ModelContent ContentReader::Read(const nlohmann::json& document)
@@ -161,6 +170,7 @@ ModelContent ContentReader::Read(const nlohmann::json& document)
     const std::string locale = top.GetText(keys::kLocale);
     if (!locale.empty())
         mContent.locale = locale;
+    ReadDialect(top.Find(keys::kDialect));
     mContent.userClasses = top.GetTexts(keys::kUserClasses).value_or(std::vector<std::string>());
     mContent.histories = top.GetTexts(keys::kHistory).value_or(std::vector<std::string>());
     ReadGovernors(top.Find(keys::kGovernors));
@@ -181,6 +191,14 @@ void ContentReader::ReadVersion(JsonObject& top)
         mProblems->Add(ChildPointer(top.GetPointer(), keys::kVersion),
                        "must be " + std::to_string(kFormatVersion) + ": " +
                            std::to_string(*version));
+}
+
+void ContentReader::ReadDialect(const PlacedJson& json)
+{
+    if (json.value == nullptr)
+        return;
+    if (const auto position = ReadWord(json, ListSqlDialectWords(), *mProblems))
+        mContent.dialect = &GetSqlDialects()[*position];
 }
 
 void ContentReader::ReadGovernors(const PlacedJson& json)
@@ -269,6 +287,7 @@ void ContentReader::ReadSubject(const PlacedJson& json, std::size_t parent)
     JsonObject object(json, *mProblems);
     const std::size_t position = Add(object, IdClassQuerySubject, parent);
     mContent.objects[position].options.source = object.GetText(keys::kTable);
+    const PlacedJson quoted = object.Find(keys::kQuoted);
     const std::vector<PlacedJson> keys = object.GetList(keys::kKeys);
     for (const PlacedJson& element : object.GetList(keys::kItems)) {
         if (ReadPlainName(element, IdClassQueryItem, position))
@@ -279,7 +298,34 @@ void ContentReader::ReadSubject(const PlacedJson& json, std::size_t parent)
     }
     for (const PlacedJson& key : keys)
         ReadKey(key, position);
+    ReadQuotedNames(quoted, position);
     object.RejectUnknownKeys();
+}
+
+void ContentReader::ReadQuotedNames(const PlacedJson& json, std::size_t subject)
+{
+    if (json.value == nullptr)
+        return;
+    ContentObject& object = mContent.objects[subject];
+    NameSet names = TableParts(object);
+    for (std::size_t i = subject + 1; i < mContent.objects.size(); ++i)
+        names.insert(mContent.objects[i].name);
+    if (json.value->is_boolean()) {
+        if (json.value->get<bool>())
+            object.quoted = std::move(names);
+        return;
+    }
+    for (const PlacedJson& element : ReadList(json, *mProblems)) {
+        const std::optional<std::string> name = ReadText(element, *mProblems);
+        if (!name)
+            continue;
+        if (names.count(*name) == 0)
+            mProblems->Add(element.pointer,
+                           "is no item of the query subject and no part of its table: \"" + *name +
+                               '"',
+                           model::NearestNames(*name, {names.begin(), names.end()}));
+        object.quoted.insert(*name);
+    }
 }
 
 void ContentReader::ReadKey(const PlacedJson& json, std::size_t subject)

@@ -5,6 +5,7 @@
 #include "Engine/Model/ModelBuilder.h"
 #include "Toolkit/Model/Decision.h"
 #include "Toolkit/Model/ModelWords.h"
+#include "Toolkit/Sql/SqlNames.h"
 #include "Toolkit/Text/JsonObject.h"
 #include "Toolkit/Text/JsonProblems.h"
 #include "amd_id.h"
@@ -46,6 +47,8 @@ struct ContentObject
     std::size_t parent = kNoParent;
     std::string name{};
     std::string description{};
+    /// Names of a query subject's table and items that were written between quotes.
+    NameSet quoted{};
     model::ObjectOptions options{};
     /// Null for objects that have none: most are items, and these should be small.
     std::unique_ptr<ContentLinks> links{};
@@ -72,6 +75,8 @@ struct ContentDecision
 struct ModelContent
 {
     std::string locale = "en";
+    /// Null where the file names none.
+    const SqlDialect* dialect = nullptr;
     std::vector<std::string> userClasses{};
     std::vector<std::string> histories{};
     AQE_Governors governors{};
@@ -119,6 +124,7 @@ public:
 
 private:
     void ReadVersion(JsonObject& top);
+    void ReadDialect(const PlacedJson& json);
     void ReadGovernors(const PlacedJson& json);
     /// Replaces `value` by what a word stands for, or by a number.
     void ReadGovernor(const PlacedJson& json, const GovernorWords& words, std::int32_t& value);
@@ -129,6 +135,8 @@ private:
 
     void ReadContainer(const PlacedJson& json, std::int32_t classCode, std::size_t parent);
     void ReadSubject(const PlacedJson& json, std::size_t parent);
+    /// Items are read already.
+    void ReadQuotedNames(const PlacedJson& json, std::size_t subject);
     /// Items are read already.
     void ReadKey(const PlacedJson& json, std::size_t subject);
     void ReadShortcut(const PlacedJson& json, std::size_t parent);

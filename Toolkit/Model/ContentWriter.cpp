@@ -53,6 +53,8 @@ ordered_json ContentWriter::Write()
     ordered_json json;
     json[keys::kVersion] = 1;
     json[keys::kLocale] = mModel->GetLocale(amd_id()).GetTag().ToStdString();
+    if (mTool->writtenNames.dialect != nullptr)
+        json[keys::kDialect] = std::string(mTool->writtenNames.dialect->word);
     if (!mTool->userClasses.empty())
         json[keys::kUserClasses] = mTool->userClasses;
     if (!mTool->histories.empty())
@@ -155,6 +157,23 @@ void ContentWriter::WriteSubject(const Record& record, ordered_json& json)
     }
     if (!record.keys.empty())
         json[keys::kKeys] = record.keys;
+    WriteQuotedNames(record, json);
+}
+
+void ContentWriter::WriteQuotedNames(const Record& record, ordered_json& json) const
+{
+    const auto found = mTool->writtenNames.quoted.find(record.id);
+    if (found == mTool->writtenNames.quoted.end())
+        return;
+    const model::QualifiedName parts =
+        model::ParseQualifiedName(record.text.empty() ? model::ToText({record.name}) : record.text);
+    NameSet all(parts.begin(), parts.end());
+    for (const amd_id& id : mModel->GetChildren(record.id))
+        all.insert(mModel->Find(id)->name);
+    if (found->second == all)
+        json[keys::kQuoted] = true;
+    else
+        json[keys::kQuoted] = found->second;
 }
 
 void ContentWriter::WriteJoin(const Record& record, ordered_json& json) const

@@ -35,6 +35,7 @@ private:
 
     [[nodiscard]] nlohmann::ordered_json WriteObject(const Record& record);
     void WriteSubject(const Record& record, nlohmann::ordered_json& json);
+    void WriteQuotedNames(const Record& record, nlohmann::ordered_json& json) const;
     void WriteJoin(const Record& record, nlohmann::ordered_json& json) const;
     [[nodiscard]] nlohmann::ordered_json WriteReference(const Record& from, const amd_id& to) const;
     [[nodiscard]] bool LeadsTo(const Record& from, const amd_id& to,

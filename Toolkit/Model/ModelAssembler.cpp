@@ -103,6 +103,7 @@ std::shared_ptr<const model::Model> ModelAssembler::Build()
     for (const ContentObject& object : mContent->objects)
         builder.Reserve(object.options.id);
     mDescriptions.clear();
+    mQuotedNames.clear();
     std::vector<amd_id> ids;
     for (std::size_t i = 0; i < mContent->objects.size(); ++i) {
         const ContentObject& object = mContent->objects[i];
@@ -118,6 +119,8 @@ std::shared_ptr<const model::Model> ModelAssembler::Build()
                            hasParent ? model::Reference(ids[object.parent]) : model::kTop, options);
         if (!object.description.empty())
             mDescriptions[ids.back()] = object.description;
+        if (!object.quoted.empty())
+            mQuotedNames[ids.back()] = object.quoted;
     }
     return builder.Build();
 }

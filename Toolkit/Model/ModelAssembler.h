@@ -36,6 +36,9 @@ public:
         return mDescriptions;
     }
 
+    /// Returns the names that the file says stood between quotes, by query subject.
+    [[nodiscard]] const std::map<amd_id, NameSet>& GetQuotedNames() const { return mQuotedNames; }
+
     /// Returns the names of the objects that were left out.
     [[nodiscard]] const std::set<std::string>& GetDoubtfulNames() const { return mDoubtfulNames; }
 
@@ -48,6 +51,7 @@ private:
     JsonProblems* mProblems;
     std::vector<bool> mLeftOut;
     std::map<amd_id, std::string> mDescriptions;
+    std::map<amd_id, NameSet> mQuotedNames;
     std::set<std::string> mDoubtfulNames;
 };
 

@@ -46,6 +46,7 @@ ToolModel ReadModelDocument(const nlohmann::json& document, JsonProblems& proble
     result.histories = std::move(content.histories);
     result.governors = content.governors;
     result.descriptions = assembler.GetDescriptions();
+    result.writtenNames = {.dialect = content.dialect, .quoted = assembler.GetQuotedNames()};
     result.acceptedFindings = std::move(content.acceptedFindings);
     return result;
 }

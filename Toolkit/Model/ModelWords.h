@@ -14,6 +14,7 @@ namespace qe::tool::keys {
 inline constexpr const char* kSchema = "$schema";
 inline constexpr const char* kVersion = "version";
 inline constexpr const char* kLocale = "locale";
+inline constexpr const char* kDialect = "dialect";
 inline constexpr const char* kUserClasses = "userClasses";
 inline constexpr const char* kHistory = "history";
 inline constexpr const char* kGovernors = "governors";
@@ -42,6 +43,7 @@ inline constexpr const char* kClass = "class";
 inline constexpr const char* kDisplayName = "displayName";
 inline constexpr const char* kDescription = "description";
 inline constexpr const char* kTable = "table";
+inline constexpr const char* kQuoted = "quoted";
 inline constexpr const char* kItems = "items";
 inline constexpr const char* kKeys = "keys";
 inline constexpr const char* kKind = "kind";

@@ -3,6 +3,7 @@
 
 #include "AQE_Governors.h"
 #include "Toolkit/Model/Decision.h"
+#include "Toolkit/Sql/SqlNames.h"
 #include "amd_id.h"
 
 #include <map>
@@ -27,6 +28,8 @@ struct ToolModel
     AQE_Governors governors{};
     /// What is said about objects that anything is said about.
     std::map<amd_id, std::string> descriptions{};
+    /// How the names of tables and columns were written.
+    WrittenNames writtenNames{};
     std::vector<Decision> decisions{};
     std::vector<AcceptedFinding> acceptedFindings{};
     /// Files of past queries, as the model names them: relative to where it lies.

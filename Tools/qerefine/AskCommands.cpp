@@ -74,6 +74,13 @@ void AddAnswerOptions(CLI::App& command, AskOptions& options)
             [&sql] { sql.passedTables = SqlOptions::EPassedTables::Skipped; },
             "sql: leave out tables that the path only passes, and join their neighbours directly")
         ->group(kOutputGroup);
+    Choices<const SqlDialect*> dialects;
+    for (const SqlDialect& dialect : GetSqlDialects())
+        dialects.emplace_back(dialect.word, &dialect);
+    AddChoice(
+        command, "--dialect", sql.dialect, dialects,
+        "sql: the dialect; without it that of the model, else what SQLite and PostgreSQL read")
+        ->group(kOutputGroup);
     command.add_option("--start", options.start, "sql: begin with this subject, and keep its rows")
         ->type_name("SUBJECT")
         ->group(kOutputGroup);
@@ -93,6 +100,8 @@ void CheckSqlOptions(const AskOptions& options)
         reject("--select");
     if (sql.outerJoins == SqlOptions::EOuterJoins::Never)
         reject("--inner");
+    if (sql.dialect != nullptr)
+        reject("--dialect");
     if (!options.start.empty())
         reject("--start");
 }

@@ -86,6 +86,7 @@ public:
             return;
         const RenamedColumn exact{.from = column->name, .to = renamed.to};
         column->name = renamed.to;
+        column->isQuoted = renamed.isQuoted;
         for (CatalogueTable::Key& key : mTable.keys)
             ReplaceName(key.declaration.columns, exact);
         for (CatalogueTable::ForeignKey& key : mTable.foreignKeys)
@@ -140,6 +141,7 @@ public:
             mTable.name.name = renamed.name.name;
         if (!renamed.name.schema.empty())
             mTable.name.schema = renamed.name.schema;
+        mTable.name.quoted.insert(renamed.name.quoted.begin(), renamed.name.quoted.end());
         mCatalogue.mNames.Move(mTable, before);
         for (CatalogueTable& other : mCatalogue.mTables)
             for (CatalogueTable::ForeignKey& key : other.foreignKeys)

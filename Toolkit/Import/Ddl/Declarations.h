@@ -28,6 +28,8 @@ struct ObjectName
     /// Empty where the statement names none.
     std::string schema{};
     std::string name{};
+    /// Those of both that stood between quotes.
+    NameSet quoted{};
 };
 
 enum class EKeyKind : std::uint8_t
@@ -96,6 +98,7 @@ struct RenamedColumn
 {
     std::string from{};
     std::string to{};
+    bool isQuoted = false;
 };
 
 struct ChangedColumn

@@ -11,16 +11,12 @@ namespace qe::tool {
 
 namespace {
 
-struct DialectWords
-{
-    std::string_view word;
-    std::string_view name;
-};
+constexpr std::size_t kDialectCount = 5;
 
-constexpr std::array kDialects{
-    DialectWords{"sqlite", "SQLite"}, DialectWords{"postgresql", "PostgreSQL"},
-    DialectWords{"mysql", "MySQL"}, DialectWords{"sqlserver", "SQL Server"},
-    DialectWords{"oracle", "Oracle"}};
+std::span<const SqlDialect> ListDialects()
+{
+    return GetSqlDialects().first(kDialectCount);
+}
 
 /// A text that scripts of one dialect hold, and how much it says.
 struct Mark
@@ -151,28 +147,33 @@ std::string Normalise(std::string_view script)
 std::vector<std::string> ListDialectWords()
 {
     std::vector<std::string> words;
-    words.reserve(kDialects.size());
-    for (const DialectWords& dialect : kDialects)
+    words.reserve(kDialectCount);
+    for (const SqlDialect& dialect : ListDialects())
         words.emplace_back(dialect.word);
     return words;
 }
 
 std::optional<EDialect> FindDialect(std::string_view word)
 {
-    for (std::size_t i = 0; i < kDialects.size(); ++i)
-        if (kDialects[i].word == word)
+    for (std::size_t i = 0; i < kDialectCount; ++i)
+        if (ListDialects()[i].word == word)
             return static_cast<EDialect>(i);
     return std::nullopt;
 }
 
+const SqlDialect& GetSqlDialect(EDialect dialect)
+{
+    return ListDialects()[static_cast<std::size_t>(dialect)];
+}
+
 std::string_view DialectName(EDialect dialect)
 {
-    return kDialects[static_cast<std::size_t>(dialect)].name;
+    return GetSqlDialect(dialect).name;
 }
 
 EDialect RecogniseDialect(std::span<const ScriptText> scripts)
 {
-    std::array<int, kDialects.size()> scores{};
+    std::array<int, kDialectCount> scores{};
     for (const ScriptText& script : scripts) {
         const std::string text = Normalise(script.text);
         for (const Mark& mark : kMarks)

@@ -1,6 +1,8 @@
 #ifndef TOOLKIT_IMPORT_DDL_DIALECT_H
 #define TOOLKIT_IMPORT_DDL_DIALECT_H
 
+#include "Toolkit/Sql/SqlDialect.h"
+
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -12,7 +14,7 @@ namespace qe::tool {
 
 struct ScriptText;
 
-/// The dialects of SQL that scripts are read in.
+/// The dialects of SQL that scripts are read in: the first of GetSqlDialects, in their order.
 enum class EDialect : std::uint8_t
 {
     Sqlite,
@@ -27,6 +29,9 @@ enum class EDialect : std::uint8_t
 
 /// Returns the dialect of a word; nothing when there is none.
 [[nodiscard]] std::optional<EDialect> FindDialect(std::string_view word);
+
+/// Returns how the dialect is written.
+[[nodiscard]] const SqlDialect& GetSqlDialect(EDialect dialect);
 
 /// Returns what people call the dialect.
 [[nodiscard]] std::string_view DialectName(EDialect dialect);

@@ -4,15 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace qe::tool {
-
-enum class ELetters
-{
-    AsWritten,
-    Lower,
-    Upper,
-};
 
 /// How a dialect writes names, texts and comments, where dialects differ.
 struct LexicalRules
@@ -21,7 +15,6 @@ struct LexicalRules
     std::string_view nameQuotes;
     /// The quotes of texts in which "\" takes the next letter for itself.
     std::string_view escapingQuotes;
-    ELetters unquotedNames;
     bool hasNestedComments;
     bool hasHashComments;
     bool hasDollarQuotes;
@@ -32,11 +25,11 @@ struct LexicalRules
 namespace {
 
 constexpr std::array kRules{
-    LexicalRules{"\"`[", "", ELetters::AsWritten, false, false, false, '\0'},
-    LexicalRules{"\"", "", ELetters::Lower, true, false, true, 'e'},
-    LexicalRules{"`", "'\"", ELetters::AsWritten, false, true, false, '\0'},
-    LexicalRules{"\"[", "", ELetters::AsWritten, true, false, false, '\0'},
-    LexicalRules{"\"", "", ELetters::Upper, false, false, false, 'q'},
+    LexicalRules{"\"`[", "", false, false, false, '\0'},
+    LexicalRules{"\"", "", true, false, true, 'e'},
+    LexicalRules{"`", "'\"", false, true, false, '\0'},
+    LexicalRules{"\"[", "", true, false, false, '\0'},
+    LexicalRules{"\"", "", false, false, false, 'q'},
 };
 
 const LexicalRules& RulesOf(EDialect dialect)
@@ -98,15 +91,26 @@ std::string ToName(const SqlToken& token, EDialect dialect)
 {
     if (token.kind != EToken::Word)
         return ToContent(token);
-    std::string name(token.text);
-    const ELetters letters = RulesOf(dialect).unquotedNames;
-    if (letters == ELetters::Lower)
-        return ascii::ToLower(std::move(name));
-    if (letters == ELetters::Upper)
-        std::transform(name.begin(), name.end(), name.begin(), [](char c) {
-            return ascii::IsLower(c) ? static_cast<char>(c - 'a' + 'A') : c;
-        });
-    return name;
+    return FoldName(std::string(token.text), GetSqlDialect(dialect).names.folding);
+}
+
+NameSet ListQuotedNames(std::span<const SqlToken> tokens, EDialect dialect)
+{
+    NameSet names;
+    for (const SqlToken& token : tokens)
+        if (token.kind == EToken::QuotedName)
+            names.insert(ToName(token, dialect));
+    return names;
+}
+
+NameSet ListQuotedNames(std::string_view statement, EDialect dialect)
+{
+    std::vector<SqlToken> tokens;
+    SqlTokenizer tokenizer(statement, dialect);
+    for (SqlToken token = tokenizer.Next();
+         token.kind != EToken::End && token.kind != EToken::Unended; token = tokenizer.Next())
+        tokens.push_back(token);
+    return ListQuotedNames(tokens, dialect);
 }
 
 SqlTokenizer::SqlTokenizer(std::string_view script, EDialect dialect)

@@ -2,9 +2,11 @@
 #define TOOLKIT_IMPORT_DDL_SQLTOKENS_H
 
 #include "Toolkit/Import/Ddl/Dialect.h"
+#include "Toolkit/Sql/SqlNames.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -49,6 +51,9 @@ struct SqlToken
 /// Returns what stands between the quotes of a text.
 [[nodiscard]] std::string ToContent(const SqlToken& text);
 
+/// Returns the names that the tokens write between quotes.
+[[nodiscard]] NameSet ListQuotedNames(std::span<const SqlToken> tokens, EDialect dialect);
+
 struct LexicalRules;
 
 /// Takes a script apart, as its dialect quotes and comments. Linear in the size of the script.
@@ -90,6 +95,9 @@ private:
     std::string_view mTerminator = ";";
     bool mIsInVersionComment = false;
 };
+
+/// Returns the names that a statement writes between quotes.
+[[nodiscard]] NameSet ListQuotedNames(std::string_view statement, EDialect dialect);
 
 } // namespace qe::tool
 

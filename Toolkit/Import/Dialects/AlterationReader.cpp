@@ -168,11 +168,12 @@ void AlterationReader::ReadChange(TokenCursor& piece)
     piece.Skip("column");
     piece.Skip({"if", "exists"});
     const std::optional<std::string> from = piece.ReadName();
+    const bool isQuoted = piece.Peek().kind == EToken::QuotedName;
     const std::optional<std::string> to = piece.ReadName();
     if (!from || !to)
         throw UnreadableElement("a changed column without a name");
     if (*from != *to)
-        Alter(RenamedColumn{.from = *from, .to = *to});
+        Alter(RenamedColumn{.from = *from, .to = *to, .isQuoted = isQuoted});
     ReadNewDefinition(piece, *to);
 }
 
@@ -205,8 +206,11 @@ void AlterationReader::ReadRename(TokenCursor& piece)
     }
     piece.Skip("column");
     const std::optional<std::string> from = piece.ReadName();
-    if (from && piece.Skip("to"))
-        Alter(RenamedColumn{.from = *from, .to = piece.ReadName().value_or(*from)});
+    if (!from || !piece.Skip("to"))
+        return;
+    const bool isQuoted = piece.Peek().kind == EToken::QuotedName;
+    Alter(
+        RenamedColumn{.from = *from, .to = piece.ReadName().value_or(*from), .isQuoted = isQuoted});
 }
 
 } // namespace qe::tool

@@ -77,10 +77,12 @@ void ElementReader::Read(TokenCursor& cursor)
         cursor.GoTo(',');
         return;
     }
+    const bool isQuoted = cursor.Peek().kind == EToken::QuotedName;
     const std::optional<std::string> column = cursor.ReadName();
     if (!column)
         throw UnreadableElement("no column and no key: " + std::string(cursor.Peek().text));
     ReadColumn(cursor, *column);
+    mTable->columns.back().isQuoted = isQuoted;
 }
 
 void ElementReader::ReadColumn(TokenCursor& cursor, const std::string& name)

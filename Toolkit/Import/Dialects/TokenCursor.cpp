@@ -80,12 +80,14 @@ std::vector<std::string> TokenCursor::ReadParts()
 
 std::optional<ObjectName> TokenCursor::ReadObjectName()
 {
+    const std::size_t first = mPosition;
     std::vector<std::string> parts = ReadParts();
     if (parts.empty())
         return std::nullopt;
     ObjectName name{.name = std::move(parts.back())};
     if (parts.size() > 1)
         name.schema = std::move(parts[parts.size() - 2]);
+    name.quoted = ListQuotedNames(mTokens.subspan(first, mPosition - first), mDialect);
     return name;
 }
 

@@ -36,7 +36,9 @@ public:
             break;
         }
         try {
-            if (!PostgresTree(mCatalogue, mNotes, place).Read(ParsePostgres(statement.text)))
+            PostgresTree tree(mCatalogue, mNotes, place,
+                              ListQuotedNames(statement.tokens, EDialect::PostgreSql));
+            if (!tree.Read(ParsePostgres(statement.text)))
                 mNotes.CountSkipped();
         } catch (const PostgresSyntaxError& error) {
             mNotes.Tell({.path = place.path, .line = place.line + error.GetLine()},

@@ -114,7 +114,7 @@ void PostgresTree::ReadTable(const Node& node)
 {
     const Node& base = node.contains("base") ? node["base"] : node;
     const Node& relation = PartOf(base, "relation");
-    TableDeclaration table{.name = RelationOf(relation)};
+    TableDeclaration table{.name = MarkQuoted(RelationOf(relation))};
     const bool isTemporary = Says(relation, "relpersistence", "t");
     if (isTemporary || (base.contains("if_not_exists") && mCatalogue->HasTable(table.name)))
         return mNotes->CountSkipped();
@@ -135,7 +135,7 @@ void PostgresTree::ReadQueryTable(const Node& node)
     const Node& relation = PartOf(PartOf(node, "into"), "rel");
     if (Says(relation, "relpersistence", "t"))
         return mNotes->CountSkipped();
-    TableDeclaration table{.name = RelationOf(relation)};
+    TableDeclaration table{.name = MarkQuoted(RelationOf(relation))};
     mNotes->Tell(mPlace,
                  "the columns of a table that a query makes are not known: " + table.name.name);
     mCatalogue->AddTable(std::move(table), mPlace);
@@ -152,7 +152,7 @@ void PostgresTree::ReadSchema(const Node& node)
     mCatalogue->SetSearchPath(*before);
 }
 
-void PostgresTree::AddElement(const Node& element, TableDeclaration& table)
+void PostgresTree::AddElement(const Node& element, TableDeclaration& table) const
 {
     if (const Node& column = PartOf(element, "ColumnDef"); !column.is_null())
         AddColumn(column, table);
@@ -169,13 +169,14 @@ void PostgresTree::AddElement(const Node& element, TableDeclaration& table)
     }
 }
 
-void PostgresTree::AddColumn(const Node& column, TableDeclaration& table)
+void PostgresTree::AddColumn(const Node& column, TableDeclaration& table) const
 {
     constexpr std::array<std::string_view, 6> kSerials{"serial",  "serial2",   "serial4",
                                                        "serial8", "bigserial", "smallserial"};
     const std::string type =
         ToObjectName(NamesOf(PartOf(PartOf(column, "typeName"), "names"))).name;
     SchemaColumn added{.name = TextOf(column, "colname")};
+    added.isQuoted = mQuoted.find(added.name) != mQuoted.end();
     added.isNotNull = std::find(kSerials.begin(), kSerials.end(), type) != kSerials.end();
     for (const Node& part : PartOf(column, "constraints")) {
         const Node& constraint = PartOf(part, "Constraint");
@@ -297,9 +298,12 @@ void PostgresTree::ReadRename(const Node& node)
     const ObjectName table = RelationOf(PartOf(node, "relation"));
     const std::string name = TextOf(node, "newname");
     if (Says(node, "renameType", "OBJECT_TABLE"))
-        mCatalogue->Alter(table, RenamedTable{.name = {.name = name}}, mPlace);
+        mCatalogue->Alter(table, RenamedTable{.name = MarkQuoted({.name = name})}, mPlace);
     else if (Says(node, "renameType", "OBJECT_COLUMN"))
-        mCatalogue->Alter(table, RenamedColumn{.from = TextOf(node, "subname"), .to = name},
+        mCatalogue->Alter(table,
+                          RenamedColumn{.from = TextOf(node, "subname"),
+                                        .to = name,
+                                        .isQuoted = mQuoted.find(name) != mQuoted.end()},
                           mPlace);
 }
 
@@ -331,6 +335,14 @@ void PostgresTree::ReadQuery(const Node& node)
         TextOfConstant(arguments[0]) != "search_path")
         return;
     SetSearchPath(SplitPath(TextOfConstant(arguments[1])));
+}
+
+ObjectName PostgresTree::MarkQuoted(ObjectName name) const
+{
+    for (const std::string* const part : {&name.schema, &name.name})
+        if (mQuoted.find(*part) != mQuoted.end())
+            name.quoted.insert(*part);
+    return name;
 }
 
 void PostgresTree::SetSearchPath(const std::vector<std::string>& schemas)

@@ -7,6 +7,7 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include <string>
+#include <utility>
 
 namespace qe::tool {
 
@@ -14,9 +15,11 @@ namespace qe::tool {
 class PostgresTree
 {
 public:
-    /// Refers to the catalogue and the notes.
-    PostgresTree(Catalogue& catalogue, ReadingNotes& notes, const ScriptPlace& place)
-        : mCatalogue(&catalogue), mNotes(&notes), mPlace(place)
+    /// Refers to the catalogue and the notes. The tree does not say which names stood between
+    /// quotes.
+    PostgresTree(Catalogue& catalogue, ReadingNotes& notes, const ScriptPlace& place,
+                 NameSet quotedNames)
+        : mCatalogue(&catalogue), mNotes(&notes), mPlace(place), mQuoted(std::move(quotedNames))
     {}
 
     /// Returns whether the statement says anything on tables and keys.
@@ -38,16 +41,19 @@ private:
     void ReadSetting(const Node& node);
     void ReadQuery(const Node& node);
 
-    static void AddElement(const Node& element, TableDeclaration& table);
-    static void AddColumn(const Node& column, TableDeclaration& table);
+    void AddElement(const Node& element, TableDeclaration& table) const;
+    void AddColumn(const Node& column, TableDeclaration& table) const;
     /// Adds a constraint of the table, or of the column of that name.
     static void AddConstraint(const Node& constraint, const std::string& column,
                               TableDeclaration& table);
+    /// Returns the name with those of its parts that stood between quotes.
+    [[nodiscard]] ObjectName MarkQuoted(ObjectName name) const;
     void SetSearchPath(const std::vector<std::string>& schemas);
 
     Catalogue* mCatalogue;
     ReadingNotes* mNotes;
     ScriptPlace mPlace;
+    NameSet mQuoted;
 };
 
 } // namespace qe::tool

@@ -1,6 +1,8 @@
 #ifndef TOOLKIT_IMPORT_SCHEMA_DATABASESCHEMA_H
 #define TOOLKIT_IMPORT_SCHEMA_DATABASESCHEMA_H
 
+#include "Toolkit/Sql/SqlNames.h"
+
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -12,6 +14,8 @@ struct SchemaColumn
 {
     std::string name{};
     bool isNotNull = false;
+    /// Whether it stood between quotes.
+    bool isQuoted = false;
     /// What the database says about it; empty for nothing.
     std::string description{};
     /// What the model calls it; given by GiveTitles.
@@ -38,6 +42,8 @@ struct SchemaTable
     std::string name{};
     /// The parts of its name in the database, the outermost first; empty where `name` is all.
     std::vector<std::string> source{};
+    /// The parts of its name that stood between quotes.
+    NameSet quoted{};
     std::string description{};
     std::vector<SchemaColumn> columns{};
     /// The sets of columns that identify a row, the primary key first. What only holds for some of
@@ -105,6 +111,8 @@ struct DatabaseSchema
     std::vector<std::string> notes{};
     /// What it was read from, such as "PostgreSQL, 12 statements"; empty for nothing to tell.
     std::string origin{};
+    /// What its names were written in; null where that is not known.
+    const SqlDialect* dialect = nullptr;
 };
 
 /// Returns the column of that name, else one whose name differs only in the case of A to Z; null

@@ -82,6 +82,7 @@ public:
         made.origin = mSchema.origin;
         made.descriptions = std::move(mDescriptions);
         made.decisions = MakeDecisions(joins);
+        made.writtenNames = {.dialect = mSchema.dialect, .quoted = std::move(mQuotedNames)};
         return made;
     }
 
@@ -101,15 +102,25 @@ private:
     {
         model::ObjectOptions options;
         // One name, whatever dots are in it.
-        options.source = model::ToText(table.source.empty() ? Names{table.title} : table.source);
+        const Names source = table.source.empty() ? Names{table.title} : table.source;
+        options.source = model::ToText(source);
         for (const Names& key : table.keys)
             options.keys.push_back(TitlesOf(table, key));
         const amd_id subject = mBuilder.AddQuerySubject(mSpace, table.title, options);
         mSubjects.push_back(subject);
         mSubjectNames.insert(table.title);
         Describe(subject, table.description);
-        for (const SchemaColumn& column : table.columns)
+        NameSet quoted;
+        for (const std::string& part : source)
+            if (table.quoted.count(part == table.title ? table.name : part) != 0)
+                quoted.insert(part);
+        for (const SchemaColumn& column : table.columns) {
             Describe(mBuilder.AddItem(subject, column.title), column.description);
+            if (column.isQuoted)
+                quoted.insert(column.title);
+        }
+        if (!quoted.empty())
+            mQuotedNames[subject] = std::move(quoted);
     }
 
     void Describe(const amd_id& object, const std::string& description)
@@ -298,6 +309,7 @@ private:
     amd_id mSpace;
     Names mNotes;
     std::map<amd_id, std::string> mDescriptions;
+    std::map<amd_id, NameSet> mQuotedNames;
     /// By the positions of the tables.
     std::vector<amd_id> mSubjects;
     std::set<std::string> mSubjectNames;

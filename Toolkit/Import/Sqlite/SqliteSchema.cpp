@@ -1,5 +1,6 @@
 #include "Toolkit/Import/Sqlite/SqliteSchema.h"
 
+#include "Toolkit/Import/Ddl/SqlTokens.h"
 #include "Toolkit/Import/Sqlite/SqliteDatabase.h"
 #include "Toolkit/Text/InputFile.h"
 
@@ -26,6 +27,8 @@ public:
 
     DatabaseSchema Read(const ProgressObserver& observer)
     {
+        mSchema.dialect = &GetSqlDialect(EDialect::Sqlite);
+        ReadQuotedNames();
         const auto tables = ListTables();
         NoteTemporaryTables();
         std::uint64_t done = 0;
@@ -55,6 +58,18 @@ private:
         return tables;
     }
 
+    /// SQLite tells how names were written by the statements alone.
+    void ReadQuotedNames()
+    {
+        for (const SqliteDatabase& database : mDatabases) {
+            auto& quoted = mQuoted[&database];
+            SqliteQuery query(database, "SELECT name, sql FROM sqlite_schema WHERE sql GLOB "
+                                        "'*[\"`[]*'");
+            while (query.Next())
+                quoted[query.GetText(0)] = ListQuotedNames(query.GetText(1), EDialect::Sqlite);
+        }
+    }
+
     /// They hide tables of their name from every statement that follows.
     void NoteTemporaryTables()
     {
@@ -69,6 +84,9 @@ private:
     void AddTable(const std::string& name, const SqliteDatabase& database)
     {
         SchemaTable table{.name = name};
+        const NameSet& quoted = mQuoted[&database][name];
+        if (quoted.find(name) != quoted.end())
+            table.quoted.insert(name);
         try {
             ReadColumns(table, database);
         } catch (const SqliteError& error) {
@@ -76,6 +94,8 @@ private:
                                     "): " + name);
             return;
         }
+        for (SchemaColumn& column : table.columns)
+            column.isQuoted = quoted.find(column.name) != quoted.end();
         ReadUniqueIndices(table, database);
         ReadForeignKeys(table, database);
         mSchema.tables.push_back(std::move(table));
@@ -142,6 +162,8 @@ private:
 
     std::span<const SqliteDatabase> mDatabases;
     DatabaseSchema mSchema;
+    /// Of the statements that create tables, by their names.
+    std::map<const SqliteDatabase*, std::map<std::string, NameSet>> mQuoted;
 };
 
 DatabaseSchema ReadOpened(const SqliteDatabase& database, const ProgressObserver& observer)
