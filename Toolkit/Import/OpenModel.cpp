@@ -1,6 +1,7 @@
 #include "Toolkit/Import/OpenModel.h"
 
 #include "Toolkit/Import/Ddl/ScriptText.h"
+#include "Toolkit/Import/Live/LiveSchema.h"
 #include "Toolkit/Import/SqlScripts.h"
 #include "Toolkit/Import/Sqlite/SqliteSchema.h"
 #include "Toolkit/Model/ModelFile.h"
@@ -81,6 +82,17 @@ ToolModel OpenPipe(const std::filesystem::path& path, const ImportOptions& optio
     return MakeModel(ReadSqlTexts(scripts, std::nullopt, options.observer), options);
 }
 
+ToolModel OpenServer(const std::string& url, const ImportOptions& options)
+{
+    return MakeModel(ReadServer(url, options.server, options.observer), options);
+}
+
+void RejectUrl(const std::filesystem::path& path)
+{
+    if (IsServerUrl(path.string()))
+        throw InputError({{ToShownPath(path), "is a database on a server, not a file"}});
+}
+
 /// Throws an InputError when the file is clearly of another kind than a command takes it for.
 void RejectFormat(const std::filesystem::path& path, bool (*matches)(std::string_view start),
                   const char* text)
@@ -94,6 +106,11 @@ void RejectFormat(const std::filesystem::path& path, bool (*matches)(std::string
 
 ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& options)
 {
+    if (IsServerUrl(path.string()))
+        return OpenServer(path.string(), options);
+    if (!options.server.patterns.IsEmpty())
+        throw PatternError(
+            {InputProblem{"--tables and --schema", "only choose from databases on servers"}});
     std::error_code error;
     if (std::filesystem::exists(path, error) && std::filesystem::is_other(path, error))
         return OpenPipe(path, options);
@@ -113,12 +130,27 @@ ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& opti
 bool IsModelFile(const std::filesystem::path& path)
 {
     std::error_code error;
-    return !std::filesystem::is_other(path, error) &&
+    return !IsServerUrl(path.string()) && !std::filesystem::is_other(path, error) &&
            StartsModelFile(ReadInputStart(path, kStartSize));
+}
+
+ToolModel ImportServer(const std::string& url, const ImportOptions& options, const ServerKind& kind)
+{
+    // What is no URL is not shown: it may hold a password.
+    if (FindServerKind(url) != &kind)
+        throw InputError({{"import " + std::string(kind.word),
+                           "takes a URL such as " + std::string(kind.example)}});
+    return OpenServer(url, options);
+}
+
+std::string ToShownPath(const std::filesystem::path& path)
+{
+    return ToShownModelName(path.string());
 }
 
 ToolModel ImportSqlite(const std::filesystem::path& path, const ImportOptions& options)
 {
+    RejectUrl(path);
     RejectFormat(path, StartsModelFile, "is a model file already, not a database");
     RejectFormat(path, IsText, "is a text, not an SQLite database: take \"import sql\" for SQL");
     return MakeModel(ReadSqliteFile(path, options.observer), options);
@@ -128,6 +160,7 @@ ToolModel ImportSql(const std::vector<std::filesystem::path>& paths, const Impor
                     std::optional<EDialect> dialect)
 {
     for (const std::filesystem::path& path : paths) {
+        RejectUrl(path);
         RejectFormat(path, StartsModelFile, "is a model file already, not SQL");
         RejectFormat(path, IsSqlite, "is an SQLite database, not SQL: take \"import sqlite\"");
     }

@@ -2,25 +2,37 @@
 #define TOOLKIT_IMPORT_OPENMODEL_H
 
 #include "Toolkit/Import/Ddl/Dialect.h"
+#include "Toolkit/Import/Live/ServerKinds.h"
 #include "Toolkit/Import/Schema/SchemaModel.h"
 #include "Toolkit/Model/ToolModel.h"
 
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace qe::tool {
 
 /// Returns the model of whatever the file holds: an SQLite database, a model file (its first
 /// character is "{" or "["), else SQL statements that create tables. The name of the file does not
-/// matter. What is no regular file, such as a pipe, holds no database. Throws an InputError when it
-/// cannot be read.
+/// matter. What is no regular file, such as a pipe, holds no database. A path that is the URL of a
+/// server stands for the database there. Throws an InputError when it cannot be read, and a
+/// PatternError for patterns that match no table of a server or are given with a file.
 [[nodiscard]] ToolModel OpenModel(const std::filesystem::path& path,
                                   const ImportOptions& options = {});
 
 /// Returns whether the path leads to a file, not a pipe, that is taken for a model file. Throws an
 /// InputError when it cannot be read.
 [[nodiscard]] bool IsModelFile(const std::filesystem::path& path);
+
+/// Returns the model of the database that a URL of the kind, one of the list, names. Throws an
+/// InputError when the text is no such URL or the database cannot be read, and a PatternError for
+/// patterns that match no table.
+[[nodiscard]] ToolModel ImportServer(const std::string& url, const ImportOptions& options,
+                                     const ServerKind& kind);
+
+/// Returns how the path of a model may be shown: URLs without what is not for all eyes.
+[[nodiscard]] std::string ToShownPath(const std::filesystem::path& path);
 
 /// Returns the model of an SQLite database, called after the file. Throws an InputError when the
 /// file cannot be read as one.

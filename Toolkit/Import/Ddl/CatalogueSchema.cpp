@@ -82,7 +82,10 @@ private:
 
     SchemaTable MakeTable(const CatalogueTable& table, const std::string& name)
     {
-        SchemaTable made{.name = name, .description = table.description, .columns = table.columns};
+        SchemaTable made{.name = name,
+                         .description = table.description,
+                         .rows = table.rows,
+                         .columns = table.columns};
         if (!IsInDefault(table))
             made.source = {table.name.schema, table.name.name};
         else if (name != table.name.name)

@@ -2,6 +2,8 @@
 #define TOOLKIT_IMPORT_SCHEMA_DATABASESCHEMA_H
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,6 +40,8 @@ struct SchemaTable
     /// The parts of its name in the database, the outermost first; empty where `name` is all.
     std::vector<std::string> source{};
     std::string description{};
+    /// How many rows there are about; nothing where that is not known.
+    std::optional<std::uint64_t> rows{};
     std::vector<SchemaColumn> columns{};
     /// The sets of columns that identify a row, the primary key first. What only holds for some of
     /// the rows does not belong here.
