@@ -15,18 +15,30 @@ namespace qe::tool {
 namespace {
 
 constexpr std::string_view kSocket = "socket";
+constexpr std::string_view kConnectTimeout = "connect_timeout";
 
-/// Returns the path of the socket; empty when the URL names none.
-std::string TakeSocket(const ServerUrl& url, const std::string& place)
+void RequireKnown(const ServerUrl& url, const std::string& place)
 {
-    std::string socket;
-    for (const auto& [name, value] : url.parameters) {
-        if (name != kSocket)
+    for (const auto& [name, value] : url.parameters)
+        if (name != kSocket && name != kConnectTimeout)
             throw InputError({{place, "no parameter of MySQL's URLs: \"" + name + '"',
-                               model::NearestNames(name, {kSocket})}});
-        socket = value;
-    }
-    return socket;
+                               model::NearestNames(name, {kSocket, kConnectTimeout})}});
+}
+
+/// Returns the value of the parameter; empty when the URL has none.
+std::string FindParameter(const ServerUrl& url, std::string_view wanted)
+{
+    for (const auto& [name, value] : url.parameters)
+        if (name == wanted)
+            return value;
+    return {};
+}
+
+unsigned ToNumber(const std::string& text, unsigned otherwise)
+{
+    unsigned number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number == 0 ? otherwise : number;
 }
 
 /// The library takes more for a host than a host.
@@ -51,25 +63,25 @@ MariaDbConnection::MariaDbConnection(const ServerUrl& url, std::string place,
                                      const ServerTimeLimits& limits)
     : mPlace(std::move(place)), mConnection(mysql_init(nullptr))
 {
-    const std::string socket = TakeSocket(url, mPlace);
+    RequireKnown(url, mPlace);
     RequireOneHost(url, mPlace);
     if (mConnection == nullptr)
         ThrowServerFailure(mPlace, "out of memory");
-    SetOptions(limits);
-    unsigned port = 0;
-    std::from_chars(url.ports.data(), url.ports.data() + url.ports.size(), port);
+    SetOptions(ToNumber(FindParameter(url, kConnectTimeout),
+                        static_cast<unsigned>(limits.connect.count())),
+               static_cast<unsigned>(limits.statement.count()));
+    const std::string socket = FindParameter(url, kSocket);
     // The password comes from the environment or a file of options.
     if (mysql_real_connect(mConnection.get(), ToNullable(url.hosts), ToNullable(url.user), nullptr,
-                           ToNullable(url.database), port, ToNullable(socket), 0) == nullptr)
+                           ToNullable(url.database), ToNumber(url.ports, 0), ToNullable(socket),
+                           0) == nullptr)
         Fail();
 }
 
-void MariaDbConnection::SetOptions(const ServerTimeLimits& limits)
+void MariaDbConnection::SetOptions(unsigned connect, unsigned statement)
 {
     // The server ends a statement that takes too long; one that does not even answer is left.
     constexpr unsigned kGraceSeconds = 5;
-    const auto connect = static_cast<unsigned>(limits.connect.count());
-    const auto statement = static_cast<unsigned>(limits.statement.count());
     const unsigned answer = statement == 0 ? 0 : statement + kGraceSeconds;
     const unsigned noLocalFiles = 0;
     MYSQL* const connection = mConnection.get();

@@ -38,7 +38,8 @@ private:
         void operator()(MYSQL* connection) const { mysql_close(connection); }
     };
 
-    void SetOptions(const ServerTimeLimits& limits);
+    /// The limits are seconds; 0 stands for none.
+    void SetOptions(unsigned connect, unsigned statement);
     [[noreturn]] void Fail() const;
 
     std::string mPlace;

@@ -18,6 +18,8 @@ struct ServerKind
     std::string_view word;
     /// What its URLs begin with.
     std::span<const std::string_view> schemes;
+    /// What a URL may lack where only this kind is meant; empty for nothing.
+    std::string_view impliedScheme;
     /// What talks to such servers.
     std::string_view library;
     /// Throws an InputError when no connection comes about. Null in a build without the library.
