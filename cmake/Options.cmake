@@ -5,6 +5,9 @@ option(QEREFINER_BUILD_BENCHMARKS "Build the benchmarks" OFF)
 option(QEREFINER_BUILD_FUZZERS "Build the fuzz targets, which need clang" OFF)
 option(QEREFINER_WARNINGS_AS_ERRORS "Treat warnings in this project's own code as errors" OFF)
 option(QEREFINER_COVERAGE "Count executed lines (for gcov)" OFF)
+option(QEREFINER_WITH_POSTGRESQL "Read PostgreSQL servers, where libpq is found" ON)
+option(QEREFINER_WITH_MYSQL "Read MySQL and MariaDB servers, where libmariadb is found" ON)
+option(QEREFINER_WITH_ODBC "Read databases through ODBC, where unixODBC is found" ON)
 set(QEREFINER_SANITIZERS "" CACHE STRING "Sanitizers to build with, such as address,undefined")
 
 set(QEREFINER_PLATFORM_TARGET qeengine CACHE STRING

@@ -1,6 +1,7 @@
 #include "Toolkit/Import/OpenModel.h"
 
 #include "Toolkit/Import/Ddl/ScriptText.h"
+#include "Toolkit/Import/Live/LiveSchema.h"
 #include "Toolkit/Import/SqlScripts.h"
 #include "Toolkit/Import/Sqlite/SqliteSchema.h"
 #include "Toolkit/Model/ModelFile.h"
@@ -126,6 +127,17 @@ ToolModel OpenPipe(const std::filesystem::path& path, const ImportOptions& optio
     return MakeModel(ReadSqlTexts(scripts, std::nullopt, options.observer), options);
 }
 
+ToolModel OpenServer(const std::string& url, const ImportOptions& options)
+{
+    return MakeModel(ReadServer(url, options.server, options.observer), options);
+}
+
+void RejectUrl(const std::filesystem::path& path)
+{
+    if (IsServerUrl(path.string()))
+        throw InputError({{ToShownPath(path), "is a database on a server, not a file"}});
+}
+
 /// Throws an InputError when the file is clearly of another kind than a command takes it for.
 void RejectFormat(const std::filesystem::path& path, bool (*matches)(std::string_view start),
                   const char* text)
@@ -139,6 +151,11 @@ void RejectFormat(const std::filesystem::path& path, bool (*matches)(std::string
 
 ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& options)
 {
+    if (IsServerUrl(path.string()))
+        return OpenServer(path.string(), options);
+    if (!options.server.patterns.IsEmpty())
+        throw PatternError(
+            {InputProblem{"--tables and --schema", "only choose from databases on servers"}});
     std::error_code error;
     if (std::filesystem::is_directory(path, error))
         return OpenFolder(path, options);
@@ -179,14 +196,30 @@ ToolModel ImportSource(const std::filesystem::path& path, const SourceFormat& fo
 bool IsModelFile(const std::filesystem::path& path)
 {
     std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error) || !IsJson(ReadInputStart(path, kStartSize)))
+    if (IsServerUrl(path.string()) || !std::filesystem::is_regular_file(path, error) ||
+        !IsJson(ReadInputStart(path, kStartSize)))
         return false;
     const SourceDocument document = ReadDocument(path.string(), ReadInputFile(path), ESyntax::Json);
     return RecogniseFormat({&document, 1}) == nullptr;
 }
 
+ToolModel ImportServer(const std::string& url, const ImportOptions& options, const ServerKind& kind)
+{
+    // What is no URL is not shown: it may hold a password.
+    if (FindServerKind(url) != &kind)
+        throw InputError({{"import " + std::string(kind.word),
+                           "takes a URL such as " + std::string(kind.example)}});
+    return OpenServer(url, options);
+}
+
+std::string ToShownPath(const std::filesystem::path& path)
+{
+    return ToShownModelName(path.string());
+}
+
 ToolModel ImportSqlite(const std::filesystem::path& path, const ImportOptions& options)
 {
+    RejectUrl(path);
     RejectFormat(path, IsJson, "is a model file already, or other JSON, not a database");
     RejectFormat(path, IsText, "is a text, not an SQLite database: take \"import sql\" for SQL");
     return MakeModel(ReadSqliteFile(path, options.observer), options);
@@ -196,6 +229,7 @@ ToolModel ImportSql(const std::vector<std::filesystem::path>& paths, const Impor
                     std::optional<EDialect> dialect)
 {
     for (const std::filesystem::path& path : paths) {
+        RejectUrl(path);
         RejectFormat(path, IsJson, "is a model file already, or other JSON, not SQL");
         RejectFormat(path, IsSqlite, "is an SQLite database, not SQL: take \"import sqlite\"");
     }

@@ -3,11 +3,13 @@
 
 #include "Toolkit/Import/Ddl/Dialect.h"
 #include "Toolkit/Import/Formats/SourceFormat.h"
+#include "Toolkit/Import/Live/ServerKinds.h"
 #include "Toolkit/Import/Schema/SchemaModel.h"
 #include "Toolkit/Model/ToolModel.h"
 
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace qe::tool {
@@ -15,7 +17,9 @@ namespace qe::tool {
 /// Returns the model of whatever the file holds: an SQLite database, a format of another tool,
 /// other JSON, which is a model file, else SQL statements that create tables. The name of the file
 /// does not matter. A folder holds the files of one format. What is no regular file, such as a
-/// pipe, holds no database. Throws an InputError when it cannot be read.
+/// pipe, holds no database. A path that is the URL of a server stands for the database there.
+/// Throws an InputError when it cannot be read, and a PatternError for patterns that match no table
+/// of a server or are given with a file.
 [[nodiscard]] ToolModel OpenModel(const std::filesystem::path& path,
                                   const ImportOptions& options = {});
 
@@ -27,6 +31,15 @@ namespace qe::tool {
 /// read as one.
 [[nodiscard]] ToolModel ImportSource(const std::filesystem::path& path, const SourceFormat& format,
                                      const ImportOptions& options);
+
+/// Returns the model of the database that a URL of the kind, one of the list, names. Throws an
+/// InputError when the text is no such URL or the database cannot be read, and a PatternError for
+/// patterns that match no table.
+[[nodiscard]] ToolModel ImportServer(const std::string& url, const ImportOptions& options,
+                                     const ServerKind& kind);
+
+/// Returns how the path of a model may be shown: URLs without what is not for all eyes.
+[[nodiscard]] std::string ToShownPath(const std::filesystem::path& path);
 
 /// Returns the model of an SQLite database, called after the file. Throws an InputError when the
 /// file cannot be read as one.

@@ -99,6 +99,7 @@ void AddSearchLimits(CLI::App& command, CheckLimits& limits)
 void AddOptions(CLI::App& command, Options& options)
 {
     AddModelPath(command, options.model.path);
+    AddServerOptions(command, options.model.open.server);
     AddHistory(command, options.model.histories, "Options");
     AddChoice(command, "--format", options.format,
               {{"text", EFormat::PlainText},
@@ -139,7 +140,7 @@ CheckReport Run(const Options& options, const CommandContext& context)
     CheckOptions check = options.check;
     if (!options.baseline.empty())
         check.baseline = ReadBaseline(options.baseline);
-    const ToolModel model = OpenModel(options.model.path);
+    const ToolModel model = OpenModel(options.model.path, options.model.open);
     // The model is checked as it is declared, without the joins that people make beside it.
     check.history = OpenHistory(model, options.model, context);
     return CheckModel(model, check);
@@ -147,7 +148,7 @@ CheckReport Run(const Options& options, const CommandContext& context)
 
 void Write(const Options& options, const CheckReport& report, std::ostream& out)
 {
-    const PipelineContext pipeline{.modelName = options.model.path.string(),
+    const PipelineContext pipeline{.modelName = ToShownPath(options.model.path),
                                    .toolVersion = QEREFINER_VERSION,
                                    .failOn = options.failOn};
     switch (options.format) {

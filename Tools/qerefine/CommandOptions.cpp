@@ -5,6 +5,7 @@
 #include "Toolkit/Text/InputFile.h"
 #include "Tools/qerefine/Command.h"
 
+#include <chrono>
 #include <cstddef>
 #include <ostream>
 #include <utility>
@@ -82,6 +83,27 @@ CLI::Option* AddRoles(CLI::App& command, ERoles& roles)
         "value: shortcuts");
 }
 
+void AddServerOptions(CLI::App& command, ServerOptions& options, const std::string& group)
+{
+    AddRepeated(command, "--schema", options.patterns.schemas,
+                "For URLs: only tables of such schemas; * and ? stand for letters")
+        ->type_name("PATTERN")
+        ->group(group);
+    AddRepeated(command, "--tables", options.patterns.tables,
+                "For URLs: only such tables; * and ? stand for letters")
+        ->type_name("PATTERN")
+        ->group(group);
+    constexpr int kLongest = 86400;
+    command
+        .add_option_function<int>(
+            "--statement-timeout",
+            [&options](int seconds) { options.limits.statement = std::chrono::seconds(seconds); },
+            "For URLs: how long the server may take for a statement (60; 0: as long as it takes)")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0, kLongest).description(""))
+        ->group(group);
+}
+
 void AddModelSettings(CLI::App& command, ModelOptions& options, const std::string& group)
 {
     AddRoles(command, options.open.roles)->group(group);
@@ -97,11 +119,12 @@ void AddModelSettings(CLI::App& command, ModelOptions& options, const std::strin
         ->type_name("SECTION/KEY=NUMBER")
         ->allow_extra_args(false)
         ->group(group);
+    AddServerOptions(command, options.open.server, group);
 }
 
 ToolModel OpenModelWithNotes(const ModelOptions& options, const CommandContext& context)
 {
-    ToolModel model = NameWork("reading " + options.path.string(),
+    ToolModel model = NameWork("reading " + ToShownPath(options.path),
                                [&options] { return OpenModel(options.path, options.open); });
     WriteNotes(model, context);
     const std::shared_ptr<JoinHistory> history = OpenHistory(model, options, context);

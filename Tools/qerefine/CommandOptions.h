@@ -91,7 +91,7 @@ struct ModelOptions
 
 /// What MODEL is in the help of most commands.
 inline constexpr const char* kModelDescription =
-    "Model file (JSON), SQLite database or file of DDL statements";
+    "Model file (JSON), SQLite database, file of DDL statements or URL of a database";
 
 /// Adds MODEL.
 CLI::Option* AddModelPath(CLI::App& command, std::filesystem::path& path,
@@ -100,7 +100,11 @@ CLI::Option* AddModelPath(CLI::App& command, std::filesystem::path& path,
 /// Adds --roles.
 CLI::Option* AddRoles(CLI::App& command, ERoles& roles);
 
-/// Adds --roles and --set, in that group of the help.
+/// Adds what says how a database on a server is read, in that group of the help.
+void AddServerOptions(CLI::App& command, ServerOptions& options,
+                      const std::string& group = "Options");
+
+/// Adds --roles, --set and what AddServerOptions adds, in that group of the help.
 void AddModelSettings(CLI::App& command, ModelOptions& options, const std::string& group);
 
 /// Adds --history, in that group of the help.

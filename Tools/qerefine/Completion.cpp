@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <exception>
 #include <sstream>
@@ -67,7 +68,11 @@ Words ListNames(const Line& line, model::ENameKind kind)
     if (line.GetValues().empty())
         return names;
     try {
-        const ImportOptions options{.roles = line.HasRoles() ? ERoles::Shortcuts : ERoles::Plain};
+        // Who types does not wait for a server that is far away.
+        constexpr std::chrono::seconds kPatience{2};
+        const ImportOptions options{
+            .roles = line.HasRoles() ? ERoles::Shortcuts : ERoles::Plain,
+            .server = {.limits = {.connect = kPatience, .statement = kPatience}}};
         const ToolModel tool = OpenModel(line.GetValues().front(), options);
         const model::Model& model = *tool.model;
         if (kind == model::ENameKind::Subject) {

@@ -8,10 +8,12 @@
 #include "Tools/qerefine/CommandOptions.h"
 #include "Tools/qerefine/DelayedProgress.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -74,6 +76,7 @@ void AddAnyOptions(CLI::App& command, Options& options)
     AddOptions(command, options);
     AddChoice(command, "--from", options.kind, ListKinds(),
               "The dialect or format of the files; recognised without it");
+    AddServerOptions(command, options.import.server);
     command.get_option("FILE")->required(false);
 }
 
@@ -81,6 +84,16 @@ void AddSqliteOptions(CLI::App& command, Options& options)
 {
     AddOptions(command, options);
     command.get_option("FILE")->expected(1);
+}
+
+void AddUrlOptions(CLI::App& command, Options& options)
+{
+    command.add_option("URL", options.files, "The database")
+        ->required()
+        ->expected(1)
+        ->type_name("");
+    AddRoles(command, options.import.roles);
+    AddServerOptions(command, options.import.server);
 }
 
 /// Runs an import; on a terminal, one that takes long is followed by a bar.
@@ -108,13 +121,24 @@ ToolModel RunSql(const Options& options, const CommandContext& context)
     });
 }
 
+template <std::size_t kind>
+ToolModel RunServer(const Options& options, const CommandContext& context)
+{
+    return RunImport(options, context, [&options](const ImportOptions& importOptions) {
+        return ImportServer(options.files.front(), importOptions, ListServerKinds()[kind]);
+    });
+}
+
 /// Throws a UsageError where the first word is no file and like a kind, but for a letter.
 void RejectMistypedKind(const std::string& word)
 {
     std::error_code error;
-    if (word.find_first_of("./") != std::string::npos || std::filesystem::exists(word, error))
+    if (word.find_first_of("./:") != std::string::npos || std::filesystem::exists(word, error))
         return;
-    const std::vector<std::string> nearest = model::NearestNames(word, {kSqliteKind, kSqlKind});
+    std::vector<std::string_view> kinds{kSqliteKind, kSqlKind};
+    for (const ServerKind& kind : ListServerKinds())
+        kinds.push_back(kind.word);
+    const std::vector<std::string> nearest = model::NearestNames(word, kinds);
     if (!nearest.empty())
         throw UsageError(InputError({{"", "unknown command \"" + word + '"', nearest}}));
 }
@@ -141,7 +165,7 @@ ToolModel RunAny(const Options& options, const CommandContext& context)
 void WriteSummary(const Options& options, const ToolModel& imported, const CommandContext& context)
 {
     const std::string origin = imported.origin.empty() ? "" : "; read as " + imported.origin;
-    context.error << ToDisplayText(options.files.front()) << ": "
+    context.error << ToDisplayText(ToShownPath(options.files.front())) << ": "
                   << imported.model->GetSubjects().size() << " tables, "
                   << imported.model->GetIds(IdClassRelationship).size() << " joins" << origin
                   << '\n';
@@ -178,6 +202,29 @@ void AddSqlImport(const CommandLine& line)
                          .report = Report});
 }
 
+/// The kind stands at that position of the list.
+template <std::size_t kind>
+void AddServerImport(const CommandLine& line, const char* summary, const char* example)
+{
+    AddCommand(line,
+               Command<Options, ToolModel>{.help = {.name = ListServerKinds()[kind].word.data(),
+                                                    .summary = summary,
+                                                    .example = example},
+                                           .addOptions = AddUrlOptions,
+                                           .run = RunServer<kind>,
+                                           .report = Report});
+}
+
+void AddServerImports(const CommandLine& line)
+{
+    AddServerImport<0>(line, "Reads a database on a PostgreSQL server.",
+                       "qerefine import postgresql postgresql://ann@db.example/shop -o shop.json");
+    AddServerImport<1>(line, "Reads a database on a MySQL or MariaDB server.",
+                       "qerefine import mysql mysql://ann@db.example/shop -o shop.json");
+    AddServerImport<2>(line, "Reads a database through an ODBC driver.",
+                       "qerefine import odbc \"odbc:DSN=shop\" -o shop.json");
+}
+
 } // namespace
 
 void AddImportCommand(const CommandLine& line)
@@ -195,6 +242,7 @@ void AddImportCommand(const CommandLine& line)
     const CommandLine kinds{.app = import, .context = line.context, .exitCode = line.exitCode};
     AddSqliteImport(kinds);
     AddSqlImport(kinds);
+    AddServerImports(kinds);
     for (CLI::App* const kind : import.get_subcommands([](const CLI::App*) { return true; }))
         for (CLI::Option* const option : import.get_options())
             kind->excludes(option);

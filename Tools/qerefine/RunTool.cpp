@@ -1,5 +1,6 @@
 #include "Tools/qerefine/RunTool.h"
 
+#include "Toolkit/Import/Schema/ServerOptions.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputFile.h"
 #include "Tools/qerefine/Arguments.h"
@@ -91,6 +92,9 @@ EExitCode RunTool(const std::vector<std::string>& arguments, const CommandContex
         context.output.flush();
         return code;
     } catch (const UsageError& error) {
+        WriteProblems(context.error, error);
+        return EExitCode::WrongUsage;
+    } catch (const PatternError& error) {
         WriteProblems(context.error, error);
         return EExitCode::WrongUsage;
     } catch (const OutputError& error) {

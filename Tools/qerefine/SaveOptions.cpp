@@ -53,7 +53,7 @@ void CheckSaveOptions(const SaveOptions& options, const ModelOptions& model)
     if (!options.scope)
         return;
     if (!IsModelFile(model.path))
-        Refuse("only a model file keeps decisions, and this is none: " + model.path.string() +
+        Refuse("only a model file keeps decisions, and this is none: " + ToShownPath(model.path) +
                " (qerefine import makes one)");
     if (!model.settings.empty())
         Refuse("a model does not keep settings: ask without --set");

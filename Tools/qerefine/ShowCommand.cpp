@@ -37,6 +37,7 @@ void AddOptions(CLI::App& command, Options& options)
 {
     AddModelPath(command, options.model.path);
     AddRoles(command, options.model.open.roles);
+    AddServerOptions(command, options.model.open.server);
     AddChoice(
         command, "--format", options.format,
         {{"dot", EPictureFormat::Dot}, {"svg", EPictureFormat::Svg}, {"png", EPictureFormat::Png}},

@@ -173,7 +173,11 @@ private:
 };
 
 Catalogue::Catalogue(EDialect dialect, ReadingNotes& notes)
-    : mNotes(&notes), mDefaultSchema(DefaultSchema(dialect))
+    : Catalogue(DefaultSchema(dialect), notes)
+{}
+
+Catalogue::Catalogue(std::string defaultSchema, ReadingNotes& notes)
+    : mNotes(&notes), mDefaultSchema(std::move(defaultSchema))
 {
     std::vector<std::string> path;
     if (!mDefaultSchema.empty())
@@ -206,6 +210,7 @@ void Catalogue::AddTable(TableDeclaration declaration, const ScriptPlace& place)
     CatalogueTable& table = mTables.emplace_back();
     table.name = std::move(name);
     table.description = std::move(declaration.description);
+    table.rows = declaration.rows;
     mNames.Add(table);
     for (const Inheritance& inheritance : declaration.inheritances)
         Inherit(table, inheritance);

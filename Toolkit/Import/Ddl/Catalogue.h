@@ -22,6 +22,8 @@ class Catalogue
 public:
     /// The notes, which it refers to, receive what cannot be made of the statements.
     Catalogue(EDialect dialect, ReadingNotes& notes);
+    /// Is the same for tables of which those in one schema are shown without its name.
+    Catalogue(std::string defaultSchema, ReadingNotes& notes);
 
     /// Sets where names without a schema are looked for; tables are created in the first.
     void SetSearchPath(std::vector<std::string> schemas);

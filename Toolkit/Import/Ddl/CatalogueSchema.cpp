@@ -85,6 +85,7 @@ private:
         SchemaTable made{.name = name,
                          .quoted = table.name.quoted,
                          .description = table.description,
+                         .rows = table.rows,
                          .columns = table.columns};
         if (!IsInDefault(table))
             made.source = {table.name.schema, table.name.name};

@@ -3,8 +3,10 @@
 
 #include "Toolkit/Import/Ddl/Declarations.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,6 +34,7 @@ struct CatalogueTable
 
     ObjectName name{};
     std::string description{};
+    std::optional<std::uint64_t> rows{};
     std::vector<SchemaColumn> columns{};
     std::vector<Key> keys{};
     std::vector<ForeignKey> foreignKeys{};

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -80,6 +81,8 @@ struct TableDeclaration
 {
     ObjectName name{};
     std::string description{};
+    /// How many rows there are about; nothing where that is not known.
+    std::optional<std::uint64_t> rows{};
     std::vector<Inheritance> inheritances{};
     std::vector<SchemaColumn> columns{};
     std::vector<KeyDeclaration> keys{};

@@ -2,6 +2,7 @@
 
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Text/InputFile.h"
+#include "Toolkit/Text/Utf16.h"
 
 #include <cstdint>
 #include <utility>
@@ -14,30 +15,6 @@ constexpr std::uintmax_t kMaximumScriptSize = std::uintmax_t{256} * 1024 * 1024;
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16LittleMark = "\xFF\xFE";
 constexpr std::string_view kUtf16BigMark = "\xFE\xFF";
-constexpr char32_t kReplacement = 0xFFFD;
-
-void AppendUtf8(std::string& text, char32_t code)
-{
-    const auto add = [&text](char32_t byte) {
-        text += static_cast<char>(static_cast<unsigned char>(byte));
-    };
-    const auto addRest = [&](int shift) { add(0x80U | ((code >> shift) & 0x3FU)); };
-    if (code < 0x80) {
-        add(code);
-    } else if (code < 0x800) {
-        add(0xC0U | (code >> 6));
-        addRest(0);
-    } else if (code < 0x10000) {
-        add(0xE0U | (code >> 12));
-        addRest(6);
-        addRest(0);
-    } else {
-        add(0xF0U | (code >> 18));
-        addRest(12);
-        addRest(6);
-        addRest(0);
-    }
-}
 
 enum class EByteOrder
 {
@@ -45,33 +22,22 @@ enum class EByteOrder
     Big,
 };
 
-char32_t ReadUtf16Unit(std::string_view bytes, std::size_t offset, EByteOrder order)
+char16_t ReadUtf16Unit(std::string_view bytes, std::size_t offset, EByteOrder order)
 {
     const auto first = static_cast<unsigned char>(bytes[offset]);
     const auto second = static_cast<unsigned char>(bytes[offset + 1]);
-    return order == EByteOrder::Little ? char32_t{first} | char32_t{second} << 8
-                                       : char32_t{second} | char32_t{first} << 8;
+    return static_cast<char16_t>(order == EByteOrder::Little ? first | second << 8
+                                                             : second | first << 8);
 }
 
 /// Returns UTF-16, without its mark, as UTF-8.
 std::string ConvertUtf16(std::string_view bytes, EByteOrder order)
 {
-    std::string text;
-    text.reserve(bytes.size());
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-        const char32_t unit = ReadUtf16Unit(bytes, i, order);
-        const bool isSurrogate = unit >= 0xD800 && unit < 0xE000;
-        const char32_t next = unit >= 0xD800 && unit < 0xDC00 && i + 3 < bytes.size()
-                                  ? ReadUtf16Unit(bytes, i + 2, order)
-                                  : 0;
-        if (next >= 0xDC00 && next < 0xE000) {
-            AppendUtf8(text, 0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00));
-            i += 2;
-        } else {
-            AppendUtf8(text, isSurrogate ? kReplacement : unit);
-        }
-    }
-    return text;
+    std::u16string units;
+    units.reserve(bytes.size() / 2);
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
+        units += ReadUtf16Unit(bytes, i, order);
+    return FromUtf16(units);
 }
 
 std::string ToUtf8(std::string bytes)

@@ -4,6 +4,7 @@
 #include "Toolkit/Sql/SqlNames.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -45,6 +46,8 @@ struct SchemaTable
     /// The parts of its name that stood between quotes.
     NameSet quoted{};
     std::string description{};
+    /// How many rows there are about; nothing where that is not known.
+    std::optional<std::uint64_t> rows{};
     std::vector<SchemaColumn> columns{};
     /// The sets of columns that identify a row, the primary key first. What only holds for some of
     /// the rows does not belong here.

@@ -2,6 +2,7 @@
 #define TOOLKIT_IMPORT_SCHEMA_SCHEMAMODEL_H
 
 #include "Toolkit/Import/Schema/DatabaseSchema.h"
+#include "Toolkit/Import/Schema/ServerOptions.h"
 #include "Toolkit/Model/ToolModel.h"
 #include "Toolkit/Text/Progress.h"
 
@@ -24,6 +25,7 @@ struct ImportOptions
     ERoles roles = ERoles::Plain;
     /// Is told how far the reading of statements and tables is.
     ProgressObserver observer{};
+    ServerOptions server{};
 };
 
 /// Returns the model of a database, whatever its schema was read from: a namespace called after the
