@@ -62,7 +62,8 @@ NameIndex::NameIndex(const std::vector<Entry>& entries) : mEntries(entries.size(
     for (std::size_t i = 0; i < entries.size(); ++i)
         mEntries[ranges[i]->first + ranges[i]->count++] = entries[i];
     for (const auto& [name, range] : mRanges) {
-        const std::span<Entry> entriesOfName = std::span(mEntries).subspan(range.first, range.count);
+        const std::span<Entry> entriesOfName =
+            std::span(mEntries).subspan(range.first, range.count);
         // Tables give their records in the order of ids, in which scopes mostly ascend too.
         if (!std::ranges::is_sorted(entriesOfName, IsScopeLess))
             std::ranges::sort(entriesOfName, IsScopeLess);
