@@ -50,6 +50,14 @@ WeighedJoin ToWeighedJoin(const QEjoinInfo& info)
             .weight = info.weight};
 }
 
+/// Returns whether the graph has the join only because the shortcut information adds it.
+bool IsSynthetic(const LoadedCandidates& candidates, const amd_id& join)
+{
+    const auto isJoin = [&join](const CandidateJoin& candidate) { return candidate.id == join; };
+    return std::any_of(candidates.shortcutJoins.begin(), candidates.shortcutJoins.end(), isJoin) &&
+           std::none_of(candidates.edges.begin(), candidates.edges.end(), isJoin);
+}
+
 bool IsSame(const CandidateJoin& candidate, const QEjoinInfo& info)
 {
     const WeighedJoin& join = candidate.join;
@@ -95,13 +103,15 @@ bool CandidateGraph::TakeKept(const Request& request)
     access.Joins().Reserve(request.joins.size());
     std::unique_ptr<LoadedCandidates> kept =
         shelf->Take(services.gateway, replacedCount, request.nodes, request.joins);
-    if (kept != nullptr && StayUnreadable(kept->unreadable)) {
+    // Asking again for what could not be read may let the host replace joins.
+    if (kept != nullptr && StayUnreadable(kept->unreadable) &&
+        access.Joins().GetReplacedCount() == replacedCount) {
         mLoan = CandidateLoan(std::move(kept), shelf);
         return true;
     }
     auto fresh = std::make_unique<LoadedCandidates>();
     fresh->source = {.gateway = services.gateway,
-                     .replacedCount = replacedCount,
+                     .replacedCount = access.Joins().GetReplacedCount(),
                      .nodes = request.nodes,
                      .joins = request.joins};
     mLoan = CandidateLoan(std::move(fresh), shelf);
@@ -128,7 +138,7 @@ bool CandidateGraph::IsGraphUsable(const Request& request) const
     // A required one may have other ends in the join cache, which count then.
     const bool requiresSynthetic =
         std::any_of(request.requiredJoins.begin(), request.requiredJoins.end(),
-                    [](const amd_id& join) { return join.classCode == IdClassShortcutJoin; });
+                    [&kept](const amd_id& join) { return IsSynthetic(kept, join); });
     const std::vector<QEjoinInfo>& wanted = shortcutInfo->GetShortcutJoins();
     return !requiresSynthetic && std::equal(kept.shortcutJoins.begin(), kept.shortcutJoins.end(),
                                             wanted.begin(), wanted.end(), IsSame);
@@ -187,6 +197,9 @@ void CandidateGraph::Favour(const Ids& favouredJoins)
 {
     for (const amd_id& join : favouredJoins) {
         if (join.classCode == IdClassShortcutJoin || !mEndsReader.GetJoinEnds(join))
+            continue;
+        // A kept graph has synthetic joins before they are added.
+        if (IsSynthetic(mLoan.Get(), join))
             continue;
         // One that comes only with the synthetic joins has no weight yet to go back to.
         if (mLoan.Get().graph->GetPathWeight({join}) == 0)
