@@ -88,7 +88,9 @@ std::vector<std::size_t> DraftCompiler::SortById()
                           "cannot have the id " + ToText(id) + ": its class is " +
                               std::to_string(draft.classCode) + ", its number not 0");
     }
-    const auto getId = [this](std::size_t i) -> const amd_id& { return mDrafts[i].draft->record.id; };
+    const auto getId = [this](std::size_t i) -> const amd_id& {
+        return mDrafts[i].draft->record.id;
+    };
     std::vector<std::size_t> first;
     first.reserve(mDrafts.size());
     for (auto& [kind, order] : ofClass) {

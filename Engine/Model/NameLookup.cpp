@@ -62,7 +62,8 @@ NameIndex::NameIndex(const std::vector<Entry>& entries) : mEntries(entries.size(
     for (std::size_t i = 0; i < entries.size(); ++i)
         mEntries[ranges[i]->first + ranges[i]->count++] = entries[i];
     for (const auto& [name, range] : mRanges) {
-        const std::span<Entry> entriesOfName = std::span(mEntries).subspan(range.first, range.count);
+        const std::span<Entry> entriesOfName =
+            std::span(mEntries).subspan(range.first, range.count);
         // Tables give their records in the order of ids, in which scopes mostly ascend too.
         if (!std::ranges::is_sorted(entriesOfName, IsScopeLess))
             std::ranges::sort(entriesOfName, IsScopeLess);
@@ -102,8 +103,9 @@ std::span<const NameIndex::Entry> NameIndex::FindFolded(const amd_id& scope,
                                                         std::string_view name) const
 {
     const std::span<const Entry> entries = FindFolded(name);
-    const auto found = std::ranges::equal_range(entries, scope, {}, &Entry::scope);
-    return {found.begin(), found.end()};
+    const auto first = std::ranges::lower_bound(entries, scope, {}, &Entry::scope);
+    const auto last = std::ranges::upper_bound(first, entries.end(), scope, {}, &Entry::scope);
+    return {first, last};
 }
 
 void NameIndex::CollectNames(std::vector<std::string_view>& names) const

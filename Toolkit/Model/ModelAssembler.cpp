@@ -70,8 +70,7 @@ amd_id AddTo(ModelBuilder& builder, const ContentObject& object, const model::Re
     case IdClassFilter:
         return builder.AddFilter(parent, object.name, links.condition, options);
     case IdClassSpecJoin:
-        return builder.AddSpecJoin(object.name, links.left, links.right, links.condition,
-                                   options);
+        return builder.AddSpecJoin(object.name, links.left, links.right, links.condition, options);
     default:
         return builder.AddSpecFilter(object.name, links.condition, options);
     }
