@@ -19,14 +19,6 @@ public:
     I18NString(std::string text) noexcept : mText(std::move(text)) {}
     I18NString(std::string_view text) : mText(text) {}
 
-    /// Copies the zero-terminated `text` into the memory that there is, if it fits; null counts as
-    /// empty.
-    I18NString& operator=(const char* text)
-    {
-        mText = text == nullptr ? "" : text;
-        return *this;
-    }
-
     /// Returns the text with a terminating zero; good until the string changes.
     [[nodiscard]] const char* c_str() const noexcept { return mText.c_str(); }
     [[nodiscard]] std::string_view View() const noexcept { return mText; }

@@ -56,6 +56,9 @@ constexpr std::array<Spelling, 16> kSymbols{{{"<>", ETokenKind::NotEqual},
 std::string GetValue(const Token& token)
 {
     const char close = token.text.back();
+    const std::string_view inner = token.text.substr(1, token.text.size() - 2);
+    if (inner.find(close) == std::string_view::npos)
+        return std::string(inner);
     std::string value;
     for (std::size_t i = 1; i + 1 < token.text.size(); ++i) {
         value += token.text[i];

@@ -103,8 +103,9 @@ std::span<const NameIndex::Entry> NameIndex::FindFolded(const amd_id& scope,
                                                         std::string_view name) const
 {
     const std::span<const Entry> entries = FindFolded(name);
-    const auto found = std::ranges::equal_range(entries, scope, {}, &Entry::scope);
-    return {found.begin(), found.end()};
+    const auto first = std::ranges::lower_bound(entries, scope, {}, &Entry::scope);
+    const auto last = std::ranges::upper_bound(first, entries.end(), scope, {}, &Entry::scope);
+    return {first, last};
 }
 
 void NameIndex::CollectNames(std::vector<std::string_view>& names) const

@@ -34,12 +34,6 @@ public:
     NameIndex() = default;
     /// Takes entries in any order. Refers to their names.
     explicit NameIndex(const std::vector<Entry>& entries);
-    // A copy would refer to the folded names of the original.
-    NameIndex(const NameIndex&) = delete;
-    NameIndex& operator=(const NameIndex&) = delete;
-    NameIndex(NameIndex&&) = default;
-    NameIndex& operator=(NameIndex&&) = default;
-    ~NameIndex() = default;
 
     /// Returns the object of exactly that name in the scope, or the empty id. Of several, the one
     /// with the least id.

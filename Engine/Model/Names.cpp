@@ -131,7 +131,9 @@ QualifiedName ParseQualifiedName(std::string_view text)
         } else if (text[position] == '[' && parts.back().empty()) {
             parts.back() = ReadBracketed(text, position);
         } else {
-            parts.back() += text[position++];
+            const std::size_t end = std::min(text.find_first_of(".[", position + 1), text.size());
+            parts.back() += text.substr(position, end - position);
+            position = end;
         }
     }
     return parts;

@@ -176,6 +176,9 @@ void CandidateGraph::ReadAll(const Request& request)
     for (const amd_id& node : sorted)
         candidates.graph->AddNode(node);
     candidates.edges.reserve(request.joins.size());
+    // The first look at a weight reads a setting, which comes before the first join is read.
+    if (!request.joins.empty())
+        static_cast<void>(AQE_I_Refiner::GetEdgeWeightForType(AQE_I_Refiner::EdgeTypeJoin));
     for (const amd_id& join : request.joins) {
         auto read = mEndsReader.Read(join);
         if (!read) {

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <future>
 #include <optional>
 #include <stdexcept>
@@ -104,6 +105,24 @@ TEST(JoinPath, CountsNoFoldersAfterTheSettingFailedToAnswer)
     EXPECT_EQ(request.selector.GetShown(request.model),
               (Texts{"oc, cr: 0 34", "occ, cr: 0 34", "os, sr: 0 34"}));
     EXPECT_EQ(reads, 1) << "asked once in the life of a process";
+    qe::SettingsOverride::SetProvider({});
+}
+
+TEST(JoinPath, ReadsTheModeOfJoinsBeforeTheFirstJoin)
+{
+    if (qe::test::RunsWithOtherCases())
+        GTEST_SKIP() << qe::test::kNeedsOwnProcess;
+    Request request(kSales);
+    std::optional<std::size_t> callsBefore;
+    qe::SettingsOverride::SetProvider(
+        [&](const I18NString&, const I18NString& key) -> std::optional<int> {
+            if (key == "FFJoins")
+                callsBefore = request.gateway.calls.GetCallCount();
+            return std::nullopt;
+        });
+    request.JoinPath("Orders, Region");
+    EXPECT_EQ(callsBefore, 0U);
+    EXPECT_GT(request.gateway.calls.GetCallCount(), 0U);
     qe::SettingsOverride::SetProvider({});
 }
 

@@ -29,6 +29,13 @@ std::string TypeTitle(const nlohmann::json& value)
     }
 }
 
+/// Returns the text that a value is; null when it is none, or holds U+0000.
+const std::string* FindText(const nlohmann::json& value)
+{
+    const auto* const text = value.get_ptr<const std::string*>();
+    return text == nullptr || text->find('\0') != std::string::npos ? nullptr : text;
+}
+
 } // namespace
 
 void RejectType(const PlacedJson& json, const std::string& wanted, JsonProblems& problems)
@@ -42,12 +49,10 @@ std::optional<std::string> ReadText(const PlacedJson& json, JsonProblems& proble
         RejectType(json, "a string", problems);
         return std::nullopt;
     }
-    const auto& text = json.value->get_ref<const std::string&>();
-    if (text.find('\0') != std::string::npos) {
-        problems.Add(json.pointer, "must not hold the character U+0000");
-        return std::nullopt;
-    }
-    return text;
+    if (const std::string* const text = FindText(*json.value))
+        return *text;
+    problems.Add(json.pointer, "must not hold the character U+0000");
+    return std::nullopt;
 }
 
 std::optional<std::int32_t> ReadNumber(const PlacedJson& json, JsonProblems& problems,
@@ -128,6 +133,15 @@ PlacedJson JsonObject::Find(std::string_view key, EPresence presence)
 
 std::string JsonObject::GetText(std::string_view key, EPresence presence)
 {
+    // A pointer costs more than the text, and only what is wrong needs it.
+    if (mObject != nullptr) {
+        const auto member = mObject->find(key);
+        const std::string* const text = member == mObject->end() ? nullptr : FindText(*member);
+        if (text != nullptr) {
+            mKnownKeys.push_back(key);
+            return *text;
+        }
+    }
     const PlacedJson found = Find(key, presence);
     return found.value == nullptr ? std::string() : ReadText(found, *mProblems).value_or("");
 }
