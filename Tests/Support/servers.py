@@ -45,7 +45,8 @@ def as_ordinary_user(folder):
 
 @contextlib.contextmanager
 def server_folder():
-    with tempfile.TemporaryDirectory(prefix="qe", ignore_cleanup_errors=True) as folder:
+    memory = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
+    with tempfile.TemporaryDirectory(prefix="qe", dir=memory, ignore_cleanup_errors=True) as folder:
         yield folder
 
 
@@ -86,6 +87,10 @@ class ClientDatabase:
             raise DatabaseError(done.stderr.decode(errors="replace").strip())
         return done.stdout.decode(errors="replace")
 
+    def count(self, query):
+        """Returns the number that the query gives."""
+        return int(self.run(query))
+
     def load(self, script):
         """Runs the statements, also behind those that fail."""
         done = subprocess.run(self.tolerant, input=script, capture_output=True, check=False)
@@ -104,7 +109,8 @@ def postgresql():
                         "--no-sync", "-E", "UTF8", "--locale=C"], check=True, capture_output=True)
         client = [psql, "-X", "-q", "-At", "-h", folder, "-U", "postgres"]
         command = [*user, postgres, "-D", f"{folder}/data", "-k", folder, "-c", "listen_addresses=",
-                   "-c", "fsync=off", "-c", "full_page_writes=off", "-c", "autovacuum=off"]
+                   "-c", "fsync=off", "-c", "full_page_writes=off", "-c", "autovacuum=off",
+                   "-c", "max_locks_per_transaction=2000"]
 
         def is_ready():
             return subprocess.run([*client, "-c", "SELECT 1"], capture_output=True,
@@ -166,6 +172,12 @@ class SqliteDatabase:
         except sqlite3.Error as error:
             raise DatabaseError(str(error)) from error
 
+    def count(self, query):
+        try:
+            return self.connection.execute(query).fetchone()[0]
+        except sqlite3.Error as error:
+            raise DatabaseError(str(error)) from error
+
     def load(self, script):
         self.connection.executescript(script.decode("utf-8-sig"))
 
@@ -192,12 +204,18 @@ class DuckDbDatabase:
         library.duckdb_connect(self.database, ctypes.byref(self.connection))
 
     def run(self, script):
+        self.count(script)
+
+    def count(self, query):
         result = DuckDbResult()
-        failed = self.library.duckdb_query(self.connection, script.encode(), ctypes.byref(result))
+        failed = self.library.duckdb_query(self.connection, query.encode(), ctypes.byref(result))
         text = self.library.duckdb_result_error(ctypes.byref(result)) if failed else None
+        number = 0 if failed else self.library.duckdb_value_int64(
+            ctypes.byref(result), ctypes.c_uint64(0), ctypes.c_uint64(0))
         self.library.duckdb_destroy_result(ctypes.byref(result))
         if failed:
             raise DatabaseError(text.decode(errors="replace") if text else "unknown error")
+        return number
 
     def load(self, script):
         self.run(script.decode("utf-8-sig"))
@@ -211,4 +229,5 @@ def duckdb(folder):
         raise Unavailable("there is no libduckdb.so: Scripts/fetch_duckdb.sh fetches it")
     library = ctypes.CDLL(str(libraries[0]))
     library.duckdb_result_error.restype = ctypes.c_char_p
+    library.duckdb_value_int64.restype = ctypes.c_int64
     yield lambda: DuckDbDatabase(library)
