@@ -16,6 +16,8 @@ set(QEREFINER_PLATFORM_PROJECT "" CACHE FILEPATH
   "CMake file that defines QEREFINER_PLATFORM_TARGET, when that is not qeengine")
 set(QEREFINER_DATA_DIR "${PROJECT_SOURCE_DIR}/../shared/data" CACHE PATH
   "Folder of the published data sets; tests that need it are skipped where it is absent")
+set(QEREFINER_DUCKDB_DIR "${PROJECT_SOURCE_DIR}/build/duckdb" CACHE PATH
+  "Folder in which Scripts/fetch_duckdb.sh puts libduckdb.so; its test is skipped without it")
 
 if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Build type" FORCE)

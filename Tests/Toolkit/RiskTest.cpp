@@ -202,11 +202,11 @@ TEST_F(RiskCommands, SqlCarriesCommentsAndNoticesUnlessNothingIsToBeSaid)
     EXPECT_THAT(run.output,
                 HasSubstr("\n-- Lost: rows of stock without sale are left out.\n"
                           "--   Way out: The SQL begins with sale, whose rows it keeps; "
-                          "--start stock keeps those of stock instead.\nFROM \"sale\""));
+                          "--start stock keeps those of stock instead.\nFROM sale"));
     EXPECT_THAT(run.error, StartsWith("warning: multiplied: sale and stock meet"));
     for (const char* subject : {"product", "promotion"}) {
         const ToolRun harmless = RunWith({"path", "@", "sale", subject, "--format", "sql"});
-        EXPECT_THAT(harmless.output, StartsWith("FROM \"sale\"\n"));
+        EXPECT_THAT(harmless.output, StartsWith("FROM sale\n"));
         EXPECT_THAT(harmless.error, IsEmpty());
     }
     const ToolRun page = RunWith({"path", "@", "sale", "stock", "--format", "json", "--quiet"});

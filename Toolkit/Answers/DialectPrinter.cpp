@@ -123,18 +123,17 @@ void DialectPrinter::PrintOwnForm(const Node& node)
         return PrintString(node.GetText());
     case ENodeKind::Case:
         return PrintCase(node);
-    case ENodeKind::When: {
-        const RoleOfOperands role(*this, mWhenRole);
-        PrintText("WHEN ");
-        PrintNode(*node.GetOperands().front());
-        PrintText(" THEN ");
-        mRole = ERole::Value;
-        return PrintNode(*node.GetOperands().back());
+    case ENodeKind::When:
+        return PrintWhen(node);
+    default: {
+        const RoleOfOperands role(*this, RoleBelow(node));
+        return PrintWithOperands(node);
     }
-    default:
-        break;
     }
-    const RoleOfOperands role(*this, RoleBelow(node));
+}
+
+void DialectPrinter::PrintWithOperands(const Node& node)
+{
     switch (node.GetKind()) {
     case ENodeKind::Concatenation:
         return PrintConcatenation(node);
@@ -142,21 +141,14 @@ void DialectPrinter::PrintOwnForm(const Node& node)
         return PrintDistinct(node);
     case ENodeKind::Name:
     case ENodeKind::Call:
-        if (PrintCall(node))
-            return;
-        break;
-    case ENodeKind::Cast:
-        PrintText("CAST(");
-        PrintNode(*node.GetOperands().front());
-        PrintText(" AS " +
-                  (mSource == ESource::SameDialect ? node.GetText()
-                                                   : WriteType(node.GetText(), mForms.types)) +
-                  ')');
+        if (!PrintCall(node))
+            Printer::PrintNode(node);
         return;
+    case ENodeKind::Cast:
+        return PrintCast(node);
     default:
-        break;
+        return Printer::PrintNode(node);
     }
-    Printer::PrintNode(node);
 }
 
 DialectPrinter::ERole DialectPrinter::RoleBelow(const Node& node) const
@@ -179,6 +171,24 @@ void DialectPrinter::PrintCase(const Node& choice)
     const RoleOfOperands role(*this, ERole::Value);
     Printer::PrintNode(choice);
     mWhenRole = before;
+}
+
+void DialectPrinter::PrintWhen(const Node& branch)
+{
+    const RoleOfOperands role(*this, mWhenRole);
+    PrintText("WHEN ");
+    PrintNode(*branch.GetOperands().front());
+    PrintText(" THEN ");
+    mRole = ERole::Value;
+    PrintNode(*branch.GetOperands().back());
+}
+
+void DialectPrinter::PrintCast(const Node& cast)
+{
+    const bool isOwn = mSource == ESource::SameDialect;
+    PrintText("CAST(");
+    PrintNode(*cast.GetOperands().front());
+    PrintText(" AS " + (isOwn ? cast.GetText() : WriteType(cast.GetText(), mForms.types)) + ')');
 }
 
 void DialectPrinter::PrintString(std::string_view text)

@@ -49,7 +49,10 @@ private:
     void PrintConverted(const expression::Node& node);
     void PrintConditionAsValue(const expression::Node& node);
     void PrintOwnForm(const expression::Node& node);
+    void PrintWithOperands(const expression::Node& node);
     void PrintCase(const expression::Node& choice);
+    void PrintWhen(const expression::Node& branch);
+    void PrintCast(const expression::Node& cast);
     void PrintString(std::string_view text);
     void PrintConcatenation(const expression::Node& node);
     void PrintAsText(const expression::Node& operand);

@@ -3,6 +3,7 @@
 
 #include "AQE_Governors.h"
 #include "Engine/Model/ModelBuilder.h"
+#include "Toolkit/Model/ContentValues.h"
 #include "Toolkit/Model/Decision.h"
 #include "Toolkit/Model/ModelWords.h"
 #include "Toolkit/Sql/SqlNames.h"
@@ -54,13 +55,6 @@ struct ContentObject
     std::unique_ptr<ContentLinks> links{};
 };
 
-/// A reference and where the file has it.
-struct PlacedReference
-{
-    model::Reference reference{};
-    std::string pointer{};
-};
-
 /// A decision as a model file describes it.
 struct ContentDecision
 {
@@ -85,28 +79,6 @@ struct ModelContent
     /// There are many, and they are large: a deque never moves them.
     std::deque<ContentObject> objects{};
 };
-
-/// The values of model files that can be written in more than one form. What is missing or wrong is
-/// reported.
-
-/// Returns what a key refers to: by name, or by class and id. Empty when it refers to nothing.
-[[nodiscard]] model::Reference ReadReference(JsonObject& json, const char* key,
-                                             JsonProblems& problems);
-
-/// Returns the references in the list of a key.
-[[nodiscard]] std::vector<PlacedReference> ReadReferences(JsonObject& json, const char* key,
-                                                          JsonProblems& problems);
-
-/// Returns the cardinality of a key: a word such as "0..n", or a list of two numbers.
-[[nodiscard]] model::CardinalityRange ReadCardinality(JsonObject& json, const char* key,
-                                                      JsonProblems& problems);
-
-/// Returns an id of that class: a number, or a list of domain and number. Empty when there is none;
-/// `json` may be without a value.
-[[nodiscard]] amd_id ReadId(const PlacedJson& json, std::int32_t classCode, JsonProblems& problems);
-
-/// Returns an accepted finding: its id and the reason.
-[[nodiscard]] AcceptedFinding ReadAcceptedFinding(const PlacedJson& json, JsonProblems& problems);
 
 /// Reads the document of a model file: keys, types, words and ids. What the objects name is not
 /// looked up yet.

@@ -21,7 +21,7 @@ constexpr std::array<std::string_view, kTypeCount> kWords{
 };
 
 /// Two words that are one type.
-std::string JoinWords(std::string type)
+std::string JoinWords(const std::string& type)
 {
     if (type == "character varying" || type == "char varying")
         return "varchar";
