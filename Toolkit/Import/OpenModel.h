@@ -2,7 +2,6 @@
 #define TOOLKIT_IMPORT_OPENMODEL_H
 
 #include "Toolkit/Import/Ddl/Dialect.h"
-#include "Toolkit/Import/Live/ServerKinds.h"
 #include "Toolkit/Import/Schema/SchemaModel.h"
 #include "Toolkit/Model/ToolModel.h"
 
@@ -12,6 +11,8 @@
 #include <vector>
 
 namespace qe::tool {
+
+struct ServerKind;
 
 /// Returns the model of whatever the file holds: an SQLite database, a model file (its first
 /// character is "{" or "["), else SQL statements that create tables. The name of the file does not

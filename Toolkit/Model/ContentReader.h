@@ -14,6 +14,7 @@
 #include <deque>
 #include <map>
 #include <nlohmann/json_fwd.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,7 @@ struct ContentObject
     std::size_t parent = kNoParent;
     std::string name{};
     std::string description{};
+    std::optional<std::uint64_t> rows{};
     model::ObjectOptions options{};
     model::Reference target{};
     std::int32_t kind = 0;

@@ -101,6 +101,7 @@ std::shared_ptr<const model::Model> ModelAssembler::Build()
     for (const ContentObject& object : mContent->objects)
         builder.Reserve(object.options.id);
     mDescriptions.clear();
+    mRows.clear();
     std::vector<amd_id> ids;
     for (std::size_t i = 0; i < mContent->objects.size(); ++i) {
         const ContentObject& object = mContent->objects[i];
@@ -116,6 +117,8 @@ std::shared_ptr<const model::Model> ModelAssembler::Build()
                            hasParent ? model::Reference(ids[object.parent]) : model::kTop, options);
         if (!object.description.empty())
             mDescriptions[ids.back()] = object.description;
+        if (object.rows)
+            mRows[ids.back()] = *object.rows;
     }
     return builder.Build();
 }

@@ -6,6 +6,7 @@
 #include "amd_id.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <set>
@@ -36,6 +37,9 @@ public:
         return mDescriptions;
     }
 
+    /// Returns how many rows query subjects have, where the file says it.
+    [[nodiscard]] const std::map<amd_id, std::uint64_t>& GetRows() const { return mRows; }
+
     /// Returns the names of the objects that were left out.
     [[nodiscard]] const std::set<std::string>& GetDoubtfulNames() const { return mDoubtfulNames; }
 
@@ -48,6 +52,7 @@ private:
     JsonProblems* mProblems;
     std::vector<bool> mLeftOut;
     std::map<amd_id, std::string> mDescriptions;
+    std::map<amd_id, std::uint64_t> mRows;
     std::set<std::string> mDoubtfulNames;
 };
 

@@ -40,6 +40,7 @@ ToolModel ReadModelText(std::string_view text, const std::string& fileName)
     result.histories = std::move(content.histories);
     result.governors = content.governors;
     result.descriptions = assembler.GetDescriptions();
+    result.rows = assembler.GetRows();
     result.acceptedFindings = std::move(content.acceptedFindings);
     return result;
 }

@@ -5,6 +5,7 @@
 #include "Toolkit/Model/Decision.h"
 #include "amd_id.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -27,6 +28,8 @@ struct ToolModel
     AQE_Governors governors{};
     /// What is said about objects that anything is said about.
     std::map<amd_id, std::string> descriptions{};
+    /// About how many rows query subjects have, where it is known.
+    std::map<amd_id, std::uint64_t> rows{};
     std::vector<Decision> decisions{};
     std::vector<AcceptedFinding> acceptedFindings{};
     /// Files of past queries, as the model names them: relative to where it lies.

@@ -77,6 +77,7 @@ public:
         made.notes = std::move(mNotes);
         made.origin = mSchema.origin;
         made.descriptions = std::move(mDescriptions);
+        made.rows = std::move(mRows);
         return made;
     }
 
@@ -103,6 +104,8 @@ private:
         mSubjects.push_back(subject);
         mSubjectNames.insert(table.title);
         Describe(subject, table.description);
+        if (table.rows)
+            mRows[subject] = *table.rows;
         for (const SchemaColumn& column : table.columns)
             Describe(mBuilder.AddItem(subject, column.title), column.description);
     }
@@ -237,6 +240,7 @@ private:
     amd_id mSpace;
     Names mNotes;
     std::map<amd_id, std::string> mDescriptions;
+    std::map<amd_id, std::uint64_t> mRows;
     /// By the positions of the tables.
     std::vector<amd_id> mSubjects;
     std::set<std::string> mSubjectNames;
