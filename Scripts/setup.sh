@@ -8,6 +8,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libinih-dev nlohmann-json3-dev libcli11-dev libsqlite3-dev libpg-query-dev libutf8proc-dev libyaml-cpp-dev
   libkainjow-mustache-dev
+  libpq-dev libmariadb-dev unixodbc-dev
   sqlite3 graphviz python3-jsonschema
   "$@"
 )
@@ -26,6 +27,12 @@ if [ "$(id -u)" -ne 0 ]; then
   asRoot=(sudo)
 fi
 echo "Installing: ${missing[*]}"
+if [[ " ${missing[*]} " == *" postgresql "* ]]; then
+  # Tests start servers of their own; the package would make and start another one.
+  "${asRoot[@]}" mkdir -p /etc/postgresql-common/createcluster.d
+  echo "create_main_cluster = false" |
+    "${asRoot[@]}" tee /etc/postgresql-common/createcluster.d/no-main-cluster.conf > /dev/null
+fi
 export DEBIAN_FRONTEND=noninteractive
 "${asRoot[@]}" apt-get update --quiet
 "${asRoot[@]}" apt-get install --quiet --yes --no-install-recommends "${missing[@]}"

@@ -4,6 +4,7 @@
 #   --preset NAME  one of release (default), debug, asan, clang, coverage
 #   --no-setup     install nothing
 #   --browser      also install the browser that tests of rendered pages use, and what drives it
+#   --databases    also install the database servers that tests read from, without starting any
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -14,7 +15,10 @@ while [ $# -gt 0 ]; do
   case $1 in
     --preset) preset=${2:?--preset needs a name}; shift ;;
     --no-setup) setup=no ;;
-    --browser) extraPackages=(chromium chromium-driver python3-selenium) ;;
+    --browser) extraPackages+=(chromium chromium-driver python3-selenium) ;;
+    --databases)
+      extraPackages+=(postgresql mariadb-server-core mariadb-client-core
+                      odbc-postgresql libsqliteodbc) ;;
     -h | --help) sed -n '2,/^set/{/^#/s/^# \?//p}' "$0"; exit 0 ;;
     *) break ;;
   esac

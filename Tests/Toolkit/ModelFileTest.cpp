@@ -83,7 +83,7 @@ TEST(ModelFileTest, ReadsEveryKey)
                            "right": "B", "rightCardinality": "0..n", "condition": "[A].[i] = 1"}],
         "relationshipShortcuts": [{"name": "rs", "target": "Z.r", "left": "B", "right": "C"}],
         "filters": [{"name": "f", "condition": "[A].[j] = [Z].[S].[i]"}],
-        "subjects": [{"name": "A", "id": [-1, 5], "displayName": "Aah", "table": "t",
+        "subjects": [{"name": "A", "id": [-1, 5], "displayName": "Aah", "table": "t", "rows": 5000000000,
                       "items": ["i", {"name": "j", "displayName": "Jay", "locale": "it"}]}]
     })",
                                           "m");

@@ -122,6 +122,45 @@ TEST_F(CommandsTest, ImportWritesTheModelThatAnswersLikeItsSource)
         RunWith({"path", "@", "customer (ship_to)", "region", "--roles", "shortcuts"}).output);
 }
 
+TEST_F(CommandsTest, UrlsOfServersKeepTheirSecrets)
+{
+    struct Case
+    {
+        std::vector<std::string> arguments;
+        EExitCode code;
+        const char* told;
+    };
+    constexpr EExitCode kUnread = EExitCode::CannotReadOrWrite;
+    const Case cases[] = {
+        {{"path", "postgresql://ann:p@ss@h/db", "a", "b"}, kUnread, "postgresql://h/db: holds a p"},
+        {{"import", "mysql://ann:s/cret?@h/db"}, kUnread, "mysql://h/db: only a user stands"},
+        {{"import", "postgres://h/db?user=ann&sslpassword=s"}, kUnread, "postgres://h/db: holds a"},
+        {{"show", "odbc:Driver={a;b};UID=ann; pwd = s"}, kUnread, "odbc:Driver={a;b}: holds a p"},
+        {{"import", "odbc", "DSN=d;UID=ann;PASSWORD=s"}, kUnread, "odbc:DSN=d: holds a password"},
+        {{"import", "odbc", "odbc:;=ann"}, kUnread, "odbc:: has an attribute without a name"},
+        {{"import", "mysql", "postgresql://ann@h/db"}, kUnread, "a URL such as mysql://host/shop"},
+        {{"import", "postgresql", "ann:s@h/db"}, kUnread, "takes a URL such as postgresql://"},
+        {{"import", "sql", "@", "mysql://ann@h/db"}, kUnread, "mysql://h/db: is a database on a"},
+        {{"import", "sqlite", "odbc:DSN=d;UID=ann"}, kUnread, "odbc:DSN=d: is a database on a"},
+        {{"import", "mysql://ann@h:port/db"}, kUnread, "mysql://h:port/db: the port is not a num"},
+        {{"import", "mysql://ann@h/db?soket=x"}, kUnread, "\"soket\" (did you mean socket?)"},
+        {{"import", "postgresql://ann@h/%zz"}, kUnread, "\"%\" stands before two hexadecimal"},
+        {{"import", "postgresql://ann@[::1]x/d"}, kUnread, "an address in brackets is followed"},
+        {{"path", "postgresql://ann@h/db", "a", "b", "--save"},
+         EExitCode::WrongUsage,
+         "h/db (qere"},
+        {{"import", "@", "--tables", "o*"}, EExitCode::WrongUsage, "only choose from databases on"},
+        {{"import", "@", "--statement-timeout", "-1"}, EExitCode::WrongUsage, "-1"},
+        {{"import", "mysq"}, EExitCode::WrongUsage, "did you mean mysql?"},
+    };
+    for (const Case& entry : cases) {
+        const ToolRun run = RunWith(entry.arguments);
+        EXPECT_EQ(static_cast<int>(run.code), static_cast<int>(entry.code)) << run.error;
+        EXPECT_THAT(run.error, HasSubstr(entry.told));
+        EXPECT_THAT(run.error, Not(testing::AnyOf(HasSubstr("ann"), HasSubstr("p@ss"))));
+    }
+}
+
 TEST_F(CommandsTest, EveryCommandShowsAnExample)
 {
     const std::string commands = RunWith({"--help"}).output;
@@ -208,7 +247,7 @@ TEST_F(CommandsTest, WordsAreCompletedFromOptionsAndModel)
     };
     const Case cases[] = {
         {{"be"}, "best\nbetween\n"},
-        {{"import", ""}, "sql\nsqlite\n:files\n"},
+        {{"import", ""}, "mysql\nodbc\npostgresql\nsql\nsqlite\n:files\n"},
         {{"import", "@", ""}, ":files\n"},
         {{"import", "sql", "--from", "p"}, "postgresql\n"},
         {{"path", ""}, ":files\n"},

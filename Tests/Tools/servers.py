@@ -24,11 +24,6 @@ def find_postgres():
     return folders[-1].parent if folders else None
 
 
-def has_mariadb():
-    return all(shutil.which(program, path=PATH)
-               for program in ("mariadbd", "mariadb-install-db", "mariadb"))
-
-
 PATH = os.environ["PATH"] + ":/usr/sbin"
 
 
@@ -112,6 +107,10 @@ class Postgres(Server):
     first = "postgres"
     nothing = ("-c", "SELECT 1")
 
+    @staticmethod
+    def is_installed():
+        return find_postgres() is not None
+
     def start(self):
         programs = find_postgres()
         data = self.folder / "data"
@@ -140,6 +139,11 @@ class MariaDb(Server):
     ends_by_interrupt = False
     first = "mysql"
     nothing = ("-e", "SELECT 1")
+
+    @staticmethod
+    def is_installed():
+        return all(shutil.which(program, path=PATH)
+                   for program in ("mariadbd", "mariadb-install-db", "mariadb"))
 
     def start(self):
         data = self.folder / "data"

@@ -2,6 +2,7 @@
 
 #include "Toolkit/Import/Ddl/ScriptText.h"
 #include "Toolkit/Import/Live/LiveSchema.h"
+#include "Toolkit/Import/Live/ServerKinds.h"
 #include "Toolkit/Import/SqlScripts.h"
 #include "Toolkit/Import/Sqlite/SqliteSchema.h"
 #include "Toolkit/Model/ModelFile.h"

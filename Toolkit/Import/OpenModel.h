@@ -3,7 +3,6 @@
 
 #include "Toolkit/Import/Ddl/Dialect.h"
 #include "Toolkit/Import/Formats/SourceFormat.h"
-#include "Toolkit/Import/Live/ServerKinds.h"
 #include "Toolkit/Import/Schema/SchemaModel.h"
 #include "Toolkit/Model/ToolModel.h"
 
@@ -13,6 +12,8 @@
 #include <vector>
 
 namespace qe::tool {
+
+struct ServerKind;
 
 /// Returns the model of whatever the file holds: an SQLite database, a format of another tool,
 /// other JSON, which is a model file, else SQL statements that create tables. The name of the file

@@ -154,6 +154,7 @@ void ContentReader::ReadSubject(const PlacedJson& json, std::size_t parent)
     const std::size_t position = Add(object, IdClassQuerySubject, parent);
     mContent.objects[position].options.source = object.GetText(keys::kTable);
     const PlacedJson quoted = object.Find(keys::kQuoted);
+    mContent.objects[position].rows = object.GetCount(keys::kRows);
     const std::vector<PlacedJson> keys = object.GetList(keys::kKeys);
     for (const PlacedJson& element : object.GetList(keys::kItems)) {
         if (ReadPlainName(element, IdClassQueryItem, position))

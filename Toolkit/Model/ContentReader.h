@@ -17,6 +17,7 @@
 #include <map>
 #include <memory>
 #include <nlohmann/json_fwd.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,6 +51,7 @@ struct ContentObject
     std::string description{};
     /// Names of a query subject's table and items that were written between quotes.
     NameSet quoted{};
+    std::optional<std::uint64_t> rows{};
     model::ObjectOptions options{};
     /// Null for objects that have none: most are items, and these should be small.
     std::unique_ptr<ContentLinks> links{};

@@ -149,6 +149,8 @@ void ContentWriter::WriteSubject(const Record& record, ordered_json& json)
 {
     if (!record.text.empty())
         json[keys::kTable] = record.text;
+    if (const auto rows = mTool->rows.find(record.id); rows != mTool->rows.end())
+        json[keys::kRows] = rows->second;
     for (const amd_id& id : mModel->GetChildren(record.id)) {
         ordered_json item = WriteObject(*mModel->Find(id));
         const bool isMereName = item.size() == 1;

@@ -103,6 +103,7 @@ std::shared_ptr<const model::Model> ModelAssembler::Build()
         builder.Reserve(object.options.id);
     mDescriptions.clear();
     mQuotedNames.clear();
+    mRows.clear();
     std::vector<amd_id> ids;
     for (std::size_t i = 0; i < mContent->objects.size(); ++i) {
         const ContentObject& object = mContent->objects[i];
@@ -120,6 +121,8 @@ std::shared_ptr<const model::Model> ModelAssembler::Build()
             mDescriptions[ids.back()] = object.description;
         if (!object.quoted.empty())
             mQuotedNames[ids.back()] = object.quoted;
+        if (object.rows)
+            mRows[ids.back()] = *object.rows;
     }
     return builder.Build();
 }

@@ -6,6 +6,7 @@
 #include "amd_id.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <set>
@@ -38,6 +39,8 @@ public:
 
     /// Returns the names that the file says stood between quotes, by query subject.
     [[nodiscard]] const std::map<amd_id, NameSet>& GetQuotedNames() const { return mQuotedNames; }
+    /// Returns how many rows query subjects have, where the file says it.
+    [[nodiscard]] const std::map<amd_id, std::uint64_t>& GetRows() const { return mRows; }
 
     /// Returns the names of the objects that were left out.
     [[nodiscard]] const std::set<std::string>& GetDoubtfulNames() const { return mDoubtfulNames; }
@@ -52,6 +55,7 @@ private:
     std::vector<bool> mLeftOut;
     std::map<amd_id, std::string> mDescriptions;
     std::map<amd_id, NameSet> mQuotedNames;
+    std::map<amd_id, std::uint64_t> mRows;
     std::set<std::string> mDoubtfulNames;
 };
 

@@ -47,6 +47,7 @@ ToolModel ReadModelDocument(const nlohmann::json& document, JsonProblems& proble
     result.governors = content.governors;
     result.descriptions = assembler.GetDescriptions();
     result.writtenNames = {.dialect = content.dialect, .quoted = assembler.GetQuotedNames()};
+    result.rows = assembler.GetRows();
     result.acceptedFindings = std::move(content.acceptedFindings);
     return result;
 }

@@ -44,6 +44,7 @@ inline constexpr const char* kDisplayName = "displayName";
 inline constexpr const char* kDescription = "description";
 inline constexpr const char* kTable = "table";
 inline constexpr const char* kQuoted = "quoted";
+inline constexpr const char* kRows = "rows";
 inline constexpr const char* kItems = "items";
 inline constexpr const char* kKeys = "keys";
 inline constexpr const char* kKind = "kind";

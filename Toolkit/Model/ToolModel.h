@@ -6,6 +6,7 @@
 #include "Toolkit/Sql/SqlNames.h"
 #include "amd_id.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -30,6 +31,8 @@ struct ToolModel
     std::map<amd_id, std::string> descriptions{};
     /// How the names of tables and columns were written.
     WrittenNames writtenNames{};
+    /// About how many rows query subjects have, where it is known.
+    std::map<amd_id, std::uint64_t> rows{};
     std::vector<Decision> decisions{};
     std::vector<AcceptedFinding> acceptedFindings{};
     /// Files of past queries, as the model names them: relative to where it lies.

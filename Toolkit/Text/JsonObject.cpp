@@ -55,8 +55,17 @@ std::optional<std::string> ReadText(const PlacedJson& json, JsonProblems& proble
     return std::nullopt;
 }
 
-std::optional<std::int32_t> ReadNumber(const PlacedJson& json, JsonProblems& problems,
-                                       const NumberRange& range)
+namespace {
+
+/// The bounds of whole numbers; those of NumberRange are narrower.
+struct WideRange
+{
+    std::int64_t minimum;
+    std::int64_t maximum;
+};
+
+std::optional<std::int64_t> ReadWholeNumber(const PlacedJson& json, JsonProblems& problems,
+                                            const WideRange& range)
 {
     const auto rejectRange = [&] {
         problems.Add(json.pointer, "must lie between " + std::to_string(range.minimum) + " and " +
@@ -76,7 +85,17 @@ std::optional<std::int32_t> ReadNumber(const PlacedJson& json, JsonProblems& pro
     const bool isTooLarge = json.value->is_number_unsigned() && number < 0;
     if (isTooLarge || number < range.minimum || number > range.maximum)
         return rejectRange();
-    return static_cast<std::int32_t>(number);
+    return number;
+}
+
+} // namespace
+
+std::optional<std::int32_t> ReadNumber(const PlacedJson& json, JsonProblems& problems,
+                                       const NumberRange& range)
+{
+    const auto number =
+        ReadWholeNumber(json, problems, {.minimum = range.minimum, .maximum = range.maximum});
+    return number ? std::optional(static_cast<std::int32_t>(*number)) : std::nullopt;
 }
 
 std::optional<std::size_t>
@@ -163,6 +182,16 @@ std::optional<std::int32_t> JsonObject::GetNumber(std::string_view key, const Nu
 {
     const PlacedJson found = Find(key);
     return found.value == nullptr ? std::nullopt : ReadNumber(found, *mProblems, range);
+}
+
+std::optional<std::uint64_t> JsonObject::GetCount(std::string_view key)
+{
+    // Readers that take numbers for floating ones know all of these.
+    constexpr WideRange kCounts{.minimum = 0, .maximum = (std::int64_t{1} << 53) - 1};
+    const PlacedJson found = Find(key);
+    const auto count =
+        found.value == nullptr ? std::nullopt : ReadWholeNumber(found, *mProblems, kCounts);
+    return count ? std::optional(static_cast<std::uint64_t>(*count)) : std::nullopt;
 }
 
 std::optional<bool> JsonObject::GetBoolean(std::string_view key)

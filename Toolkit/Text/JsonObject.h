@@ -60,6 +60,8 @@ public:
     [[nodiscard]] std::optional<std::vector<std::string>> GetTexts(std::string_view key);
     [[nodiscard]] std::optional<std::int32_t> GetNumber(std::string_view key,
                                                         const NumberRange& range = {});
+    /// Returns a number of things, which may be large.
+    [[nodiscard]] std::optional<std::uint64_t> GetCount(std::string_view key);
     [[nodiscard]] std::optional<bool> GetBoolean(std::string_view key);
     /// Returns what the word of a key stands for.
     template <typename Value>

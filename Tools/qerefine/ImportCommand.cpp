@@ -2,6 +2,7 @@
 
 #include "Engine/Model/Model.h"
 #include "Engine/Model/Names.h"
+#include "Toolkit/Import/Live/ServerKinds.h"
 #include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Model/ModelFile.h"
 #include "Toolkit/Text/DisplayText.h"
@@ -86,12 +87,20 @@ void AddSqliteOptions(CLI::App& command, Options& options)
     command.get_option("FILE")->expected(1);
 }
 
+/// The kind stands at that position of the list.
+template <std::size_t kind>
 void AddUrlOptions(CLI::App& command, Options& options)
 {
+    const auto complete = [](std::string& url) {
+        if (FindServerKind(url) == nullptr)
+            url.insert(0, ListServerKinds()[kind].impliedScheme);
+        return std::string();
+    };
     command.add_option("URL", options.files, "The database")
         ->required()
         ->expected(1)
-        ->type_name("");
+        ->type_name("")
+        ->transform(CLI::Validator(complete, ""));
     AddRoles(command, options.import.roles);
     AddServerOptions(command, options.import.server);
 }
@@ -121,6 +130,7 @@ ToolModel RunSql(const Options& options, const CommandContext& context)
     });
 }
 
+/// The kind stands at that position of the list.
 template <std::size_t kind>
 ToolModel RunServer(const Options& options, const CommandContext& context)
 {
@@ -210,7 +220,7 @@ void AddServerImport(const CommandLine& line, const char* summary, const char* e
                Command<Options, ToolModel>{.help = {.name = ListServerKinds()[kind].word.data(),
                                                     .summary = summary,
                                                     .example = example},
-                                           .addOptions = AddUrlOptions,
+                                           .addOptions = AddUrlOptions<kind>,
                                            .run = RunServer<kind>,
                                            .report = Report});
 }

@@ -5,6 +5,7 @@
 #include "Toolkit/Import/Ddl/ReadingNotes.h"
 
 #include <algorithm>
+#include <charconv>
 #include <filesystem>
 #include <set>
 #include <utility>
@@ -40,6 +41,13 @@ void RemovePartialKeys(TableDeclaration& table)
 }
 
 } // namespace
+
+std::optional<std::uint64_t> ToRowCount(const std::string& text)
+{
+    std::uint64_t rows = 0;
+    std::from_chars(text.data(), text.data() + text.size(), rows);
+    return rows > 0 ? std::optional(rows) : std::nullopt;
+}
 
 LiveTables::LiveTables(std::vector<LiveTable> tables, ProgressObserver observer)
     : mTables(std::move(tables)), mObserver(std::move(observer))
@@ -87,7 +95,8 @@ void LiveTables::AddForeignKeyColumn(std::string_view table, LiveForeignKeyColum
     ForeignKeyDeclaration& key = FindKey(found->foreignKeys, column.key);
     key.table = std::move(column.table);
     key.columns.push_back(std::move(column.column));
-    key.referenced.push_back(std::move(column.referenced));
+    if (!column.referenced.empty())
+        key.referenced.push_back(std::move(column.referenced));
 }
 
 std::size_t LiveTables::RemoveForeignKeysToOthers()

@@ -5,7 +5,9 @@
 #include "Toolkit/Text/Progress.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +15,10 @@
 namespace qe::tool {
 
 class ReadingNotes;
+
+/// Returns the number of rows that a server tells; nothing where it counted none, as it does of
+/// tables that it has not looked at yet.
+[[nodiscard]] std::optional<std::uint64_t> ToRowCount(const std::string& text);
 
 /// One column of a unique key.
 struct LiveKeyColumn
@@ -30,6 +36,7 @@ struct LiveForeignKeyColumn
     std::string key{};
     ObjectName table{};
     std::string column{};
+    /// Empty where the key leads to the primary key.
     std::string referenced{};
 };
 

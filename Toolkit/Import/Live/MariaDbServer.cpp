@@ -5,8 +5,6 @@
 #include "Toolkit/Import/Live/ServerUrl.h"
 
 #include <algorithm>
-#include <charconv>
-#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -45,13 +43,6 @@ constexpr const char* kForeignKeys = R"(
      WHERE REFERENCED_TABLE_NAME IS NOT NULL AND TABLE_SCHEMA = )";
 constexpr const char* kForeignKeyOrder = " ORDER BY TABLE_NAME, CONSTRAINT_NAME, ORDINAL_POSITION";
 
-std::optional<std::uint64_t> ToRows(const std::string& text)
-{
-    std::uint64_t rows = 0;
-    std::from_chars(text.data(), text.data() + text.size(), rows);
-    return rows > 0 ? std::optional(rows) : std::nullopt;
-}
-
 /// Names may hold dots, but no zeros.
 std::string ToId(const Row& row)
 {
@@ -64,7 +55,7 @@ LiveTable ToTable(const Row& row)
     return {.id = ToId(row),
             .name = {.schema = row[0], .name = row[1]},
             .description = isView ? "" : row[3],
-            .rows = ToRows(row[4]),
+            .rows = ToRowCount(row[4]),
             .kind = isView ? LiveTable::EKind::View : LiveTable::EKind::Table};
 }
 

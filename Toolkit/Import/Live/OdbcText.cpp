@@ -37,7 +37,7 @@ std::size_t FindEnd(std::string_view text)
 }
 
 /// Returns the attributes; what has no "=" has no value.
-Attributes Split(std::string_view url)
+Attributes SplitAttributes(std::string_view url)
 {
     if (ascii::ToLower(std::string(url.substr(0, kOdbcScheme.size()))) == kOdbcScheme)
         url.remove_prefix(kOdbcScheme.size());
@@ -59,7 +59,7 @@ Attributes Split(std::string_view url)
 Attributes ParseOdbcUrl(std::string_view url)
 {
     const std::string place = ToShownOdbcUrl(url);
-    Attributes attributes = Split(url);
+    Attributes attributes = SplitAttributes(url);
     if (attributes.empty())
         throw InputError({{place, "names no driver or data source, as in "
                                   "odbc:Driver=SQLite3;Database=shop.db"}});
@@ -78,7 +78,7 @@ std::string ToShownOdbcUrl(std::string_view url)
     constexpr std::array<std::string_view, 5> kShown{"driver", "dsn", "server", "servername",
                                                      "database"};
     std::string shown(kOdbcScheme);
-    for (const auto& [name, value] : Split(url)) {
+    for (const auto& [name, value] : SplitAttributes(url)) {
         if (std::find(kShown.begin(), kShown.end(), ascii::ToLower(name)) == kShown.end())
             continue;
         shown += shown.size() == kOdbcScheme.size() ? "" : ";";

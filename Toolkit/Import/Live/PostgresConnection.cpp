@@ -118,16 +118,17 @@ PostgresRows PostgresConnection::Query(const char* statement,
 
 void PostgresConnection::AwaitAnswer()
 {
+    constexpr int kForever = -1;
+    const bool isLimited = mLimit.count() > 0;
     const auto end = std::chrono::steady_clock::now() + mLimit + kGrace;
     while (PQisBusy(mConnection.get()) != 0) {
         const auto left =
             std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
-        pollfd socket{.fd = PQsocket(mConnection.get()), .events = POLLIN, .revents = 0};
-        if (left.count() <= 0)
+        if (isLimited && left.count() <= 0)
             Fail("the server does not answer");
-        if (poll(&socket, 1, static_cast<int>(left.count())) <= 0)
-            continue;
-        if (PQconsumeInput(mConnection.get()) == 0)
+        pollfd socket{.fd = PQsocket(mConnection.get()), .events = POLLIN, .revents = 0};
+        const int patience = isLimited ? static_cast<int>(left.count()) : kForever;
+        if (poll(&socket, 1, patience) > 0 && PQconsumeInput(mConnection.get()) == 0)
             Fail(PQerrorMessage(mConnection.get()));
     }
 }

@@ -5,8 +5,6 @@
 #include "Toolkit/Import/Live/ServerUrl.h"
 
 #include <algorithm>
-#include <charconv>
-#include <optional>
 #include <utility>
 
 namespace qe::tool {
@@ -61,21 +59,13 @@ constexpr const char* kForeignKeys = R"(
      WHERE c.contype = 'f' AND c.conparentid = 0 AND c.conrelid = ANY ($1::oid[])
      ORDER BY c.conrelid, c.oid, k.place)";
 
-/// A table that was never looked at has -1 or 0 rows.
-std::optional<std::uint64_t> ToRows(const std::string& text)
-{
-    std::uint64_t rows = 0;
-    std::from_chars(text.data(), text.data() + text.size(), rows);
-    return rows > 0 ? std::optional(rows) : std::nullopt;
-}
-
 LiveTable ToTable(const PostgresRows& rows, std::size_t row)
 {
     using enum LiveTable::EKind;
     LiveTable table{.id = rows.Get(row, 0),
                     .name = {.schema = rows.Get(row, 1), .name = rows.Get(row, 2)},
                     .description = rows.Get(row, 3),
-                    .rows = ToRows(rows.Get(row, 4)),
+                    .rows = ToRowCount(rows.Get(row, 4)),
                     .isReadable = rows.IsTrue(row, 8)};
     if (rows.IsTrue(row, 7))
         table.kind = OfExtension;
@@ -109,7 +99,9 @@ public:
                               "pg_catalog.current_setting('server_version')");
         listing.defaultSchema = place.Get(0, 0);
         listing.database = place.Get(0, 1);
-        listing.server = "PostgreSQL " + place.Get(0, 2);
+        // Packagers have more to say behind a blank.
+        const std::string version = place.Get(0, 2);
+        listing.server = "PostgreSQL " + version.substr(0, version.find(' '));
         mConnection.Run("SET LOCAL search_path TO pg_catalog, pg_temp");
 
         const PostgresRows rows = mConnection.Query(kTables);

@@ -31,7 +31,7 @@ std::string_view TakeBefore(std::string_view& text, std::string_view marks)
     return taken;
 }
 
-RawUrl Split(std::string_view text)
+RawUrl SplitUrl(std::string_view text)
 {
     RawUrl url;
     const std::size_t scheme = std::min(text.find(kAfterScheme), text.size());
@@ -139,7 +139,7 @@ void RefusePassword(const std::string& place)
 ServerUrl ParseServerUrl(std::string_view text)
 {
     const std::string place = ToShownUrl(text);
-    const RawUrl raw = Split(text);
+    const RawUrl raw = SplitUrl(text);
     if (raw.user.find_first_of("/?") != std::string_view::npos)
         throw InputError({{place, "only a user stands before \"@\"; elsewhere it is written %40"}});
     if (raw.user.find(':') != std::string_view::npos)
@@ -155,7 +155,7 @@ ServerUrl ParseServerUrl(std::string_view text)
 
 std::string ToShownUrl(std::string_view text)
 {
-    const RawUrl raw = Split(text);
+    const RawUrl raw = SplitUrl(text);
     std::string shown(raw.scheme);
     shown += kAfterScheme;
     shown += raw.hosts;

@@ -83,6 +83,7 @@ public:
         made.descriptions = std::move(mDescriptions);
         made.decisions = MakeDecisions(joins);
         made.writtenNames = {.dialect = mSchema.dialect, .quoted = std::move(mQuotedNames)};
+        made.rows = std::move(mRows);
         return made;
     }
 
@@ -110,6 +111,8 @@ private:
         mSubjects.push_back(subject);
         mSubjectNames.insert(table.title);
         Describe(subject, table.description);
+        if (table.rows)
+            mRows[subject] = *table.rows;
         NameSet quoted;
         for (const std::string& part : source)
             if (table.quoted.count(part == table.title ? table.name : part) != 0)
@@ -310,6 +313,7 @@ private:
     Names mNotes;
     std::map<amd_id, std::string> mDescriptions;
     std::map<amd_id, NameSet> mQuotedNames;
+    std::map<amd_id, std::uint64_t> mRows;
     /// By the positions of the tables.
     std::vector<amd_id> mSubjects;
     std::set<std::string> mSubjectNames;
