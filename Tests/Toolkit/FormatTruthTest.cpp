@@ -107,7 +107,7 @@ void Compare(const json& truth, const model::Model& model)
     Names expectedTexts;
     for (const json& join : truth["joins"]) {
         if (!join.value("plain", true))
-            complex.insert({join["left"], join["right"]});
+            complex.insert(Names{join["left"], join["right"]});
         const Line line = DescribeTruth(join);
         expected.emplace(line.text, line.minima);
         expectedTexts.push_back(line.text);

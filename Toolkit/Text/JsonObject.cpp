@@ -124,8 +124,8 @@ std::vector<PlacedJson> ReadList(const PlacedJson& json, JsonProblems& problems)
     return elements;
 }
 
-JsonObject::JsonObject(const PlacedJson& json, JsonProblems& problems)
-    : mPointer(json.pointer), mProblems(&problems)
+JsonObject::JsonObject(const PlacedJson& json, JsonProblems& problems, ENull null)
+    : mPointer(json.pointer), mProblems(&problems), mNull(null)
 {
     if (json.value->is_object())
         mObject = json.value;
@@ -141,7 +141,7 @@ PlacedJson JsonObject::Find(std::string_view key, EPresence presence)
         return {};
     }
     const auto member = mObject->find(key);
-    if (member != mObject->end())
+    if (member != mObject->end() && !(member->is_null() && mNull == ENull::Absent))
         return {&*member, ChildPointer(mPointer, key)};
     if (presence == EPresence::Required) {
         mProblems->Add(mPointer, "lacks the key \"" + std::string(key) + '"');
@@ -209,6 +209,22 @@ std::vector<PlacedJson> JsonObject::GetList(std::string_view key)
 {
     const PlacedJson found = Find(key);
     return found.value == nullptr ? std::vector<PlacedJson>() : ReadList(found, *mProblems);
+}
+
+std::vector<std::pair<std::string, PlacedJson>> JsonObject::GetMembers(std::string_view key)
+{
+    std::vector<std::pair<std::string, PlacedJson>> members;
+    const PlacedJson found = Find(key);
+    if (found.value == nullptr)
+        return members;
+    if (!found.value->is_object()) {
+        RejectType(found, "an object", *mProblems);
+        return members;
+    }
+    for (const auto& member : found.value->items())
+        members.emplace_back(
+            member.key(), PlacedJson{&member.value(), ChildPointer(found.pointer, member.key())});
+    return members;
 }
 
 void JsonObject::Ignore(std::initializer_list<std::string_view> keys)

@@ -30,6 +30,14 @@ enum class EPresence
     Required,
 };
 
+/// What a key comes to whose value is null.
+enum class ENull
+{
+    Value,
+    /// The same as no key, as programs write it that list every key.
+    Absent,
+};
+
 /// Both ends belong to the range.
 struct NumberRange
 {
@@ -47,7 +55,7 @@ class JsonObject
 {
 public:
     /// A value that is no object is reported and counts as one without keys.
-    JsonObject(const PlacedJson& json, JsonProblems& problems);
+    JsonObject(const PlacedJson& json, JsonProblems& problems, ENull null = ENull::Value);
 
     [[nodiscard]] const std::string& GetPointer() const { return mPointer; }
 
@@ -70,6 +78,9 @@ public:
     /// Returns the elements of the list of a key.
     [[nodiscard]] std::vector<PlacedJson> GetList(std::string_view key);
 
+    /// Returns the members of the object of a key, by their names.
+    [[nodiscard]] std::vector<std::pair<std::string, PlacedJson>> GetMembers(std::string_view key);
+
     /// Lets the object have the keys, whatever they hold.
     void Ignore(std::initializer_list<std::string_view> keys);
 
@@ -80,6 +91,7 @@ private:
     const nlohmann::json* mObject = nullptr;
     std::string mPointer;
     JsonProblems* mProblems;
+    ENull mNull;
     std::vector<std::string_view> mKnownKeys;
 };
 

@@ -232,8 +232,9 @@ void AddEvaluateCommand(const CommandLine& line);
 // Past queries.
 void AddHistoryCommand(const CommandLine& line);
 
-// Models from elsewhere.
+// Models from elsewhere, and for there.
 void AddImportCommand(const CommandLine& line);
+void AddExportCommand(const CommandLine& line);
 
 // The shell.
 void AddCompletionCommand(const CommandLine& line);
@@ -243,7 +244,7 @@ inline constexpr std::array kCommands{
     AddPathCommand,  AddBestCommand,       AddSubjectsCommand,  AddBetweenCommand,
     AddTreeCommand,  AddFactsCommand,      AddShortcutsCommand, AddBatchCommand,
     AddCheckCommand, AddEvaluateCommand,   AddHistoryCommand,   AddImportCommand,
-    AddShowCommand,  AddCompletionCommand,
+    AddExportCommand, AddShowCommand,  AddCompletionCommand,
 };
 
 } // namespace qe::tool

@@ -158,10 +158,15 @@ std::shared_ptr<JoinHistory> OpenHistory(const ToolModel& model, const ModelOpti
     return loaded.history;
 }
 
+void WriteNotes(const std::vector<std::string>& notes, const CommandContext& context)
+{
+    for (const std::string& note : notes)
+        context.error << "note: " << ToDisplayText(note) << '\n';
+}
+
 void WriteNotes(const ToolModel& model, const CommandContext& context)
 {
-    for (const std::string& note : model.notes)
-        context.error << "note: " << ToDisplayText(note) << '\n';
+    WriteNotes(model.notes, context);
 }
 
 } // namespace qe::tool

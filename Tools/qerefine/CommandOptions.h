@@ -122,6 +122,9 @@ OpenHistory(const ToolModel& model, const ModelOptions& options, const CommandCo
 [[nodiscard]] ToolModel OpenModelWithNotes(const ModelOptions& options,
                                            const CommandContext& context);
 
+/// Writes sentences about what was left out to the error stream.
+void WriteNotes(const std::vector<std::string>& notes, const CommandContext& context);
+
 /// Writes what reading a model left out to the error stream.
 void WriteNotes(const ToolModel& model, const CommandContext& context);
 

@@ -1,5 +1,8 @@
 #include "Toolkit/Import/Formats/SourceFormat.h"
 
+#include "Toolkit/Import/Formats/DbtManifest.h"
+#include "Toolkit/Import/Formats/DbtSemantic.h"
+#include "Toolkit/Import/Formats/OssieModel.h"
 #include "Toolkit/Import/Formats/TblsSchema.h"
 
 #include <algorithm>
@@ -11,6 +14,18 @@ namespace qe::tool {
 namespace {
 
 constexpr std::array kFormats{
+    SourceFormat{.word = "dbt",
+                 .title = "a manifest of dbt",
+                 .matches = IsDbtManifest,
+                 .read = ReadDbtManifest},
+    SourceFormat{.word = "dbt-semantic",
+                 .title = "a semantic manifest of dbt",
+                 .matches = IsDbtSemantic,
+                 .read = ReadDbtSemantic},
+    SourceFormat{.word = "ossie",
+                 .title = "a semantic model of Apache Ossie",
+                 .matches = IsOssieModel,
+                 .read = ReadOssieModel},
     SourceFormat{.word = "tbls",
                  .title = "a schema of tbls",
                  .matches = IsTblsSchema,

@@ -2,7 +2,9 @@
 
 #include "Engine/Model/Names.h"
 
+#include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace qe::tool {
 
@@ -33,10 +35,22 @@ std::vector<std::string> SubjectIndex::Nearest(const std::string& name) const
     return model::NearestNames(name, known);
 }
 
-void EnsureColumn(SchemaTable& table, const std::string& column)
+SchemaColumn& EnsureColumn(SchemaTable& table, const std::string& column)
 {
-    if (FindColumn(table.columns, column) == nullptr)
-        table.columns.push_back({.name = column});
+    if (const SchemaColumn* const found = FindColumn(table.columns, column))
+        return table.columns[static_cast<std::size_t>(found - table.columns.data())];
+    return table.columns.emplace_back(SchemaColumn{.name = column});
+}
+
+void AddKey(SchemaTable& table, EKey kind, std::vector<std::string> columns)
+{
+    if (columns.empty())
+        return;
+    for (std::string& column : columns)
+        column = EnsureColumn(table, column).name;
+    table.keys.erase(std::remove(table.keys.begin(), table.keys.end(), columns), table.keys.end());
+    table.keys.insert(kind == EKey::Primary ? table.keys.begin() : table.keys.end(),
+                      std::move(columns));
 }
 
 } // namespace qe::tool

@@ -36,8 +36,18 @@ private:
     std::map<std::string, std::size_t> mPositions;
 };
 
-/// Lets the table have the column, for sources that do not list all.
-void EnsureColumn(SchemaTable& table, const std::string& column);
+/// Lets the table have the column, for sources that do not list all. Returns it.
+SchemaColumn& EnsureColumn(SchemaTable& table, const std::string& column);
+
+enum class EKey
+{
+    Primary,
+    Unique,
+};
+
+/// Adds a key, unless it has no columns or the table has it already. The columns are spelt like
+/// those of the table, which gets those that it lacks.
+void AddKey(SchemaTable& table, EKey kind, std::vector<std::string> columns);
 
 } // namespace qe::tool
 

@@ -40,7 +40,7 @@ class TblsReader
 {
 public:
     explicit TblsReader(SourceDocument& document)
-        : mProblems(document.problems), mTop(document.Top(), mProblems)
+        : mProblems(document.problems), mTop(document.Top(), mProblems, ENull::Absent)
     {}
 
     DatabaseSchema Read()
@@ -52,7 +52,7 @@ public:
         for (const PlacedJson& relation : mTop.GetList("relations"))
             ReadRelation(relation);
         for (const PlacedJson& view : mTop.GetList("viewpoints"))
-            mLeftOut.Add("viewpoints", JsonObject(view, mProblems).GetText("name"));
+            mLeftOut.Add("viewpoints", JsonObject(view, mProblems, ENull::Absent).GetText("name"));
         mSchema.notes = mLeftOut.List();
         return std::move(mSchema);
     }
@@ -63,13 +63,13 @@ private:
         const PlacedJson driver = mTop.Find("driver");
         if (driver.value == nullptr)
             return;
-        const std::string name = JsonObject(driver, mProblems).GetText("name");
+        const std::string name = JsonObject(driver, mProblems, ENull::Absent).GetText("name");
         mSchema.origin = "a schema of tbls" + (name.empty() ? "" : ", from " + name);
     }
 
     void ReadTable(const PlacedJson& json)
     {
-        JsonObject object(json, mProblems);
+        JsonObject object(json, mProblems, ENull::Absent);
         SchemaTable table{.name = object.GetText("name", EPresence::Required)};
         // The schema stands before the name, where there are several.
         if (const std::size_t dot = table.name.find('.'); dot != std::string::npos)
@@ -87,7 +87,7 @@ private:
 
     void ReadColumn(const PlacedJson& json, SchemaTable& table)
     {
-        JsonObject object(json, mProblems);
+        JsonObject object(json, mProblems, ENull::Absent);
         const std::string name = object.GetText("name", EPresence::Required);
         table.columns.push_back({.name = name,
                                  .isNotNull = !object.GetBoolean("nullable").value_or(true),
@@ -96,20 +96,20 @@ private:
 
     void ReadConstraint(const PlacedJson& json, SchemaTable& table)
     {
-        JsonObject object(json, mProblems);
+        JsonObject object(json, mProblems, ENull::Absent);
         const std::string type = object.GetText("type");
         const std::optional<std::vector<std::string>> columns = object.GetTexts("columns");
         if (!columns || columns->empty())
             return;
         if (type == "PRIMARY KEY")
-            table.keys.insert(table.keys.begin(), *columns);
+            AddKey(table, EKey::Primary, *columns);
         else if (type == "UNIQUE")
-            table.keys.push_back(*columns);
+            AddKey(table, EKey::Unique, *columns);
     }
 
     void ReadRelation(const PlacedJson& json)
     {
-        JsonObject object(json, mProblems);
+        JsonObject object(json, mProblems, ENull::Absent);
         const auto child = mIndex.Find(object, "table", mProblems);
         const auto parent = mIndex.Find(object, "parent_table", mProblems);
         SchemaJoinEnd left{.columns =

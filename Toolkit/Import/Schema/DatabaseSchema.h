@@ -89,6 +89,8 @@ struct SchemaJoin
     std::string condition{};
     /// Joins that are only used where somebody asks for them lead to a role of the right table.
     bool isActive = true;
+    /// What the source says about it; empty for nothing.
+    std::string description{};
 };
 
 /// What a source says of how some tables are to be joined.

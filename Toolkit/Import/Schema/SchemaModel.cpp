@@ -204,13 +204,15 @@ private:
             target = AddRole(target, targetName);
         }
         const JoinRanges ranges = RangesOf(mSchema, join);
-        return mBuilder.AddRelationship(
+        const amd_id added = mBuilder.AddRelationship(
             mSpace, join.name, {mSubjects[join.left.table], ranges.left}, {target, ranges.right},
             WriteStatedCondition(join, [&](bool isLeft, const std::string& column) {
                 const SchemaTable& table = isLeft ? left : right;
                 return model::QualifiedName{mSpaceName, isLeft ? left.title : targetName,
                                             FindColumn(table.columns, column)->title};
             }));
+        Describe(added, join.description);
+        return added;
     }
 
     /// A model has one decision for each set of query subjects; the first counts.

@@ -1,0 +1,103 @@
+#include "Toolkit/Export/ExportedModel.h"
+#include "Toolkit/Export/ExportWriters.h"
+#include "Toolkit/Text/DisplayText.h"
+
+#include <string_view>
+
+namespace qe::tool {
+
+namespace {
+
+/// Names may hold anything but double quotes, backslashes and control characters.
+std::string QuoteName(std::string_view name)
+{
+    std::string quoted = "\"";
+    for (const char c : name) {
+        if (c == '"')
+            quoted += '\'';
+        else if (c == '\\')
+            quoted += '/';
+        else
+            quoted += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+    }
+    return quoted + '"';
+}
+
+/// A text on one line.
+std::string QuoteText(std::string_view text)
+{
+    std::string quoted = "'";
+    for (const char c : text) {
+        if (c == '\'' || c == '\\')
+            quoted += '\\';
+        quoted += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+    }
+    return quoted + '\'';
+}
+
+std::string WriteColumns(const std::vector<std::string>& columns)
+{
+    const std::string list = JoinTexts(columns, QuoteName);
+    return columns.size() == 1 ? list : '(' + list + ')';
+}
+
+std::string WriteTable(const ExportedSubject& subject)
+{
+    std::string text = "Table " + QuoteName(subject.name) + " {\n";
+    for (const auto& [name, description] : subject.columns)
+        text += "  " + QuoteName(name) + " any" +
+                (description.empty() ? "" : " [note: " + QuoteText(description) + ']') + '\n';
+    if (!subject.keys.empty())
+        text += "  indexes {\n";
+    for (std::size_t key = 0; key < subject.keys.size(); ++key)
+        text += "    " + WriteColumns(subject.keys[key]) + (key == 0 ? " [pk]\n" : " [unique]\n");
+    if (!subject.keys.empty())
+        text += "  }\n";
+    if (!subject.description.empty())
+        text += "  Note: " + QuoteText(subject.description) + '\n';
+    return text + "}\n\n";
+}
+
+const char* SignOf(const ExportedJoin& join)
+{
+    if (join.left.isMany)
+        return join.right.isMany ? " <> " : " > ";
+    return " - ";
+}
+
+std::string WriteReference(const ExportedModel& model, const ExportedJoin& join)
+{
+    const auto write = [&model](const ExportedEnd& end) {
+        return QuoteName(model.subjects[end.subject].name) + '.' + WriteColumns(end.columns);
+    };
+    return "Ref " + QuoteName(join.name) + ": " + write(join.left) + SignOf(join) +
+           write(join.right) + '\n';
+}
+
+} // namespace
+
+std::string WriteDbml(const ToolModel& model, LeftOut& leftOut)
+{
+    const ExportedModel exported = CollectModel(model, EExportedRoles::Targets, leftOut);
+    std::string text;
+    for (const ExportedSubject& subject : exported.subjects) {
+        if (subject.columns.empty())
+            leftOut.Add("subjects without items, and their joins", subject.name);
+        else
+            text += WriteTable(subject);
+    }
+    for (const ExportedJoin& join : TakePlainJoins(exported, leftOut)) {
+        const bool isToItself = join.left.subject == join.right.subject &&
+                                join.left.columns == join.right.columns;
+        if (isToItself) {
+            leftOut.Add("joins of columns to themselves", join.name);
+            continue;
+        }
+        text += WriteReference(exported, join);
+        if (!join.left.isOptional || !join.right.isOptional)
+            leftOut.Add("words that each row has a partner", join.name);
+    }
+    return text;
+}
+
+} // namespace qe::tool
