@@ -15,9 +15,10 @@ namespace {
 
 /// Words of expressions that are no columns.
 constexpr std::array<std::string_view, 22> kKeywords{
-    "and",  "as",  "between", "case",  "cast",    "current_date", "current_timestamp", "else",
-    "end",  "escape", "false", "ilike", "in",      "interval",     "is",                "like",
-    "not",  "null",   "or",    "then",  "true",    "when"};
+    "and",  "as",   "between", "case",  "cast",  "current_date", "current_timestamp",
+    "else", "end",  "escape",  "false", "ilike", "in",           "interval",
+    "is",   "like", "not",     "null",  "or",    "then",         "true",
+    "when"};
 
 bool IsNameByte(char c)
 {

@@ -143,9 +143,8 @@ private:
             mLeftOut.Add("natural entities of what has no validity", table.name + '.' + name);
             return false;
         }
-        Entity entity{.table = mSchema.tables.size(),
-                      .type = *type,
-                      .text = text.empty() ? name : text};
+        Entity entity{
+            .table = mSchema.tables.size(), .type = *type, .text = text.empty() ? name : text};
         if (const auto column = ReadColumnName(table, entity.text)) {
             EnsureColumn(table, *column);
             if (!IsMany(*type))

@@ -213,8 +213,8 @@ private:
 bool IsOssieModel(const SourceDocument& document)
 {
     const nlohmann::json& json = document.json;
-    return json.is_object() &&
-           (json.contains("semantic_model") || (json.contains("ontology") && json.contains("version")));
+    return json.is_object() && (json.contains("semantic_model") ||
+                                (json.contains("ontology") && json.contains("version")));
 }
 
 DatabaseSchema ReadOssieModel(std::span<SourceDocument> documents)
