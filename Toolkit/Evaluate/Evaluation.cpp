@@ -1,7 +1,6 @@
 #include "Toolkit/Evaluate/Evaluation.h"
 
 #include "Engine/Model/Model.h"
-#include "Engine/Services/Characters.h"
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Ask/PassedTables.h"
 #include "Toolkit/Batch/LineReader.h"
@@ -9,6 +8,7 @@
 #include "Toolkit/Evaluate/HistoryRounds.h"
 #include "Toolkit/Evaluate/ModelSource.h"
 #include "Toolkit/History/PastQuery.h"
+#include "Toolkit/History/RecordReader.h"
 #include "Toolkit/Text/InputFile.h"
 #include "Toolkit/Text/JsonObject.h"
 
@@ -42,18 +42,6 @@ std::string TextOf(const nlohmann::json& request, const char* key)
     return found->is_string() ? found->get<std::string>() : found->dump();
 }
 
-NamedPair ReadPair(const PlacedJson& json, JsonProblems& problems)
-{
-    std::vector<std::string> columns;
-    for (const PlacedJson& element : ReadList(json, problems))
-        columns.push_back(ascii::ToLower(ReadText(element, problems).value_or("")));
-    if (columns.size() != 2) {
-        problems.Add(json.pointer, "must be a list of two columns");
-        return {};
-    }
-    return {std::min(columns[0], columns[1]), std::max(columns[0], columns[1])};
-}
-
 /// Reads what can be read without fail.
 WrittenRequest ReadWritten(const nlohmann::json& request)
 {
@@ -72,9 +60,7 @@ std::vector<NamedPair> ReadJoins(const nlohmann::json& request)
 {
     JsonProblems problems;
     JsonObject object({&request, ""}, problems);
-    std::vector<NamedPair> pairs;
-    for (const PlacedJson& join : object.GetList("joins"))
-        pairs.push_back(ReadPair(join, problems));
+    std::vector<NamedPair> pairs = ReadNamedPairs(object, problems);
     if (problems.IsEmpty() && pairs.empty())
         problems.Add("/joins", "an evaluation needs the joins that a person wrote");
     problems.ThrowIfAny();

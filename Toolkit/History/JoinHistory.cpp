@@ -95,10 +95,23 @@ std::size_t JoinHistory::Add(const PastQuery& query)
     use.place = query.place;
     use.id = query.id;
     use.count = query.count;
-    use.joins = FindJoins(GroupPairs(query));
-    use.tables = FindTables(query);
+    Fill(use, query);
     Count(use, true);
     return known->second;
+}
+
+void JoinHistory::Fill(Use& use, const PastQuery& query)
+{
+    std::string key = JoinsKey(query);
+    if (const auto known = mUsesByJoins.find(key); known != mUsesByJoins.end()) {
+        use.joins = mUses[known->second].joins;
+        use.tables = mUses[known->second].tables;
+        return;
+    }
+    use.joins = FindJoins(GroupPairs(query));
+    use.tables = FindTables(query);
+    if (mUnknownNames.empty())
+        mUsesByJoins.emplace(std::move(key), mUses.size() - 1);
 }
 
 JoinHistory::Groups JoinHistory::GroupPairs(const PastQuery& query)

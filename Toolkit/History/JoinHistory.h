@@ -106,6 +106,8 @@ private:
     [[nodiscard]] std::vector<std::size_t> FindJoins(const Groups& groups);
     [[nodiscard]] std::vector<std::size_t> FindUsed(const TablePair& tables,
                                                     std::span<const Pair> pairs) const;
+    /// Finds the joins and tables of the query, or takes them from a use of the same ones.
+    void Fill(Use& use, const PastQuery& query);
     void Count(const Use& use, bool isRemembered);
 
     SchemaColumns mColumns;
@@ -115,6 +117,8 @@ private:
     std::map<amd_id, std::size_t> mJoinsById;
     std::vector<Use> mUses;
     std::unordered_map<std::string, std::size_t> mUsesByText;
+    /// By tables and pairs: the first use of each that names nothing unknown.
+    std::unordered_map<std::string, std::size_t> mUsesByJoins;
     /// How many queries have both tables.
     std::unordered_map<TablePair, std::size_t, PairHash> mTogether;
     std::map<std::string, std::size_t> mUnknownNames;

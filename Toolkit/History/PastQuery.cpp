@@ -30,28 +30,36 @@ std::string ToTableName(std::string_view subject)
 
 void Normalise(PastQuery& query)
 {
+    // Most tables are named several times: only those that are kept are copied.
+    std::vector<std::string_view> tables(query.tables.begin(), query.tables.end());
     for (NamedPair& pair : query.pairs) {
         if (pair.second < pair.first)
             std::swap(pair.first, pair.second);
-        for (const std::string& column : {pair.first, pair.second})
-            query.tables.push_back(column.substr(0, column.rfind('.')));
     }
-    MakeSet(query.tables);
     MakeSet(query.pairs);
+    for (const auto& [first, second] : query.pairs) {
+        for (const std::string_view column : {std::string_view(first), std::string_view(second)})
+            tables.push_back(column.substr(0, column.rfind('.')));
+    }
+    MakeSet(tables);
+    query.tables = std::vector<std::string>(tables.begin(), tables.end());
+}
+
+std::string JoinsKey(const PastQuery& query)
+{
+    std::string key;
+    for (const std::string& table : query.tables)
+        (key += table) += kSeparator;
+    key += kSeparator;
+    for (const NamedPair& pair : query.pairs)
+        (((key += pair.first) += kSeparator) += pair.second) += kSeparator;
+    return key;
 }
 
 std::string TextKey(const PastQuery& query)
 {
-    std::string key = query.database + kSeparator;
-    if (!query.text.empty())
-        return key + query.text;
-    key += kSeparator;
-    for (const std::string& table : query.tables)
-        key += table + kSeparator;
-    key += kSeparator;
-    for (const NamedPair& pair : query.pairs)
-        key += pair.first + kSeparator + pair.second + kSeparator;
-    return key;
+    return query.database + kSeparator +
+           (query.text.empty() ? kSeparator + JoinsKey(query) : query.text);
 }
 
 } // namespace qe::tool

@@ -35,6 +35,9 @@ struct PastQuery
 /// Puts tables and pairs in order, and the tables of the pairs among the tables.
 void Normalise(PastQuery& query);
 
+/// Returns what queries with the same tables and pairs have in common.
+[[nodiscard]] std::string JoinsKey(const PastQuery& query);
+
 /// Returns what queries of the same text have in common: two queries with equal keys count once.
 [[nodiscard]] std::string TextKey(const PastQuery& query);
 
