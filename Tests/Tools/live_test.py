@@ -284,5 +284,6 @@ if __name__ == "__main__":
     TOOL = pathlib.Path(sys.argv.pop(1)).resolve()
     DATA = pathlib.Path(sys.argv.pop(1)).resolve()
     if not servers.Postgres.is_installed() and not servers.MariaDb.is_installed():
+        print("neither PostgreSQL nor MariaDB is installed")
         sys.exit(77)
     unittest.main()
