@@ -14,7 +14,7 @@ import subprocess
 import tempfile
 import time
 
-SECONDS_TO_START = 30
+SECONDS_TO_START = 120
 SECONDS_TO_STOP = 20
 
 
