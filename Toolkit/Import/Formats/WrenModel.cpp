@@ -39,15 +39,12 @@ public:
         mSpace = {mTop.GetText("catalog"), mTop.GetText("schema")};
         for (const PlacedJson& model : mTop.GetList("models"))
             ReadModel(model);
+        mModels = mSchema.tables.size();
         for (const PlacedJson& view : mTop.GetList("views"))
             AddTable(view);
         for (const PlacedJson& relationship : mTop.GetList("relationships"))
             ReadRelationship(relationship);
-        for (std::size_t i = 0; i < mSchema.tables.size(); ++i)
-            if (!mIsPhysical[i])
-                mSchema.tables[i].source = {mSpace[0], mSpace[1], mSchema.tables[i].name};
-        for (SchemaTable& table : mSchema.tables)
-            std::erase(table.source, "");
+        NameSources();
         for (const PlacedJson& cube : mTop.GetList("cubes"))
             mLeftOut.Add("cubes", JsonObject(cube, mProblems).GetText("name"));
         for (std::string& note : mLeftOut.List())
@@ -56,6 +53,20 @@ public:
     }
 
 private:
+    /// SQL that names tables of the database beside models of Wren could be run by neither.
+    void NameSources()
+    {
+        const bool isPhysical = std::all_of(
+            mIsPhysical.begin(), mIsPhysical.begin() + static_cast<std::ptrdiff_t>(mModels),
+            [](bool is) { return is; });
+        for (std::size_t i = 0; i < mSchema.tables.size(); ++i) {
+            SchemaTable& table = mSchema.tables[i];
+            if (!isPhysical || i >= mModels)
+                table.source = {mSpace[0], mSpace[1], table.name};
+            std::erase(table.source, "");
+        }
+    }
+
     SchemaTable& AddTable(const PlacedJson& json)
     {
         JsonObject object(json, mProblems);
@@ -247,6 +258,8 @@ private:
     /// By the positions of the tables: whether they are asked in the database as they are, and
     /// which of their columns are not in it under their names.
     std::vector<bool> mIsPhysical;
+    /// How many of them are models; views come behind.
+    std::size_t mModels = 0;
     std::vector<std::set<std::string>> mComputed;
     LeftOut mLeftOut;
 };
