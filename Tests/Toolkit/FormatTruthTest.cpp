@@ -89,7 +89,7 @@ Line DescribeJoin(const model::Model& model, const amd_id& id, const std::set<Na
         End& end = isLeft && left.columns.size() <= right.columns.size() ? left : right;
         end.columns.push_back(reference.names.back().ToStdString());
     }
-    const bool isPlain = complex.count({left.subject, right.subject}) == 0;
+    const bool isPlain = complex.count(Names{left.subject, right.subject}) == 0;
     return Describe(left, right, model.Find(join.right)->referenced == amd_id(), isPlain);
 }
 
@@ -107,7 +107,8 @@ void Compare(const json& truth, const model::Model& model)
     Names expectedTexts;
     for (const json& join : truth["joins"]) {
         if (!join.value("plain", true))
-            complex.insert(Names{join["left"], join["right"]});
+            complex.insert(
+                Names{join["left"].get<std::string>(), join["right"].get<std::string>()});
         const Line line = DescribeTruth(join);
         expected.emplace(line.text, line.minima);
         expectedTexts.push_back(line.text);

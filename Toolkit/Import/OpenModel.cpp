@@ -31,6 +31,9 @@ constexpr std::size_t kStartSize = 4096;
 constexpr std::string_view kSqliteStart = "SQLite format 3\0"sv;
 /// What the files of a folder are called that make a model.
 constexpr std::array kFolderEndings{".yml"sv, ".yaml"sv, ".tmdl"sv};
+/// Programs that may make parts of a model, and what folder holds those of others.
+constexpr std::string_view kProgramEnding = ".js";
+constexpr std::string_view kForeignFolder = "node_modules";
 
 bool IsSqlite(std::string_view start)
 {
@@ -65,6 +68,15 @@ ToolModel MakeSourceModel(const SourceFormat& format, std::span<SourceDocument> 
     return MakeModel(std::move(schema), options);
 }
 
+/// Throws an InputError that tells why nobody knows what the document holds.
+[[noreturn]] void RejectUnknown(const SourceDocument& document)
+{
+    if (!document.templates.empty())
+        throw InputError({{document.name, "is no YAML before its templates are rendered"}});
+    throw InputError(
+        {{document.name, "is of no format that can be read; there are " + ListFormatWords()}});
+}
+
 /// What is JSON, but of no other format, is taken for a model file.
 ToolModel OpenDocument(SourceDocument document, const std::filesystem::path& path,
                        const ImportOptions& options)
@@ -73,8 +85,7 @@ ToolModel OpenDocument(SourceDocument document, const std::filesystem::path& pat
     if (const SourceFormat* const format = RecogniseFormat(documents))
         return MakeSourceModel(*format, documents, path, options);
     if (document.syntax != ESyntax::Json)
-        throw InputError(
-            {{document.name, "is of no format that can be read; there are " + ListFormatWords()}});
+        RejectUnknown(document);
     return ReadModelDocument(document.json, document.problems);
 }
 
@@ -85,8 +96,11 @@ std::vector<SourceDocument> ReadFolder(const std::filesystem::path& folder)
     std::error_code error;
     for (std::filesystem::recursive_directory_iterator entry(folder, error), end;
          !error && entry != end; entry.increment(error)) {
+        if (entry->path().filename() == kForeignFolder)
+            entry.disable_recursion_pending();
         const std::string ending = entry->path().extension().string();
-        if (std::find(kFolderEndings.begin(), kFolderEndings.end(), ending) != kFolderEndings.end())
+        if (ending == kProgramEnding ||
+            std::find(kFolderEndings.begin(), kFolderEndings.end(), ending) != kFolderEndings.end())
             paths.push_back(entry->path());
     }
     if (error)
@@ -95,11 +109,32 @@ std::vector<SourceDocument> ReadFolder(const std::filesystem::path& folder)
     std::vector<SourceDocument> documents;
     for (const std::filesystem::path& path : paths) {
         std::string text = ReadInputFile(path);
-        const auto syntax = RecogniseSyntax(text);
+        const auto syntax = path.extension() == kProgramEnding ? std::optional(ESyntax::JavaScript)
+                                                               : RecogniseSyntax(text);
         if (syntax)
             documents.push_back(ReadDocument(path.string(), std::move(text), *syntax));
     }
     return documents;
+}
+
+/// Takes the documents of the format; the others are told. Where none is of it, the user has chosen
+/// it for all.
+ToolModel MakeFolderModel(const SourceFormat& format, std::vector<SourceDocument>& documents,
+                          const std::filesystem::path& folder, const ImportOptions& options)
+{
+    auto others = std::stable_partition(documents.begin(), documents.end(), format.matches);
+    if (others == documents.begin())
+        others = documents.end();
+    ToolModel model = MakeSourceModel(format, {documents.begin(), others}, folder, options);
+    for (; others != documents.end(); ++others) {
+        if (others->syntax != ESyntax::JavaScript)
+            model.notes.push_back("left out a file that " +
+                                  std::string(others->templates.empty()
+                                                  ? "is not of " + std::string(format.title)
+                                                  : "templates make, which needs code") +
+                                  ": " + others->name);
+    }
+    return model;
 }
 
 ToolModel OpenFolder(const std::filesystem::path& folder, const ImportOptions& options)
@@ -108,8 +143,12 @@ ToolModel OpenFolder(const std::filesystem::path& folder, const ImportOptions& o
     if (documents.empty())
         throw InputError({{folder.string(), "is a folder without files of a model; those of " +
                                                 ListFormatWords() + " can be read"}});
-    if (const SourceFormat* const format = RecogniseFormat(documents))
-        return MakeSourceModel(*format, documents, folder, options);
+    for (const SourceDocument& document : documents) {
+        if (document.syntax == ESyntax::JavaScript)
+            continue;
+        if (const SourceFormat* const format = RecogniseFormat({&document, 1}))
+            return MakeFolderModel(*format, documents, folder, options);
+    }
     throw InputError(
         {{folder.string(), "is of no format that can be read; there are " + ListFormatWords()}});
 }
@@ -184,7 +223,7 @@ ToolModel ImportSource(const std::filesystem::path& path, const SourceFormat& fo
         std::vector<SourceDocument> documents = ReadFolder(path);
         if (documents.empty())
             throw InputError({{path.string(), "is a folder without files of a model"}});
-        return MakeSourceModel(format, documents, path, options);
+        return MakeFolderModel(format, documents, path, options);
     }
     std::string text = ReadInputFile(path);
     const std::optional<ESyntax> syntax = RecogniseSyntax(text);

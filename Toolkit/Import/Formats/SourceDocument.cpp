@@ -1,6 +1,8 @@
 #include "Toolkit/Import/Formats/SourceDocument.h"
 
 #include "Engine/Services/Characters.h"
+#include "Toolkit/Import/Formats/TmdlText.h"
+#include "Toolkit/Import/Formats/YamlTemplates.h"
 #include "Toolkit/Text/JsonText.h"
 #include "Toolkit/Text/YamlText.h"
 
@@ -18,10 +20,10 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kBlanks = " \t\r\n\v\f";
 
 /// What the first line of a TMDL text may begin with.
-constexpr std::array<std::string_view, 12> kTmdlWords{
-    "table ",   "model ",      "model\n",         "relationship ",
-    "ref ",     "database ",   "database\n",      "///",
-    "culture ", "expression ", "createOrReplace", "perspective "};
+constexpr std::array<std::string_view, 17> kTmdlWords{
+    "table ",          "model ",       "model\n",     "model\r", "relationship ", "ref ",
+    "database ",       "database\n",   "database\r",  "///",     "culture ",      "expression ",
+    "createOrReplace", "perspective ", "annotation ", "role ",   "queryGroup "};
 
 std::string_view SkipByteOrderMark(std::string_view text)
 {
@@ -61,6 +63,18 @@ bool IsTmdl(std::string_view text)
     });
 }
 
+/// What is no YAML before its templates are rendered may be without them.
+void ReadYaml(SourceDocument& document)
+{
+    try {
+        document.json = ParseYaml(*document.text, document.problems);
+    } catch (const InputError&) {
+        if (!HasTemplates(*document.text))
+            throw;
+        RemoveTemplates(document);
+    }
+}
+
 } // namespace
 
 std::optional<ESyntax> RecogniseSyntax(std::string_view start)
@@ -68,6 +82,8 @@ std::optional<ESyntax> RecogniseSyntax(std::string_view start)
     const std::string_view text = SkipComments(SkipByteOrderMark(start));
     if (text.empty())
         return std::nullopt;
+    if (text.starts_with("{{") || text.starts_with("{%") || text.starts_with("{#"))
+        return ESyntax::Yaml;
     if (text.front() == '{' || text.front() == '[')
         return ESyntax::Json;
     if (text.substr(0, 3) == "---" || text.substr(0, 5) == "%YAML" ||
@@ -87,16 +103,37 @@ SourceDocument ReadDocument(std::string name, std::string text, ESyntax syntax)
     if (syntax == ESyntax::Json)
         document.json = ParseJson(*document.text, document.problems);
     if (syntax == ESyntax::Yaml)
-        document.json = ParseYaml(*document.text, document.problems);
+        ReadYaml(document);
+    if (syntax == ESyntax::Tmdl)
+        document.json = ParseTmdl(*document.text, document.problems);
     return document;
+}
+
+void RemoveTemplates(SourceDocument& document)
+{
+    if (document.syntax != ESyntax::Yaml || !HasTemplates(*document.text))
+        return;
+    document.problems = JsonProblems(document.name);
+    std::optional<TemplateFree> free = LeaveOutTemplates(*document.text);
+    if (!free) {
+        document.json = nullptr;
+        document.templates = {document.name + ", the whole file"};
+        return;
+    }
+    for (const std::size_t line : free->lines)
+        document.templates.push_back(document.name + ':' + std::to_string(line));
+    document.text = std::make_shared<const std::string>(std::move(free->text));
+    document.json = ParseYaml(*document.text, document.problems);
 }
 
 void ShowLines(SourceDocument& document)
 {
     document.problems.SetLineFinder([text = document.text, syntax = document.syntax](
                                         const std::set<std::string>& pointers) -> DocumentLines {
-        if (syntax == ESyntax::Tmdl)
+        if (syntax == ESyntax::JavaScript)
             return {};
+        if (syntax == ESyntax::Tmdl)
+            return FindTmdlLines(*text, pointers);
         return syntax == ESyntax::Json ? FindJsonLines(*text, pointers)
                                        : FindYamlLines(*text, pointers);
     });

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qe::tool {
 
@@ -20,6 +21,8 @@ enum class ESyntax : std::uint8_t
     Yaml,
     /// Objects as indented lines: "table Sales", "relationship 1" and so on.
     Tmdl,
+    /// A program that would make objects, of which only its own text is known.
+    JavaScript,
 };
 
 /// A text that may hold a model, and where its mistakes are told.
@@ -30,9 +33,11 @@ struct SourceDocument
     ESyntax syntax = ESyntax::Json;
     /// Never null.
     std::shared_ptr<const std::string> text{};
-    /// Null for TMDL, which each reader takes apart itself.
+    /// Null for a program.
     nlohmann::json json{};
     JsonProblems problems{};
+    /// The lines of templates that had to be left out of the text, as messages name them.
+    std::vector<std::string> templates{};
 
     /// Returns the whole document as a value with a place.
     [[nodiscard]] PlacedJson Top() const { return {.value = &json, .pointer = ""}; }
@@ -42,7 +47,11 @@ struct SourceDocument
 [[nodiscard]] std::optional<ESyntax> RecogniseSyntax(std::string_view start);
 
 /// Reads a text. Throws an InputError with line and column when it does not follow its syntax.
+/// Where YAML does not for its templates, they are left out; it is null where little would remain.
 [[nodiscard]] SourceDocument ReadDocument(std::string name, std::string text, ESyntax syntax);
+
+/// Leaves the templates out of a YAML document, also those in texts between quotes.
+void RemoveTemplates(SourceDocument& document);
 
 /// Lets messages about the document show lines beside pointers.
 void ShowLines(SourceDocument& document);

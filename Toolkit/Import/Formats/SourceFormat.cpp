@@ -1,13 +1,18 @@
 #include "Toolkit/Import/Formats/SourceFormat.h"
 
+#include "Toolkit/Import/Formats/CubeModel.h"
+#include "Toolkit/Import/Formats/LeftOut.h"
+#include "Toolkit/Import/Formats/TabularModel.h"
 #include "Toolkit/Import/Formats/DbtManifest.h"
 #include "Toolkit/Import/Formats/DbtSemantic.h"
 #include "Toolkit/Import/Formats/OssieModel.h"
 #include "Toolkit/Import/Formats/TblsSchema.h"
+#include "Toolkit/Import/Formats/WrenModel.h"
 
 #include <algorithm>
 #include <array>
 #include <string>
+#include <utility>
 
 namespace qe::tool {
 
@@ -30,6 +35,25 @@ constexpr std::array kFormats{
                  .title = "a schema of tbls",
                  .matches = IsTblsSchema,
                  .read = ReadTblsSchema},
+    SourceFormat{.word = "tmsl",
+                 .title = "a tabular model (model.bim)",
+                 .matches = IsTabularJson,
+                 .read = ReadTabularModel},
+    SourceFormat{.word = "tmdl",
+                 .title = "a tabular model (TMDL)",
+                 .matches = IsTmdl,
+                 .read = ReadTabularModel,
+                 .takesSeveral = true},
+    SourceFormat{.word = "wren",
+                 .title = "a manifest of Wren",
+                 .matches = IsWrenModel,
+                 .read = ReadWrenModel},
+    SourceFormat{.word = "cube",
+                 .title = "a data model of Cube",
+                 .matches = IsCubeModel,
+                 .read = ReadCubeModel,
+                 .takesSeveral = true,
+                 .hasTemplates = true},
 };
 
 } // namespace
@@ -61,9 +85,19 @@ DatabaseSchema ReadSource(const SourceFormat& format, std::span<SourceDocument> 
     if (documents.size() > 1 && !format.takesSeveral)
         throw InputError({{documents[1].name, "is one file too many: one makes a model of " +
                                                   std::string(format.title)}});
-    for (SourceDocument& document : documents)
+    LeftOut leftOut;
+    for (SourceDocument& document : documents) {
+        if (format.hasTemplates && document.templates.empty())
+            RemoveTemplates(document);
+        if (!document.templates.empty() && document.json.is_null())
+            throw InputError({{document.name, "is no YAML before its templates are rendered"}});
+        for (const std::string& place : document.templates)
+            leftOut.Add("parts that templates make, which needs code", place);
         ShowLines(document);
+    }
     DatabaseSchema schema = format.read(documents);
+    for (std::string& note : leftOut.List())
+        schema.notes.push_back(std::move(note));
     for (const SourceDocument& document : documents)
         document.problems.ThrowIfAny();
     if (schema.tables.empty())

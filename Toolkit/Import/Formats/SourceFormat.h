@@ -23,6 +23,8 @@ struct SourceFormat
     DatabaseSchema (*read)(std::span<SourceDocument> documents);
     /// Whether one model may be spread over several documents.
     bool takesSeveral = false;
+    /// Whether its YAML may hold templates.
+    bool hasTemplates = false;
 };
 
 /// Returns the formats, in the order in which they are tried.

@@ -72,6 +72,9 @@ public:
             for (std::size_t key = 0; key < mSchema.tables[i].foreignKeys.size(); ++key)
                 AddKey(i, key);
         NoteRoles();
+        for (const SchemaJoin& join : mSchema.joins)
+            if (!join.isActive)
+                mRoleOwners[{join.right.table, RoleColumns(join)}].insert(join.left.table);
         std::vector<amd_id> joins;
         for (const SchemaJoin& join : mSchema.joins)
             joins.push_back(AddStatedJoin(join));
@@ -197,10 +200,7 @@ private:
         amd_id target = mSubjects[join.right.table];
         std::string targetName = right.title;
         if (!join.isActive) {
-            const Names& columns = join.left.columns;
-            targetName = NameRole(
-                left, right,
-                " (" + (columns.empty() ? join.name : JoinTexts(TitlesOf(left, columns))) + ")");
+            targetName = NameStatedRole(join);
             target = AddRole(target, targetName);
         }
         const JoinRanges ranges = RangesOf(mSchema, join);
@@ -213,6 +213,25 @@ private:
             }));
         Describe(added, join.description);
         return added;
+    }
+
+    /// Returns what tells the roles apart that a table has for stated joins.
+    [[nodiscard]] std::string RoleColumns(const SchemaJoin& join) const
+    {
+        return join.left.columns.empty()
+                   ? join.name
+                   : JoinTexts(TitlesOf(mSchema.tables[join.left.table], join.left.columns));
+    }
+
+    /// Where several tables would give a role one name, each gives it its own, so that nobody who
+    /// asks for a role gets that of another table.
+    std::string NameStatedRole(const SchemaJoin& join)
+    {
+        const SchemaTable& left = mSchema.tables[join.left.table];
+        std::string columns = RoleColumns(join);
+        if (mRoleOwners[{join.right.table, columns}].size() > 1)
+            columns.insert(0, left.title + ": ");
+        return NameRole(left, mSchema.tables[join.right.table], " (" + columns + ")");
     }
 
     /// A model has one decision for each set of query subjects; the first counts.
@@ -320,6 +339,8 @@ private:
     std::vector<amd_id> mSubjects;
     std::set<std::string> mSubjectNames;
     std::map<TablePair, KeyGroup> mGroups;
+    /// Which tables have a role of a table by such columns.
+    std::map<std::pair<std::size_t, std::string>, std::set<std::size_t>> mRoleOwners;
 };
 
 } // namespace
