@@ -1,11 +1,11 @@
 #include "Toolkit/Import/Formats/SourceFormat.h"
 
 #include "Toolkit/Import/Formats/CubeModel.h"
-#include "Toolkit/Import/Formats/LeftOut.h"
-#include "Toolkit/Import/Formats/TabularModel.h"
 #include "Toolkit/Import/Formats/DbtManifest.h"
 #include "Toolkit/Import/Formats/DbtSemantic.h"
+#include "Toolkit/Import/Formats/LeftOut.h"
 #include "Toolkit/Import/Formats/OssieModel.h"
+#include "Toolkit/Import/Formats/TabularModel.h"
 #include "Toolkit/Import/Formats/TblsSchema.h"
 #include "Toolkit/Import/Formats/WrenModel.h"
 
