@@ -3,9 +3,10 @@
 #include "Engine/Graph/Core/DisjointSets.h"
 
 #include <algorithm>
+#include <compare>
 #include <cstddef>
+#include <functional>
 #include <iterator>
-#include <map>
 #include <numeric>
 #include <utility>
 
@@ -40,6 +41,7 @@ private:
         std::uint64_t distance;
         NodeIndex node;
         std::uint32_t base;
+        friend auto operator<=>(const Label&, const Label&) = default;
     };
 
     /// The two nearest terminals of a node, as far as they are known.
@@ -51,33 +53,21 @@ private:
         std::uint64_t bothDistances = kUnreached;
     };
 
-    /// A path from one terminal to another.
-    struct Bridge
-    {
-        std::uint64_t weight;
-        std::uint32_t base1;
-        std::uint32_t base2;
-        friend auto operator<=>(const Bridge&, const Bridge&) = default;
-    };
-
-    /// Returns the queued labels of that distance.
-    std::vector<Label>& GetLabels(std::uint64_t distance);
+    void Push(const Label& label);
     void Settle(const Label& label);
     void Expand(const Label& label);
     void Unite(const Label& label, const Nearest& nearest);
     void SetBound(std::uint64_t frontier);
-    [[nodiscard]] std::uint64_t WeighTree();
 
     const GraphView& mGraph;
     std::span<const NodeIndex> mTerminals;
     IndexedVector<NodeIndex, Nearest> mNearest;
     std::vector<NodeIndex> mReached;
-    /// By distance: there are few different ones, as there are few kinds of joins.
-    std::map<std::uint64_t, std::vector<Label>> mQueue;
+    std::vector<Label> mQueue;
     std::vector<std::uint64_t> mRadii;
     DisjointSets mPieces;
     std::size_t mPieceCount;
-    std::vector<Bridge> mBridges;
+    std::uint64_t mTreeWeight = 0;
     /// What the distances to the two nearest terminals may add up to; none while the terminals are
     /// not connected.
     std::uint64_t mBound = kUnreached;
@@ -86,24 +76,22 @@ private:
 bool RegionSearch::Run()
 {
     for (std::uint32_t base = 0; base < mTerminals.size(); ++base)
-        GetLabels(0).push_back({.distance = 0, .node = mTerminals[base], .base = base});
-    while (!mQueue.empty() && mQueue.begin()->first <= mBound) {
-        // Edges of weight 0 add to the labels at hand.
-        const std::vector<Label>& labels = mQueue.begin()->second;
-        for (std::size_t next = 0; next < labels.size(); ++next)
-            Settle(Label(labels[next]));
-        mQueue.erase(mQueue.begin());
+        Push({.distance = 0, .node = mTerminals[base], .base = base});
+    while (!mQueue.empty()) {
+        const Label label = mQueue.front();
+        if (label.distance > mBound)
+            break;
+        std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
+        mQueue.pop_back();
+        Settle(label);
     }
     return mPieceCount == 1;
 }
 
-std::vector<RegionSearch::Label>& RegionSearch::GetLabels(std::uint64_t distance)
+void RegionSearch::Push(const Label& label)
 {
-    constexpr std::size_t kFewest = 64;
-    std::vector<Label>& labels = mQueue[distance];
-    if (labels.empty())
-        labels.reserve(kFewest);
-    return labels;
+    mQueue.push_back(label);
+    std::push_heap(mQueue.begin(), mQueue.end(), std::greater<>());
 }
 
 void RegionSearch::Settle(const Label& label)
@@ -130,9 +118,6 @@ void RegionSearch::Settle(const Label& label)
 
 void RegionSearch::Expand(const Label& label)
 {
-    // Most edges at a node weigh the same.
-    std::vector<Label>* labels = nullptr;
-    std::uint64_t distanceOfLabels = 0;
     for (const Arc& arc : mGraph.GetArcs(label.node)) {
         const Nearest& nearest = mNearest[arc.target];
         // A third terminal matters only as long as the terminals are not connected.
@@ -140,13 +125,8 @@ void RegionSearch::Expand(const Label& label)
             (nearest.secondBase != kNoBase && mPieceCount == 1))
             continue;
         const std::uint64_t distance = label.distance + mGraph.GetEdge(arc.edge).weight;
-        if (nearest.distance + distance > mBound)
-            continue;
-        if (labels == nullptr || distance != distanceOfLabels) {
-            labels = &GetLabels(distance);
-            distanceOfLabels = distance;
-        }
-        labels->push_back({.distance = distance, .node = arc.target, .base = label.base});
+        if (distance <= mBound)
+            Push({.distance = distance, .node = arc.target, .base = label.base});
     }
 }
 
@@ -154,8 +134,10 @@ void RegionSearch::Expand(const Label& label)
 void RegionSearch::Unite(const Label& label, const Nearest& nearest)
 {
     mRadii[label.base] = std::min(mRadii[label.base], label.distance);
-    mBridges.push_back({nearest.distance + label.distance, nearest.base, label.base});
-    if (mPieces.Unite(nearest.base, label.base) && --mPieceCount == 1)
+    if (!mPieces.Unite(nearest.base, label.base))
+        return;
+    mTreeWeight += nearest.distance + label.distance;
+    if (--mPieceCount == 1)
         SetBound(label.distance);
 }
 
@@ -166,20 +148,9 @@ void RegionSearch::SetBound(std::uint64_t frontier)
     for (std::uint64_t& radius : mRadii)
         radius = std::min(radius, frontier);
     std::sort(mRadii.begin(), mRadii.end());
-    mBound = WeighTree();
+    mBound = mTreeWeight;
     for (std::size_t i = 0; i + 2 < mRadii.size(); ++i)
         mBound -= std::min(mBound, mRadii[i]);
-}
-
-/// Returns the weight of the lightest tree of the paths between terminals that were found.
-std::uint64_t RegionSearch::WeighTree()
-{
-    std::sort(mBridges.begin(), mBridges.end());
-    DisjointSets pieces(static_cast<std::uint32_t>(mTerminals.size()));
-    std::uint64_t weight = 0;
-    for (const Bridge& bridge : mBridges)
-        weight += pieces.Unite(bridge.base1, bridge.base2) ? bridge.weight : 0;
-    return weight;
 }
 
 std::vector<NodeIndex> RegionSearch::CollectNodes() const
