@@ -178,12 +178,12 @@ TEST(PassedTables, AreSkippedWhereAllJoinsMeetInTheSameColumns)
     FormatOptions options;
     options.sql.passedTables = SqlOptions::EPassedTables::Skipped;
     EXPECT_EQ(qe::test::WriteAs("sql", model, Connect({"note", "person"}), options),
-              "FROM \"note\"\n  LEFT OUTER JOIN \"person\"\n"
-              "    ON \"note\".\"party_id\" = \"person\".\"party_id\"\n");
+              "FROM note\n  LEFT OUTER JOIN person\n"
+              "    ON note.party_id = person.party_id\n");
     EXPECT_THAT(qe::test::WriteAs("sql", model, Connect({"note", "person", "party"}), options),
-                HasSubstr("\"party\".\"id\""));
+                HasSubstr("party.id"));
     EXPECT_THAT(qe::test::WriteAs("sql", model, Connect({"note", "house"}), options),
-                HasSubstr("JOIN \"party\""));
+                HasSubstr("JOIN party"));
 }
 
 /// Where every row refers to one, and every party has one, both statements show the same rows.
