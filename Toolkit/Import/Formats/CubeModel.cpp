@@ -369,7 +369,7 @@ private:
             if (!cube)
                 return;
             if (!preference.tables.empty() && !AddStep(preference, *cube)) {
-                mLeftOut.Add("paths of views without a join", view + ": " + path);
+                mLeftOut.Add("paths of views without a join", preference.reason);
                 return;
             }
             preference.tables.push_back(*cube);

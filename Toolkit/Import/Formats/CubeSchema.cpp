@@ -14,7 +14,7 @@ using Names = std::vector<std::string>;
 
 /// Members may stand for others, but not without end.
 constexpr std::size_t kMaximumDepth = 16;
-constexpr std::size_t kMaximumSize = 16 * 1024;
+constexpr std::size_t kMaximumSize = std::size_t{16} * 1024;
 
 std::string Quote(const std::string& name)
 {

@@ -19,7 +19,7 @@ namespace qe::tool {
 
 namespace {
 
-constexpr std::size_t kMaximumSize = 16 * 1024;
+constexpr std::size_t kMaximumSize = std::size_t{16} * 1024;
 
 /// Quotes names in each of the ways that there are.
 constexpr EDialect kQuoting = EDialect::Sqlite;
