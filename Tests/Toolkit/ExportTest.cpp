@@ -28,8 +28,9 @@ struct Exported
 Exported Export(std::string_view word, const ToolModel& model)
 {
     const auto formats = ListExportFormats();
-    const auto format = std::find_if(formats.begin(), formats.end(),
-                                     [word](const ExportFormat& known) { return known.word == word; });
+    const auto format =
+        std::find_if(formats.begin(), formats.end(),
+                     [word](const ExportFormat& known) { return known.word == word; });
     LeftOut leftOut;
     Exported exported;
     exported.text = format->write(model, leftOut);
@@ -52,7 +53,8 @@ std::multiset<std::string> DescribeJoins(const ToolModel& tool, bool hasCardinal
                 isLeft ? join.leftCardinality : join.rightCardinality;
             ends.push_back(subject + '.' + reference.names.back().ToStdString());
             if (hasCardinalities && join.left != join.right)
-                ends.back() += ' ' + std::to_string(range.minimum) + ' ' + std::to_string(range.maximum);
+                ends.back() +=
+                    ' ' + std::to_string(range.minimum) + ' ' + std::to_string(range.maximum);
         }
         std::sort(ends.begin(), ends.end());
         std::string line;
@@ -74,7 +76,8 @@ TEST(Export, WhatIsWrittenReadsBackWithTheSameJoins)
         for (const auto& entry : std::filesystem::recursive_directory_iterator(data)) {
             const std::string path = entry.path().string();
             const bool isModel = path.ends_with(".sql") || path.ends_with(".manifest.json") ||
-                                 path.find("/tbls/") != std::string::npos || path.ends_with(".yaml");
+                                 path.find("/tbls/") != std::string::npos ||
+                                 path.ends_with(".yaml");
             if (!isModel || path.ends_with(".truth.json") || path.ends_with(".schema.json") ||
                 entry.file_size() > 300'000)
                 continue;
@@ -112,8 +115,9 @@ lines" (id INTEGER PRIMARY KEY);)");
     EXPECT_THAT(mermaid.text, HasSubstr("        any _100__sure FK \"100_ sure\"\n"));
     EXPECT_THAT(mermaid.text, HasSubstr("    \"Order 'Lines'\" }o--|| \"two_lines\" : \""));
     const Exported dbml = Export("dbml", model);
-    EXPECT_THAT(dbml.text, HasSubstr("Table \"Order 'Lines'\" {\n  \"id\" any\n  \"100% sure\" any\n"
-                                     "  indexes {\n    \"id\" [pk]\n  }\n}\n"));
+    EXPECT_THAT(dbml.text,
+                HasSubstr("Table \"Order 'Lines'\" {\n  \"id\" any\n  \"100% sure\" any\n"
+                          "  indexes {\n    \"id\" [pk]\n  }\n}\n"));
     EXPECT_THAT(dbml.text, HasSubstr(": \"Order 'Lines'\".\"100% sure\" > \"two lines\".\"id\"\n"));
     EXPECT_THAT(dbml.notes, testing::Contains(HasSubstr("that each row has a partner")));
     EXPECT_THAT(Export("dot", model).text, HasSubstr("graph"));
@@ -133,7 +137,8 @@ lines" (id INTEGER PRIMARY KEY);)");
                 testing::UnorderedElementsAre(
                     HasSubstr("1 joins whose condition is more than equal columns: range"),
                     HasSubstr("2 cardinalities that do not follow from keys: plain, role"),
-                    HasSubstr("1 words that each row has a partner: both"), HasSubstr("1 filters: f")));
+                    HasSubstr("1 words that each row has a partner: both"),
+                    HasSubstr("1 filters: f")));
     EXPECT_THAT(Export("tbls", odd).text, HasSubstr("\"parent_cardinality\": \"one_or_more\""));
 }
 

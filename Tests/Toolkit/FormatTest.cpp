@@ -62,17 +62,25 @@ TEST(Formats, DbtTellsWhatIsTestedFromWhatIsEnforced)
                     {"test_metadata", {{"name", name}, {"kwargs", kwargs}}}};
     };
     const json key{{"type", "primary_key"}, {"columns", {"x", "y"}}};
-    const json foreign{{"type", "foreign_key"}, {"columns", {"x", "y"}}, {"expression", "s.c (x, y)"}};
+    const json foreign{
+        {"type", "foreign_key"}, {"columns", {"x", "y"}}, {"expression", "s.c (x, y)"}};
     json manifest{{"metadata", {{"project_name", "p"}}}, {"sources", json::object()}};
     json& nodes = manifest["nodes"];
-    nodes["model.p.a"] = {{"name", "a"}, {"resource_type", "model"}, {"database", nullptr},
-                          {"contract", {{"enforced", true}}}, {"constraints", {foreign}}};
+    nodes["model.p.a"] = {{"name", "a"},
+                          {"resource_type", "model"},
+                          {"database", nullptr},
+                          {"contract", {{"enforced", true}}},
+                          {"constraints", {foreign}}};
     nodes["model.p.b"] = {{"name", "b"}, {"resource_type", "model"}, {"package_name", "p"}};
-    nodes["model.p.c"] = {{"name", "c"}, {"resource_type", "seed"}, {"constraints", {key}},
+    nodes["model.p.c"] = {{"name", "c"},
+                          {"resource_type", "seed"},
+                          {"constraints", {key}},
                           {"relation_name", "\"d\".\"s\".\"c\""}};
     nodes["test.1"] = test("relationships", "b", {{"to", "ref('b')"}, {"field", "id"}});
-    nodes["test.2"] = test("relationships", "k", {{"to", "ref('p', 'b')"}, {"field", "k"}}, "k > 0");
-    nodes["test.3"] = test("relationships", "upper(\"b\")", {{"to", "ref('c')"}, {"field", "lower(z)"}});
+    nodes["test.2"] =
+        test("relationships", "k", {{"to", "ref('p', 'b')"}, {"field", "k"}}, "k > 0");
+    nodes["test.3"] =
+        test("relationships", "upper(\"b\")", {{"to", "ref('c')"}, {"field", "lower(z)"}});
     nodes["test.4"] = test("relationships", "b", {{"to", "ref('gone')"}, {"field", "id"}});
     nodes["test.5"] = test("not_null", "b", json::object());
     nodes["test.6"] = test("not_null", "k", json::object());
@@ -86,12 +94,13 @@ TEST(Formats, DbtTellsWhatIsTestedFromWhatIsEnforced)
               "01 [p].[a].[k] = [p].[b].[k] 01; "
               "tested, enforced by no constraint, for rows where k > 0\n"
               "0n upper([p].[a].[b]) = lower([p].[c].[z]) 01; tested, enforced by no constraint\n");
-    EXPECT_THAT(model.notes,
-                testing::IsSupersetOf(
-                    {HasSubstr("tell apart: 3 only tested, 1 constraints of the database"),
-                     HasSubstr("its columns are unique: a -> b (id), a -> b (k), a -> c (lower(z))"),
-                     HasSubstr("left out 1 tests of what the file does not hold: relationships"),
-                     HasSubstr("left out 1 tests that hold for some rows only: unique")}));
+    EXPECT_THAT(
+        model.notes,
+        testing::IsSupersetOf(
+            {HasSubstr("tell apart: 3 only tested, 1 constraints of the database"),
+             HasSubstr("its columns are unique: a -> b (id), a -> b (k), a -> c (lower(z))"),
+             HasSubstr("left out 1 tests of what the file does not hold: relationships"),
+             HasSubstr("left out 1 tests that hold for some rows only: unique")}));
 }
 
 TEST(Formats, SemanticEntitiesJoinAsTheirTypesAllow)
@@ -112,10 +121,11 @@ TEST(Formats, SemanticEntitiesJoinAsTheirTypesAllow)
         model("d", {entity("n", "foreign", nullptr)}, nullptr),
         model("e", {entity("n", "natural", "m")}, times)};
     const ToolModel read = Import(manifest.dump());
-    EXPECT_EQ(DescribeJoins(read),
-              "0n [source].[a].[x] = [source].[c].[y] || '-' || [source].[c].[z] 01; by the entity k\n"
-              "0n [source].[b].[x] = [source].[c].[y] || '-' || [source].[c].[z] 01; by the entity k\n"
-              "0n [source].[d].[n] = [source].[e].[m] 0n; by the entity n\n");
+    EXPECT_EQ(
+        DescribeJoins(read),
+        "0n [source].[a].[x] = [source].[c].[y] || '-' || [source].[c].[z] 01; by the entity k\n"
+        "0n [source].[b].[x] = [source].[c].[y] || '-' || [source].[c].[z] 01; by the entity k\n"
+        "0n [source].[d].[n] = [source].[e].[m] 0n; by the entity n\n");
     EXPECT_THAT(read.notes, testing::Contains(HasSubstr("left out 1 natural entities")));
 }
 
@@ -139,7 +149,8 @@ semantic_model:
               "01 [shop].[a].[x] = [shop].[b].[l] AND [shop].[a].[y] = [shop].[b].[k] 01\n"
               "0n [shop].[a].[x] = [shop].[b].[k] 0n\n"
               "0n [shop].[a].[Raw Code] = [shop].[b].[k] AND [shop].[a].[y] = [shop].[b].[l] 01\n");
-    EXPECT_THAT(model.notes, testing::ElementsAre(HasSubstr("no declared key of their dataset: half")));
+    EXPECT_THAT(model.notes,
+                testing::ElementsAre(HasSubstr("no declared key of their dataset: half")));
 
     const auto mistakesOf = [](const std::string& text) {
         return test::MistakesOf([&] { static_cast<void>(Import(text)); });
@@ -201,9 +212,10 @@ TEST(Formats, TellWhatIsWrongWithAnyValue)
         JsonProblems problems;
         const json whole = ParseYaml(text.str(), problems);
         const SourceFormat& format = *FindSourceFormat(
-            name[0] == 'o' ? "ossie" : name[0] == 't' ? "tbls"
-                         : std::string(name).find("semantic") != std::string::npos ? "dbt-semantic"
-                                                                                   : "dbt");
+            name[0] == 'o'                                            ? "ossie"
+            : name[0] == 't'                                          ? "tbls"
+            : std::string(name).find("semantic") != std::string::npos ? "dbt-semantic"
+                                                                      : "dbt");
         const json flat = whole.flatten();
         std::vector<std::string> pointers;
         for (const auto& [pointer, value] : flat.items())

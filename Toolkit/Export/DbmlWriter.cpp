@@ -1,5 +1,5 @@
-#include "Toolkit/Export/ExportedModel.h"
 #include "Toolkit/Export/ExportWriters.h"
+#include "Toolkit/Export/ExportedModel.h"
 #include "Toolkit/Text/DisplayText.h"
 
 #include <string_view>
@@ -87,8 +87,8 @@ std::string WriteDbml(const ToolModel& model, LeftOut& leftOut)
             text += WriteTable(subject);
     }
     for (const ExportedJoin& join : TakePlainJoins(exported, leftOut)) {
-        const bool isToItself = join.left.subject == join.right.subject &&
-                                join.left.columns == join.right.columns;
+        const bool isToItself =
+            join.left.subject == join.right.subject && join.left.columns == join.right.columns;
         if (isToItself) {
             leftOut.Add("joins of columns to themselves", join.name);
             continue;

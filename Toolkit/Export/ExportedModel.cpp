@@ -36,7 +36,9 @@ std::optional<std::vector<Names>> FindEqualNames(const std::string& condition)
         for (const I18NString& name : reference.names)
             names.push_back(name.ToStdString());
         const bool isSecond = references.size() % 2 == 0;
-        equalities += (isSecond ? " = " : equalities.empty() ? "" : " AND ") +
+        equalities += (isSecond             ? " = "
+                       : equalities.empty() ? ""
+                                            : " AND ") +
                       model::ToReferenceText(names);
     }
     const std::unique_ptr<AQE_Expression> parsed(
@@ -177,7 +179,8 @@ private:
         return true;
     }
 
-    using Signature = std::tuple<std::size_t, std::size_t, std::set<std::pair<std::string, std::string>>>;
+    using Signature =
+        std::tuple<std::size_t, std::size_t, std::set<std::pair<std::string, std::string>>>;
 
     static Signature SignatureOf(const ExportedJoin& join)
     {
@@ -199,8 +202,8 @@ private:
         for (const amd_id& id : mModel.GetIds(IdClassFolder))
             mLeftOut.Add("folders", mModel.Find(id)->name);
         for (const Decision& decision : mTool.decisions)
-            mLeftOut.Add("decisions", decision.reason.empty() ? "one without a reason"
-                                                              : decision.reason);
+            mLeftOut.Add("decisions",
+                         decision.reason.empty() ? "one without a reason" : decision.reason);
         for (const std::string& history : mTool.histories)
             mLeftOut.Add("files of past queries", history);
     }

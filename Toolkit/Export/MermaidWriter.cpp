@@ -1,6 +1,6 @@
 #include "Engine/Services/Characters.h"
-#include "Toolkit/Export/ExportedModel.h"
 #include "Toolkit/Export/ExportWriters.h"
+#include "Toolkit/Export/ExportedModel.h"
 
 #include <algorithm>
 #include <map>
@@ -66,7 +66,8 @@ std::string WriteEntity(const ExportedSubject& subject, const std::set<std::stri
         if (referring.count(name) != 0)
             marks += marks.empty() ? " FK" : ",FK";
         const std::string comment = word == name ? description : name;
-        text += "        any " + word + marks + (comment.empty() ? "" : ' ' + Quote(comment)) + '\n';
+        text +=
+            "        any " + word + marks + (comment.empty() ? "" : ' ' + Quote(comment)) + '\n';
     }
     return text + "    }\n";
 }

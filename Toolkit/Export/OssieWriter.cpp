@@ -1,5 +1,5 @@
-#include "Toolkit/Export/ExportedModel.h"
 #include "Toolkit/Export/ExportWriters.h"
+#include "Toolkit/Export/ExportedModel.h"
 #include "Toolkit/Import/Formats/ColumnText.h"
 #include "Toolkit/Text/JsonText.h"
 

@@ -1,6 +1,6 @@
 #include "Engine/Model/Names.h"
-#include "Toolkit/Export/ExportedModel.h"
 #include "Toolkit/Export/ExportWriters.h"
+#include "Toolkit/Export/ExportedModel.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/JsonText.h"
 

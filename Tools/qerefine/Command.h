@@ -241,10 +241,10 @@ void AddCompletionCommand(const CommandLine& line);
 
 /// All commands, in the order of the help.
 inline constexpr std::array kCommands{
-    AddPathCommand,  AddBestCommand,       AddSubjectsCommand,  AddBetweenCommand,
-    AddTreeCommand,  AddFactsCommand,      AddShortcutsCommand, AddBatchCommand,
-    AddCheckCommand, AddEvaluateCommand,   AddHistoryCommand,   AddImportCommand,
-    AddExportCommand, AddShowCommand,  AddCompletionCommand,
+    AddPathCommand,   AddBestCommand,     AddSubjectsCommand,   AddBetweenCommand,
+    AddTreeCommand,   AddFactsCommand,    AddShortcutsCommand,  AddBatchCommand,
+    AddCheckCommand,  AddEvaluateCommand, AddHistoryCommand,    AddImportCommand,
+    AddExportCommand, AddShowCommand,     AddCompletionCommand,
 };
 
 } // namespace qe::tool

@@ -52,15 +52,15 @@ EExitCode Report(const Options& /*options*/, const Exported& exported,
 
 void AddExportCommand(const CommandLine& line)
 {
-    AddCommand(line,
-               Command<Options, Exported>{
-                   .help = {.name = "export",
-                            .summary = "Writes a model in the format of another tool. What that has "
-                                       "no place for is told.",
-                            .example = "qerefine export shop.json --to mermaid -o shop.mmd"},
-                   .addOptions = AddOptions,
-                   .run = Run,
-                   .report = Report});
+    AddCommand(
+        line, Command<Options, Exported>{
+                  .help = {.name = "export",
+                           .summary = "Writes a model in the format of another tool. What that has "
+                                      "no place for is told.",
+                           .example = "qerefine export shop.json --to mermaid -o shop.mmd"},
+                  .addOptions = AddOptions,
+                  .run = Run,
+                  .report = Report});
 }
 
 } // namespace qe::tool

@@ -15,9 +15,10 @@ namespace {
 
 /// Words of expressions that are no columns.
 constexpr std::array<std::string_view, 22> kKeywords{
-    "and",  "as",  "between", "case",  "cast",    "current_date", "current_timestamp", "else",
-    "end",  "escape", "false", "ilike", "in",      "interval",     "is",                "like",
-    "not",  "null",   "or",    "then",  "true",    "when"};
+    "and",  "as",   "between", "case",  "cast",  "current_date", "current_timestamp",
+    "else", "end",  "escape",  "false", "ilike", "in",           "interval",
+    "is",   "like", "not",     "null",  "or",    "then",         "true",
+    "when"};
 
 bool IsNameByte(char c)
 {
@@ -209,11 +210,13 @@ std::string WriteSqlName(const std::vector<std::string>& parts)
 std::optional<std::string> ReadColumnName(const SchemaTable& table, std::string_view text)
 {
     const std::string whole(text);
+    const std::vector<std::string> parts = SplitSqlName(text);
+    const bool isName = parts.size() == 1 && !ascii::IsDigit(text.front());
+    if (isName && parts.front() == whole)
+        return whole;
     if (FindColumn(table.columns, whole) != nullptr)
         return whole;
-    const std::vector<std::string> parts = SplitSqlName(text);
-    return parts.size() == 1 && !ascii::IsDigit(text.front()) ? std::optional(parts.front())
-                                                              : std::nullopt;
+    return isName ? std::optional(parts.front()) : std::nullopt;
 }
 
 std::string QualifyColumns(std::string_view expression, const char* end, SchemaTable& table)

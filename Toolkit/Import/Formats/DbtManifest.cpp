@@ -34,8 +34,7 @@ bool IsTable(const std::string& resourceType)
 
 std::string DescribeProof(const DbtReference& reference)
 {
-    const std::string where =
-        reference.where.empty() ? "" : ", for rows where " + reference.where;
+    const std::string where = reference.where.empty() ? "" : ", for rows where " + reference.where;
     switch (reference.proof) {
     case EDbtProof::Tested:
         return "tested, enforced by no constraint" + where;
@@ -141,8 +140,8 @@ void ManifestReader::ReadTable(const std::string& id, const PlacedJson& json)
                  .sourceName = object.GetText("source_name"),
                  .relation = table.source};
     if (const PlacedJson version = object.Find("version"); version.value != nullptr)
-        node.version = version.value->is_string() ? version.value->get<std::string>()
-                                                  : version.value->dump();
+        node.version =
+            version.value->is_string() ? version.value->get<std::string>() : version.value->dump();
     mIndex.Add(node);
     mSchema.tables.push_back(std::move(table));
 }
@@ -152,8 +151,8 @@ void ManifestReader::ReadColumns(JsonObject& object, SchemaTable& table)
     for (const auto& [key, json] : object.GetMembers("columns")) {
         JsonObject column(json, mProblems, ENull::Absent);
         const std::string name = column.GetText("name");
-        table.columns.push_back({.name = name.empty() ? key : name,
-                                 .description = column.GetText("description")});
+        table.columns.push_back(
+            {.name = name.empty() ? key : name, .description = column.GetText("description")});
     }
 }
 
@@ -232,9 +231,8 @@ void ManifestReader::AddJoin(const DbtReference& reference)
     std::set<std::pair<std::string, std::string>> pairs;
     for (std::size_t i = 0; i < join.left.columns.size(); ++i)
         pairs.emplace(join.left.columns[i], join.right.columns[i]);
-    const auto [position, isNew] =
-        mPositions.try_emplace({join.left.table, join.right.table, pairs, join.condition},
-                               mSchema.joins.size());
+    const auto [position, isNew] = mPositions.try_emplace(
+        {join.left.table, join.right.table, pairs, join.condition}, mSchema.joins.size());
     if (!isNew) {
         DbtReference& known = mProofs[position->second];
         known.proof = std::max(known.proof, reference.proof);
@@ -285,10 +283,10 @@ void ManifestReader::DescribeJoins()
         if (!proof.where.empty())
             join.right.isOptional = true;
         const SchemaTable& to = mSchema.tables[join.right.table];
-        const bool isUnique =
-            join.condition.empty()
-                ? IsUnique(to, join.right.columns)
-                : mTests.GetFacts().uniqueExpressions.count({proof.to, proof.toColumns.front()}) != 0;
+        const bool isUnique = join.condition.empty()
+                                  ? IsUnique(to, join.right.columns)
+                                  : mTests.GetFacts().uniqueExpressions.count(
+                                        {proof.to, proof.toColumns.front()}) != 0;
         if (!isUnique)
             doubtful.push_back(mSchema.tables[join.left.table].name + " -> " + to.name + " (" +
                                JoinTexts(proof.toColumns) + ')');

@@ -57,7 +57,8 @@ std::optional<DbtTests::Test> DbtTests::Open(const PlacedJson& json)
         inner.value != nullptr && inner.value->is_object())
         test.arguments.emplace_back(inner, mProblems, ENull::Absent);
     if (const PlacedJson found = object.Find("depends_on"); found.value != nullptr)
-        test.reads = JsonObject(found, mProblems, ENull::Absent).GetTexts("nodes").value_or(Names{});
+        test.reads =
+            JsonObject(found, mProblems, ENull::Absent).GetTexts("nodes").value_or(Names{});
     std::optional<std::size_t> table = mIndex.FindId(object.GetText("attached_node"));
     if (!table)
         table = mIndex.FindCall(test.arguments.front().GetText("model"), test.reads);
@@ -155,8 +156,8 @@ void DbtTests::ReadForeignKey(Test& test)
     for (JsonObject& arguments : test.arguments)
         target = target.empty() ? arguments.GetText("pk_table_name") : target;
     AddReference(test, target,
-                 {.fromColumns = GetColumns(test, {"fk_column_names", "fk_column_name",
-                                                   "column_names", "column_name"}),
+                 {.fromColumns = GetColumns(
+                      test, {"fk_column_names", "fk_column_name", "column_names", "column_name"}),
                   .toColumns = GetColumns(test, {"pk_column_names", "pk_column_name"}),
                   .proof = EDbtProof::Made});
 }

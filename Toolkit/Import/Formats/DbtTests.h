@@ -51,8 +51,8 @@ struct DbtFacts
     std::set<std::pair<std::size_t, std::string>> uniqueExpressions{};
 };
 
-/// Reads data tests one by one: keys and columns that are never null go into the tables, which stand
-/// at the positions of their nodes.
+/// Reads data tests one by one: keys and columns that are never null go into the tables, which
+/// stand at the positions of their nodes.
 class DbtTests
 {
 public:
