@@ -91,7 +91,7 @@ struct ModelOptions
 
 /// What MODEL is in the help of most commands.
 inline constexpr const char* kModelDescription =
-    "Model file (JSON), SQLite database or file of DDL statements";
+    "Model file (JSON), SQLite database, file of DDL statements or model of another tool";
 
 /// Adds MODEL.
 CLI::Option* AddModelPath(CLI::App& command, std::filesystem::path& path,
