@@ -67,6 +67,8 @@ TEST_F(CommandsTest, ExitCodesShowHowItEnded)
         {{"import", "@"}, EExitCode::Done},
         {{"import", "@", "--from", "sqlite"}, EExitCode::Done},
         {{"import"}, EExitCode::WrongUsage},
+        {{"export", "@", "--to", "mermaid"}, EExitCode::Done},
+        {{"export", "@"}, EExitCode::WrongUsage},
         {{"import", "sql", "@", "--from", "db2"}, EExitCode::WrongUsage},
         {{"--help"}, EExitCode::Done},
         {{"--version"}, EExitCode::Done},

@@ -26,7 +26,7 @@ namespace {
 
 using nlohmann::json;
 
-/// Aliases may come to this many values in one document.
+/// What anchors name and aliases copy may come to this many values in one document.
 constexpr std::size_t kMaximumCopies = 1'000'000;
 constexpr const char* kMergeKey = "<<";
 
@@ -145,6 +145,8 @@ private:
     void Enter(const YAML::Mark& mark, YAML::anchor_t anchor, json value);
     void Leave();
     void Remember(YAML::anchor_t anchor, const json& value);
+    /// Throws an InputError about the place when copies get too many.
+    void Count(const Extent& extent, const std::string& place);
     void MergeKeys(json& object);
     /// Notes that a value follows, which is no key. Throws where one should stand.
     void BeginValue(const YAML::Mark& mark);
@@ -213,8 +215,19 @@ void YamlReader::Leave()
 
 void YamlReader::Remember(YAML::anchor_t anchor, const json& value)
 {
-    if (anchor != 0)
-        mAnchors.insert_or_assign(anchor, Anchored{.value = value, .extent = Measure(value)});
+    if (anchor == 0)
+        return;
+    const Extent extent = Measure(value);
+    Count(extent, mProblems->ToPlace(mBuilder.GetPointer()));
+    mAnchors.insert_or_assign(anchor, Anchored{.value = value, .extent = extent});
+}
+
+void YamlReader::Count(const Extent& extent, const std::string& place)
+{
+    mCopies += extent.values;
+    if (mCopies > kMaximumCopies)
+        throw InputError({{place, "anchors and aliases come to more than " +
+                                      std::to_string(kMaximumCopies) + " values"}});
 }
 
 void YamlReader::OnAlias(const YAML::Mark& mark, YAML::anchor_t anchor)
@@ -224,9 +237,7 @@ void YamlReader::OnAlias(const YAML::Mark& mark, YAML::anchor_t anchor)
         Fail(mark, "an alias stands within what it names");
     BeginValue(mark);
     const Extent& extent = found->second.extent;
-    mCopies += extent.values;
-    if (mCopies > kMaximumCopies)
-        Fail(mark, "aliases come to more than " + std::to_string(kMaximumCopies) + " values");
+    Count(extent, PlaceOf(*mProblems, mark));
     if (mBuilder.GetDepth() + extent.depth > kMaximumDocumentDepth)
         Fail(mark,
              "is nested too deep: more than " + std::to_string(kMaximumDocumentDepth) + " levels");
@@ -251,6 +262,12 @@ void YamlReader::MergeKeys(json& object)
 /// Throws an InputError where the text is no YAML.
 void Read(const std::string& text, YamlReader& reader, const JsonProblems& problems)
 {
+    if (const std::size_t nul = text.find('\0'); nul != std::string::npos) {
+        const auto line =
+            1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(nul), '\n');
+        throw InputError({{problems.GetDocumentName() + ':' + std::to_string(line),
+                           "not valid YAML: holds the character U+0000"}});
+    }
     try {
         std::istringstream stream(text);
         YAML::Parser parser(stream);

@@ -91,7 +91,8 @@ struct ModelOptions
 
 /// What MODEL is in the help of most commands.
 inline constexpr const char* kModelDescription =
-    "Model file (JSON), SQLite database, file of DDL statements or URL of a database";
+    "Model file (JSON), SQLite database, file of DDL statements, model of another tool or URL of a "
+    "database";
 
 /// Adds MODEL.
 CLI::Option* AddModelPath(CLI::App& command, std::filesystem::path& path,

@@ -210,11 +210,13 @@ std::string WriteSqlName(const std::vector<std::string>& parts)
 std::optional<std::string> ReadColumnName(const SchemaTable& table, std::string_view text)
 {
     const std::string whole(text);
+    const std::vector<std::string> parts = SplitSqlName(text);
+    const bool isName = parts.size() == 1 && !ascii::IsDigit(text.front());
+    if (isName && parts.front() == whole)
+        return whole;
     if (FindColumn(table.columns, whole) != nullptr)
         return whole;
-    const std::vector<std::string> parts = SplitSqlName(text);
-    return parts.size() == 1 && !ascii::IsDigit(text.front()) ? std::optional(parts.front())
-                                                              : std::nullopt;
+    return isName ? std::optional(parts.front()) : std::nullopt;
 }
 
 std::string QualifyColumns(std::string_view expression, const char* end, SchemaTable& table)

@@ -90,6 +90,8 @@ private:
     void ReadForeignKey(JsonObject& object, DbtReference reference);
     void AddJoin(const DbtReference& reference);
     void DropSources();
+    void DescribeJoins();
+    void CountProofs();
     void WriteNotes();
 
     JsonProblems& mProblems;
@@ -243,6 +245,7 @@ void ManifestReader::AddJoin(const DbtReference& reference)
                                {reference.from, reference.fromColumns.front()}) == 0;
     mSchema.joins.push_back(std::move(join));
     mProofs.push_back(reference);
+    mProofs.back().toColumns = std::move(toColumns);
 }
 
 /// A source that no join names is left out where a node makes its table, such as a seed.
@@ -270,36 +273,50 @@ void ManifestReader::DropSources()
     }
 }
 
-void ManifestReader::WriteNotes()
+void ManifestReader::DescribeJoins()
 {
-    std::map<EDbtProof, std::size_t> counts;
     Names doubtful;
     for (std::size_t i = 0; i < mSchema.joins.size(); ++i) {
         SchemaJoin& join = mSchema.joins[i];
-        ++counts[mProofs[i].proof];
-        join.description = DescribeProof(mProofs[i]);
-        if (!mProofs[i].where.empty())
+        const DbtReference& proof = mProofs[i];
+        join.description = DescribeProof(proof);
+        if (!proof.where.empty())
             join.right.isOptional = true;
         const SchemaTable& to = mSchema.tables[join.right.table];
         const bool isUnique = join.condition.empty()
                                   ? IsUnique(to, join.right.columns)
                                   : mTests.GetFacts().uniqueExpressions.count(
-                                        {mProofs[i].to, mProofs[i].toColumns.front()}) != 0;
+                                        {proof.to, proof.toColumns.front()}) != 0;
         if (!isUnique)
             doubtful.push_back(mSchema.tables[join.left.table].name + " -> " + to.name + " (" +
-                               JoinTexts(join.right.columns) + ')');
+                               JoinTexts(proof.toColumns) + ')');
     }
-    if (!mSchema.joins.empty())
-        mSchema.notes.push_back(
-            "of " + std::to_string(mSchema.joins.size()) + " joins, " +
-            std::to_string(counts[EDbtProof::Tested]) + " are only tested, " +
-            std::to_string(counts[EDbtProof::Made]) + " are constraints of the database, " +
-            std::to_string(counts[EDbtProof::Stated]) +
-            " are constraints that no contract enforces; their descriptions tell which");
     if (!doubtful.empty())
         mSchema.notes.push_back("counted as one at the end referred to, though nothing says that "
                                 "its columns are unique: " +
                                 JoinFirstTexts(doubtful, kShownNames));
+}
+
+void ManifestReader::CountProofs()
+{
+    std::map<EDbtProof, std::size_t> counts;
+    for (const DbtReference& proof : mProofs)
+        ++counts[proof.proof];
+    const auto count = [&counts](EDbtProof proof, const char* what) {
+        return counts[proof] == 0 ? "" : ", " + std::to_string(counts[proof]) + ' ' + what;
+    };
+    if (!mProofs.empty())
+        mSchema.notes.push_back("joins that their descriptions tell apart: " +
+                                (count(EDbtProof::Tested, "only tested") +
+                                 count(EDbtProof::Made, "constraints of the database") +
+                                 count(EDbtProof::Stated, "constraints that no contract enforces"))
+                                    .substr(2));
+}
+
+void ManifestReader::WriteNotes()
+{
+    CountProofs();
+    DescribeJoins();
     for (const char* kind : {"exposures", "metrics", "saved_queries", "semantic_models"})
         for (const auto& [id, object] : mTop.GetMembers(kind))
             mTests.GetLeftOut().Add(kind, id);

@@ -85,8 +85,9 @@ private:
         if (const PlacedJson found = object.Find("node_relation"); found.value != nullptr)
             ReadRelation(found, table);
         bool hasTimes = false;
+        ColumnList columns(table);
         for (const PlacedJson& dimension : object.GetList("dimensions"))
-            hasTimes = ReadDimension(dimension, table) || hasTimes;
+            hasTimes = ReadDimension(dimension, table, columns) || hasTimes;
         const std::string owned = object.GetText("primary_entity");
         bool hasPrimary = false;
         for (const PlacedJson& entity : object.GetList("entities"))
@@ -112,14 +113,14 @@ private:
     }
 
     /// Returns whether it says from or until when a row holds.
-    bool ReadDimension(const PlacedJson& json, SchemaTable& table)
+    bool ReadDimension(const PlacedJson& json, const SchemaTable& table, ColumnList& columns)
     {
         JsonObject dimension(json, mProblems, ENull::Absent);
         const std::string name = dimension.GetText("name", EPresence::Required);
         const std::string text = dimension.GetText("expr");
         const auto column = ReadColumnName(table, text.empty() ? name : text);
         if (column)
-            EnsureColumn(table, *column).description = dimension.GetText("description");
+            columns.Add(*column, dimension.GetText("description"));
         else
             mLeftOut.Add("dimensions that are computed", table.name + '.' + name);
         const PlacedJson found = dimension.Find("type_params");

@@ -72,8 +72,9 @@ private:
         table.source = SplitSqlName(source);
         if (table.source.empty() && !source.empty())
             mLeftOut.Add("queries that datasets stand for", table.name);
+        ColumnList columns(table);
         for (const PlacedJson& field : dataset.GetList("fields"))
-            ReadField(field, table);
+            ReadField(field, table, columns);
         AddKey(table, EKey::Primary, dataset.GetTexts("primary_key").value_or(Names{}));
         for (const PlacedJson& key : dataset.GetList("unique_keys"))
             ReadKey(key, table);
@@ -93,7 +94,7 @@ private:
     }
 
     /// A field that is a column goes by the column's name, as joins and SQL do.
-    void ReadField(const PlacedJson& json, SchemaTable& table)
+    void ReadField(const PlacedJson& json, const SchemaTable& table, ColumnList& columns)
     {
         JsonObject field(json, mProblems, ENull::Absent);
         const std::string name = field.GetText("name", EPresence::Required);
@@ -106,9 +107,7 @@ private:
         }
         if (*column != name)
             mFields[{mSchema.tables.size(), name}] = *column;
-        SchemaColumn& added = EnsureColumn(table, *column);
-        if (added.description.empty())
-            added.description = field.GetText("description");
+        columns.Add(*column, field.GetText("description"));
     }
 
     /// Returns the expression in SQL of no one's dialect, else the first.

@@ -1,6 +1,7 @@
 #include "Toolkit/Import/Formats/SubjectIndex.h"
 
 #include "Engine/Model/Names.h"
+#include "Engine/Services/Characters.h"
 
 #include <algorithm>
 #include <string_view>
@@ -40,6 +41,17 @@ SchemaColumn& EnsureColumn(SchemaTable& table, const std::string& column)
     if (const SchemaColumn* const found = FindColumn(table.columns, column))
         return table.columns[static_cast<std::size_t>(found - table.columns.data())];
     return table.columns.emplace_back(SchemaColumn{.name = column});
+}
+
+void ColumnList::Add(const std::string& column, const std::string& description)
+{
+    const auto [position, isNew] =
+        mPositions.try_emplace(ascii::ToLower(column), mTable.columns.size());
+    if (isNew)
+        mTable.columns.push_back({.name = column});
+    SchemaColumn& added = mTable.columns[position->second];
+    if (added.description.empty())
+        added.description = description;
 }
 
 void AddKey(SchemaTable& table, EKey kind, std::vector<std::string> columns)

@@ -39,6 +39,21 @@ private:
 /// Lets the table have the column, for sources that do not list all. Returns it.
 SchemaColumn& EnsureColumn(SchemaTable& table, const std::string& column);
 
+/// Lists the columns of a table, of which there may be many.
+class ColumnList
+{
+public:
+    /// Refers to the table, to which nothing else adds columns meanwhile.
+    explicit ColumnList(SchemaTable& table) : mTable(table) {}
+
+    /// Adds a column, unless it is there. The first description counts.
+    void Add(const std::string& column, const std::string& description);
+
+private:
+    SchemaTable& mTable;
+    std::map<std::string, std::size_t> mPositions;
+};
+
 enum class EKey
 {
     Primary,
