@@ -18,13 +18,12 @@ import tempfile
 import unittest
 from concurrent.futures import ThreadPoolExecutor
 
-sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "Support"))
-import servers  # noqa: E402
+import databases
 
 TOOL, DATA, DUCKDB = sys.argv[1], pathlib.Path(sys.argv[2]), pathlib.Path(sys.argv[3])
 
-OPENERS = {"sqlite": servers.sqlite, "postgresql": servers.postgresql, "mysql": servers.mariadb,
-           "duckdb": lambda: servers.duckdb(DUCKDB)}
+OPENERS = {"sqlite": databases.sqlite, "postgresql": databases.postgresql, "mysql": databases.mariadb,
+           "duckdb": lambda: databases.duckdb(DUCKDB)}
 FOLDS = {"postgresql": str.lower, "oracle": str.upper, "ansi": str.upper}
 QUOTES = {"mysql": "`"}
 WORDS = pathlib.Path(__file__).parents[2] / "Toolkit" / "Sql" / "ReservedWords.h"
@@ -192,7 +191,7 @@ class DialectsTest(unittest.TestCase):
     def open(self, dialect):
         try:
             return self.enterContext(OPENERS[dialect]())
-        except servers.Unavailable as reason:
+        except databases.Unavailable as reason:
             self.skipTest(str(reason))
 
     def ask(self, model, dialect, native):
@@ -211,11 +210,11 @@ class DialectsTest(unittest.TestCase):
         """Runs the statements over the tables; where one fails, tells which."""
         try:
             create().run("\n".join([tables, *statements]))
-        except servers.DatabaseError:
+        except databases.DatabaseError:
             for statement in statements:
                 try:
                     create().run("\n".join([tables, statement]))
-                except servers.DatabaseError as error:
+                except databases.DatabaseError as error:
                     self.fail(f"{model.script.name}: {error}\n{statement}")
             raise
 
@@ -267,7 +266,7 @@ class DialectsTest(unittest.TestCase):
                            "sql", "--select", "--dialect", dialect)
             try:
                 database.run(sql)
-            except servers.DatabaseError as error:
+            except databases.DatabaseError as error:
                 self.fail(f"{error}\n{sql}")
 
     def test_sqlite(self):

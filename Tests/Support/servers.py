@@ -1,233 +1,164 @@
-"""Databases for tests: SQLite, PostgreSQL, MariaDB and DuckDB, each empty and gone at the end.
+"""Database servers for tests: each on a socket in a folder of its own, run by a user without rights.
 
-Each opener is a context manager that yields a database, or raises Unavailable where the machine has
-none. Servers run in a temporary folder of their own, on a Unix socket, as another user than root,
-and are ended by their process, also when a test fails.
+Whatever is started ends with the test process, also when that is killed.
 """
-import contextlib
 import ctypes
 import os
 import pathlib
+import pwd
 import shutil
-import sqlite3
+import signal
 import subprocess
 import tempfile
 import time
 
-SECONDS_TO_START = 120
-SECONDS_TO_STOP = 20
+SECONDS_TO_START = 60
+SET_DEATH_SIGNAL = 1  # PR_SET_PDEATHSIG
+LIBC = ctypes.CDLL(None)
 
 
-class Unavailable(Exception):
-    """There is no such database on this machine."""
+def find_postgres():
+    """Returns the folder of the newest PostgreSQL's programs, or None."""
+    folders = sorted(pathlib.Path("/usr/lib/postgresql").glob("*/bin/initdb"),
+                     key=lambda program: int(program.parts[-3]))
+    return folders[-1].parent if folders else None
 
 
-class DatabaseError(Exception):
-    """A statement failed."""
+PATH = os.environ["PATH"] + ":/usr/sbin"
 
 
-def find_program(name, *folders):
-    path = os.pathsep.join([os.environ.get("PATH", ""), *folders])
-    found = shutil.which(name, path=path)
-    if found is None:
-        raise Unavailable(f"{name} is not installed")
-    return found
+def find_quick_folder():
+    """Returns a folder in memory, where databases are made much faster, or None."""
+    memory = pathlib.Path("/dev/shm")
+    needed = 2 ** 30
+    fits = memory.is_dir() and shutil.disk_usage(memory).free > needed
+    return memory if fits and os.access(memory, os.W_OK) else None
 
 
-def as_ordinary_user(folder):
-    """Returns what stands before a command so that it runs as one who may own servers."""
-    if os.getuid() != 0:
-        return ["env", f"HOME={folder}"]
-    shutil.chown(folder, "nobody", "nogroup")
-    return [find_program("setpriv"), "--reuid=nobody", "--regid=nogroup", "--clear-groups",
-            "env", f"HOME={folder}"]
+class Server:
+    """A server that `start` starts; use it in a with statement, which ends it."""
 
-
-@contextlib.contextmanager
-def server_folder():
-    memory = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
-    with tempfile.TemporaryDirectory(prefix="qe", dir=memory, ignore_cleanup_errors=True) as folder:
-        yield folder
-
-
-@contextlib.contextmanager
-def running(command, is_ready, folder):
-    """Runs a server until the block ends."""
-    log = pathlib.Path(folder, "log")
-    with open(log, "wb") as output:
-        server = subprocess.Popen(command, stdout=output, stderr=output, stdin=subprocess.DEVNULL)
-    try:
-        end = time.monotonic() + SECONDS_TO_START
-        while not is_ready():
-            if server.poll() is not None or time.monotonic() > end:
-                raise RuntimeError("the server does not start:\n" + log.read_text(errors="replace"))
-            time.sleep(0.05)
-        yield
-    finally:
-        server.terminate()
-        try:
-            server.wait(SECONDS_TO_STOP)
-        except subprocess.TimeoutExpired:
-            server.kill()
-            server.wait()
-
-
-class ClientDatabase:
-    """A database that is reached by the client of its server."""
-
-    def __init__(self, strict, tolerant):
-        self.strict = strict
-        self.tolerant = tolerant
-
-    def run(self, script):
-        """Runs the statements and returns their rows as text; raises DatabaseError at the first one
-        that fails."""
-        done = subprocess.run(self.strict, input=script.encode(), capture_output=True, check=False)
-        if done.returncode != 0:
-            raise DatabaseError(done.stderr.decode(errors="replace").strip())
-        return done.stdout.decode(errors="replace")
-
-    def count(self, query):
-        """Returns the number that the query gives."""
-        return int(self.run(query))
-
-    def load(self, script):
-        """Runs the statements, also behind those that fail."""
-        done = subprocess.run(self.tolerant, input=script, capture_output=True, check=False)
-        return done.stdout.decode(errors="replace")
-
-
-@contextlib.contextmanager
-def postgresql():
-    """Yields a function that returns a new database of a PostgreSQL server."""
-    folders = sorted(map(str, pathlib.Path("/usr/lib/postgresql").glob("*/bin")), reverse=True)
-    initdb, postgres = (find_program(name, *folders) for name in ("initdb", "postgres"))
-    psql = find_program("psql")
-    with server_folder() as folder:
-        user = as_ordinary_user(folder)
-        subprocess.run([*user, initdb, "-A", "trust", "-U", "postgres", "-D", f"{folder}/data",
-                        "--no-sync", "-E", "UTF8", "--locale=C"], check=True, capture_output=True)
-        client = [psql, "-X", "-q", "-At", "-h", folder, "-U", "postgres"]
-        command = [*user, postgres, "-D", f"{folder}/data", "-k", folder, "-c", "listen_addresses=",
-                   "-c", "fsync=off", "-c", "full_page_writes=off", "-c", "autovacuum=off",
-                   "-c", "max_locks_per_transaction=2000"]
-
-        def is_ready():
-            return subprocess.run([*client, "-c", "SELECT 1"], capture_output=True,
-                                  check=False).returncode == 0
-
-        names = (f"d{number}" for number in range(1000000))
-
-        def create():
-            name = next(names)
-            subprocess.run([*client, "-c", f"CREATE DATABASE {name}"], check=True)
-            opened = [*client, "-d", name]
-            return ClientDatabase([*opened, "-v", "ON_ERROR_STOP=1"], opened)
-
-        with running(command, is_ready, folder):
-            yield create
-
-
-@contextlib.contextmanager
-def mariadb():
-    """Yields a function that returns a new database of a MariaDB server."""
-    install, server = (find_program(name, "/usr/sbin", "/usr/bin")
-                       for name in ("mariadb-install-db", "mariadbd"))
-    program = find_program("mariadb")
-    with server_folder() as folder:
-        user = as_ordinary_user(folder)
-        subprocess.run([*user, install, "--no-defaults", f"--datadir={folder}/data",
-                        "--auth-root-authentication-method=normal", "--skip-test-db",
-                        "--skip-name-resolve"], check=True, capture_output=True)
-        client = [program, "--no-defaults", "-S", f"{folder}/socket", "-u", "root", "-N", "-B",
-                  "--default-character-set=utf8mb4"]
-        command = [*user, server, "--no-defaults", f"--datadir={folder}/data",
-                   f"--socket={folder}/socket", "--skip-networking", f"--pid-file={folder}/pid",
-                   "--innodb-flush-log-at-trx-commit=0", "--optimizer-search-depth=0",
-                   "--sync-frm=0"]
-
-        def is_ready():
-            return subprocess.run([*client, "-e", "SELECT 1"], capture_output=True,
-                                  check=False).returncode == 0
-
-        names = (f"d{number}" for number in range(1000000))
-
-        def create(name=None):
-            name = name or next(names)
-            subprocess.run([*client, "-e", f"CREATE DATABASE IF NOT EXISTS `{name}`"], check=True)
-            opened = [*client, "-D", name]
-            return ClientDatabase(opened, [*opened, "--force"])
-
-        with running(command, is_ready, folder):
-            yield create
-
-
-class SqliteDatabase:
     def __init__(self):
-        self.connection = sqlite3.connect(":memory:")
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="qerefine.", dir=find_quick_folder()))
+        self.process = None
+        # The programs refuse to be run by root.
+        self.user = {}
+        if os.getuid() == 0:
+            nobody = pwd.getpwnam("nobody")
+            self.user = {"user": nobody.pw_uid, "group": nobody.pw_gid, "extra_groups": []}
+            os.chown(self.folder, nobody.pw_uid, nobody.pw_gid)
 
-    def run(self, script):
+    def __enter__(self):
         try:
-            self.connection.executescript(script)
-        except sqlite3.Error as error:
-            raise DatabaseError(str(error)) from error
+            self.start()
+            return self
+        except BaseException:
+            self.__exit__()
+            raise
 
-    def count(self, query):
-        try:
-            return self.connection.execute(query).fetchone()[0]
-        except sqlite3.Error as error:
-            raise DatabaseError(str(error)) from error
+    def __exit__(self, *_):
+        self.end()
+        shutil.rmtree(self.folder, ignore_errors=True)
 
-    def load(self, script):
-        self.connection.executescript(script.decode("utf-8-sig"))
+    def end(self):
+        if self.process is not None and self.process.poll() is None:
+            self.process.send_signal(signal.SIGINT if self.ends_by_interrupt else signal.SIGTERM)
+            try:
+                self.process.wait(20)
+            except subprocess.TimeoutExpired:
+                self.process.kill()
+                self.process.wait()
 
+    def prepare(self, *command):
+        """Runs a program to its end as the user of the server."""
+        subprocess.run(command, check=True, stdout=subprocess.DEVNULL, cwd=self.folder,
+                       env={"PATH": PATH, "LC_ALL": "C"}, **self.user)
 
-@contextlib.contextmanager
-def sqlite():
-    """Yields a function that returns a new database."""
-    yield SqliteDatabase
+    def launch(self, *command):
+        ending = signal.SIGINT if self.ends_by_interrupt else signal.SIGTERM
+        with open(self.folder / "log", "wb") as log:
+            self.process = subprocess.Popen(
+                command, stdin=subprocess.DEVNULL, stdout=log, stderr=log, cwd=self.folder,
+                env={"PATH": PATH, "LC_ALL": "C"}, start_new_session=True,
+                preexec_fn=lambda: LIBC.prctl(SET_DEATH_SIGNAL, ending), **self.user)
+        end = time.monotonic() + SECONDS_TO_START
+        while not self.answers():
+            if self.process.poll() is not None or time.monotonic() > end:
+                raise RuntimeError((self.folder / "log").read_text(errors="replace"))
+            time.sleep(0.05)
 
+    def ask(self, statements, database):
+        """Runs statements, each on its own: those that fail are passed over."""
+        text = statements if isinstance(statements, bytes) else statements.encode()
+        subprocess.run(self.client(database), input=text, check=False, stdout=subprocess.DEVNULL,
+                       stderr=subprocess.DEVNULL, cwd=self.folder,
+                       env={"PATH": PATH, "PGCLIENTENCODING": "UTF8"})
 
-class DuckDbResult(ctypes.Structure):
-    _fields_ = [(f"field{number}", ctypes.c_uint64) for number in range(8)]
-
-
-class DuckDbDatabase:
-    """A database of the library, over its C interface."""
-
-    def __init__(self, library):
-        self.library = library
-        self.database = ctypes.c_void_p()
-        self.connection = ctypes.c_void_p()
-        if library.duckdb_open(None, ctypes.byref(self.database)) != 0:
-            raise RuntimeError("DuckDB cannot be opened")
-        library.duckdb_connect(self.database, ctypes.byref(self.connection))
-
-    def run(self, script):
-        self.count(script)
-
-    def count(self, query):
-        result = DuckDbResult()
-        failed = self.library.duckdb_query(self.connection, query.encode(), ctypes.byref(result))
-        text = self.library.duckdb_result_error(ctypes.byref(result)) if failed else None
-        number = 0 if failed else self.library.duckdb_value_int64(
-            ctypes.byref(result), ctypes.c_uint64(0), ctypes.c_uint64(0))
-        self.library.duckdb_destroy_result(ctypes.byref(result))
-        if failed:
-            raise DatabaseError(text.decode(errors="replace") if text else "unknown error")
-        return number
-
-    def load(self, script):
-        self.run(script.decode("utf-8-sig"))
+    def answers(self):
+        """Returns whether the server is ready for work."""
+        return subprocess.run([*self.client(self.first), *self.nothing], check=False,
+                              stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL).returncode == 0
 
 
-@contextlib.contextmanager
-def duckdb(folder):
-    """Yields a function that returns a new database of the library below the folder."""
-    libraries = sorted(pathlib.Path(folder).glob("**/libduckdb.so"))
-    if not libraries:
-        raise Unavailable("there is no libduckdb.so: Scripts/fetch_duckdb.sh fetches it")
-    library = ctypes.CDLL(str(libraries[0]))
-    library.duckdb_result_error.restype = ctypes.c_char_p
-    library.duckdb_value_int64.restype = ctypes.c_int64
-    yield lambda: DuckDbDatabase(library)
+class Postgres(Server):
+    """Lets everybody in without a password, but the user "locked"."""
+    ends_by_interrupt = True
+    first = "postgres"
+    nothing = ("-c", "SELECT 1")
+
+    @staticmethod
+    def is_installed():
+        return find_postgres() is not None
+
+    def start(self):
+        programs = find_postgres()
+        data = self.folder / "data"
+        self.prepare(programs / "initdb", "-D", data, "-U", "postgres", "-A", "trust", "-E", "UTF8",
+                     "--locale=C", "--no-sync")
+        (data / "pg_hba.conf").write_text(
+            "local all locked scram-sha-256\nlocal all all trust\n", encoding="utf-8")
+        self.launch(programs / "postgres", "-D", data, "-k", self.folder, "-F",
+                    "-c", "listen_addresses=", "-c", "max_wal_size=4GB", "-c", "autovacuum=off",
+                    "-c", "full_page_writes=off", "-c", "max_locks_per_transaction=2000")
+
+    def client(self, database):
+        return [find_postgres() / "psql", "-X", "-q", "-h", self.folder, "-U", "postgres", "-d",
+                database]
+
+    def dump(self, database):
+        return subprocess.run(
+            [find_postgres() / "pg_dump", "-s", "-h", self.folder, "-U", "postgres", database],
+            check=True, capture_output=True).stdout
+
+    def url(self, database, user="postgres"):
+        return f"postgresql://{user}@/{database}?host={self.folder}"
+
+
+class MariaDb(Server):
+    """Lets everybody in without a password, but the user "locked"."""
+    ends_by_interrupt = False
+    first = "mysql"
+    nothing = ("-e", "SELECT 1")
+
+    @staticmethod
+    def is_installed():
+        return all(shutil.which(program, path=PATH)
+                   for program in ("mariadbd", "mariadb-install-db", "mariadb"))
+
+    def start(self):
+        data = self.folder / "data"
+        self.prepare("mariadb-install-db", "--no-defaults", f"--datadir={data}",
+                     "--auth-root-authentication-method=normal", "--skip-test-db",
+                     "--skip-name-resolve", "--innodb-log-file-size=32M")
+        self.launch(shutil.which("mariadbd", path=PATH), "--no-defaults", f"--datadir={data}",
+                    f"--socket={self.folder}/socket", f"--pid-file={self.folder}/pid",
+                    "--skip-networking", "--innodb-flush-log-at-trx-commit=0",
+                    "--innodb-log-file-size=32M", "--optimizer-search-depth=0", "--sync-frm=0")
+
+    def client(self, database):
+        return ["mariadb", "--no-defaults", "--force", f"--socket={self.folder}/socket", "-uroot",
+                "--database", database, "--default-character-set=utf8mb4"]
+
+    def url(self, database, user="root"):
+        return f"mysql://{user}@/{database}?socket={self.folder}/socket"

@@ -16,7 +16,8 @@ import tempfile
 import threading
 import unittest
 
-import servers
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "Support"))
+import servers  # noqa: E402
 
 SECRET = "open sesame"
 
