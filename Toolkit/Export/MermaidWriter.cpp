@@ -66,8 +66,12 @@ std::string WriteEntity(const ExportedSubject& subject, const std::set<std::stri
         if (referring.count(name) != 0)
             marks += marks.empty() ? " FK" : ",FK";
         const std::string comment = word == name ? description : name;
-        text +=
-            "        any " + word + marks + (comment.empty() ? "" : ' ' + Quote(comment)) + '\n';
+        text += "        any ";
+        text += word;
+        text += marks;
+        if (!comment.empty())
+            text += ' ' + Quote(comment);
+        text += '\n';
     }
     return text + "    }\n";
 }

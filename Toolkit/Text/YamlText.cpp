@@ -141,7 +141,8 @@ private:
         bool hasKey = false;
     };
 
-    void Scalar(const YAML::Mark& mark, YAML::anchor_t anchor, json value, const std::string& text);
+    void Scalar(const YAML::Mark& mark, YAML::anchor_t anchor, const json& value,
+                const std::string& text);
     void Enter(const YAML::Mark& mark, YAML::anchor_t anchor, json value);
     void Leave();
     void Remember(YAML::anchor_t anchor, const json& value);
@@ -182,7 +183,7 @@ void YamlReader::BeginValue(const YAML::Mark& mark)
     mLevels.back().hasKey = false;
 }
 
-void YamlReader::Scalar(const YAML::Mark& mark, YAML::anchor_t anchor, json value,
+void YamlReader::Scalar(const YAML::Mark& mark, YAML::anchor_t anchor, const json& value,
                         const std::string& text)
 {
     if (!mLevels.empty() && mLevels.back().isMap && !mLevels.back().hasKey) {

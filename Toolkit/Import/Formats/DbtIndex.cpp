@@ -114,6 +114,7 @@ std::optional<std::size_t> DbtIndex::FindCall(std::string_view text,
 std::optional<std::size_t> DbtIndex::FindRelation(const std::vector<std::string>& parts) const
 {
     std::vector<std::string> folded;
+    folded.reserve(parts.size());
     for (const std::string& part : parts)
         folded.push_back(ascii::ToLower(part));
     const auto found = mByRelation.find(folded);
