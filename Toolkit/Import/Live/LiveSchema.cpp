@@ -5,12 +5,16 @@
 #include "Toolkit/Import/Live/LiveTables.h"
 #include "Toolkit/Import/Live/NamePatterns.h"
 #include "Toolkit/Import/Live/ServerKinds.h"
+#include "Toolkit/Sql/SqlDialect.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <memory>
+#include <span>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -42,6 +46,20 @@ void RemoveOthers(std::vector<LiveTable>& tables, ReadingNotes& notes,
                                           [](const LiveTable& table) { return !table.isReadable; });
     if (unreadable > 0)
         told.push_back("tables whose rows this user may not read: " + std::to_string(unreadable));
+}
+
+/// Returns the dialect of a server, which tells what it is, such as "Microsoft SQL Server 16"; null
+/// for one that SQL is not written for.
+const SqlDialect* DialectOf(std::string_view kind, std::string_view server)
+{
+    if (const SqlDialect* const dialect = FindSqlDialect(kind))
+        return dialect;
+    const std::span<const SqlDialect> dialects = GetSqlDialects();
+    const auto found =
+        std::find_if(dialects.begin(), dialects.end(), [server](const SqlDialect& dialect) {
+            return server.find(dialect.name) != std::string_view::npos;
+        });
+    return found == dialects.end() ? nullptr : &*found;
 }
 
 std::unique_ptr<LiveServer> Connect(const std::string& url, const ServerTimeLimits& limits)
@@ -81,6 +99,7 @@ DatabaseSchema ReadServer(const std::string& url, const ServerOptions& options,
     schema.name = listing.database;
     schema.notes.insert(schema.notes.end(), told.begin(), told.end());
     schema.origin = listing.server;
+    schema.dialect = DialectOf(FindServerKind(url)->word, listing.server);
     return schema;
 }
 
