@@ -8,6 +8,7 @@
 #include <iosfwd>
 #include <map>
 #include <set>
+#include <utility>
 #include <vector>
 
 class amdi_gateway;
@@ -44,12 +45,14 @@ public:
 
 private:
     void AddGroup(const amd_id& key, const std::vector<amd_id>& members);
+    /// Lets keys be found, when all groups are there.
+    void SortKeys();
     void AddJoin(const amd_id& left, const amd_id& right);
 
     amdi_gateway* mGateway;
     std::map<amd_id, std::set<amd_id>> mGroups;
-    /// For each member of a group, the least key of the groups that it is in.
-    std::map<amd_id, amd_id> mKeyOfMember;
+    /// The members of groups with their keys, in ascending order; the first of a member counts.
+    std::vector<std::pair<amd_id, amd_id>> mKeysOfMembers;
     std::vector<QEjoinInfo> mJoins;
 };
 

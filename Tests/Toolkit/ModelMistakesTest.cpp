@@ -251,7 +251,9 @@ TEST(ModelMistakesTest, OpensWhatTheFileHolds)
     EXPECT_EQ(open(std::string("\x7F\0ELF", 5)),
               ": is neither a model file nor an SQLite database nor SQL");
 
-    EXPECT_EQ(messageOf(folder / ""), folder / "" + ": is a folder, not a file");
+    EXPECT_EQ(messageOf(folder / ""),
+              folder / "" + ": is a folder without files of a model; those of dbt, "
+                            "dbt-semantic, ossie, tbls, tmsl, tmdl, wren, cube can be read");
     EXPECT_EQ(messageOf("/no/such"), "/no/such: there is no such file");
     EXPECT_EQ(test::MistakesOf([] { static_cast<void>(ReadModelFile("/dev/zero")); }),
               "/dev/zero: is too large: more than 67108864 bytes");

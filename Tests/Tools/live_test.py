@@ -40,12 +40,14 @@ def run(*arguments, **environment):
 
 
 def describe(model):
-    """Returns what a model file says of each table and join; the order of keys does not count."""
+    """Returns what a model file says of each table and join; the order of keys does not count, nor
+    which names a script wrote between quotes."""
     space, = json.loads(model)["namespaces"]
     tables = {table["name"]: {**table, "keys": sorted(table.get("keys", []))}
               for table in space.get("subjects", [])}
     for table in tables.values():
         table.pop("rows", None)
+        table.pop("quoted", None)
     joins = {(join["name"], join.get("condition")): join
              for join in space.get("relationships", [])}
     return {**tables, **joins}
