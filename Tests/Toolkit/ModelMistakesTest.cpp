@@ -243,6 +243,7 @@ TEST(ModelMistakesTest, OpensWhatTheFileHolds)
     };
     EXPECT_EQ(open("\xEF\xBB\xBF\n {\"subjects\": [\"A\"]}"), "no mistake");
     EXPECT_EQ(open("-- a comment\nCREATE TABLE a (b INTEGER);"), "no mistake");
+    EXPECT_EQ(open(std::string("\xFF\xFE{\0}\0", 6)), open("{}"));
     EXPECT_EQ(open(std::string("SQLite format 3\0 but cut", 24)),
               ": cannot read the database: file is not a database");
     EXPECT_EQ(open("[1"), ":1:3: syntax error while parsing array - unexpected end of input; "

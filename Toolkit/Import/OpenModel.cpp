@@ -40,6 +40,12 @@ bool IsSqlite(std::string_view start)
     return start.substr(0, kSqliteStart.size()) == kSqliteStart;
 }
 
+/// Some tools save texts so.
+bool IsUtf16(std::string_view start)
+{
+    return start.starts_with("\xFF\xFE") || start.starts_with("\xFE\xFF");
+}
+
 bool IsJson(std::string_view start)
 {
     return RecogniseSyntax(start) == ESyntax::Json;
@@ -210,6 +216,12 @@ ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& opti
     if (const auto syntax = RecogniseSyntax(start))
         return OpenDocument(ReadDocument(path.string(), ReadInputFile(path), *syntax), path,
                             options);
+    if (IsUtf16(start)) {
+        ScriptText text = ReadScriptText(path);
+        if (const auto syntax = RecogniseSyntax(text.text))
+            return OpenDocument(ReadDocument(path.string(), std::move(text.text), *syntax), path,
+                                options);
+    }
     if (IsScriptStart(start))
         return ImportSql({path}, options);
     throw InputError({{path.string(), "is neither a model file nor an SQLite database nor SQL"}});
