@@ -1,6 +1,7 @@
 #include "Toolkit/Ask/NameResolver.h"
 
 #include "Engine/Model/Model.h"
+#include "Toolkit/Text/TextEdges.h"
 
 #include <algorithm>
 #include <charconv>
@@ -14,14 +15,6 @@ namespace qe::tool {
 namespace {
 
 using model::ENameKind;
-
-std::string Trim(std::string_view text)
-{
-    const std::size_t first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos)
-        return {};
-    return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
-}
 
 std::optional<std::int32_t> ParseNumber(std::string_view text)
 {
@@ -86,8 +79,10 @@ std::vector<amd_id> NameResolver::FindByEnds(const std::string& name) const
     for (std::size_t hyphen = name.find('-'); hyphen != std::string::npos;
          hyphen = name.find('-', hyphen + 1)) {
         const std::string_view text(name);
-        const auto left = mModel.FindByName(ENameKind::Subject, Trim(text.substr(0, hyphen)));
-        const auto right = mModel.FindByName(ENameKind::Subject, Trim(text.substr(hyphen + 1)));
+        const auto left =
+            mModel.FindByName(ENameKind::Subject, std::string(Trim(text.substr(0, hyphen))));
+        const auto right =
+            mModel.FindByName(ENameKind::Subject, std::string(Trim(text.substr(hyphen + 1))));
         if (left.size() != 1 || right.size() != 1)
             continue;
         for (const amd_id& join : mModel.GetJoins()) {

@@ -3,6 +3,7 @@
 #include "Toolkit/History/RecordReader.h"
 #include "Toolkit/History/SqlLog.h"
 #include "Toolkit/Text/InputFile.h"
+#include "Toolkit/Text/TextEdges.h"
 
 #include <string>
 #include <string_view>
@@ -14,7 +15,6 @@ namespace {
 /// A history is read whole.
 constexpr std::uintmax_t kMaximumHistorySize = std::uintmax_t{1} << 30;
 constexpr std::string_view kBlanks = " \t\r\n";
-constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
 
 HistoryEntries ReadRecords(std::string_view text, const std::string& name)
 {
@@ -47,9 +47,7 @@ HistoryEntries ReadRecords(std::string_view text, const std::string& name)
 HistoryEntries ReadHistoryFile(const std::filesystem::path& path, const SchemaColumns* columns)
 {
     const std::string content = ReadInputFile(path, kMaximumHistorySize);
-    std::string_view text = content;
-    if (text.starts_with(kByteOrderMark))
-        text.remove_prefix(kByteOrderMark.size());
+    const std::string_view text = SkipByteOrderMark(content);
     if (text.find('\0') != std::string_view::npos)
         throw InputError(
             {InputProblem{path.string(), "a history is a text: lines of JSON, or SQL statements"}});

@@ -1,6 +1,7 @@
 #include "Toolkit/Import/Ddl/ClientCommands.h"
 
 #include "Engine/Services/Characters.h"
+#include "Toolkit/Text/TextEdges.h"
 
 #include <algorithm>
 #include <array>
@@ -11,6 +12,8 @@ namespace {
 
 using namespace std::string_view_literals;
 
+constexpr std::string_view kBlanks = " \t\r\f\v";
+
 constexpr std::array kSqlPlusCommands{
     "rem"sv,    "remark"sv,   "prompt"sv, "set"sv,     "spool"sv,    "define"sv,     "undefine"sv,
     "conn"sv,   "connect"sv,  "accept"sv, "show"sv,    "whenever"sv, "disconnect"sv, "host"sv,
@@ -18,16 +21,6 @@ constexpr std::array kSqlPlusCommands{
     "btitle"sv, "break"sv,    "clear"sv,  "compute"sv, "variable"sv, "var"sv,        "print"sv,
     "timing"sv, "describe"sv, "exec"sv,   "execute"sv, "run"sv,
 };
-
-constexpr std::string_view kBlanks = " \t\r\f\v";
-
-std::string_view Trim(std::string_view text)
-{
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
 
 } // namespace
 

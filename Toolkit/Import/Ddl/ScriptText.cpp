@@ -2,6 +2,7 @@
 
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Text/InputFile.h"
+#include "Toolkit/Text/TextEdges.h"
 #include "Toolkit/Text/Utf16.h"
 
 #include <cstdint>
@@ -12,7 +13,6 @@ namespace qe::tool {
 namespace {
 
 constexpr std::uintmax_t kMaximumScriptSize = std::uintmax_t{256} * 1024 * 1024;
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16LittleMark = "\xFF\xFE";
 constexpr std::string_view kUtf16BigMark = "\xFE\xFF";
 
@@ -47,8 +47,8 @@ std::string ToUtf8(std::string bytes)
         return ConvertUtf16(view.substr(kUtf16LittleMark.size()), EByteOrder::Little);
     if (view.starts_with(kUtf16BigMark))
         return ConvertUtf16(view.substr(kUtf16BigMark.size()), EByteOrder::Big);
-    if (view.starts_with(kUtf8Mark))
-        bytes.erase(0, kUtf8Mark.size());
+    if (view.starts_with(kByteOrderMark))
+        bytes.erase(0, kByteOrderMark.size());
     return bytes;
 }
 

@@ -4,6 +4,7 @@
 #include "Toolkit/Import/Formats/TmdlText.h"
 #include "Toolkit/Import/Formats/YamlTemplates.h"
 #include "Toolkit/Text/JsonText.h"
+#include "Toolkit/Text/TextEdges.h"
 #include "Toolkit/Text/YamlText.h"
 
 #include <algorithm>
@@ -16,7 +17,6 @@ namespace qe::tool {
 
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kBlanks = " \t\r\n\v\f";
 
 /// What the first line of a TMDL text may begin with.
@@ -24,12 +24,6 @@ constexpr std::array<std::string_view, 17> kTmdlWords{
     "table ",          "model ",       "model\n",     "model\r", "relationship ", "ref ",
     "database ",       "database\n",   "database\r",  "///",     "culture ",      "expression ",
     "createOrReplace", "perspective ", "annotation ", "role ",   "queryGroup "};
-
-std::string_view SkipByteOrderMark(std::string_view text)
-{
-    return text.substr(
-        text.substr(0, kByteOrderMark.size()) == kByteOrderMark ? kByteOrderMark.size() : 0);
-}
 
 /// Returns the text from the first line on that is neither empty nor a comment of YAML.
 std::string_view SkipComments(std::string_view text)
@@ -56,7 +50,7 @@ bool IsYamlKey(std::string_view line)
            (rest.size() == 1 || kBlanks.find(rest[1]) != std::string_view::npos);
 }
 
-bool IsTmdl(std::string_view text)
+bool BeginsTmdl(std::string_view text)
 {
     return std::any_of(kTmdlWords.begin(), kTmdlWords.end(), [text](std::string_view word) {
         return text.substr(0, word.size()) == word;
@@ -89,7 +83,7 @@ std::optional<ESyntax> RecogniseSyntax(std::string_view start)
     if (text.substr(0, 3) == "---" || text.substr(0, 5) == "%YAML" ||
         IsYamlKey(text.substr(0, text.find('\n'))))
         return ESyntax::Yaml;
-    if (IsTmdl(text))
+    if (BeginsTmdl(text))
         return ESyntax::Tmdl;
     return std::nullopt;
 }

@@ -2,6 +2,7 @@
 
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Text/DocumentBuilder.h"
+#include "Toolkit/Text/TextEdges.h"
 
 #include <nlohmann/json.hpp>
 
@@ -16,7 +17,6 @@ namespace {
 
 using nlohmann::json;
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kFence = "```";
 constexpr std::string_view kDescription = "///";
 /// How far a tab indents.
@@ -34,15 +34,6 @@ template <std::size_t count>
 bool IsOneOf(std::string_view text, const std::array<std::string_view, count>& words)
 {
     return std::find(words.begin(), words.end(), text) != words.end();
-}
-
-std::string_view Trim(std::string_view text)
-{
-    while (!text.empty() && ascii::IsSpace(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && ascii::IsSpace(text.back()))
-        text.remove_suffix(1);
-    return text;
 }
 
 /// Returns the name that the text begins with, taken off it; nothing when there is none, or its
@@ -105,10 +96,7 @@ class TmdlReader
 public:
     /// `record` may be null.
     TmdlReader(std::string_view text, const JsonProblems& problems, LineRecord* record)
-        : mProblems(problems),
-          mRecord(record),
-          mLines(
-              SplitLines(text.substr(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0)))
+        : mProblems(problems), mRecord(record), mLines(SplitLines(SkipByteOrderMark(text)))
     {
         std::size_t below = 0;
         for (auto line = mLines.rbegin(); line != mLines.rend(); ++line) {

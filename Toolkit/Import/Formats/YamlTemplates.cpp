@@ -1,6 +1,7 @@
 #include "Toolkit/Import/Formats/YamlTemplates.h"
 
 #include "Engine/Services/Characters.h"
+#include "Toolkit/Text/TextEdges.h"
 
 #include <algorithm>
 #include <array>
@@ -19,15 +20,6 @@ constexpr std::size_t kMaximumTemplates = 1000;
 
 /// Properties of a cube without which it is not what it is.
 constexpr std::array<std::string_view, 2> kEssential{"name", "extends"};
-
-std::string_view Trim(std::string_view text)
-{
-    while (!text.empty() && ascii::IsSpace(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && ascii::IsSpace(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
 
 /// A template as it stands: both lines belong to it.
 struct Template

@@ -3,6 +3,7 @@
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Import/Live/ServerUrl.h"
 #include "Toolkit/Text/InputFile.h"
+#include "Toolkit/Text/TextEdges.h"
 
 #include <algorithm>
 #include <array>
@@ -13,15 +14,6 @@ namespace qe::tool {
 namespace {
 
 using Attributes = std::vector<std::pair<std::string, std::string>>;
-
-std::string Trim(std::string_view text)
-{
-    while (!text.empty() && ascii::IsSpace(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && ascii::IsSpace(text.back()))
-        text.remove_suffix(1);
-    return std::string(text);
-}
 
 /// Returns where the attribute ends: at the first semicolon outside of braces.
 std::size_t FindEnd(std::string_view text)
@@ -46,7 +38,7 @@ Attributes SplitAttributes(std::string_view url)
         const std::size_t end = FindEnd(url);
         const std::string_view one = url.substr(0, end);
         const std::size_t equals = std::min(one.find('='), one.size());
-        if (std::string name = Trim(one.substr(0, equals)); !name.empty() || equals < one.size())
+        if (std::string name(Trim(one.substr(0, equals))); !name.empty() || equals < one.size())
             attributes.emplace_back(std::move(name),
                                     Trim(one.substr(std::min(equals + 1, one.size()))));
         url.remove_prefix(std::min(end + 1, url.size()));
