@@ -18,8 +18,8 @@ class amdi_gateway;
 /// - calls `name(argument, ...)`, the name perhaps with dots, and CAST(... AS type);
 /// - CASE [...] WHEN ... THEN ... [ELSE ...] END;
 /// - unary -, then * and /, then + and -, then ||, then the predicates = <> != < <= > >=,
-///   [NOT] IN (...), [NOT] LIKE ... [ESCAPE ...], [NOT] BETWEEN ... AND ... and IS [NOT] NULL,
-///   then NOT, AND and OR, which bind least; parentheses.
+///   [NOT] IN (...), [NOT] LIKE ... [ESCAPE ...], [NOT] BETWEEN ... AND ..., IS [NOT] NULL and
+///   IS [NOT] DISTINCT FROM, then NOT, AND and OR, which bind least; parentheses.
 ///
 /// Comments, from -- to the end of the line or from /* to */, count as blanks. Keywords are known
 /// in any case. Names and texts may hold any characters. Numbers, separators and keywords are the

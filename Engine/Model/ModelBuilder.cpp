@@ -30,14 +30,19 @@ ObjectDraft& ModelBuilder::Add(std::int32_t classCode, const Reference& parent, 
                                const ObjectOptions& options)
 {
     ObjectDraft& draft = mDrafts.emplace_back();
-    draft.record.id = options.id == amd_id() ? NextId(classCode) : options.id;
-    draft.classCode = classCode;
-    draft.record.displayName = options.displayName.empty() ? name : options.displayName;
-    draft.record.name = std::move(name);
-    draft.record.locale = options.locale;
-    draft.tag = options.tag;
-    draft.parent = parent;
-    Reserve(options.id);
+    try {
+        draft.record.id = options.id == amd_id() ? NextId(classCode) : options.id;
+        draft.classCode = classCode;
+        draft.record.displayName = options.displayName.empty() ? name : options.displayName;
+        draft.record.name = std::move(name);
+        draft.record.locale = options.locale;
+        draft.tag = options.tag;
+        draft.parent = parent;
+        Reserve(options.id);
+    } catch (...) {
+        mDrafts.pop_back();
+        throw;
+    }
     return draft;
 }
 
@@ -76,8 +81,9 @@ amd_id ModelBuilder::AddItem(const Reference& querySubject, std::string name,
 amd_id ModelBuilder::AddShortcut(const Reference& parent, std::string name,
                                  const ShortcutTarget& target, const ObjectOptions& options)
 {
+    auto links = std::make_unique<DraftLinks>(DraftLinks{.referenced = target.object});
     ObjectDraft& draft = Add(IdClassShortcut, parent, std::move(name), options);
-    draft.links = std::make_unique<DraftLinks>(DraftLinks{.referenced = target.object});
+    draft.links = std::move(links);
     draft.record.shortcutKind = target.kind;
     return draft.record.id;
 }
@@ -86,9 +92,10 @@ amd_id ModelBuilder::AddJoin(std::int32_t classCode, const Reference& parent, st
                              const JoinEnd& left, const JoinEnd& right, std::string condition,
                              const ObjectOptions& options)
 {
-    ObjectDraft& draft = Add(classCode, parent, std::move(name), options);
-    draft.links =
+    auto links =
         std::make_unique<DraftLinks>(DraftLinks{.left = left.subject, .right = right.subject});
+    ObjectDraft& draft = Add(classCode, parent, std::move(name), options);
+    draft.links = std::move(links);
     draft.record.leftCardinality = left.cardinality;
     draft.record.rightCardinality = right.cardinality;
     draft.record.text = std::move(condition);
@@ -122,9 +129,10 @@ amd_id ModelBuilder::AddRelationshipShortcut(const Reference& parent, std::strin
                                              const RelationshipShortcutTarget& target,
                                              const ObjectOptions& options)
 {
-    ObjectDraft& draft = Add(IdClassRelationshipShortcut, parent, std::move(name), options);
-    draft.links = std::make_unique<DraftLinks>(
+    auto links = std::make_unique<DraftLinks>(
         DraftLinks{.referenced = target.relationship, .left = target.left, .right = target.right});
+    ObjectDraft& draft = Add(IdClassRelationshipShortcut, parent, std::move(name), options);
+    draft.links = std::move(links);
     return draft.record.id;
 }
 

@@ -103,15 +103,13 @@ bool CandidateGraph::TakeKept(const Request& request)
     access.Joins().Reserve(request.joins.size());
     std::unique_ptr<LoadedCandidates> kept =
         shelf->Take(services.gateway, replacedCount, request.nodes, request.joins);
-    // Asking again for what could not be read may let the host replace joins.
-    if (kept != nullptr && StayUnreadable(kept->unreadable) &&
-        access.Joins().GetReplacedCount() == replacedCount) {
+    if (kept != nullptr && StayUnreadable(kept->unreadable) && IsUnchanged(shelf, replacedCount)) {
         mLoan = CandidateLoan(std::move(kept), shelf);
         return true;
     }
     auto fresh = std::make_unique<LoadedCandidates>();
     fresh->source = {.gateway = services.gateway,
-                     .replacedCount = access.Joins().GetReplacedCount(),
+                     .replacedCount = replacedCount,
                      .nodes = request.nodes,
                      .joins = request.joins};
     mLoan = CandidateLoan(std::move(fresh), shelf);
@@ -123,6 +121,18 @@ bool CandidateGraph::StayUnreadable(const Ids& joins) const
 {
     return std::none_of(joins.begin(), joins.end(),
                         [this](const amd_id& join) { return mEndsReader.Read(join).has_value(); });
+}
+
+/// Returns whether the request still has the join cache of the shelf, with the joins it had. Asking
+/// for what could not be read may let the host replace them.
+bool CandidateGraph::IsUnchanged(const std::shared_ptr<CandidateShelf>& shelf,
+                                 std::uint64_t replacedCount) const
+{
+    AQE_JoinCache* const cache = FindJoinCache(mEndsReader.GetServices().requestContext);
+    if (cache == nullptr)
+        return false;
+    const JoinCacheAccess access(*cache);
+    return access.Shelf() == shelf && access.Joins().GetReplacedCount() == replacedCount;
 }
 
 /// Returns whether the kept graph has the synthetic joins that the request would add, and no

@@ -6,6 +6,8 @@
 #include "Joins/JoinInfoReader.h"
 #include "amd_id.h"
 
+#include <cstdint>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -73,6 +75,8 @@ public:
 private:
     [[nodiscard]] bool TakeKept(const Request& request);
     [[nodiscard]] bool StayUnreadable(const Ids& joins) const;
+    [[nodiscard]] bool IsUnchanged(const std::shared_ptr<CandidateShelf>& shelf,
+                                   std::uint64_t replacedCount) const;
     [[nodiscard]] bool IsGraphUsable(const Request& request) const;
     void RebuildGraph();
     void AdjustWeights();

@@ -34,7 +34,9 @@ namespace qe {
 ///
 /// This approximates a minimum Steiner tree by shortest paths (Kou, Markowsky and Berman 1981,
 /// with the intermediate nodes as further terminals). For n entities it asks for n(n-1)/2 shortest
-/// paths and then for one from each entity to each new node.
+/// paths and then for one from each entity to each new node. With the log on, a new node is an
+/// entity once for each that reached it, as the log shows them, so that their number may double
+/// with each merged path.
 class PairwiseGrowth
 {
 public:

@@ -81,7 +81,6 @@ void ShortcutGroups::GroupByTarget(const ShortcutReferences& references)
             CollectGroupMembers(mGateway, ofParent, members);
         AddGroup(target, members);
     }
-    SortKeys();
 }
 
 void ShortcutGroups::GroupByParent(const ShortcutReferences& references)
@@ -97,19 +96,14 @@ void ShortcutGroups::GroupByParent(const ShortcutReferences& references)
         members.erase(members.begin());
         AddGroup(key, members);
     }
-    SortKeys();
-}
-
-void ShortcutGroups::SortKeys()
-{
-    std::sort(mKeysOfMembers.begin(), mKeysOfMembers.end());
 }
 
 void ShortcutGroups::AddGroup(const amd_id& key, const std::vector<amd_id>& members)
 {
     for (const amd_id& member : members) {
         mGroups[key].insert(member);
-        mKeysOfMembers.emplace_back(member, key);
+        amd_id& least = mKeyOfMember.emplace(member, key).first->second;
+        least = std::min(least, key);
         AddJoin(key, member);
     }
     for (std::size_t i = 0; i < members.size(); ++i) {
@@ -133,10 +127,8 @@ void ShortcutGroups::AddJoin(const amd_id& left, const amd_id& right)
 
 amd_id ShortcutGroups::FindKey(const amd_id& shortcut) const
 {
-    const auto key = std::lower_bound(
-        mKeysOfMembers.begin(), mKeysOfMembers.end(), shortcut,
-        [](const auto& entry, const amd_id& member) { return entry.first < member; });
-    return key == mKeysOfMembers.end() || key->first != shortcut ? shortcut : key->second;
+    const auto key = mKeyOfMember.find(shortcut);
+    return key == mKeyOfMember.end() ? shortcut : key->second;
 }
 
 void ShortcutGroups::Dump(std::ostream& out) const

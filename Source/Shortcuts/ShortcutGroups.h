@@ -8,7 +8,6 @@
 #include <iosfwd>
 #include <map>
 #include <set>
-#include <utility>
 #include <vector>
 
 class amdi_gateway;
@@ -45,14 +44,12 @@ public:
 
 private:
     void AddGroup(const amd_id& key, const std::vector<amd_id>& members);
-    /// Lets keys be found, when all groups are there.
-    void SortKeys();
     void AddJoin(const amd_id& left, const amd_id& right);
 
     amdi_gateway* mGateway;
     std::map<amd_id, std::set<amd_id>> mGroups;
-    /// The members of groups with their keys, in ascending order; the first of a member counts.
-    std::vector<std::pair<amd_id, amd_id>> mKeysOfMembers;
+    /// For each member of a group, the least key of the groups that it is in.
+    std::map<amd_id, amd_id> mKeyOfMember;
     std::vector<QEjoinInfo> mJoins;
 };
 
