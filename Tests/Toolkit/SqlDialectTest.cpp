@@ -65,7 +65,7 @@ TEST(SqlDialectTest, NamesAreWrittenAsEachDialectWouldHaveThem)
         {EDialect::Oracle, "",
          "FROM ORDERS\n  LEFT OUTER JOIN \"Level\"\n    ON ORDERS.\"SIZE\" = \"Level\".\"user\"\n"},
         {EDialect::Oracle, "postgresql",
-         "FROM ORDERS\n  LEFT OUTER JOIN \"Level\"\n    ON ORDERS.SIZE = \"Level\".\"user\"\n"},
+         "FROM ORDERS\n  LEFT OUTER JOIN \"Level\"\n    ON ORDERS.\"SIZE\" = \"Level\".\"user\"\n"},
         {EDialect::SqlServer, "",
          "FROM Orders\n  LEFT OUTER JOIN [Level]\n    ON Orders.Size = [Level].[user]\n"},
         {EDialect::SqlServer, "mysql",
@@ -82,6 +82,13 @@ TEST(SqlDialectTest, NamesAreWrittenAsEachDialectWouldHaveThem)
         const ToolModel again = ReadModelText(WriteModelText(model), "shop.json");
         EXPECT_EQ(WriteIn(entry.word, again, {orders, "Level"}), entry.sql);
     }
+
+    // A catalogue does not tell what stood between quotes, but a reserved word must have.
+    ToolModel live = Import(EDialect::PostgreSql, R"(CREATE TABLE "order" (id INT PRIMARY KEY);
+        CREATE TABLE line (id INT REFERENCES "order"(id));)");
+    live.writtenNames.quoted.clear();
+    EXPECT_EQ(WriteIn("oracle", live, {"line", "order"}),
+              "FROM line\n  LEFT OUTER JOIN \"order\"\n    ON line.id = \"order\".id\n");
 }
 
 TEST(SqlDialectTest, AlterationsAndSchemasKeepHowNamesWereWritten)

@@ -1,6 +1,7 @@
 #include "Toolkit/Evaluate/ModelSource.h"
 
 #include "Engine/Model/Model.h"
+#include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <algorithm>
@@ -62,7 +63,8 @@ std::vector<NamedPair> FindModelPairs(const model::Model& model)
 } // namespace
 
 ModelSource::ModelSource(const std::filesystem::path& path, Opener opener)
-    : mOpener(std::move(opener)), mIsFolder(std::filesystem::is_directory(path))
+    : mOpener(std::move(opener)),
+      mIsFolder(std::filesystem::is_directory(path) && !IsModelFolder(path))
 {
     if (!mIsFolder) {
         Open("", path);

@@ -1,11 +1,14 @@
 #include "Toolkit/Import/OpenModel.h"
 
+#include "Engine/Model/Names.h"
+#include "Engine/Services/Characters.h"
 #include "Toolkit/Import/Ddl/ScriptText.h"
 #include "Toolkit/Import/Live/LiveSchema.h"
 #include "Toolkit/Import/Live/ServerKinds.h"
 #include "Toolkit/Import/SqlScripts.h"
 #include "Toolkit/Import/Sqlite/SqliteSchema.h"
 #include "Toolkit/Model/ModelFile.h"
+#include "Toolkit/Model/ModelWords.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputFile.h"
 
@@ -30,7 +33,8 @@ using namespace std::string_view_literals;
 constexpr std::size_t kStartSize = 4096;
 constexpr std::string_view kSqliteStart = "SQLite format 3\0"sv;
 /// What the files of a folder are called that make a model.
-constexpr std::array kFolderEndings{".yml"sv, ".yaml"sv, ".tmdl"sv};
+constexpr std::string_view kTmdlEnding = ".tmdl";
+constexpr std::array kFolderEndings{".yml"sv, ".yaml"sv, kTmdlEnding};
 /// Programs that may make parts of a model, and what folder holds those of others.
 constexpr std::string_view kProgramEnding = ".js";
 constexpr std::string_view kForeignFolder = "node_modules";
@@ -83,6 +87,16 @@ ToolModel MakeSourceModel(const SourceFormat& format, std::span<SourceDocument> 
         {{document.name, "is of no format that can be read; there are " + ListFormatWords()}});
 }
 
+/// Returns whether the document has a key that a model file has, or no key at all.
+bool LooksLikeModelFile(const nlohmann::json& json)
+{
+    constexpr std::array kSigns{keys::kNamespaces,    keys::kSubjects,  keys::kFolders,
+                                keys::kRelationships, keys::kShortcuts, keys::kFilters};
+    return !json.is_object() || json.empty() ||
+           std::any_of(kSigns.begin(), kSigns.end(),
+                       [&json](const char* key) { return json.contains(key); });
+}
+
 /// What is JSON, but of no other format, is taken for a model file.
 ToolModel OpenDocument(SourceDocument document, const std::filesystem::path& path,
                        const ImportOptions& options)
@@ -90,9 +104,25 @@ ToolModel OpenDocument(SourceDocument document, const std::filesystem::path& pat
     const std::span<SourceDocument> documents(&document, 1);
     if (const SourceFormat* const format = RecogniseFormat(documents))
         return MakeSourceModel(*format, documents, path, options);
-    if (document.syntax != ESyntax::Json)
+    if (document.syntax != ESyntax::Json || !LooksLikeModelFile(document.json))
         RejectUnknown(document);
     return ReadModelDocument(document.json, document.problems);
+}
+
+/// Returns what a file holds, in UTF-8 where it begins as UTF-16.
+std::string ReadSourceText(const std::filesystem::path& path)
+{
+    std::string text = ReadInputFile(path);
+    return IsUtf16(text) ? MakeScriptText(path, std::move(text)).text : text;
+}
+
+/// Returns what a file of a folder is written in: what it begins with counts before its ending.
+ESyntax SyntaxOf(const std::filesystem::path& path, std::string_view text)
+{
+    if (path.extension() == kProgramEnding)
+        return ESyntax::JavaScript;
+    const ESyntax expected = path.extension() == kTmdlEnding ? ESyntax::Tmdl : ESyntax::Yaml;
+    return RecogniseSyntax(text).value_or(expected);
 }
 
 /// Returns the documents in the folder and in those within, in the order of their paths.
@@ -114,13 +144,22 @@ std::vector<SourceDocument> ReadFolder(const std::filesystem::path& folder)
     std::sort(paths.begin(), paths.end());
     std::vector<SourceDocument> documents;
     for (const std::filesystem::path& path : paths) {
-        std::string text = ReadInputFile(path);
-        const auto syntax = path.extension() == kProgramEnding ? std::optional(ESyntax::JavaScript)
-                                                               : RecogniseSyntax(text);
-        if (syntax)
-            documents.push_back(ReadDocument(path.string(), std::move(text), *syntax));
+        std::string text = ReadSourceText(path);
+        documents.push_back(ReadDocument(path.string(), std::move(text), SyntaxOf(path, text)));
     }
     return documents;
+}
+
+/// Returns the format of the first document that is of one; null when none is.
+const SourceFormat* FindFolderFormat(std::span<const SourceDocument> documents)
+{
+    for (const SourceDocument& document : documents) {
+        if (document.syntax == ESyntax::JavaScript)
+            continue;
+        if (const SourceFormat* const format = RecogniseFormat({&document, 1}))
+            return format;
+    }
+    return nullptr;
 }
 
 /// Takes the documents of the format; the others are told. Where none is of it, the user has chosen
@@ -149,12 +188,8 @@ ToolModel OpenFolder(const std::filesystem::path& folder, const ImportOptions& o
     if (documents.empty())
         throw InputError({{folder.string(), "is a folder without files of a model; those of " +
                                                 ListFormatWords() + " can be read"}});
-    for (const SourceDocument& document : documents) {
-        if (document.syntax == ESyntax::JavaScript)
-            continue;
-        if (const SourceFormat* const format = RecogniseFormat({&document, 1}))
-            return MakeFolderModel(*format, documents, folder, options);
-    }
+    if (const SourceFormat* const format = FindFolderFormat(documents))
+        return MakeFolderModel(*format, documents, folder, options);
     throw InputError(
         {{folder.string(), "is of no format that can be read; there are " + ListFormatWords()}});
 }
@@ -162,7 +197,7 @@ ToolModel OpenFolder(const std::filesystem::path& folder, const ImportOptions& o
 /// A pipe can only be read once, so that all of it is read before it is known what it is.
 ToolModel OpenPipe(const std::filesystem::path& path, const ImportOptions& options)
 {
-    std::string text = ReadInputFile(path);
+    std::string text = ReadSourceText(path);
     if (text.empty())
         throw InputError({{path.string(), "is empty"}});
     if (IsSqlite(text))
@@ -193,6 +228,27 @@ void RejectFormat(const std::filesystem::path& path, bool (*matches)(std::string
         throw InputError({{path.string(), text}});
 }
 
+/// Throws an InputError when the text is no path but tells a connection, which may hold a password:
+/// only its scheme is shown.
+void RejectConnection(const std::string& text)
+{
+    const std::string folded = ascii::ToLower(text);
+    const std::size_t colon = text.find(':');
+    const bool isUrl = colon != std::string::npos && text.find('@', colon) != std::string::npos;
+    if (!isUrl && folded.find("://") == std::string::npos &&
+        folded.find("password") == std::string::npos && folded.find("pwd=") == std::string::npos)
+        return;
+    std::vector<std::string_view> known;
+    for (const ServerKind& kind : ListServerKinds())
+        known.insert(known.end(), kind.schemes.begin(), kind.schemes.end());
+    std::vector<std::string> schemes(known.begin(), known.end());
+    const std::string scheme = text.substr(0, std::min(colon, text.find_first_of(" =/")));
+    throw InputError(
+        {{ToDisplayText(scheme) + ":...",
+          "is neither a file nor the URL of a server; URLs begin with " + JoinTexts(schemes),
+          model::NearestNames(scheme + "://", known)}});
+}
+
 } // namespace
 
 ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& options)
@@ -203,6 +259,8 @@ ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& opti
         throw PatternError(
             {InputProblem{"--tables and --schema", "only choose from databases on servers"}});
     std::error_code error;
+    if (!std::filesystem::exists(path, error))
+        RejectConnection(path.string());
     if (std::filesystem::is_directory(path, error))
         return OpenFolder(path, options);
     if (std::filesystem::exists(path, error) && std::filesystem::is_other(path, error))
@@ -217,9 +275,9 @@ ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& opti
         return OpenDocument(ReadDocument(path.string(), ReadInputFile(path), *syntax), path,
                             options);
     if (IsUtf16(start)) {
-        ScriptText text = ReadScriptText(path);
-        if (const auto syntax = RecogniseSyntax(text.text))
-            return OpenDocument(ReadDocument(path.string(), std::move(text.text), *syntax), path,
+        std::string text = ReadSourceText(path);
+        if (const auto syntax = RecogniseSyntax(text))
+            return OpenDocument(ReadDocument(path.string(), std::move(text), *syntax), path,
                                 options);
     }
     if (IsScriptStart(start))
@@ -237,12 +295,21 @@ ToolModel ImportSource(const std::filesystem::path& path, const SourceFormat& fo
             throw InputError({{path.string(), "is a folder without files of a model"}});
         return MakeFolderModel(format, documents, path, options);
     }
-    std::string text = ReadInputFile(path);
+    std::string text = ReadSourceText(path);
     const std::optional<ESyntax> syntax = RecogniseSyntax(text);
     if (!syntax)
         throw InputError({{path.string(), "is neither JSON nor YAML nor TMDL"}});
     SourceDocument document = ReadDocument(path.string(), std::move(text), *syntax);
     return MakeSourceModel(format, {&document, 1}, path, options);
+}
+
+bool IsModelFolder(const std::filesystem::path& path)
+{
+    std::error_code error;
+    if (!std::filesystem::is_directory(path, error))
+        return false;
+    const SourceFormat* const format = FindFolderFormat(ReadFolder(path));
+    return format != nullptr && format->takesSeveral;
 }
 
 bool IsModelFile(const std::filesystem::path& path)

@@ -28,6 +28,10 @@ struct ServerKind;
 /// is read. Throws an InputError when it cannot be read.
 [[nodiscard]] bool IsModelFile(const std::filesystem::path& path);
 
+/// Returns whether the path leads to a folder whose files make one model. All of them are read.
+/// Throws an InputError when they cannot be.
+[[nodiscard]] bool IsModelFolder(const std::filesystem::path& path);
+
 /// Returns the model of a file or folder of that format. Throws an InputError when it cannot be
 /// read as one.
 [[nodiscard]] ToolModel ImportSource(const std::filesystem::path& path, const SourceFormat& format,

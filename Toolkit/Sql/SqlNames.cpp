@@ -25,6 +25,12 @@ bool IsPlain(std::string_view name)
                        [](char c) { return ascii::IsLetter(c) || ascii::IsDigit(c) || c == '_'; });
 }
 
+bool IsReserved(std::string_view name, const NameForms& forms)
+{
+    const std::string word = ' ' + ascii::ToLower(std::string(name)) + ' ';
+    return forms.reservedWords.find(word) != std::string_view::npos;
+}
+
 /// Returns whether some dialect takes the name without quotes.
 bool CanBePlain(std::string_view name)
 {
@@ -91,13 +97,16 @@ std::string NameWriter::WriteAlias(std::string_view alias) const
     return QuoteIdentifier(name, *mDialect);
 }
 
-/// A name that its own dialect would not fold to itself must have stood between quotes. Where the
-/// dialect is not known, small letters are taken for a name without quotes.
+/// A name that its own dialect would not fold to itself, or that means something else there, must
+/// have stood between quotes. Where the dialect is not known, small letters are taken for a name
+/// without quotes.
 EWritten NameWriter::FindWriting(const amd_id& subject, std::string_view name) const
 {
     const EFolding folding =
         mWritten->dialect == nullptr ? EFolding::Lower : mWritten->dialect->names.folding;
-    const bool isPlain = CanBePlain(name) && !mWritten->IsQuoted(subject, name) &&
+    const bool isReserved =
+        mWritten->dialect != nullptr && IsReserved(name, mWritten->dialect->names);
+    const bool isPlain = CanBePlain(name) && !isReserved && !mWritten->IsQuoted(subject, name) &&
                          FoldName(std::string(name), folding) == name;
     return isPlain ? EWritten::Plain : EWritten::Quoted;
 }
@@ -107,8 +116,7 @@ bool NameWriter::NeedsQuotes(std::string_view name) const
     const NameForms& forms = mDialect->names;
     if (!IsPlain(name) || (name.front() == '_' && !forms.mayBeginWithUnderscore))
         return true;
-    const std::string word = ' ' + ascii::ToLower(std::string(name)) + ' ';
-    return forms.reservedWords.find(word) != std::string_view::npos;
+    return IsReserved(name, forms);
 }
 
 /// A database cuts or refuses the names of its own tables when they are made.

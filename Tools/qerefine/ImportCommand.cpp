@@ -240,14 +240,15 @@ void AddServerImports(const CommandLine& line)
 void AddImportCommand(const CommandLine& line)
 {
     CLI::App& import = AddCommand(
-        line, Command<Options, ToolModel>{
-                  .help = {.name = "import",
-                           .summary = "Makes a model file of a database or of its DDL, whose kind "
-                                      "is recognised unless it is named.",
-                           .example = "qerefine import shop.db --roles -o shop.json"},
-                  .addOptions = AddAnyOptions,
-                  .run = RunAny,
-                  .report = Report});
+        line,
+        Command<Options, ToolModel>{
+            .help = {.name = "import",
+                     .summary = "Makes a model file of a database, of its DDL or of a model of "
+                                "another tool, whose kind is recognised unless it is named.",
+                     .example = "qerefine import shop.db --roles -o shop.json"},
+            .addOptions = AddAnyOptions,
+            .run = RunAny,
+            .report = Report});
     import.require_subcommand(0, 1);
     const CommandLine kinds{.app = import, .context = line.context, .exitCode = line.exitCode};
     AddSqliteImport(kinds);
