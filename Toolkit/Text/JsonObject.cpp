@@ -1,6 +1,7 @@
 #include "Toolkit/Text/JsonObject.h"
 
 #include "Engine/Model/Names.h"
+#include "Toolkit/Text/Misspelling.h"
 
 #include <nlohmann/json.hpp>
 
@@ -232,15 +233,36 @@ void JsonObject::Ignore(std::initializer_list<std::string_view> keys)
     mKnownKeys.insert(mKnownKeys.end(), keys.begin(), keys.end());
 }
 
+bool JsonObject::IsKnown(std::string_view key) const
+{
+    return std::find(mKnownKeys.begin(), mKnownKeys.end(), key) != mKnownKeys.end();
+}
+
+void JsonObject::RejectKey(const std::string& key, std::vector<std::string> nearestKeys)
+{
+    mProblems->Add(ChildPointer(mPointer, key), "key is unknown: \"" + key + '"',
+                   std::move(nearestKeys));
+}
+
 void JsonObject::RejectUnknownKeys()
 {
     if (mObject == nullptr)
         return;
     for (const auto& member : mObject->items()) {
-        if (std::find(mKnownKeys.begin(), mKnownKeys.end(), member.key()) == mKnownKeys.end())
-            mProblems->Add(ChildPointer(mPointer, member.key()),
-                           "key is unknown: \"" + member.key() + '"',
-                           model::NearestNames(member.key(), mKnownKeys));
+        if (!IsKnown(member.key()))
+            RejectKey(member.key(), model::NearestNames(member.key(), mKnownKeys));
+    }
+}
+
+void JsonObject::RejectMisspeltKeys()
+{
+    if (mObject == nullptr)
+        return;
+    for (const auto& member : mObject->items()) {
+        if (IsKnown(member.key()))
+            continue;
+        if (const std::string_view meant = FindMeantWord(member.key(), mKnownKeys); !meant.empty())
+            RejectKey(member.key(), {std::string(meant)});
     }
 }
 

@@ -87,7 +87,14 @@ public:
     /// Reports the keys that nobody has asked for.
     void RejectUnknownKeys();
 
+    /// Reports those of them that are some other key misspelt. For objects that may have keys which
+    /// only others read.
+    void RejectMisspeltKeys();
+
 private:
+    [[nodiscard]] bool IsKnown(std::string_view key) const;
+    void RejectKey(const std::string& key, std::vector<std::string> nearestKeys);
+
     const nlohmann::json* mObject = nullptr;
     std::string mPointer;
     JsonProblems* mProblems;

@@ -97,6 +97,8 @@ private:
         JsonObject top(document.Top(), document.problems);
         for (const PlacedJson& cube : GetEntries(top, "cubes", document.problems))
             ReadCube(document, cube);
+        top.Ignore({"views"});
+        top.RejectMisspeltKeys();
     }
 
     /// Tells what a program would make: "cube(`orders`".
@@ -136,6 +138,7 @@ private:
             ReadJoin(document, join, cube);
         for (const PlacedJson& measure : GetEntries(object, "measures", problems))
             mLeftOut.Add("measures", JsonObject(measure, problems).GetText("name"));
+        object.RejectMisspeltKeys();
         if (!mIndex.Add(cube.name, mCubes.size()))
             problems.Add(ChildPointer(placed.pointer, "name"),
                          "there is a cube of that name already: \"" + cube.name + '"');
@@ -149,6 +152,7 @@ private:
                                 .sql = GetSql(object, "sql", problems),
                                 .description = object.GetText("description"),
                                 .isKey = object.GetBoolean("primary_key").value_or(false)};
+        object.RejectMisspeltKeys();
         cube.dimensions.push_back(std::move(dimension));
     }
 
@@ -167,6 +171,7 @@ private:
         } else if (!problems.IsReported(ChildPointer(placed.pointer, "relationship"))) {
             problems.Add(placed.pointer, "lacks the key \"relationship\"");
         }
+        object.RejectMisspeltKeys();
         cube.joins.push_back(std::move(join));
     }
 

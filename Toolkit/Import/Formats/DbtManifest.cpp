@@ -171,7 +171,9 @@ void ManifestReader::ReadConstraints(const PlacedJson& json, std::size_t positio
         reference.fromColumns = {name.empty() ? key : name};
         for (const PlacedJson& constraint : columnObject.GetList("constraints"))
             ReadConstraint(constraint, reference);
+        columnObject.RejectMisspeltKeys();
     }
+    object.RejectMisspeltKeys();
 }
 
 void ManifestReader::ReadConstraint(const PlacedJson& json, DbtReference reference)
@@ -198,6 +200,7 @@ void ManifestReader::ReadForeignKey(JsonObject& object, DbtReference reference)
     std::string target = object.GetText("to");
     reference.toColumns = object.GetTexts("to_columns").value_or(Names{});
     const std::string expression = object.GetText("expression");
+    object.RejectMisspeltKeys();
     if (target.empty()) {
         const std::size_t open = expression.rfind('(');
         target = expression.substr(0, open);
@@ -320,6 +323,7 @@ void ManifestReader::WriteNotes()
     for (const char* kind : {"exposures", "metrics", "saved_queries", "semantic_models"})
         for (const auto& [id, object] : mTop.GetMembers(kind))
             mTests.GetLeftOut().Add(kind, id);
+    mTop.RejectMisspeltKeys();
     for (std::string& note : mTests.GetLeftOut().List())
         mSchema.notes.push_back(std::move(note));
 }

@@ -96,6 +96,7 @@ private:
             mLeftOut.Add("primary entities without a column", table.name + '.' + owned);
         for (const PlacedJson& measure : object.GetList("measures"))
             mLeftOut.Add("measures", JsonObject(measure, mProblems, ENull::Absent).GetText("name"));
+        object.RejectMisspeltKeys();
         mSchema.tables.push_back(std::move(table));
     }
 
@@ -138,6 +139,7 @@ private:
                                                              {"unique", EEntity::Unique},
                                                              {"primary", EEntity::Primary}});
         const std::string text = object.GetText("expr");
+        object.RejectMisspeltKeys();
         if (!type || name.empty())
             return false;
         if (*type == EEntity::Natural && !hasTimes) {

@@ -99,7 +99,7 @@ SourceDocument ReadDocument(std::string name, std::string text, ESyntax syntax)
     if (syntax == ESyntax::Yaml)
         ReadYaml(document);
     if (syntax == ESyntax::Tmdl)
-        document.json = ParseTmdl(*document.text, document.problems);
+        document.json = ParseTmdl(*document.text, document.problems, document.unknownObjects);
     return document;
 }
 

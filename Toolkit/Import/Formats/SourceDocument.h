@@ -38,6 +38,8 @@ struct SourceDocument
     JsonProblems problems{};
     /// The lines of templates that had to be left out of the text, as messages name them.
     std::vector<std::string> templates{};
+    /// The words of objects of TMDL that nobody knows, with their places.
+    std::vector<std::string> unknownObjects{};
 
     /// Returns the whole document as a value with a place.
     [[nodiscard]] PlacedJson Top() const { return {.value = &json, .pointer = ""}; }

@@ -9,6 +9,16 @@
 
 namespace qe::tool {
 
+void SubjectIndex::TakeTable(SchemaTable table, DatabaseSchema& schema, JsonObject& json,
+                             JsonProblems& problems)
+{
+    json.RejectMisspeltKeys();
+    if (!Add(table.name, schema.tables.size()))
+        problems.Add(ChildPointer(json.GetPointer(), "name"),
+                     "there is one of that name already: \"" + table.name + '"');
+    schema.tables.push_back(std::move(table));
+}
+
 std::optional<std::size_t> SubjectIndex::Find(const std::string& name) const
 {
     const auto found = mPositions.find(name);

@@ -23,6 +23,11 @@ public:
         return mPositions.emplace(name, position).second;
     }
 
+    /// Adds a table to the schema. Reports a name that another one has, and misspelt keys, at the
+    /// object that it was read from.
+    void TakeTable(SchemaTable table, DatabaseSchema& schema, JsonObject& json,
+                   JsonProblems& problems);
+
     [[nodiscard]] std::optional<std::size_t> Find(const std::string& name) const;
 
     /// Returns the position of the subject that the text of a required key names; one that is

@@ -53,6 +53,7 @@ public:
             ReadRelation(relation);
         for (const PlacedJson& view : mTop.GetList("viewpoints"))
             mLeftOut.Add("viewpoints", JsonObject(view, mProblems, ENull::Absent).GetText("name"));
+        mTop.RejectMisspeltKeys();
         mSchema.notes = mLeftOut.List();
         return std::move(mSchema);
     }
@@ -79,10 +80,7 @@ private:
             ReadColumn(column, table);
         for (const PlacedJson& constraint : object.GetList("constraints"))
             ReadConstraint(constraint, table);
-        if (!mIndex.Add(table.name, mSchema.tables.size()))
-            mProblems.Add(ChildPointer(json.pointer, "name"),
-                          "there is a table of that name already: \"" + table.name + '"');
-        mSchema.tables.push_back(std::move(table));
+        mIndex.TakeTable(std::move(table), mSchema, object, mProblems);
     }
 
     void ReadColumn(const PlacedJson& json, SchemaTable& table)
@@ -92,6 +90,7 @@ private:
         table.columns.push_back({.name = name,
                                  .isNotNull = !object.GetBoolean("nullable").value_or(true),
                                  .description = object.GetText("comment")});
+        object.RejectMisspeltKeys();
     }
 
     void ReadConstraint(const PlacedJson& json, SchemaTable& table)
@@ -99,6 +98,7 @@ private:
         JsonObject object(json, mProblems, ENull::Absent);
         const std::string type = object.GetText("type");
         const std::optional<std::vector<std::string>> columns = object.GetTexts("columns");
+        object.RejectMisspeltKeys();
         if (!columns || columns->empty())
             return;
         if (type == "PRIMARY KEY")
@@ -118,6 +118,7 @@ private:
             .columns = object.GetTexts("parent_columns").value_or(std::vector<std::string>{})};
         ReadCardinality(object, "cardinality", left);
         ReadCardinality(object, "parent_cardinality", right);
+        object.RejectMisspeltKeys();
         if (!child || !parent)
             return;
         left.table = *child;

@@ -47,6 +47,7 @@ public:
         NameSources();
         for (const PlacedJson& cube : mTop.GetList("cubes"))
             mLeftOut.Add("cubes", JsonObject(cube, mProblems).GetText("name"));
+        mTop.RejectMisspeltKeys();
         for (std::string& note : mLeftOut.List())
             mSchema.notes.push_back(std::move(note));
         return std::move(mSchema);
@@ -109,6 +110,7 @@ private:
         for (const PlacedJson& rule : object.GetList("rowLevelAccessControls"))
             mLeftOut.Add("rules of which rows may be seen",
                          JsonObject(rule, mProblems).GetText("name"));
+        object.RejectMisspeltKeys();
     }
 
     void ReadColumn(const PlacedJson& json, SchemaTable& table)
@@ -168,6 +170,7 @@ private:
             mProblems.Add(json.pointer, "lacks the key \"joinType\"");
         const std::string sql = object.GetText("condition", EPresence::Required);
         const auto ends = ReadEnds(object);
+        object.RejectMisspeltKeys();
         if (!type || !ends || sql.empty())
             return;
         join.left = {.table = ends->first, .isMany = type->isLeftMany};
