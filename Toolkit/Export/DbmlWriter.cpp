@@ -71,8 +71,10 @@ std::string WriteReference(const ExportedModel& model, const ExportedJoin& join)
     const auto write = [&model](const ExportedEnd& end) {
         return QuoteName(model.subjects[end.subject].name) + '.' + WriteColumns(end.columns);
     };
-    return "Ref " + QuoteName(Spell(join.name)) + ": " + write(join.left) + SignOf(join) +
-           write(join.right) + '\n';
+    // Of two single ends the second is the one that refers.
+    const bool isTurned = !join.left.isMany;
+    return "Ref " + QuoteName(Spell(join.name)) + ": " + write(isTurned ? join.right : join.left) +
+           SignOf(join) + write(isTurned ? join.left : join.right) + '\n';
 }
 
 /// Returns the joins that references can say.
