@@ -145,7 +145,8 @@ std::vector<SourceDocument> ReadFolder(const std::filesystem::path& folder)
     std::vector<SourceDocument> documents;
     for (const std::filesystem::path& path : paths) {
         std::string text = ReadSourceText(path);
-        documents.push_back(ReadDocument(path.string(), std::move(text), SyntaxOf(path, text)));
+        const ESyntax syntax = SyntaxOf(path, text);
+        documents.push_back(ReadDocument(path.string(), std::move(text), syntax));
     }
     return documents;
 }
