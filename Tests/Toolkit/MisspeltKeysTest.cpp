@@ -35,11 +35,10 @@ TEST(MisspeltKeys, AreMistakesInEveryFormat)
     {
         const char* format;
         std::string text;
-        /// What is left out of the text, each with the key that was meant.
+        /// Keys of the text, each with one that it may be misspelt as.
         std::vector<std::pair<const char*, const char*>> slips;
     };
-    const std::vector<Source> sources
-    {
+    const std::vector<Source> sources{
         {"ossie",
          R"({"version": "0.2.0.dev0", "custom": 1, "semantic_model": [{"name": "m", "datasets": [
              {"name": "a", "source": "a", "primary_key": ["x"], "unique_keys": [["y"]],
@@ -83,42 +82,31 @@ TEST(MisspeltKeys, AreMistakesInEveryFormat)
          "views:\n  - name: v\n    cubes: []\n",
          {{"joins", "join"}, {"dimensions", "dimension"}, {"primary_key", "primry_key"}}},
         {"dbt",
-         R"({"metadata": {}, "sources": {}, "macros": {}, "parent_map": {}, "nodes": {"model.p.a":
+         R"json({"metadata": {}, "sources": {}, "macros": {}, "parent_map": {}, "nodes": {"model.p.a":
              {"name": "a", "resource_type": "model", "alias": "a", "fqn": [], "config": {},
               "columns": {"x": {"name": "x", "data_type": "int"}},
               "constraints": [{"type": "foreign_key", "columns": ["x"], "to": "ref('a')",
-                               "to_columns": ["x"], "warn_unsupported": true}]
-    }
-}
-})",
-{
-    {"constraints", "constraint"},
-    {
-        "to_columns", "to_colums"
-    }
-}
-}
-,
-    {"dbt-semantic",
-     R"({"semantic_models": [{"name": "a", "label": null, "entities": [
+                               "to_columns": ["x"], "warn_unsupported": true}]}}})json",
+         {{"constraints", "constraint"}, {"to_columns", "to_colums"}}},
+        {"dbt-semantic",
+         R"({"semantic_models": [{"name": "a", "label": null, "entities": [
              {"name": "x", "type": "primary", "expr": "y", "role": null}]}], "metrics": []})",
-     {{"entities", "entites"}, {"expr", "exp"}}},
-}
-;
-for (const auto& [format, text, slips] : sources) {
-    EXPECT_THAT(ReadSourceText(format, text), Not(HasSubstr("is unknown"))) << format;
-    for (const auto& [right, wrong] : slips) {
-        std::string changed = text;
-        changed.replace(changed.find(right), std::string(right).size(), wrong);
-        std::string key = wrong;
-        std::string meant = right;
-        std::erase(key, '"');
-        std::erase(meant, '"');
-        EXPECT_THAT(ReadSourceText(format, changed),
-                    HasSubstr("key is unknown: \"" + key + "\" (did you mean " + meant + "?)"))
-            << format;
+         {{"entities", "entites"}, {"expr", "exp"}}},
+    };
+    for (const auto& [format, text, slips] : sources) {
+        EXPECT_THAT(ReadSourceText(format, text), Not(HasSubstr("is unknown"))) << format;
+        for (const auto& [right, wrong] : slips) {
+            std::string changed = text;
+            changed.replace(changed.find(right), std::string(right).size(), wrong);
+            std::string key = wrong;
+            std::string meant = right;
+            std::erase(key, '"');
+            std::erase(meant, '"');
+            EXPECT_THAT(ReadSourceText(format, changed),
+                        HasSubstr("key is unknown: \"" + key + "\" (did you mean " + meant + "?)"))
+                << format;
+        }
     }
-}
 }
 
 } // namespace
