@@ -84,15 +84,19 @@ public:
     /// Lets the object have the keys, whatever they hold.
     void Ignore(std::initializer_list<std::string_view> keys);
 
-    /// Reports the keys that nobody has asked for.
+    /// Reports the keys that nobody has asked for, but for those that were told already.
     void RejectUnknownKeys();
 
 private:
+    /// Reports that there is no such key, and which other key may be meant for it.
+    void TellMissing(std::string_view key);
+
     const nlohmann::json* mObject = nullptr;
     std::string mPointer;
     JsonProblems* mProblems;
     ENull mNull;
     std::vector<std::string_view> mKnownKeys;
+    std::vector<std::string_view> mToldKeys;
 };
 
 /// Returns a text without U+0000; nothing, and reports it, when the value is none.

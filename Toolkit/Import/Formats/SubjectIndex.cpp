@@ -23,7 +23,7 @@ std::optional<std::size_t> SubjectIndex::Find(JsonObject& json, const char* key,
     if (name.empty())
         return std::nullopt;
     const std::optional<std::size_t> found = Find(name);
-    if (!found && !problems.IsReported(pointer))
+    if (!found && mIsComplete && !problems.IsReported(pointer))
         problems.Add(pointer, "there is no \"" + name + '"', Nearest(name));
     return found;
 }

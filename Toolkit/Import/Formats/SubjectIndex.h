@@ -17,11 +17,17 @@ namespace qe::tool {
 class SubjectIndex
 {
 public:
-    /// Returns whether the name was free.
+    /// Returns whether the name was free. An empty one is that of a subject whose name could not be
+    /// read.
     bool Add(const std::string& name, std::size_t position)
     {
-        return mPositions.emplace(name, position).second;
+        mIsComplete = mIsComplete && !name.empty();
+        return name.empty() || mPositions.emplace(name, position).second;
     }
+
+    /// Returns whether all names could be read, so that a name that is not found is a mistake of
+    /// its own.
+    [[nodiscard]] bool IsComplete() const { return mIsComplete; }
 
     [[nodiscard]] std::optional<std::size_t> Find(const std::string& name) const;
 
@@ -34,6 +40,7 @@ public:
 
 private:
     std::map<std::string, std::size_t> mPositions;
+    bool mIsComplete = true;
 };
 
 /// Lets the table have the column, for sources that do not list all. Returns it.

@@ -122,7 +122,8 @@ private:
             return;
         left.table = *child;
         right.table = *parent;
-        mSchema.joins.push_back({.left = std::move(left), .right = std::move(right)});
+        mSchema.joins.push_back(
+            {.left = std::move(left), .right = std::move(right), .pointer = json.pointer});
     }
 
     void ReadCardinality(JsonObject& object, const char* key, SchemaJoinEnd& end)
@@ -156,7 +157,7 @@ private:
 bool IsTblsSchema(const SourceDocument& document)
 {
     const nlohmann::json& json = document.json;
-    return json.is_object() && json.contains("tables") && json["tables"].is_array() &&
+    return json.is_object() && json.contains("tables") &&
            (json.contains("relations") || json.contains("driver"));
 }
 

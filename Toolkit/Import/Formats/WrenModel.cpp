@@ -151,7 +151,12 @@ private:
             known.push_back(other.name);
         if (std::find(known.begin(), known.end(), column) != known.end())
             return true;
-        mProblems.Add(pointer, '"' + table.name + "\" has no column \"" + column + '"',
+        // That a model has none at all is one mistake.
+        if (known.empty() && !mBare.insert(table.name).second)
+            return false;
+        mProblems.Add(pointer,
+                      known.empty() ? '"' + table.name + "\" has no columns"
+                                    : '"' + table.name + "\" has no column \"" + column + '"',
                       model::NearestNames(column, known));
         return false;
     }
@@ -194,7 +199,7 @@ private:
     {
         const auto name = ReadText(named, mProblems);
         const auto found = name ? mIndex.Find(*name) : std::nullopt;
-        if (name && !found)
+        if (name && !found && mIndex.IsComplete())
             mProblems.Add(named.pointer, "there is no model \"" + *name + '"',
                           mIndex.Nearest(*name));
         return found;
@@ -222,10 +227,13 @@ private:
         if (isSelf && !condition.text.empty())
             condition.problem = "does not tell its ends apart";
         if (!condition.problem.empty()) {
+            SuggestEnds(condition, {mSchema.tables[join.left.table].name,
+                                    mSchema.tables[join.right.table].name});
             if (!mProblems.IsReported(pointer))
-                mLeftOut.Add("relationships whose condition cannot be kept",
-                             join.name + " (" + mProblems.ToPlace(pointer) + ' ' +
-                                 condition.problem + ')');
+                mLeftOut.Add("relationships whose condition cannot be kept", join.name,
+                             {.problems = &mProblems,
+                              .pointer = pointer,
+                              .text = std::move(condition.problem)});
             return;
         }
         TakeCondition(std::move(condition), join);
@@ -261,6 +269,8 @@ private:
     /// How many of them are models; views come behind.
     std::size_t mModels = 0;
     std::vector<std::set<std::string>> mComputed;
+    /// The tables of which it was told that they have no columns.
+    std::set<std::string> mBare;
     LeftOut mLeftOut;
 };
 
