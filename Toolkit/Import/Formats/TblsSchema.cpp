@@ -1,5 +1,6 @@
 #include "Toolkit/Import/Formats/TblsSchema.h"
 
+#include "Engine/Model/Names.h"
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Import/Formats/LeftOut.h"
 #include "Toolkit/Import/Formats/SubjectIndex.h"
@@ -142,7 +143,8 @@ private:
         }
         mProblems.Add(ChildPointer(object.GetPointer(), key),
                       "is no cardinality: \"" + stated + '"',
-                      {"zero_or_one", "exactly_one", "zero_or_more", "one_or_more"});
+                      model::NearestNames(stated, {"zero_or_one", "exactly_one", "zero_or_more",
+                                                   "one_or_more"}));
     }
 
     JsonProblems& mProblems;

@@ -170,7 +170,7 @@ private:
                                                                   {"MANY_TO_ONE", {true, false}},
                                                                   {"MANY_TO_MANY", {true, true}}});
         if (!type && !mProblems.IsReported(ChildPointer(json.pointer, "joinType")))
-            mProblems.Add(json.pointer, "lacks the key \"joinType\"");
+            static_cast<void>(object.Find("joinType", EPresence::Required));
         const std::string sql = object.GetText("condition", EPresence::Required);
         const auto ends = ReadEnds(object);
         if (!type || !ends || sql.empty())
