@@ -1,7 +1,6 @@
 #include "Engine/Expression/Parser.h"
 
 #include "Engine/Expression/Operators.h"
-#include "Engine/Expression/TokenCursor.h"
 
 #include <utility>
 

@@ -2,14 +2,22 @@
 #define ENGINE_EXPRESSION_TOKENCURSOR_H
 
 #include "Engine/Expression/Lexer.h"
-#include "Engine/Expression/Parser.h"
 
+#include <cstddef>
 #include <exception>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace qe::expression {
+
+/// Where and why parsing stopped.
+struct ParseFailure
+{
+    std::size_t offset = 0;
+    std::string expected;
+    std::string found;
+};
 
 /// Ends the parsing of a text that is no expression.
 class SyntaxFailure : public std::exception

@@ -154,9 +154,8 @@ TEST(Folders, HoldTheFileThatToolsCallSo)
     const TemporaryFolder folder;
     const auto tell = [&folder](const char* format) {
         return MistakesOf([&] {
-            (void)(format == nullptr
-                       ? OpenModel(folder / "")
-                       : ImportSource(folder / "", *FindSourceFormat(format), {}));
+            (void)(format == nullptr ? OpenModel(folder / "")
+                                     : ImportSource(folder / "", *FindSourceFormat(format), {}));
         });
     };
     folder.Write("other.json", "{}");
@@ -211,8 +210,9 @@ TEST(Conditions, TellTheirPlaceAndWhatMayBeMeant)
     const auto tell = [](const std::string& sql) {
         return Tell("cubes:\n- name: orders\n  joins:\n  - name: users\n"
                     "    relationship: many_to_one\n    sql: \"" +
-                    sql + "\"\n  dimensions: [{name: user, sql: user_id}]\n"
-                          "- name: users\n  dimensions: [{name: id, sql: id}]\n");
+                    sql +
+                    "\"\n  dimensions: [{name: user, sql: user_id}]\n"
+                    "- name: users\n  dimensions: [{name: id, sql: id}]\n");
     };
     const std::string place = "orders -> users (source:6#/cubes/0/joins/0/sql: ";
     EXPECT_THAT(tell("{usres.id} = {user}"),
@@ -245,7 +245,8 @@ std::string ChainMembers(std::size_t count, const std::string& last)
 TEST(Conditions, TellChainsFromCircles)
 {
     EXPECT_THAT(Tell(ChainMembers(40, "CUBE}.k")), Not(HasSubstr("cannot be kept")));
-    EXPECT_THAT(Tell(ChainMembers(40, "d7}")), HasSubstr("members that stand for each other: {d7}"));
+    EXPECT_THAT(Tell(ChainMembers(40, "d7}")),
+                HasSubstr("members that stand for each other: {d7}"));
     EXPECT_THAT(Tell(ChainMembers(90, "CUBE}.k")),
                 HasSubstr("members that stand for others, more than 64 in a row: {d64}"));
 }
@@ -257,8 +258,8 @@ TEST(Mistakes, OfDepthAndCopiesHaveALineAndAShortPointer)
                 AllOf(HasSubstr("source:3#/b/0/0"), HasSubstr("..."),
                       HasSubstr(": is nested too deep: more than 256 levels")));
     EXPECT_THAT(Tell("{\"a\":\n" + deepest).size(), testing::Lt(300U));
-    EXPECT_THAT(Tell("a: 1\nb:\n  " + deepest), AllOf(HasSubstr("source:4#/b/0/0"),
-                                                      HasSubstr("is nested too deep")));
+    EXPECT_THAT(Tell("a: 1\nb:\n  " + deepest),
+                AllOf(HasSubstr("source:4#/b/0/0"), HasSubstr("is nested too deep")));
     std::string bomb = "a0: &a0 [x, x, x, x, x, x, x, x, x, x]\n";
     for (int i = 1; i < 8; ++i) {
         const std::string alias = ", *a" + std::to_string(i - 1);
@@ -274,8 +275,9 @@ TEST(Mistakes, OfDepthAndCopiesHaveALineAndAShortPointer)
 TEST(Mistakes, NameThreeWordsAndMisspeltNeighbours)
 {
     const auto tell = [](const char* type, const char* key) {
-        return Tell(std::string("cubes:\n- name: a\n  joins:\n  - name: a\n    sql: \"{a}.k\"\n    ") +
-                    key + ": " + type + '\n');
+        return Tell(
+            std::string("cubes:\n- name: a\n  joins:\n  - name: a\n    sql: \"{a}.k\"\n    ") +
+            key + ": " + type + '\n');
     };
     EXPECT_EQ(tell("has_may", "relationship"),
               "source:6#/cubes/0/joins/0/relationship: unknown value: \"has_may\" (did you mean "

@@ -143,8 +143,8 @@ private:
         }
         mProblems.Add(ChildPointer(object.GetPointer(), key),
                       "is no cardinality: \"" + stated + '"',
-                      model::NearestNames(stated, {"zero_or_one", "exactly_one", "zero_or_more",
-                                                   "one_or_more"}));
+                      model::NearestNames(
+                          stated, {"zero_or_one", "exactly_one", "zero_or_more", "one_or_more"}));
     }
 
     JsonProblems& mProblems;
