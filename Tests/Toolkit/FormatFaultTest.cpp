@@ -142,8 +142,8 @@ TEST(Formats, AreRecognisedByHowYamlBegins)
     }
     const std::string comments = "# " + std::string(5000, '-') + '\n';
     EXPECT_THAT(Tell(comments + "cubes: ]"), HasSubstr("not valid YAML"));
-    for (const char* const json : {"{\"a\" 1}", "{a\": 1}", "{", "[1,", "[true, a]", "\"x"})
-        EXPECT_THAT(Tell(json), HasSubstr("syntax error while parsing")) << json;
+    for (const char* const text : {"{\"a\" 1}", "{a\": 1}", "{", "[1,", "[true, a]", "\"x"})
+        EXPECT_THAT(Tell(text), HasSubstr("syntax error while parsing")) << text;
     for (const char* const value : {"null", "17", "\"x\""})
         EXPECT_THAT(Tell(value), HasSubstr("must be an object")) << value;
     EXPECT_EQ(Tell("-------\n-- Tables\n-------\nCREATE TABLE a (b INT);\n"), "");
