@@ -255,8 +255,8 @@ TEST(ModelMistakesTest, OpensWhatTheFileHolds)
     EXPECT_EQ(open("\xEF\xBB\xBF# one\n-- two\n/* three */"), open("\n"));
     EXPECT_EQ(open(std::string("\xFF\xFE#\0", 4)), open("\n"));
 
-    EXPECT_THAT(messageOf(folder / ""),
-                testing::StartsWith(folder / "" + ": is a folder without a model of the formats"));
+    EXPECT_EQ(messageOf(folder / "").find(": is a folder without a model of the formats"),
+              std::string(folder / "").size());
     EXPECT_EQ(messageOf("/no/such"), "/no/such: there is no such file");
     EXPECT_EQ(test::MistakesOf([] { static_cast<void>(ReadModelFile("/dev/zero")); }),
               "/dev/zero: is too large: more than 67108864 bytes");
