@@ -119,6 +119,8 @@ TEST(Formats, WithoutWhatTheyNeedAreToldAsTheirs)
          "source: describes no query subjects as a schema of tbls does"},
         {R"({"name": "M", "compatibilityLevel": 1550})",
          "source:1#: holds no model, nor a script that creates one"},
+        {R"({"model": {"tables": [{"name": 7}]}})",
+         "source:1#/model/tables/0/name: must be a string, not a number"},
         {"cubes:\n", "source: describes no query subjects as a data model of Cube does"},
         {R"({"name": "d", "tables": [{"name": "a", "columns": [{"name": "x"}]}, {"name": "b",
              "columns": [{"name": "y"}]}], "relations": [

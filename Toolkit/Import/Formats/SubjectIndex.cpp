@@ -32,7 +32,8 @@ std::vector<std::string> SubjectIndex::Nearest(const std::string& name) const
 {
     std::vector<std::string_view> known;
     for (const auto& [subject, position] : mPositions)
-        known.push_back(subject);
+        if (!subject.empty())
+            known.push_back(subject);
     return model::NearestNames(name, known);
 }
 

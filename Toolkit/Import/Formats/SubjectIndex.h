@@ -18,11 +18,14 @@ class SubjectIndex
 {
 public:
     /// Returns whether the name was free. An empty one is that of a subject whose name could not be
-    /// read.
+    /// read; it stands for the last of these.
     bool Add(const std::string& name, std::size_t position)
     {
-        mIsComplete = mIsComplete && !name.empty();
-        return name.empty() || mPositions.emplace(name, position).second;
+        if (!name.empty())
+            return mPositions.emplace(name, position).second;
+        mIsComplete = false;
+        mPositions.insert_or_assign(name, position);
+        return true;
     }
 
     /// Returns whether all names could be read, so that a name that is not found is a mistake of
