@@ -126,7 +126,8 @@ TEST(Cube, TellsWhatCannotBe)
     };
     EXPECT_THAT(read("{CUBE}.x = {b.x}", "a"), HasSubstr("a > b: x=x\n"));
     EXPECT_THAT(read("{x} = ${b}.y", "a"), HasSubstr("a > b: x=y\n"));
-    EXPECT_THAT(read("{CUBE}.x = {b.x}", "b"), HasSubstr("leads around or too far: b"));
+    EXPECT_THAT(read("{CUBE}.x = {b.x}", "b"),
+                HasSubstr("leads back to a cube that extends this one: b"));
     EXPECT_THAT(read("{CUBE}.x = {b.x}", "aa"),
                 HasSubstr("file:10#/cubes/1/extends: there is no cube \"aa\""));
     EXPECT_THAT(read("{CUBE}.x = {b.nothing}", "a"), HasSubstr("names no dimension: {b.nothing}"));

@@ -84,7 +84,7 @@ public:
     /// Lets the object have the keys, whatever they hold.
     void Ignore(std::initializer_list<std::string_view> keys);
 
-    /// Reports the keys that nobody has asked for.
+    /// Reports the keys that nobody has asked for, but for those that were told already.
     void RejectUnknownKeys();
 
     /// Reports those of them that are some other key misspelt. For objects that may have keys which
@@ -95,11 +95,15 @@ private:
     [[nodiscard]] bool IsKnown(std::string_view key) const;
     void RejectKey(const std::string& key, std::vector<std::string> nearestKeys);
 
+    /// Reports that there is no such key, and which other key may be meant for it.
+    void TellMissing(std::string_view key);
+
     const nlohmann::json* mObject = nullptr;
     std::string mPointer;
     JsonProblems* mProblems;
     ENull mNull;
     std::vector<std::string_view> mKnownKeys;
+    std::vector<std::string_view> mToldKeys;
 };
 
 /// Returns a text without U+0000; nothing, and reports it, when the value is none.

@@ -207,8 +207,12 @@ private:
 
 bool IsDbtSemantic(const SourceDocument& document)
 {
-    return document.json.is_object() && document.json.contains("semantic_models") &&
-           document.json["semantic_models"].is_structured() &&
+    return document.json.is_object() && document.json.contains("semantic_models");
+}
+
+bool HasSemanticModels(const SourceDocument& document)
+{
+    return IsDbtSemantic(document) && document.json["semantic_models"].is_structured() &&
            !document.json["semantic_models"].empty();
 }
 

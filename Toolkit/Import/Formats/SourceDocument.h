@@ -48,6 +48,12 @@ struct SourceDocument
 /// Returns what a text that starts so is written in; nothing when it is none of these.
 [[nodiscard]] std::optional<ESyntax> RecogniseSyntax(std::string_view start);
 
+/// Returns whether a text is nothing but blanks and comments of YAML or SQL.
+[[nodiscard]] bool HoldsOnlyComments(std::string_view text);
+
+/// Returns what people call the syntax.
+[[nodiscard]] std::string_view TitleOf(ESyntax syntax);
+
 /// Reads a text. Throws an InputError with line and column when it does not follow its syntax.
 /// Where YAML does not for its templates, they are left out; it is null where little would remain.
 [[nodiscard]] SourceDocument ReadDocument(std::string name, std::string text, ESyntax syntax);

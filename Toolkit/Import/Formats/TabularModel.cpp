@@ -347,9 +347,10 @@ bool IsTabularJson(const SourceDocument& document)
         return false;
     const PlacedJson database = FindDatabase(document.Top());
     if (database.value == nullptr)
-        return false;
+        return HasMember(document.json, "compatibilityLevel");
     const json& model = (*database.value)["model"];
-    return model.contains("tables") || model.contains("relationships");
+    return model.contains("tables") || model.contains("relationships") ||
+           HasMember(*database.value, "compatibilityLevel");
 }
 
 bool IsTmdl(const SourceDocument& document)

@@ -1,5 +1,6 @@
 #include "Toolkit/Import/Formats/TblsSchema.h"
 
+#include "Engine/Model/Names.h"
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Import/Formats/LeftOut.h"
 #include "Toolkit/Import/Formats/SubjectIndex.h"
@@ -123,7 +124,8 @@ private:
             return;
         left.table = *child;
         right.table = *parent;
-        mSchema.joins.push_back({.left = std::move(left), .right = std::move(right)});
+        mSchema.joins.push_back(
+            {.left = std::move(left), .right = std::move(right), .pointer = json.pointer});
     }
 
     void ReadCardinality(JsonObject& object, const char* key, SchemaJoinEnd& end)
@@ -142,7 +144,8 @@ private:
         }
         mProblems.Add(ChildPointer(object.GetPointer(), key),
                       "is no cardinality: \"" + stated + '"',
-                      {"zero_or_one", "exactly_one", "zero_or_more", "one_or_more"});
+                      model::NearestNames(
+                          stated, {"zero_or_one", "exactly_one", "zero_or_more", "one_or_more"}));
     }
 
     JsonProblems& mProblems;
@@ -157,7 +160,7 @@ private:
 bool IsTblsSchema(const SourceDocument& document)
 {
     const nlohmann::json& json = document.json;
-    return json.is_object() && json.contains("tables") && json["tables"].is_array() &&
+    return json.is_object() && json.contains("tables") &&
            (json.contains("relations") || json.contains("driver"));
 }
 
