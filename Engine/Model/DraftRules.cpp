@@ -1,15 +1,16 @@
 #include "Engine/Model/DraftRules.h"
 
+#include <algorithm>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <limits>
-#include <map>
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace qe::model {
 
@@ -109,6 +110,40 @@ std::int32_t NameClass(std::int32_t classCode)
     return classCode == IdClassSpecFilter ? IdClassFilter : classCode;
 }
 
+/// The name of a draft and where it must be its own.
+struct PlacedName
+{
+    std::int32_t nameClass = 0;
+    amd_id scope{};
+    std::string_view name{};
+    std::size_t position = 0;
+
+    friend auto operator<=>(const PlacedName&, const PlacedName&) = default;
+
+    [[nodiscard]] bool IsSameAs(const PlacedName& other) const
+    {
+        return nameClass == other.nameClass && scope == other.scope && name == other.name;
+    }
+};
+
+/// Returns the names in order: those that are the same stand side by side.
+std::vector<PlacedName> SortNames(const std::vector<PlacedDraft>& drafts)
+{
+    std::vector<PlacedName> names;
+    names.reserve(drafts.size());
+    for (std::size_t i = 0; i < drafts.size(); ++i) {
+        const PlacedDraft& placed = drafts[i];
+        const std::int32_t classCode = placed.draft->classCode;
+        if (placed.isInTable && !placed.record->name.empty() && !IsJoinClass(classCode))
+            names.push_back({.nameClass = NameClass(classCode),
+                             .scope = NameScope(placed),
+                             .name = placed.record->name,
+                             .position = i});
+    }
+    std::ranges::sort(names);
+    return names;
+}
+
 bool IsBound(std::int32_t bound)
 {
     return bound == BMT_I_Association::CardinalityZero ||
@@ -161,30 +196,21 @@ void CheckNames(const std::vector<PlacedDraft>& drafts, ProblemList& problems)
 
 void CheckUniqueNames(const std::vector<PlacedDraft>& drafts, ProblemList& problems)
 {
-    using NamePlace = std::pair<std::int32_t, amd_id>;
-    using Owners = std::unordered_map<std::string_view, std::size_t>;
-    std::map<NamePlace, Owners> ownersIn;
-    NamePlace lastPlace;
-    Owners* owners = nullptr;
-    for (std::size_t i = 0; i < drafts.size(); ++i) {
-        const PlacedDraft& placed = drafts[i];
-        const std::int32_t classCode = placed.draft->classCode;
-        if (!placed.isInTable || placed.record->name.empty() || IsJoinClass(classCode))
-            continue;
-        const NamePlace place(NameClass(classCode), NameScope(placed));
-        // The items of one query subject mostly come together.
-        if (owners == nullptr || place != lastPlace) {
-            lastPlace = place;
-            owners = &ownersIn[place];
-        }
-        const auto [owner, isNew] = owners->emplace(placed.record->name, i);
-        if (!isNew) {
-            const PlacedDraft& first = drafts[owner->second];
-            problems.Add(i, EAspect::Name,
-                         "has the name of another object beside it: " +
-                             std::string(ClassTitle(first.draft->classCode)) + ' ' +
-                             ToText(first.record->id));
-        }
+    const std::vector<PlacedName> names = SortNames(drafts);
+    std::vector<std::pair<std::size_t, std::size_t>> withOwners;
+    for (std::size_t first = 0, i = 1; i < names.size(); ++i) {
+        if (names[i].IsSameAs(names[first]))
+            withOwners.emplace_back(names[i].position, names[first].position);
+        else
+            first = i;
+    }
+    std::ranges::sort(withOwners);
+    for (const auto& [position, owner] : withOwners) {
+        const PlacedDraft& first = drafts[owner];
+        problems.Add(position, EAspect::Name,
+                     "has the name of another object beside it: " +
+                         std::string(ClassTitle(first.draft->classCode)) + ' ' +
+                         ToText(first.record->id));
     }
 }
 
