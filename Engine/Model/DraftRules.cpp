@@ -1,14 +1,15 @@
 #include "Engine/Model/DraftRules.h"
 
 #include <algorithm>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <limits>
+#include <map>
 #include <span>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -113,35 +114,46 @@ std::int32_t NameClass(std::int32_t classCode)
 /// The name of a draft and where it must be its own.
 struct PlacedName
 {
-    std::int32_t nameClass = 0;
-    amd_id scope{};
-    std::string_view name{};
-    std::size_t position = 0;
-
-    friend auto operator<=>(const PlacedName&, const PlacedName&) = default;
-
-    [[nodiscard]] bool IsSameAs(const PlacedName& other) const
-    {
-        return nameClass == other.nameClass && scope == other.scope && name == other.name;
-    }
+    amd_id scope;
+    std::string_view name;
+    std::size_t position;
 };
 
-/// Returns the names in order: those that are the same stand side by side.
-std::vector<PlacedName> SortNames(const std::vector<PlacedDraft>& drafts)
+/// Returns the names that must be their own, by the class that shares them; those of one scope
+/// stand side by side.
+std::map<std::int32_t, std::vector<PlacedName>> ListNames(const std::vector<PlacedDraft>& drafts)
 {
-    std::vector<PlacedName> names;
-    names.reserve(drafts.size());
+    std::map<std::int32_t, std::vector<PlacedName>> ofClass;
     for (std::size_t i = 0; i < drafts.size(); ++i) {
         const PlacedDraft& placed = drafts[i];
         const std::int32_t classCode = placed.draft->classCode;
         if (placed.isInTable && !placed.record->name.empty() && !IsJoinClass(classCode))
-            names.push_back({.nameClass = NameClass(classCode),
-                             .scope = NameScope(placed),
-                             .name = placed.record->name,
-                             .position = i});
+            ofClass[NameClass(classCode)].push_back(
+                {.scope = NameScope(placed), .name = placed.record->name, .position = i});
     }
-    std::ranges::sort(names);
-    return names;
+    // Builders mostly name one scope after the other.
+    for (auto& [nameClass, names] : ofClass) {
+        if (!std::ranges::is_sorted(names, {}, &PlacedName::scope))
+            std::ranges::stable_sort(names, {}, &PlacedName::scope);
+    }
+    return ofClass;
+}
+
+/// The positions of a draft and of the first one that has its name.
+using WithOwner = std::pair<std::size_t, std::size_t>;
+
+/// Puts the names of one scope in order, and finds those that another one has before.
+void FindTaken(std::span<PlacedName> names, std::vector<WithOwner>& taken)
+{
+    std::ranges::sort(names, [](const PlacedName& left, const PlacedName& right) {
+        return std::tie(left.name, left.position) < std::tie(right.name, right.position);
+    });
+    for (std::size_t first = 0, i = 1; i < names.size(); ++i) {
+        if (names[i].name == names[first].name)
+            taken.emplace_back(names[i].position, names[first].position);
+        else
+            first = i;
+    }
 }
 
 bool IsBound(std::int32_t bound)
@@ -196,16 +208,19 @@ void CheckNames(const std::vector<PlacedDraft>& drafts, ProblemList& problems)
 
 void CheckUniqueNames(const std::vector<PlacedDraft>& drafts, ProblemList& problems)
 {
-    const std::vector<PlacedName> names = SortNames(drafts);
-    std::vector<std::pair<std::size_t, std::size_t>> withOwners;
-    for (std::size_t first = 0, i = 1; i < names.size(); ++i) {
-        if (names[i].IsSameAs(names[first]))
-            withOwners.emplace_back(names[i].position, names[first].position);
-        else
-            first = i;
+    std::vector<WithOwner> taken;
+    for (auto& [nameClass, names] : ListNames(drafts)) {
+        for (std::span<PlacedName> rest = names; !rest.empty();) {
+            const amd_id& scope = rest.front().scope;
+            const auto end = std::ranges::find_if(
+                rest, [&scope](const amd_id& other) { return other != scope; }, &PlacedName::scope);
+            const auto count = static_cast<std::size_t>(end - rest.begin());
+            FindTaken(rest.first(count), taken);
+            rest = rest.subspan(count);
+        }
     }
-    std::ranges::sort(withOwners);
-    for (const auto& [position, owner] : withOwners) {
+    std::ranges::sort(taken);
+    for (const auto& [position, owner] : taken) {
         const PlacedDraft& first = drafts[owner];
         problems.Add(position, EAspect::Name,
                      "has the name of another object beside it: " +

@@ -1,5 +1,6 @@
 #include "Toolkit/Text/PlainJson.h"
 
+#include <cstddef>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -46,12 +47,37 @@ TEST(PlainJson, IsReadAsByTheGeneralParser)
 TEST(PlainJson, LeavesMistakesToTheGeneralParser)
 {
     using namespace std::string_view_literals;
-    for (const std::string_view text :
-         {""sv, " "sv, "[1,]"sv, "{\"a\":1,}"sv, "[1 2]"sv, "{} {}"sv, "[}"sv, "{]"sv, "{\"a\"}"sv,
-          "{1:2}"sv, "01"sv, "+1"sv, "1."sv, "--1"sv, "1e999"sv, "tru"sv, "nulls"sv, "\"a"sv,
-          "\"a\\"sv, "\"\\x\""sv, "\"\\ud800\""sv, "\"\t\""sv, "\"\xFF\""sv, "\"\xC0\xAF\""sv,
-          "\"\xED\xA0\x80\""sv, "1\0"sv, "\0"sv, "\xEF\xBB\xBF{}"sv, "[1]//"sv, "[\v1]"sv,
-          R"({"a":1,"b":{},"a":2})"sv})
+    for (const std::string_view text : {""sv,
+                                        " "sv,
+                                        "[1,]"sv,
+                                        "{\"a\":1,}"sv,
+                                        "[1 2]"sv,
+                                        "{} {}"sv,
+                                        "[}"sv,
+                                        "{]"sv,
+                                        "{\"a\"}"sv,
+                                        "{1:2}"sv,
+                                        "01"sv,
+                                        "+1"sv,
+                                        "1."sv,
+                                        "--1"sv,
+                                        "1e999"sv,
+                                        "tru"sv,
+                                        "nulls"sv,
+                                        "\"a"sv,
+                                        "\"a\\"sv,
+                                        "\"\\x\""sv,
+                                        "\"\\ud800\""sv,
+                                        "\"\t\""sv,
+                                        "\"\xFF\""sv,
+                                        "\"\xC0\xAF\""sv,
+                                        "\"\xED\xA0\x80\""sv,
+                                        "1\0"sv,
+                                        "\0"sv,
+                                        "\xEF\xBB\xBF{}"sv,
+                                        "[1]//"sv,
+                                        "[\v1]"sv,
+                                        R"({"a":1,"b":{},"a":2})"sv})
         EXPECT_FALSE(ReadPlainJson(text, "m")) << text;
 }
 

@@ -97,8 +97,8 @@ PlainReader::EAfter PlainReader::LeaveWhatEnds()
 
 void PlainReader::SkipBlanks()
 {
-    while (mAt < mText.size() && (mText[mAt] == ' ' || mText[mAt] == '\n' || mText[mAt] == '\r' ||
-                                  mText[mAt] == '\t'))
+    while (mAt < mText.size() &&
+           (mText[mAt] == ' ' || mText[mAt] == '\n' || mText[mAt] == '\r' || mText[mAt] == '\t'))
         ++mAt;
 }
 

@@ -3,7 +3,6 @@
 #include "Engine/Graph/Core/DisjointSets.h"
 
 #include <algorithm>
-#include <compare>
 #include <cstddef>
 #include <functional>
 #include <iterator>
@@ -41,7 +40,21 @@ private:
         std::uint64_t distance;
         NodeIndex node;
         std::uint32_t base;
-        friend auto operator<=>(const Label&, const Label&) = default;
+
+        /// Returns whether the label comes after the other. Most distances are equal, and the rest
+        /// is compared at once.
+        friend bool operator>(const Label& left, const Label& right)
+        {
+            if (left.distance != right.distance)
+                return left.distance > right.distance;
+            return left.GetPlace() > right.GetPlace();
+        }
+
+    private:
+        [[nodiscard]] std::uint64_t GetPlace() const
+        {
+            return std::uint64_t{node.value} << 32U | base;
+        }
     };
 
     /// The two nearest terminals of a node, as far as they are known.
@@ -129,8 +142,7 @@ void RegionSearch::Expand(const Label& label)
             continue;
         const std::uint64_t distance = label.distance + mGraph.GetEdge(arc.edge).weight;
         // Of the paths from one terminal only the shortest tells anything.
-        const bool isKnown =
-            nearest.queuedBase == label.base && nearest.queuedDistance <= distance;
+        const bool isKnown = nearest.queuedBase == label.base && nearest.queuedDistance <= distance;
         if (isKnown || distance > mBound)
             continue;
         nearest.queuedBase = label.base;
