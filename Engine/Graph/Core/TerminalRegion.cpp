@@ -3,6 +3,7 @@
 #include "Engine/Graph/Core/DisjointSets.h"
 
 #include <algorithm>
+#include <compare>
 #include <cstddef>
 #include <functional>
 #include <iterator>
@@ -40,21 +41,7 @@ private:
         std::uint64_t distance;
         NodeIndex node;
         std::uint32_t base;
-
-        /// Returns whether the label comes after the other. Most distances are equal, and the rest
-        /// is compared at once.
-        friend bool operator>(const Label& left, const Label& right)
-        {
-            if (left.distance != right.distance)
-                return left.distance > right.distance;
-            return left.GetPlace() > right.GetPlace();
-        }
-
-    private:
-        [[nodiscard]] std::uint64_t GetPlace() const
-        {
-            return std::uint64_t{node.value} << 32U | base;
-        }
+        friend auto operator<=>(const Label&, const Label&) = default;
     };
 
     /// The two nearest terminals of a node, as far as they are known.
