@@ -87,7 +87,7 @@ ToolModel OpenDocument(SourceDocument document, const std::filesystem::path& pat
         return MakeSourceModel(*format, documents, path, options);
     if (document.syntax != ESyntax::Json || !LooksLikeModelFile(document.json))
         RejectUnknown(document);
-    return ReadModelDocument(document.json, document.problems);
+    return ReadModelDocument(std::move(document.json), document.problems);
 }
 
 ToolModel MakeFolderModel(ModelFolder found, const std::filesystem::path& folder,

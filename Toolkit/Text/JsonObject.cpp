@@ -31,14 +31,13 @@ std::string TypeTitle(const nlohmann::json& value)
     }
 }
 
-/// Returns the text that a value is; null when it is none, or holds U+0000.
+} // namespace
+
 const std::string* FindText(const nlohmann::json& value)
 {
     const auto* const text = value.get_ptr<const std::string*>();
     return text == nullptr || text->find('\0') != std::string::npos ? nullptr : text;
 }
-
-} // namespace
 
 void RejectType(const PlacedJson& json, const std::string& wanted, JsonProblems& problems)
 {

@@ -106,6 +106,8 @@ private:
     std::vector<std::string_view> mToldKeys;
 };
 
+/// Returns the text that a value is; null when it is none, or holds U+0000.
+[[nodiscard]] const std::string* FindText(const nlohmann::json& value);
 /// Returns a text without U+0000; nothing, and reports it, when the value is none.
 [[nodiscard]] std::optional<std::string> ReadText(const PlacedJson& json, JsonProblems& problems);
 /// Returns a whole number of the range; nothing, and reports it, when the value is none.

@@ -2,6 +2,7 @@
 
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Text/DocumentBuilder.h"
+#include "Toolkit/Text/PlainJson.h"
 
 #include <nlohmann/json.hpp>
 
@@ -9,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -173,6 +175,8 @@ std::string Render(const ordered_json& value, std::size_t indent, std::size_t le
 
 json ParseJson(std::string_view text, JsonProblems& problems)
 {
+    if (std::optional<json> document = ReadPlainJson(text, problems.GetDocumentName()))
+        return std::move(*document);
     DocumentBuilder builder(problems);
     try {
         JsonReader reader(builder);
