@@ -12,6 +12,7 @@ namespace {
 
 using namespace qe::test;
 using namespace qe::tool;
+using testing::AnyOf;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -102,11 +103,28 @@ TEST(MisspeltKeys, AreMistakesInEveryFormat)
             std::string meant = right;
             std::erase(key, '"');
             std::erase(meant, '"');
-            EXPECT_THAT(ReadSourceText(format, changed),
-                        HasSubstr("key is unknown: \"" + key + "\" (did you mean " + meant + "?)"))
+            EXPECT_THAT(
+                ReadSourceText(format, changed),
+                AnyOf(HasSubstr("key is unknown: \"" + key + "\" (did you mean " + meant + "?)"),
+                      HasSubstr("lacks the key \"" + meant + "\", but has \"" + key + '"')))
                 << format;
         }
     }
+}
+
+TEST(MisspeltKeys, AreNotWhatCubeSpellsInTwoWays)
+{
+    const std::string snake =
+        "cubes:\n  - name: a\n    sql_table: s.t\n    joins:\n"
+        "      - {name: a, relationship: one_to_many, sql: \"{CUBE}.x = {a}.y\"}\n"
+        "    dimensions:\n      - {name: x, sql: x, type: number, primary_key: true}\n";
+    std::string camel = snake;
+    for (const auto& [from, to] :
+         {std::pair{"sql_table", "sqlTable"}, std::pair{"one_to_many", "oneToMany"},
+          std::pair{"primary_key", "primaryKey"}})
+        camel.replace(camel.find(from), std::string(from).size(), to);
+    EXPECT_EQ(ReadSourceText("cube", camel), ReadSourceText("cube", snake));
+    EXPECT_THAT(ReadSourceText("cube", camel), Not(HasSubstr("unknown")));
 }
 
 } // namespace

@@ -20,7 +20,7 @@ constexpr std::string_view kSample =
 /// Expects that a text is read as the general parser reads it, or not at all.
 void ExpectSameOrNothing(const std::string& text)
 {
-    const auto plain = ReadPlainJson(text, "m");
+    const auto plain = ReadPlainJson(text);
     if (!plain)
         return;
     const json general = json::parse(text, nullptr, false);
@@ -34,12 +34,12 @@ TEST(PlainJson, IsReadAsByTheGeneralParser)
          {"{}", "[]", " [ ] ", "0", "-0", "17", "-3", "1.25", "1E2", "18446744073709551615",
           "123456789012345678901234567890", "true", "null", R"("")", R"("a b")", R"("\u20ac\n\/")",
           "\"\xE2\x82\xAC\xF0\x9F\x98\x80\x7F\"", "[[[1],2],{\"\":{}}]"}) {
-        const auto plain = ReadPlainJson(text, "m");
+        const auto plain = ReadPlainJson(text);
         ASSERT_TRUE(plain) << text;
         EXPECT_EQ(plain->dump(), json::parse(text).dump()) << text;
         EXPECT_EQ(plain->type(), json::parse(text).type()) << text;
     }
-    const auto sample = ReadPlainJson(kSample, "m");
+    const auto sample = ReadPlainJson(kSample);
     ASSERT_TRUE(sample);
     EXPECT_EQ(*sample, json::parse(kSample));
 }
@@ -78,7 +78,7 @@ TEST(PlainJson, LeavesMistakesToTheGeneralParser)
                                         "[1]//"sv,
                                         "[\v1]"sv,
                                         R"({"a":1,"b":{},"a":2})"sv})
-        EXPECT_FALSE(ReadPlainJson(text, "m")) << text;
+        EXPECT_FALSE(ReadPlainJson(text)) << text;
 }
 
 TEST(PlainJson, NoMutationIsReadInAnotherWay)

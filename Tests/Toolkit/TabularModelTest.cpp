@@ -105,7 +105,7 @@ TEST(Tmdl, TellsWordsThatNobodyKnows)
                 HasSubstr("file:4: " + std::string(unknown) + "\"tabel\""));
     EXPECT_THAT(change("column", "colum"), HasSubstr("(did you mean column?)"));
     EXPECT_THAT(change("toColumn", "toColum"),
-                HasSubstr("key is unknown: \"toColum\" (did you mean toColumn?)"));
+                HasSubstr("lacks the key \"toColumn\", but has \"toColum\""));
     EXPECT_THAT(change("relationship r", "relationship"),
                 HasSubstr("#/relationship: key is unknown: \"relationship\""));
     // What joins do not need may be new to the format, with all that it holds.

@@ -175,7 +175,7 @@ std::string Render(const ordered_json& value, std::size_t indent, std::size_t le
 
 json ParseJson(std::string_view text, JsonProblems& problems)
 {
-    if (std::optional<json> document = ReadPlainJson(text, problems.GetDocumentName()))
+    if (std::optional<json> document = ReadPlainJson(text))
         return std::move(*document);
     DocumentBuilder builder(problems);
     try {

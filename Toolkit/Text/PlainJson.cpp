@@ -224,12 +224,16 @@ bool PlainReader::ReadEscapedText(std::size_t start, std::string& text)
 
 } // namespace
 
-std::optional<json> ReadPlainJson(std::string_view text, const std::string& documentName)
+std::optional<json> ReadPlainJson(std::string_view text)
 {
-    JsonProblems problems(documentName);
+    JsonProblems problems("");
     DocumentBuilder builder(problems);
-    if (!PlainReader(text, builder).ReadDocument() || !problems.IsEmpty())
+    try {
+        if (!PlainReader(text, builder).ReadDocument() || !problems.IsEmpty())
+            return std::nullopt;
+    } catch (const DepthError&) {
         return std::nullopt;
+    }
     return builder.TakeDocument();
 }
 
