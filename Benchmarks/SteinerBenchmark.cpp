@@ -1,11 +1,15 @@
 // Searches public graphs with known optimum and prints what was found, how fast, and in how much
 // memory:
 //
-//     SteinerBenchmark FOLDER [NAME...]
+//     SteinerBenchmark FOLDER [--effort=STEPS] [--megabytes=N] [NAME...]
 //
 // FOLDER holds NAME.gr files and a README.md whose table gives for each name the optimum, the
 // number of optimum trees where known, and a reference time. Each graph is searched in a process
 // of its own, so that the peak memory is its own. Ends with 1 when an answer is wrong.
+//
+// "ok" is a weight that is proven to be least. "not-proven(BOUND)" is a tree without a proof, and
+// a weight that no tree is below. "count-at-least" has fewer trees counted than there are, which
+// says nothing about the weight.
 
 #include "Engine/Graph/Steiner/SteinerSolver.h"
 #include "Tests/Support/SteinerGraphReader.h"
@@ -60,9 +64,9 @@ std::vector<KnownAnswer> ReadKnownAnswers(const std::string& folder)
     return answers;
 }
 
-double Measure(const SteinerGraph& graph, std::size_t maximumTrees, SteinerResult& result)
+double Measure(const SteinerGraph& graph, SteinerLimits limits, std::size_t maximumTrees,
+               SteinerResult& result)
 {
-    SteinerLimits limits;
     limits.maximumTrees = maximumTrees;
     const auto start = std::chrono::steady_clock::now();
     result = FindCheapestTrees(graph.View(), graph.terminals, limits);
@@ -89,7 +93,8 @@ std::string Judge(const SteinerResult& result, const KnownAnswer& known)
 }
 
 /// Searches one graph, prints its row and writes the time to the pipe.
-int Run(const std::string& folder, const KnownAnswer& known, int pipeEnd)
+int Run(const std::string& folder, const KnownAnswer& known, const SteinerLimits& limits,
+        int pipeEnd)
 {
     std::ifstream text(folder + "/" + known.name + ".gr");
     const std::optional<SteinerGraph> graph = ReadSteinerGraph(text);
@@ -98,8 +103,8 @@ int Run(const std::string& folder, const KnownAnswer& known, int pipeEnd)
         return 1;
     }
     SteinerResult result;
-    const double valueSeconds = Measure(*graph, 1, result);
-    const double listSeconds = Measure(*graph, 1000, result);
+    const double valueSeconds = Measure(*graph, limits, 1, result);
+    const double listSeconds = Measure(*graph, limits, 1000, result);
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     const std::string verdict = Judge(result, known);
@@ -114,16 +119,31 @@ int Run(const std::string& folder, const KnownAnswer& known, int pipeEnd)
     return isWritten && verdict.find("WRONG") == std::string::npos ? 0 : 1;
 }
 
+/// Takes a limit over from the argument, if it is one.
+bool TakeLimit(const std::string& argument, SteinerLimits& limits)
+{
+    const std::size_t value = argument.find('=') + 1;
+    if (argument.starts_with("--effort="))
+        limits.effort = std::stoull(argument.substr(value));
+    else if (argument.starts_with("--megabytes="))
+        limits.memory = std::stoull(argument.substr(value)) << 20U;
+    else
+        return false;
+    return true;
+}
+
 } // namespace
 
 int main(int argumentCount, char** arguments)
 {
     if (argumentCount < 2) {
-        std::cerr << "usage: SteinerBenchmark FOLDER [NAME...]\n";
+        std::cerr << "usage: SteinerBenchmark FOLDER [--effort=STEPS] [--megabytes=N] [NAME...]\n";
         return 2;
     }
     const std::string folder = arguments[1];
-    const std::vector<std::string> wanted(arguments + 2, arguments + argumentCount);
+    std::vector<std::string> wanted(arguments + 2, arguments + argumentCount);
+    SteinerLimits limits;
+    std::erase_if(wanted, [&limits](const std::string& word) { return TakeLimit(word, limits); });
     std::printf(
         "name  nodes  edges    k    weight                count  value,s   list,s  msteps       MB"
         "   ratio\n");
@@ -139,7 +159,7 @@ int main(int argumentCount, char** arguments)
             return 2;
         const pid_t child = fork();
         if (child == 0)
-            _exit(Run(folder, known, ends[1]));
+            _exit(Run(folder, known, limits, ends[1]));
         close(ends[1]);
         int status = 0;
         waitpid(child, &status, 0);

@@ -110,7 +110,6 @@ void BlockBounds::RegrowTree(std::span<const EdgeIndex> forest)
     ClassifyEdges(mNetwork, mAscent, mKnownWeight, mStatuses);
 }
 
-/// Returns the best root and others spread over the terminals.
 std::vector<NodeIndex> BlockBounds::ChooseRoots(std::size_t most) const
 {
     const std::span<const NodeIndex> terminals = mNetwork.GetTerminals();

@@ -36,6 +36,9 @@ public:
     [[nodiscard]] const SteinerTree& GetTree() const { return mTree; }
     [[nodiscard]] const EdgeStatuses& GetStatuses() const { return mStatuses; }
 
+    /// Returns the best root and others spread over the terminals, so many at most.
+    [[nodiscard]] std::vector<NodeIndex> ChooseRoots(std::size_t most) const;
+
     /// Bounds the optimum from below by an ascent, guided by a tree or not, and from above by a
     /// tree grown along the edges that the ascent has used up; classifies the edges by both.
     void Ascend(NodeIndex root, std::span<const EdgeIndex> guide);
@@ -61,7 +64,6 @@ private:
     void TakeTree(SteinerTree&& tree);
     void Improve(SteinerTree& tree);
     void SpendGrowth();
-    [[nodiscard]] std::vector<NodeIndex> ChooseRoots(std::size_t most) const;
 
     const FlatNetwork& mNetwork;
     Budget& mBudget;

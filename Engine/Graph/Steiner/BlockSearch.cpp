@@ -66,18 +66,35 @@ std::size_t BlockSearch::PruneThoroughly()
     for (std::size_t root = 0; root < roots && !mBudget.IsExhausted(); ++root)
         mBounds.Ascend(terminals[root * terminals.size() / roots], mBounds.GetTree().edges);
     if (!mBudget.IsExhausted())
-        WithWords(terminals.size(), [this](auto words) { Dive<words>(); });
+        Dive();
     return RemoveExcluded(mBlock, mNetwork, mBounds.GetStatuses());
 }
 
 /// Looks for a lighter tree by an exact search that is made to run ahead.
-template <std::size_t Words>
 void BlockSearch::Dive()
+{
+    WithWords(mNetwork.GetTerminals().size(), [this](auto words) { DiveWith<words>(); });
+}
+
+/// Dives again from each better tree, as that narrows the gap that the next one is made to jump.
+void BlockSearch::DiveWhileItHelps()
+{
+    for (std::uint64_t before = kUnreached; mBounds.GetKnownWeight() < before;) {
+        if (mBudget.IsExhausted())
+            return;
+        before = mBounds.GetKnownWeight();
+        Dive();
+    }
+}
+
+template <std::size_t Words>
+void BlockSearch::DiveWith()
 {
     const std::uint64_t knownWeight = mBounds.GetKnownWeight();
     if (knownWeight <= mBounds.GetLowerBound())
         return;
     std::vector<CompletionBound<Words>> bounds;
+    AppendExchangedBounds(knownWeight, bounds);
     mBounds.AppendBounds(tuning::kDiveAscents, knownWeight, bounds);
     DijkstraSteinerSearch<Words> search(mNetwork, mBounds.GetRoot(), bounds, knownWeight, mBudget);
     const std::uint64_t lowerBound = mBounds.GetLowerBound();
@@ -132,7 +149,8 @@ std::optional<BlockSearch::Outcome> BlockSearch::SearchWithMoreEffort(TreeFamily
 
 BlockSearch::Outcome BlockSearch::Search(TreeFamily& family)
 {
-    std::optional<Outcome> outcome = SearchTightly(family);
+    std::optional<Outcome> outcome =
+        CutExchange::IsFine(mNetwork) ? SearchFinely(family) : SearchTightly(family);
     if (!outcome)
         outcome = SearchWithin(family, tuning::kLastEfforts, mBounds.GetKnownWeight());
     if (outcome)
@@ -157,19 +175,58 @@ std::optional<BlockSearch::Outcome> BlockSearch::SearchTightly(TreeFamily& famil
     const std::uint64_t gap = knownWeight - mBounds.GetLowerBound();
     if (gap == 0)
         return std::nullopt;
-    mExchange.emplace(mNetwork, mBounds.GetRoot(), mBounds.GetTree().edges, mBudget);
+    CutExchange& exchange =
+        mExchanges.emplace_back(mNetwork, mBounds.GetRoot(), mBounds.GetTree().edges, mBudget);
     std::optional<Outcome> outcome;
     bool isStuck = false;
     for (std::uint64_t work = tuning::kFirstExchangeWork; !outcome && !isStuck; work *= 2) {
-        isStuck = mExchange->Improve(knownWeight, work) == CutExchange::EOutcome::Stuck;
-        const std::uint64_t bound = mExchange->GetAscent().GetBound();
+        isStuck = exchange.Improve(knownWeight, work) == CutExchange::EOutcome::Stuck;
+        const std::uint64_t bound = exchange.GetAscent().GetBoundWeight();
         if (tuning::kExchangeWorth * (knownWeight - bound) > (tuning::kExchangeWorth - 1) * gap)
             continue;
         mBounds.RaiseLowerBound(bound);
         outcome = SearchUpwards(family, isStuck ? tuning::kNoEnd : work / tuning::kWorkPerLabel);
     }
     if (!outcome)
-        mExchange.reset();
+        mExchanges.clear();
+    return outcome;
+}
+
+/// Searches with bounds from exchanges of cuts that are rooted at several terminals, for longer and
+/// longer by turns. Where weights are small, the least step of the limit is a large part of the
+/// gap, so that each limit is worth bounds that are as tight as they get.
+std::optional<BlockSearch::Outcome> BlockSearch::SearchFinely(TreeFamily& family)
+{
+    if (mBounds.GetKnownWeight() == mBounds.GetLowerBound())
+        return std::nullopt;
+    for (const NodeIndex root : mBounds.ChooseRoots(tuning::kFineExchanges))
+        mExchanges.emplace_back(mNetwork, root, mBounds.GetTree().edges, mBudget);
+    std::optional<Outcome> outcome;
+    for (const tuning::FineEffort& effort : tuning::kFineEfforts) {
+        for (CutExchange& exchange : mExchanges) {
+            exchange.ImproveToTheEnd(mBounds.GetKnownWeight(), effort.work);
+            mBounds.RaiseLowerBound(exchange.GetAscent().GetBoundWeight());
+        }
+        DiveWhileItHelps();
+        outcome = SearchEachLimit(family, effort.mostSettled);
+        if (outcome || mBudget.IsExhausted())
+            break;
+    }
+    mExchanges.clear();
+    return outcome;
+}
+
+/// Searches for trees of the weight of the lower bound, and of the next one where there are none.
+std::optional<BlockSearch::Outcome> BlockSearch::SearchEachLimit(TreeFamily& family,
+                                                                 std::size_t mostSettled)
+{
+    const std::array efforts{tuning::SearchEffort{.ascents = 0, .mostSettled = mostSettled}};
+    std::optional<Outcome> outcome;
+    for (bool isGoingUp = true; isGoingUp && !outcome && !mBudget.IsExhausted();) {
+        const std::uint64_t limit = mBounds.GetLowerBound();
+        outcome = SearchWithin(family, efforts, limit);
+        isGoingUp = mBounds.GetLowerBound() > limit;
+    }
     return outcome;
 }
 
@@ -208,7 +265,7 @@ std::optional<BlockSearch::Outcome> BlockSearch::SearchWith(TreeFamily& family, 
                                                             std::uint64_t limit)
 {
     std::vector<CompletionBound<Words>> bounds;
-    AppendExchangedBound(limit, bounds);
+    AppendExchangedBounds(limit, bounds);
     std::optional<DijkstraSteinerSearch<Words>> search;
     auto outcome = DijkstraSteinerSearch<Words>::EOutcome::Paused;
     for (const tuning::SearchEffort& effort : efforts) {
@@ -272,16 +329,16 @@ void BlockSearch::AddTree(TreeFamily& family, std::span<const EdgeIndex> edges) 
         family.AddStrand(mBlock.GetStrand(mNetwork.GetNetworkEdge(edge)));
 }
 
-/// Appends the bound that cuts were exchanged for, if any.
+/// Appends the bounds that cuts were exchanged for, if any.
 template <std::size_t Words>
-void BlockSearch::AppendExchangedBound(std::uint64_t limit,
-                                       std::vector<CompletionBound<Words>>& bounds) const
+void BlockSearch::AppendExchangedBounds(std::uint64_t limit,
+                                        std::vector<CompletionBound<Words>>& bounds) const
 {
-    if (!mExchange)
-        return;
-    CompletionBound<Words>& bound = bounds.emplace_back(mNetwork, mBounds.GetRoot());
-    mExchange->Report(bound);
-    bound.Finish(mExchange->GetAscent(), limit);
+    for (const CutExchange& exchange : mExchanges) {
+        CompletionBound<Words>& bound = bounds.emplace_back(mNetwork, mBounds.GetRoot());
+        exchange.Report(bound);
+        bound.Finish(exchange.GetAscent(), limit);
+    }
 }
 
 } // namespace qe::graph

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <span>
 #include <vector>
@@ -67,6 +68,8 @@ private:
     using Efforts = std::span<const tuning::SearchEffort>;
 
     std::optional<Outcome> SearchTightly(TreeFamily& family);
+    std::optional<Outcome> SearchFinely(TreeFamily& family);
+    std::optional<Outcome> SearchEachLimit(TreeFamily& family, std::size_t mostSettled);
     std::optional<Outcome> SearchUpwards(TreeFamily& family, std::size_t mostSettled);
     std::optional<Outcome> SearchWithin(TreeFamily& family, Efforts efforts, std::uint64_t limit);
     template <std::size_t Words>
@@ -74,10 +77,12 @@ private:
     Outcome AddTrees(TreeFamily& family, Derivations& derivations) const;
     void ListTrees(TreeFamily& family, DerivationWalk walk) const;
     template <std::size_t Words>
-    void AppendExchangedBound(std::uint64_t limit,
-                              std::vector<CompletionBound<Words>>& bounds) const;
-    template <std::size_t Words>
+    void AppendExchangedBounds(std::uint64_t limit,
+                               std::vector<CompletionBound<Words>>& bounds) const;
     void Dive();
+    void DiveWhileItHelps();
+    template <std::size_t Words>
+    void DiveWith();
     void AddTree(TreeFamily& family, std::span<const EdgeIndex> edges) const;
 
     Network& mBlock;
@@ -85,7 +90,7 @@ private:
     FlatNetwork mNetwork;
     BlockBounds mBounds;
     /// The cuts exchanged for the search at hand, if any.
-    std::optional<CutExchange> mExchange;
+    std::deque<CutExchange> mExchanges;
 };
 
 } // namespace qe::graph

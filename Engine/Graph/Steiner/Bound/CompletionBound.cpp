@@ -65,8 +65,10 @@ void CompletionBound<Words>::Finish(const DualAscent& ascent, std::uint64_t limi
     ChargeGrown();
     mGrown = {};
     mRootBit = mBits[ascent.GetRoot()];
+    mGrainShift = ascent.GetGrainShift();
     // A path that pays more than this is in no tree within the limit.
-    const std::uint64_t slack = limit - std::min(limit, ascent.GetBound());
+    const std::uint64_t limitGrains = limit << mGrainShift;
+    const std::uint64_t slack = limitGrains - std::min(limitGrains, ascent.GetBound());
     const NodeDistances pathsFromRoot = GetReducedFromRoot(mNetwork, ascent, slack);
     const NodeDistances pathsToSearchRoot = GetReducedTo(mNetwork, ascent, mSearchRoot, slack);
     mParts.assign(mNetwork.GetNodeCount(), {});

@@ -39,14 +39,19 @@ public:
     /// and a weight above which trees are not looked for. Two runs of Dijkstra's algorithm.
     void Finish(const DualAscent& ascent, std::uint64_t limit);
 
-    /// Returns what the terminals that are not in the set demand.
+    /// Returns what the terminals that are not in the set demand, in grains of the ascent.
     [[nodiscard]] std::uint64_t GetSetPart(const Set& set) const;
 
-    /// Returns whether that is a bound by itself, wherever the node lies.
-    [[nodiscard]] bool IsBoundAlone(const Set& set) const { return !set.Contains(mRootBit); }
+    /// Returns what that part bounds by itself, wherever the node lies; 0 when it bounds nothing.
+    [[nodiscard]] std::uint64_t GetAlone(const Set& set, std::uint64_t setPart) const
+    {
+        return set.Contains(mRootBit) ? 0 : RoundUp(setPart, mGrainShift);
+    }
 
     /// Returns the bound, from the part that the set demands. Costs the number of charges at the
     /// node.
+    ///
+    /// Rounding up keeps it consistent, as partial trees have whole weights.
     [[nodiscard]] std::uint64_t Get(NodeIndex node, const Set& set, std::uint64_t setPart) const
     {
         const NodePart& part = mParts[node];
@@ -56,8 +61,8 @@ public:
                 joined += mCharges[place].price;
         }
         if (!set.Contains(mRootBit))
-            return setPart + joined + part.pathFromRoot;
-        return setPart + joined - part.total + part.pathToSearchRoot;
+            return RoundUp(setPart + joined + part.pathFromRoot, mGrainShift);
+        return RoundUp(setPart + joined - part.total + part.pathToSearchRoot, mGrainShift);
     }
 
 private:
@@ -99,6 +104,7 @@ private:
 
     const FlatNetwork& mNetwork;
     NodeIndex mSearchRoot;
+    std::uint32_t mGrainShift = 0;
     /// The number that the ascent's root has among the terminals.
     std::uint32_t mRootBit = 0;
     IndexedVector<NodeIndex, std::uint32_t> mBits;

@@ -13,7 +13,9 @@ CutExchange::CutExchange(const FlatNetwork& network, NodeIndex root,
                          std::span<const EdgeIndex> guide, Budget& budget)
     : mNetwork(network),
       mBudget(budget),
-      mAscent(network),
+      mAscent(network, IsFine(network) ? tuning::kGrainShift : 0),
+      mMostPrice(IsFine(network) ? tuning::kMostGrains : kUnreached),
+      mMostChosen(IsFine(network) ? tuning::kMostChosenFinely : tuning::kMostChosen),
       mSearch(network.GetNodeCount()),
       mNearest(network.GetTerminals().size()),
       mIsChosen(network.GetNodeCount(), 0)
@@ -26,19 +28,44 @@ CutExchange::~CutExchange()
     mBudget.Release(mCharged);
 }
 
+bool CutExchange::IsFine(const FlatNetwork& network)
+{
+    std::uint64_t sum = 0;
+    for (const EdgeIndex edge : network.GetEdges()) {
+        const std::uint64_t weight = network.GetWeight(edge);
+        if (weight > tuning::kFineWeight * network.GetEdgeCount())
+            return false;
+        sum += weight;
+    }
+    return sum <= tuning::kFineWeight * network.GetEdgeCount();
+}
+
 CutExchange::EOutcome CutExchange::Improve(std::uint64_t knownWeight, std::uint64_t work)
 {
+    const std::uint64_t known = knownWeight << mAscent.GetGrainShift();
     const std::uint64_t end = mAscent.GetWork() + work;
     while (mAscent.GetWork() < end) {
         const std::uint64_t before = mAscent.GetBound();
-        const std::uint64_t batchEnd = mAscent.GetWork() + tuning::kBatchWork;
-        for (int count = 0; count < tuning::kBatchSize || mAscent.GetWork() < batchEnd; ++count) {
-            if (mAscent.GetBound() >= knownWeight || mBudget.IsExhausted())
-                return EOutcome::Stuck;
-            Exchange();
-        }
-        if (tuning::kWorthwhileShare * (mAscent.GetBound() - before) < knownWeight - before)
+        if (ExchangeBatch(knownWeight) == EOutcome::Stuck ||
+            tuning::kWorthwhileShare * (mAscent.GetBound() - before) < known - before)
             return EOutcome::Stuck;
+    }
+    return EOutcome::Promising;
+}
+
+void CutExchange::ImproveToTheEnd(std::uint64_t knownWeight, std::uint64_t work)
+{
+    const std::uint64_t end = mAscent.GetWork() + work;
+    while (mAscent.GetWork() < end && ExchangeBatch(knownWeight) == EOutcome::Promising) {}
+}
+
+CutExchange::EOutcome CutExchange::ExchangeBatch(std::uint64_t knownWeight)
+{
+    const std::uint64_t end = mAscent.GetWork() + tuning::kBatchWork;
+    for (int count = 0; count < tuning::kBatchSize || mAscent.GetWork() < end; ++count) {
+        if (mAscent.GetBoundWeight() >= knownWeight || mBudget.IsExhausted())
+            return EOutcome::Stuck;
+        Exchange();
     }
     return EOutcome::Promising;
 }
@@ -52,14 +79,25 @@ void CutExchange::Report(CutObserver& observer) const
 
 void CutExchange::Raise(const RaisedCut& raised)
 {
-    Cut& cut = mCuts.emplace_back(Cut{.nodes = {raised.nodes.begin(), raised.nodes.end()},
-                                      .entering = {raised.entering.begin(), raised.entering.end()},
-                                      .terminals = {},
-                                      .price = raised.price});
+    Cut cut{.nodes = {raised.nodes.begin(), raised.nodes.end()},
+            .entering = {raised.entering.begin(), raised.entering.end()},
+            .terminals = {},
+            .price = raised.price};
     std::copy_if(cut.nodes.begin(), cut.nodes.end(), std::back_inserter(cut.terminals),
                  [this](NodeIndex node) { return mNetwork.IsTerminal(node); });
+    for (; cut.price > mMostPrice; cut.price -= mMostPrice) {
+        Cut piece = cut;
+        piece.price = mMostPrice;
+        Keep(std::move(piece));
+    }
+    Keep(std::move(cut));
+}
+
+void CutExchange::Keep(Cut cut)
+{
     mBudget.Charge(GetBytes(cut));
     mCharged += GetBytes(cut);
+    mCuts.push_back(std::move(cut));
 }
 
 std::size_t CutExchange::GetBytes(const Cut& cut)
@@ -106,8 +144,8 @@ std::vector<NodeIndex> CutExchange::FindNearest(NodeIndex terminal)
             nearest.push_back(node);
         for (const FlatNetwork::Arc& arc : mNetwork.GetArcs(node))
             mSearch.Reach(arc.target, distance + arc.weight);
-        return nearest.size() < tuning::kMostChosen ? DijkstraSearch::EStep::Continue
-                                                    : DijkstraSearch::EStep::Stop;
+        return nearest.size() < mMostChosen ? DijkstraSearch::EStep::Continue
+                                            : DijkstraSearch::EStep::Stop;
     });
     return nearest;
 }

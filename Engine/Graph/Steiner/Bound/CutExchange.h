@@ -23,7 +23,8 @@ class Budget;
 /// bound is no less, for it takes a walk over equal bounds to find the next better one: a large
 /// neighbourhood search (Shaw 1998) among the solutions of the dual of the directed cut
 /// relaxation. Where that relaxation is nearly tight, as in graphs that lie in the plane, the
-/// bound comes near to the optimum.
+/// bound comes near to the optimum. Where weights are small, that takes prices that are fractions
+/// of them: so cuts are priced in grains then, and kept in pieces, which are exchanged one by one.
 ///
 /// The same network, root and guide give the same sequence of exchanges.
 class CutExchange : private CutObserver
@@ -45,6 +46,12 @@ public:
     /// Exchanges cuts for about so much work, as the ascent counts it. Stops early, stuck, when
     /// that closes little more of the gap between the bound and a weight that some tree has.
     EOutcome Improve(std::uint64_t knownWeight, std::uint64_t work);
+    /// Exchanges cuts for so much work, whatever comes of it, unless the bound is as much as
+    /// the weight or the budget runs out.
+    void ImproveToTheEnd(std::uint64_t knownWeight, std::uint64_t work);
+
+    /// Returns whether the weights of the network are so small that prices are fractions of them.
+    [[nodiscard]] static bool IsFine(const FlatNetwork& network);
 
     /// Returns the ascent with its bound and reduced weights as the cuts at hand make them.
     [[nodiscard]] const DualAscent& GetAscent() const { return mAscent; }
@@ -62,6 +69,8 @@ private:
     };
 
     void Raise(const RaisedCut& raised) override;
+    void Keep(Cut cut);
+    EOutcome ExchangeBatch(std::uint64_t knownWeight);
     void Exchange();
     void ChooseTerminals();
     [[nodiscard]] std::vector<NodeIndex> FindNearest(NodeIndex terminal);
@@ -73,6 +82,10 @@ private:
     const FlatNetwork& mNetwork;
     Budget& mBudget;
     DualAscent mAscent;
+    /// The greatest price of a piece of a cut.
+    std::uint64_t mMostPrice;
+    /// Around how many terminals at most an exchange takes cuts back.
+    std::size_t mMostChosen;
     DijkstraSearch mSearch;
     std::vector<Cut> mCuts;
     /// What the exchange at hand took back, and then what it leaves to be dropped.

@@ -19,8 +19,9 @@ constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 
 } // namespace
 
-DualAscent::DualAscent(const FlatNetwork& network)
+DualAscent::DualAscent(const FlatNetwork& network, std::uint32_t grainShift)
     : mNetwork(network),
+      mGrainShift(grainShift),
       mSlots(network.GetHalfCount()),
       mIsActive(network.GetNodeCount()),
       mStamps(network.GetNodeCount())
@@ -44,7 +45,7 @@ void DualAscent::Run(NodeIndex root, std::span<const EdgeIndex> guide, Budget& b
     mBound = 0;
     mReduced.resize(mNetwork.GetHalfCount());
     for (const HalfEdge half : mNetwork.GetHalves())
-        mReduced[mSlots[half]] = mNetwork.GetWeight(half.Edge());
+        mReduced[mSlots[half]] = mNetwork.GetWeight(half.Edge()) << mGrainShift;
     mIsReached.assign(mNetwork.GetNodeCount(), 0);
     mIsReached[root] = 1;
     std::priority_queue<Entry, std::vector<Entry>, std::greater<>> queue;

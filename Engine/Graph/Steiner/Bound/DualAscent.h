@@ -22,6 +22,12 @@ struct ArcSlot
     friend auto operator<=>(const ArcSlot&, const ArcSlot&) = default;
 };
 
+/// Returns the least whole weight that is no less than so many grains.
+[[nodiscard]] constexpr std::uint64_t RoundUp(std::uint64_t grains, std::uint32_t grainShift)
+{
+    return (grains + (std::uint64_t{1} << grainShift) - 1) >> grainShift;
+}
+
 /// A set of nodes without the root that every tree must enter for the terminals in it, and what
 /// entering it is charged. The spans are good during the call.
 struct RaisedCut
@@ -31,7 +37,7 @@ struct RaisedCut
     std::size_t raisedBefore = 0;
     /// The slots of the arcs into the set.
     std::span<const ArcSlot> entering;
-    /// The price that these have just been charged.
+    /// The price that these have just been charged, in grains.
     std::uint64_t price = 0;
 };
 
@@ -58,8 +64,10 @@ public:
 class DualAscent
 {
 public:
-    /// Keeps a reference to the network.
-    explicit DualAscent(const FlatNetwork& network);
+    /// Keeps a reference to the network. Prices, the bound and the reduced weights are counted in
+    /// grains, of which 2^grainShift make up one of weight: where weights are small, only fractions
+    /// of them add up to a good bound.
+    explicit DualAscent(const FlatNetwork& network, std::uint32_t grainShift = 0);
 
     /// Runs with the given root and replaces what was known. Stops early, with a bound that is
     /// valid but weaker, when the budget runs out.
@@ -80,11 +88,15 @@ public:
     void Charge(std::span<const ArcSlot> entering, std::uint64_t price);
 
     [[nodiscard]] NodeIndex GetRoot() const { return mRoot; }
+    [[nodiscard]] std::uint32_t GetGrainShift() const { return mGrainShift; }
+    /// Returns the bound in grains.
     [[nodiscard]] std::uint64_t GetBound() const { return mBound; }
+    /// Returns the bound as a weight: rounded up, as trees have whole weights.
+    [[nodiscard]] std::uint64_t GetBoundWeight() const { return RoundUp(mBound, mGrainShift); }
     /// Returns how many half-edges have been looked at, over all runs: what they cost, by a measure
     /// that is the same on every machine.
     [[nodiscard]] std::uint64_t GetWork() const { return mWork; }
-    /// Returns the reduced weight of going along the half-edge.
+    /// Returns the reduced weight of going along the half-edge, in grains.
     [[nodiscard]] std::uint64_t GetReduced(HalfEdge half) const { return mReduced[mSlots[half]]; }
 
 private:
@@ -111,6 +123,7 @@ private:
     void RaiseCut(CutObserver* observer);
 
     const FlatNetwork& mNetwork;
+    std::uint32_t mGrainShift;
     NodeIndex mRoot;
     std::uint64_t mBound = 0;
     std::uint64_t mWork = 0;

@@ -106,8 +106,7 @@ void DijkstraSteinerSearch<Words>::ChargeBudget()
     const std::size_t perSet = kSetBytes + mCompletionBounds.size() * sizeof(std::uint64_t);
     const std::size_t bytes = mLabels.GetBytes() + kDoubling * mQueue.size() * sizeof(QueueEntry) +
                               kDoubling * mSetInfos.size() * perSet +
-                              2 * mSettledCount * sizeof(typename NodeLabels<Words>::Entry) +
-                              mTableBytes;
+                              2 * mSettledCount * NodeLabels<Words>::kEntryBytes + mTableBytes;
     mBudget.Release(mCharged);
     mBudget.Charge(bytes);
     mCharged = bytes;
@@ -128,8 +127,7 @@ SetIndex DijkstraSteinerSearch<Words>::Intern(const Set& set)
     std::uint64_t alone = 0;
     for (const CompletionBound<Words>& bound : mCompletionBounds) {
         mSetParts.push_back(bound.GetSetPart(set));
-        if (bound.IsBoundAlone(set))
-            alone = std::max(alone, mSetParts.back());
+        alone = std::max(alone, bound.GetAlone(set, mSetParts.back()));
     }
     mSetInfos.push_back({.completionBound = alone, .cap = kUnreached});
     return index;

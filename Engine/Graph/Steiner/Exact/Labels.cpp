@@ -59,6 +59,7 @@ template <std::size_t Words>
 void NodeLabels<Words>::Add(const Entry& entry, const Set& all)
 {
     mEntries.push_back(entry);
+    mSets.push_back(entry.set);
     if (!mPlaces.empty()) {
         mPlaces[entry.set.words[0]] = static_cast<std::uint32_t>(mEntries.size());
         return;

@@ -114,6 +114,28 @@ inline constexpr std::uint64_t kExchangeWorth = 8;
 inline constexpr std::size_t kMostChosen = 6;
 inline constexpr std::uint32_t kTakenOfTen = 6;
 
+/// Weights are small when they are no greater than this on average. Then 2^kGrainShift grains of
+/// price make up one of weight, cuts are exchanged in pieces of so many grains at most, and around
+/// so many terminals. Measured on the published graphs of a Hamming cube, as are the next ones.
+inline constexpr std::uint64_t kFineWeight = 8;
+inline constexpr std::uint32_t kGrainShift = 6;
+inline constexpr std::uint64_t kMostGrains = 12;
+inline constexpr std::size_t kMostChosenFinely = 3;
+
+/// By how many exchanges a search with fine prices is bounded; by turns, how much more work goes
+/// into each of them, and after how many settled labels the search is given up.
+inline constexpr std::size_t kFineExchanges = 6;
+struct FineEffort
+{
+    std::uint64_t work;
+    std::size_t mostSettled;
+};
+inline constexpr std::array kFineEfforts{
+    FineEffort{.work = 1'000'000, .mostSettled = 15'000},
+    FineEffort{.work = 8'000'000, .mostSettled = 60'000},
+    FineEffort{.work = 64'000'000, .mostSettled = kNoEnd},
+};
+
 /// So many exchanges that cost so much work have to close one part in so many of the gap, or they
 /// are the last.
 inline constexpr int kBatchSize = 512;
