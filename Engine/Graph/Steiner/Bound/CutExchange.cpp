@@ -56,7 +56,9 @@ CutExchange::EOutcome CutExchange::Improve(std::uint64_t knownWeight, std::uint6
 void CutExchange::ImproveToTheEnd(std::uint64_t knownWeight, std::uint64_t work)
 {
     const std::uint64_t end = mAscent.GetWork() + work;
-    while (mAscent.GetWork() < end && ExchangeBatch(knownWeight) == EOutcome::Promising) {}
+    while (mAscent.GetWork() < end && mAscent.GetBoundWeight() < knownWeight &&
+           !mBudget.IsExhausted())
+        Exchange();
 }
 
 CutExchange::EOutcome CutExchange::ExchangeBatch(std::uint64_t knownWeight)

@@ -131,6 +131,7 @@ struct FineEffort
     std::size_t mostSettled;
 };
 inline constexpr std::array kFineEfforts{
+    FineEffort{.work = 30'000, .mostSettled = 60'000},
     FineEffort{.work = 1'000'000, .mostSettled = 15'000},
     FineEffort{.work = 8'000'000, .mostSettled = 60'000},
     FineEffort{.work = 64'000'000, .mostSettled = kNoEnd},

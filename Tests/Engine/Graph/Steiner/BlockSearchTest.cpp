@@ -26,6 +26,17 @@ namespace {
 
 using Outcome = BlockSearch::Outcome;
 
+void DrawTerminals(std::mt19937& random, std::uint32_t nodeCount, std::uint32_t count,
+                   SteinerGraph& graph)
+{
+    std::set<std::uint32_t> terminals;
+    while (terminals.size() < count)
+        terminals.insert(static_cast<std::uint32_t>(random() % nodeCount));
+    for (const std::uint32_t terminal : terminals)
+        graph.terminals.push_back({terminal});
+    graph.Freeze(nodeCount);
+}
+
 /// Draws a grid whose weights are small: many trees are equal, and ascents fall short of them.
 SteinerGraph DrawGrid(std::mt19937& random, std::uint32_t side, std::uint32_t terminalCount)
 {
@@ -38,12 +49,25 @@ SteinerGraph DrawGrid(std::mt19937& random, std::uint32_t side, std::uint32_t te
         if (node >= side)
             graph.edges.push_back({{node - side}, {node}, draw()});
     }
-    std::set<std::uint32_t> terminals;
-    while (terminals.size() < terminalCount)
-        terminals.insert(static_cast<std::uint32_t>(random() % nodeCount));
-    for (const std::uint32_t terminal : terminals)
-        graph.terminals.push_back({terminal});
-    graph.Freeze(nodeCount);
+    DrawTerminals(random, nodeCount, terminalCount, graph);
+    return graph;
+}
+
+/// Draws weights of 1 and 2, or 1 alone, for the words of three letters out of three, of which
+/// those are neighbours that differ in one letter. Whole prices bound such trees badly.
+SteinerGraph DrawCube(std::mt19937& random, std::uint32_t greatestWeight)
+{
+    constexpr std::uint32_t kNodes = 27;
+    SteinerGraph graph;
+    for (std::uint32_t node = 0; node < kNodes; ++node) {
+        for (std::uint32_t place = 1; place < kNodes; place *= 3) {
+            for (std::uint32_t letter = node / place % 3 + 1; letter < 3; ++letter)
+                graph.edges.push_back({{node},
+                                       {node + (letter - node / place % 3) * place},
+                                       static_cast<std::uint32_t>(1 + random() % greatestWeight)});
+        }
+    }
+    DrawTerminals(random, kNodes, 9, graph);
     return graph;
 }
 
@@ -182,8 +206,9 @@ TEST_F(SteinerBlock, LosesNoTreeToTestsOfWhatStandsInTheWay)
 
 TEST_F(SteinerBlock, HasTheSameTreesHoweverMuchEffortFindsThem)
 {
-    for (int round = 0; round < 12 && !HasFailure(); ++round) {
-        const SteinerGraph graph = DrawGrid(mRandom, 7, 10);
+    for (std::uint32_t round = 0; round < 40 && !HasFailure(); ++round) {
+        const SteinerGraph graph =
+            round % 2 == 0 ? DrawGrid(mRandom, 7, 10) : DrawCube(mRandom, 1 + round / 2 % 2);
         StrandPool strands;
         const Network network = *BuildNetwork(graph.View(), graph.terminals, {}, strands);
         const auto search = [&](auto find) {
