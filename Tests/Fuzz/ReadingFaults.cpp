@@ -74,9 +74,11 @@ std::string FindFault(const tool::ToolModel& model)
             return "a note says nothing";
     }
     const std::string text = tool::WriteModelText(model);
+    // Databases may hold names that no model file can keep.
+    const bool isExact = text.find("\xEF\xBF\xBD") == std::string::npos;
     try {
         const tool::ToolModel again = tool::ReadModelText(text, "again.json");
-        const std::string difference = FindDifference(model, again);
+        const std::string difference = isExact ? FindDifference(model, again) : "";
         if (!difference.empty())
             return "written and read again, it has other " + difference + ":\n" + text;
         return tool::WriteModelText(again) == text ? "" : "its text changes when written again";

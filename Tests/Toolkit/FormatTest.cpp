@@ -165,6 +165,15 @@ semantic_model:
                 HasSubstr("/ontology: is an ontology"));
 }
 
+TEST(Formats, TellTextsInAnotherEncoding)
+{
+    const auto mistakesOf = [](const std::string& text) {
+        return test::MistakesOf([&] { static_cast<void>(Import(text)); });
+    };
+    for (const char* text : {"cubes:\n- {name: a, sql_table: caf\xE9}\n", "table A\n\tcolumn \xE9\n"})
+        EXPECT_THAT(mistakesOf(text), HasSubstr("source:2: is a text in another encoding"));
+}
+
 TEST(Formats, AnswerWhatPeopleAsk)
 {
     struct Case

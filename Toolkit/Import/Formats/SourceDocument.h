@@ -46,7 +46,8 @@ struct SourceDocument
 /// Returns what a text that starts so is written in; nothing when it is none of these.
 [[nodiscard]] std::optional<ESyntax> RecogniseSyntax(std::string_view start);
 
-/// Reads a text. Throws an InputError with line and column when it does not follow its syntax.
+/// Reads a text. Throws an InputError with its place when it does not follow its syntax or is not
+/// in UTF-8.
 /// Where YAML does not for its templates, they are left out; it is null where little would remain.
 [[nodiscard]] SourceDocument ReadDocument(std::string name, std::string text, ESyntax syntax);
 
