@@ -17,8 +17,8 @@ class MemoryFile
 public:
     explicit MemoryFile(std::string_view bytes) : mFile(::memfd_create("input", MFD_CLOEXEC))
     {
-        if (mFile < 0 || ::write(mFile, bytes.data(), bytes.size()) !=
-                             static_cast<::ssize_t>(bytes.size()))
+        if (mFile < 0 ||
+            ::write(mFile, bytes.data(), bytes.size()) != static_cast<::ssize_t>(bytes.size()))
             throw std::runtime_error("no memory for a file");
     }
     MemoryFile(const MemoryFile&) = delete;

@@ -18,9 +18,9 @@ constexpr std::size_t kMostSubjects = 9;
 constexpr std::size_t kMostShortcuts = 4;
 constexpr std::size_t kMostJoins = 24;
 /// The last one is not known.
-const std::vector<CardinalityRange> kCardinalities{
-    model::kOneToOne, model::kOneToMany, model::kOneToMany, model::kZeroToOne, model::kZeroToMany,
-    CardinalityRange()};
+const std::vector<CardinalityRange> kCardinalities{model::kOneToOne,   model::kOneToMany,
+                                                   model::kOneToMany,  model::kZeroToOne,
+                                                   model::kZeroToMany, CardinalityRange()};
 
 class CaseDecoder
 {

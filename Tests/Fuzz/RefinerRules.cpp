@@ -15,6 +15,8 @@ constexpr std::int64_t kBarred = 8888;
 constexpr int kCrossProductFailure = 101;
 constexpr int kChoiceFailure = 1;
 constexpr int kFactFailure = -1;
+/// The line of the assertion.
+constexpr int kUnreadableJoinFailure = 1305;
 
 int WeightOf(AQE_I_Refiner::EEdgeType type)
 {
@@ -46,9 +48,7 @@ bool IsKnownBound(int bound)
 } // namespace
 
 RefinerRules::RefinerRules(const RefinerCase& input, RefinerRun& run)
-    : mCase(input),
-      mRun(run),
-      mTerminals(input.lists.subjects.begin(), input.lists.subjects.end())
+    : mCase(input), mRun(run), mTerminals(input.lists.subjects.begin(), input.lists.subjects.end())
 {
     for (const amd_id& join : mCase.model->GetJoins()) {
         if (auto info = mRun.ReadJoin(join))
@@ -164,12 +164,10 @@ std::string RefinerRules::FindFault(ERefinerOperation operation,
 
 bool RefinerRules::MayFailToRank() const
 {
-    const Ids& joins = mCase.lists.joins;
     return IsConnectedByRequired() ||
-           std::any_of(joins.begin(), joins.end(), [this](const amd_id& join) {
-               const Info* const info = Find(join);
-               return info != nullptr && !(IsKnownBound(info->leftCardinality.maximum) &&
-                                IsKnownBound(info->rightCardinality.maximum));
+           std::any_of(mInfos.begin(), mInfos.end(), [](const auto& entry) {
+               return !IsKnownBound(entry.second.leftCardinality.maximum) ||
+                      !IsKnownBound(entry.second.rightCardinality.maximum);
            });
 }
 
@@ -185,6 +183,9 @@ std::string RefinerRules::CheckFailure(ERefinerOperation operation, const PlainG
         return graph.TreeBound(mTerminals) ? "subjects that can be connected are refused" : "";
     case kChoiceFailure:
         return mCase.choice ? "" : "a choice is refused that nobody made";
+    case kUnreadableJoinFailure:
+        // The growth by shortest paths knows joins over shortcuts that it cannot read again.
+        return mCase.newAlgo || mRun.GetShortcutJoins().empty() ? "a join cannot be read" : "";
     case kFactFailure:
         return MayFailToRank() ? "" : "facts cannot be counted though all cardinalities are known";
     default:

@@ -2,6 +2,7 @@
 
 #include "AQE_JoinCache.h"
 #include "HBNException.h"
+#include "ORVAssertError.h"
 
 namespace qe::test {
 
@@ -11,7 +12,8 @@ RefinerRun::Selector::SelectPath(const std::vector<AUT_RefPtr<AQE_I_JoinPathDesc
     return mChoice;
 }
 
-std::uint32_t RefinerRun::Selector::SelectAlternative(const std::vector<std::vector<amd_id>>& /*all*/)
+std::uint32_t
+RefinerRun::Selector::SelectAlternative(const std::vector<std::vector<amd_id>>& /*all*/)
 {
     return mChoice;
 }
@@ -49,6 +51,8 @@ RefinerOutcome RefinerRun::Do(ERefinerOperation operation)
         Call(operation, outcome);
     } catch (const HBNException& error) {
         outcome.failure = error.GetCode();
+    } catch (const ORVAssertError& error) {
+        outcome.failure = error.GetLocation().line;
     }
     outcome.warnings = mContext.GetUserMessages().size();
     return outcome;
@@ -75,19 +79,18 @@ void RefinerRun::Call(ERefinerOperation operation, RefinerOutcome& outcome)
         break;
     }
     case ERefinerOperation::BestPaths:
-        outcome.result =
-            mRefiner->ComputeBestJoinPaths(subjects, favoured, required, nodes, joins,
-                                           outcome.paths, avoided, favouredSubjects);
+        outcome.result = mRefiner->ComputeBestJoinPaths(subjects, favoured, required, nodes, joins,
+                                                        outcome.paths, avoided, favouredSubjects);
         break;
     case ERefinerOperation::BestPathsBetween:
         mRefiner->ComputeBestJoinPathsBetween(subjects, avoided, second, further, favoured,
-                                              required, nodes, joins, outcome.paths,
-                                              outcome.weight, outcome.ends);
+                                              required, nodes, joins, outcome.paths, outcome.weight,
+                                              outcome.ends);
         break;
     case ERefinerOperation::TreeJoins:
-        outcome.result = mRefiner->GetJoinTreeJoins(
-            &mGateway, subjects, favoured, required, nodes, joins,
-            mGovernors ? &*mGovernors : nullptr, &mContext, &avoided, outcome.path);
+        outcome.result = mRefiner->GetJoinTreeJoins(&mGateway, subjects, favoured, required, nodes,
+                                                    joins, mGovernors ? &*mGovernors : nullptr,
+                                                    &mContext, &avoided, outcome.path);
         break;
     }
 }

@@ -24,7 +24,8 @@ struct RefinerOutcome
     int weight = 0;
     std::vector<std::pair<amd_id, amd_id>> ends{};
     bool result = false;
-    /// The code of the failure that the operation reported; nothing when it did not.
+    /// The code of the failure that the operation reported, or the line of an assertion; nothing
+    /// when it did not fail.
     std::optional<int> failure{};
     std::size_t warnings = 0;
 

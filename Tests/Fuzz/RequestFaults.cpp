@@ -85,8 +85,9 @@ std::string FindAnswerFault(const BatchEntry& entry)
     if (const auto* const failure = std::get_if<InternalFailure>(&entry.outcome))
         return "the tool failed: " + failure->text;
     const auto& error = std::get<Answer>(entry.outcome).error;
-    return error && error->kind == AnswerError::EKind::Internal ? "the library failed: " + error->text
-                                                                 : "";
+    return error && error->kind == AnswerError::EKind::Internal
+               ? "the library failed: " + error->text
+               : "";
 }
 
 std::string Pack(const std::vector<PastQuery>& queries)
@@ -145,17 +146,17 @@ std::string FindBatchFault(std::string_view bytes)
     std::size_t expected = 0;
     std::istringstream input{std::string(bytes)};
     std::ostringstream output;
-    const BatchSummary summary = RunBatch(
-        GetShop(), input,
-        {.stream = output,
-         .toLine =
-             [&](const BatchEntry& entry) {
-                 ++expected;
-                 if (fault.empty())
-                     fault = FindAnswerFault(entry);
-                 return ToJsonLine(ToJson(entry, ListLimit::All()));
-             }},
-        {.longestLine = 300});
+    const BatchSummary summary =
+        RunBatch(GetShop(), input,
+                 {.stream = output,
+                  .toLine =
+                      [&](const BatchEntry& entry) {
+                          ++expected;
+                          if (fault.empty())
+                              fault = FindAnswerFault(entry);
+                          return ToJsonLine(ToJson(entry, ListLimit::All()));
+                      }},
+                 {.longestLine = 300});
     std::istringstream lines(output.str());
     std::size_t count = 0;
     for (std::string line; std::getline(lines, line); ++count) {

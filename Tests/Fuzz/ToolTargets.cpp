@@ -58,8 +58,8 @@ std::vector<SourceDocument> ReadDocuments(std::string_view bytes, ESyntax usual)
         const std::size_t end = bytes.find('\f');
         const std::string text(bytes.substr(0, end));
         bytes.remove_prefix(end == std::string_view::npos ? bytes.size() : end + 1);
-        const ESyntax syntax = text.starts_with("cube(") ? ESyntax::JavaScript
-                                                         : RecogniseSyntax(text).value_or(usual);
+        const ESyntax syntax =
+            text.starts_with("cube(") ? ESyntax::JavaScript : RecogniseSyntax(text).value_or(usual);
         documents.push_back(ReadDocument("file" + std::to_string(documents.size()), text, syntax));
     }
     return documents;
