@@ -69,11 +69,13 @@ std::string FindRefinerFault(std::string_view bytes)
         const std::string fault = rules.FindFault(input.operations[i], outcomes[i]);
         if (!fault.empty())
             return "operation " + std::to_string(static_cast<int>(input.operations[i])) + ": " +
-                   fault;
+                   fault + '\n' + Describe(input);
     }
     if (Answer(input) != outcomes)
-        return "the same request has another answer";
-    return Answer(Reorder(input)) == outcomes ? "" : "the order of the lists decides";
+        return "the same request has another answer\n" + Describe(input);
+    if (Answer(Reorder(input)) != outcomes)
+        return "the order of the lists decides\n" + Describe(input);
+    return "";
 }
 
 /// The modes that a process reads once: the weights of the other one, and the folders of joins.

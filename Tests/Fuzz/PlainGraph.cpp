@@ -28,13 +28,6 @@ public:
         return kept != given;
     }
 
-    [[nodiscard]] bool IsOnePart() const
-    {
-        return std::all_of(mParts.begin(), mParts.end(), [this](const auto& entry) {
-            return entry.second == mParts.begin()->second;
-        });
-    }
-
 private:
     std::map<amd_id, amd_id> mParts;
 };
@@ -58,6 +51,14 @@ const PlainGraph::Edge* PlainGraph::Find(const amd_id& id) const
 {
     const auto found = mEdges.find(id);
     return found == mEdges.end() ? nullptr : &found->second;
+}
+
+Ids PlainGraph::ListEdges() const
+{
+    Ids edges;
+    for (const auto& [id, edge] : mEdges)
+        edges.push_back(id);
+    return edges;
 }
 
 PlainGraph::Distances PlainGraph::DistancesFrom(const amd_id& from) const
@@ -134,14 +135,20 @@ bool PlainGraph::Connects(const Ids& edges, const std::set<amd_id>& nodes) const
     });
 }
 
-bool PlainGraph::IsTree(const Ids& edges) const
+bool PlainGraph::HasRing(const Ids& edges) const
 {
     Parts parts;
-    return std::all_of(edges.begin(), edges.end(),
-                       [&](const amd_id& id) {
-                           return parts.Unite(mEdges.at(id).left, mEdges.at(id).right);
-                       }) &&
-           parts.IsOnePart();
+    return !std::all_of(edges.begin(), edges.end(), [&](const amd_id& id) {
+        return parts.Unite(mEdges.at(id).left, mEdges.at(id).right);
+    });
+}
+
+bool PlainGraph::IsTree(const Ids& edges) const
+{
+    std::set<amd_id> touched;
+    for (const amd_id& id : edges)
+        touched.insert({mEdges.at(id).left, mEdges.at(id).right});
+    return !HasRing(edges) && Connects(edges, touched);
 }
 
 bool PlainGraph::IsWalk(const Ids& edges, const amd_id& from, const amd_id& to) const

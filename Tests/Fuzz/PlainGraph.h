@@ -32,7 +32,7 @@ public:
 
     [[nodiscard]] bool HasNode(const amd_id& node) const { return mNodes.count(node) != 0; }
     [[nodiscard]] const Edge* Find(const amd_id& id) const;
-    [[nodiscard]] const std::map<amd_id, Edge>& GetEdges() const { return mEdges; }
+    [[nodiscard]] Ids ListEdges() const;
 
     /// Returns the length of a shortest way; nothing where there is none.
     [[nodiscard]] std::optional<std::int64_t> Distance(const amd_id& from, const amd_id& to) const;
@@ -43,6 +43,8 @@ public:
     [[nodiscard]] std::int64_t WeightOf(const Ids& edges) const;
     /// Returns whether the edges alone lead from each of the nodes to each other.
     [[nodiscard]] bool Connects(const Ids& edges, const std::set<amd_id>& nodes) const;
+    /// Returns whether an edge closes a ring.
+    [[nodiscard]] bool HasRing(const Ids& edges) const;
     /// Returns whether no edge closes a ring and all hang together.
     [[nodiscard]] bool IsTree(const Ids& edges) const;
     /// Returns whether the edges, one after the other, lead from one node to the other.

@@ -5,7 +5,9 @@
 #include "Tests/Fuzz/ByteReader.h"
 
 #include <algorithm>
+#include <sstream>
 #include <string>
+#include <utility>
 
 namespace qe::test {
 
@@ -160,6 +162,42 @@ void TurnRound(Ids& ids)
 RefinerCase DecodeRefinerCase(std::string_view bytes)
 {
     return CaseDecoder(bytes).Decode();
+}
+
+std::string Describe(const RefinerCase& input)
+{
+    std::ostringstream out;
+    for (const model::ObjectRecord& record : input.model->GetRecords()) {
+        if (record.id.classCode == IdClassQueryItem)
+            continue;
+        out << ToText(record.id) << ' ' << record.name << " in " << ToText(record.parent);
+        if (record.referenced.IsValid())
+            out << " for " << ToText(record.referenced);
+        if (record.left.IsValid())
+            out << ": " << ToText(record.left) << ' ' << record.leftCardinality.maximum << " - "
+                << record.rightCardinality.maximum << ' ' << ToText(record.right);
+        out << '\n';
+    }
+    const auto& [subjects, second, favoured, required, avoided, further, nodes, joins,
+                 favouredSubjects] = input.lists;
+    for (const auto& [name, ids] :
+         {std::pair("subjects", subjects), std::pair("second set", second),
+          std::pair("favoured", favoured), std::pair("required", required),
+          std::pair("avoided", avoided), std::pair("further avoided", further),
+          std::pair("nodes", nodes), std::pair("joins", joins),
+          std::pair("favoured subjects", favouredSubjects)}) {
+        out << name << ':';
+        for (const amd_id& id : ids)
+            out << ' ' << ToText(id);
+        out << '\n';
+    }
+    for (const auto& [join, weight] : input.weights)
+        out << "weight of " << ToText(join) << ": " << weight << '\n';
+    out << "new algorithm " << input.newAlgo << ", shortcuts " << input.hasShortcutInfo
+        << ", grouping " << input.shortcutGovernors.shortcutGrouping << ", governor "
+        << (input.governors ? input.governors->crossProductAllowed : -1) << ", facts "
+        << input.useFactTableCount << ", straight " << input.useStraightestPath << '\n';
+    return out.str();
 }
 
 RefinerCase Reorder(RefinerCase original)

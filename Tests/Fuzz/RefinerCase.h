@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -53,6 +54,9 @@ struct RefinerCase
 
 /// Returns the case that the bytes stand for; all bytes stand for one.
 [[nodiscard]] RefinerCase DecodeRefinerCase(std::string_view bytes);
+
+/// Returns model and request, for people.
+[[nodiscard]] std::string Describe(const RefinerCase& input);
 
 /// Returns the same request with the lists that are sets turned round, and their ids repeated.
 [[nodiscard]] RefinerCase Reorder(RefinerCase original);

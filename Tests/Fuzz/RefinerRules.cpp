@@ -162,9 +162,24 @@ std::string RefinerRules::FindFault(ERefinerOperation operation,
     return "";
 }
 
+PlainGraph RefinerRules::GetRequired() const
+{
+    PlainGraph required;
+    AddRequired(required);
+    return required;
+}
+
+bool RefinerRules::IsConnectedByRequired() const
+{
+    const PlainGraph required = GetRequired();
+    return required.Connects(required.ListEdges(), mTerminals);
+}
+
 bool RefinerRules::MayFailToRank() const
 {
-    return IsConnectedByRequired() ||
+    // What is required is taken, also a join of a subject to itself.
+    const PlainGraph required = GetRequired();
+    return required.HasRing(required.ListEdges()) ||
            std::any_of(mInfos.begin(), mInfos.end(), [](const auto& entry) {
                return !IsKnownBound(entry.second.leftCardinality.maximum) ||
                       !IsKnownBound(entry.second.rightCardinality.maximum);
@@ -191,16 +206,6 @@ std::string RefinerRules::CheckFailure(ERefinerOperation operation, const PlainG
     default:
         return "an unknown failure";
     }
-}
-
-bool RefinerRules::IsConnectedByRequired() const
-{
-    PlainGraph required;
-    AddRequired(required);
-    Ids joins;
-    for (const auto& [join, edge] : required.GetEdges())
-        joins.push_back(join);
-    return required.Connects(joins, mTerminals);
 }
 
 std::string RefinerRules::CheckTrees(const PlainGraph& graph, const std::vector<Ids>& paths) const
@@ -230,10 +235,8 @@ std::string RefinerRules::CheckCheapest(const PlainGraph& graph,
     if (!bound)
         return paths.empty() ? "" : "subjects that cannot be connected have a path";
     if (IsConnectedByRequired()) {
-        PlainGraph required;
-        AddRequired(required);
         const std::size_t count = paths.empty() ? 0 : paths.front().size();
-        return count == required.GetEdges().size() ? "" : "not all required joins are taken";
+        return count == GetRequired().ListEdges().size() ? "" : "not all required joins are taken";
     }
     if (paths.empty())
         return "subjects that can be connected have no path";

@@ -32,6 +32,7 @@ private:
     /// Reads the candidate joins, and weighs them as the operation does.
     [[nodiscard]] PlainGraph MakeGraph(ERefinerOperation operation) const;
     void AddRequired(PlainGraph& graph) const;
+    [[nodiscard]] PlainGraph GetRequired() const;
     [[nodiscard]] int AdjustWeight(const Info& info) const;
 
     [[nodiscard]] std::string CheckFailure(ERefinerOperation operation, const PlainGraph& graph,
