@@ -74,7 +74,7 @@ std::string FindFormatFault(std::string_view bytes)
         const ESyntax usual = format.word == "tmdl" ? ESyntax::Tmdl : ESyntax::Yaml;
         std::vector<SourceDocument> documents = ReadDocuments(bytes, usual);
         if (documents.empty())
-            throw InputError({{"file", "is empty"}});
+            throw InputError({InputProblem{"file", "is empty"}});
         return MakeModel(ReadSource(format, documents), MakeOptions(bytes));
     });
 }
