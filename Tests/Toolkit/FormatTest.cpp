@@ -165,6 +165,29 @@ semantic_model:
                 HasSubstr("/ontology: is an ontology"));
 }
 
+TEST(Formats, TellTextsInAnotherEncoding)
+{
+    const auto mistakesOf = [](const std::string& text) {
+        return test::MistakesOf([&] { static_cast<void>(Import(text)); });
+    };
+    for (const char* text :
+         {"cubes:\n- {name: a, sql_table: caf\xE9}\n", "table A\n\tcolumn \xE9\n"})
+        EXPECT_THAT(mistakesOf(text), HasSubstr("source:2: is a text in another encoding"));
+}
+
+TEST(Formats, MergeKeysOfYamlThatComeLast)
+{
+    const auto read = [](const std::string& text) {
+        JsonProblems problems("source");
+        const json document = ParseYaml(text, problems);
+        return test::MistakesOf([&] { problems.ThrowIfAny(); }) + ' ' + document.dump();
+    };
+    EXPECT_EQ(read("a: &a {x: 1}\nb: &b {y: 2, <<: *a}\nc: {<<: *b}\n"),
+              R"(no mistake {"a":{"x":1},"b":{"x":1,"y":2},"c":{"x":1,"y":2}})");
+    EXPECT_EQ(read("a:\n  b: {x: 1, <<: 3}\n"),
+              R"(source#/a/b/<<: "<<" must name objects {"a":{"b":{"x":1}}})");
+}
+
 TEST(Formats, AnswerWhatPeopleAsk)
 {
     struct Case

@@ -216,11 +216,12 @@ void YamlReader::Enter(const YAML::Mark& mark, YAML::anchor_t anchor, json value
 void YamlReader::Leave()
 {
     json& closed = mBuilder.GetOpen();
+    // Inside, the builder would name the key that was read last, which merging may take away.
+    mBuilder.Leave();
     if (closed.is_object())
         MergeKeys(closed);
     Remember(mLevels.back().anchor, closed);
     mLevels.pop_back();
-    mBuilder.Leave();
 }
 
 void YamlReader::Remember(YAML::anchor_t anchor, const json& value)
@@ -264,7 +265,8 @@ void YamlReader::MergeKeys(json& object)
         if (source.is_object())
             object.insert(source.begin(), source.end());
         else
-            mProblems->Add(mBuilder.GetPointer(), "\"<<\" must name objects");
+            mProblems->Add(ChildPointer(mBuilder.GetPointer(), kMergeKey),
+                           "\"<<\" must name objects");
     }
 }
 

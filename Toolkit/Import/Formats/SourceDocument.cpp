@@ -116,6 +116,23 @@ bool BeginsTmdl(std::string_view text)
     });
 }
 
+/// Throws an InputError with the first line that holds bytes of another encoding.
+void RequireUtf8(const SourceDocument& document)
+{
+    const std::string& text = *document.text;
+    std::size_t offset = 0;
+    while (offset < text.size()) {
+        const Utf8Piece piece = ReadUtf8(std::string_view(text).substr(offset));
+        if (!piece.isWellFormed) {
+            const auto end = text.begin() + static_cast<std::ptrdiff_t>(offset);
+            const auto line = 1 + std::count(text.begin(), end, '\n');
+            throw InputError({{document.name + ':' + std::to_string(line),
+                               "is a text in another encoding: holds bytes that are no UTF-8"}});
+        }
+        offset += piece.bytes;
+    }
+}
+
 /// What is no YAML before its templates are rendered may be without them.
 void ReadYaml(SourceDocument& document)
 {
@@ -195,6 +212,8 @@ SourceDocument ReadDocument(std::string name, std::string text, ESyntax syntax)
                             .syntax = syntax,
                             .text = std::make_shared<const std::string>(std::move(text))};
     document.problems = JsonProblems(document.name);
+    if (syntax == ESyntax::Yaml || syntax == ESyntax::Tmdl)
+        RequireUtf8(document);
     if (syntax == ESyntax::Json)
         document.json = ParseJson(*document.text, document.problems);
     if (syntax == ESyntax::Yaml)
