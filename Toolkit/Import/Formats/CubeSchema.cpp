@@ -81,11 +81,14 @@ private:
         std::vector<std::string> nearest =
             model::NearestNames(names[names.size() - 2], NamesOfCubes());
         for (std::string& name : nearest)
-            name = '{' + name + '.' + names.back() + '}';
+            name = Show(name.append(1, '.').append(names.back()));
         return Fail("names no cube: " + Show(path) + ToHint(nearest));
     }
 
-    static std::string Show(std::string_view path) { return '{' + std::string(path) + '}'; }
+    static std::string Show(std::string_view path)
+    {
+        return std::string(1, '{').append(path).append(1, '}');
+    }
 
     [[nodiscard]] std::vector<std::string_view> NamesOfCubes() const
     {
@@ -105,7 +108,7 @@ private:
         const std::string owner(path.substr(0, path.rfind('.') + 1));
         std::vector<std::string> nearest = model::NearestNames(name, known);
         for (std::string& near : nearest)
-            near = '{' + owner + near + '}';
+            near = Show(std::string(owner).append(near));
         return Fail("names no dimension: " + Show(path) + ToHint(nearest));
     }
 
