@@ -15,7 +15,6 @@ struct State
     /// The failure comes with the request that finds 1 here.
     std::atomic<std::size_t> failIn = 0;
     std::atomic<bool> hasFailed = false;
-    std::atomic<bool> staysOut = false;
 };
 
 State state;
@@ -25,8 +24,7 @@ bool IsToFail() noexcept
 {
     std::size_t left = state.failIn;
     while (left != 0) {
-        const std::size_t next = left == 1 && state.staysOut ? 1 : left - 1;
-        if (!state.failIn.compare_exchange_weak(left, next))
+        if (!state.failIn.compare_exchange_weak(left, left - 1))
             continue;
         if (left == 1)
             state.hasFailed = true;
@@ -65,10 +63,8 @@ std::size_t CountedAllocation::GetRequestCount()
     return state.requestCount;
 }
 
-void CountedAllocation::FailAtRequest(std::size_t n, EAfter after)
+void CountedAllocation::FailAtRequest(std::size_t n)
 {
-    state.failIn = 0;
-    state.staysOut = after == EAfter::StaysOut;
     state.failIn = n;
     if (n != 0)
         state.hasFailed = false;

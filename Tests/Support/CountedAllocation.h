@@ -6,7 +6,7 @@
 namespace qe::test {
 
 /// Replaces operator new and delete of the whole program that links it. Counts the blocks that are
-/// in use, and can let requests for memory fail. Safe to use from any thread.
+/// in use, and can let one request for memory fail. Safe to use from any thread.
 class CountedAllocation
 {
 public:
@@ -16,16 +16,9 @@ public:
     /// Returns how many requests for memory there were.
     [[nodiscard]] static std::size_t GetRequestCount();
 
-    /// Whether memory is there again after a request has failed.
-    enum class EAfter
-    {
-        IsThereAgain,
-        StaysOut,
-    };
-
     /// Lets the n-th request for memory from now fail with std::bad_alloc, counted from 1; 0:
-    /// none. Where memory stays out, all after it fail too, until the next call.
-    static void FailAtRequest(std::size_t n, EAfter after = EAfter::IsThereAgain);
+    /// none.
+    static void FailAtRequest(std::size_t n);
 
     /// Returns whether the failure that was asked for has come.
     [[nodiscard]] static bool HasFailed();

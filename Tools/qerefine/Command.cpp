@@ -22,6 +22,8 @@ EExitCode Deliver(const CommandContext& context, const std::string& file,
     if (file.empty() || file == "-")
         return work(context);
     std::ostringstream text;
+    // Without memory a stream would only stop taking text.
+    text.exceptions(std::ios::badbit);
     Terminal terminal = context.terminal;
     terminal.output = Terminal::EStream::Redirected;
     const EExitCode code = work({context.input, text, context.error, terminal});
