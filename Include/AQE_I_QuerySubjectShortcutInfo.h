@@ -19,9 +19,9 @@ class QEREFINER_EXPORT AQE_I_QuerySubjectShortcutInfo
 public:
     virtual ~AQE_I_QuerySubjectShortcutInfo();
 
-    /// Makes an object without groups. The caller owns it and deletes it. The arguments are
-    /// borrowed and must outlive it; `context` may be null, `governors` must not be null when
-    /// Initialize is called.
+    /// Makes an object without groups, or returns null when there is no memory for it. The caller
+    /// owns it and deletes it. The arguments are borrowed and must outlive it; `context` may be
+    /// null, `governors` must not be null when Initialize is called.
     [[nodiscard]] static AQE_I_QuerySubjectShortcutInfo*
     Create(amdi_gateway* gateway, AQE_Governors* governors, AQE_RequestContext* context);
 

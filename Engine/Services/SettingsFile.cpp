@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <ios>
 #include <iterator>
 #include <optional>
 #include <sys/stat.h>
@@ -109,8 +110,13 @@ SettingsTable SettingsFile::Read(const Stamp& stamp)
     std::ifstream file(stamp.path, std::ios::binary);
     if (!file)
         return MakeUnusable(stamp.path, "cannot be read");
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    return ParseSettings(text, stamp.path);
+    try {
+        const std::string text{std::istreambuf_iterator<char>(file), {}};
+        return ParseSettings(text, stamp.path);
+    } catch (const std::ios_base::failure&) {
+        // What the first part says without the rest is not what was meant.
+        return MakeUnusable(stamp.path, "cannot be read");
+    }
 }
 
 int ReadSetting(const SettingsTable& table, const I18NString& section, const I18NString& key,

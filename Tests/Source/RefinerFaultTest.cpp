@@ -6,25 +6,37 @@
 #include "AQE_RequestContext.h"
 #include "Engine/Services/LogCapture.h"
 #include "Engine/Services/SettingsOverride.h"
+#include "HBNException.h"
 #include "MainObjectPathSelector.h"
+#include "ORVAssertError.h"
+#include "Tests/Source/ProcessSettings.h"
+#include "Tests/Source/Reference/RequestDraw.h"
 #include "Tests/Support/CountedAllocation.h"
 #include "Tests/Support/CountingGateway.h"
 #include "Tests/Support/ModelText.h"
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+#include <iostream>
 #include <memory>
 #include <new>
+#include <optional>
 #include <ostream>
+#include <random>
+#include <string>
+#include <utility>
 
 namespace {
 
 using qe::test::Countdown;
 using qe::test::CountedAllocation;
 using qe::test::CountingGateway;
+using qe::test::Draw;
+using qe::test::Ids;
+using qe::test::Lists;
 using qe::test::ModelText;
 using qe::test::ToldFailure;
-using Ids = std::vector<amd_id>;
 
 constexpr const char* kModel = R"(
     folder Sales
@@ -36,6 +48,28 @@ constexpr const char* kModel = R"(
     Buyer -> Customer
     ob -> oc : Orders, Buyer
 )";
+
+/// Returns a request of which every operation has much to do.
+Draw MakeRichRequest(bool newAlgo)
+{
+    const ModelText model(kModel);
+    Draw draw;
+    draw.text = kModel;
+    draw.own.governors = AQE_Governors{1, 0};
+    draw.useFactTableCount = true;
+    draw.useStraightestPath = true;
+    draw.newAlgo = newAlgo;
+    draw.lists = {Lists{.subjects = model.Ids("Orders, Region, Date"),
+                        .secondSet = model.Ids("Region, Ordered, Shipped"),
+                        .favouredJoins = model.Ids("ob"),
+                        .requiredJoins = {},
+                        .avoidedJoins = {},
+                        .furtherAvoidedJoins = {},
+                        .nodes = model.Subjects(),
+                        .joins = model.Joins(),
+                        .favouredSubjects = model.Ids("Region, Ordered, Shipped")}};
+    return draw;
+}
 
 class FailingSelector : public AQE_I_PathSelector
 {
@@ -55,95 +89,136 @@ public:
 struct Answer
 {
     bool result = false;
-    int weight = 0;
-    Ids ids;
-    Ids ends;
-    std::vector<Ids> paths;
-    std::vector<std::pair<amd_id, amd_id>> pairs;
+    int weight = 5;
+    Ids ids{amd_id(0, 1, 1)};
+    Ids ends{amd_id(0, 1, 2)};
+    std::vector<Ids> paths{{amd_id(0, 1, 3)}};
+    std::vector<std::pair<amd_id, amd_id>> pairs{{amd_id(0, 1, 4), amd_id(0, 1, 5)}};
+    /// What the library said instead.
+    std::string refusal{};
 
     friend bool operator==(const Answer&, const Answer&) = default;
+    friend void PrintTo(const Answer& answer, std::ostream* out)
+    {
+        *out << answer.ids.size() << " ids, " << answer.paths.size() << " paths, "
+             << answer.ends.size() << " ends, " << answer.pairs.size() << " pairs, weight "
+             << answer.weight << ", result " << answer.result << ' ' << answer.refusal;
+    }
 };
 
 /// One request with all that belongs to it.
 struct Request
 {
-    explicit Request(const ModelText& modelText)
-        : model(modelText),
-          gateway(modelText.GetGateway()),
-          nodes(model.Subjects()),
-          joins(model.Joins()),
-          subjects(model.Ids("Orders, Region, Date")),
-          others(model.Ids("Region, Ordered, Shipped")),
-          favoured(model.Ids("ob")),
-          required(model.Ids("cr"))
+    Request(const ModelText& modelText, const Draw& draw)
+        : gateway(modelText.GetGateway()),
+          lists(draw.lists.front()),
+          governors(draw.own.governors),
+          mainObject(&gateway, &context, lists.subjects,
+                     {.checkOptional = true, .subjectsAreCandidates = false})
     {
-        context.SetJoinCache(std::make_unique<AQE_JoinCache>());
-        refiner = AQE_I_Refiner::Create(&gateway, &selector, &governors, &context, true, true);
+        for (const amd_id& id : draw.own.hidden)
+            gateway.Hide(id);
+        if (draw.own.hasCache)
+            context.SetJoinCache(std::make_unique<AQE_JoinCache>());
+        refiner = AQE_I_Refiner::Create(&gateway, &selector, GetGovernors(), &context,
+                                        draw.useFactTableCount, draw.useStraightestPath);
         RenewShortcuts();
     }
+
+    [[nodiscard]] AQE_Governors* GetGovernors() { return governors ? &*governors : nullptr; }
 
     /// Shortcut information whose building failed stays as it is, so that a host makes a new one.
     void RenewShortcuts()
     {
-        shortcuts.reset(AQE_I_QuerySubjectShortcutInfo::Create(&gateway, &governors, &context));
+        shortcuts.reset(
+            AQE_I_QuerySubjectShortcutInfo::Create(&gateway, &shortcutGovernors, &context));
         refiner->SetShortcutInfo(shortcuts.get());
     }
 
-    const ModelText& model;
     CountingGateway gateway;
-    Ids nodes, joins, subjects, others, favoured, required;
-    AQE_Governors governors{1, 0};
+    const Lists& lists;
+    std::optional<AQE_Governors> governors;
+    AQE_Governors shortcutGovernors{1, 0};
     AQE_RequestContext context;
     FailingSelector selector;
+    MainObjectPathSelector mainObject;
     AUT_RefPtr<AQE_I_Refiner> refiner;
     std::unique_ptr<AQE_I_QuerySubjectShortcutInfo> shortcuts;
+};
+
+/// The main objects found stay from one path to the next; the answer is what one choice adds.
+void SelectByMainObject(Request& r, Answer& a)
+{
+    const std::size_t known = r.mainObject.GetPathObjects().size();
+    const std::uint32_t index = r.mainObject.SelectAlternative(
+        {r.lists.favouredJoins, r.lists.requiredJoins, r.lists.joins});
+    const Ids& objects = r.mainObject.GetPathObjects();
+    Ids added(objects.begin() + static_cast<std::ptrdiff_t>(known), objects.end());
+    Ids main{r.mainObject.GetMainObject()};
+    a.result = r.mainObject.HasMainObject();
+    a.weight = static_cast<int>(index);
+    a.ids.swap(added);
+    a.ends.swap(main);
+}
+
+/// What an operation leaves of the caller's outputs when it fails.
+enum class EFirst
+{
+    KeepsAll,
+    ClearsIds,
+    ClearsPaths,
 };
 
 struct Operation
 {
     const char* name;
+    EFirst first;
     void (*run)(Request&, Answer&);
 
     friend void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.name; }
 };
 
 const Operation kOperations[] = {
-    {"ComputeJoinPath",
+    {"ComputeJoinPath", EFirst::KeepsAll,
      [](Request& r, Answer& a) {
-         r.refiner->ComputeJoinPath(r.subjects, r.favoured, {}, r.nodes, r.joins, r.others, a.ids);
+         const Lists& l = r.lists;
+         r.refiner->ComputeJoinPath(l.subjects, l.favouredJoins, l.requiredJoins, l.nodes, l.joins,
+                                    l.favouredSubjects, a.ids);
      }},
-    {"GetJoinedQuerySubjects",
+    {"GetJoinedQuerySubjects", EFirst::KeepsAll,
      [](Request& r, Answer& a) {
-         r.refiner->GetJoinedQuerySubjects(r.others, r.nodes, r.joins, a.ids);
+         const Lists& l = r.lists;
+         r.refiner->GetJoinedQuerySubjects(l.subjects, l.nodes, l.joins, a.ids);
      }},
-    {"ComputeJoinPathBetween",
+    {"ComputeJoinPathBetween", EFirst::ClearsIds,
      [](Request& r, Answer& a) {
-         r.refiner->ComputeJoinPathBetween(r.subjects, {}, r.others, {}, r.favoured, {}, r.nodes,
-                                           r.joins, a.ids, a.weight, a.ends);
+         const Lists& l = r.lists;
+         r.refiner->ComputeJoinPathBetween(l.subjects, l.avoidedJoins, l.secondSet,
+                                           l.furtherAvoidedJoins, l.favouredJoins, l.requiredJoins,
+                                           l.nodes, l.joins, a.ids, a.weight, a.ends);
      }},
-    {"ComputeBestJoinPaths",
+    {"ComputeBestJoinPaths", EFirst::KeepsAll,
      [](Request& r, Answer& a) {
-         a.result = r.refiner->ComputeBestJoinPaths(r.subjects, {}, r.required, r.nodes, r.joins,
-                                                    a.paths, r.favoured, r.others);
+         const Lists& l = r.lists;
+         a.result =
+             r.refiner->ComputeBestJoinPaths(l.subjects, l.favouredJoins, l.requiredJoins, l.nodes,
+                                             l.joins, a.paths, l.avoidedJoins, l.favouredSubjects);
      }},
-    {"ComputeBestJoinPathsBetween",
+    {"ComputeBestJoinPathsBetween", EFirst::ClearsPaths,
      [](Request& r, Answer& a) {
-         r.refiner->ComputeBestJoinPathsBetween(r.subjects, {}, r.others, {}, r.favoured, {},
-                                                r.nodes, r.joins, a.paths, a.weight, a.pairs);
+         const Lists& l = r.lists;
+         r.refiner->ComputeBestJoinPathsBetween(
+             l.subjects, l.avoidedJoins, l.secondSet, l.furtherAvoidedJoins, l.favouredJoins,
+             l.requiredJoins, l.nodes, l.joins, a.paths, a.weight, a.pairs);
      }},
-    {"GetJoinTreeJoins",
+    {"GetJoinTreeJoins", EFirst::KeepsAll,
      [](Request& r, Answer& a) {
-         a.result = r.refiner->GetJoinTreeJoins(&r.gateway, r.subjects, {}, r.required, r.nodes,
-                                                r.joins, &r.governors, &r.context, nullptr, a.ids);
+         const Lists& l = r.lists;
+         a.result = r.refiner->GetJoinTreeJoins(&r.gateway, l.subjects, l.favouredJoins,
+                                                l.requiredJoins, l.nodes, l.joins, r.GetGovernors(),
+                                                &r.context, &l.avoidedJoins, a.ids);
      }},
-    {"SelectByMainObject",
-     [](Request& r, Answer& a) {
-         MainObjectPathSelector selector(&r.gateway, &r.context, r.model.Ids("Region, Orders"),
-                                         {.checkOptional = true, .subjectsAreCandidates = false});
-         selector.SelectAlternative({r.required, r.model.Ids("oc, cr")});
-         a.result = selector.HasMainObject();
-         a.ids = selector.GetPathObjects();
-     }},
+    {"SelectByMainObject", EFirst::KeepsAll, SelectByMainObject},
 };
 
 enum class ESource
@@ -151,34 +226,82 @@ enum class ESource
     Gateway,
     Selector,
     Settings,
+    Log,
     Memory
 };
 
-/// Runs each operation in one of the processes of the two algorithms.
+/// Returns how many requests are drawn for each operation.
+int GetRoundCount()
+{
+    constexpr int kDefault = 12;
+    const char* const text = std::getenv("QE_FAULT_ROUNDS");
+    return text == nullptr ? kDefault : std::stoi(text);
+}
+
+/// Runs each operation in one of the processes of the two kinds of candidates.
 class Faults : public testing::TestWithParam<std::tuple<Operation, int>>
 {
 protected:
-    Faults() : mModel(kModel), mLog(11, [](const qe::LogEntry&) {})
+    Faults() : mCapture(11, [this](const qe::LogEntry&) { mLog.Count(); })
     {
-        const int newAlgo = std::get<1>(GetParam());
         qe::SettingsOverride::SetProvider(
-            [this, newAlgo](const I18NString&, const I18NString& key) -> std::optional<int> {
+            [this](const I18NString& section, const I18NString& key) -> std::optional<int> {
                 mSettings.Count();
-                if (key == "NewAlgo")
-                    return newAlgo;
-                if (key == "FFJoins")
-                    return 2;
-                if (key == "AdjustWeightByFolder")
-                    return 1;
-                return std::nullopt;
+                return FindSetting(section, key);
             });
     }
     ~Faults() override { qe::SettingsOverride::SetProvider({}); }
 
-    Answer Ask(Request& request) const
+    /// Lets every call of every source fail in turn.
+    void FailEverywhere(const Draw& draw)
+    {
+        SCOPED_TRACE(draw.text);
+        mDraw = &draw;
+        const ModelText model(draw.text);
+        // The settings that are kept for the life of the process are read here.
+        Request first(model, draw);
+        const Answer right = Ask(first);
+        Request second(model, draw);
+        EXPECT_EQ(Ask(second), right);
+        FailAtEveryCall<ToldFailure>(model, ESource::Gateway, right);
+        FailAtEveryCall<ToldFailure>(model, ESource::Selector, right);
+        FailAtEveryCall<ToldFailure>(model, ESource::Settings, right);
+        FailAtEveryCall<ToldFailure>(model, ESource::Log, right);
+        FailAtEveryCall<std::bad_alloc>(model, ESource::Memory, right);
+    }
+
+    [[nodiscard]] std::size_t GetFaultCount() const { return mFaults; }
+
+private:
+    [[nodiscard]] std::optional<int> FindSetting(const I18NString& section,
+                                                 const I18NString& key) const
+    {
+        if (key == "NewAlgo")
+            return mDraw->newAlgo;
+        if (key == "FFJoins")
+            return std::get<1>(GetParam());
+        if (key == "AdjustWeightByFolder")
+            return 1;
+        if (section == "QueryEngine" && key == "DoNotApplyCrossProductGovernor")
+            return mDraw->isGovernorOff;
+        return std::nullopt;
+    }
+
+    static void Run(Request& request, Answer& answer)
+    {
+        try {
+            std::get<0>(GetParam()).run(request, answer);
+        } catch (const HBNException& refusal) {
+            answer.refusal = refusal.what();
+        } catch (const ORVAssertError& refusal) {
+            answer.refusal = refusal.what();
+        }
+    }
+
+    static Answer Ask(Request& request)
     {
         Answer answer;
-        std::get<0>(GetParam()).run(request, answer);
+        Run(request, answer);
         return answer;
     }
 
@@ -187,66 +310,92 @@ protected:
         request.gateway.calls.FailAtCall(source == ESource::Gateway ? n : 0);
         request.selector.countdown.FailAtCall(source == ESource::Selector ? n : 0);
         mSettings.FailAtCall(source == ESource::Settings ? n : 0);
+        mLog.FailAtCall(source == ESource::Log ? n : 0);
         CountedAllocation::FailAtRequest(source == ESource::Memory ? n : 0);
+    }
+
+    [[nodiscard]] bool HasFailed(const Request& request, ESource source) const
+    {
+        return source == ESource::Memory
+                   ? CountedAllocation::HasFailed()
+                   : request.gateway.calls.HasFailed() || request.selector.countdown.HasFailed() ||
+                         mSettings.HasFailed() || mLog.HasFailed();
+    }
+
+    static void ExpectUntouched(Request& request, const Answer& answer)
+    {
+        Answer before;
+        before.weight = answer.weight;
+        if (std::get<0>(GetParam()).first == EFirst::ClearsIds)
+            before.ids.clear();
+        if (std::get<0>(GetParam()).first == EFirst::ClearsPaths)
+            before.paths.clear();
+        EXPECT_EQ(answer, before);
+        AQE_JoinCache* const cache = request.context.GetJoinCache();
+        EXPECT_TRUE(cache == nullptr || cache->GetAllJoinPaths().empty());
     }
 
     /// Lets the n-th call of a source fail, and returns whether there was an n-th call.
     template <typename Failure>
-    bool FailOnce(ESource source, std::size_t n, const Answer& right)
+    bool FailOnce(const ModelText& model, ESource source, std::size_t n, const Answer& right)
     {
-        Request request(mModel);
-        bool hasThrown = false;
+        Request request(model, *mDraw);
         Answer answer;
+        bool hasThrown = false;
         Arm(request, source, n);
         try {
-            std::get<0>(GetParam()).run(request, answer);
-            // Some failures, such as those of a log, do not keep a request from its answer.
-            CountedAllocation::FailAtRequest(0);
-            EXPECT_EQ(answer, right) << "call " << n;
+            Run(request, answer);
         } catch (const Failure&) {
             hasThrown = true;
-            EXPECT_TRUE(answer.ids.empty() && answer.paths.empty()) << "call " << n;
-            EXPECT_TRUE(answer.ends.empty() && answer.pairs.empty()) << "call " << n;
         }
+        const bool hasFailed = HasFailed(request, source);
         Arm(request, source, 0);
+        // Some failures do not keep a request from its answer: a sort can do without memory.
+        if (hasThrown)
+            ExpectUntouched(request, answer);
+        else
+            EXPECT_EQ(answer, right);
         request.RenewShortcuts();
-        EXPECT_EQ(Ask(request), right) << "after a failure at call " << n;
-        return hasThrown;
+        EXPECT_EQ(Ask(request), right) << "afterwards";
+        return hasFailed;
     }
 
     template <typename Failure>
-    void FailAtEveryCall(ESource source, const Answer& right)
+    void FailAtEveryCall(const ModelText& model, ESource source, const Answer& right)
     {
         for (std::size_t n = 1; !HasFailure(); ++n) {
+            SCOPED_TRACE("source " + std::to_string(static_cast<int>(source)) + ", call " +
+                         std::to_string(n));
             const std::size_t liveCount = CountedAllocation::GetLiveCount();
-            const bool hasThrown = FailOnce<Failure>(source, n, right);
-            EXPECT_EQ(CountedAllocation::GetLiveCount(), liveCount) << "leak at call " << n;
-            if (!hasThrown && (source != ESource::Memory || !CountedAllocation::HasFailed()))
+            const bool hasFailed = FailOnce<Failure>(model, source, n, right);
+            EXPECT_EQ(CountedAllocation::GetLiveCount(), liveCount) << "leaked";
+            if (!hasFailed)
                 break;
+            ++mFaults;
         }
     }
 
-    ModelText mModel;
-    qe::LogCapture mLog;
+    const Draw* mDraw = nullptr;
     Countdown mSettings;
+    Countdown mLog;
+    qe::LogCapture mCapture;
+    std::size_t mFaults = 0;
 };
 
 TEST_P(Faults, PassThroughAndLeaveNothingBehind)
 {
-    // The settings that are kept for the life of the process are read here.
-    Request first(mModel);
-    const Answer right = Ask(first);
-    Request second(mModel);
-    EXPECT_EQ(Ask(second), right);
-    EXPECT_FALSE(right.ids.empty() && right.paths.empty());
-
-    FailAtEveryCall<ToldFailure>(ESource::Gateway, right);
-    FailAtEveryCall<ToldFailure>(ESource::Selector, right);
-    FailAtEveryCall<ToldFailure>(ESource::Settings, right);
-    FailAtEveryCall<std::bad_alloc>(ESource::Memory, right);
+    if (std::get<1>(GetParam()) != 2 && qe::test::RunsWithOtherCases())
+        GTEST_SKIP() << qe::test::kNeedsOwnProcess;
+    for (const bool newAlgo : {true, false})
+        FailEverywhere(MakeRichRequest(newAlgo));
+    EXPECT_GE(GetFaultCount(), 100U);
+    std::mt19937 random(20261);
+    for (int round = GetRoundCount(); round > 0 && !HasFailure(); --round)
+        FailEverywhere(qe::test::DrawRequest(random));
+    std::cout << "faults injected: " << GetFaultCount() << '\n';
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryOperation, Faults,
-                         testing::Combine(testing::ValuesIn(kOperations), testing::Values(1, 0)));
+                         testing::Combine(testing::ValuesIn(kOperations), testing::Values(2, 3)));
 
 } // namespace

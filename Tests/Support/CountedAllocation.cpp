@@ -1,5 +1,6 @@
 #include "Tests/Support/CountedAllocation.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <new>
 
@@ -9,27 +10,44 @@ namespace {
 
 struct State
 {
-    std::size_t liveCount = 0;
-    std::size_t failIn = 0;
-    bool hasFailed = false;
+    std::atomic<std::size_t> liveCount = 0;
+    std::atomic<std::size_t> requestCount = 0;
+    /// The failure comes with the request that finds 1 here.
+    std::atomic<std::size_t> failIn = 0;
+    std::atomic<bool> hasFailed = false;
 };
 
 State state;
 
+/// Returns whether this request is to fail.
+bool IsToFail() noexcept
+{
+    std::size_t left = state.failIn;
+    while (left != 0) {
+        if (!state.failIn.compare_exchange_weak(left, left - 1))
+            continue;
+        if (left == 1)
+            state.hasFailed = true;
+        return left == 1;
+    }
+    return false;
+}
+
 void* Allocate(std::size_t size) noexcept
 {
-    if (state.failIn != 0 && --state.failIn == 0) {
-        state.hasFailed = true;
+    ++state.requestCount;
+    if (IsToFail())
         return nullptr;
-    }
     void* const block = std::malloc(size == 0 ? 1 : size);
-    state.liveCount += block != nullptr;
+    if (block != nullptr)
+        ++state.liveCount;
     return block;
 }
 
 void Release(void* block) noexcept
 {
-    state.liveCount -= block != nullptr;
+    if (block != nullptr)
+        --state.liveCount;
     std::free(block);
 }
 
@@ -38,6 +56,11 @@ void Release(void* block) noexcept
 std::size_t CountedAllocation::GetLiveCount()
 {
     return state.liveCount;
+}
+
+std::size_t CountedAllocation::GetRequestCount()
+{
+    return state.requestCount;
 }
 
 void CountedAllocation::FailAtRequest(std::size_t n)

@@ -33,6 +33,8 @@ public:
             throw ToldFailure();
     }
     [[nodiscard]] std::size_t GetCallCount() const { return mCalls; }
+    /// Returns whether the failure that was asked for has come.
+    [[nodiscard]] bool HasFailed() const { return mFailAt != 0 && mCalls >= mFailAt; }
 
 private:
     std::size_t mCalls = 0;

@@ -3,6 +3,7 @@
 #include "Toolkit/Answers/AnswerJson.h"
 #include "Toolkit/Batch/Batch.h"
 #include "Toolkit/Text/DisplayText.h"
+#include "Toolkit/Text/TextStream.h"
 #include "Toolkit/Text/TextTable.h"
 
 #include <cstddef>
@@ -103,7 +104,7 @@ double Percent(std::size_t part, std::size_t whole)
 
 std::string PercentText(std::size_t part, std::size_t whole)
 {
-    std::ostringstream text;
+    TextStream text;
     text << std::fixed << std::setprecision(1) << Percent(part, whole) << " %";
     return text.str();
 }

@@ -5,6 +5,8 @@
 #include "Toolkit/Ask/ResolvedQuestion.h"
 #include "Toolkit/Model/ToolModel.h"
 
+#include <new>
+
 namespace qe::tool {
 
 namespace {
@@ -30,6 +32,9 @@ RequestBasis::RequestBasis(const ToolModel& model, const Question& question,
       mContext(question.commandType),
       mShortcutInfo(AQE_I_QuerySubjectShortcutInfo::Create(&mGateway, &mGovernors, &mContext))
 {
+    // The library's way to say that there is no memory for it.
+    if (mShortcutInfo == nullptr)
+        throw std::bad_alloc();
     mContext.SetJoinCache(std::make_unique<AQE_JoinCache>());
     mContext.SetAuthentication(&mUserClasses);
 }

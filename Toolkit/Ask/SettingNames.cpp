@@ -57,6 +57,10 @@ void CheckSettingsFile()
     std::error_code failure;
     if (!path.empty() && !std::filesystem::exists(path, failure))
         throw InputError({{"QEREFINER_SETTINGS", "there is no such file: " + path}});
+    for (const SettingsProblem& problem : GetSettingsProblems()) {
+        if (problem.line == 0)
+            throw InputError({{problem.path, problem.text}});
+    }
     const std::string place = path.empty() ? "settings.ini" : path;
     for (const auto& [section, key] : GetSettingsInFile())
         CheckSettingName(place, std::string(section).append("/").append(key));

@@ -24,8 +24,8 @@ inline constexpr std::array<std::string_view, 9> kSettingNames{
 /// that name, "Section/Key". The case of A to Z does not count.
 void CheckSettingName(const std::string& place, const std::string& name);
 
-/// Throws an InputError when the environment names a settings file that is not there, or when the
-/// settings file sets what nothing reads.
+/// Throws an InputError when the environment names a settings file that is not there, when the
+/// settings file cannot be read, or when it sets what nothing reads.
 void CheckSettingsFile();
 
 } // namespace qe::tool

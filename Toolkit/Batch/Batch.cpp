@@ -6,6 +6,7 @@
 #include "Toolkit/Batch/OrderedWork.h"
 #include "Toolkit/Batch/QuestionReader.h"
 #include "Toolkit/Model/ToolModel.h"
+#include "Toolkit/Text/TextStream.h"
 
 #include <algorithm>
 #include <bit>
@@ -18,7 +19,6 @@
 #include <mutex>
 #include <new>
 #include <ostream>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -29,7 +29,7 @@ namespace {
 
 std::string ToMilliseconds(std::chrono::nanoseconds time)
 {
-    std::ostringstream text;
+    TextStream text;
     text << std::fixed << std::setprecision(2)
          << std::chrono::duration<double, std::milli>(time).count() << " ms";
     return text.str();
@@ -79,7 +79,7 @@ std::string WriteRisks(const BatchSummary& summary)
 
 std::string ToText(const BatchSummary& summary)
 {
-    std::ostringstream text;
+    TextStream text;
     text << "requests: " << summary.requests << ", failures: " << summary.failures
          << ", not connected: " << summary.notConnected << WriteRisks(summary)
          << ", median: " << ToMilliseconds(summary.latencies.GetPercentile(50))

@@ -48,18 +48,4 @@ Interrupt::~Interrupt()
     close(mEmptyInput);
 }
 
-InterruptBlock::InterruptBlock()
-{
-    sigset_t interrupts;
-    sigemptyset(&interrupts);
-    for (const int signal : kInterrupts)
-        sigaddset(&interrupts, signal);
-    pthread_sigmask(SIG_BLOCK, &interrupts, &mEarlier);
-}
-
-InterruptBlock::~InterruptBlock()
-{
-    pthread_sigmask(SIG_SETMASK, &mEarlier, nullptr);
-}
-
 } // namespace qe::tool

@@ -29,20 +29,6 @@ private:
     std::array<struct sigaction, kInterrupts.size()> mEarlier{};
 };
 
-/// Keeps interrupts from the threads that are started while it lives, so that they reach the
-/// thread that waits for input.
-class InterruptBlock
-{
-public:
-    InterruptBlock();
-    InterruptBlock(const InterruptBlock&) = delete;
-    InterruptBlock& operator=(const InterruptBlock&) = delete;
-    ~InterruptBlock();
-
-private:
-    sigset_t mEarlier{};
-};
-
 } // namespace qe::tool
 
 #endif

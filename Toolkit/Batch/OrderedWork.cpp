@@ -1,6 +1,7 @@
 #include "Toolkit/Batch/OrderedWork.h"
 
 #include "Toolkit/Batch/Interrupt.h"
+#include "Toolkit/Text/SignalBlock.h"
 
 #include <algorithm>
 #include <utility>
@@ -10,7 +11,8 @@ namespace qe::tool {
 OrderedWork::OrderedWork(std::size_t threads, std::size_t window, Work work, Sink sink)
     : mWindow(std::max<std::size_t>(window, 1)), mWork(std::move(work)), mSink(std::move(sink))
 {
-    const InterruptBlock block;
+    // Interrupts are to reach the thread that waits for input.
+    const SignalBlock block(kInterrupts);
     try {
         for (std::size_t i = 0; i < std::max<std::size_t>(threads, 1); ++i)
             mThreads.emplace_back([this] { RunWorker(); });

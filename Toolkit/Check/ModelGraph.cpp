@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <span>
 
 namespace qe::tool {
@@ -54,6 +55,9 @@ void ModelGraph::AddShortcutJoins(const ToolModel& model)
     AQE_Governors governors = model.governors;
     const std::unique_ptr<AQE_I_QuerySubjectShortcutInfo> shortcuts(
         AQE_I_QuerySubjectShortcutInfo::Create(&mGateway, &governors, nullptr));
+    // The library's way to say that there is no memory for it.
+    if (shortcuts == nullptr)
+        throw std::bad_alloc();
     const std::span<const amd_id> joins = model.model->GetJoins();
     shortcuts->Initialize({mSubjects.begin(), mSubjects.end()}, {joins.begin(), joins.end()}, {});
     for (const AQE_I_Refiner::QEjoinInfo& info : shortcuts->GetShortcutJoins()) {

@@ -1,5 +1,7 @@
 #include "Toolkit/Draw/ChildProcess.h"
 
+#include "Toolkit/Text/SignalBlock.h"
+
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -30,25 +32,6 @@ extern "C" void EndWithChild(int signal)
     raise(signal);
     errno = error;
 }
-
-class SignalBlock
-{
-public:
-    SignalBlock()
-    {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_BLOCK, &all, &mEarlier);
-    }
-    SignalBlock(const SignalBlock&) = delete;
-    SignalBlock& operator=(const SignalBlock&) = delete;
-    ~SignalBlock() { pthread_sigmask(SIG_SETMASK, &mEarlier, nullptr); }
-
-    [[nodiscard]] const sigset_t& GetEarlier() const { return mEarlier; }
-
-private:
-    sigset_t mEarlier{};
-};
 
 /// What is different in the child. It leads a group of processes of its own.
 class SpawnSettings

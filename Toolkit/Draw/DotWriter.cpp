@@ -2,12 +2,12 @@
 
 #include "Toolkit/Draw/Picture.h"
 #include "Toolkit/Text/DisplayText.h"
+#include "Toolkit/Text/TextStream.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <set>
-#include <sstream>
 #include <vector>
 
 namespace qe::tool {
@@ -212,7 +212,7 @@ std::string QuoteForDot(std::string_view text)
 
 std::string WriteDot(const Picture& picture)
 {
-    std::ostringstream out;
+    TextStream out;
     out << "graph joins {\n"
            "  graph [rankdir=LR nodesep=0.42 ranksep=0.8 fontname=\"Helvetica\" fontsize=11 "
            "labelloc=b bgcolor=\"white\" charset=\"UTF-8\" label="

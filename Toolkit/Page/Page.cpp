@@ -13,6 +13,7 @@
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputFile.h"
 #include "Toolkit/Text/Markup.h"
+#include "Toolkit/Text/TextStream.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -82,6 +83,7 @@ Data ToLines(const std::string& text)
 {
     Data lines = List();
     std::istringstream in(text);
+    in.exceptions(std::ios::badbit);
     for (std::string line; std::getline(in, line);)
         lines << Data(line);
     return lines;
@@ -164,7 +166,7 @@ private:
     void WriteSqlOf(PagePath& path) const
     {
         const bool isChosen = &path == &mPaths[mChosen];
-        std::ostringstream sql;
+        TextStream sql;
         WriteRemarks(sql,
                      isChosen ? ListRemarks(mInput.answer, path.risks)
                               : ListPathRemarks(mInput.answer, path.risks),

@@ -1,6 +1,7 @@
 #include "Toolkit/Text/OutputFile.h"
 
 #include "Toolkit/Text/InputFile.h"
+#include "Toolkit/Text/SignalBlock.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -51,12 +52,20 @@ public:
         }
         return {};
     }
-    /// Some file systems tell only here that the disk is full.
+    [[nodiscard]] std::error_code Sync() const
+    {
+        while (::fsync(mNumber) != 0) {
+            if (errno != EINTR)
+                return LastError();
+        }
+        return {};
+    }
+    /// Some file systems tell only here that the disk is full. What is interrupted is closed.
     [[nodiscard]] std::error_code Close()
     {
         const int number = mNumber;
         mNumber = -1;
-        return ::close(number) == 0 ? std::error_code() : LastError();
+        return ::close(number) == 0 || errno == EINTR ? std::error_code() : LastError();
     }
 
 private:
@@ -105,9 +114,10 @@ std::error_code WriteBeside(std::string& newPath, std::string_view text, mode_t 
     }
     if (const std::error_code failure = file.Write(text))
         return failure;
-    if (::fchmod(file.Get(), permissions) != 0 || ::fsync(file.Get()) != 0)
+    if (::fchmod(file.Get(), permissions) != 0)
         return LastError();
-    return file.Close();
+    const std::error_code failure = file.Sync();
+    return failure ? failure : file.Close();
 }
 
 /// The new name is to survive a failure of the machine; not every file system can promise that.
@@ -115,7 +125,7 @@ void SyncFolder(const fs::path& folder)
 {
     const Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (opened.Get() >= 0)
-        static_cast<void>(::fsync(opened.Get()));
+        static_cast<void>(opened.Sync());
 }
 
 std::error_code Replace(const fs::path& path, std::string_view text)
@@ -123,6 +133,8 @@ std::error_code Replace(const fs::path& path, std::string_view text)
     const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
     // A name of its own, however long that of the file is.
     std::string newPath = (folder / ".qerefine-XXXXXX").string();
+    // A signal that ended the process here would leave the new file behind.
+    const SignalBlock block;
     std::error_code failure = WriteBeside(newPath, text, PermissionsFor(path));
     if (!failure && ::rename(newPath.c_str(), path.c_str()) != 0)
         failure = LastError();

@@ -10,7 +10,7 @@ namespace qe::tool {
 /// file in the same folder, which takes the place of the old one, with its permissions, once they
 /// are on the disk. A symbolic link stays, what it leads to is replaced. A device or a pipe is
 /// written to as it is. Throws an InputError, with the path as its place, when that fails; nothing
-/// is left behind then.
+/// is left behind then. Signals wait until the file is there.
 void WriteFileWhole(const std::filesystem::path& path, std::string_view text);
 
 } // namespace qe::tool

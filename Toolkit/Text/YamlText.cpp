@@ -281,6 +281,7 @@ void Read(const std::string& text, YamlReader& reader, const JsonProblems& probl
     }
     try {
         std::istringstream stream(text);
+        stream.exceptions(std::ios::badbit);
         YAML::Parser parser(stream);
         parser.HandleNextDocument(reader);
         JsonProblems ignored;

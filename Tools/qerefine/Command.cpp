@@ -1,9 +1,8 @@
 #include "Tools/qerefine/Command.h"
 
 #include "Toolkit/Text/OutputFile.h"
+#include "Toolkit/Text/TextStream.h"
 #include "Tools/qerefine/StandardStreams.h"
-
-#include <sstream>
 
 namespace qe::tool {
 
@@ -21,7 +20,7 @@ EExitCode Deliver(const CommandContext& context, const std::string& file,
 {
     if (file.empty() || file == "-")
         return work(context);
-    std::ostringstream text;
+    TextStream text;
     Terminal terminal = context.terminal;
     terminal.output = Terminal::EStream::Redirected;
     const EExitCode code = work({context.input, text, context.error, terminal});

@@ -1,6 +1,7 @@
 #include "Tools/qerefine/RunTool.h"
 #include "Tools/qerefine/StandardStreams.h"
 
+#include <exception>
 #include <iostream>
 #include <ostream>
 #include <sys/ioctl.h>
@@ -28,6 +29,7 @@ Terminal LookAtTerminal()
 
 int main(int argc, char** argv)
 {
+    std::set_terminate(qe::tool::EndWithoutMemory);
     qe::tool::GuardStandardStreams();
     std::ios::sync_with_stdio(false);
     qe::tool::DescriptorBuffer buffer(STDOUT_FILENO, "standard output");

@@ -11,9 +11,13 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <exception>
+#include <new>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -22,6 +26,7 @@ namespace qe::tool {
 namespace {
 
 constexpr const char* kVersion = QEREFINER_VERSION;
+constexpr std::string_view kOutOfMemory = "qerefine: out of memory\n";
 
 /// Writes one line for each problem, made harmless for the terminal.
 void WriteProblems(std::ostream& error, const InputError& problems)
@@ -85,7 +90,10 @@ EExitCode Parse(const std::vector<std::string>& arguments, const CommandContext&
 
 } // namespace
 
-EExitCode RunTool(const std::vector<std::string>& arguments, const CommandContext& context)
+namespace {
+
+/// Runs the command; a failure becomes a diagnostic. Where memory is out, that may fail as well.
+EExitCode RunAndTell(const std::vector<std::string>& arguments, const CommandContext& context)
 {
     try {
         const EExitCode code = Parse(arguments, context);
@@ -108,10 +116,38 @@ EExitCode RunTool(const std::vector<std::string>& arguments, const CommandContex
     } catch (const MemoryError& error) {
         context.error << "qerefine: " << error.what() << '\n';
         return EExitCode::InternalError;
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception& error) {
         context.error << "qerefine: internal error: " << error.what() << '\n';
         return EExitCode::InternalError;
     }
+}
+
+} // namespace
+
+EExitCode RunTool(const std::vector<std::string>& arguments, const CommandContext& context)
+{
+    try {
+        return RunAndTell(arguments, context);
+    } catch (const std::bad_alloc&) {
+        context.error << kOutOfMemory;
+        return EExitCode::InternalError;
+    }
+}
+
+void EndWithoutMemory()
+{
+    try {
+        if (const std::exception_ptr failure = std::current_exception())
+            std::rethrow_exception(failure);
+    } catch (const std::bad_alloc&) {
+        static_cast<void>(std::fwrite(kOutOfMemory.data(), 1, kOutOfMemory.size(), stderr));
+        std::_Exit(static_cast<int>(EExitCode::InternalError));
+    } catch (...) {
+        std::abort();
+    }
+    std::abort();
 }
 
 } // namespace qe::tool
