@@ -1,8 +1,8 @@
 #include "Toolkit/Text/JsonObject.h"
 
 #include "Engine/Model/Names.h"
-#include "Toolkit/Text/Misspelling.h"
 #include "Toolkit/Text/DisplayText.h"
+#include "Toolkit/Text/Misspelling.h"
 
 #include <nlohmann/json.hpp>
 
