@@ -81,7 +81,7 @@ def find_memory(process):
 
 
 class Floods(unittest.TestCase):
-    scale, requests, fresh, jobs = 20, 2000, 20, 1
+    scale, requests, fresh, jobs = 20, 1000, 10, 1
 
     @classmethod
     def setUpClass(cls):

@@ -74,7 +74,7 @@ public:
     JoinPlanner(const PathTables& tables, const JoinOptions& options)
         : mTables(tables),
           mOptions(options),
-          mSweep(tables),
+          mSweep(tables.GetJoins(), tables.GetCount()),
           mIsIn(tables.GetCount(), false),
           mIsOptional(tables.GetCount(), false)
     {}
@@ -198,7 +198,7 @@ private:
 
     const PathTables& mTables;
     const JoinOptions& mOptions;
-    JoinSweep mSweep;
+    JoinSweep<TableJoin> mSweep;
     /// The joins that lead from what is in to what is not, by their places in the path.
     std::set<std::size_t> mLeading{};
     /// Those both of whose tables are in and that no step has yet.

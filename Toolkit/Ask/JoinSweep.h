@@ -1,8 +1,6 @@
 #ifndef TOOLKIT_ASK_JOINSWEEP_H
 #define TOOLKIT_ASK_JOINSWEEP_H
 
-#include "Toolkit/Ask/JoinPlan.h"
-
 #include <cstddef>
 #include <set>
 #include <vector>
@@ -11,11 +9,12 @@ namespace qe::tool {
 
 /// Which joins of a path touch each of its tables, so that what is reached from a table takes time
 /// in proportion to that.
+template <typename Join>
 class JoinSweep
 {
 public:
-    /// Refers to the path.
-    explicit JoinSweep(const PathTables& path) : mJoins(path.GetJoins()), mTouching(path.GetCount())
+    /// Takes the joins of the path, in its order, and how many tables it has. Refers to the joins.
+    JoinSweep(const std::vector<Join>& joins, std::size_t tables) : mJoins(joins), mTouching(tables)
     {
         for (std::size_t i = 0; i < mJoins.size(); ++i) {
             mTouching[mJoins[i].left].push_back(i);
@@ -29,7 +28,7 @@ public:
     {
         return mTouching[table];
     }
-    [[nodiscard]] const TableJoin& GetJoin(std::size_t position) const { return mJoins[position]; }
+    [[nodiscard]] const Join& GetJoin(std::size_t position) const { return mJoins[position]; }
 
     /// Reaches from a table all that joins connect with it, as by going through the joins of the
     /// path in their order until none leads further. `visit` is called with each join that reaches
@@ -54,7 +53,7 @@ public:
             if (found == leading.end())
                 found = leading.begin();
             next = *found + 1;
-            const TableJoin& join = mJoins[*found];
+            const Join& join = mJoins[*found];
             const std::size_t table = isReached[join.left] ? join.right : join.left;
             visit(join, table);
             enter(table);
@@ -62,7 +61,7 @@ public:
     }
 
 private:
-    const std::vector<TableJoin>& mJoins;
+    const std::vector<Join>& mJoins;
     std::vector<std::vector<std::size_t>> mTouching;
 };
 

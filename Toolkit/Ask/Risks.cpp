@@ -315,7 +315,10 @@ std::set<const JoinStep*> LostRows::FindRoute(std::size_t table) const
 Lost LostRows::Describe(std::size_t table, const Missing& missing) const
 {
     Lost lost{.subject = mPath.GetSubjects(table).front()};
-    for (const auto& [other, step] : missing) {
+    // A list for each of many subjects would take the square of their number.
+    constexpr std::size_t kMostMissing = 1000;
+    for (const auto& [other, step] :
+         std::span(missing).first(std::min(missing.size(), kMostMissing))) {
         lost.missing.push_back(mPath.GetSubjects(other).front());
         for (const TableJoin& join : step->joins)
             lost.joins.push_back(join.join->id);

@@ -18,7 +18,7 @@ bool IsManyAt(const TableJoin& join, std::size_t end)
 } // namespace
 
 RowGraph::RowGraph(const PathTables& path)
-    : mPath(path), mSweep(path), mEntities(path.GetCount(), kNone)
+    : mPath(path), mSweep(path.GetJoins(), path.GetCount()), mEntities(path.GetCount(), kNone)
 {
     FindEntities();
     FindUpSteps();

@@ -61,7 +61,7 @@ private:
     [[nodiscard]] bool LeadsToAll(std::size_t table) const;
 
     const PathTables& mPath;
-    JoinSweep mSweep;
+    JoinSweep<TableJoin> mSweep;
     std::vector<std::size_t> mEntities;
     std::vector<Tables> mMembers;
     std::vector<std::vector<UpStep>> mUpSteps;
