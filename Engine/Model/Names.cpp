@@ -73,6 +73,10 @@ std::vector<std::string> NearestNames(std::string_view wrong,
                                       const std::vector<std::string_view>& candidates,
                                       std::size_t count)
 {
+    // A longer name is no slip of a hand, and to compare it takes the square of its length.
+    constexpr std::size_t kLongestCompared = 1000;
+    if (wrong.size() > kLongestCompared)
+        return {};
     const std::string folded = FoldCase(wrong);
     const std::size_t limit = std::max<std::size_t>(1, folded.size() / 3);
     std::vector<std::pair<std::size_t, std::string_view>> near;

@@ -20,6 +20,9 @@ from concurrent.futures import ThreadPoolExecutor
 
 import databases
 
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "Support"))
+import hostile  # noqa: E402
+
 TOOL, DATA, DUCKDB = sys.argv[1], pathlib.Path(sys.argv[2]), pathlib.Path(sys.argv[3])
 
 OPENERS = {"sqlite": databases.sqlite, "postgresql": databases.postgresql, "mysql": databases.mariadb,
@@ -236,6 +239,8 @@ class DialectsTest(unittest.TestCase):
             questions += len(statements)
         self.check_conditions(create(), dialect)
         self.check_words(create(), dialect)
+        if dialect != "sqlite":
+            self.check_hostile_names(create(), dialect)
         print(f"{dialect}: {questions} questions over {len(self.models)} schemas, "
               f"{len(loaded)} of them as they are written")
         self.assertGreater(questions, 200)
@@ -268,6 +273,44 @@ class DialectsTest(unittest.TestCase):
                 database.run(sql)
             except databases.DatabaseError as error:
                 self.fail(f"{error}\n{sql}")
+
+    def check_hostile_names(self, database, dialect):
+        """Joins tables of hostile names, each in a schema of that name, as far as the database has
+        such names."""
+        mark = QUOTES.get(dialect, '"')
+        kind = "DATABASE" if dialect == "mysql" else "SCHEMA"
+
+        def quote(name):
+            return mark + name.replace(mark, 2 * mark) + mark
+
+        def make_table(name):
+            return (f"CREATE {kind} {quote(name)};\n"
+                    f"CREATE TABLE {quote(name)}.{quote(name)} ({quote(name)} int);\n")
+
+        names, folded = [], set()
+        for name in hostile.NAMES.values():
+            try:
+                if name.lower() not in folded:
+                    database.run(make_table(name))
+                    names.append(name)
+                    folded.add(name.lower())
+            except databases.DatabaseError:
+                continue
+        self.assertGreater(len(names), 15)
+        database.run(f"CREATE TABLE {quote('hub')} "
+                     f"({', '.join(quote(name) + ' int' for name in names)})")
+        file = pathlib.Path(self.folder, "hostile.json")
+        file.write_text(json.dumps(hostile.make_model(names)), encoding="utf-8")
+        for first in range(0, len(names), WORDS_OF_QUESTION):
+            part = names[first:first + WORDS_OF_QUESTION]
+            asked = [f"{bracket(name)}.{bracket(name)}" for name in part]
+            sql = run_tool("path", file, "hub", *asked, "--format", "sql", "--select", "--dialect",
+                           dialect)
+            try:
+                database.run(sql)
+            except databases.DatabaseError as error:
+                self.fail(f"{error}\n{sql}")
+        database.run(f"SELECT * FROM {quote('hub')}")
 
     def test_sqlite(self):
         self.check("sqlite")

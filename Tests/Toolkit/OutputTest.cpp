@@ -12,10 +12,8 @@
 
 #include <gmock/gmock.h>
 
-#include <iomanip>
 #include <nlohmann/json.hpp>
 #include <set>
-#include <sstream>
 
 namespace {
 
@@ -347,36 +345,6 @@ TEST(OutputTest, SqlIsRefusedWhereAConditionIsMissingOrSaysNothing)
           "A >- B : j on [Model].[A] = [Model].[B]"})
         EXPECT_THROW(static_cast<void>(WriteAs("sql", MakeModel(text), question)), InputError)
             << text;
-}
-
-TEST(OutputTest, HostileNamesStayNames)
-{
-    const ToolModel model = ReadModelFile(QEREFINER_SOURCE_DIR "/Tests/Support/hostile.json");
-    std::vector<std::string> names;
-    Question question;
-    std::ostringstream script;
-    script << "CREATE TABLE Hub(K); INSERT INTO Hub VALUES (1);";
-    const auto quote = [](const std::string& name) { return std::quoted(name, '"', '"'); };
-    for (const amd_id& id : model.model->GetSubjects()) {
-        const auto& subject = *model.model->Find(id);
-        question.subjects.push_back(ToText(id));
-        if (subject.text.empty())
-            continue;
-        names.push_back(subject.name);
-        script << "CREATE TABLE " << quote(subject.text) << '(' << quote(subject.name)
-               << "); INSERT INTO " << quote(subject.text) << " VALUES (1);";
-    }
-    const SqliteDatabase database = SqliteDatabase::OpenMemory();
-    RunSql(database, script.str());
-    FormatOptions options;
-    options.sql.select = SqlOptions::ESelect::FirstItems;
-    EXPECT_EQ(RunSql(database, WriteAs("sql", model, question, options)),
-              qe::test::SqlRows{std::vector<std::string>(names.size() + 1, "1")});
-    const nlohmann::json json = nlohmann::json::parse(WriteAs("json", model, question));
-    for (std::size_t index = 0; index < names.size(); ++index)
-        EXPECT_EQ(json["joins"][index]["name"], names[index]);
-    for (const char letter : WriteAs("text", model, question))
-        EXPECT_TRUE(letter == '\n' || static_cast<unsigned char>(letter) >= 0x20);
 }
 
 TEST(OutputTest, DisplayTextEscapesWhatIsNoText)

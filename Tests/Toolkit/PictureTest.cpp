@@ -3,7 +3,6 @@
 #include "Toolkit/Ask/Asker.h"
 #include "Toolkit/Draw/DotWriter.h"
 #include "Toolkit/Draw/Pictures.h"
-#include "Toolkit/Model/ModelFile.h"
 
 #include <cstdlib>
 #include <gmock/gmock.h>
@@ -89,45 +88,6 @@ TEST(Pictures, TellWhatIsMissing)
                 }),
                 testing::HasSubstr("install Graphviz"));
     setenv("PATH", path.c_str(), 1);
-}
-
-TEST(HostileNames, StayWholeAndHarmless)
-{
-    if (std::system("dot -V > /dev/null 2>&1") != 0)
-        GTEST_SKIP() << "Graphviz is not installed";
-    // The subjects of the model around its hub, as markup shows them.
-    const std::string shown[] = {
-        "&lt;b&gt;bold&lt;/b&gt; &amp; &quot;quoted&quot; &#39;text&#39;",
-        "&lt;/script&gt;&lt;script&gt;alert(1)&lt;/script&gt;",
-        "two\\nlines\\r\\tand\\x01\\x1B[31m",
-        "right \\u{202E} tfel",
-        "&amp;lt;entity&amp;gt; \\N \\L {a|b}",
-        "a]]b; DROP TABLE t; -- @DATA@",
-        "\u05E2\u05D1\u05E8\u05D9\u05EA \u4E2D\u6587",
-    };
-    const ToolModel model = ReadModelFile(QEREFINER_SOURCE_DIR "/Tests/Support/hostile.json");
-    int number = 1;
-    for (const std::string& name : shown) {
-        SCOPED_TRACE(name);
-        const Question question = Connect({"100:" + std::to_string(++number), "Hub"});
-        const std::string svg = WriteAs("svg", model, question);
-        const std::string html = WriteAs("html", model, question);
-        // Nothing that a name holds is markup, a control character or a mark of direction.
-        for (const std::string& text : {svg, html}) {
-            EXPECT_EQ(text.find("<b>"), std::string::npos);
-            EXPECT_EQ(text.find("<script>alert"), std::string::npos);
-        }
-        for (const std::string& text : {svg, html, WriteAs("dot", model, question)}) {
-            EXPECT_EQ(text.find("\u202E"), std::string::npos);
-            EXPECT_EQ(text.find_first_of("\x01\x1B\x7F"), std::string::npos);
-        }
-        EXPECT_NE(html.find(name), std::string::npos);
-        EXPECT_NE(svg.find("<title>" + name + "</title>"), std::string::npos);
-        // Both ends of the data script stand: nothing in it ends it early.
-        EXPECT_EQ(html.find("</script>", html.find("id=\"data\"")),
-                  html.find("</script>\n<script>\n"));
-        EXPECT_EQ(WriteAs("png", model, question).substr(1, 3), "PNG");
-    }
 }
 
 } // namespace

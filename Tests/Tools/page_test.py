@@ -22,7 +22,13 @@ except ImportError:
 
 DRIVER = "/usr/bin/chromedriver"
 BROWSER = "/usr/bin/chromium"
-HOSTILE_MODEL = Path(__file__).parents[1] / "Support" / "hostile.json"
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "Support"))
+import hostile  # noqa: E402
+
+# What markup or a script could be made of.
+HOSTILE_NAMES = [hostile.NAMES[kind] for kind in (
+    "quotes", "markup", "script", "handler", "comment", "lines", "controls", "direction",
+    "invisible", "percent", "entity", "template")]
 
 
 def write(output_format, model, *subjects):
@@ -78,8 +84,8 @@ TITLE_OF_PICTURE = r"""
     const picture = new DOMParser().parseFromString(arguments[0], 'image/svg+xml');
     if (picture.querySelector('parsererror')) return 'not well-formed';
     const other = selector => [...picture.querySelectorAll('.asked ' + selector)]
-        .map(part => part.textContent.replaceAll('\u00a0', ' ')).find(text => text !== 'Hub');
-    return other('title') === other('text') ? 'Joins for ' + other('title') + ', Hub'
+        .map(part => part.textContent.replaceAll('\u00a0', ' ')).find(text => text !== 'hub');
+    return other('title') === other('text') ? 'Joins for ' + other('title') + ', hub'
         : other('title') + ' is not ' + other('text');"""
 
 
@@ -195,10 +201,11 @@ class Pages(unittest.TestCase):
             self.assertEqual(paper < 0.2, scheme == "dark")
 
     def test_show_hostile_names_as_text(self):
-        subjects = json.loads(HOSTILE_MODEL.read_text(encoding="utf-8"))["subjects"]
-        for number, subject in enumerate(subjects[1:], 2):
-            with self.subTest(name=subject["name"]):
-                question = (HOSTILE_MODEL, f"100:{number}", "Hub")
+        model = Path(self.folder.name, "hostile.json")
+        model.write_text(json.dumps(hostile.make_model(HOSTILE_NAMES)), encoding="utf-8")
+        for name in HOSTILE_NAMES:
+            with self.subTest(name=name):
+                question = (model, f"{hostile.bracket(name)}.{hostile.bracket(name)}", "hub")
                 self.show(*question)
                 # An alert would make these fail.
                 self.assertEqual(self.run_script(

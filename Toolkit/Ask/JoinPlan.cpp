@@ -2,6 +2,7 @@
 
 #include "IdClass.h"
 #include "Source/Rules/Cardinality.h"
+#include "Toolkit/Ask/JoinSweep.h"
 #include "Toolkit/Ask/SubjectGroups.h"
 
 #include <algorithm>
@@ -73,7 +74,7 @@ public:
     JoinPlanner(const PathTables& tables, const JoinOptions& options)
         : mTables(tables),
           mOptions(options),
-          mJoins(tables.GetJoins()),
+          mSweep(tables.GetJoins(), tables.GetCount()),
           mIsIn(tables.GetCount(), false),
           mIsOptional(tables.GetCount(), false)
     {}
@@ -93,21 +94,26 @@ public:
 private:
     void AddPart(std::size_t start)
     {
-        mIsIn[start] = true;
         mSteps.push_back({.table = start});
-        while (AddNext()) {}
+        Enter(start);
+        // The next is the first join of the path that leads further.
+        while (!mLeading.empty()) {
+            const TableJoin& join = mSweep.GetJoin(*mLeading.begin());
+            AddTable(join, mIsIn[join.left] ? join.left : join.right);
+        }
     }
 
-    /// Adds the table that the next join of the path leads to; false when none leads further.
-    bool AddNext()
+    void Enter(std::size_t table)
     {
-        for (const TableJoin& join : mJoins) {
-            if (const auto from = FindInner(mIsIn, join)) {
-                AddTable(join, *from);
-                return true;
+        mIsIn[table] = true;
+        for (const std::size_t position : mSweep.GetTouching(table)) {
+            if (mIsIn[mSweep.GetJoin(position).OtherEnd(table)]) {
+                mLeading.erase(position);
+                mReady.insert(position);
+            } else {
+                mLeading.insert(position);
             }
         }
-        return false;
     }
 
     void AddTable(const TableJoin& join, std::size_t from)
@@ -116,7 +122,7 @@ private:
         const bool mayMiss = mIsOptional[from] ||
                              join.CardinalityAt(to).minimum == BMT_I_Association::CardinalityZero;
         mIsOptional[to] = mayMiss && mOptions.outerJoins == JoinOptions::EOuterJoins::ByCardinality;
-        mIsIn[to] = true;
+        Enter(to);
         mSteps.push_back(
             {.table = to, .from = from, .joins = TakeReady(), .isOuter = mIsOptional[to]});
     }
@@ -126,10 +132,9 @@ private:
     [[nodiscard]] std::vector<TableJoin> TakeReady()
     {
         std::vector<TableJoin> ready;
-        std::vector<TableJoin> rest;
-        for (const TableJoin& join : mJoins)
-            (mIsIn[join.left] && mIsIn[join.right] ? ready : rest).push_back(join);
-        mJoins = std::move(rest);
+        for (const std::size_t position : mReady)
+            ready.push_back(mSweep.GetJoin(position));
+        mReady.clear();
         return ready;
     }
 
@@ -137,47 +142,67 @@ private:
     {
         if (mOptions.start && mTables.Has(*mOptions.start))
             return mTables.IndexOf(*mOptions.start);
-        std::size_t best = 0;
-        for (std::size_t table = 1; table < mTables.GetCount(); ++table) {
-            if (CountManySteps(table) < CountManySteps(best))
-                best = table;
-        }
-        return best;
+        const std::vector<int> counts = CountManySteps();
+        return static_cast<std::size_t>(std::min_element(counts.begin(), counts.end()) -
+                                        counts.begin());
+    }
+
+    /// Returns for each table how many joins lead to a "many" side when it comes first.
+    [[nodiscard]] std::vector<int> CountManySteps() const
+    {
+        std::vector<int> counts(mTables.GetCount(), 0);
+        if (CountInForest(counts))
+            return counts;
+        for (std::size_t table = 0; table < counts.size(); ++table)
+            counts[table] = CountManySteps(table);
+        return counts;
     }
 
     [[nodiscard]] int CountManySteps(std::size_t start) const
     {
-        std::vector<bool> isIn(mTables.GetCount(), false);
-        isIn[start] = true;
         int count = 0;
-        for (bool isGrowing = true; isGrowing;) {
-            isGrowing = false;
-            for (const TableJoin& join : mTables.GetJoins()) {
-                if (const auto from = FindInner(isIn, join)) {
-                    const std::size_t to = join.OtherEnd(*from);
-                    isIn[to] = true;
-                    isGrowing = true;
-                    count += IsToMany(join.CardinalityAt(to)) ? 1 : 0;
-                }
-            }
-        }
+        std::size_t reached = 1;
+        mSweep.Reach(start, [&](const TableJoin& join, std::size_t to) {
+            ++reached;
+            count += ManyAt(join, to);
+        });
         // Starting apart from the joins would put them all behind a CROSS JOIN.
-        return count + (std::count(isIn.begin(), isIn.end(), true) == 1 ? 1 : 0);
+        return count + (reached == 1 ? 1 : 0);
     }
 
-    /// Returns the one table of the join that is in, when the other is not.
-    [[nodiscard]] static std::optional<std::size_t> FindInner(const std::vector<bool>& isIn,
-                                                              const TableJoin& join)
+    /// Counts from the start of each part; from there to the next table only the join between them
+    /// is gone the other way. Returns false when joins close a cycle.
+    [[nodiscard]] bool CountInForest(std::vector<int>& counts) const
     {
-        if (isIn[join.left] == isIn[join.right])
-            return std::nullopt;
-        return isIn[join.left] ? join.left : join.right;
+        std::size_t reached = 0;
+        std::vector<bool> isKnown(counts.size(), false);
+        for (std::size_t start = 0; start < counts.size(); ++start) {
+            if (isKnown[start])
+                continue;
+            isKnown[start] = true;
+            counts[start] = CountManySteps(start);
+            mSweep.Reach(start, [&](const TableJoin& join, std::size_t to) {
+                const std::size_t from = join.OtherEnd(to);
+                counts[to] = counts[from] - ManyAt(join, to) + ManyAt(join, from);
+                isKnown[to] = true;
+                ++reached;
+            });
+        }
+        return reached == mTables.GetJoins().size();
+    }
+
+    [[nodiscard]] static int ManyAt(const TableJoin& join, std::size_t end)
+    {
+        return IsToMany(join.CardinalityAt(end)) ? 1 : 0;
     }
 
     const PathTables& mTables;
     const JoinOptions& mOptions;
-    /// Those that no step has yet, in path order.
-    std::vector<TableJoin> mJoins;
+    JoinSweep<TableJoin> mSweep;
+    /// The joins that lead from what is in to what is not, by their places in the path.
+    std::set<std::size_t> mLeading{};
+    /// Those both of whose tables are in and that no step has yet.
+    std::set<std::size_t> mReady{};
     std::vector<bool> mIsIn;
     std::vector<bool> mIsOptional;
     std::vector<JoinStep> mSteps;

@@ -219,8 +219,11 @@ class LostRows
 {
 public:
     LostRows(const PathTables& path, const std::vector<JoinStep>& steps)
-        : mPath(path), mSteps(steps)
-    {}
+        : mPath(path), mSteps(steps), mStepOf(path.GetCount())
+    {
+        for (std::size_t i = 0; i < steps.size(); ++i)
+            mStepOf[steps[i].table] = i;
+    }
 
     /// Appends to the risks.
     void Find(const Tables& dimensions, Risks& risks) const;
@@ -239,11 +242,7 @@ private:
     [[nodiscard]] std::span<const JoinStep> GetPart(std::size_t table) const;
     /// Returns the steps that a statement took from where it began to the table.
     [[nodiscard]] std::set<const JoinStep*> FindRoute(std::size_t table) const;
-    [[nodiscard]] const JoinStep& StepTo(std::size_t table) const
-    {
-        return *std::find_if(mSteps.begin(), mSteps.end(),
-                             [table](const JoinStep& step) { return step.table == table; });
-    }
+    [[nodiscard]] const JoinStep& StepTo(std::size_t table) const { return mSteps[mStepOf[table]]; }
     /// Returns whether the table may have no row for a row at the other end of the step. Several
     /// conditions at once may leave none.
     [[nodiscard]] static bool MayMiss(const JoinStep& step, std::size_t table)
@@ -255,6 +254,8 @@ private:
 
     const PathTables& mPath;
     const std::vector<JoinStep>& mSteps;
+    /// The position of the step to each table.
+    std::vector<std::size_t> mStepOf;
 };
 
 void LostRows::Find(const Tables& dimensions, Risks& risks) const
@@ -314,7 +315,10 @@ std::set<const JoinStep*> LostRows::FindRoute(std::size_t table) const
 Lost LostRows::Describe(std::size_t table, const Missing& missing) const
 {
     Lost lost{.subject = mPath.GetSubjects(table).front()};
-    for (const auto& [other, step] : missing) {
+    // A list for each of many subjects would take the square of their number.
+    constexpr std::size_t kMostMissing = 1000;
+    for (const auto& [other, step] :
+         std::span(missing).first(std::min(missing.size(), kMostMissing))) {
         lost.missing.push_back(mPath.GetSubjects(other).front());
         for (const TableJoin& join : step->joins)
             lost.joins.push_back(join.join->id);

@@ -17,10 +17,13 @@ bool IsManyAt(const TableJoin& join, std::size_t end)
 
 } // namespace
 
-RowGraph::RowGraph(const PathTables& path) : mPath(path), mEntities(path.GetCount(), kNone)
+RowGraph::RowGraph(const PathTables& path)
+    : mPath(path), mSweep(path.GetJoins(), path.GetCount()), mEntities(path.GetCount(), kNone)
 {
     FindEntities();
     FindUpSteps();
+    for (std::size_t table = 0; table < path.GetCount() && path.IsAsked(table); ++table)
+        mIsRepeated.push_back(!LeadsToAll(table));
 }
 
 void RowGraph::FindEntities()
@@ -31,9 +34,9 @@ void RowGraph::FindEntities()
         mEntities[table] = mMembers.size();
         Tables members{table};
         for (std::size_t next = 0; next < members.size(); ++next) {
-            for (const TableJoin& join : mPath.GetJoins()) {
-                const bool touches = join.left == members[next] || join.right == members[next];
-                if (!touches || IsManyAt(join, join.left) || IsManyAt(join, join.right))
+            for (const std::size_t position : mSweep.GetTouching(members[next])) {
+                const TableJoin& join = mSweep.GetJoin(position);
+                if (IsManyAt(join, join.left) || IsManyAt(join, join.right))
                     continue;
                 const std::size_t other = join.OtherEnd(members[next]);
                 if (mEntities[other] == kNone) {
@@ -90,15 +93,15 @@ std::set<std::size_t> RowGraph::FindTops(std::size_t entity) const
 std::set<std::size_t> RowGraph::FindSide(std::size_t entity, std::size_t barrier) const
 {
     std::set<std::size_t> side{entity};
-    for (bool isGrowing = true; isGrowing;) {
-        isGrowing = false;
-        for (const TableJoin& join : mPath.GetJoins()) {
-            const std::size_t left = mEntities[join.left];
-            const std::size_t right = mEntities[join.right];
-            if (left == barrier || right == barrier || side.count(left) == side.count(right))
-                continue;
-            side.insert({left, right});
-            isGrowing = true;
+    for (std::vector<std::size_t> open{entity}; !open.empty();) {
+        const Tables& members = mMembers[open.back()];
+        open.pop_back();
+        for (const std::size_t table : members) {
+            for (const std::size_t position : mSweep.GetTouching(table)) {
+                const std::size_t other = mEntities[mSweep.GetJoin(position).OtherEnd(table)];
+                if (other != barrier && side.insert(other).second)
+                    open.push_back(other);
+            }
         }
     }
     return side;
@@ -117,45 +120,32 @@ std::vector<std::set<std::size_t>> RowGraph::FindParts() const
     return parts;
 }
 
-bool RowGraph::IsRepeated(std::size_t table) const
+/// Returns whether to-one joins lead from the table to all others: a row of it has one of each.
+bool RowGraph::LeadsToAll(std::size_t table) const
 {
-    // What to-one joins lead to, a row of the table has one of.
     std::vector<bool> isSingle(mPath.GetCount(), false);
     isSingle[table] = true;
-    std::size_t count = 1;
-    for (bool isGrowing = true; isGrowing;) {
-        isGrowing = false;
-        for (const TableJoin& join : mPath.GetJoins()) {
-            if (isSingle[join.left] == isSingle[join.right])
-                continue;
-            const std::size_t to = isSingle[join.left] ? join.right : join.left;
-            if (IsManyAt(join, to))
+    Tables single{table};
+    for (std::size_t next = 0; next < single.size(); ++next) {
+        for (const std::size_t position : mSweep.GetTouching(single[next])) {
+            const TableJoin& join = mSweep.GetJoin(position);
+            const std::size_t to = join.OtherEnd(single[next]);
+            if (isSingle[to] || IsManyAt(join, to))
                 continue;
             isSingle[to] = true;
-            isGrowing = true;
-            ++count;
+            single.push_back(to);
         }
     }
-    return count < mPath.GetCount();
+    return single.size() == mPath.GetCount();
 }
 
 RowGraph::Joins RowGraph::FindRepeating(std::size_t table) const
 {
-    std::vector<bool> isIn(mPath.GetCount(), false);
-    isIn[table] = true;
     std::set<const TableJoin*> repeating;
-    for (bool isGrowing = true; isGrowing;) {
-        isGrowing = false;
-        for (const TableJoin& join : mPath.GetJoins()) {
-            if (isIn[join.left] == isIn[join.right])
-                continue;
-            const std::size_t to = isIn[join.left] ? join.right : join.left;
-            if (IsManyAt(join, to))
-                repeating.insert(&join);
-            isIn[to] = true;
-            isGrowing = true;
-        }
-    }
+    mSweep.Reach(table, [&repeating](const TableJoin& join, std::size_t to) {
+        if (IsManyAt(join, to))
+            repeating.insert(&join);
+    });
     return {repeating.begin(), repeating.end()};
 }
 

@@ -2,6 +2,7 @@
 #define TOOLKIT_ASK_ROWGRAPH_H
 
 #include "Toolkit/Ask/JoinPlan.h"
+#include "Toolkit/Ask/JoinSweep.h"
 
 #include <cstddef>
 #include <set>
@@ -48,8 +49,8 @@ public:
     /// Returns the entities in parts that no join connects.
     [[nodiscard]] std::vector<std::set<std::size_t>> FindParts() const;
 
-    /// Returns whether several rows of the path may hold the same row of the table.
-    [[nodiscard]] bool IsRepeated(std::size_t table) const;
+    /// Returns whether several rows of the path may hold the same row of a table of the question.
+    [[nodiscard]] bool IsRepeated(std::size_t table) const { return mIsRepeated[table]; }
     /// Returns the joins that lead to a "many" side on the way from the table.
     [[nodiscard]] Joins FindRepeating(std::size_t table) const;
     [[nodiscard]] Joins FindManyToMany() const;
@@ -57,11 +58,14 @@ public:
 private:
     void FindEntities();
     void FindUpSteps();
+    [[nodiscard]] bool LeadsToAll(std::size_t table) const;
 
     const PathTables& mPath;
+    JoinSweep<TableJoin> mSweep;
     std::vector<std::size_t> mEntities;
     std::vector<Tables> mMembers;
     std::vector<std::vector<UpStep>> mUpSteps;
+    std::vector<bool> mIsRepeated;
 };
 
 } // namespace qe::tool

@@ -2,6 +2,7 @@
 
 #include "Toolkit/Draw/Picture.h"
 #include "Toolkit/Text/DisplayText.h"
+#include "Toolkit/Text/PlainText.h"
 #include "Toolkit/Text/TextStream.h"
 
 #include <algorithm>
@@ -21,6 +22,8 @@ constexpr const char* kContextColour = "#767676";
 
 /// Names of joins longer than this only stand in the tooltip.
 constexpr std::size_t kLongestEdgeLabel = 60;
+/// Graphviz reads no text of more than 16,384 bytes, and nobody a much shorter one.
+constexpr std::size_t kLongestText = 1000;
 /// With more joins, those beside the answer have no cardinalities.
 constexpr std::size_t kManyEdges = 60;
 
@@ -198,7 +201,7 @@ std::vector<std::string> Caption(const Picture& picture)
 std::string QuoteForDot(std::string_view text)
 {
     std::string quoted = "\"";
-    for (const char character : ToDisplayText(text)) {
+    for (const char character : ShortenText(ToDisplayText(text), kLongestText)) {
         if (character == '&')
             quoted += "&amp;";
         else {

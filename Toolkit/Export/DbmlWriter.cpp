@@ -1,6 +1,7 @@
 #include "Toolkit/Export/ExportWriters.h"
 #include "Toolkit/Export/ExportedModel.h"
 #include "Toolkit/Text/DisplayText.h"
+#include "Toolkit/Text/PlainText.h"
 
 #include <string_view>
 
@@ -11,11 +12,9 @@ namespace {
 /// Names may hold anything but double quotes, backslashes and control characters.
 std::string Spell(std::string_view name)
 {
-    std::string spelled;
-    for (const char c : name) {
-        const bool isControl = static_cast<unsigned char>(c) < ' ';
-        spelled += c == '"' ? '\'' : c == '\\' ? '/' : isControl ? ' ' : c;
-    }
+    std::string spelled = ReplaceHarmful(name, ' ');
+    for (char& c : spelled)
+        c = c == '"' ? '\'' : c == '\\' ? '/' : c;
     return spelled;
 }
 
@@ -28,10 +27,10 @@ std::string QuoteName(const std::string& name)
 std::string QuoteText(std::string_view text)
 {
     std::string quoted = "'";
-    for (const char c : text) {
+    for (const char c : ReplaceHarmful(text, ' ')) {
         if (c == '\'' || c == '\\')
             quoted += '\\';
-        quoted += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+        quoted += c;
     }
     return quoted + '\'';
 }

@@ -1,6 +1,7 @@
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Export/ExportWriters.h"
 #include "Toolkit/Export/ExportedModel.h"
+#include "Toolkit/Text/PlainText.h"
 
 #include <algorithm>
 #include <map>
@@ -14,11 +15,9 @@ namespace {
 /// Texts between quotes may hold neither quotes nor "%", a backslash or control characters.
 std::string Spell(std::string_view text)
 {
-    std::string spelled;
-    for (const char c : text) {
-        const bool isForbidden = c == '%' || c == '\\' || static_cast<unsigned char>(c) < ' ';
-        spelled += c == '"' ? '\'' : isForbidden ? '_' : c;
-    }
+    std::string spelled = ReplaceHarmful(text, '_');
+    for (char& c : spelled)
+        c = c == '"' ? '\'' : c == '%' || c == '\\' ? '_' : c;
     return spelled;
 }
 
@@ -27,13 +26,15 @@ std::string Quote(std::string_view text)
     return '"' + Spell(text) + '"';
 }
 
-/// Names of columns are plain words.
+/// Names of columns are plain words, but not those that mark keys.
 std::string ToWord(std::string_view name)
 {
     std::string word;
     for (const char c : name)
         word += ascii::IsLetter(c) || ascii::IsDigit(c) ? c : '_';
-    return word.empty() || ascii::IsDigit(word.front()) ? '_' + word : word;
+    const std::string lower = ascii::ToLower(word);
+    const bool isMark = lower == "pk" || lower == "fk" || lower == "uk";
+    return isMark || word.empty() || ascii::IsDigit(word.front()) ? '_' + word : word;
 }
 
 const char* LeftSign(const ExportedEnd& end)

@@ -1,5 +1,7 @@
 #include "Toolkit/Text/InputFile.h"
 
+#include "Toolkit/Text/PlainText.h"
+
 #include <array>
 #include <cerrno>
 #include <fstream>
@@ -11,7 +13,10 @@ namespace {
 
 std::string ToLine(const InputProblem& problem)
 {
-    return (problem.place.empty() ? problem.text : problem.place + ": " + problem.text) +
+    // A name may be as long as the file that it stands in.
+    constexpr std::size_t kLongest = 1000;
+    const std::string text = ShortenText(problem.text, kLongest);
+    return (problem.place.empty() ? text : problem.place + ": " + text) +
            ToHint(problem.nearestNames);
 }
 
@@ -21,9 +26,10 @@ std::string ToHint(const std::vector<std::string>& nearestNames)
 {
     // More names than these are no hint.
     constexpr std::size_t kShown = 3;
+    constexpr std::size_t kLongest = 200;
     std::string hint;
     for (std::size_t i = 0; i < nearestNames.size() && i < kShown; ++i)
-        hint += (i == 0 ? " (did you mean " : " or ") + nearestNames[i];
+        hint += (i == 0 ? " (did you mean " : " or ") + ShortenText(nearestNames[i], kLongest);
     return hint.empty() ? hint : hint + "?)";
 }
 
