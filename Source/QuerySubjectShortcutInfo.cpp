@@ -96,7 +96,8 @@ amd_id AQE_QuerySubjectShortcutInfo::GetGroupKey(const amd_id& id)
     if (const auto cached = mGroupKeyCache.find(id); cached != mGroupKeyCache.end())
         return cached->second;
     const amd_id key = mGroups.FindKey(id);
-    mGroupKeyCache[id] = key;
+    if (!mGroups.IsComplete())
+        mGroupKeyCache[id] = key;
     return key;
 }
 

@@ -35,6 +35,7 @@ private:
     void WriteLog();
 
     qe::ShortcutGroups mGroups;
+    /// What was answered before all groups were there.
     std::map<amd_id, amd_id> mGroupKeyCache;
     /// Set when a build starts, so that one that fails is not tried again.
     bool mBuilt = false;

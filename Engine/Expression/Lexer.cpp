@@ -179,7 +179,7 @@ Token Lexer::TakeSymbol()
 {
     const std::string_view rest = mText.substr(mOffset);
     for (const Spelling& symbol : kSymbols)
-        if (rest.substr(0, symbol.text.size()) == symbol.text)
+        if (symbol.text.front() == rest.front() && rest.starts_with(symbol.text))
             return Take(symbol.kind, symbol.text.size());
     return Take(ETokenKind::Unknown, 1);
 }

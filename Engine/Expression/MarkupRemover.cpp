@@ -170,7 +170,7 @@ MarkupRemover::MarkupRemover(std::string_view text) : mText(text)
 UntaggedText MarkupRemover::Run()
 {
     // Most expressions hold neither tags nor entities.
-    if (mText.find_first_of("<&") == std::string_view::npos) {
+    if (mText.find('<') == std::string_view::npos && mText.find('&') == std::string_view::npos) {
         mResult.Append(mText, 0);
         return std::move(mResult);
     }

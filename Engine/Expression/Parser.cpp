@@ -1,27 +1,12 @@
 #include "Engine/Expression/Parser.h"
 
-#include "Engine/Expression/Lexer.h"
 #include "Engine/Expression/Operators.h"
-#include "Engine/Services/Characters.h"
 
-#include <exception>
 #include <utility>
 
 namespace qe::expression {
 
 namespace {
-
-class SyntaxFailure : public std::exception
-{
-public:
-    explicit SyntaxFailure(ParseFailure failure) : mFailure(std::move(failure)) {}
-
-    [[nodiscard]] const char* what() const noexcept override { return mFailure.expected.c_str(); }
-    [[nodiscard]] const ParseFailure& Get() const noexcept { return mFailure; }
-
-private:
-    ParseFailure mFailure;
-};
 
 using NodePointer = std::unique_ptr<Node>;
 
@@ -30,7 +15,7 @@ constexpr EPrecedence kPredicateOperands = TighterThan(EPrecedence::Predicate);
 class Parser
 {
 public:
-    explicit Parser(std::string_view text) : mLexer(text), mCurrent(mLexer.Next()) {}
+    explicit Parser(std::string_view text) : mTokens(text) {}
 
     NodePointer ParseAll();
     std::vector<PlacedReference> TakeReferences() { return std::move(mReferences); }
@@ -65,19 +50,7 @@ private:
     NodePointer ParseNameOrCall();
 
     [[nodiscard]] EPrecedence PrecedenceAfterOperand() const;
-    [[nodiscard]] bool Is(ETokenKind kind) const { return mCurrent.kind == kind; }
-    [[nodiscard]] bool IsWord(std::string_view word) const
-    {
-        return Is(ETokenKind::Word) && ascii::ToLower(std::string(mCurrent.text)) == word;
-    }
-    Token Advance() { return std::exchange(mCurrent, mLexer.Next()); }
-    bool Accept(ETokenKind kind);
-    void Expect(ETokenKind kind, const char* expected);
-    [[noreturn]] void Fail(std::string expected) const;
-    [[noreturn]] void FailAtOpenName() const;
-
-    Lexer mLexer;
-    Token mCurrent;
+    TokenCursor mTokens;
     std::vector<PlacedReference> mReferences;
     int mNesting = 0;
 };
@@ -85,14 +58,15 @@ private:
 Parser::Nesting::Nesting(Parser& parser) : mParser(parser)
 {
     if (parser.mNesting == kMaximumNesting)
-        parser.Fail("no more than " + std::to_string(kMaximumNesting) + " levels of nesting");
+        parser.mTokens.Fail("no more than " + std::to_string(kMaximumNesting) +
+                            " levels of nesting");
     ++parser.mNesting;
 }
 
 NodePointer Parser::ParseAll()
 {
     NodePointer root = ParseExpression(EPrecedence::Or);
-    Expect(ETokenKind::End, "an operator or the end of the text");
+    mTokens.Expect(ETokenKind::End, "an operator or the end of the text");
     return root;
 }
 
@@ -101,14 +75,14 @@ NodePointer Parser::ParseAll()
 /// associate.
 NodePointer Parser::ParseExpression(EPrecedence loosest)
 {
-    const bool negated = Is(ETokenKind::Not) && loosest <= EPrecedence::Not;
+    const bool negated = mTokens.Is(ETokenKind::Not) && loosest <= EPrecedence::Not;
     NodePointer left = negated ? ParseNested(ENodeKind::Not, EPrecedence::Not) : ParseOperand();
     EPrecedence last = negated ? EPrecedence::Not : EPrecedence::Primary;
     for (;;) {
         const EPrecedence next = PrecedenceAfterOperand();
         if (next < loosest || next >= last)
             return left;
-        const InfixRule* const rule = FindInfixRule(mCurrent.kind);
+        const InfixRule* const rule = FindInfixRule(mTokens.Get().kind);
         left = rule == nullptr ? ParsePredicate(std::move(left))
                                : ParseInfix(std::move(left), rule->node);
         last = next;
@@ -118,9 +92,9 @@ NodePointer Parser::ParseExpression(EPrecedence loosest)
 /// Returns Primary where no operator follows.
 EPrecedence Parser::PrecedenceAfterOperand() const
 {
-    if (const InfixRule* const rule = FindInfixRule(mCurrent.kind))
+    if (const InfixRule* const rule = FindInfixRule(mTokens.Get().kind))
         return PrecedenceOf(rule->node);
-    switch (mCurrent.kind) {
+    switch (mTokens.Get().kind) {
     case ETokenKind::Not:
     case ETokenKind::In:
     case ETokenKind::Like:
@@ -141,9 +115,9 @@ NodePointer Parser::ParseInfix(NodePointer left, ENodeKind kind)
         chain = std::move(parent);
     }
     const EPrecedence operands = TighterThan(PrecedenceOf(kind));
-    for (const InfixRule* rule = FindInfixRule(mCurrent.kind);
-         rule != nullptr && rule->node == kind; rule = FindInfixRule(mCurrent.kind)) {
-        Advance();
+    for (const InfixRule* rule = FindInfixRule(mTokens.Get().kind);
+         rule != nullptr && rule->node == kind; rule = FindInfixRule(mTokens.Get().kind)) {
+        mTokens.Advance();
         chain->AddOperator(rule->op);
         NodePointer right = ParseExpression(operands);
         if (right->GetKind() == kind && IsAssociative(kind))
@@ -158,35 +132,36 @@ NodePointer Parser::ParseInfix(NodePointer left, ENodeKind kind)
 
 NodePointer Parser::ParsePredicate(NodePointer left)
 {
-    bool negated = Accept(ETokenKind::Not);
-    if (negated && !Is(ETokenKind::In) && !Is(ETokenKind::Like) && !Is(ETokenKind::Between))
-        Fail("IN, LIKE or BETWEEN");
-    const ETokenKind keyword = Advance().kind;
+    bool negated = mTokens.Accept(ETokenKind::Not);
+    if (negated && !mTokens.Is(ETokenKind::In) && !mTokens.Is(ETokenKind::Like) &&
+        !mTokens.Is(ETokenKind::Between))
+        mTokens.Fail("IN, LIKE or BETWEEN");
+    const ETokenKind keyword = mTokens.Advance().kind;
     if (keyword == ETokenKind::Is) {
-        negated = Accept(ETokenKind::Not);
-        if (IsWord("distinct"))
+        negated = mTokens.Accept(ETokenKind::Not);
+        if (mTokens.IsWord("distinct"))
             return ParseDistinct(std::move(left), negated);
     }
     auto predicate = std::make_unique<Node>(PredicateOf(keyword));
     predicate->AddOperand(std::move(left));
     switch (predicate->GetKind()) {
     case ENodeKind::In:
-        Expect(ETokenKind::LeftParenthesis, "'('");
+        mTokens.Expect(ETokenKind::LeftParenthesis, "'('");
         ParseList(*predicate);
         break;
     case ENodeKind::Like:
         predicate->AddOperand(ParseExpression(kPredicateOperands));
-        if (Accept(ETokenKind::Escape))
+        if (mTokens.Accept(ETokenKind::Escape))
             predicate->AddOperand(ParseExpression(kPredicateOperands));
         break;
     case ENodeKind::Between:
         predicate->AddOperand(ParseExpression(kPredicateOperands));
-        Expect(ETokenKind::And, "an operator or AND");
+        mTokens.Expect(ETokenKind::And, "an operator or AND");
         predicate->AddOperand(ParseExpression(kPredicateOperands));
         break;
     default:
-        Expect(ETokenKind::Null,
-               negated ? "NULL or DISTINCT FROM" : "NULL, NOT NULL or DISTINCT FROM");
+        mTokens.Expect(ETokenKind::Null,
+                       negated ? "NULL or DISTINCT FROM" : "NULL, NOT NULL or DISTINCT FROM");
         break;
     }
     if (negated)
@@ -197,10 +172,10 @@ NodePointer Parser::ParsePredicate(NodePointer left)
 /// Parses what follows IS or IS NOT. DISTINCT and FROM are names everywhere else.
 NodePointer Parser::ParseDistinct(NodePointer left, bool negated)
 {
-    Advance();
-    if (!IsWord("from"))
-        Fail("FROM");
-    Advance();
+    mTokens.Advance();
+    if (!mTokens.IsWord("from"))
+        mTokens.Fail("FROM");
+    mTokens.Advance();
     auto predicate = std::make_unique<Node>(ENodeKind::Distinct);
     predicate->AddOperand(std::move(left));
     predicate->AddOperand(ParseExpression(kPredicateOperands));
@@ -212,7 +187,7 @@ NodePointer Parser::ParseDistinct(NodePointer left, bool negated)
 NodePointer Parser::ParseNested(ENodeKind kind, EPrecedence loosest)
 {
     const Nesting nesting(*this);
-    Advance();
+    mTokens.Advance();
     auto parent = std::make_unique<Node>(kind);
     parent->AddOperand(ParseExpression(loosest));
     return parent;
@@ -224,13 +199,13 @@ void Parser::ParseList(Node& parent)
     const Nesting nesting(*this);
     do {
         parent.AddOperand(ParseExpression(EPrecedence::Or));
-    } while (Accept(ETokenKind::Comma));
-    Expect(ETokenKind::RightParenthesis, "an operator, ',' or ')'");
+    } while (mTokens.Accept(ETokenKind::Comma));
+    mTokens.Expect(ETokenKind::RightParenthesis, "an operator, ',' or ')'");
 }
 
 NodePointer Parser::ParseOperand()
 {
-    switch (mCurrent.kind) {
+    switch (mTokens.Get().kind) {
     case ETokenKind::Minus:
         return ParseNested(ENodeKind::Negation, EPrecedence::Negation);
     case ETokenKind::LeftParenthesis:
@@ -242,56 +217,56 @@ NodePointer Parser::ParseOperand()
     case ETokenKind::QuotedName:
         return ParseReference();
     case ETokenKind::String:
-        return std::make_unique<Node>(ENodeKind::String, GetValue(Advance()));
+        return std::make_unique<Node>(ENodeKind::String, GetValue(mTokens.Advance()));
     case ETokenKind::Number:
-        return std::make_unique<Node>(ENodeKind::Number, std::string(Advance().text));
+        return std::make_unique<Node>(ENodeKind::Number, std::string(mTokens.Advance().text));
     case ETokenKind::Null:
-        return std::make_unique<Node>(ENodeKind::Name, std::string(Advance().text));
+        return std::make_unique<Node>(ENodeKind::Name, std::string(mTokens.Advance().text));
     case ETokenKind::Word:
         return ParseNameOrCall();
     case ETokenKind::OpenName:
-        FailAtOpenName();
+        mTokens.FailAtOpenName();
     case ETokenKind::OpenString:
-        Fail("a text that ends in a single quote");
+        mTokens.Fail("a text that ends in a single quote");
     default:
-        Fail("an operand");
+        mTokens.Fail("an operand");
     }
 }
 
 NodePointer Parser::ParseParenthesis()
 {
     const Nesting nesting(*this);
-    Advance();
+    mTokens.Advance();
     NodePointer inner = ParseExpression(EPrecedence::Or);
-    Expect(ETokenKind::RightParenthesis, "an operator or ')'");
+    mTokens.Expect(ETokenKind::RightParenthesis, "an operator or ')'");
     return inner;
 }
 
 NodePointer Parser::ParseCase()
 {
     const Nesting nesting(*this);
-    Advance();
+    mTokens.Advance();
     auto choice = std::make_unique<Node>(ENodeKind::Case);
-    if (!Is(ETokenKind::When))
+    if (!mTokens.Is(ETokenKind::When))
         choice->AddOperand(ParseExpression(EPrecedence::Or));
     do {
         choice->AddOperand(ParseWhen());
-    } while (Is(ETokenKind::When));
-    if (Accept(ETokenKind::Else)) {
+    } while (mTokens.Is(ETokenKind::When));
+    if (mTokens.Accept(ETokenKind::Else)) {
         choice->AddOperand(ParseExpression(EPrecedence::Or));
-        Expect(ETokenKind::EndCase, "an operator or END");
+        mTokens.Expect(ETokenKind::EndCase, "an operator or END");
     } else {
-        Expect(ETokenKind::EndCase, "an operator, WHEN, ELSE or END");
+        mTokens.Expect(ETokenKind::EndCase, "an operator, WHEN, ELSE or END");
     }
     return choice;
 }
 
 NodePointer Parser::ParseWhen()
 {
-    Expect(ETokenKind::When, "an operator or WHEN");
+    mTokens.Expect(ETokenKind::When, "an operator or WHEN");
     auto branch = std::make_unique<Node>(ENodeKind::When);
     branch->AddOperand(ParseExpression(EPrecedence::Or));
-    Expect(ETokenKind::Then, "an operator or THEN");
+    mTokens.Expect(ETokenKind::Then, "an operator or THEN");
     branch->AddOperand(ParseExpression(EPrecedence::Or));
     return branch;
 }
@@ -299,13 +274,13 @@ NodePointer Parser::ParseWhen()
 NodePointer Parser::ParseCast()
 {
     const Nesting nesting(*this);
-    Advance();
-    Expect(ETokenKind::LeftParenthesis, "'('");
+    mTokens.Advance();
+    mTokens.Expect(ETokenKind::LeftParenthesis, "'('");
     NodePointer value = ParseExpression(EPrecedence::Or);
-    Expect(ETokenKind::As, "an operator or AS");
+    mTokens.Expect(ETokenKind::As, "an operator or AS");
     auto cast = std::make_unique<Node>(ENodeKind::Cast, ParseType());
     cast->AddOperand(std::move(value));
-    Expect(ETokenKind::RightParenthesis, "'(', ')' or more of the type");
+    mTokens.Expect(ETokenKind::RightParenthesis, "'(', ')' or more of the type");
     return cast;
 }
 
@@ -313,23 +288,23 @@ NodePointer Parser::ParseCast()
 /// them with single spaces between.
 std::string Parser::ParseType()
 {
-    if (!Is(ETokenKind::Word))
-        Fail("a type");
+    if (!mTokens.Is(ETokenKind::Word))
+        mTokens.Fail("a type");
     std::string type;
-    while (Is(ETokenKind::Word)) {
+    while (mTokens.Is(ETokenKind::Word)) {
         type += type.empty() ? "" : " ";
-        type += Advance().text;
-        if (!Accept(ETokenKind::LeftParenthesis))
+        type += mTokens.Advance().text;
+        if (!mTokens.Accept(ETokenKind::LeftParenthesis))
             continue;
         char separator = '(';
         do {
-            if (!Is(ETokenKind::Number) && !Is(ETokenKind::Word))
-                Fail("a size");
+            if (!mTokens.Is(ETokenKind::Number) && !mTokens.Is(ETokenKind::Word))
+                mTokens.Fail("a size");
             type += separator;
-            type += Advance().text;
+            type += mTokens.Advance().text;
             separator = ',';
-        } while (Accept(ETokenKind::Comma));
-        Expect(ETokenKind::RightParenthesis, "',' or ')'");
+        } while (mTokens.Accept(ETokenKind::Comma));
+        mTokens.Expect(ETokenKind::RightParenthesis, "',' or ')'");
         type += ')';
     }
     return type;
@@ -337,15 +312,15 @@ std::string Parser::ParseType()
 
 NodePointer Parser::ParseReference()
 {
-    const std::size_t offset = mCurrent.offset;
+    const std::size_t offset = mTokens.Get().offset;
     std::vector<I18NString> names;
     do {
-        if (Is(ETokenKind::OpenName))
-            FailAtOpenName();
-        if (!Is(ETokenKind::QuotedName) || mCurrent.text.size() == 2)
-            Fail("a name between brackets or double quotes");
-        names.emplace_back(GetValue(Advance()));
-    } while (Accept(ETokenKind::Dot));
+        if (mTokens.Is(ETokenKind::OpenName))
+            mTokens.FailAtOpenName();
+        if (!mTokens.Is(ETokenKind::QuotedName) || mTokens.Get().text.size() == 2)
+            mTokens.Fail("a name between brackets or double quotes");
+        names.emplace_back(GetValue(mTokens.Advance()));
+    } while (mTokens.Accept(ETokenKind::Dot));
     auto reference = std::make_unique<ReferenceNode>(names);
     mReferences.push_back({reference.get(), std::move(names), offset});
     return reference;
@@ -353,46 +328,19 @@ NodePointer Parser::ParseReference()
 
 NodePointer Parser::ParseNameOrCall()
 {
-    std::string name(Advance().text);
-    while (Accept(ETokenKind::Dot)) {
-        if (!Is(ETokenKind::Word) && KeywordOf(mCurrent.text) == ETokenKind::Word)
-            Fail("a name");
+    std::string name(mTokens.Advance().text);
+    while (mTokens.Accept(ETokenKind::Dot)) {
+        if (!mTokens.Is(ETokenKind::Word) && KeywordOf(mTokens.Get().text) == ETokenKind::Word)
+            mTokens.Fail("a name");
         name += '.';
-        name += Advance().text;
+        name += mTokens.Advance().text;
     }
-    if (!Accept(ETokenKind::LeftParenthesis))
+    if (!mTokens.Accept(ETokenKind::LeftParenthesis))
         return std::make_unique<Node>(ENodeKind::Name, std::move(name));
     auto call = std::make_unique<Node>(ENodeKind::Call, std::move(name));
-    if (!Accept(ETokenKind::RightParenthesis))
+    if (!mTokens.Accept(ETokenKind::RightParenthesis))
         ParseList(*call);
     return call;
-}
-
-bool Parser::Accept(ETokenKind kind)
-{
-    const bool found = Is(kind);
-    if (found)
-        Advance();
-    return found;
-}
-
-void Parser::Expect(ETokenKind kind, const char* expected)
-{
-    if (!Accept(kind))
-        Fail(expected);
-}
-
-void Parser::FailAtOpenName() const
-{
-    Fail(mCurrent.text.front() == '[' ? "a name that ends in ']'"
-                                      : "a name that ends in a double quote");
-}
-
-void Parser::Fail(std::string expected) const
-{
-    if (Is(ETokenKind::OpenComment))
-        expected = "a comment that ends in '*/'";
-    throw SyntaxFailure({mCurrent.offset, std::move(expected), Describe(mCurrent)});
 }
 
 } // namespace

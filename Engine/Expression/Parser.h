@@ -2,6 +2,7 @@
 #define ENGINE_EXPRESSION_PARSER_H
 
 #include "Engine/Expression/Node.h"
+#include "Engine/Expression/TokenCursor.h"
 #include "I18NString.h"
 
 #include <cstddef>
@@ -24,14 +25,6 @@ struct PlacedReference
     ReferenceNode* node = nullptr;
     std::vector<I18NString> names;
     std::size_t offset = 0;
-};
-
-/// Where and why parsing stopped.
-struct ParseFailure
-{
-    std::size_t offset = 0;
-    std::string expected;
-    std::string found;
 };
 
 struct ParseResult

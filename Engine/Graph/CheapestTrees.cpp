@@ -48,11 +48,13 @@ const char* ToText(ELimit limit)
 // Returns what the limits kept from the result; empty when it is complete.
 std::string DescribeShortfall(const SteinerResult& result)
 {
+    if (result.proof != EProof::BestFound && result.limit == ELimit::None)
+        return {};
     std::ostringstream text;
     if (result.proof == EProof::BestFound)
         text << "Cheapest trees: " << ToText(result.limit) << " exceeded, weight " << result.weight
              << ", lower bound " << result.lowerBound << ", not proven";
-    else if (result.limit != ELimit::None)
+    else
         text << "Cheapest trees: " << ToText(result.limit) << " exceeded, listed "
              << result.trees.size() << " of " << ToText(result.countProof) << result.count
              << ", weight " << result.weight;

@@ -1,5 +1,6 @@
 #include "Engine/Model/DraftRules.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -8,8 +9,9 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <tuple>
 #include <utility>
+#include <vector>
 
 namespace qe::model {
 
@@ -109,6 +111,51 @@ std::int32_t NameClass(std::int32_t classCode)
     return classCode == IdClassSpecFilter ? IdClassFilter : classCode;
 }
 
+/// The name of a draft and where it must be its own.
+struct PlacedName
+{
+    amd_id scope;
+    std::string_view name;
+    std::size_t position;
+};
+
+/// Returns the names that must be their own, by the class that shares them; those of one scope
+/// stand side by side.
+std::map<std::int32_t, std::vector<PlacedName>> ListNames(const std::vector<PlacedDraft>& drafts)
+{
+    std::map<std::int32_t, std::vector<PlacedName>> ofClass;
+    for (std::size_t i = 0; i < drafts.size(); ++i) {
+        const PlacedDraft& placed = drafts[i];
+        const std::int32_t classCode = placed.draft->classCode;
+        if (placed.isInTable && !placed.record->name.empty() && !IsJoinClass(classCode))
+            ofClass[NameClass(classCode)].push_back(
+                {.scope = NameScope(placed), .name = placed.record->name, .position = i});
+    }
+    // Builders mostly name one scope after the other.
+    for (auto& [nameClass, names] : ofClass) {
+        if (!std::ranges::is_sorted(names, {}, &PlacedName::scope))
+            std::ranges::stable_sort(names, {}, &PlacedName::scope);
+    }
+    return ofClass;
+}
+
+/// The positions of a draft and of the first one that has its name.
+using WithOwner = std::pair<std::size_t, std::size_t>;
+
+/// Puts the names of one scope in order, and finds those that another one has before.
+void FindTaken(std::span<PlacedName> names, std::vector<WithOwner>& taken)
+{
+    std::ranges::sort(names, [](const PlacedName& left, const PlacedName& right) {
+        return std::tie(left.name, left.position) < std::tie(right.name, right.position);
+    });
+    for (std::size_t first = 0, i = 1; i < names.size(); ++i) {
+        if (names[i].name == names[first].name)
+            taken.emplace_back(names[i].position, names[first].position);
+        else
+            first = i;
+    }
+}
+
 bool IsBound(std::int32_t bound)
 {
     return bound == BMT_I_Association::CardinalityZero ||
@@ -161,30 +208,24 @@ void CheckNames(const std::vector<PlacedDraft>& drafts, ProblemList& problems)
 
 void CheckUniqueNames(const std::vector<PlacedDraft>& drafts, ProblemList& problems)
 {
-    using NamePlace = std::pair<std::int32_t, amd_id>;
-    using Owners = std::unordered_map<std::string_view, std::size_t>;
-    std::map<NamePlace, Owners> ownersIn;
-    NamePlace lastPlace;
-    Owners* owners = nullptr;
-    for (std::size_t i = 0; i < drafts.size(); ++i) {
-        const PlacedDraft& placed = drafts[i];
-        const std::int32_t classCode = placed.draft->classCode;
-        if (!placed.isInTable || placed.record->name.empty() || IsJoinClass(classCode))
-            continue;
-        const NamePlace place(NameClass(classCode), NameScope(placed));
-        // The items of one query subject mostly come together.
-        if (owners == nullptr || place != lastPlace) {
-            lastPlace = place;
-            owners = &ownersIn[place];
+    std::vector<WithOwner> taken;
+    for (auto& [nameClass, names] : ListNames(drafts)) {
+        for (std::span<PlacedName> rest = names; !rest.empty();) {
+            const amd_id& scope = rest.front().scope;
+            const auto end = std::ranges::find_if(
+                rest, [&scope](const amd_id& other) { return other != scope; }, &PlacedName::scope);
+            const auto count = static_cast<std::size_t>(end - rest.begin());
+            FindTaken(rest.first(count), taken);
+            rest = rest.subspan(count);
         }
-        const auto [owner, isNew] = owners->emplace(placed.record->name, i);
-        if (!isNew) {
-            const PlacedDraft& first = drafts[owner->second];
-            problems.Add(i, EAspect::Name,
-                         "has the name of another object beside it: " +
-                             std::string(ClassTitle(first.draft->classCode)) + ' ' +
-                             ToText(first.record->id));
-        }
+    }
+    std::ranges::sort(taken);
+    for (const auto& [position, owner] : taken) {
+        const PlacedDraft& first = drafts[owner];
+        problems.Add(position, EAspect::Name,
+                     "has the name of another object beside it: " +
+                         std::string(ClassTitle(first.draft->classCode)) + ' ' +
+                         ToText(first.record->id));
     }
 }
 

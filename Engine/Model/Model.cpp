@@ -36,9 +36,9 @@ void Model::ListIds()
             GetTarget(record.id).classCode == IdClassQuerySubject)
             mSubjects.push_back(record.id);
     }
-    std::stable_sort(
-        mIdsByClass.begin(), mIdsByClass.end(),
-        [](const amd_id& left, const amd_id& right) { return left.classCode < right.classCode; });
+    // The ids of one domain come class by class.
+    if (!std::ranges::is_sorted(mIdsByClass, {}, &amd_id::classCode))
+        std::ranges::stable_sort(mIdsByClass, {}, &amd_id::classCode);
     std::stable_sort(records.begin(), records.end(),
                      [](const ObjectRecord* left, const ObjectRecord* right) {
                          return left->parent < right->parent;

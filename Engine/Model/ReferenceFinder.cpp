@@ -61,7 +61,7 @@ amd_id ReferenceFinder::Find(std::size_t position, const PlacedDraft& draft,
     std::vector<std::string> names;
     names.reserve(found.size());
     for (const amd_id& id : found)
-        names.push_back(ToText(mNames.GetQualifiedName(id)));
+        names.push_back(ToText(GetNames().GetQualifiedName(id)));
     mProblems->Add(position, wanted.aspect,
                    "has a " + title + " that can mean several objects: \"" + reference.GetName() +
                        '"',
@@ -70,7 +70,7 @@ amd_id ReferenceFinder::Find(std::size_t position, const PlacedDraft& draft,
 }
 
 amd_id ReferenceFinder::TryFind(const PlacedDraft& draft, const Reference& reference,
-                                const std::vector<ENameKind>& nameKinds) const
+                                const std::vector<ENameKind>& nameKinds)
 {
     if (!reference.IsByName())
         return mTable->Find(reference.GetId()) != nullptr ? reference.GetId() : amd_id();
@@ -78,12 +78,19 @@ amd_id ReferenceFinder::TryFind(const PlacedDraft& draft, const Reference& refer
     return found.size() == 1 ? found.front() : amd_id();
 }
 
+const NameLookup& ReferenceFinder::GetNames()
+{
+    if (!mNames)
+        mNames.emplace(*mTable, mNameKinds);
+    return *mNames;
+}
+
 std::vector<amd_id> ReferenceFinder::Match(const PlacedDraft& draft, const std::string& name,
-                                           const std::vector<ENameKind>& nameKinds) const
+                                           const std::vector<ENameKind>& nameKinds)
 {
     std::vector<amd_id> found;
     const auto match = [&](ENameKind nameKind, const QualifiedName& parts) {
-        found = mNames.Match(nameKind, parts);
+        found = GetNames().Match(nameKind, parts);
         // A shortcut often has the name of what it stands for.
         found.erase(std::remove(found.begin(), found.end(), draft.record->id), found.end());
     };
@@ -102,10 +109,10 @@ std::vector<amd_id> ReferenceFinder::Match(const PlacedDraft& draft, const std::
 }
 
 bool ReferenceFinder::NamesItself(const PlacedDraft& draft, const std::string& name,
-                                  const std::vector<ENameKind>& nameKinds) const
+                                  const std::vector<ENameKind>& nameKinds)
 {
     return std::any_of(nameKinds.begin(), nameKinds.end(), [&](ENameKind nameKind) {
-        const std::vector<amd_id> found = mNames.Match(nameKind, ParseQualifiedName(name));
+        const std::vector<amd_id> found = GetNames().Match(nameKind, ParseQualifiedName(name));
         return std::find(found.begin(), found.end(), draft.record->id) != found.end();
     });
 }
@@ -117,7 +124,7 @@ std::vector<std::string> ReferenceFinder::Suggest(const std::string& name,
     if (++mSuggestions > kMaximumSuggestions)
         return names;
     for (std::size_t i = 0; i < nameKinds.size() && names.empty(); ++i)
-        names = mNames.Suggest(nameKinds[i], ParseQualifiedName(name));
+        names = GetNames().Suggest(nameKinds[i], ParseQualifiedName(name));
     return names;
 }
 

@@ -8,6 +8,9 @@
 #include "Engine/Model/ProblemList.h"
 
 #include <cstddef>
+#include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace qe::model {
@@ -24,10 +27,11 @@ public:
         std::vector<ENameKind> nameKinds;
     };
 
-    /// Takes the kinds of names among which things are looked for.
-    ReferenceFinder(const ObjectTable& table, const std::vector<ENameKind>& nameKinds,
+    /// Takes the kinds of names among which things are looked for. As soon as the first one is, the
+    /// table's names and namespaces must be known and stay.
+    ReferenceFinder(const ObjectTable& table, std::vector<ENameKind> nameKinds,
                     ProblemList& problems)
-        : mTable(&table), mNames(table, nameKinds), mProblems(&problems)
+        : mTable(&table), mNameKinds(std::move(nameKinds)), mProblems(&problems)
     {}
 
     /// Returns the id of the object, or the empty id when there is not exactly one; then the
@@ -37,18 +41,21 @@ public:
 
     /// Does the same without adding problems.
     [[nodiscard]] amd_id TryFind(const PlacedDraft& draft, const Reference& reference,
-                                 const std::vector<ENameKind>& nameKinds) const;
+                                 const std::vector<ENameKind>& nameKinds);
 
 private:
+    /// Most models refer by ids alone, and need no index of names.
+    [[nodiscard]] const NameLookup& GetNames();
     [[nodiscard]] std::vector<amd_id> Match(const PlacedDraft& draft, const std::string& name,
-                                            const std::vector<ENameKind>& nameKinds) const;
+                                            const std::vector<ENameKind>& nameKinds);
     [[nodiscard]] bool NamesItself(const PlacedDraft& draft, const std::string& name,
-                                   const std::vector<ENameKind>& nameKinds) const;
+                                   const std::vector<ENameKind>& nameKinds);
     [[nodiscard]] std::vector<std::string> Suggest(const std::string& name,
                                                    const std::vector<ENameKind>& nameKinds);
 
     const ObjectTable* mTable;
-    NameLookup mNames;
+    std::vector<ENameKind> mNameKinds;
+    std::optional<NameLookup> mNames;
     ProblemList* mProblems;
     int mSuggestions = 0;
 };

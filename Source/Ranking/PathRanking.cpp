@@ -208,7 +208,7 @@ std::int32_t FindDivisor(std::span<const WeightedPath> paths)
 class Signatures
 {
 public:
-    Signatures(const Indices& members, CandidateJoins& joins);
+    Signatures(std::span<const std::size_t> members, CandidateJoins& joins);
 
     [[nodiscard]] std::span<const std::uint32_t> Get(std::size_t position) const
     {
@@ -230,7 +230,7 @@ private:
     std::vector<std::size_t> mFirsts{0};
 };
 
-Signatures::Signatures(const Indices& members, CandidateJoins& joins)
+Signatures::Signatures(std::span<const std::size_t> members, CandidateJoins& joins)
 {
     const std::vector<std::uint32_t>& placeOfName = joins.OrderNames();
     mFirsts.reserve(members.size() + 1);
@@ -246,12 +246,12 @@ Signatures::Signatures(const Indices& members, CandidateJoins& joins)
 
 /// Orders members by the sets of the names of their joins, where only the first with a set counts;
 /// the others follow in the order in which they were given.
-Indices OrderBySignature(const Indices& members, CandidateJoins& joins)
+Indices OrderBySignature(std::span<const std::size_t> members, CandidateJoins& joins)
 {
     for (const std::size_t index : members)
         static_cast<void>(joins.GetNumbers(index));
     if (members.size() == 1)
-        return members;
+        return {members.front()};
     const Signatures signatures(members, joins);
     Indices order = ListAll(members.size());
     std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
@@ -308,13 +308,14 @@ public:
           mSwitches(switches),
           mMeasurer(paths, joinInfos),
           mLog(joinInfos),
-          mDivisor(FindDivisor(paths))
+          mDivisor(FindDivisor(paths)),
+          mKeys(paths.size())
     {}
 
     [[nodiscard]] std::vector<RankedPath> RankAll();
 
 private:
-    void RankBy(std::span<const RankingCriterion> criteria, const Indices& members);
+    void RankBy(std::span<const RankingCriterion> criteria, std::span<std::size_t> members);
     void Emit(std::size_t index);
 
     std::span<const WeightedPath> mPaths;
@@ -322,18 +323,21 @@ private:
     Measurer mMeasurer;
     RankingLog mLog;
     std::int32_t mDivisor;
+    /// What each candidate was last measured at.
+    std::vector<std::int32_t> mKeys;
     std::vector<RankedPath> mRanked;
 };
 
 std::vector<RankedPath> RankingRun::RankAll()
 {
-    RankBy(GetRankingCriteria(), ListAll(mPaths.size()));
+    Indices all = ListAll(mPaths.size());
+    RankBy(GetRankingCriteria(), all);
     mLog.LogEnd(mPaths.size());
     return std::move(mRanked);
 }
 
-/// Ranks members that are equal in all criteria before the first of `criteria`.
-void RankingRun::RankBy(std::span<const RankingCriterion> criteria, const Indices& members)
+/// Ranks members that are equal in all criteria before the first of `criteria`; puts them in order.
+void RankingRun::RankBy(std::span<const RankingCriterion> criteria, std::span<std::size_t> members)
 {
     if (criteria.empty()) {
         for (const std::size_t index : OrderBySignature(members, mMeasurer.GetJoins()))
@@ -343,11 +347,20 @@ void RankingRun::RankBy(std::span<const RankingCriterion> criteria, const Indice
     const RankingCriterion& criterion = criteria.front();
     if (!criterion.isOn(mSwitches))
         return RankBy(criteria.subspan(1), members);
-    std::map<std::int32_t, Indices> groups;
+    const auto getKey = [this](std::size_t member) { return mKeys[member]; };
     for (const std::size_t member : members)
-        groups[mMeasurer.MeasureKey(criterion, member)].push_back(member);
-    for (const auto& group : groups)
-        RankBy(criteria.subspan(1), group.second);
+        mKeys[member] = mMeasurer.MeasureKey(criterion, member);
+    if (!std::ranges::is_sorted(members, {}, getKey))
+        std::ranges::stable_sort(members, {}, getKey);
+    while (!members.empty()) {
+        // Further criteria measure the equal ones again.
+        const std::int32_t key = getKey(members.front());
+        const auto end = std::ranges::find_if(
+            members, [key](std::int32_t other) { return other != key; }, getKey);
+        const auto count = static_cast<std::size_t>(end - members.begin());
+        RankBy(criteria.subspan(1), members.first(count));
+        members = members.subspan(count);
+    }
 }
 
 void RankingRun::Emit(std::size_t index)

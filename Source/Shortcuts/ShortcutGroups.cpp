@@ -81,6 +81,7 @@ void ShortcutGroups::GroupByTarget(const ShortcutReferences& references)
             CollectGroupMembers(mGateway, ofParent, members);
         AddGroup(target, members);
     }
+    Complete();
 }
 
 void ShortcutGroups::GroupByParent(const ShortcutReferences& references)
@@ -96,14 +97,20 @@ void ShortcutGroups::GroupByParent(const ShortcutReferences& references)
         members.erase(members.begin());
         AddGroup(key, members);
     }
+    Complete();
+}
+
+void ShortcutGroups::Complete()
+{
+    std::sort(mKeysOfMembers.begin(), mKeysOfMembers.end());
+    mIsComplete = true;
 }
 
 void ShortcutGroups::AddGroup(const amd_id& key, const std::vector<amd_id>& members)
 {
     for (const amd_id& member : members) {
         mGroups[key].insert(member);
-        amd_id& least = mKeyOfMember.emplace(member, key).first->second;
-        least = std::min(least, key);
+        mKeysOfMembers.emplace_back(member, key);
         AddJoin(key, member);
     }
     for (std::size_t i = 0; i < members.size(); ++i) {
@@ -127,8 +134,16 @@ void ShortcutGroups::AddJoin(const amd_id& left, const amd_id& right)
 
 amd_id ShortcutGroups::FindKey(const amd_id& shortcut) const
 {
-    const auto key = mKeyOfMember.find(shortcut);
-    return key == mKeyOfMember.end() ? shortcut : key->second;
+    if (mIsComplete) {
+        const auto entry = std::ranges::lower_bound(mKeysOfMembers, shortcut, {},
+                                                    &std::pair<amd_id, amd_id>::first);
+        const bool isMember = entry != mKeysOfMembers.end() && entry->first == shortcut;
+        return isMember ? entry->second : shortcut;
+    }
+    // What the host raised has ended a grouping halfway, or it asks in the middle of one.
+    const auto group = std::ranges::find_if(
+        mGroups, [&shortcut](const auto& entry) { return entry.second.count(shortcut) != 0; });
+    return group == mGroups.end() ? shortcut : group->first;
 }
 
 void ShortcutGroups::Dump(std::ostream& out) const

@@ -8,6 +8,7 @@
 #include <iosfwd>
 #include <map>
 #include <set>
+#include <utility>
 #include <vector>
 
 class amdi_gateway;
@@ -34,8 +35,12 @@ public:
 
     [[nodiscard]] const std::vector<QEjoinInfo>& GetJoins() const noexcept { return mJoins; }
 
+    /// Returns whether a grouping came to its end, so that keys stay what they are.
+    [[nodiscard]] bool IsComplete() const noexcept { return mIsComplete; }
+
     /// Returns the key of the group that the shortcut is a member of, the least of several; its own
-    /// id when there is none.
+    /// id when there is none. Costs a binary search once the groups are complete, else a walk over
+    /// all of them.
     [[nodiscard]] amd_id FindKey(const amd_id& shortcut) const;
 
     /// Writes one line for each group and one for each synthetic join. Names come from the gateway,
@@ -44,12 +49,15 @@ public:
 
 private:
     void AddGroup(const amd_id& key, const std::vector<amd_id>& members);
+    void Complete();
     void AddJoin(const amd_id& left, const amd_id& right);
 
     amdi_gateway* mGateway;
     std::map<amd_id, std::set<amd_id>> mGroups;
-    /// For each member of a group, the least key of the groups that it is in.
-    std::map<amd_id, amd_id> mKeyOfMember;
+    /// The members of groups with their keys; in ascending order once the groups are complete, so
+    /// that the first of a member counts.
+    std::vector<std::pair<amd_id, amd_id>> mKeysOfMembers;
+    bool mIsComplete = false;
     std::vector<QEjoinInfo> mJoins;
 };
 

@@ -271,4 +271,24 @@ TEST(ShortcutInfo, StopsForGoodWhenTheGatewayFailsWhileGrouping)
     }
 }
 
+TEST(ShortcutInfo, KnowsTheGroupsThatWereMadeBeforeTheGatewayFailed)
+{
+    // Groups come in the order of their targets, against that of the shortcuts.
+    const char* const model = "folder P1; A; B; C\n"
+                              "folder P2; Third -> C; Second -> B; First -> A";
+    const std::string subjects = "First, Second, Third";
+    const qe::LogCapture quiet(10);
+    Request whole(model, kByTarget);
+    whole.Build(subjects);
+    Request request(model, kByTarget);
+    request.gateway.calls.FailAtCall(whole.gateway.calls.GetCallCount());
+    EXPECT_THROW(request.Build(subjects), ToldFailure);
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_EQ(request.KeyOf("First"), "A");
+        EXPECT_EQ(request.KeyOf("Second"), "B");
+        EXPECT_EQ(request.KeyOf("Third"), "Third");
+    }
+    EXPECT_EQ(whole.KeyOf("Third"), "C");
+}
+
 } // namespace

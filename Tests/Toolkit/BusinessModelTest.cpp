@@ -1,6 +1,7 @@
 #include "Engine/Model/Model.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Toolkit/Asking.h"
+#include "Tests/Toolkit/ReadSource.h"
 #include "Toolkit/Import/Formats/SourceFormat.h"
 #include "Toolkit/Import/Formats/SqlCondition.h"
 #include "Toolkit/Import/OpenModel.h"
@@ -27,34 +28,6 @@ using namespace qe::tool;
 using testing::AllOf;
 using testing::HasSubstr;
 namespace fs = std::filesystem;
-
-/// Returns the joins and notes of a model, one a line.
-std::string Show(const DatabaseSchema& schema)
-{
-    std::string text;
-    for (const SchemaJoin& join : schema.joins) {
-        text += schema.tables[join.left.table].name + " > " + schema.tables[join.right.table].name +
-                ':';
-        for (std::size_t i = 0; i < join.left.columns.size(); ++i)
-            text += ' ' + join.left.columns[i] + '=' + join.right.columns[i];
-        text += join.condition.empty() ? "" : ' ' + join.condition;
-        text += join.isActive ? "\n" : " inactive\n";
-    }
-    for (const std::string& note : schema.notes)
-        text += note + '\n';
-    return text;
-}
-
-/// Reads a text as the format; returns the mistakes where there are some.
-std::string Read(const char* format, const std::string& text)
-{
-    try {
-        SourceDocument document = ReadDocument("file", text, RecogniseSyntax(text).value());
-        return Show(ReadSource(*FindSourceFormat(format), {&document, 1}));
-    } catch (const InputError& error) {
-        return error.what();
-    }
-}
 
 /// Replaces each value of a document by one of another type, all types in turn.
 void MutateValues(const nlohmann::json& document,
@@ -138,78 +111,6 @@ TEST(SqlConditions, BecomePairsOrConditionsOrAreTold)
         EXPECT_THAT(read(broken), testing::StartsWith("!")) << broken;
 }
 
-TEST(Tmdl, IsReadLineByLine)
-{
-    const std::string text =
-        "\xEF\xBB\xBF/// Sold things\r\n"
-        "table 'It''s a.b'\r\n"
-        "    column 'a.b c'\r\n        isKey\r\n"
-        "    column Day\r\n"
-        "    measure M = ```\r\n        relationship X\r\n        ```\r\n"
-        "        isHidden\r\n"
-        "    measure N =\r\n            table T\r\n            fromColumn: 1\r\n"
-        "table Other\r\n    column Key\r\n    column Day\r\n"
-        "ref table Other\r\n"
-        "relationship one\r\n"
-        "    fromColumn: Other.Key\r\n"
-        "    toColumn: 'It''s a.b'.'a.b c'\r\n"
-        "    relyOnReferentialIntegrity\r\n"
-        "relationship two\r\n    isActive: false\r\n"
-        "    joinOnDateBehavior: datePartOnly\r\n"
-        "    fromColumn: Other.Day\r\n    toColumn: 'It''s a.b'.Day\r\n";
-    EXPECT_EQ(Read("tmdl", text),
-              "Other > It's a.b: Key=a.b c\n"
-              "Other > It's a.b: Day=Day CAST([left].[Day] AS DATE) = CAST([right].[Day] AS DATE)"
-              " inactive\n"
-              "left out 2 measures: M, N\n"
-              "left out 2 queries of tables, which are called as in the model: It's a.b, Other\n");
-    const std::vector<std::pair<const char*, const char*>> mistakes{
-        {"table T\n\tcolumn A\nrelationship r\n\tfromColumn: T.A\n\ttoColumn: U.A\n",
-         "file:5#/relationships/0/toColumn: there is no table \"U\""},
-        {"table T\n\tcolumn Ab\nrelationship r\n\tfromColumn: T.Ac\n\ttoColumn: T.Ab\n",
-         "file:4#/relationships/0/fromColumn: \"T\" has no column \"Ac\""},
-        {"table T\n\tmeasure M = ```\n\t\tx\n", "file:2: an expression between three backquotes"},
-        {"table T\n\tcolumn two words\n", "file:2: a name with blanks"},
-        {"table T\n\t[x]\n", "file:2: is neither an object nor a property"},
-        {"table T\n\tcolumn 'A\n", "file:2: a name is missing, or its quote"},
-        {"table T\n\tisHidden: perhaps\n", "file:2#/tables/0/isHidden: must be true or false"},
-    };
-    for (const auto& [wrong, mistake] : mistakes)
-        EXPECT_THAT(Read("tmdl", wrong), HasSubstr(mistake)) << wrong;
-}
-
-TEST(TabularModels, AreFoundInScriptsWithoutWhatTheDesktopMakes)
-{
-    const std::string guid = "0a1b2c3d-0000-1111-2222-333344445555";
-    const std::string model = R"({"tables": [
-        {"name": "F", "columns": [{"name": "k", "isNullable": false}, {"name": "d"}]},
-        {"name": "D", "isHidden": true, "columns": [{"name": "k", "isKey": true}]},
-        {"name": "LocalDateTable_)" +
-                              guid + R"(", "columns": [{"name": "Date"}]}],
-      "relationships": [
-        {"name": ")" + guid + R"(", "fromTable": "F", "fromColumn": "k", "toTable": "D",
-         "toColumn": "k", "crossFilteringBehavior": "bothDirections"},
-        {"fromTable": "F", "fromColumn": "d", "toTable": "LocalDateTable_)" +
-                              guid + R"(",
-         "toColumn": "Date"}]})";
-    const std::string expected = "F > D: k=k\n"
-                                 "left out 1 date tables made by the desktop: LocalDateTable_" +
-                                 guid +
-                                 "\nleft out 1 filters that go both ways: F <-> D\n"
-                                 "left out 1 marks of tables as hidden: D\n"
-                                 "left out 2 queries of tables, which are called as in the "
-                                 "model: F, D\n";
-    for (
-        const char* const frame :
-        {R"({"model": %})", R"({"createOrReplace": {"object": {}, "database": {"model": %}}})",
-         R"({"create": {"database": {"name": "x", "model": %}}})",
-         R"({"sequence": {"operations": [{"refresh": {}}, {"create": {"database": {"model": %}}}]}})"}) {
-        std::string text = frame;
-        text.replace(text.find('%'), 1, model);
-        EXPECT_EQ(Read("tmsl", text), expected) << frame;
-    }
-}
-
 TEST(Cube, TellsWhatCannotBe)
 {
     const std::string base = "cubes:\n  - name: a\n    sql_table: a\n    joins:\n"
@@ -221,47 +122,50 @@ TEST(Cube, TellsWhatCannotBe)
         std::string text = base;
         text.replace(text.find('%'), 1, sql);
         text.replace(text.find('!'), 1, extends);
-        return Read("cube", text);
+        return ReadSourceText("cube", text);
     };
     EXPECT_THAT(read("{CUBE}.x = {b.x}", "a"), HasSubstr("a > b: x=x\n"));
     EXPECT_THAT(read("{x} = ${b}.y", "a"), HasSubstr("a > b: x=y\n"));
-    EXPECT_THAT(read("{CUBE}.x = {b.x}", "b"), HasSubstr("leads around or too far: b"));
+    EXPECT_THAT(read("{CUBE}.x = {b.x}", "b"),
+                HasSubstr("leads back to a cube that extends this one: b"));
     EXPECT_THAT(read("{CUBE}.x = {b.x}", "aa"),
                 HasSubstr("file:10#/cubes/1/extends: there is no cube \"aa\""));
     EXPECT_THAT(read("{CUBE}.x = {b.nothing}", "a"), HasSubstr("names no dimension: {b.nothing}"));
     EXPECT_THAT(read("{CUBE}.x = {loop}", "a"), HasSubstr("members that stand for each other"));
     EXPECT_THAT(read("{CUBE}.x = {b.x", "a"), HasSubstr("has a brace that does not end"));
     // The same join from both sides is one.
-    EXPECT_EQ(Read("cube",
-                   "cubes:\n"
-                   "  - name: a\n    joins:\n"
-                   "      - {name: b, relationship: belongs_to, sql: \"{a}.x::date = {b}.y\"}\n"
-                   "  - name: b\n    joins:\n"
-                   "      - {name: a, relationship: has_many, sql: \"{a}.x::date = {b}.y\"}\n"),
-              "a > b: CAST([left].[x] AS date) = [right].[y]\n");
+    EXPECT_EQ(
+        ReadSourceText("cube",
+                       "cubes:\n"
+                       "  - name: a\n    joins:\n"
+                       "      - {name: b, relationship: belongs_to, sql: \"{a}.x::date = {b}.y\"}\n"
+                       "  - name: b\n    joins:\n"
+                       "      - {name: a, relationship: has_many, sql: \"{a}.x::date = {b}.y\"}\n"),
+        "a > b: CAST([left].[x] AS date) = [right].[y]\n");
 }
 
 TEST(Cube, LeavesOutTemplatesWithTheSmallestPartAroundThem)
 {
-    EXPECT_EQ(Read("cube", "{# who #}\n"
-                           "cubes:\n"
-                           "  - name: a\n"
-                           "    sql_table: {{ schema }}.a\n"
-                           "    joins:\n"
-                           "      - name: b\n        relationship: many_to_one\n"
-                           "        sql: \"{CUBE}.b = {b.id}\"\n"
-                           "      - name: c\n        relationship: many_to_one\n"
-                           "        sql: \"{CUBE}.{{ column }} = {c}.id\"\n"
-                           "      {% if wide %}\n"
-                           "      - name: d\n"
-                           "      {% endif %}\n"
-                           "  - name: b\n"
-                           "    dimensions:\n"
-                           "      {{ dimensions() }}\n"
-                           "      - {name: id, sql: id, type: number, primary_key: true}\n"
-                           "  {%- for name in names %}\n"
-                           "  - name: {{ name }}\n"
-                           "  {%- endfor %}\n"),
+    EXPECT_EQ(ReadSourceText("cube",
+                             "{# who #}\n"
+                             "cubes:\n"
+                             "  - name: a\n"
+                             "    sql_table: {{ schema }}.a\n"
+                             "    joins:\n"
+                             "      - name: b\n        relationship: many_to_one\n"
+                             "        sql: \"{CUBE}.b = {b.id}\"\n"
+                             "      - name: c\n        relationship: many_to_one\n"
+                             "        sql: \"{CUBE}.{{ column }} = {c}.id\"\n"
+                             "      {% if wide %}\n"
+                             "      - name: d\n"
+                             "      {% endif %}\n"
+                             "  - name: b\n"
+                             "    dimensions:\n"
+                             "      {{ dimensions() }}\n"
+                             "      - {name: id, sql: id, type: number, primary_key: true}\n"
+                             "  {%- for name in names %}\n"
+                             "  - name: {{ name }}\n"
+                             "  {%- endfor %}\n"),
               "a > b: b=id\n"
               "left out 5 parts that templates make, which needs code: file:4, file:11, file:12, "
               "file:17, file:19\n");

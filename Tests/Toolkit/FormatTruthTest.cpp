@@ -1,12 +1,12 @@
 #include "Engine/Expression/ParseReport.h"
 #include "Engine/Model/Model.h"
+#include "Tests/Toolkit/ReadSource.h"
 #include "Toolkit/Import/OpenModel.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <map>
 #include <set>
@@ -128,37 +128,20 @@ void Compare(const json& truth, const model::Model& model)
     EXPECT_THAT(texts, testing::UnorderedElementsAreArray(expectedTexts));
 }
 
-/// Returns the file or folder that a truth lies beside.
-std::filesystem::path SourceOf(const std::filesystem::path& truth)
-{
-    const std::string name = truth.filename().string();
-    const std::filesystem::path stem =
-        truth.parent_path() / name.substr(0, name.size() - std::string(".truth.json").size());
-    for (const char* ending : {".json", ".yaml", ".yml", ".bim"})
-        if (std::filesystem::exists(stem.string() + ending))
-            return stem.string() + ending;
-    return stem;
-}
-
 TEST(Formats, HoldWhatTheirTruthSays)
 {
-    const std::filesystem::path folder = std::filesystem::path(QEREFINER_DATA_DIR) / "models";
-    if (!std::filesystem::exists(folder))
-        GTEST_SKIP() << "no models at hand: " << folder;
-    std::size_t files = 0;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-        if (!entry.path().string().ends_with(".truth.json"))
-            continue;
-        ++files;
-        const std::filesystem::path source = SourceOf(entry.path());
-        SCOPED_TRACE(source.string());
+    const auto models = test::ListOpenModels();
+    if (models.empty())
+        GTEST_SKIP() << "no models at hand";
+    for (const test::OpenModelFile& file : models) {
+        SCOPED_TRACE(file.source.string());
         try {
-            Compare(json::parse(std::ifstream(entry.path())), *OpenModel(source).model);
+            Compare(json::parse(std::ifstream(file.truth)), *OpenModel(file.source).model);
         } catch (const InputError& error) {
             ADD_FAILURE() << error.what();
         }
     }
-    EXPECT_GE(files, 23U);
+    EXPECT_GE(models.size(), 23U);
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "Toolkit/Evaluate/ModelSource.h"
 
 #include "Engine/Model/Model.h"
-#include "Toolkit/Import/OpenModel.h"
+#include "Toolkit/Import/ModelFolder.h"
 #include "Toolkit/Text/InputFile.h"
 
 #include <algorithm>

@@ -9,18 +9,19 @@ namespace qe::tool {
 namespace {
 
 /// Names may hold anything but double quotes, backslashes and control characters.
-std::string QuoteName(std::string_view name)
+std::string Spell(std::string_view name)
 {
-    std::string quoted = "\"";
+    std::string spelled;
     for (const char c : name) {
-        if (c == '"')
-            quoted += '\'';
-        else if (c == '\\')
-            quoted += '/';
-        else
-            quoted += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+        const bool isControl = static_cast<unsigned char>(c) < ' ';
+        spelled += c == '"' ? '\'' : c == '\\' ? '/' : isControl ? ' ' : c;
     }
-    return quoted + '"';
+    return spelled;
+}
+
+std::string QuoteName(const std::string& name)
+{
+    return '"' + name + '"';
 }
 
 /// A text on one line.
@@ -70,33 +71,48 @@ std::string WriteReference(const ExportedModel& model, const ExportedJoin& join)
     const auto write = [&model](const ExportedEnd& end) {
         return QuoteName(model.subjects[end.subject].name) + '.' + WriteColumns(end.columns);
     };
-    return "Ref " + QuoteName(join.name) + ": " + write(join.left) + SignOf(join) +
-           write(join.right) + '\n';
+    // Of two single ends the second is the one that refers.
+    const bool isTurned = !join.left.isMany;
+    return "Ref " + QuoteName(Spell(join.name)) + ": " + write(isTurned ? join.right : join.left) +
+           SignOf(join) + write(isTurned ? join.left : join.right) + '\n';
 }
 
-} // namespace
-
-std::string WriteDbml(const ToolModel& model, LeftOut& leftOut)
+/// Returns the joins that references can say.
+std::vector<ExportedJoin> TakeReferences(const ExportedModel& model, LeftOut& leftOut)
 {
-    const ExportedModel exported = CollectModel(model, EExportedRoles::Targets, leftOut);
-    std::string text;
-    for (const ExportedSubject& subject : exported.subjects) {
-        if (subject.columns.empty())
-            leftOut.Add("subjects without items, and their joins", subject.name);
-        else
-            text += WriteTable(subject);
-    }
-    for (const ExportedJoin& join : TakePlainJoins(exported, leftOut)) {
+    std::vector<ExportedJoin> taken;
+    for (ExportedJoin& join : TakePlainJoins(model, leftOut)) {
         const bool isToItself =
             join.left.subject == join.right.subject && join.left.columns == join.right.columns;
         if (isToItself) {
             leftOut.Add("joins of columns to themselves", join.name);
             continue;
         }
-        text += WriteReference(exported, join);
         if (!join.left.isOptional || !join.right.isOptional)
             leftOut.Add("words that each row has a partner", join.name);
+        taken.push_back(std::move(join));
     }
+    return taken;
+}
+
+} // namespace
+
+std::string WriteDbml(const ToolModel& model, LeftOut& leftOut)
+{
+    ExportedModel exported = CollectModel(model, leftOut);
+    NoteRoles(exported, leftOut);
+    exported.joins = TakeReferences(exported, leftOut);
+    for (const ExportedSubject& subject : exported.subjects)
+        if (subject.columns.empty())
+            leftOut.Add("subjects without items", subject.name);
+    SpellSubjects(exported, Spell);
+    SpellColumns(exported, Spell);
+    std::string text;
+    // A table without columns is a mistake.
+    for (const ExportedSubject& subject : exported.subjects)
+        text += subject.columns.empty() ? "" : WriteTable(subject);
+    for (const ExportedJoin& join : exported.joins)
+        text += WriteReference(exported, join);
     return text;
 }
 

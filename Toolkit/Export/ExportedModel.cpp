@@ -48,30 +48,11 @@ std::optional<std::vector<Names>> FindEqualNames(const std::string& condition)
     return printed == equalities ? std::optional(references) : std::nullopt;
 }
 
-/// Gives each object a name that no other one has, whatever the case of A to Z.
-class UniqueNames
-{
-public:
-    std::string Take(const std::string& name, const std::string& longer)
-    {
-        std::string free = name;
-        if (mTaken.count(ascii::ToLower(free)) != 0)
-            free = longer;
-        const std::string stem = free;
-        for (int number = 2; !mTaken.insert(ascii::ToLower(free)).second; ++number)
-            free = stem + " (" + std::to_string(number) + ")";
-        return free;
-    }
-
-private:
-    std::set<std::string> mTaken;
-};
-
 class Collector
 {
 public:
-    Collector(const ToolModel& tool, EExportedRoles roles, LeftOut& leftOut)
-        : mTool(tool), mModel(*tool.model), mRoles(roles), mLeftOut(leftOut)
+    Collector(const ToolModel& tool, LeftOut& leftOut)
+        : mTool(tool), mModel(*tool.model), mLeftOut(leftOut)
     {}
 
     ExportedModel Collect()
@@ -96,25 +77,32 @@ private:
         const ObjectRecord& record = *mModel.Find(id);
         const ObjectRecord& target = *mModel.Find(mModel.GetTarget(id));
         ExportedSubject subject{
-            .name = mSubjectNames.Take(record.name, model::ToText(mModel.GetQualifiedName(id))),
+            .name = TakeName(mSubjectNames, id),
             .source = model::ParseQualifiedName(target.text.empty() ? target.name : target.text),
             .description = DescriptionOf(id),
-            .keys = target.keys};
+            .keys = target.keys,
+            .isRole = record.referenced != amd_id()};
         for (const amd_id& item : mModel.GetItems(id))
             subject.columns.emplace_back(mModel.Find(item)->name, DescriptionOf(item));
         mPositions[id] = mExported.subjects.size();
         mExported.subjects.push_back(std::move(subject));
+        for (const Names& key : target.keys)
+            EnsureColumns(mPositions[id], key);
+    }
+
+    /// Returns the name of the object, with those around it where another one is called so.
+    [[nodiscard]] std::string TakeName(UniqueNames& names, const amd_id& id) const
+    {
+        const std::string& name = mModel.Find(id)->name;
+        return names.Take(names.IsFree(name) ? name : model::ToText(mModel.GetQualifiedName(id)));
     }
 
     void AddShortcut(const amd_id& id)
     {
-        const auto target = mPositions.find(mModel.GetTarget(id));
-        if (target == mPositions.end())
-            return mLeftOut.Add("shortcuts", mModel.Find(id)->name);
-        if (mRoles == EExportedRoles::Subjects)
-            return AddSubject(id);
-        mLeftOut.Add("shortcuts, whose joins lead to what they stand for", mModel.Find(id)->name);
-        mPositions[id] = target->second;
+        if (mPositions.contains(mModel.GetTarget(id)))
+            AddSubject(id);
+        else
+            mLeftOut.Add("shortcuts", mModel.Find(id)->name);
     }
 
     [[nodiscard]] std::string DescriptionOf(const amd_id& id) const
@@ -139,9 +127,11 @@ private:
             std::swap(join.left, join.right);
         if (join.isPlain && !mSignatures.insert(SignatureOf(join)).second)
             return mLeftOut.Add("joins that repeat another one", record.name);
-        join.name = mJoinNames.Take(record.name, model::ToText(mModel.GetQualifiedName(id)));
+        join.name = TakeName(mJoinNames, id);
         if (!DescriptionOf(id).empty())
             mLeftOut.Add("descriptions of joins", join.name);
+        EnsureColumns(join.left.subject, join.left.columns);
+        EnsureColumns(join.right.subject, join.right.columns);
         mExported.joins.push_back(std::move(join));
     }
 
@@ -179,6 +169,19 @@ private:
         return true;
     }
 
+    /// Lets the subject have the columns, of which a model need not list all.
+    void EnsureColumns(std::size_t position, const Names& columns)
+    {
+        auto& known = mExported.subjects[position].columns;
+        for (const std::string& column : columns) {
+            const bool isKnown = std::any_of(known.begin(), known.end(), [&](const auto& other) {
+                return other.first == column;
+            });
+            if (!isKnown)
+                known.emplace_back(column, "");
+        }
+    }
+
     using Signature =
         std::tuple<std::size_t, std::size_t, std::set<std::pair<std::string, std::string>>>;
 
@@ -210,7 +213,6 @@ private:
 
     const ToolModel& mTool;
     const model::Model& mModel;
-    EExportedRoles mRoles;
     LeftOut& mLeftOut;
     ExportedModel mExported;
     std::map<amd_id, std::size_t> mPositions;
@@ -221,9 +223,60 @@ private:
 
 } // namespace
 
-ExportedModel CollectModel(const ToolModel& model, EExportedRoles roles, LeftOut& leftOut)
+bool UniqueNames::IsFree(const std::string& name) const
 {
-    return Collector(model, roles, leftOut).Collect();
+    return !mTaken.contains(ascii::ToLower(name));
+}
+
+std::string UniqueNames::Take(const std::string& name)
+{
+    std::string free = name;
+    for (int number = 2; !mTaken.insert(ascii::ToLower(free)).second; ++number)
+        free = name + mBefore + std::to_string(number) + mBehind;
+    return free;
+}
+
+ExportedModel CollectModel(const ToolModel& model, LeftOut& leftOut)
+{
+    return Collector(model, leftOut).Collect();
+}
+
+void SpellSubjects(ExportedModel& model, NameSpelling spell)
+{
+    UniqueNames names;
+    for (ExportedSubject& subject : model.subjects)
+        subject.name = names.Take(spell(subject.name));
+}
+
+void SpellColumns(ExportedModel& model, NameSpelling spell)
+{
+    std::vector<std::map<std::string, std::string>> spellings(model.subjects.size());
+    const auto respell = [&spellings](std::size_t subject, Names& columns) {
+        for (std::string& column : columns)
+            column = spellings[subject].at(column);
+    };
+    for (std::size_t i = 0; i < model.subjects.size(); ++i) {
+        ExportedSubject& subject = model.subjects[i];
+        UniqueNames names;
+        for (auto& [column, description] : subject.columns) {
+            const std::string spelled = names.Take(spell(column));
+            spellings[i].emplace(column, spelled);
+            column = spelled;
+        }
+        for (Names& key : subject.keys)
+            respell(i, key);
+    }
+    for (ExportedJoin& join : model.joins) {
+        respell(join.left.subject, join.left.columns);
+        respell(join.right.subject, join.right.columns);
+    }
+}
+
+void NoteRoles(const ExportedModel& model, LeftOut& leftOut)
+{
+    for (const ExportedSubject& subject : model.subjects)
+        if (subject.isRole)
+            leftOut.Add("words that a role reads the table of another subject", subject.name);
 }
 
 bool HasKeyWithin(const ExportedSubject& subject, const std::vector<std::string>& columns)

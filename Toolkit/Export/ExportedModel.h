@@ -6,7 +6,7 @@
 #include "amd_id.h"
 
 #include <cstddef>
-#include <cstdint>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -15,6 +15,24 @@
 namespace qe::tool {
 
 struct ToolModel;
+
+/// Gives each object a name that no other one has, whatever the case of A to Z.
+class UniqueNames
+{
+public:
+    /// Names that are taken get numbers between the two texts.
+    explicit UniqueNames(std::string_view before = " (", std::string_view behind = ")")
+        : mBefore(before), mBehind(behind)
+    {}
+
+    [[nodiscard]] bool IsFree(const std::string& name) const;
+    std::string Take(const std::string& name);
+
+private:
+    std::string mBefore;
+    std::string mBehind;
+    std::set<std::string> mTaken;
+};
 
 /// A query subject or a role of one, as other tools see it.
 struct ExportedSubject
@@ -27,6 +45,8 @@ struct ExportedSubject
     /// The names of the columns, with what is said of them.
     std::vector<std::pair<std::string, std::string>> columns{};
     std::vector<std::vector<std::string>> keys{};
+    /// Whether it reads the table of another one.
+    bool isRole = false;
 };
 
 /// One end of a join.
@@ -60,18 +80,22 @@ struct ExportedModel
     std::vector<ExportedJoin> joins{};
 };
 
-/// What becomes of shortcuts to query subjects.
-enum class EExportedRoles : std::uint8_t
-{
-    /// Each is a subject of its own that reads the same table.
-    Subjects,
-    /// Joins lead to what they stand for.
-    Targets,
-};
+/// Returns the model as other tools see it: shortcuts to query subjects are subjects of their own
+/// that read the same table, so that nobody takes their joins for joins of that table. What other
+/// tools have no place for is added to `leftOut`.
+[[nodiscard]] ExportedModel CollectModel(const ToolModel& model, LeftOut& leftOut);
 
-/// Returns the model as other tools see it; what they have no place for is added to `leftOut`.
-[[nodiscard]] ExportedModel CollectModel(const ToolModel& model, EExportedRoles roles,
-                                         LeftOut& leftOut);
+/// What a format writes for a name, which it may not be able to hold as it is.
+using NameSpelling = std::string (*)(std::string_view name);
+
+/// Spells the names of the subjects, so that they stay different.
+void SpellSubjects(ExportedModel& model, NameSpelling spell);
+
+/// The same for columns, also in keys and joins.
+void SpellColumns(ExportedModel& model, NameSpelling spell);
+
+/// Adds the roles, for formats that cannot say what table a subject reads.
+void NoteRoles(const ExportedModel& model, LeftOut& leftOut);
 
 /// Returns whether a key of the subject lies within the columns.
 [[nodiscard]] bool HasKeyWithin(const ExportedSubject& subject,

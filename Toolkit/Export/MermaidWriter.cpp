@@ -12,14 +12,19 @@ namespace qe::tool {
 namespace {
 
 /// Texts between quotes may hold neither quotes nor "%", a backslash or control characters.
-std::string Quote(std::string_view text)
+std::string Spell(std::string_view text)
 {
-    std::string quoted = "\"";
+    std::string spelled;
     for (const char c : text) {
         const bool isForbidden = c == '%' || c == '\\' || static_cast<unsigned char>(c) < ' ';
-        quoted += c == '"' ? '\'' : isForbidden ? '_' : c;
+        spelled += c == '"' ? '\'' : isForbidden ? '_' : c;
     }
-    return quoted + '"';
+    return spelled;
+}
+
+std::string Quote(std::string_view text)
+{
+    return '"' + Spell(text) + '"';
 }
 
 /// Names of columns are plain words.
@@ -58,8 +63,9 @@ std::string WriteEntity(const ExportedSubject& subject, const std::set<std::stri
     if (subject.columns.empty())
         return text + '\n';
     text += " {\n";
+    UniqueNames words("_", "");
     for (const auto& [name, description] : subject.columns) {
-        const std::string word = ToWord(name);
+        const std::string word = words.Take(ToWord(name));
         std::string marks;
         if (!subject.keys.empty() && Holds(subject.keys.front(), name))
             marks = " PK";
@@ -80,7 +86,9 @@ std::string WriteEntity(const ExportedSubject& subject, const std::set<std::stri
 
 std::string WriteMermaid(const ToolModel& model, LeftOut& leftOut)
 {
-    const ExportedModel exported = CollectModel(model, EExportedRoles::Targets, leftOut);
+    ExportedModel exported = CollectModel(model, leftOut);
+    NoteRoles(exported, leftOut);
+    SpellSubjects(exported, Spell);
     ReferringColumns referring;
     for (const ExportedJoin& join : exported.joins) {
         referring[join.left.subject].insert(join.left.columns.begin(), join.left.columns.end());

@@ -67,7 +67,7 @@ void NoteCardinality(const ExportedModel& model, const ExportedJoin& join, LeftO
 
 std::string WriteOssie(const ToolModel& model, LeftOut& leftOut)
 {
-    const ExportedModel exported = CollectModel(model, EExportedRoles::Subjects, leftOut);
+    const ExportedModel exported = CollectModel(model, leftOut);
     ordered_json written;
     written["name"] = exported.name;
     written["datasets"] = ordered_json::array();

@@ -68,7 +68,7 @@ ordered_json RelationJson(const ExportedModel& model, const ExportedJoin& join)
 
 std::string WriteTbls(const ToolModel& model, LeftOut& leftOut)
 {
-    const ExportedModel exported = CollectModel(model, EExportedRoles::Targets, leftOut);
+    const ExportedModel exported = CollectModel(model, leftOut);
     ordered_json document;
     document["name"] = exported.name;
     document["tables"] = ordered_json::array();

@@ -5,6 +5,7 @@
 #include "Toolkit/Import/Ddl/ScriptText.h"
 #include "Toolkit/Import/Live/LiveSchema.h"
 #include "Toolkit/Import/Live/ServerKinds.h"
+#include "Toolkit/Import/ModelFolder.h"
 #include "Toolkit/Import/SqlScripts.h"
 #include "Toolkit/Import/Sqlite/SqliteSchema.h"
 #include "Toolkit/Model/ModelFile.h"
@@ -32,22 +33,10 @@ using namespace std::string_view_literals;
 /// How many bytes of a file its format is recognised by.
 constexpr std::size_t kStartSize = 4096;
 constexpr std::string_view kSqliteStart = "SQLite format 3\0"sv;
-/// What the files of a folder are called that make a model.
-constexpr std::string_view kTmdlEnding = ".tmdl";
-constexpr std::array kFolderEndings{".yml"sv, ".yaml"sv, kTmdlEnding};
-/// Programs that may make parts of a model, and what folder holds those of others.
-constexpr std::string_view kProgramEnding = ".js";
-constexpr std::string_view kForeignFolder = "node_modules";
 
 bool IsSqlite(std::string_view start)
 {
     return start.substr(0, kSqliteStart.size()) == kSqliteStart;
-}
-
-/// Some tools save texts so.
-bool IsUtf16(std::string_view start)
-{
-    return start.starts_with("\xFF\xFE") || start.starts_with("\xFE\xFF");
 }
 
 bool IsJson(std::string_view start)
@@ -59,14 +48,6 @@ bool IsJson(std::string_view start)
 bool IsText(std::string_view start)
 {
     return !start.empty() && IsScriptStart(start);
-}
-
-std::string ListFormatWords()
-{
-    std::vector<std::string> words;
-    for (const SourceFormat& format : ListSourceFormats())
-        words.emplace_back(format.word);
-    return JoinTexts(words);
 }
 
 ToolModel MakeSourceModel(const SourceFormat& format, std::span<SourceDocument> documents,
@@ -106,106 +87,61 @@ ToolModel OpenDocument(SourceDocument document, const std::filesystem::path& pat
         return MakeSourceModel(*format, documents, path, options);
     if (document.syntax != ESyntax::Json || !LooksLikeModelFile(document.json))
         RejectUnknown(document);
-    return ReadModelDocument(document.json, document.problems);
+    return ReadModelDocument(std::move(document.json), document.problems);
 }
 
-/// Returns what a file holds, in UTF-8 where it begins as UTF-16.
-std::string ReadSourceText(const std::filesystem::path& path)
+ToolModel MakeFolderModel(ModelFolder found, const std::filesystem::path& folder,
+                          const ImportOptions& options)
 {
-    std::string text = ReadInputFile(path);
-    return IsUtf16(text) ? MakeScriptText(path, std::move(text)).text : text;
-}
-
-/// Returns what a file of a folder is written in: what it begins with counts before its ending.
-ESyntax SyntaxOf(const std::filesystem::path& path, std::string_view text)
-{
-    if (path.extension() == kProgramEnding)
-        return ESyntax::JavaScript;
-    const ESyntax expected = path.extension() == kTmdlEnding ? ESyntax::Tmdl : ESyntax::Yaml;
-    return RecogniseSyntax(text).value_or(expected);
-}
-
-/// Returns the documents in the folder and in those within, in the order of their paths.
-std::vector<SourceDocument> ReadFolder(const std::filesystem::path& folder)
-{
-    std::vector<std::filesystem::path> paths;
-    std::error_code error;
-    for (std::filesystem::recursive_directory_iterator entry(folder, error), end;
-         !error && entry != end; entry.increment(error)) {
-        if (entry->path().filename() == kForeignFolder)
-            entry.disable_recursion_pending();
-        const std::string ending = entry->path().extension().string();
-        if (ending == kProgramEnding ||
-            std::find(kFolderEndings.begin(), kFolderEndings.end(), ending) != kFolderEndings.end())
-            paths.push_back(entry->path());
-    }
-    if (error)
-        throw InputError({{folder.string(), "cannot be read: " + error.message()}});
-    std::sort(paths.begin(), paths.end());
-    std::vector<SourceDocument> documents;
-    for (const std::filesystem::path& path : paths) {
-        std::string text = ReadSourceText(path);
-        documents.push_back(ReadDocument(path.string(), std::move(text), SyntaxOf(path, text)));
-    }
-    return documents;
-}
-
-/// Returns the format of the first document that is of one; null when none is.
-const SourceFormat* FindFolderFormat(std::span<const SourceDocument> documents)
-{
-    for (const SourceDocument& document : documents) {
-        if (document.syntax == ESyntax::JavaScript)
-            continue;
-        if (const SourceFormat* const format = RecogniseFormat({&document, 1}))
-            return format;
-    }
-    return nullptr;
-}
-
-/// Takes the documents of the format; the others are told. Where none is of it, the user has chosen
-/// it for all.
-ToolModel MakeFolderModel(const SourceFormat& format, std::vector<SourceDocument>& documents,
-                          const std::filesystem::path& folder, const ImportOptions& options)
-{
-    auto others = std::stable_partition(documents.begin(), documents.end(), format.matches);
-    if (others == documents.begin())
-        others = documents.end();
-    ToolModel model = MakeSourceModel(format, {documents.begin(), others}, folder, options);
-    for (; others != documents.end(); ++others) {
-        if (others->syntax != ESyntax::JavaScript)
-            model.notes.push_back("left out a file that " +
-                                  std::string(others->templates.empty()
-                                                  ? "is not of " + std::string(format.title)
-                                                  : "templates make, which needs code") +
-                                  ": " + others->name);
-    }
+    ToolModel model = MakeSourceModel(*found.format, found.documents, folder, options);
+    for (std::string& note : found.notes)
+        model.notes.push_back(std::move(note));
     return model;
 }
 
-ToolModel OpenFolder(const std::filesystem::path& folder, const ImportOptions& options)
+void RejectEmpty(const std::filesystem::path& path, std::string_view text)
 {
-    std::vector<SourceDocument> documents = ReadFolder(folder);
-    if (documents.empty())
-        throw InputError({{folder.string(), "is a folder without files of a model; those of " +
-                                                ListFormatWords() + " can be read"}});
-    if (const SourceFormat* const format = FindFolderFormat(documents))
-        return MakeFolderModel(*format, documents, folder, options);
-    throw InputError(
-        {{folder.string(), "is of no format that can be read; there are " + ListFormatWords()}});
+    if (text.empty())
+        throw InputError({{path.string(), "is empty"}});
+    if (HoldsOnlyComments(text))
+        throw InputError({{path.string(), "holds nothing but blanks and comments"}});
 }
 
 /// A pipe can only be read once, so that all of it is read before it is known what it is.
 ToolModel OpenPipe(const std::filesystem::path& path, const ImportOptions& options)
 {
     std::string text = ReadSourceText(path);
-    if (text.empty())
-        throw InputError({{path.string(), "is empty"}});
+    RejectEmpty(path, text);
     if (IsSqlite(text))
         throw InputError({{path.string(), "an SQLite database cannot be read from a pipe"}});
     if (const auto syntax = RecogniseSyntax(text))
         return OpenDocument(ReadDocument(path.string(), std::move(text), *syntax), path, options);
     const std::array scripts{MakeScriptText(path, std::move(text))};
     return MakeModel(ReadSqlTexts(scripts, std::nullopt, options.observer), options);
+}
+
+ToolModel OpenFile(const std::filesystem::path& path, const ImportOptions& options)
+{
+    std::string start = ReadInputStart(path, kStartSize);
+    if (IsSqlite(start))
+        return ImportSqlite(path, options);
+    // What begins with comments is known by what stands behind them.
+    if (HoldsOnlyComments(start))
+        start = ReadInputStart(path, kMaximumFileSize);
+    RejectEmpty(path, start);
+    if (IsUtf16(start)) {
+        std::string text = ReadSourceText(path);
+        RejectEmpty(path, text);
+        if (const auto syntax = RecogniseSyntax(text))
+            return OpenDocument(ReadDocument(path.string(), std::move(text), *syntax), path,
+                                options);
+    } else if (const auto syntax = RecogniseSyntax(start)) {
+        return OpenDocument(ReadDocument(path.string(), ReadInputFile(path), *syntax), path,
+                            options);
+    }
+    if (IsScriptStart(start))
+        return ImportSql({path}, options);
+    throw InputError({{path.string(), "is neither a model file nor an SQLite database nor SQL"}});
 }
 
 ToolModel OpenServer(const std::string& url, const ImportOptions& options)
@@ -262,54 +198,25 @@ ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& opti
     if (!std::filesystem::exists(path, error))
         RejectConnection(path.string());
     if (std::filesystem::is_directory(path, error))
-        return OpenFolder(path, options);
+        return MakeFolderModel(ReadModelFolder(path), path, options);
     if (std::filesystem::exists(path, error) && std::filesystem::is_other(path, error))
         return OpenPipe(path, options);
-
-    const std::string start = ReadInputStart(path, kStartSize);
-    if (start.empty())
-        throw InputError({{path.string(), "is empty"}});
-    if (IsSqlite(start))
-        return ImportSqlite(path, options);
-    if (const auto syntax = RecogniseSyntax(start))
-        return OpenDocument(ReadDocument(path.string(), ReadInputFile(path), *syntax), path,
-                            options);
-    if (IsUtf16(start)) {
-        std::string text = ReadSourceText(path);
-        if (const auto syntax = RecogniseSyntax(text))
-            return OpenDocument(ReadDocument(path.string(), std::move(text), *syntax), path,
-                                options);
-    }
-    if (IsScriptStart(start))
-        return ImportSql({path}, options);
-    throw InputError({{path.string(), "is neither a model file nor an SQLite database nor SQL"}});
+    return OpenFile(path, options);
 }
 
 ToolModel ImportSource(const std::filesystem::path& path, const SourceFormat& format,
                        const ImportOptions& options)
 {
     std::error_code error;
-    if (std::filesystem::is_directory(path, error)) {
-        std::vector<SourceDocument> documents = ReadFolder(path);
-        if (documents.empty())
-            throw InputError({{path.string(), "is a folder without files of a model"}});
-        return MakeFolderModel(format, documents, path, options);
-    }
+    if (std::filesystem::is_directory(path, error))
+        return MakeFolderModel(ReadModelFolder(path, &format), path, options);
     std::string text = ReadSourceText(path);
+    RejectEmpty(path, text);
     const std::optional<ESyntax> syntax = RecogniseSyntax(text);
     if (!syntax)
         throw InputError({{path.string(), "is neither JSON nor YAML nor TMDL"}});
     SourceDocument document = ReadDocument(path.string(), std::move(text), *syntax);
     return MakeSourceModel(format, {&document, 1}, path, options);
-}
-
-bool IsModelFolder(const std::filesystem::path& path)
-{
-    std::error_code error;
-    if (!std::filesystem::is_directory(path, error))
-        return false;
-    const SourceFormat* const format = FindFolderFormat(ReadFolder(path));
-    return format != nullptr && format->takesSeveral;
 }
 
 bool IsModelFile(const std::filesystem::path& path)
@@ -353,6 +260,31 @@ ToolModel ImportSql(const std::vector<std::filesystem::path>& paths, const Impor
         RejectFormat(path, IsSqlite, "is an SQLite database, not SQL: take \"import sqlite\"");
     }
     return MakeModel(ReadSqlScripts(paths, dialect, options.observer), options);
+}
+
+ToolModel ImportTogether(const std::vector<std::filesystem::path>& paths,
+                         const ImportOptions& options)
+{
+    for (const std::filesystem::path& path : paths) {
+        RejectUrl(path);
+        std::string what;
+        std::error_code error;
+        if (std::filesystem::is_directory(path, error)) {
+            what = "a folder";
+        } else if (std::filesystem::is_regular_file(path, error)) {
+            const std::string start = ReadInputStart(path, kStartSize);
+            if (const auto syntax = RecogniseSyntax(start))
+                what = TitleOf(*syntax);
+            else if (IsSqlite(start))
+                what = "an SQLite database";
+        }
+        if (!what.empty())
+            throw InputError({{path.string(), "is " + what +
+                                                  ": only files of SQL can be given together; of "
+                                                  "anything else one file or one folder makes a "
+                                                  "model"}});
+    }
+    return ImportSql(paths, options);
 }
 
 } // namespace qe::tool

@@ -28,10 +28,6 @@ struct ServerKind;
 /// is read. Throws an InputError when it cannot be read.
 [[nodiscard]] bool IsModelFile(const std::filesystem::path& path);
 
-/// Returns whether the path leads to a folder whose files make one model. All of them are read.
-/// Throws an InputError when they cannot be.
-[[nodiscard]] bool IsModelFolder(const std::filesystem::path& path);
-
 /// Returns the model of a file or folder of that format. Throws an InputError when it cannot be
 /// read as one.
 [[nodiscard]] ToolModel ImportSource(const std::filesystem::path& path, const SourceFormat& format,
@@ -57,6 +53,11 @@ struct ServerKind;
 [[nodiscard]] ToolModel ImportSql(const std::vector<std::filesystem::path>& paths,
                                   const ImportOptions& options,
                                   std::optional<EDialect> dialect = std::nullopt);
+
+/// Returns the model of several files, which are SQL: read like ImportSql. Throws an InputError
+/// that tells what can be given together when one of them is something else.
+[[nodiscard]] ToolModel ImportTogether(const std::vector<std::filesystem::path>& paths,
+                                       const ImportOptions& options);
 
 } // namespace qe::tool
 

@@ -20,13 +20,23 @@ constexpr std::int32_t kFormatVersion = 1;
 /// Returns the parts of the name of the query subject's table.
 NameSet TableParts(const ContentObject& subject)
 {
-    const model::QualifiedName parts = model::ParseQualifiedName(subject.options.source);
-    if (subject.options.source.empty())
+    const std::string& source = subject.details->options.source;
+    const model::QualifiedName parts = model::ParseQualifiedName(source);
+    if (source.empty())
         return {subject.name};
     return {parts.begin(), parts.end()};
 }
 
 } // namespace
+
+std::string ModelContent::PointerTo(std::size_t position) const
+{
+    const ContentObject& object = objects[position];
+    if (!object.pointer.empty())
+        return object.pointer;
+    return ChildPointer(ChildPointer(objects[object.parent].pointer, keys::kItems),
+                        position - object.parent - 1);
+}
 
 ModelContent ContentReader::Read(const nlohmann::json& document)
 {
@@ -152,21 +162,40 @@ void ContentReader::ReadSubject(const PlacedJson& json, std::size_t parent)
         return;
     JsonObject object(json, *mProblems);
     const std::size_t position = Add(object, IdClassQuerySubject, parent);
-    mContent.objects[position].options.source = object.GetText(keys::kTable);
+    ContentDetails& details = *mContent.objects[position].details;
+    details.options.source = object.GetText(keys::kTable);
     const PlacedJson quoted = object.Find(keys::kQuoted);
-    mContent.objects[position].rows = object.GetCount(keys::kRows);
+    details.rows = object.GetCount(keys::kRows);
     const std::vector<PlacedJson> keys = object.GetList(keys::kKeys);
-    for (const PlacedJson& element : object.GetList(keys::kItems)) {
-        if (ReadPlainName(element, IdClassQueryItem, position))
-            continue;
-        JsonObject item(element, *mProblems);
-        Add(item, IdClassQueryItem, position);
-        item.RejectUnknownKeys();
-    }
+    ReadItems(object.Find(keys::kItems), position);
     for (const PlacedJson& key : keys)
         ReadKey(key, position);
     ReadQuotedNames(quoted, position);
     object.RejectUnknownKeys();
+}
+
+void ContentReader::ReadItems(const PlacedJson& json, std::size_t subject)
+{
+    if (json.value == nullptr)
+        return;
+    if (!json.value->is_array()) {
+        RejectType(json, "a list", *mProblems);
+        return;
+    }
+    std::size_t place = 0;
+    for (const nlohmann::json& element : *json.value) {
+        const std::size_t here = place++;
+        if (const std::string* const name = FindText(element)) {
+            AddPlainName(IdClassQueryItem, subject).name = *name;
+            continue;
+        }
+        const PlacedJson placed{&element, ChildPointer(json.pointer, here)};
+        if (ReadPlainName(placed, IdClassQueryItem, subject))
+            continue;
+        JsonObject item(placed, *mProblems);
+        Add(item, IdClassQueryItem, subject);
+        item.RejectUnknownKeys();
+    }
 }
 
 void ContentReader::ReadQuotedNames(const PlacedJson& json, std::size_t subject)
@@ -177,7 +206,7 @@ void ContentReader::ReadQuotedNames(const PlacedJson& json, std::size_t subject)
     NameSet names = TableParts(object);
     for (std::size_t i = subject + 1; i < mContent.objects.size(); ++i)
         names.insert(mContent.objects[i].name);
-    object.quoted = ReadNameSet(json, names, *mProblems);
+    object.details->quoted = ReadNameSet(json, names, *mProblems);
 }
 
 void ContentReader::ReadKey(const PlacedJson& json, std::size_t subject)
@@ -197,7 +226,7 @@ void ContentReader::ReadKey(const PlacedJson& json, std::size_t subject)
     }
     if (json.value->is_array() && json.value->empty())
         mProblems->Add(json.pointer, "must name an item");
-    mContent.objects[subject].options.keys.push_back(std::move(key));
+    mContent.objects[subject].details->options.keys.push_back(std::move(key));
 }
 
 void ContentReader::ReadShortcut(const PlacedJson& json, std::size_t parent)
@@ -262,23 +291,29 @@ bool ContentReader::ReadPlainName(const PlacedJson& json, std::int32_t classCode
 {
     if (!json.value->is_string())
         return false;
-    ContentObject& object = mContent.objects.emplace_back();
-    object.classCode = classCode;
+    ContentObject& object = AddPlainName(classCode, parent);
     object.pointer = json.pointer;
-    object.isPlainName = true;
-    object.parent = parent;
     object.name = ReadText(json, *mProblems).value_or("");
     return true;
 }
 
+ContentObject& ContentReader::AddPlainName(std::int32_t classCode, std::size_t parent)
+{
+    ContentObject& object = mContent.objects.emplace_back();
+    object.classCode = classCode;
+    object.isPlainName = true;
+    object.parent = parent;
+    return object;
+}
+
 void ContentReader::RecordId(ContentObject& object)
 {
-    const auto [owner, isNew] = mIdOwners.emplace(object.options.id, object.pointer);
+    const auto [owner, isNew] = mIdOwners.emplace(object.details->options.id, object.pointer);
     if (isNew)
         return;
     mProblems->Add(ChildPointer(object.pointer, keys::kId),
                    "is the id of another object of this kind: " + owner->second);
-    object.options.id = {};
+    object.details->options.id = {};
 }
 
 std::size_t ContentReader::Add(JsonObject& json, std::int32_t classCode, std::size_t parent)
@@ -287,12 +322,14 @@ std::size_t ContentReader::Add(JsonObject& json, std::int32_t classCode, std::si
     object.classCode = classCode;
     object.pointer = json.GetPointer();
     object.parent = parent;
+    object.details = std::make_unique<ContentDetails>();
+    ContentDetails& details = *object.details;
     object.name = json.GetText(keys::kName, EPresence::Required);
-    object.options.id = ReadId(json.Find(keys::kId), classCode, *mProblems);
-    object.options.displayName = json.GetText(keys::kDisplayName);
-    object.description = json.GetText(keys::kDescription);
-    object.options.locale = json.GetText(keys::kLocale);
-    if (object.options.id != amd_id())
+    details.options.id = ReadId(json.Find(keys::kId), classCode, *mProblems);
+    details.options.displayName = json.GetText(keys::kDisplayName);
+    details.description = json.GetText(keys::kDescription);
+    details.options.locale = json.GetText(keys::kLocale);
+    if (details.options.id != amd_id())
         RecordId(object);
     return mContent.objects.size() - 1;
 }

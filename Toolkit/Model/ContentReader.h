@@ -34,6 +34,16 @@ struct ContentLinks
     std::string condition{};
 };
 
+/// What any object may have beside its name.
+struct ContentDetails
+{
+    std::string description{};
+    /// Names of a query subject's table and items that were written between quotes.
+    NameSet quoted{};
+    std::optional<std::uint64_t> rows{};
+    model::ObjectOptions options{};
+};
+
 /// One object as a model file describes it. Fields that its class does not use keep their
 /// defaults.
 struct ContentObject
@@ -41,19 +51,16 @@ struct ContentObject
     static constexpr std::size_t kNoParent = static_cast<std::size_t>(-1);
 
     std::int32_t classCode = 0;
-    /// Where the file describes it.
-    std::string pointer{};
     /// Whether its name is all that the file says of it.
     bool isPlainName = false;
     /// The position of its parent, which comes before it.
     std::size_t parent = kNoParent;
+    /// Where the file describes it; empty for items that are plain names (see PointerTo).
+    std::string pointer{};
     std::string name{};
-    std::string description{};
-    /// Names of a query subject's table and items that were written between quotes.
-    NameSet quoted{};
-    std::optional<std::uint64_t> rows{};
-    model::ObjectOptions options{};
-    /// Null for objects that have none: most are items, and these should be small.
+    /// Null for plain names: most objects are such items, and these should be small.
+    std::unique_ptr<ContentDetails> details{};
+    /// Null for objects that have none.
     std::unique_ptr<ContentLinks> links{};
 };
 
@@ -80,6 +87,9 @@ struct ModelContent
     std::vector<AcceptedFinding> acceptedFindings{};
     /// There are many, and they are large: a deque never moves them.
     std::deque<ContentObject> objects{};
+
+    /// Returns where the file describes the object at that position.
+    [[nodiscard]] std::string PointerTo(std::size_t position) const;
 };
 
 /// Reads the document of a model file: keys, types, words and ids. What the objects name is not
@@ -109,6 +119,8 @@ private:
 
     void ReadContainer(const PlacedJson& json, std::int32_t classCode, std::size_t parent);
     void ReadSubject(const PlacedJson& json, std::size_t parent);
+    /// Reads the list of the items right behind their query subject.
+    void ReadItems(const PlacedJson& json, std::size_t subject);
     /// Items are read already.
     void ReadQuotedNames(const PlacedJson& json, std::size_t subject);
     /// Items are read already.
@@ -119,6 +131,8 @@ private:
     void ReadRelationshipShortcut(const PlacedJson& json, std::size_t parent);
     void ReadFilter(const PlacedJson& json, std::int32_t classCode, std::size_t parent);
 
+    /// Starts an object of which only the name is known.
+    ContentObject& AddPlainName(std::int32_t classCode, std::size_t parent);
     /// Reads an object that may be written as its mere name. Returns whether it was.
     [[nodiscard]] bool ReadPlainName(const PlacedJson& json, std::int32_t classCode,
                                      std::size_t parent);

@@ -15,13 +15,15 @@ namespace {
 /// Each round leaves out what was wrong in the one before; mistakes that only show then are few.
 constexpr int kMaximumRounds = 4;
 
-std::string PlaceOf(const ContentObject& object, EAspect aspect)
+std::string PlaceOf(const ModelContent& content, std::size_t position, EAspect aspect)
 {
+    const ContentObject& object = content.objects[position];
     switch (aspect) {
     case EAspect::Id:
         return ChildPointer(object.pointer, keys::kId);
     case EAspect::Name:
-        return object.isPlainName ? object.pointer : ChildPointer(object.pointer, keys::kName);
+        return object.isPlainName ? content.PointerTo(position)
+                                  : ChildPointer(object.pointer, keys::kName);
     case EAspect::Target:
         return ChildPointer(object.pointer, keys::kTarget);
     case EAspect::LeftEnd:
@@ -36,7 +38,7 @@ std::string PlaceOf(const ContentObject& object, EAspect aspect)
     case EAspect::Parent:
         break;
     }
-    return object.pointer;
+    return content.PointerTo(position);
 }
 
 amd_id AddTo(ModelBuilder& builder, const ContentObject& object, const model::Reference& parent,
@@ -98,9 +100,12 @@ std::shared_ptr<const model::Model> ModelAssembler::Assemble()
 
 std::shared_ptr<const model::Model> ModelAssembler::Build()
 {
+    static const ContentDetails kNoDetails;
     ModelBuilder builder(mContent->locale);
-    for (const ContentObject& object : mContent->objects)
-        builder.Reserve(object.options.id);
+    for (const ContentObject& object : mContent->objects) {
+        if (object.details != nullptr)
+            builder.Reserve(object.details->options.id);
+    }
     mDescriptions.clear();
     mQuotedNames.clear();
     mRows.clear();
@@ -113,16 +118,17 @@ std::shared_ptr<const model::Model> ModelAssembler::Build()
         ids.emplace_back();
         if (mLeftOut[i])
             continue;
-        model::ObjectOptions options = object.options;
+        const ContentDetails& details = object.details == nullptr ? kNoDetails : *object.details;
+        model::ObjectOptions options = details.options;
         options.tag = static_cast<std::int64_t>(i);
         ids.back() = AddTo(builder, object,
                            hasParent ? model::Reference(ids[object.parent]) : model::kTop, options);
-        if (!object.description.empty())
-            mDescriptions[ids.back()] = object.description;
-        if (!object.quoted.empty())
-            mQuotedNames[ids.back()] = object.quoted;
-        if (object.rows)
-            mRows[ids.back()] = *object.rows;
+        if (!details.description.empty())
+            mDescriptions[ids.back()] = details.description;
+        if (!details.quoted.empty())
+            mQuotedNames[ids.back()] = details.quoted;
+        if (details.rows)
+            mRows[ids.back()] = *details.rows;
     }
     return builder.Build();
 }
@@ -130,8 +136,8 @@ std::shared_ptr<const model::Model> ModelAssembler::Build()
 void ModelAssembler::Report(const model::ModelError& error)
 {
     for (const model::ModelProblem& problem : error.GetProblems()) {
-        const ContentObject& object = mContent->objects[static_cast<std::size_t>(problem.tag)];
-        const std::string pointer = PlaceOf(object, problem.aspect);
+        const std::string pointer =
+            PlaceOf(*mContent, static_cast<std::size_t>(problem.tag), problem.aspect);
         if (!mProblems->IsReported(pointer))
             mProblems->Add(pointer, problem.text, problem.nearestNames);
     }

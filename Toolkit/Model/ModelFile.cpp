@@ -26,9 +26,11 @@ ToolModel ReadModelText(std::string_view text, const std::string& fileName)
     return ReadModelDocument(ParseJson(text, problems), problems);
 }
 
-ToolModel ReadModelDocument(const nlohmann::json& document, JsonProblems& problems)
+ToolModel ReadModelDocument(nlohmann::json document, JsonProblems& problems)
 {
     ModelContent content = ContentReader(problems).Read(document);
+    // The model takes its memory.
+    document = nullptr;
 
     ModelAssembler assembler(content, problems);
     ToolModel result;

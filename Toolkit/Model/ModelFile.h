@@ -20,7 +20,7 @@ namespace qe::tool {
 
 /// Reads the document of a model file like ReadModelFile. Mistakes are added to the problems, which
 /// may hold some already.
-[[nodiscard]] ToolModel ReadModelDocument(const nlohmann::json& document, JsonProblems& problems);
+[[nodiscard]] ToolModel ReadModelDocument(nlohmann::json document, JsonProblems& problems);
 
 /// Returns a model as the text of a model file, from which ReadModelText makes an equal one: same
 /// objects, ids, user classes and governors; the notes are left out. Equal models have equal

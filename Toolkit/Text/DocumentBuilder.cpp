@@ -4,6 +4,11 @@ namespace qe::tool {
 
 using nlohmann::json;
 
+DepthError::DepthError(const std::string& place)
+    : InputError({{place, "is nested too deep: more than " + std::to_string(kMaximumDocumentDepth) +
+                              " levels"}})
+{}
+
 std::string DocumentBuilder::GetPointer() const
 {
     std::string pointer;
@@ -38,9 +43,7 @@ void DocumentBuilder::Enter(json value)
 {
     json& placed = AddValue(std::move(value));
     if (mLevels.size() == kMaximumDocumentDepth)
-        throw InputError({{mProblems->ToPlace(GetPointer()),
-                           "is nested too deep: more than " +
-                               std::to_string(kMaximumDocumentDepth) + " levels"}});
+        throw DepthError(mProblems->ToPlace(GetPointer()));
     mLevels.push_back({&placed});
 }
 

@@ -16,6 +16,14 @@ namespace qe::tool {
 /// Objects and lists of a document may be nested this deep.
 inline constexpr std::size_t kMaximumDocumentDepth = 256;
 
+/// Tells that a document is nested too deep.
+class DepthError : public InputError
+{
+public:
+    /// Takes the place of the value that goes too deep.
+    explicit DepthError(const std::string& place);
+};
+
 /// Puts together the document that a parser reads piece by piece. It knows, which parsers do not,
 /// where in the document it is and whether a key has been there before. Refers to the problems.
 class DocumentBuilder
@@ -38,7 +46,7 @@ public:
 
     /// Returns the value where it lies now, which the next one may move.
     nlohmann::json& AddValue(nlohmann::json value);
-    /// Goes on within an object or list. Throws an InputError when that is too deep.
+    /// Goes on within an object or list. Throws a DepthError when that is too deep.
     void Enter(nlohmann::json value);
     void Leave() { mLevels.pop_back(); }
     /// Names the value that comes next. A key that the object has already is reported.

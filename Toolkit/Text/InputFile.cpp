@@ -11,16 +11,21 @@ namespace {
 
 std::string ToLine(const InputProblem& problem)
 {
-    std::string line = problem.place.empty() ? problem.text : problem.place + ": " + problem.text;
-    const char* separator = " (did you mean ";
-    for (const std::string& name : problem.nearestNames) {
-        line += separator + name;
-        separator = " or ";
-    }
-    return problem.nearestNames.empty() ? line : line + "?)";
+    return (problem.place.empty() ? problem.text : problem.place + ": " + problem.text) +
+           ToHint(problem.nearestNames);
 }
 
 } // namespace
+
+std::string ToHint(const std::vector<std::string>& nearestNames)
+{
+    // More names than these are no hint.
+    constexpr std::size_t kShown = 3;
+    std::string hint;
+    for (std::size_t i = 0; i < nearestNames.size() && i < kShown; ++i)
+        hint += (i == 0 ? " (did you mean " : " or ") + nearestNames[i];
+    return hint.empty() ? hint : hint + "?)";
+}
 
 InputError::InputError(std::vector<InputProblem> problems) : mProblems(std::move(problems))
 {

@@ -23,6 +23,9 @@ struct InputProblem
     std::vector<std::string> nearestNames{};
 };
 
+/// Returns " (did you mean X or Y?)" with the first three names; empty where there are none.
+[[nodiscard]] std::string ToHint(const std::vector<std::string>& nearestNames);
+
 /// All mistakes in one input. Nothing of that input is used.
 class InputError : public std::exception
 {
@@ -34,7 +37,8 @@ public:
         return mProblems;
     }
 
-    /// Returns one line for each problem: "place: text (did you mean X or Y?)".
+    /// Returns one line for each problem: "place: text (did you mean X or Y?)", with at most three
+    /// names.
     [[nodiscard]] const char* what() const noexcept override { return mText.c_str(); }
 
 private:

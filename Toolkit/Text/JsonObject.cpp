@@ -1,6 +1,8 @@
 #include "Toolkit/Text/JsonObject.h"
 
 #include "Engine/Model/Names.h"
+#include "Toolkit/Text/Misspelling.h"
+#include "Toolkit/Text/DisplayText.h"
 
 #include <nlohmann/json.hpp>
 
@@ -29,14 +31,13 @@ std::string TypeTitle(const nlohmann::json& value)
     }
 }
 
-/// Returns the text that a value is; null when it is none, or holds U+0000.
+} // namespace
+
 const std::string* FindText(const nlohmann::json& value)
 {
     const auto* const text = value.get_ptr<const std::string*>();
     return text == nullptr || text->find('\0') != std::string::npos ? nullptr : text;
 }
-
-} // namespace
 
 void RejectType(const PlacedJson& json, const std::string& wanted, JsonProblems& problems)
 {
@@ -107,7 +108,11 @@ ReadWord(const PlacedJson& json, const std::vector<std::string_view>& words, Jso
     const auto found = std::find(words.begin(), words.end(), *word);
     if (found != words.end())
         return static_cast<std::size_t>(found - words.begin());
-    problems.Add(json.pointer, "unknown value: \"" + *word + '"', {words.begin(), words.end()});
+    std::vector<std::string> nearest = model::NearestNames(*word, words);
+    std::string text = "unknown value: \"" + *word + '"';
+    if (nearest.empty())
+        text += "; it may be " + JoinTexts(words);
+    problems.Add(json.pointer, text, std::move(nearest));
     return std::nullopt;
 }
 
@@ -143,11 +148,30 @@ PlacedJson JsonObject::Find(std::string_view key, EPresence presence)
     const auto member = mObject->find(key);
     if (member != mObject->end() && !(member->is_null() && mNull == ENull::Absent))
         return {&*member, ChildPointer(mPointer, key)};
-    if (presence == EPresence::Required) {
-        mProblems->Add(mPointer, "lacks the key \"" + std::string(key) + '"');
-        mProblems->MarkReported(ChildPointer(mPointer, key));
-    }
+    if (presence == EPresence::Required)
+        TellMissing(key);
     return {};
+}
+
+void JsonObject::TellMissing(std::string_view key)
+{
+    const bool isNull = mObject->contains(key);
+    std::string text =
+        (isNull ? "has null for the key \"" : "lacks the key \"") + std::string(key) + '"';
+    // Neighbours such as "from_columns" and "to_columns" are further from each other.
+    const std::size_t limit = std::max<std::size_t>(1, key.size() / 5);
+    const std::string wanted = model::FoldCase(key);
+    for (const auto& member : mObject->items()) {
+        const std::string& other = member.key();
+        if (isNull || model::EditDistance(wanted, model::FoldCase(other), limit) > limit ||
+            std::find(mKnownKeys.begin(), mKnownKeys.end(), other) != mKnownKeys.end())
+            continue;
+        text += ", but has \"" + other + '"';
+        mToldKeys.push_back(other);
+        break;
+    }
+    mProblems->Add(mPointer, text);
+    mProblems->MarkReported(ChildPointer(mPointer, key));
 }
 
 std::string JsonObject::GetText(std::string_view key, EPresence presence)
@@ -232,15 +256,39 @@ void JsonObject::Ignore(std::initializer_list<std::string_view> keys)
     mKnownKeys.insert(mKnownKeys.end(), keys.begin(), keys.end());
 }
 
+bool JsonObject::IsKnown(std::string_view key) const
+{
+    const auto isIn = [key](const std::vector<std::string_view>& keys) {
+        return std::find(keys.begin(), keys.end(), key) != keys.end();
+    };
+    return isIn(mKnownKeys) || isIn(mToldKeys);
+}
+
+void JsonObject::RejectKey(const std::string& key, std::vector<std::string> nearestKeys)
+{
+    mProblems->Add(ChildPointer(mPointer, key), "key is unknown: \"" + key + '"',
+                   std::move(nearestKeys));
+}
+
 void JsonObject::RejectUnknownKeys()
 {
     if (mObject == nullptr)
         return;
     for (const auto& member : mObject->items()) {
-        if (std::find(mKnownKeys.begin(), mKnownKeys.end(), member.key()) == mKnownKeys.end())
-            mProblems->Add(ChildPointer(mPointer, member.key()),
-                           "key is unknown: \"" + member.key() + '"',
-                           model::NearestNames(member.key(), mKnownKeys));
+        if (!IsKnown(member.key()))
+            RejectKey(member.key(), model::NearestNames(member.key(), mKnownKeys));
+    }
+}
+
+void JsonObject::RejectMisspeltKeys()
+{
+    if (mObject == nullptr)
+        return;
+    for (const auto& member : mObject->items()) {
+        if (IsKnown(member.key()))
+            continue;
+        if (const std::string_view meant = FindMeantWord(member.key(), mKnownKeys); !meant.empty())
+            RejectKey(member.key(), {std::string(meant)});
     }
 }
 

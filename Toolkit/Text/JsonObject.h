@@ -84,17 +84,30 @@ public:
     /// Lets the object have the keys, whatever they hold.
     void Ignore(std::initializer_list<std::string_view> keys);
 
-    /// Reports the keys that nobody has asked for.
+    /// Reports the keys that nobody has asked for, but for those that were told already.
     void RejectUnknownKeys();
 
+    /// Reports those of them that are some other key misspelt. For objects that may have keys which
+    /// only others read.
+    void RejectMisspeltKeys();
+
 private:
+    [[nodiscard]] bool IsKnown(std::string_view key) const;
+    void RejectKey(const std::string& key, std::vector<std::string> nearestKeys);
+
+    /// Reports that there is no such key, and which other key may be meant for it.
+    void TellMissing(std::string_view key);
+
     const nlohmann::json* mObject = nullptr;
     std::string mPointer;
     JsonProblems* mProblems;
     ENull mNull;
     std::vector<std::string_view> mKnownKeys;
+    std::vector<std::string_view> mToldKeys;
 };
 
+/// Returns the text that a value is; null when it is none, or holds U+0000.
+[[nodiscard]] const std::string* FindText(const nlohmann::json& value);
 /// Returns a text without U+0000; nothing, and reports it, when the value is none.
 [[nodiscard]] std::optional<std::string> ReadText(const PlacedJson& json, JsonProblems& problems);
 /// Returns a whole number of the range; nothing, and reports it, when the value is none.

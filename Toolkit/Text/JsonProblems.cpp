@@ -26,6 +26,26 @@ std::string OnOneLine(const std::string& text)
     return line;
 }
 
+/// Nobody reads the middle of a long pointer.
+std::string Shorten(const std::string& pointer)
+{
+    constexpr std::size_t kLongest = 256;
+    constexpr std::size_t kEdge = 80;
+    if (pointer.size() <= kLongest)
+        return pointer;
+    // A character of several bytes stays whole.
+    const auto isWithin = [&pointer](std::size_t position) {
+        return (static_cast<unsigned char>(pointer[position]) & 0xC0U) == 0x80U;
+    };
+    std::size_t head = kEdge;
+    while (isWithin(head))
+        --head;
+    std::size_t tail = pointer.size() - kEdge;
+    while (tail < pointer.size() && isWithin(tail))
+        ++tail;
+    return pointer.substr(0, head) + "..." + pointer.substr(tail);
+}
+
 } // namespace
 
 void JsonProblems::Add(const std::string& pointer, const std::string& text,
@@ -38,14 +58,35 @@ void JsonProblems::Add(const std::string& pointer, const std::string& text,
     }
     for (std::string& name : nearestNames)
         name = OnOneLine(name);
-    mProblems.push_back(
-        {.pointer = pointer,
-         .problem = {ToPlace(OnOneLine(pointer)), OnOneLine(text), std::move(nearestNames)}});
+    mProblems.push_back({.pointer = pointer,
+                         .problem = {ToPlace(pointer), OnOneLine(text), std::move(nearestNames)}});
 }
 
 std::string JsonProblems::ToPlace(const std::string& pointer) const
 {
-    return mDocumentName.empty() ? pointer : mDocumentName + '#' + pointer;
+    const std::string shown = Shorten(OnOneLine(pointer));
+    return mDocumentName.empty() ? shown : mDocumentName + '#' + shown;
+}
+
+std::string JsonProblems::ToPlace(const std::string& pointer, std::size_t line) const
+{
+    std::string place = ToPlace(pointer);
+    if (!mDocumentName.empty())
+        place.insert(mDocumentName.size(), ':' + std::to_string(line));
+    return place;
+}
+
+std::map<std::string, std::string>
+JsonProblems::FindPlaces(const std::set<std::string>& pointers) const
+{
+    const DocumentLines lines = mFindLines ? mFindLines(pointers) : DocumentLines();
+    std::map<std::string, std::string> places;
+    for (const std::string& pointer : pointers) {
+        const auto line = lines.find(pointer);
+        places.emplace(pointer,
+                       line == lines.end() ? ToPlace(pointer) : ToPlace(pointer, line->second));
+    }
+    return places;
 }
 
 void JsonProblems::ThrowIfAny() const
@@ -59,7 +100,7 @@ void JsonProblems::ThrowIfAny() const
     for (const Problem& kept : mProblems) {
         problems.push_back(kept.problem);
         if (const auto line = lines.find(kept.pointer); line != lines.end())
-            problems.back().place.insert(mDocumentName.size(), ':' + std::to_string(line->second));
+            problems.back().place = ToPlace(kept.pointer, line->second);
     }
     if (mLeftOut > 0)
         problems.push_back({mDocumentName, "further mistakes: " + std::to_string(mLeftOut)});

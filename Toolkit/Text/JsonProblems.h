@@ -5,6 +5,7 @@
 #include "Toolkit/Text/InputFile.h"
 
 #include <cstddef>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -40,8 +41,18 @@ public:
         return mReported.count(pointer) != 0;
     }
 
-    /// Returns how messages show that place of the document.
+    /// Returns how messages show that place of the document; long pointers without their middle.
     [[nodiscard]] std::string ToPlace(const std::string& pointer) const;
+    /// The same with the line that the place stands on.
+    [[nodiscard]] std::string ToPlace(const std::string& pointer, std::size_t line) const;
+    /// Returns the same for each of the pointers, with lines where they can be found. Reads the
+    /// document for it.
+    [[nodiscard]] std::map<std::string, std::string>
+    FindPlaces(const std::set<std::string>& pointers) const;
+    [[nodiscard]] std::string FindPlace(const std::string& pointer) const
+    {
+        return FindPlaces({pointer}).at(pointer);
+    }
 
     /// Throws an InputError when there are mistakes.
     void ThrowIfAny() const;

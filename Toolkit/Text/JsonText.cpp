@@ -2,6 +2,7 @@
 
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Text/DocumentBuilder.h"
+#include "Toolkit/Text/PlainJson.h"
 
 #include <nlohmann/json.hpp>
 
@@ -9,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -113,6 +115,26 @@ private:
     bool mIsBehindBreak = false;
 };
 
+/// Returns the line on which the first object or list begins that is nested too deep.
+std::size_t FindDeepLine(std::string_view text)
+{
+    std::size_t depth = 0;
+    bool isInText = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char letter = text[i];
+        if (isInText && letter == '\\')
+            ++i;
+        else if (letter == '"')
+            isInText = !isInText;
+        else if (!isInText && (letter == '}' || letter == ']'))
+            --depth;
+        else if (!isInText && (letter == '{' || letter == '['))
+            if (++depth > kMaximumDocumentDepth)
+                return PositionCounter(text).MoveTo(i).line;
+    }
+    return 1;
+}
+
 /// Returns the parser's message without its own place and number.
 std::string Reason(const json::exception& error)
 {
@@ -153,11 +175,15 @@ std::string Render(const ordered_json& value, std::size_t indent, std::size_t le
 
 json ParseJson(std::string_view text, JsonProblems& problems)
 {
+    if (std::optional<json> document = ReadPlainJson(text, problems.GetDocumentName()))
+        return std::move(*document);
     DocumentBuilder builder(problems);
     try {
         JsonReader reader(builder);
         json::sax_parse(text, &reader);
         return builder.TakeDocument();
+    } catch (const DepthError&) {
+        throw DepthError(problems.ToPlace(builder.GetPointer(), FindDeepLine(text)));
     } catch (const json::parse_error& error) {
         const std::size_t offset = error.byte == 0 ? 0 : error.byte - 1;
         const std::string& documentName = problems.GetDocumentName();

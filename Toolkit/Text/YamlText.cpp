@@ -146,8 +146,12 @@ private:
     void Enter(const YAML::Mark& mark, YAML::anchor_t anchor, json value);
     void Leave();
     void Remember(YAML::anchor_t anchor, const json& value);
-    /// Throws an InputError about the place when copies get too many.
-    void Count(const Extent& extent, const std::string& place);
+    /// Throws an InputError when copies get too many.
+    void Count(const Extent& extent);
+    [[nodiscard]] std::string NextPlace() const
+    {
+        return mProblems->ToPlace(mBuilder.GetNextPointer(), mLine);
+    }
     void MergeKeys(json& object);
     /// Notes that a value follows, which is no key. Throws where one should stand.
     void BeginValue(const YAML::Mark& mark);
@@ -159,6 +163,8 @@ private:
     std::vector<Level> mLevels;
     std::map<YAML::anchor_t, Anchored> mAnchors;
     std::size_t mCopies = 0;
+    /// The line of what was read last.
+    std::size_t mLine = 1;
 };
 
 std::string PlaceOf(const JsonProblems& problems, const YAML::Mark& mark)
@@ -174,8 +180,9 @@ void YamlReader::Fail(const YAML::Mark& mark, const std::string& text) const
 
 void YamlReader::BeginValue(const YAML::Mark& mark)
 {
+    mLine = static_cast<std::size_t>(mark.line) + 1;
     if (mLines != nullptr)
-        mLines->SetLine(static_cast<std::size_t>(mark.line) + 1);
+        mLines->SetLine(mLine);
     if (mLevels.empty() || !mLevels.back().isMap)
         return;
     if (!mLevels.back().hasKey)
@@ -200,6 +207,8 @@ void YamlReader::Scalar(const YAML::Mark& mark, YAML::anchor_t anchor, const jso
 void YamlReader::Enter(const YAML::Mark& mark, YAML::anchor_t anchor, json value)
 {
     BeginValue(mark);
+    if (mBuilder.GetDepth() == kMaximumDocumentDepth)
+        throw DepthError(NextPlace());
     mLevels.push_back({.anchor = anchor, .isMap = value.is_object()});
     mBuilder.Enter(std::move(value));
 }
@@ -219,16 +228,16 @@ void YamlReader::Remember(YAML::anchor_t anchor, const json& value)
     if (anchor == 0)
         return;
     const Extent extent = Measure(value);
-    Count(extent, mProblems->ToPlace(mBuilder.GetPointer()));
+    Count(extent);
     mAnchors.insert_or_assign(anchor, Anchored{.value = value, .extent = extent});
 }
 
-void YamlReader::Count(const Extent& extent, const std::string& place)
+void YamlReader::Count(const Extent& extent)
 {
     mCopies += extent.values;
     if (mCopies > kMaximumCopies)
-        throw InputError({{place, "anchors and aliases come to more than " +
-                                      std::to_string(kMaximumCopies) + " values"}});
+        throw InputError({{NextPlace(), "anchors and aliases come to more than " +
+                                            std::to_string(kMaximumCopies) + " values"}});
 }
 
 void YamlReader::OnAlias(const YAML::Mark& mark, YAML::anchor_t anchor)
@@ -238,10 +247,9 @@ void YamlReader::OnAlias(const YAML::Mark& mark, YAML::anchor_t anchor)
         Fail(mark, "an alias stands within what it names");
     BeginValue(mark);
     const Extent& extent = found->second.extent;
-    Count(extent, PlaceOf(*mProblems, mark));
+    Count(extent);
     if (mBuilder.GetDepth() + extent.depth > kMaximumDocumentDepth)
-        Fail(mark,
-             "is nested too deep: more than " + std::to_string(kMaximumDocumentDepth) + " levels");
+        throw DepthError(NextPlace());
     mBuilder.AddValue(found->second.value);
 }
 

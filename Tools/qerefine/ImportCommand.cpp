@@ -163,9 +163,11 @@ ToolModel RunAny(const Options& options, const CommandContext& context)
     if (format != nullptr && options.files.size() != 1)
         throw UsageError(InputError(
             {{"", "one file or folder makes a model of " + std::string(format->title)}}));
-    if (options.kind.dialect || options.files.size() != 1)
+    if (options.kind.dialect)
         return RunSql(options, context);
     return RunImport(options, context, [&](const ImportOptions& importOptions) {
+        if (options.files.size() != 1)
+            return ImportTogether({options.files.begin(), options.files.end()}, importOptions);
         if (format != nullptr)
             return ImportSource(options.files.front(), *format, importOptions);
         return OpenModel(options.files.front(), importOptions);

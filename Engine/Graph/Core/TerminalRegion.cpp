@@ -51,6 +51,9 @@ private:
         std::uint32_t secondBase = kNoBase;
         std::uint64_t distance = 0;
         std::uint64_t bothDistances = kUnreached;
+        /// The path that was queued last.
+        std::uint64_t queuedDistance = 0;
+        std::uint32_t queuedBase = kNoBase;
     };
 
     void Push(const Label& label);
@@ -119,14 +122,19 @@ void RegionSearch::Settle(const Label& label)
 void RegionSearch::Expand(const Label& label)
 {
     for (const Arc& arc : mGraph.GetArcs(label.node)) {
-        const Nearest& nearest = mNearest[arc.target];
+        Nearest& nearest = mNearest[arc.target];
         // A third terminal matters only as long as the terminals are not connected.
         if (nearest.base == label.base || nearest.secondBase == label.base ||
             (nearest.secondBase != kNoBase && mPieceCount == 1))
             continue;
         const std::uint64_t distance = label.distance + mGraph.GetEdge(arc.edge).weight;
-        if (distance <= mBound)
-            Push({.distance = distance, .node = arc.target, .base = label.base});
+        // Of the paths from one terminal only the shortest tells anything.
+        const bool isKnown = nearest.queuedBase == label.base && nearest.queuedDistance <= distance;
+        if (isKnown || distance > mBound)
+            continue;
+        nearest.queuedBase = label.base;
+        nearest.queuedDistance = distance;
+        Push({.distance = distance, .node = arc.target, .base = label.base});
     }
 }
 

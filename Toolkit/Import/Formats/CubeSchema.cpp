@@ -1,7 +1,9 @@
 #include "Toolkit/Import/Formats/CubeSchema.h"
 
+#include "Engine/Model/Names.h"
 #include "Toolkit/Import/Ddl/SqlTokens.h"
 #include "Toolkit/Import/Formats/SqlCondition.h"
+#include "Toolkit/Text/InputFile.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,7 +15,7 @@ namespace {
 using Names = std::vector<std::string>;
 
 /// Members may stand for others, but not without end.
-constexpr std::size_t kMaximumDepth = 16;
+constexpr std::size_t kMaximumDepth = 64;
 constexpr std::size_t kMaximumSize = std::size_t{16} * 1024;
 
 std::string Quote(const std::string& name)
@@ -74,8 +76,37 @@ private:
                 return Quote(named->name);
             return ExpandMember(names.front(), self, path);
         }
-        return cube == nullptr ? Fail("names no cube: {" + std::string(path) + '}')
-                               : ExpandMember(names.back(), *cube, path);
+        if (cube != nullptr)
+            return ExpandMember(names.back(), *cube, path);
+        std::vector<std::string> nearest =
+            model::NearestNames(names[names.size() - 2], NamesOfCubes());
+        for (std::string& name : nearest)
+            name = '{' + name + '.' + names.back() + '}';
+        return Fail("names no cube: " + Show(path) + ToHint(nearest));
+    }
+
+    static std::string Show(std::string_view path) { return '{' + std::string(path) + '}'; }
+
+    [[nodiscard]] std::vector<std::string_view> NamesOfCubes() const
+    {
+        std::vector<std::string_view> names;
+        for (const auto& [name, cube] : mCubes)
+            names.push_back(name);
+        return names;
+    }
+
+    std::string FailAtMember(const std::string& name, const Cube& cube, std::string_view path)
+    {
+        std::vector<std::string_view> known;
+        if (path.find('.') == std::string_view::npos)
+            known = NamesOfCubes();
+        for (const CubeDimension& dimension : cube.dimensions)
+            known.push_back(dimension.name);
+        const std::string owner(path.substr(0, path.rfind('.') + 1));
+        std::vector<std::string> nearest = model::NearestNames(name, known);
+        for (std::string& near : nearest)
+            near = '{' + owner + near + '}';
+        return Fail("names no dimension: " + Show(path) + ToHint(nearest));
     }
 
     [[nodiscard]] const Cube* Find(const std::string& name, const Cube& self) const
@@ -92,12 +123,15 @@ private:
             std::find_if(cube.dimensions.begin(), cube.dimensions.end(),
                          [&name](const CubeDimension& other) { return other.name == name; });
         if (dimension == cube.dimensions.end())
-            return Fail("names no dimension: {" + std::string(path) + '}');
-        if (mDepth == kMaximumDepth)
-            return Fail("names members that stand for each other: {" + std::string(path) + '}');
-        ++mDepth;
+            return FailAtMember(name, cube, path);
+        if (std::find(mOpen.begin(), mOpen.end(), &*dimension) != mOpen.end())
+            return Fail("names members that stand for each other: " + Show(path));
+        if (mOpen.size() == kMaximumDepth)
+            return Fail("names members that stand for others, more than " +
+                        std::to_string(kMaximumDepth) + " in a row: " + Show(path));
+        mOpen.push_back(&*dimension);
         const std::string sql = QualifyNames(Expand(dimension->sql, cube), Quote(cube.name));
-        --mDepth;
+        mOpen.pop_back();
         return ReadTableName(sql).size() == 2 ? sql : '(' + sql + ')';
     }
 
@@ -110,7 +144,8 @@ private:
 
     const Cubes& mCubes;
     std::string& mProblem;
-    std::size_t mDepth = 0;
+    /// The members that are being replaced.
+    std::vector<const CubeDimension*> mOpen;
 };
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "Engine/Services/Characters.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qe::tool {
 
@@ -100,15 +101,20 @@ std::optional<std::size_t> DbtIndex::FindCall(std::string_view text,
     const auto named = call ? mByName.find(call->names.back()) : mByName.end();
     if (named == mByName.end())
         return std::nullopt;
-    std::optional<std::size_t> first;
+    std::optional<std::size_t> best;
+    std::pair<bool, bool> bestRank;
     for (const std::size_t position : named->second) {
-        if (!IsMeant(*call, mNodes[position]))
+        const DbtNode& node = mNodes[position];
+        if (!IsMeant(*call, node))
             continue;
-        if (std::find(ids.begin(), ids.end(), mNodes[position].id) != ids.end())
-            return position;
-        first = first.value_or(position);
+        const std::pair rank(std::find(ids.begin(), ids.end(), node.id) != ids.end(),
+                             node.isLatest);
+        if (!best || rank > bestRank) {
+            best = position;
+            bestRank = rank;
+        }
     }
-    return first;
+    return best;
 }
 
 std::optional<std::size_t> DbtIndex::FindRelation(const std::vector<std::string>& parts) const

@@ -19,6 +19,8 @@ struct DbtNode
     std::string package{};
     /// Of a model with several versions.
     std::string version{};
+    /// Whether it is meant where no version is named.
+    bool isLatest = true;
     /// The name of the source that it belongs to; empty for a node.
     std::string sourceName{};
     /// The parts of its name in the database, the outermost first.
@@ -38,7 +40,8 @@ public:
     [[nodiscard]] std::optional<std::size_t> FindId(const std::string& id) const;
 
     /// Returns what a text refers to: "ref('x')", "ref('package', 'x', v=2)", "source('s', 'x')",
-    /// with anything around it. Of several that match, it is the one among `ids`.
+    /// with anything around it. Of several that match, those among `ids` go first, and among these
+    /// the latest version.
     [[nodiscard]] std::optional<std::size_t> FindCall(std::string_view text,
                                                       const std::vector<std::string>& ids) const;
 

@@ -4,6 +4,7 @@
 #include "Toolkit/Import/Formats/DbtIndex.h"
 #include "Toolkit/Import/Formats/DbtSemantic.h"
 #include "Toolkit/Import/Formats/DbtTests.h"
+#include "Toolkit/Import/Formats/DbtVersion.h"
 #include "Toolkit/Import/Formats/LeftOut.h"
 #include "Toolkit/Import/Formats/SubjectIndex.h"
 #include "Toolkit/Text/DisplayText.h"
@@ -56,7 +57,8 @@ public:
 
     DatabaseSchema Read()
     {
-        ReadMetadata();
+        if (!ReadMetadata() || mTop.Find("nodes", EPresence::Required).value == nullptr)
+            return {};
         std::vector<PlacedJson> tests;
         const auto nodes = mTop.GetMembers("nodes");
         for (const auto& [id, node] : nodes) {
@@ -82,8 +84,11 @@ public:
     }
 
 private:
-    void ReadMetadata();
+    /// Returns whether the rest can be read.
+    [[nodiscard]] bool ReadMetadata();
     void ReadTable(const std::string& id, const PlacedJson& json);
+    void ReadRelation(JsonObject& object, SchemaTable& table);
+    [[nodiscard]] std::string ReadVersion(JsonObject& object, const char* key);
     void ReadColumns(JsonObject& object, SchemaTable& table);
     void ReadConstraints(const PlacedJson& json, std::size_t position);
     void ReadConstraint(const PlacedJson& json, DbtReference reference);
@@ -107,41 +112,66 @@ private:
         mPositions;
 };
 
-void ManifestReader::ReadMetadata()
+bool ManifestReader::ReadMetadata()
 {
     const PlacedJson found = mTop.Find("metadata");
     if (found.value == nullptr)
-        return;
+        return true;
     JsonObject metadata(found, mProblems, ENull::Absent);
+    std::optional<std::string> note = CheckDbtVersion(metadata, mProblems);
+    if (!note)
+        return false;
+    if (!note->empty())
+        mSchema.notes.push_back(std::move(*note));
     mSchema.name = metadata.GetText("project_name");
     const std::string version = metadata.GetText("dbt_version");
     mSchema.origin = "a manifest of dbt" + (version.empty() ? "" : ' ' + version);
+    return true;
 }
+
+/// Versions of models are numbers or texts.
+std::string ManifestReader::ReadVersion(JsonObject& object, const char* key)
+{
+    const PlacedJson found = object.Find(key);
+    if (found.value == nullptr)
+        return {};
+    return found.value->is_number() ? found.value->dump() : ReadText(found, mProblems).value_or("");
+}
+
+void ManifestReader::ReadRelation(JsonObject& object, SchemaTable& table)
+{
+    table.source = SplitSqlName(object.GetText("relation_name"));
+    table.space = object.GetText("schema");
+    if (!table.source.empty())
+        return;
+    const std::string alias = object.GetText("alias");
+    const std::string identifier = object.GetText("identifier");
+    for (const std::string& part :
+         {object.GetText("database"), table.space, alias.empty() ? identifier : alias})
+        if (!part.empty())
+            table.source.push_back(part);
+}
+
+/// Of several versions of a model, the latest has its name, the others that of their table.
 
 void ManifestReader::ReadTable(const std::string& id, const PlacedJson& json)
 {
     JsonObject object(json, mProblems, ENull::Absent);
     SchemaTable table{.name = object.GetText("name", EPresence::Required)};
     table.description = object.GetText("description");
-    table.source = SplitSqlName(object.GetText("relation_name"));
-    table.space = object.GetText("schema");
-    if (table.source.empty()) {
-        const std::string alias = object.GetText("alias");
-        const std::string identifier = object.GetText("identifier");
-        for (const std::string& part :
-             {object.GetText("database"), table.space, alias.empty() ? identifier : alias})
-            if (!part.empty())
-                table.source.push_back(part);
-    }
+    ReadRelation(object, table);
     ReadColumns(object, table);
     DbtNode node{.id = id,
                  .name = table.name,
                  .package = object.GetText("package_name"),
+                 .version = ReadVersion(object, "version"),
                  .sourceName = object.GetText("source_name"),
                  .relation = table.source};
-    if (const PlacedJson version = object.Find("version"); version.value != nullptr)
-        node.version =
-            version.value->is_string() ? version.value->get<std::string>() : version.value->dump();
+    node.isLatest = node.version == ReadVersion(object, "latest_version");
+    if (!node.isLatest && !node.version.empty()) {
+        const std::string alias = object.GetText("alias");
+        table.name = !alias.empty() && alias != node.name ? alias : node.name + "_v" + node.version;
+    }
     mIndex.Add(node);
     mSchema.tables.push_back(std::move(table));
 }
@@ -171,7 +201,9 @@ void ManifestReader::ReadConstraints(const PlacedJson& json, std::size_t positio
         reference.fromColumns = {name.empty() ? key : name};
         for (const PlacedJson& constraint : columnObject.GetList("constraints"))
             ReadConstraint(constraint, reference);
+        columnObject.RejectMisspeltKeys();
     }
+    object.RejectMisspeltKeys();
 }
 
 void ManifestReader::ReadConstraint(const PlacedJson& json, DbtReference reference)
@@ -198,6 +230,7 @@ void ManifestReader::ReadForeignKey(JsonObject& object, DbtReference reference)
     std::string target = object.GetText("to");
     reference.toColumns = object.GetTexts("to_columns").value_or(Names{});
     const std::string expression = object.GetText("expression");
+    object.RejectMisspeltKeys();
     if (target.empty()) {
         const std::size_t open = expression.rfind('(');
         target = expression.substr(0, open);
@@ -320,6 +353,7 @@ void ManifestReader::WriteNotes()
     for (const char* kind : {"exposures", "metrics", "saved_queries", "semantic_models"})
         for (const auto& [id, object] : mTop.GetMembers(kind))
             mTests.GetLeftOut().Add(kind, id);
+    mTop.RejectMisspeltKeys();
     for (std::string& note : mTests.GetLeftOut().List())
         mSchema.notes.push_back(std::move(note));
 }
@@ -328,14 +362,20 @@ void ManifestReader::WriteNotes()
 
 bool IsDbtManifest(const SourceDocument& document)
 {
-    return document.json.is_object() && document.json.contains("metadata") &&
-           document.json.contains("nodes") && document.json.contains("sources");
+    const nlohmann::json& json = document.json;
+    if (!json.is_object() || !json.contains("metadata"))
+        return false;
+    const nlohmann::json& metadata = json["metadata"];
+    // Other files that dbt writes are told apart by their reader.
+    return json.contains("nodes") ||
+           (metadata.is_object() && metadata.contains("dbt_schema_version"));
 }
 
 DatabaseSchema ReadDbtManifest(std::span<SourceDocument> documents)
 {
     DatabaseSchema schema = ManifestReader(documents.front()).Read();
-    if (!schema.joins.empty() || !IsDbtSemantic(documents.front()))
+    if (!schema.joins.empty() || !documents.front().problems.IsEmpty() ||
+        !HasSemanticModels(documents.front()))
         return schema;
     DatabaseSchema semantic = ReadDbtSemantic(documents);
     semantic.notes.emplace_back(

@@ -96,6 +96,7 @@ private:
             mLeftOut.Add("primary entities without a column", table.name + '.' + owned);
         for (const PlacedJson& measure : object.GetList("measures"))
             mLeftOut.Add("measures", JsonObject(measure, mProblems, ENull::Absent).GetText("name"));
+        object.RejectMisspeltKeys();
         mSchema.tables.push_back(std::move(table));
     }
 
@@ -138,6 +139,7 @@ private:
                                                              {"unique", EEntity::Unique},
                                                              {"primary", EEntity::Primary}});
         const std::string text = object.GetText("expr");
+        object.RejectMisspeltKeys();
         if (!type || name.empty())
             return false;
         if (*type == EEntity::Natural && !hasTimes) {
@@ -205,8 +207,12 @@ private:
 
 bool IsDbtSemantic(const SourceDocument& document)
 {
-    return document.json.is_object() && document.json.contains("semantic_models") &&
-           document.json["semantic_models"].is_structured() &&
+    return document.json.is_object() && document.json.contains("semantic_models");
+}
+
+bool HasSemanticModels(const SourceDocument& document)
+{
+    return IsDbtSemantic(document) && document.json["semantic_models"].is_structured() &&
            !document.json["semantic_models"].empty();
 }
 

@@ -8,8 +8,11 @@
 
 namespace qe::tool {
 
-/// Returns whether the document holds semantic models of dbt.
+/// Returns whether the document has a place for semantic models of dbt.
 [[nodiscard]] bool IsDbtSemantic(const SourceDocument& document);
+
+/// Returns whether the document is one that holds some.
+[[nodiscard]] bool HasSemanticModels(const SourceDocument& document);
 
 /// Reads the semantic models of a semantic_manifest.json, or of a manifest.json. Two of them join
 /// where they have an entity of the same name.

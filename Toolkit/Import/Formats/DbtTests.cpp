@@ -34,40 +34,59 @@ std::optional<DbtTests::Test> DbtTests::Open(const PlacedJson& json)
 {
     JsonObject object(json, mProblems, ENull::Absent);
     Test test{.label = object.GetText("name")};
-    if (const PlacedJson found = object.Find("config"); found.value != nullptr) {
-        JsonObject config(found, mProblems, ENull::Absent);
-        test.where = config.GetText("where");
-        if (!config.GetBoolean("enabled").value_or(true)) {
-            mLeftOut.Add("tests that are disabled", test.label);
-            return std::nullopt;
-        }
+    if (!ReadConfig(object, test)) {
+        mLeftOut.Add("tests that are disabled", test.label);
+        return std::nullopt;
     }
-    if (const PlacedJson found = object.Find("test_metadata"); found.value != nullptr) {
-        JsonObject metadata(found, mProblems, ENull::Absent);
-        const std::string space = metadata.GetText("namespace");
-        test.kind = (space.empty() ? "" : space + '.') + metadata.GetText("name");
-        if (const PlacedJson given = metadata.Find("kwargs"); given.value != nullptr)
-            test.arguments.emplace_back(given, mProblems, ENull::Absent);
-    }
+    ReadArguments(object, test);
     if (test.arguments.empty()) {
         mLeftOut.Add(kOther, test.label);
         return std::nullopt;
     }
-    if (const PlacedJson inner = test.arguments.front().Find("arguments");
-        inner.value != nullptr && inner.value->is_object())
-        test.arguments.emplace_back(inner, mProblems, ENull::Absent);
-    if (const PlacedJson found = object.Find("depends_on"); found.value != nullptr)
-        test.reads =
-            JsonObject(found, mProblems, ENull::Absent).GetTexts("nodes").value_or(Names{});
-    std::optional<std::size_t> table = mIndex.FindId(object.GetText("attached_node"));
-    if (!table)
-        table = mIndex.FindCall(test.arguments.front().GetText("model"), test.reads);
+    const std::optional<std::size_t> table = FindTable(object, test);
     if (!table) {
         mLeftOut.Add(kForeign, test.label);
         return std::nullopt;
     }
     test.table = *table;
     return test;
+}
+
+bool DbtTests::ReadConfig(JsonObject& object, Test& test)
+{
+    const PlacedJson found = object.Find("config");
+    if (found.value == nullptr)
+        return true;
+    JsonObject config(found, mProblems, ENull::Absent);
+    test.where = config.GetText("where");
+    return config.GetBoolean("enabled").value_or(true);
+}
+
+void DbtTests::ReadArguments(JsonObject& object, Test& test)
+{
+    const PlacedJson found = object.Find("test_metadata");
+    if (found.value == nullptr)
+        return;
+    JsonObject metadata(found, mProblems, ENull::Absent);
+    const std::string space = metadata.GetText("namespace");
+    test.kind = (space.empty() ? "" : space + '.') + metadata.GetText("name");
+    const PlacedJson given = metadata.Find("kwargs");
+    if (given.value == nullptr)
+        return;
+    JsonObject& arguments = test.arguments.emplace_back(given, mProblems, ENull::Absent);
+    const PlacedJson inner = arguments.Find("arguments");
+    if (inner.value != nullptr && inner.value->is_object())
+        test.arguments.emplace_back(inner, mProblems, ENull::Absent);
+}
+
+std::optional<std::size_t> DbtTests::FindTable(JsonObject& object, Test& test)
+{
+    if (const PlacedJson found = object.Find("depends_on"); found.value != nullptr)
+        test.reads =
+            JsonObject(found, mProblems, ENull::Absent).GetTexts("nodes").value_or(Names{});
+    const auto attached = mIndex.FindId(object.GetText("attached_node"));
+    return attached ? attached
+                    : mIndex.FindCall(test.arguments.front().GetText("model"), test.reads);
 }
 
 void DbtTests::Read(const PlacedJson& json)

@@ -71,6 +71,10 @@ private:
     using Names = std::vector<std::string>;
 
     [[nodiscard]] std::optional<Test> Open(const PlacedJson& json);
+    /// Returns whether the test is on.
+    [[nodiscard]] bool ReadConfig(JsonObject& object, Test& test);
+    void ReadArguments(JsonObject& object, Test& test);
+    [[nodiscard]] std::optional<std::size_t> FindTable(JsonObject& object, Test& test);
     [[nodiscard]] Names GetColumns(Test& test, std::initializer_list<const char*> keys);
     void ReadNotNull(Test& test);
     void ReadKey(Test& test, EKey kind);

@@ -41,6 +41,7 @@ public:
         const std::vector<PlacedJson> list = ReadList(models, mProblems);
         for (const PlacedJson& model : list)
             ReadModel(model, list.size() == 1);
+        mTop.RejectMisspeltKeys();
         WriteNotes();
         return std::move(mSchema);
     }
@@ -60,6 +61,7 @@ private:
             ReadRelationship(relationship);
         for (const PlacedJson& metric : model.GetList("metrics"))
             mLeftOut.Add("metrics", JsonObject(metric, mProblems, ENull::Absent).GetText("name"));
+        model.RejectMisspeltKeys();
     }
 
     void ReadDataset(const PlacedJson& json, const std::string& space)
@@ -78,10 +80,7 @@ private:
         AddKey(table, EKey::Primary, dataset.GetTexts("primary_key").value_or(Names{}));
         for (const PlacedJson& key : dataset.GetList("unique_keys"))
             ReadKey(key, table);
-        if (!mIndex.Add(table.name, mSchema.tables.size()))
-            mProblems.Add(ChildPointer(json.pointer, "name"),
-                          "there is a dataset of that name already: \"" + table.name + '"');
-        mSchema.tables.push_back(std::move(table));
+        mIndex.TakeTable(std::move(table), mSchema, dataset, mProblems);
     }
 
     void ReadKey(const PlacedJson& json, SchemaTable& table)
@@ -99,6 +98,8 @@ private:
         JsonObject field(json, mProblems, ENull::Absent);
         const std::string name = field.GetText("name", EPresence::Required);
         const std::string text = ReadExpression(field);
+        const std::string description = field.GetText("description");
+        field.RejectMisspeltKeys();
         const auto column = ReadColumnName(table, text.empty() ? name : text);
         if (!column) {
             mLeftOut.Add("fields that are computed", table.name + '.' + name);
@@ -107,7 +108,7 @@ private:
         }
         if (*column != name)
             mFields[{mSchema.tables.size(), name}] = *column;
-        columns.Add(*column, field.GetText("description"));
+        columns.Add(*column, description);
     }
 
     /// Returns the expression in SQL of no one's dialect, else the first.
@@ -136,6 +137,7 @@ private:
         const auto to = mIndex.Find(object, "to", mProblems);
         Names fromColumns = ReadColumns(object, "from_columns");
         Names toColumns = ReadColumns(object, "to_columns");
+        object.RejectMisspeltKeys();
         if (!from || !to || fromColumns.empty() || toColumns.empty())
             return;
         if (fromColumns.size() != toColumns.size())

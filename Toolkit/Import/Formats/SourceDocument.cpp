@@ -39,15 +39,74 @@ std::string_view SkipComments(std::string_view text)
     }
 }
 
-/// Returns whether a line is "key:", perhaps with something behind a blank.
-bool IsYamlKey(std::string_view line)
+bool IsBlank(char letter)
 {
-    const auto end = std::find_if_not(line.begin(), line.end(), [](char c) {
-        return ascii::IsLetter(c) || ascii::IsDigit(c) || c == '_';
+    return kBlanks.find(letter) != std::string_view::npos;
+}
+
+/// Returns what stands behind a word without quotes as keys of YAML are; all of it where there is
+/// none.
+std::string_view SkipWord(std::string_view text)
+{
+    const auto end = std::find_if_not(text.begin(), text.end(), [](char c) {
+        return ascii::IsLetter(c) || ascii::IsDigit(c) || static_cast<unsigned char>(c) >= 0x80 ||
+               c == '_' || c == '-' || c == '.';
     });
-    const std::string_view rest(end, line.end());
-    return end != line.begin() && !rest.empty() && rest.front() == ':' &&
-           (rest.size() == 1 || kBlanks.find(rest[1]) != std::string_view::npos);
+    return {end, text.end()};
+}
+
+/// Returns whether a text begins with "key:" or "'key':", perhaps with something behind a blank.
+bool BeginsWithKey(std::string_view text)
+{
+    std::string_view rest = SkipWord(text);
+    if (text.front() == '"' || text.front() == '\'') {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        const std::size_t end = line.find(text.front(), 1);
+        if (end == std::string_view::npos)
+            return false;
+        rest = text.substr(end + 1);
+        rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
+    }
+    return rest.size() != text.size() && rest.starts_with(':') &&
+           (rest.size() == 1 || IsBlank(rest[1]));
+}
+
+/// Returns whether what stands in braces or brackets is YAML without quotes: "{name: x}", "[a, b]".
+bool BeginsFlow(std::string_view text)
+{
+    const char open = text.front();
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks, 1), text.size()));
+    if (text.empty())
+        return false;
+    if (open == '{')
+        return text.front() != '"' && BeginsWithKey(text);
+    std::string_view rest = SkipWord(text);
+    const std::string_view word = text.substr(0, text.size() - rest.size());
+    rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
+    const bool isJson = word.empty() || ascii::IsDigit(word.front()) || word.front() == '-' ||
+                        word == "true" || word == "false" || word == "null";
+    return !isJson && (rest.starts_with(',') || rest.starts_with(']') || rest.starts_with(':'));
+}
+
+/// Returns whether a text begins with what only YAML has: a key, "- ", "---", "%YAML". Lines of
+/// more dashes are comments of SQL.
+bool BeginsYaml(std::string_view text)
+{
+    constexpr std::string_view kDocument = "---";
+    for (const std::string_view sign : {std::string_view("-"), kDocument, std::string_view("?")})
+        if (text.starts_with(sign) && (text.size() == sign.size() || IsBlank(text[sign.size()])))
+            return true;
+    return text.starts_with("%YAML") || BeginsWithKey(text);
+}
+
+/// Returns whether a whole text is a value of JSON without quotes or brackets.
+bool IsJsonValue(std::string_view text)
+{
+    text = text.substr(0, text.find_last_not_of(kBlanks) + 1);
+    const bool isNumber = ascii::IsDigit(text.front()) ||
+                          (text.front() == '-' && text.size() > 1 && ascii::IsDigit(text[1]));
+    return text == "null" || text == "true" || text == "false" ||
+           (isNumber && text.find_first_not_of("0123456789+-.eE") == std::string_view::npos);
 }
 
 bool BeginsTmdl(std::string_view text)
@@ -69,7 +128,47 @@ void ReadYaml(SourceDocument& document)
     }
 }
 
+/// Returns the length of the comment that a text begins with; 0 where it begins with none, or with
+/// one that does not end. Some comments of MySQL are statements.
+std::size_t MeasureComment(std::string_view text)
+{
+    if (text.starts_with('#') || text.starts_with("--"))
+        return std::min(text.find('\n'), text.size());
+    if (!text.starts_with("/*") || text.starts_with("/*!"))
+        return 0;
+    const std::size_t end = text.find("*/", 2);
+    return end == std::string_view::npos ? 0 : end + 2;
+}
+
 } // namespace
+
+bool HoldsOnlyComments(std::string_view text)
+{
+    text = SkipByteOrderMark(text);
+    for (;;) {
+        text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+        if (text.empty())
+            return true;
+        const std::size_t comment = MeasureComment(text);
+        if (comment == 0)
+            return false;
+        text.remove_prefix(comment);
+    }
+}
+
+std::string_view TitleOf(ESyntax syntax)
+{
+    switch (syntax) {
+    case ESyntax::Json:
+        return "JSON";
+    case ESyntax::Yaml:
+        return "YAML";
+    case ESyntax::Tmdl:
+        return "TMDL";
+    default:
+        return "JavaScript";
+    }
+}
 
 std::optional<ESyntax> RecogniseSyntax(std::string_view start)
 {
@@ -79,10 +178,12 @@ std::optional<ESyntax> RecogniseSyntax(std::string_view start)
     if (text.starts_with("{{") || text.starts_with("{%") || text.starts_with("{#"))
         return ESyntax::Yaml;
     if (text.front() == '{' || text.front() == '[')
-        return ESyntax::Json;
-    if (text.substr(0, 3) == "---" || text.substr(0, 5) == "%YAML" ||
-        IsYamlKey(text.substr(0, text.find('\n'))))
+        return BeginsFlow(text) ? ESyntax::Yaml : ESyntax::Json;
+    if (BeginsYaml(text))
         return ESyntax::Yaml;
+    // No SQL begins with a text or a value alone.
+    if (text.front() == '"' || IsJsonValue(text))
+        return ESyntax::Json;
     if (BeginsTmdl(text))
         return ESyntax::Tmdl;
     return std::nullopt;
@@ -99,7 +200,7 @@ SourceDocument ReadDocument(std::string name, std::string text, ESyntax syntax)
     if (syntax == ESyntax::Yaml)
         ReadYaml(document);
     if (syntax == ESyntax::Tmdl)
-        document.json = ParseTmdl(*document.text, document.problems);
+        document.json = ParseTmdl(*document.text, document.problems, document.unknownObjects);
     return document;
 }
 

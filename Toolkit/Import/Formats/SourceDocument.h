@@ -38,6 +38,8 @@ struct SourceDocument
     JsonProblems problems{};
     /// The lines of templates that had to be left out of the text, as messages name them.
     std::vector<std::string> templates{};
+    /// The words of objects of TMDL that nobody knows, with their places.
+    std::vector<std::string> unknownObjects{};
 
     /// Returns the whole document as a value with a place.
     [[nodiscard]] PlacedJson Top() const { return {.value = &json, .pointer = ""}; }
@@ -45,6 +47,12 @@ struct SourceDocument
 
 /// Returns what a text that starts so is written in; nothing when it is none of these.
 [[nodiscard]] std::optional<ESyntax> RecogniseSyntax(std::string_view start);
+
+/// Returns whether a text is nothing but blanks and comments of YAML or SQL.
+[[nodiscard]] bool HoldsOnlyComments(std::string_view text);
+
+/// Returns what people call the syntax.
+[[nodiscard]] std::string_view TitleOf(ESyntax syntax);
 
 /// Reads a text. Throws an InputError with line and column when it does not follow its syntax.
 /// Where YAML does not for its templates, they are left out; it is null where little would remain.

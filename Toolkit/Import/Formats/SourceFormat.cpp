@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -103,6 +104,11 @@ DatabaseSchema ReadSource(const SourceFormat& format, std::span<SourceDocument> 
     if (schema.tables.empty())
         throw InputError({{documents.front().name, "describes no query subjects as " +
                                                        std::string(format.title) + " does"}});
+    if (documents.size() == 1)
+        schema.findPlaces =
+            [problems = documents.front().problems](const std::set<std::string>& pointers) {
+                return problems.FindPlaces(pointers);
+            };
     if (schema.origin.empty())
         schema.origin = format.title;
     return schema;

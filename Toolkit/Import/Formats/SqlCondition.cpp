@@ -8,6 +8,7 @@
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Import/Ddl/SqlTokens.h"
 #include "Toolkit/Text/DisplayText.h"
+#include "Toolkit/Text/InputFile.h"
 
 #include <algorithm>
 #include <array>
@@ -65,6 +66,7 @@ public:
 
     [[nodiscard]] const std::string& GetText() const { return mText; }
     [[nodiscard]] const std::string& GetProblem() const { return mProblem; }
+    [[nodiscard]] const std::vector<std::string>& GetUnknown() const { return mUnknown; }
 
 private:
     SqlToken Advance()
@@ -198,8 +200,10 @@ private:
             return WriteCall();
         }
         const std::optional<EndColumn> column = mFindColumn(names);
-        if (!column)
+        if (!column) {
+            mUnknown = names;
             return Fail("names what is no column of its ends: " + JoinTexts(names, {}, "."));
+        }
         Append(model::ToReferenceText({column->isLeft ? kLeftEnd : kRightEnd, column->column}));
         return true;
     }
@@ -236,6 +240,7 @@ private:
     bool mHasSpace = false;
     std::string mText;
     std::string mProblem;
+    std::vector<std::string> mUnknown;
     bool mEndsInSign = false;
     bool mIsCall = false;
     /// Where in the text the last operand begins, and those of open parentheses.
@@ -298,7 +303,7 @@ SqlCondition ReadSqlCondition(std::string_view sql, const ColumnFinder& findColu
         return {.problem = "is too long"};
     ConditionWriter writer(sql, findColumn);
     if (!writer.Write())
-        return {.problem = writer.GetProblem()};
+        return {.problem = writer.GetProblem(), .unknown = writer.GetUnknown()};
     if (std::string problem = FindProblem(writer.GetText()); !problem.empty())
         return {.problem = std::move(problem)};
     const std::unique_ptr<AQE_Expression> tree(
@@ -310,6 +315,17 @@ SqlCondition ReadSqlCondition(std::string_view sql, const ColumnFinder& findColu
     SqlCondition complex;
     expression::Printer(complex.text).Print(*tree);
     return complex;
+}
+
+void SuggestEnds(SqlCondition& condition, const std::vector<std::string_view>& ends)
+{
+    const std::vector<std::string>& names = condition.unknown;
+    if (names.size() < 2)
+        return;
+    std::vector<std::string> nearest = model::NearestNames(names[names.size() - 2], ends);
+    for (std::string& name : nearest)
+        name += '.' + names.back();
+    condition.problem += ToHint(nearest);
 }
 
 std::string QualifyNames(std::string_view sql, std::string_view owner)

@@ -21,6 +21,8 @@ struct SqlCondition
     std::string text{};
     /// Why it cannot be read; then the rest is empty.
     std::string problem{};
+    /// The name that means no column, where that is why.
+    std::vector<std::string> unknown{};
 };
 
 /// Returns the column that a name means, which is given without dots and quotes; nothing when it
@@ -31,6 +33,9 @@ using ColumnFinder = std::function<std::optional<EndColumn>(const std::vector<st
 /// CAST(a AS type). Linear in the size of the text but for such casts; texts beyond 16 KiB are not
 /// read.
 [[nodiscard]] SqlCondition ReadSqlCondition(std::string_view sql, const ColumnFinder& findColumn);
+
+/// Lets the problem with an unknown name say which of the condition's ends may be meant.
+void SuggestEnds(SqlCondition& condition, const std::vector<std::string_view>& ends);
 
 /// Returns the SQL text with `owner` and a dot before each name of a column that stands alone.
 [[nodiscard]] std::string QualifyNames(std::string_view sql, std::string_view owner);

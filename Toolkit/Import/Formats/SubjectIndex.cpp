@@ -9,6 +9,16 @@
 
 namespace qe::tool {
 
+void SubjectIndex::TakeTable(SchemaTable table, DatabaseSchema& schema, JsonObject& json,
+                             JsonProblems& problems)
+{
+    json.RejectMisspeltKeys();
+    if (!Add(table.name, schema.tables.size()))
+        problems.Add(ChildPointer(json.GetPointer(), "name"),
+                     "there is one of that name already: \"" + table.name + '"');
+    schema.tables.push_back(std::move(table));
+}
+
 std::optional<std::size_t> SubjectIndex::Find(const std::string& name) const
 {
     const auto found = mPositions.find(name);
@@ -23,7 +33,7 @@ std::optional<std::size_t> SubjectIndex::Find(JsonObject& json, const char* key,
     if (name.empty())
         return std::nullopt;
     const std::optional<std::size_t> found = Find(name);
-    if (!found && !problems.IsReported(pointer))
+    if (!found && mIsComplete && !problems.IsReported(pointer))
         problems.Add(pointer, "there is no \"" + name + '"', Nearest(name));
     return found;
 }
@@ -32,7 +42,8 @@ std::vector<std::string> SubjectIndex::Nearest(const std::string& name) const
 {
     std::vector<std::string_view> known;
     for (const auto& [subject, position] : mPositions)
-        known.push_back(subject);
+        if (!subject.empty())
+            known.push_back(subject);
     return model::NearestNames(name, known);
 }
 

@@ -17,11 +17,25 @@ namespace qe::tool {
 class SubjectIndex
 {
 public:
-    /// Returns whether the name was free.
+    /// Returns whether the name was free. An empty one is that of a subject whose name could not be
+    /// read; it stands for the last of these.
     bool Add(const std::string& name, std::size_t position)
     {
-        return mPositions.emplace(name, position).second;
+        if (!name.empty())
+            return mPositions.emplace(name, position).second;
+        mIsComplete = false;
+        mPositions.insert_or_assign(name, position);
+        return true;
     }
+
+    /// Adds a table to the schema. Reports a name that another one has, and misspelt keys, at the
+    /// object that it was read from.
+    void TakeTable(SchemaTable table, DatabaseSchema& schema, JsonObject& json,
+                   JsonProblems& problems);
+
+    /// Returns whether all names could be read, so that a name that is not found is a mistake of
+    /// its own.
+    [[nodiscard]] bool IsComplete() const { return mIsComplete; }
 
     [[nodiscard]] std::optional<std::size_t> Find(const std::string& name) const;
 
@@ -34,6 +48,7 @@ public:
 
 private:
     std::map<std::string, std::size_t> mPositions;
+    bool mIsComplete = true;
 };
 
 /// Lets the table have the column, for sources that do not list all. Returns it.

@@ -4,6 +4,7 @@
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Import/Formats/LeftOut.h"
 #include "Toolkit/Import/Formats/SubjectIndex.h"
+#include "Toolkit/Import/Formats/TableOrigin.h"
 #include "Toolkit/Import/Formats/TmdlText.h"
 
 #include <algorithm>
@@ -74,36 +75,6 @@ PlacedJson FindDatabase(const PlacedJson& at)
     return {};
 }
 
-/// Returns the text of an expression, which may be a list of lines.
-std::string JoinLines(const json& expression)
-{
-    std::string text = expression.is_string() ? expression.get<std::string>() : "";
-    for (std::size_t i = 0; expression.is_array() && i < expression.size(); ++i)
-        text += expression[i].is_string() ? expression[i].get<std::string>() + '\n' : "";
-    return text;
-}
-
-/// Returns the text between quotes behind a mark; empty where there is none.
-std::string QuotedBehind(std::string_view text, std::string_view mark)
-{
-    const std::size_t start = text.find(mark);
-    if (start == std::string_view::npos)
-        return {};
-    text.remove_prefix(start + mark.size());
-    return std::string(text.substr(0, text.find('"')));
-}
-
-/// Returns the table of the database that a query in M reads, column by column as it is there;
-/// nothing where that cannot be seen.
-std::vector<std::string> FindPhysicalTable(const std::string& query)
-{
-    const std::string schema = QuotedBehind(query, "{[Schema=\"");
-    const std::string item = QuotedBehind(query, ",Item=\"");
-    if (schema.empty() || item.empty() || query.find("RenameColumns") != std::string::npos)
-        return {};
-    return {schema, item};
-}
-
 /// The keys of one end of a relationship, and whether it is to-many where nothing is told.
 struct EndKeys
 {
@@ -130,17 +101,35 @@ public:
         }
         for (const auto& [document, model] : models)
             ReadTables(*document, model);
-        for (const auto& [document, model] : models)
-            ReadRelationships(*document, model);
-        for (const SchemaTable& table : mSchema.tables)
-            if (table.source.empty())
-                mLeftOut.Add("queries of tables, which are called as in the model", table.name);
+        for (const auto& [document, relationship] : mRelationships)
+            ReadRelationship(*document, relationship);
+        NameSources();
+        for (const SourceDocument& document : mDocuments)
+            for (const std::string& word : document.unknownObjects)
+                mLeftOut.Add("objects of kinds that TMDL is not known to have", word);
         for (std::string& note : mLeftOut.List())
             mSchema.notes.push_back(std::move(note));
         return std::move(mSchema);
     }
 
 private:
+    /// SQL can name a table of the database where the columns that joins compare are called so
+    /// there.
+    void NameSources()
+    {
+        for (const SchemaJoin& join : mSchema.joins)
+            for (const SchemaJoinEnd* const end : {&join.left, &join.right})
+                if (const SchemaColumn* const column =
+                        FindColumn(mSchema.tables[end->table].columns, end->columns.front()))
+                    mOrigins[end->table].UseColumn(column->name);
+        for (std::size_t i = 0; i < mOrigins.size(); ++i) {
+            SchemaTable& table = mSchema.tables[i];
+            table.source = mOrigins[i].GetPath();
+            if (table.source.empty())
+                mLeftOut.Add("queries of tables, which are called as in the model", table.name);
+        }
+    }
+
     [[nodiscard]] std::optional<PlacedJson> FindModel(SourceDocument& document)
     {
         const PlacedJson top = document.Top();
@@ -167,6 +156,9 @@ private:
             ReadTable(document, table);
         CountAll(object, "roles", "roles and the rows that they may see", document.problems);
         CountAll(object, "perspectives", "perspectives", document.problems);
+        for (const PlacedJson& relationship : object.GetList("relationships"))
+            mRelationships.emplace_back(&document, relationship);
+        object.RejectMisspeltKeys();
     }
 
     void ReadTable(SourceDocument& document, const PlacedJson& placed)
@@ -179,34 +171,37 @@ private:
             return;
         }
         const bool isNew = mIndex.Add(name, mSchema.tables.size());
-        if (isNew)
+        if (isNew) {
             mSchema.tables.push_back({.name = name});
-        else if (document.syntax != ESyntax::Tmdl)
+            mOrigins.emplace_back();
+        } else if (document.syntax != ESyntax::Tmdl) {
             document.problems.Add(ChildPointer(placed.pointer, "name"),
                                   "there is a table of that name already: \"" + name + '"');
+        }
         // In TMDL several files may each tell a part of one table.
-        SchemaTable& table = mSchema.tables[*mIndex.Find(name)];
+        const std::size_t position = *mIndex.Find(name);
+        SchemaTable& table = mSchema.tables[position];
         if (std::string text = object.GetText("description"); !text.empty())
             table.description = std::move(text);
-        bool isPhysical = true;
         for (const PlacedJson& column : object.GetList("columns"))
-            isPhysical &= ReadColumn(document.problems, column, table);
+            ReadColumn(document.problems, column, position);
         for (const PlacedJson& partition : object.GetList("partitions"))
-            ReadPartition(document.problems, partition, isPhysical, table);
+            ReadPartition(document.problems, partition, position);
         if (object.GetBoolean("isHidden").value_or(false))
             mLeftOut.Add("marks of tables as hidden", name);
         CountAll(object, "measures", "measures", document.problems);
         CountAll(object, "hierarchies", "hierarchies", document.problems);
+        object.RejectMisspeltKeys();
     }
 
-    /// Returns whether the column is called as in the database, or is not there.
-    bool ReadColumn(JsonProblems& problems, const PlacedJson& placed, SchemaTable& table)
+    void ReadColumn(JsonProblems& problems, const PlacedJson& placed, std::size_t position)
     {
         JsonObject object(placed, problems);
         const std::string type = object.GetText("type");
         // What numbers the rows inside the engine is no column of theirs.
         if (type == "rowNumber")
-            return true;
+            return;
+        SchemaTable& table = mSchema.tables[position];
         SchemaColumn column{.name = object.GetText("name", EPresence::Required)};
         column.description = object.GetText("description");
         const bool isKey = object.GetBoolean("isKey").value_or(false);
@@ -214,34 +209,30 @@ private:
         if (isKey)
             table.keys.push_back({column.name});
         const std::string source = object.GetText("sourceColumn");
-        const bool isPhysical = source.empty() || source == column.name;
+        const bool isComputed = source.empty() && object.Find("expression").value != nullptr;
+        if (isComputed || !(source.empty() || source == column.name))
+            mOrigins[position].NameColumn(column.name, source);
         table.columns.push_back(std::move(column));
-        return isPhysical;
+        object.RejectMisspeltKeys();
     }
 
-    static void ReadPartition(JsonProblems& problems, const PlacedJson& placed, bool isPhysical,
-                              SchemaTable& table)
+    void ReadPartition(JsonProblems& problems, const PlacedJson& placed, std::size_t position)
     {
         JsonObject object(placed, problems);
         const PlacedJson source = object.Find("source");
-        if (source.value == nullptr || !isPhysical || !table.source.empty())
-            return;
-        const json& query = *source.value;
-        table.source = FindPhysicalTable(
-            HasMember(query, "expression") ? JoinLines(query["expression"]) : JoinLines(query));
+        // TMDL tells the type behind the name.
+        const PlacedJson type = object.Find("expression");
+        object.RejectMisspeltKeys();
+        if (source.value != nullptr)
+            mOrigins[position].AddPartition(
+                source, type.value == nullptr ? "" : ReadText(type, problems).value_or(""),
+                problems);
     }
 
     void CountAll(JsonObject& object, const char* key, const char* kind, JsonProblems& problems)
     {
         for (const PlacedJson& counted : object.GetList(key))
             mLeftOut.Add(kind, JsonObject(counted, problems).GetText("name"));
-    }
-
-    void ReadRelationships(SourceDocument& document, const PlacedJson& model)
-    {
-        JsonObject object(model, document.problems);
-        for (const PlacedJson& relationship : object.GetList("relationships"))
-            ReadRelationship(document, relationship);
     }
 
     void ReadRelationship(SourceDocument& document, const PlacedJson& placed)
@@ -259,6 +250,7 @@ private:
             {{"oneDirection", false}, {"bothDirections", true}, {"automatic", false}});
         const auto isByDay = object.GetChoice<bool>(
             "joinOnDateBehavior", {{"dateAndTime", false}, {"datePartOnly", true}});
+        object.RejectMisspeltKeys();
         if (!left || !right)
             return;
         join.left = *left;
@@ -341,6 +333,9 @@ private:
     DatabaseSchema mSchema;
     SubjectIndex mIndex;
     LeftOut mLeftOut;
+    /// By the positions of the tables.
+    std::vector<TableOrigin> mOrigins;
+    std::vector<std::pair<SourceDocument*, PlacedJson>> mRelationships;
     std::set<std::string> mDesktopTables;
 };
 
@@ -352,9 +347,10 @@ bool IsTabularJson(const SourceDocument& document)
         return false;
     const PlacedJson database = FindDatabase(document.Top());
     if (database.value == nullptr)
-        return false;
+        return HasMember(document.json, "compatibilityLevel");
     const json& model = (*database.value)["model"];
-    return model.contains("tables") || model.contains("relationships");
+    return model.contains("tables") || model.contains("relationships") ||
+           HasMember(*database.value, "compatibilityLevel");
 }
 
 bool IsTmdl(const SourceDocument& document)

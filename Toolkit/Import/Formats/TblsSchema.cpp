@@ -1,5 +1,6 @@
 #include "Toolkit/Import/Formats/TblsSchema.h"
 
+#include "Engine/Model/Names.h"
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Import/Formats/LeftOut.h"
 #include "Toolkit/Import/Formats/SubjectIndex.h"
@@ -53,6 +54,7 @@ public:
             ReadRelation(relation);
         for (const PlacedJson& view : mTop.GetList("viewpoints"))
             mLeftOut.Add("viewpoints", JsonObject(view, mProblems, ENull::Absent).GetText("name"));
+        mTop.RejectMisspeltKeys();
         mSchema.notes = mLeftOut.List();
         return std::move(mSchema);
     }
@@ -79,10 +81,7 @@ private:
             ReadColumn(column, table);
         for (const PlacedJson& constraint : object.GetList("constraints"))
             ReadConstraint(constraint, table);
-        if (!mIndex.Add(table.name, mSchema.tables.size()))
-            mProblems.Add(ChildPointer(json.pointer, "name"),
-                          "there is a table of that name already: \"" + table.name + '"');
-        mSchema.tables.push_back(std::move(table));
+        mIndex.TakeTable(std::move(table), mSchema, object, mProblems);
     }
 
     void ReadColumn(const PlacedJson& json, SchemaTable& table)
@@ -92,6 +91,7 @@ private:
         table.columns.push_back({.name = name,
                                  .isNotNull = !object.GetBoolean("nullable").value_or(true),
                                  .description = object.GetText("comment")});
+        object.RejectMisspeltKeys();
     }
 
     void ReadConstraint(const PlacedJson& json, SchemaTable& table)
@@ -99,6 +99,7 @@ private:
         JsonObject object(json, mProblems, ENull::Absent);
         const std::string type = object.GetText("type");
         const std::optional<std::vector<std::string>> columns = object.GetTexts("columns");
+        object.RejectMisspeltKeys();
         if (!columns || columns->empty())
             return;
         if (type == "PRIMARY KEY")
@@ -118,11 +119,13 @@ private:
             .columns = object.GetTexts("parent_columns").value_or(std::vector<std::string>{})};
         ReadCardinality(object, "cardinality", left);
         ReadCardinality(object, "parent_cardinality", right);
+        object.RejectMisspeltKeys();
         if (!child || !parent)
             return;
         left.table = *child;
         right.table = *parent;
-        mSchema.joins.push_back({.left = std::move(left), .right = std::move(right)});
+        mSchema.joins.push_back(
+            {.left = std::move(left), .right = std::move(right), .pointer = json.pointer});
     }
 
     void ReadCardinality(JsonObject& object, const char* key, SchemaJoinEnd& end)
@@ -141,7 +144,8 @@ private:
         }
         mProblems.Add(ChildPointer(object.GetPointer(), key),
                       "is no cardinality: \"" + stated + '"',
-                      {"zero_or_one", "exactly_one", "zero_or_more", "one_or_more"});
+                      model::NearestNames(
+                          stated, {"zero_or_one", "exactly_one", "zero_or_more", "one_or_more"}));
     }
 
     JsonProblems& mProblems;
@@ -156,7 +160,7 @@ private:
 bool IsTblsSchema(const SourceDocument& document)
 {
     const nlohmann::json& json = document.json;
-    return json.is_object() && json.contains("tables") && json["tables"].is_array() &&
+    return json.is_object() && json.contains("tables") &&
            (json.contains("relations") || json.contains("driver"));
 }
 

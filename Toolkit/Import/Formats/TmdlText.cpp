@@ -1,13 +1,13 @@
 #include "Toolkit/Import/Formats/TmdlText.h"
 
 #include "Engine/Services/Characters.h"
+#include "Toolkit/Import/Formats/TmdlWords.h"
 #include "Toolkit/Text/DocumentBuilder.h"
 #include "Toolkit/Text/TextEdges.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <utility>
 
@@ -21,20 +21,8 @@ constexpr std::string_view kFence = "```";
 constexpr std::string_view kDescription = "///";
 /// How far a tab indents.
 constexpr std::size_t kTab = 4;
-
-/// What is true or false, and not a text that happens to say so.
-constexpr std::array<std::string_view, 5> kBooleans{"isActive", "isHidden", "isKey", "isNullable",
-                                                    "relyOnReferentialIntegrity"};
-
-/// What holds the objects of a model without being one of them.
-constexpr std::array<std::string_view, 6> kContainers{"create",   "createOrReplace", "alter",
-                                                      "database", "model",           "delete"};
-
-template <std::size_t count>
-bool IsOneOf(std::string_view text, const std::array<std::string_view, count>& words)
-{
-    return std::find(words.begin(), words.end(), text) != words.end();
-}
+/// Holds objects of which nobody knows what they are. No object or property is called so.
+constexpr const char* kUnknownObjects = "unknown objects";
 
 /// Returns the name that the text begins with, taken off it; nothing when there is none, or its
 /// quote does not end. A name without quotes ends before a blank, an "=" or one of `ends`.
@@ -58,6 +46,20 @@ std::optional<std::string> TakeName(std::string_view& text, std::string_view end
         name += text.front();
     }
     return std::nullopt;
+}
+
+/// Returns the text without the quotes that keep blanks at its edges.
+std::string Unquote(std::string_view value)
+{
+    std::string text;
+    const std::string_view inner = value.size() < 2 ? value : value.substr(1, value.size() - 2);
+    for (std::size_t i = 0; i < inner.size(); ++i) {
+        text += inner[i];
+        if (inner[i] == '"' && (++i == inner.size() || inner[i] != '"'))
+            return std::string(value);
+    }
+    const bool isQuoted = value.size() >= 2 && value.front() == '"' && value.back() == '"';
+    return isQuoted ? text : std::string(value);
 }
 
 std::string ToListName(std::string_view kind)
@@ -129,6 +131,9 @@ public:
         return std::move(mTop);
     }
 
+    /// Returns the words of objects that nobody knows, with their places.
+    [[nodiscard]] std::vector<std::string> TakeUnknown() { return std::move(mUnknown); }
+
 private:
     struct Level
     {
@@ -136,6 +141,8 @@ private:
         json* object = nullptr;
         std::string pointer{};
         bool isContainer = false;
+        /// Whether it lies in an object of which nobody knows what it may hold.
+        bool isUnknown = false;
     };
 
     void ReadLine(const Line& line)
@@ -150,28 +157,39 @@ private:
                               rest.front() == ':' || rest.front() == '='))
             Fail("is neither an object nor a property");
         if (value.starts_with(':'))
-            AddProperty(word, Trim(value.substr(1)));
+            AddProperty(SpellTmdlProperty(word), Trim(value.substr(1)));
         else if (value.starts_with('='))
-            AddExpression(word, ReadExpression(value.substr(1), line.indent));
+            AddExpression(SpellTmdlProperty(word), ReadExpression(value.substr(1), line.indent));
         else if (word == "ref")
             Enter(mUnused, "", line.indent, word);
         else if (!value.empty())
             AddNamed(word, value, line.indent);
-        else if (line.indentBelow > line.indent)
-            Enter((*mLevels.back().object)[word], ChildPointer(mLevels.back().pointer, word),
-                  line.indent, word);
         else
-            Set(word, true);
+            AddNameless(word, line);
+    }
+
+    /// Adds an object without a name, or what is true because it is there.
+    void AddNameless(const std::string& word, const Line& line)
+    {
+        if (line.indentBelow <= line.indent) {
+            Set(SpellTmdlProperty(word), true);
+            return;
+        }
+        const std::string_view known = RecogniseTmdlWord(word).known;
+        const std::string kind = known.empty() ? SpellTmdlProperty(word) : std::string(known);
+        Enter((*mLevels.back().object)[kind], ChildPointer(mLevels.back().pointer, kind),
+              line.indent, kind);
     }
 
     void AddProperty(const std::string& key, std::string_view value)
     {
         if (mLevels.back().object->contains(key))
             Fail("an object has the property \"" + key + "\" twice");
-        if (IsOneOf(key, kBooleans) && (value == "true" || value == "false"))
-            Set(key, value == "true");
+        const std::string word = ascii::ToLower(std::string(value));
+        if (IsTmdlBoolean(key) && (word == "true" || word == "false"))
+            Set(key, word == "true");
         else
-            Set(key, std::string(value));
+            Set(key, Unquote(value));
     }
 
     /// Some of them may be there several times.
@@ -187,7 +205,23 @@ private:
         Record(ChildPointer(mLevels.back().pointer, key));
     }
 
-    void AddNamed(const std::string& kind, std::string_view rest, std::size_t indent)
+    /// Returns how the format spells the word of an object; what holds those that nobody knows.
+    std::string Recognise(const std::string& word)
+    {
+        const TmdlWord found = RecogniseTmdlWord(word);
+        if (!found.known.empty())
+            return std::string(found.known);
+        if (mLevels.back().isUnknown)
+            return kUnknownObjects;
+        const std::string meant(found.meant);
+        if (found.isNeeded)
+            Fail("is no word for an object of TMDL: \"" + word + '"', {meant});
+        mUnknown.push_back(word + " (" + PlaceOfLine() +
+                           (meant.empty() ? ")" : ", did you mean " + meant + "?)"));
+        return kUnknownObjects;
+    }
+
+    void AddNamed(const std::string& word, std::string_view rest, std::size_t indent)
     {
         const std::optional<std::string> name = TakeName(rest, "");
         rest = Trim(rest);
@@ -198,8 +232,9 @@ private:
         // What a script, a database or a model holds is the model's.
         while (mLevels.back().isContainer)
             mLevels.pop_back();
-        const bool isContainer = IsOneOf(kind, kContainers);
-        const std::string key = isContainer ? kind : ToListName(kind);
+        const std::string kind = Recognise(word);
+        const bool isContainer = IsTmdlContainer(kind);
+        const std::string key = isContainer || kind == kUnknownObjects ? kind : ToListName(kind);
         json* object = &(*mLevels.back().object)[key];
         std::string pointer = ChildPointer(mLevels.back().pointer, key);
         if (!isContainer) {
@@ -226,7 +261,8 @@ private:
         mLevels.push_back({.indent = indent,
                            .object = &object,
                            .pointer = std::move(pointer),
-                           .isContainer = IsOneOf(kind, kContainers)});
+                           .isContainer = IsTmdlContainer(kind),
+                           .isUnknown = mLevels.back().isUnknown || kind == kUnknownObjects});
     }
 
     /// Reads what stands behind "=": to the end of the line and on over lines that are indented
@@ -267,9 +303,14 @@ private:
             mRecord->Add(pointer);
     }
 
-    [[noreturn]] void Fail(const std::string& text) const
+    [[nodiscard]] std::string PlaceOfLine() const
     {
-        throw InputError({{mProblems.GetDocumentName() + ':' + std::to_string(mLine + 1), text}});
+        return mProblems.GetDocumentName() + ':' + std::to_string(mLine + 1);
+    }
+
+    [[noreturn]] void Fail(const std::string& text, std::vector<std::string> nearest = {}) const
+    {
+        throw InputError({{PlaceOfLine(), text, std::move(nearest)}});
     }
 
     const JsonProblems& mProblems;
@@ -282,15 +323,20 @@ private:
     json mTop = json::object();
     /// What only puts objects in order, or repeats them.
     json mUnused;
+    std::vector<std::string> mUnknown;
     /// The objects around the current line, the outermost first.
     std::vector<Level> mLevels;
 };
 
 } // namespace
 
-json ParseTmdl(std::string_view text, const JsonProblems& problems)
+json ParseTmdl(std::string_view text, const JsonProblems& problems,
+               std::vector<std::string>& unknown)
 {
-    return TmdlReader(text, problems, nullptr).Read();
+    TmdlReader reader(text, problems, nullptr);
+    json read = reader.Read();
+    unknown = reader.TakeUnknown();
+    return read;
 }
 
 DocumentLines FindTmdlLines(std::string_view text, const std::set<std::string>& pointers)

@@ -17,8 +17,11 @@ namespace qe::tool {
 /// Returns the objects of a TMDL text in the shape that model.bim gives them: lists called after
 /// what they hold ("tables", "columns", "hierarchies"), in which each object has its "name", and
 /// perhaps an "expression" and a "description". What stands within a script, a database or a model
-/// is at the top. Throws an InputError with the line when the text is no TMDL.
-[[nodiscard]] nlohmann::json ParseTmdl(std::string_view text, const JsonProblems& problems);
+/// is at the top. Throws an InputError with the line when the text is no TMDL. Objects that joins
+/// do not need may be of kinds that are too new to be known: their words are put into `unknown`,
+/// with their places.
+[[nodiscard]] nlohmann::json ParseTmdl(std::string_view text, const JsonProblems& problems,
+                                       std::vector<std::string>& unknown);
 
 /// Returns the lines of those of the pointers that the document has. The text is TMDL.
 [[nodiscard]] DocumentLines FindTmdlLines(std::string_view text,

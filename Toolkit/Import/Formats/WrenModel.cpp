@@ -47,6 +47,7 @@ public:
         NameSources();
         for (const PlacedJson& cube : mTop.GetList("cubes"))
             mLeftOut.Add("cubes", JsonObject(cube, mProblems).GetText("name"));
+        mTop.RejectMisspeltKeys();
         for (std::string& note : mLeftOut.List())
             mSchema.notes.push_back(std::move(note));
         return std::move(mSchema);
@@ -109,6 +110,7 @@ private:
         for (const PlacedJson& rule : object.GetList("rowLevelAccessControls"))
             mLeftOut.Add("rules of which rows may be seen",
                          JsonObject(rule, mProblems).GetText("name"));
+        object.RejectMisspeltKeys();
     }
 
     void ReadColumn(const PlacedJson& json, SchemaTable& table)
@@ -151,7 +153,12 @@ private:
             known.push_back(other.name);
         if (std::find(known.begin(), known.end(), column) != known.end())
             return true;
-        mProblems.Add(pointer, '"' + table.name + "\" has no column \"" + column + '"',
+        // That a model has none at all is one mistake.
+        if (known.empty() && !mBare.insert(table.name).second)
+            return false;
+        mProblems.Add(pointer,
+                      known.empty() ? '"' + table.name + "\" has no columns"
+                                    : '"' + table.name + "\" has no column \"" + column + '"',
                       model::NearestNames(column, known));
         return false;
     }
@@ -165,9 +172,10 @@ private:
                                                                   {"MANY_TO_ONE", {true, false}},
                                                                   {"MANY_TO_MANY", {true, true}}});
         if (!type && !mProblems.IsReported(ChildPointer(json.pointer, "joinType")))
-            mProblems.Add(json.pointer, "lacks the key \"joinType\"");
+            static_cast<void>(object.Find("joinType", EPresence::Required));
         const std::string sql = object.GetText("condition", EPresence::Required);
         const auto ends = ReadEnds(object);
+        object.RejectMisspeltKeys();
         if (!type || !ends || sql.empty())
             return;
         join.left = {.table = ends->first, .isMany = type->isLeftMany};
@@ -194,7 +202,7 @@ private:
     {
         const auto name = ReadText(named, mProblems);
         const auto found = name ? mIndex.Find(*name) : std::nullopt;
-        if (name && !found)
+        if (name && !found && mIndex.IsComplete())
             mProblems.Add(named.pointer, "there is no model \"" + *name + '"',
                           mIndex.Nearest(*name));
         return found;
@@ -222,10 +230,13 @@ private:
         if (isSelf && !condition.text.empty())
             condition.problem = "does not tell its ends apart";
         if (!condition.problem.empty()) {
+            SuggestEnds(condition, {mSchema.tables[join.left.table].name,
+                                    mSchema.tables[join.right.table].name});
             if (!mProblems.IsReported(pointer))
-                mLeftOut.Add("relationships whose condition cannot be kept",
-                             join.name + " (" + mProblems.ToPlace(pointer) + ' ' +
-                                 condition.problem + ')');
+                mLeftOut.Add("relationships whose condition cannot be kept", join.name,
+                             {.problems = &mProblems,
+                              .pointer = pointer,
+                              .text = std::move(condition.problem)});
             return;
         }
         TakeCondition(std::move(condition), join);
@@ -261,6 +272,8 @@ private:
     /// How many of them are models; views come behind.
     std::size_t mModels = 0;
     std::vector<std::set<std::string>> mComputed;
+    /// The tables of which it was told that they have no columns.
+    std::set<std::string> mBare;
     LeftOut mLeftOut;
 };
 

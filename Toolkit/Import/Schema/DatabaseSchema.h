@@ -5,7 +5,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -91,7 +94,13 @@ struct SchemaJoin
     bool isActive = true;
     /// What the source says about it; empty for nothing.
     std::string description{};
+    /// Where the source states it, as DatabaseSchema::findPlaces knows it; empty where that is not
+    /// known.
+    std::string pointer{};
 };
+
+/// Returns how messages call places of a source, by the pointers to them.
+using PlaceFinder = std::function<std::map<std::string, std::string>(const std::set<std::string>&)>;
 
 /// What a source says of how some tables are to be joined.
 struct SchemaPreference
@@ -118,6 +127,8 @@ struct DatabaseSchema
     std::string origin{};
     /// What its names were written in; null where that is not known.
     const SqlDialect* dialect = nullptr;
+    /// Null where it does not tell places.
+    PlaceFinder findPlaces{};
 };
 
 /// Returns the column of that name, else one whose name differs only in the case of A to Z; null

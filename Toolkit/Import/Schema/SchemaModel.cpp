@@ -255,6 +255,7 @@ private:
                     preference.reason);
         }
         std::vector<Decision> made;
+        made.reserve(decisions.size());
         for (auto& [subjects, decision] : decisions)
             made.push_back(std::move(decision));
         return made;

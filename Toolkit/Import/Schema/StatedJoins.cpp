@@ -34,6 +34,7 @@ public:
                 mSchema.joins.push_back(std::move(stated[i]));
             }
         }
+        TellPlaces();
         for (SchemaPreference& preference : mSchema.preferences)
             MovePreference(preference);
         for (const SchemaJoin& join : mSchema.joins)
@@ -49,23 +50,37 @@ private:
 
     bool Take(SchemaJoin& join)
     {
-        const std::string what = Describe(join);
         if (join.left.columns.size() != join.right.columns.size())
-            return LeaveOut("whose ends have different numbers of columns", what);
+            return LeaveOut("whose ends have different numbers of columns", join);
         if (join.left.columns.empty() && join.condition.empty())
-            return LeaveOut("that compares no columns", what);
+            return LeaveOut("that compares no columns", join);
         if (!SpellLike(TableOf(join.left), join.left.columns) ||
             !SpellLike(TableOf(join.right), join.right.columns) || !HasColumns(join))
-            return LeaveOut("whose columns do not exist", what);
+            return LeaveOut("whose columns do not exist", join);
         // One that is used only where it is asked for is not the same as one that always is.
         return (join.isActive ? mActive : mInactive).insert(SignatureOf(join)).second ||
-               LeaveOut("that is stated twice", what);
+               LeaveOut("that is stated twice", join);
     }
 
-    bool LeaveOut(const std::string& why, const std::string& what)
+    bool LeaveOut(const std::string& why, const SchemaJoin& join)
     {
-        mSchema.notes.push_back("left out a join " + why + ": " + what);
+        if (!join.pointer.empty())
+            mPointers.emplace(mSchema.notes.size(), join.pointer);
+        mSchema.notes.push_back("left out a join " + why + ": " + Describe(join));
         return false;
+    }
+
+    /// Lets the notes on joins say where these are stated.
+    void TellPlaces()
+    {
+        std::set<std::string> pointers;
+        for (const auto& [note, pointer] : mPointers)
+            pointers.insert(pointer);
+        if (pointers.empty() || !mSchema.findPlaces)
+            return;
+        const std::map<std::string, std::string> places = mSchema.findPlaces(pointers);
+        for (const auto& [note, pointer] : mPointers)
+            mSchema.notes[note] += " (" + places.at(pointer) + ')';
     }
 
     [[nodiscard]] const SchemaTable& TableOf(const SchemaJoinEnd& end) const
@@ -150,6 +165,8 @@ private:
     std::map<std::size_t, std::size_t> mPositions;
     std::map<std::pair<std::size_t, std::size_t>, std::size_t> mParallel;
     std::set<std::string> mNames;
+    /// Where the joins of notes are stated, by the positions of the notes.
+    std::map<std::size_t, std::string> mPointers;
 };
 
 /// Writes references to ends as references to columns of the model.

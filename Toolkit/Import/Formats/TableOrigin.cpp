@@ -1,0 +1,67 @@
+#include "Toolkit/Import/Formats/TableOrigin.h"
+
+#include "Toolkit/Import/Formats/MQuery.h"
+
+#include <nlohmann/json.hpp>
+
+#include <utility>
+
+namespace qe::tool {
+
+namespace {
+
+using nlohmann::json;
+
+/// Returns the text of an expression, which may be a list of lines.
+std::string JoinLines(const json& expression)
+{
+    std::string text = expression.is_string() ? expression.get<std::string>() : "";
+    for (std::size_t i = 0; expression.is_array() && i < expression.size(); ++i)
+        text += expression[i].is_string() ? expression[i].get<std::string>() + '\n' : "";
+    return text;
+}
+
+std::optional<QueriedTable> SeeThrough(const PlacedJson& placed, std::string type,
+                                       JsonProblems& problems)
+{
+    const json& source = *placed.value;
+    if (!source.is_object())
+        return type.empty() || type == "m" ? SeeThroughM(JoinLines(source)) : std::nullopt;
+    JsonObject object(placed, problems);
+    if (type.empty())
+        type = object.GetText("type");
+    if (type == "entity") {
+        QueriedTable table{.path = {object.GetText("schemaName"), object.GetText("entityName")}};
+        std::erase(table.path, "");
+        return table;
+    }
+    const bool isSql = source.contains("query") && (type.empty() || type == "query");
+    if (isSql)
+        return SeeThroughSql(JoinLines(source["query"]));
+    const bool isM = source.contains("expression") && (type.empty() || type == "m");
+    return isM ? SeeThroughM(JoinLines(source["expression"])) : std::nullopt;
+}
+
+} // namespace
+
+void TableOrigin::AddPartition(const PlacedJson& source, std::string type, JsonProblems& problems)
+{
+    std::optional<QueriedTable> read = SeeThrough(source, std::move(type), problems);
+    if (mPartitions++ == 0 && read) {
+        mTable = std::move(*read);
+    } else if (read && read->path == mTable.path) {
+        mTable.renamed.merge(read->renamed);
+    } else {
+        mTable = {};
+    }
+}
+
+void TableOrigin::UseColumn(const std::string& column)
+{
+    const auto named = mNames.find(column);
+    const bool isCalledSo = named == mNames.end() || named->second == column;
+    if (!isCalledSo || mTable.renamed.contains(column))
+        mTable = {};
+}
+
+} // namespace qe::tool
