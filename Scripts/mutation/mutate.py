@@ -40,15 +40,14 @@ def choose(faults, options):
     return sorted(faults, key=draw)[:options.sample]
 
 
-def try_faults(chosen, tests, jobs):
+def try_faults(chosen, tests, pool):
     """Prints the faults that survive. Returns whether each was noticed."""
     noticed = []
-    with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
-        for fault, verdict in zip(chosen, pool.map(tests.judge, chosen)):
-            noticed.append(verdict == "noticed")
-            if verdict != "noticed":
-                print(f"{verdict} {fault.ident}: {fault.unit}:{fault.line}: {fault.what}\n    {fault.text}",
-                      flush=True)
+    for fault, verdict in zip(chosen, pool.map(tests.judge, chosen)):
+        noticed.append(verdict == "noticed")
+        if verdict != "noticed":
+            print(f"{verdict} {fault.ident}: {fault.unit}:{fault.line}: {fault.what}\n    {fault.text}",
+                  flush=True)
     return noticed
 
 
@@ -85,9 +84,11 @@ def main():
     countable = [fault for fault in faults if fault.key not in equivalent]
     print(f"{len(faults)} faults in {len(units)} units, {len(faults) - len(countable)} of them equivalent",
           flush=True)
-    tests = TestPrograms(TESTS, len(every_unit) * ROOM)
     chosen = choose(countable, options)
-    sys.exit(print_shares(chosen, try_faults(chosen, tests, options.jobs)) < options.least)
+    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+        tests = TestPrograms(TESTS, len(every_unit) * ROOM, pool)
+        noticed = try_faults(chosen, tests, pool)
+    sys.exit(print_shares(chosen, noticed) < options.least)
 
 
 if __name__ == "__main__":
