@@ -7,7 +7,7 @@ import os
 import sys
 
 import self_test
-from equivalents import find_stale, read_equivalents
+from equivalents import find_stale, is_equivalent, read_equivalents
 from sleeping_tree import ROOM, ROOT, WORK, build, configure, copy_tree, number, read_faults
 from test_programs import TestPrograms
 
@@ -81,7 +81,7 @@ def main():
     equivalent = read_equivalents()
     for stale in find_stale(equivalent, faults, set(units)):
         sys.exit(f"equivalent.txt knows a fault that does not exist: {stale}")
-    countable = [fault for fault in faults if fault.key not in equivalent]
+    countable = [fault for fault in faults if not is_equivalent(fault, equivalent)]
     print(f"{len(faults)} faults in {len(units)} units, {len(faults) - len(countable)} of them equivalent",
           flush=True)
     chosen = choose(countable, options)
