@@ -216,6 +216,68 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"HubsManyTerminals", {EShape::Hubs, 96, 400, 40, 10, 30}, {606, 4, 8'300, 607, 602}}),
     [](const auto& row) { return std::string(row.param.name); });
 
+/// What it takes to list and count the trees of a graph that is hardly searched.
+struct Listing
+{
+    const char* name;
+    Drawing drawing;
+    std::uint64_t count;
+    std::uint64_t steps;
+    std::size_t bytes;
+    /// Of the search that has three quarters of those bytes.
+    std::uint64_t cutSteps;
+};
+
+void PrintTo(const Listing& listing, std::ostream* out)
+{
+    *out << listing.name;
+}
+
+class ListingEffort : public testing::TestWithParam<Listing>
+{};
+
+/// Returns the least memory within which the trees are counted.
+std::size_t FindLeastMemory(const SteinerGraph& graph)
+{
+    std::size_t few = 0;
+    std::size_t enough = std::size_t{1} << 26;
+    while (enough - few > 64) {
+        const std::size_t memory = few + (enough - few) / 2;
+        const SteinerResult result =
+            FindCheapestTrees(graph.View(), graph.terminals, {.memory = memory});
+        (result.limit == ELimit::Memory ? few : enough) = memory;
+    }
+    return enough;
+}
+
+// Work that is not charged would let a hostile graph exceed the limits: so what is charged is held
+// from both sides.
+TEST_P(ListingEffort, IsCharged)
+{
+    const auto& [name, drawing, count, steps, bytes, cutSteps] = GetParam();
+    const SteinerGraph graph = GraphDraw(drawing).Draw();
+    const SteinerResult result = FindCheapestTrees(graph.View(), graph.terminals, {});
+    EXPECT_EQ(result.count, count);
+    EXPECT_EQ(result.steps, steps);
+    EXPECT_NEAR(static_cast<double>(FindLeastMemory(graph)), static_cast<double>(bytes), 64);
+    const SteinerResult cut =
+        FindCheapestTrees(graph.View(), graph.terminals, {.memory = bytes / 4 * 3});
+    EXPECT_EQ(cut.steps, cutSteps);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Drawn, ListingEffort,
+    testing::Values(
+        Listing{"OnlyZero", {EShape::Random, 14, 24, 5, 0, 19884}, 1640, 36641, 79168, 0},
+        Listing{"WithZero", {EShape::Random, 30, 50, 8, 0, 1}, 146, 31072, 21312, 20538},
+        Listing{"Spanning", {EShape::Random, 14, 40, 14, 1, 2}, 3, 91, 448, 78},
+        Listing{
+            "SpanningParallel", {EShape::Hubs, 16, 60, 16, 3, 3}, 1154764800, 26021, 153152, 20276},
+        Listing{"Table", {EShape::Random, 80, 320, 10, 1, 2}, 115, 27061, 94208, 30643},
+        Listing{"TableOfManyTrees", {EShape::Grid, 64, 8, 9, 1, 1}, 10, 126060, 126208, 13419},
+        Listing{"Blocks", {EShape::Random, 60, 80, 20, 1, 2}, 11, 44427, 404352, 13376}),
+    [](const auto& row) { return std::string(row.param.name); });
+
 } // namespace
 
 } // namespace qe::graph
