@@ -268,7 +268,7 @@ TEST_P(ListingEffort, IsCharged)
 INSTANTIATE_TEST_SUITE_P(
     Drawn, ListingEffort,
     testing::Values(
-        Listing{"OnlyZero", {EShape::Random, 14, 24, 5, 0, 19884}, 1640, 36641, 79168, 0},
+        Listing{"OnlyZero", {EShape::Random, 14, 24, 5, 0, 0}, 1640, 36641, 79168, 19884},
         Listing{"WithZero", {EShape::Random, 30, 50, 8, 0, 1}, 146, 31072, 21312, 20538},
         Listing{"Spanning", {EShape::Random, 14, 40, 14, 1, 2}, 3, 91, 448, 78},
         Listing{
