@@ -273,9 +273,7 @@ INSTANTIATE_TEST_SUITE_P(
         Listing{"Spanning", {EShape::Random, 14, 40, 14, 1, 2}, 3, 91, 448, 78},
         Listing{
             "SpanningParallel", {EShape::Hubs, 16, 60, 16, 3, 3}, 1154764800, 26021, 153152, 20276},
-        Listing{"Table", {EShape::Random, 80, 320, 10, 1, 2}, 115, 27061, 94208, 30643},
-        Listing{"TableOfManyTrees", {EShape::Grid, 64, 8, 9, 1, 1}, 10, 126060, 126208, 13419},
-        Listing{"Blocks", {EShape::Random, 60, 80, 20, 1, 2}, 11, 44427, 404352, 13376}),
+        Listing{"Table", {EShape::Random, 80, 320, 10, 1, 2}, 115, 27061, 94208, 30643}),
     [](const auto& row) { return std::string(row.param.name); });
 
 } // namespace
