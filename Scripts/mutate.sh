@@ -4,9 +4,10 @@
 #   --no-setup      install nothing
 #   --sample N      how many faults are tried (default 200)
 #   --seed N        which ones (default 1)
-#   --jobs N        how many tests run at a time (default: the processors)
+#   --jobs N        how many compilers or tests run at a time (default: the processors)
 #   --only ID,...   these faults instead of a sample
-#   --least SHARE   fails when less than this percentage is noticed
+#   --least SHARE   fails when less than this percentage is noticed, together or in one folder
+#   --self-test     checks only that faults are found and planted where they belong
 # Without units, all of Source and Engine/Graph.
 set -euo pipefail
 cd "$(dirname "$0")/.."

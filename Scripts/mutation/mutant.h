@@ -16,14 +16,12 @@ namespace qe_mutation {
 inline unsigned char* OpenReached()
 {
     const char* path = std::getenv("QE_MUTANTS_REACHED");
-    if (path == nullptr)
-    {
+    if (path == nullptr) {
         return nullptr;
     }
     const int file = open(path, O_RDWR);
     struct stat status = {};
-    if (file < 0 || fstat(file, &status) != 0)
-    {
+    if (file < 0 || fstat(file, &status) != 0) {
         std::abort();
     }
     void* bytes = mmap(nullptr, static_cast<size_t>(status.st_size), PROT_READ | PROT_WRITE,
@@ -42,8 +40,7 @@ inline bool IsAwake(int mutant)
 {
     static const int awake = ReadAwake();
     static unsigned char* const reached = OpenReached();
-    if (reached != nullptr)
-    {
+    if (reached != nullptr) {
         reached[mutant] = 1;
     }
     return mutant == awake;
