@@ -87,7 +87,7 @@ def find_cycle(units):
 
 def main():
     listed = subprocess.run(
-        ["git", "ls-files", "--cached", "--others", "--exclude-standard", "*.h", "*.cpp"],
+        ["git", "ls-files", "--cached", "--others", "--exclude-standard", "*.h", "*.cpp", ":!Scripts"],
         cwd=ROOT, check=True, capture_output=True, text=True).stdout.split()
     files = {file for file in listed if (ROOT / file).exists()}
     rooms = close(read_rooms())

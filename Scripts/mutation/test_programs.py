@@ -1,0 +1,93 @@
+"""Runs of the test programs: how long each takes, which faults it reaches, whether it notices one."""
+
+import dataclasses
+import hashlib
+import os
+import pathlib
+import pickle
+import re
+import subprocess
+import sys
+import tempfile
+
+from sleeping_tree import BUILD, WORK
+
+# Seconds that no run takes, however loaded the machine: the limits that count are of processor time.
+LONGEST = 3600
+COMMAND = f"""ulimit -c 0 -t $2
+exec timeout {LONGEST} "$0" --gtest_fail_fast "--gtest_filter=$1" """
+
+
+@dataclasses.dataclass
+class Run:
+    """A whole program, or one case of it that has to run by itself."""
+
+    program: pathlib.Path
+    cases: str = "*"
+    seconds: float = 0
+    reached: bytes = b""
+
+    def passes(self, environment, limit, output=subprocess.DEVNULL):
+        """Returns whether the cases pass within a limit of processor time, and the time they take."""
+        process = subprocess.Popen(
+            ["bash", "-c", COMMAND, self.program, self.cases, str(limit)], stdout=output,
+            stderr=subprocess.STDOUT, env={**os.environ, **environment}, cwd=self.program.parent)
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        return process.returncode == 0, usage.ru_utime + usage.ru_stime
+
+    def observe(self, room):
+        """Runs without any fault and notes what is passed. Returns the cases that were skipped."""
+        with tempfile.NamedTemporaryFile(dir=WORK) as marks, tempfile.TemporaryFile() as log:
+            marks.write(bytes(room))
+            marks.flush()
+            is_passed, self.seconds = self.passes({"QE_MUTANTS_REACHED": marks.name}, LONGEST, log)
+            log.seek(0)
+            text = log.read().decode(errors="replace")
+            if not is_passed:
+                sys.exit(f"{text[-5000:]}\n{self.program.name} fails without any fault")
+            self.reached = pathlib.Path(marks.name).read_bytes()
+        return re.findall(r"^\[  SKIPPED \] (\S+) \(", text, re.MULTILINE)
+
+
+def read_runs(program, room):
+    """Returns the key of the program, and its runs from the last time when it has not changed."""
+    key = hashlib.sha256(program.read_bytes() + str(room).encode()).digest()
+    kept = WORK / f"{program.name}.runs"
+    known, runs = pickle.loads(kept.read_bytes()) if kept.exists() else (None, [])
+    return key, runs if known == key else []
+
+
+def observe_programs(programs, room, pool):
+    """Returns the runs that the programs take: whole, and by itself each case that is skipped then."""
+    wholes = [Run(program) for program in programs]
+    alone = [[Run(whole.program, case) for case in cases]
+             for whole, cases in zip(wholes, pool.map(lambda run: run.observe(room), wholes))]
+    every = [run for runs in alone for run in runs]
+    # What is skipped again lacks something on this machine.
+    lacking = {(run.program, run.cases)
+               for run, cases in zip(every, pool.map(lambda run: run.observe(room), every)) if cases}
+    return [[whole, *(run for run in runs if (run.program, run.cases) not in lacking)]
+            for whole, runs in zip(wholes, alone)]
+
+
+class TestPrograms:
+    def __init__(self, patterns, room, pool):
+        programs = sorted({path for pattern in patterns for path in (BUILD / "bin").glob(pattern)})
+        known = {program: read_runs(program, room) for program in programs}
+        changed = [program for program in programs if not known[program][1]]
+        for program, runs in zip(changed, observe_programs(changed, room, pool)):
+            known[program] = (known[program][0], runs)
+            (WORK / f"{program.name}.runs").write_bytes(pickle.dumps(known[program]))
+        for program, (_, runs) in known.items():
+            print(f"{program.name}: {len(runs)} runs, {sum(run.seconds for run in runs):.1f} s", flush=True)
+        self.runs = [run for _, runs in known.values() for run in runs]
+        self.runs.sort(key=lambda run: run.seconds)
+
+    def judge(self, fault):
+        """Returns "noticed", "not noticed" or "not reached"."""
+        runs = [run for run in self.runs if run.reached[fault.ident]]
+        for run in runs:
+            if not run.passes({"QE_MUTANT": str(fault.ident)}, int(10 + 4 * run.seconds))[0]:
+                return "noticed"
+        return "not noticed" if runs else "not reached"
