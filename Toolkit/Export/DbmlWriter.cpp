@@ -10,7 +10,7 @@ namespace qe::tool {
 namespace {
 
 /// Names may hold anything but double quotes, backslashes and control characters.
-std::string Spell(std::string_view name)
+std::string SpellName(std::string_view name)
 {
     std::string spelled = ReplaceHarmful(name, ' ');
     for (char& c : spelled)
@@ -72,8 +72,9 @@ std::string WriteReference(const ExportedModel& model, const ExportedJoin& join)
     };
     // Of two single ends the second is the one that refers.
     const bool isTurned = !join.left.isMany;
-    return "Ref " + QuoteName(Spell(join.name)) + ": " + write(isTurned ? join.right : join.left) +
-           SignOf(join) + write(isTurned ? join.left : join.right) + '\n';
+    return "Ref " + QuoteName(SpellName(join.name)) + ": " +
+           write(isTurned ? join.right : join.left) + SignOf(join) +
+           write(isTurned ? join.left : join.right) + '\n';
 }
 
 /// Returns the joins that references can say.
@@ -104,8 +105,8 @@ std::string WriteDbml(const ToolModel& model, LeftOut& leftOut)
     for (const ExportedSubject& subject : exported.subjects)
         if (subject.columns.empty())
             leftOut.Add("subjects without items", subject.name);
-    SpellSubjects(exported, Spell);
-    SpellColumns(exported, Spell);
+    SpellSubjects(exported, SpellName);
+    SpellColumns(exported, SpellName);
     std::string text;
     // A table without columns is a mistake.
     for (const ExportedSubject& subject : exported.subjects)

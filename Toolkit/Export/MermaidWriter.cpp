@@ -13,7 +13,7 @@ namespace qe::tool {
 namespace {
 
 /// Texts between quotes may hold neither quotes nor "%", a backslash or control characters.
-std::string Spell(std::string_view text)
+std::string SpellText(std::string_view text)
 {
     std::string spelled = ReplaceHarmful(text, '_');
     for (char& c : spelled)
@@ -23,7 +23,7 @@ std::string Spell(std::string_view text)
 
 std::string Quote(std::string_view text)
 {
-    return '"' + Spell(text) + '"';
+    return '"' + SpellText(text) + '"';
 }
 
 /// Names of columns are plain words, but not those that mark keys.
@@ -89,7 +89,7 @@ std::string WriteMermaid(const ToolModel& model, LeftOut& leftOut)
 {
     ExportedModel exported = CollectModel(model, leftOut);
     NoteRoles(exported, leftOut);
-    SpellSubjects(exported, Spell);
+    SpellSubjects(exported, SpellText);
     ReferringColumns referring;
     for (const ExportedJoin& join : exported.joins) {
         referring[join.left.subject].insert(join.left.columns.begin(), join.left.columns.end());
