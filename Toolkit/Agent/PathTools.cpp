@@ -15,7 +15,6 @@
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputFile.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <string>
