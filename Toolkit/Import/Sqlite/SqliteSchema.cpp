@@ -90,6 +90,9 @@ private:
         try {
             ReadColumns(table, database);
         } catch (const SqliteError& error) {
+            // Only declarations can be wrong for one table; all else is wrong with the file.
+            if (error.GetCode() != SQLITE_ERROR)
+                throw;
             mSchema.notes.push_back("left out what cannot be read (" + std::string(error.what()) +
                                     "): " + name);
             return;
