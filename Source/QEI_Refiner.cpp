@@ -146,6 +146,7 @@ amd_id AQE_I_Refiner::GetRefQuerySubject(amdi_gateway* gateway, const amd_id& id
                                          std::vector<amd_id>* shortcuts,
                                          std::vector<amd_id>* shortcutParents)
 {
+    // Nearly all ends of joins are query subjects, and reading a join asks for both.
     if (id.classCode == IdClassQuerySubject)
         return id;
     if (id.classCode != IdClassShortcut)

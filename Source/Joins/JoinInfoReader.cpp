@@ -41,6 +41,7 @@ int JoinEndsReader::AdjustWeight(const WeighedJoin& join) const
 
 std::optional<WeighedJoin> JoinEndsReader::Read(const amd_id& join) const
 {
+    // One result, returned from where it was made: this runs for every candidate.
     auto read = FindOrReadJoin(mServices.gateway, mServices.requestContext, join, mSpace);
     if (read || mShortcutUse == EShortcutUse::Ignore || mServices.shortcutInfo == nullptr)
         return read;

@@ -78,6 +78,8 @@ void JoinStore::Pack(const amd_id& id, const QEjoinInfo& info)
     const std::size_t length = name.size() + expression.size();
     char* const texts = length == 0 ? nullptr : static_cast<char*>(mTexts.allocate(length, 1));
     std::copy(expression.begin(), expression.end(), std::copy(name.begin(), name.end(), texts));
+    // Filled in place: a record that is made beside the list and copied there as a whole waits for
+    // its own stores, which a first request feels.
     PackedJoin& packed = mPacked.emplace_back();
     packed.id = id;
     packed.joinId = info.joinId;
