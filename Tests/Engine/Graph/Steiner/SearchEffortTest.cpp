@@ -115,8 +115,11 @@ private:
     /// Draws edges to the nodes from `first` on.
     void DrawEdges(std::uint32_t first, std::uint32_t count)
     {
-        while (mGraph.edges.size() < mDrawing.edges)
-            Add(Below(mDrawing.nodes), first + Below(count));
+        while (mGraph.edges.size() < mDrawing.edges) {
+            // Compilers differ in which argument they draw first.
+            const std::uint32_t end2 = first + Below(count);
+            Add(Below(mDrawing.nodes), end2);
+        }
     }
 
     void DrawHubs()
