@@ -136,7 +136,7 @@ TEST_F(CInterface, ErrorsTellKindPlaceAndSuggestions)
         {R"({"subjects": ["sale", "store"]})", nullptr, QE_UNKNOWN_NAME, "subjects", "sales"},
         {R"({"subject": ["sales"]})", nullptr, QE_WRONG_REQUEST, "/subject", "subjects"},
         {R"({"subjects": "sales"})", nullptr, QE_WRONG_REQUEST, "/subjects", ""},
-        {R"({"subjects": [)", nullptr, QE_WRONG_REQUEST, "1:15", ""},
+        {R"({"subjects": [)", nullptr, QE_WRONG_REQUEST, "column 15", ""},
         {nullptr, nullptr, QE_WRONG_USE, "request", ""},
         {kReport, R"({"dialct": "mysql"})", QE_WRONG_USE, "options#/dialct", "dialect"},
         {kReport, R"({"dialect": "mysq"})", QE_WRONG_USE, "options#/dialect", "mysql"},
@@ -230,7 +230,7 @@ TEST_F(CInterface, WhatCannotBeOpenedIsToldWithItsPlace)
     };
     const CallResult broken = open("{\n \"subjects\": 7}", nullptr);
     EXPECT_EQ(broken.status, QE_UNREADABLE);
-    EXPECT_EQ(broken.place, "m.json:2#/subjects");
+    EXPECT_EQ(broken.place, "m.json#/subjects");
     EXPECT_EQ(open("{}", R"({"settings": {"General Options/NewAlg": 1}})").suggestion,
               "General Options/NewAlgo");
     EXPECT_EQ(open("{}", R"({"tables": ["x"]})").status, QE_WRONG_USE);

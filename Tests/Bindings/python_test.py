@@ -93,7 +93,7 @@ class Answers(unittest.TestCase):
             model.ask({"subjects": []})
         with self.assertRaises(qerefine.ModelError) as broken:
             qerefine.Model.from_bytes('{\n "subjects": 7}', "m.json")
-        self.assertEqual(broken.exception.mistakes[0].place, "m.json:2#/subjects")
+        self.assertEqual(broken.exception.mistakes[0].place, "m.json#/subjects")
         with self.assertRaises(qerefine.ModelError):
             qerefine.Model("/no/such/file")
 
