@@ -123,8 +123,8 @@ void ReadSeverities(JsonObject& object, JsonProblems& problems, CheckOptions& ch
     constexpr std::array kSeverities{ESeverity::Off, ESeverity::Note, ESeverity::Warning,
                                      ESeverity::Error};
     std::vector<std::string_view> words;
-    for (const ESeverity severity : kSeverities)
-        words.push_back(ToText(severity));
+    std::transform(kSeverities.begin(), kSeverities.end(), std::back_inserter(words),
+                   [](ESeverity severity) { return ToText(severity); });
     for (const auto& [code, value] : object.GetMembers("severities")) {
         const nlohmann::json name = code;
         if (!ReadWord({&name, value.pointer}, codes, problems))
@@ -165,7 +165,7 @@ CheckCallOptions ReadCheckOptions(const char* json)
         CheckLimits& limits = options.check.limits;
         const NumberRange joins{.minimum = 1, .maximum = kMostPathJoins};
         if (const auto number = object.GetNumber("pathJoins", joins))
-            limits.pathJoins = static_cast<std::size_t>(*number);
+            limits.pathJoins = *number;
         if (const auto number = object.GetNumber("pathSteps", kCounts))
             limits.pathSteps = static_cast<std::size_t>(*number);
     };
