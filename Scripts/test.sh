@@ -4,6 +4,7 @@
 #   --preset NAME  one of release (default), debug, asan, clang, coverage
 #   --no-setup     install nothing
 #   --browser      also install the browser that tests of rendered pages use, and what drives it
+#   --python       also install what builds the Python package and checks its types
 #   --databases    also install the databases that tests read from and write to, without starting any
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -17,6 +18,9 @@ while [ $# -gt 0 ]; do
     --preset) preset=${2:?--preset needs a name}; shift ;;
     --no-setup) setup=no ;;
     --browser) extraPackages+=(chromium chromium-driver python3-selenium) ;;
+    --python)
+      extraPackages+=(mypy python3-build python3-cffi python3-dev python3-networkx python3-setuptools
+                      python3-venv python3-wheel) ;;
     --databases)
       databases=yes
       extraPackages+=(postgresql mariadb-server-core mariadb-client-core

@@ -4,7 +4,7 @@
 
 #include "Toolkit/Answers/RiskText.h"
 #include "Toolkit/Ask/Asker.h"
-#include "Toolkit/Ask/NameResolver.h"
+#include "Toolkit/Ask/StartSubject.h"
 #include "Toolkit/Format.h"
 #include "Toolkit/Import/OpenModel.h"
 #include "Toolkit/Text/DisplayText.h"
@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <optional>
 #include <ostream>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -106,27 +105,6 @@ void CheckSqlOptions(const AskOptions& options)
         reject("--start");
 }
 
-/// Returns the subject that SQL is to begin with. Throws InputError unless the answer has it.
-amd_id FindStart(const model::Model& model, const Answer& answer, const std::string& start)
-{
-    NameResolver names(model);
-    const std::vector<amd_id> found = names.ResolveSubjects("--start", {start});
-    names.ThrowProblems();
-    std::set<amd_id> touched(answer.terminals.begin(), answer.terminals.end());
-    touched.insert(answer.secondSet.begin(), answer.secondSet.end());
-    const std::vector<amd_id>& path =
-        answer.path.empty() && !answer.bestPaths.empty() ? answer.bestPaths.front() : answer.path;
-    for (const amd_id& id : path) {
-        if (const AnswerJoin* const join = answer.FindJoin(id))
-            touched.insert({join->left, join->right});
-    }
-    if (touched.count(found.front()) == 0)
-        throw InputError(
-            {{"--start", "The path does not touch \"" + start + "\"; it touches " +
-                             JoinTexts(SubjectNames(model, {touched.begin(), touched.end()}))}});
-    return found.front();
-}
-
 AskResult Run(const AskOptions& options, const CommandContext& context)
 {
     CheckSqlOptions(options);
@@ -140,8 +118,9 @@ AskResult Run(const AskOptions& options, const CommandContext& context)
         result.question.selector.explainsHistory = true;
     result.answer = BlameArguments([&] { return Ask(result.model, result.question); });
     if (!options.start.empty())
-        result.output.sql.start = BlameArguments(
-            [&] { return FindStart(*result.model.model, result.answer, options.start); });
+        result.output.sql.start = BlameArguments([&] {
+            return FindStart(*result.model.model, result.answer, "--start", options.start);
+        });
     if (options.save.scope && result.answer.connected)
         result.saved = PrepareSave(options.asked.model, {.model = result.model,
                                                          .question = result.question,
