@@ -1,17 +1,19 @@
 #!/usr/bin/env bash
 # Sets up this machine, builds, and runs every test; ends with ctest's summary.
-# Usage: Scripts/test.sh [--preset NAME] [--no-setup] [--browser] [ctest option...]
+# Usage: Scripts/test.sh [--preset NAME] [--no-setup] [--browser] [--databases] [--agents] [ctest option...]
 #   --preset NAME  one of release (default), debug, asan, clang, coverage
 #   --no-setup     install nothing
 #   --browser      also install the browser that tests of rendered pages use, and what drives it
 #   --python       also install what builds the Python package and checks its types
 #   --databases    also install the databases that tests read from and write to, without starting any
+#   --agents       also fetch the clients of agents, and install node for them and the cluster's scheduler
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 preset=release
 setup=yes
 databases=no
+agents=no
 extraPackages=()
 while [ $# -gt 0 ]; do
   case $1 in
@@ -26,6 +28,11 @@ while [ $# -gt 0 ]; do
       extraPackages+=(postgresql mariadb-server-core mariadb-client-core
                       odbc-postgresql libsqliteodbc)
       command -v npm > /dev/null || extraPackages+=(npm) ;;
+    --agents)
+      agents=yes
+      extraPackages+=(python3-distributed)
+      command -v node > /dev/null || extraPackages+=(nodejs)
+      command -v npm > /dev/null || extraPackages+=(npm) ;;
     -h | --help) sed -n '2,/^set/{/^#/s/^# \?//p}' "$0"; exit 0 ;;
     *) break ;;
   esac
@@ -37,6 +44,9 @@ if [ $setup = yes ]; then
 fi
 if [ $setup = yes ] && [ $databases = yes ]; then
   Scripts/fetch_duckdb.sh
+fi
+if [ $setup = yes ] && [ $agents = yes ]; then
+  Scripts/fetch_mcp_client.sh
 fi
 Scripts/build.sh "$preset"
 ctest --preset "$preset" "$@"

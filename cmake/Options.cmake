@@ -18,6 +18,8 @@ set(QEREFINER_DATA_DIR "${PROJECT_SOURCE_DIR}/../shared/data" CACHE PATH
   "Folder of the published data sets; tests that need it are skipped where it is absent")
 set(QEREFINER_DUCKDB_DIR "${PROJECT_SOURCE_DIR}/build/duckdb" CACHE PATH
   "Folder in which Scripts/fetch_duckdb.sh puts libduckdb.so; its test is skipped without it")
+set(QEREFINER_MCP_CLIENT_DIR "${PROJECT_SOURCE_DIR}/build/mcp-client" CACHE PATH
+  "Folder in which Scripts/fetch_mcp_client.sh puts the clients of agents; their sessions are skipped without them")
 
 if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Build type" FORCE)

@@ -142,4 +142,10 @@ std::optional<Ambiguity> FindAmbiguity(const model::Model& model, const Answer& 
     return ambiguity;
 }
 
+std::optional<Turn> FindTurn(const model::Model& model, const Answer& answer,
+                             std::size_t alternative)
+{
+    return TurnFinder(model, answer, answer.ambiguity->equallyCheap).Find(alternative);
+}
+
 } // namespace qe::tool

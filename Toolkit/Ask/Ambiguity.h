@@ -3,6 +3,7 @@
 
 #include "Toolkit/Ask/Answer.h"
 
+#include <cstddef>
 #include <optional>
 
 namespace qe::model {
@@ -16,6 +17,12 @@ namespace qe::tool {
 /// candidates is whole. Takes time in proportion to the joins of all equally cheap candidates.
 [[nodiscard]] std::optional<Ambiguity> FindAmbiguity(const model::Model& model,
                                                      const Answer& answer);
+
+/// Returns what would make the candidate at the position the only cheapest one; nothing when no
+/// joins tell it from the others. The answer has an ambiguity, and the candidate is one of the
+/// equally cheap ones. Takes time in proportion to the joins of all of these.
+[[nodiscard]] std::optional<Turn> FindTurn(const model::Model& model, const Answer& answer,
+                                           std::size_t alternative);
 
 } // namespace qe::tool
 

@@ -236,15 +236,18 @@ void AddHistoryCommand(const CommandLine& line);
 void AddImportCommand(const CommandLine& line);
 void AddExportCommand(const CommandLine& line);
 
+// Agents.
+void AddMcpCommand(const CommandLine& line);
+
 // The shell.
 void AddCompletionCommand(const CommandLine& line);
 
 /// All commands, in the order of the help.
 inline constexpr std::array kCommands{
-    AddPathCommand,   AddBestCommand,     AddSubjectsCommand,   AddBetweenCommand,
-    AddTreeCommand,   AddFactsCommand,    AddShortcutsCommand,  AddBatchCommand,
-    AddCheckCommand,  AddEvaluateCommand, AddHistoryCommand,    AddImportCommand,
-    AddExportCommand, AddShowCommand,     AddCompletionCommand,
+    AddPathCommand,   AddBestCommand,     AddSubjectsCommand,  AddBetweenCommand,
+    AddTreeCommand,   AddFactsCommand,    AddShortcutsCommand, AddBatchCommand,
+    AddCheckCommand,  AddEvaluateCommand, AddHistoryCommand,   AddImportCommand,
+    AddExportCommand, AddShowCommand,     AddMcpCommand,       AddCompletionCommand,
 };
 
 } // namespace qe::tool
