@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Sets up this machine, builds, and runs every test; ends with ctest's summary.
-# Usage: Scripts/test.sh [--preset NAME] [--no-setup] [--browser] [--databases] [--agents] [ctest option...]
-#   --preset NAME  one of release (default), debug, asan, clang, coverage
+# Usage: Scripts/test.sh [--preset NAME] [--no-setup] [--browser] [--python] [--databases] [--agents]
+#                        [ctest option...]
+#   --preset NAME  one of release (default), debug, asan, tsan, clang, coverage
 #   --no-setup     install nothing
 #   --browser      also install the browser that tests of rendered pages use, and what drives it
 #   --python       also install what builds the Python package and checks its types
