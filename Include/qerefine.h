@@ -117,9 +117,11 @@ QE_API void qe_text_free(char* text);
  * of another tool, or the URL of a database on a server.
  *
  * Options:
- *   "from"              the dialect or format of the file, by the words of `qerefine import
- * --from`; recognised without it "roles"             "plain" or "shortcuts": what several keys to
- * one table become "schemas", "tables" lists of patterns: which tables of a server are read
+ *   "from"              the dialect or format of the file, one of those that `qerefine import`
+ *                       takes; recognised without it
+ *   "roles"             "plain" or "shortcuts": what several keys to one table become
+ *   "schemas"           list of patterns: which schemas of a server are read
+ *   "tables"            list of patterns: which tables of a server are read
  *   "statementTimeout"  seconds that a server may take for a statement, 60 unless given, 0: any
  *   "history"           list of files of past queries, beside those that the model names
  *   "settings"          user settings for the process: {"General Options/NewAlgo": 0}
