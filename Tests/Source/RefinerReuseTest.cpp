@@ -189,17 +189,28 @@ INSTANTIATE_TEST_SUITE_P(Shortcuts, KeptCandidates, testing::Bool());
 
 TEST(KeptCandidatesOfTwo, DifferByTheirShortcuts)
 {
-    AQE_Governors governors{};
-    Request apart(kModel);
+    // Kept in one folder, they stand for each other under the first rule only.
+    constexpr const char* kOneFolder = R"(
+        Home -> Region; Office -> Region
+        Customer >- Region : cr; Region >- Zone : rz; Customer >- Home : ch; Customer >- Office : co
+    )";
+    AQE_Governors byTarget{.shortcutGrouping = 0};
+    AQE_Governors byFolder{.shortcutGrouping = 1};
+    Request apart(kOneFolder);
     const std::string without = Ask(apart, kOverShortcut);
-    Request request(kModel);
-    const ShortcutInfo info = SetShortcuts(request, governors);
+    Request request(kOneFolder);
+    const ShortcutInfo others = SetShortcuts(request, byFolder);
+    const ShortcutInfo info = SetShortcuts(request, byTarget);
     const std::string with = Ask(request, kOverShortcut);
     ASSERT_NE(with, without);
-    request.refiner->SetShortcutInfo(nullptr);
-    EXPECT_EQ(Ask(request, kOverShortcut), without);
-    request.refiner->SetShortcutInfo(info.get());
-    EXPECT_EQ(Ask(request, kOverShortcut), with);
+    for (AQE_I_QuerySubjectShortcutInfo* const next :
+         {others.get(), info.get(), static_cast<AQE_I_QuerySubjectShortcutInfo*>(nullptr)}) {
+        SCOPED_TRACE(next == info.get() ? "with joins" : "without");
+        request.refiner->SetShortcutInfo(next);
+        EXPECT_EQ(Ask(request, kOverShortcut), next == info.get() ? with : without);
+        request.refiner->SetShortcutInfo(info.get());
+        EXPECT_EQ(Ask(request, kOverShortcut), with);
+    }
 }
 
 /// Asks another refiner of the request while it chooses.
