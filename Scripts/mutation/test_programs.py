@@ -14,7 +14,9 @@ from sleeping_tree import BUILD, WORK
 
 # Seconds that no run takes, however loaded the machine: the limits that count are of processor time.
 LONGEST = 3600
-COMMAND = f"""ulimit -c 0 -t $2
+# KiB for each run: a fault that takes all memory must not take that of others.
+MOST_MEMORY = 6 << 20
+COMMAND = f"""ulimit -c 0 -t $2 -v {MOST_MEMORY}
 exec timeout {LONGEST} "$0" --gtest_fail_fast "--gtest_filter=$1" """
 
 
