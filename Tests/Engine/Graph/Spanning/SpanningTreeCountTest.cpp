@@ -2,6 +2,7 @@
 
 #include "Engine/Graph/Core/SaturatingCount.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
