@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -211,6 +212,50 @@ TEST(KeptCandidatesOfTwo, DifferByTheirShortcuts)
         request.refiner->SetShortcutInfo(info.get());
         EXPECT_EQ(Ask(request, kOverShortcut), with);
     }
+}
+
+/// Adds one join to the graph, whatever its class.
+class OneShortcutJoin : public AQE_I_QuerySubjectShortcutInfo
+{
+public:
+    explicit OneShortcutJoin(const AQE_I_Refiner::QEjoinInfo& join) : mJoins{join} {}
+
+    void Initialize(const Ids& /*querySubjects*/, const Ids& /*joins*/,
+                    const Ids& /*requiredJoins*/) override
+    {}
+    const std::vector<AQE_I_Refiner::QEjoinInfo>& GetShortcutJoins() override { return mJoins; }
+    bool GetJoinInfo(const amd_id& /*joinId*/, AQE_I_Refiner::QEjoinInfo& /*info*/) override
+    {
+        return false;
+    }
+    amd_id GetGroupKey(const amd_id& id) override { return id; }
+    void Dump(std::ostream& /*out*/) override {}
+
+private:
+    std::vector<AQE_I_Refiner::QEjoinInfo> mJoins;
+};
+
+TEST(KeptCandidatesOfTwo, DoNotShareTheWeightOfAJoinThatOnlyComesWithShortcuts)
+{
+    const Question plain{.subjects = "Home, Zone", .without = "sz"};
+    const Question favoured{.subjects = "Home, Zone", .favoured = "sz", .without = "sz"};
+    const auto ask = [](const std::vector<Question>& questions) {
+        Request request(kModel);
+        AQE_I_Refiner::QEjoinInfo join;
+        join.joinId = request.model.Id("sz");
+        join.leftQuerySubject = request.model.Id("Home");
+        join.rightQuerySubject = request.model.Id("Zone");
+        join.weight = 2;
+        OneShortcutJoin info(join);
+        request.refiner->SetShortcutInfo(&info);
+        std::string last;
+        for (const Question& question : questions)
+            last = Ask(request, question);
+        return last;
+    };
+    EXPECT_EQ(ask({plain, plain}), ask({plain}));
+    EXPECT_EQ(ask({favoured, plain}), ask({plain}));
+    EXPECT_EQ(ask({plain, favoured}), ask({favoured}));
 }
 
 /// Asks another refiner of the request while it chooses.
