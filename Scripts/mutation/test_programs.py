@@ -109,6 +109,6 @@ class TestPrograms:
         """Returns "noticed", "not noticed" or "not reached"."""
         runs = [run for run in self.runs if run.reached[fault.ident]]
         for run in runs:
-            if not run.passes({"QE_MUTANT": str(fault.ident)}, int(10 + 4 * run.seconds))[0]:
+            if not run.passes({"QE_MUTANT": str(fault.ident)}, int(4 + 4 * run.seconds))[0]:
                 return "noticed"
         return "not noticed" if runs else "not reached"
