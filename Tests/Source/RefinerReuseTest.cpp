@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -189,17 +190,72 @@ INSTANTIATE_TEST_SUITE_P(Shortcuts, KeptCandidates, testing::Bool());
 
 TEST(KeptCandidatesOfTwo, DifferByTheirShortcuts)
 {
-    AQE_Governors governors{};
-    Request apart(kModel);
+    // Kept in one folder, they stand for each other under the first rule only.
+    constexpr const char* kOneFolder = R"(
+        Home -> Region; Office -> Region
+        Customer >- Region : cr; Region >- Zone : rz; Customer >- Home : ch; Customer >- Office : co
+    )";
+    AQE_Governors byTarget{.shortcutGrouping = 0};
+    AQE_Governors byFolder{.shortcutGrouping = 1};
+    Request apart(kOneFolder);
     const std::string without = Ask(apart, kOverShortcut);
-    Request request(kModel);
-    const ShortcutInfo info = SetShortcuts(request, governors);
+    Request request(kOneFolder);
+    const ShortcutInfo others = SetShortcuts(request, byFolder);
+    const ShortcutInfo info = SetShortcuts(request, byTarget);
     const std::string with = Ask(request, kOverShortcut);
     ASSERT_NE(with, without);
-    request.refiner->SetShortcutInfo(nullptr);
-    EXPECT_EQ(Ask(request, kOverShortcut), without);
-    request.refiner->SetShortcutInfo(info.get());
-    EXPECT_EQ(Ask(request, kOverShortcut), with);
+    for (AQE_I_QuerySubjectShortcutInfo* const next :
+         {others.get(), info.get(), static_cast<AQE_I_QuerySubjectShortcutInfo*>(nullptr)}) {
+        SCOPED_TRACE(next == info.get() ? "with joins" : "without");
+        request.refiner->SetShortcutInfo(next);
+        EXPECT_EQ(Ask(request, kOverShortcut), next == info.get() ? with : without);
+        request.refiner->SetShortcutInfo(info.get());
+        EXPECT_EQ(Ask(request, kOverShortcut), with);
+    }
+}
+
+/// Adds one join to the graph, whatever its class.
+class OneShortcutJoin : public AQE_I_QuerySubjectShortcutInfo
+{
+public:
+    explicit OneShortcutJoin(const AQE_I_Refiner::QEjoinInfo& join) : mJoins{join} {}
+
+    void Initialize(const Ids& /*querySubjects*/, const Ids& /*joins*/,
+                    const Ids& /*requiredJoins*/) override
+    {}
+    const std::vector<AQE_I_Refiner::QEjoinInfo>& GetShortcutJoins() override { return mJoins; }
+    bool GetJoinInfo(const amd_id& /*joinId*/, AQE_I_Refiner::QEjoinInfo& /*info*/) override
+    {
+        return false;
+    }
+    amd_id GetGroupKey(const amd_id& id) override { return id; }
+    void Dump(std::ostream& /*out*/) override {}
+
+private:
+    std::vector<AQE_I_Refiner::QEjoinInfo> mJoins;
+};
+
+TEST(KeptCandidatesOfTwo, DoNotShareTheWeightOfAJoinThatOnlyComesWithShortcuts)
+{
+    const Question plain{.subjects = "Home, Zone", .without = "sz"};
+    const Question favoured{.subjects = "Home, Zone", .favoured = "sz", .without = "sz"};
+    const auto ask = [](const std::vector<Question>& questions) {
+        Request request(kModel);
+        AQE_I_Refiner::QEjoinInfo join;
+        join.joinId = request.model.Id("sz");
+        join.leftQuerySubject = request.model.Id("Home");
+        join.rightQuerySubject = request.model.Id("Zone");
+        join.weight = 2;
+        OneShortcutJoin info(join);
+        request.refiner->SetShortcutInfo(&info);
+        std::string last;
+        for (const Question& question : questions)
+            last = Ask(request, question);
+        return last;
+    };
+    EXPECT_EQ(ask({plain, plain}), ask({plain}));
+    EXPECT_EQ(ask({favoured, plain}), ask({plain}));
+    EXPECT_EQ(ask({plain, favoured}), ask({favoured}));
 }
 
 /// Asks another refiner of the request while it chooses.
