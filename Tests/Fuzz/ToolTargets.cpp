@@ -1,3 +1,4 @@
+#include "Tests/Fuzz/AgentFaults.h"
 #include "Tests/Fuzz/FuzzTarget.h"
 #include "Tests/Fuzz/MemoryFile.h"
 #include "Tests/Fuzz/ReadingFaults.h"
@@ -83,6 +84,7 @@ constexpr std::array kTargets{
     FuzzTarget{.name = "model", .findFault = FindModelFault},
     FuzzTarget{.name = "request", .findFault = FindRequestFault},
     FuzzTarget{.name = "batch", .findFault = FindBatchFault},
+    FuzzTarget{.name = "agent", .findFault = FindAgentFault},
     FuzzTarget{.name = "set-option", .findFault = FindSettingFault},
     FuzzTarget{.name = "history", .findFault = FindHistoryFault},
     FuzzTarget{.name = "open", .findFault = FindOpeningFault},

@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <chrono>
 #include <condition_variable>
 #include <map>
 #include <mutex>
@@ -270,8 +271,9 @@ protected:
     int sync() override
     {
         std::unique_lock lock(mMutex);
-        mOpened.wait(lock, [this] { return mIsOpen; });
-        return 0;
+        // Where it is never opened, the test shall fail rather than hang.
+        return mOpened.wait_for(lock, std::chrono::seconds(60), [this] { return mIsOpen; }) ? 0
+                                                                                            : -1;
     }
 
 private:
@@ -308,7 +310,7 @@ TEST_F(AgentTest, CancelledCallsGetNoAnswer)
                    .dump() +
                '\n';
     };
-    const auto call = [](const json& id) { return AskTool(id, "describe", {}) + '\n'; };
+    const auto call = [](const json& id) { return AskTool(id, "describe", json::object()) + '\n'; };
     LateOutput late;
     LastInput last(call(1) + call(2) + call("2") + call(3) + cancel(2) + cancel(3) + cancel(99),
                    late);

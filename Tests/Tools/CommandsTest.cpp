@@ -69,6 +69,8 @@ TEST_F(CommandsTest, ExitCodesShowHowItEnded)
         {{"import"}, EExitCode::WrongUsage},
         {{"export", "@", "--to", "mermaid"}, EExitCode::Done},
         {{"export", "@"}, EExitCode::WrongUsage},
+        {{"mcp", "@"}, EExitCode::Done},
+        {{"mcp", "-"}, EExitCode::WrongUsage},
         {{"import", "sql", "@", "--from", "db2"}, EExitCode::WrongUsage},
         {{"--help"}, EExitCode::Done},
         {{"--version"}, EExitCode::Done},

@@ -41,8 +41,8 @@ class Agents(unittest.TestCase):
     def start(self, *arguments):
         server = subprocess.Popen([TOOL, "mcp", MODEL, *arguments], stdin=subprocess.PIPE,
                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
-        self.addCleanup(server.stderr.close)
-        self.addCleanup(server.stdout.close)
+        for stream in (server.stdin, server.stdout, server.stderr):
+            self.addCleanup(stream.close)
         self.addCleanup(server.wait)
         self.addCleanup(server.kill)
         return server

@@ -96,7 +96,7 @@ std::string WriteQuestion(const Answer& answer)
 std::string DescribeChoice(const PathQuestion& question)
 {
     if (question.mustAsk)
-        return "ASK THE USER before you use this path; nothing but chance decided for it.";
+        return "ASK THE USER before you use this path; only names or their order decided for it.";
     if (question.decidedBy.empty())
         return "ASK THE USER where the request does not say it.";
     return "Ask the user where the request does not say it; this path was chosen by: " +
