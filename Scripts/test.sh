@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Sets up this machine, builds, and runs every test; ends with ctest's summary.
 # Usage: Scripts/test.sh [--preset NAME] [--no-setup] [--browser] [ctest option...]
-#   --preset NAME  one of release (default), debug, asan, clang, coverage
+#   --preset NAME  one of release (default), debug, asan, tsan, clang, coverage
 #   --no-setup     install nothing
 #   --browser      also install the browser that tests of rendered pages use, and what drives it
 #   --databases    also install the databases that tests read from and write to, without starting any
