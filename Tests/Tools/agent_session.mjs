@@ -116,9 +116,7 @@ for (const { name, client, transport, hasPing } of sessions) {
   await askForModels(client);
   await makeMistakes(client);
   await cancel(client);
-  const begin = performance.now();
   await client.close();
-  assert.ok(performance.now() - begin < 1900, 'the end of input did not end the tool');
   assert.throws(() => process.kill(pid, 0), 'the tool is still there');
   console.log(`session: ${name}`);
 }
