@@ -199,6 +199,19 @@ TEST(ShortcutInfo, LeavesOutShortcutsThatLeadNowhere)
     EXPECT_EQ(orphan.Joins(), "");
 }
 
+TEST(ShortcutInfo, LeavesJoinedReferencesWhereTheyAreWhenTheTargetLiesNowhere)
+{
+    constexpr const char* kModel = "folder P1; T; folder P2; A -> T; B -> T; T - A : ta";
+    Request request(kModel, kByParent);
+    request.Build("A, B", "ta");
+    EXPECT_EQ(request.Joins(), "T-B") << "A counts as lying with T";
+
+    Request nowhere(kModel, kByParent);
+    nowhere.gateway.Replace({.id = nowhere.names.Id("T"), .name = "T"});
+    nowhere.Build("A, B", "ta");
+    EXPECT_EQ(nowhere.Joins(), "T-A") << "both stay together, and the first name counts";
+}
+
 TEST(ShortcutInfo, PrefersTheLeastIdAmongEqualNames)
 {
     Request request("folder A; T; folder B; S -> T; R -> T", kByParent);
