@@ -15,7 +15,7 @@ ROOMS = ("Source", "Engine", "Toolkit", "Tools")
 AIMS = {"Source": 95, "Engine": 90, "Toolkit": 90}
 
 
-def read_counts(file):
+def read_counts(file, lines):
     """Returns how often each condition of a file was true and false, by its place."""
     segments = [(segment[:2], segment[2]) for segment in file["segments"]]
     starts = [start for start, _ in segments]
@@ -30,8 +30,13 @@ def read_counts(file):
         before = bisect.bisect_right(starts, list(place[:2])) - 1
         return before >= 0 and segments[before][1] > 0
 
-    # What runs and is neither true nor false was decided by the compiler.
-    return {place: count for place, count in counts.items() if any(count) or not is_constant(place)}
+    def is_switch(place):
+        return lines[place[0] - 1][:place[1] - 1].endswith("switch (")
+
+    # What runs and is neither true nor false was decided by the compiler. A switch counts as a whole
+    # where it goes to none of its cases; that all are there is what the compiler's warnings see to.
+    return {place: count for place, count in counts.items()
+            if (any(count) or not is_constant(place)) and not is_switch(place)}
 
 
 def read_known():
@@ -58,7 +63,7 @@ class Unit:
     def __init__(self, file):
         self.path = str(pathlib.Path(file["filename"]).relative_to(ROOT))
         self.lines = (ROOT / self.path).read_text().splitlines()
-        self.counts = read_counts(file)
+        self.counts = read_counts(file, self.lines)
 
     @property
     def room(self):
