@@ -5,6 +5,7 @@ import argparse
 import bisect
 import collections
 import json
+import os
 import pathlib
 import sys
 
@@ -60,10 +61,15 @@ def read_known():
 
 
 class Unit:
-    def __init__(self, file):
-        self.path = str(pathlib.Path(file["filename"]).relative_to(ROOT))
-        self.lines = (ROOT / self.path).read_text().splitlines()
-        self.counts = read_counts(file, self.lines)
+    def __init__(self, path):
+        self.path = path
+        self.lines = (ROOT / path).read_text().splitlines()
+        self.counts = {}
+
+    def add(self, file):
+        for place, count in read_counts(file, self.lines).items():
+            known = self.counts.get(place, (0, 0))
+            self.counts[place] = (known[0] + count[0], known[1] + count[1])
 
     @property
     def room(self):
@@ -85,6 +91,18 @@ class Unit:
                 code = self.lines[line - 1]
                 end = end_column - 1 if end_line == line else len(code)
                 yield line, code.strip(), code[column - 1:end], " or ".join(never)
+
+
+def read_units(export):
+    """Returns the units of the rooms in the order of their paths."""
+    units = {}
+    for file in json.loads(export.read_text())["data"][0]["files"]:
+        # ccache makes some names relative, so that one file may have two.
+        path = pathlib.Path(os.path.normpath(file["filename"]))
+        if path.is_relative_to(ROOT) and path.relative_to(ROOT).parts[0] in ROOMS:
+            path = str(path.relative_to(ROOT))
+            units.setdefault(path, Unit(path)).add(file)
+    return [units[path] for path in sorted(units)]
 
 
 def print_shares(units):
@@ -127,10 +145,7 @@ def main():
     parser.add_argument("--units", action="store_true", help="also print the share of each unit")
     parser.add_argument("chosen", nargs="*", help="folders or units whose missed branches are named")
     arguments = parser.parse_args()
-    files = json.loads(arguments.export.read_text())["data"][0]["files"]
-    units = sorted((Unit(file) for file in files
-                    if pathlib.Path(file["filename"]).is_relative_to(ROOT)), key=lambda unit: unit.path)
-    units = [unit for unit in units if unit.room in ROOMS]
+    units = read_units(arguments.export)
     if arguments.units:
         for unit in filter(lambda unit: unit.total, units):
             print(f"{100 * unit.taken / unit.total:6.1f}% of {unit.total:4}  {unit.path}")
