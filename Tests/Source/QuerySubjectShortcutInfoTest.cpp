@@ -158,7 +158,7 @@ TEST(ShortcutInfo, KnowsTheGroupOfEachShortcutOnceBuilt)
     EXPECT_EQ(request.KeyOf("Old"), "Old");
     EXPECT_EQ(request.KeyOf("Orders"), "Orders");
     EXPECT_EQ(request.KeyOf("Old"), "Old");
-    const amd_id behindAll{100, IdClassShortcutJoin, 0};
+    const amd_id behindAll{1 << 30, IdClassShortcut, 1};
     EXPECT_EQ(request.info->GetGroupKey(behindAll), behindAll);
     request.Build("Far");
     EXPECT_EQ(request.Joins(), joins);

@@ -337,8 +337,8 @@ TEST(KeptCandidatesOfTwo, AreLeftWhenTheHostChangesTheCacheMeanwhile)
             Request request(kModel);
             ActingGateway gateway(request.model.GetGateway());
             gateway.Hide(gateway.at = request.model.Id("sz"));
-            const auto refiner = AQE_I_Refiner::Create(&gateway, nullptr, nullptr, &request.context,
-                                                       false, false);
+            const auto refiner =
+                AQE_I_Refiner::Create(&gateway, nullptr, nullptr, &request.context, false, false);
             Ask(request, *refiner, question);
             const auto changeIt = [&] { change(request); };
             isMeanwhile ? void(gateway.act = changeIt) : changeIt();
