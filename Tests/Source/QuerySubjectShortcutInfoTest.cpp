@@ -162,6 +162,8 @@ TEST(ShortcutInfo, KnowsTheGroupOfEachShortcutOnceBuilt)
     EXPECT_EQ(request.KeyOf("Old"), "Old");
     EXPECT_EQ(request.KeyOf("Orders"), "Orders");
     EXPECT_EQ(request.KeyOf("Old"), "Old");
+    const amd_id behindAll{1 << 30, IdClassShortcut, 1};
+    EXPECT_EQ(request.info->GetGroupKey(behindAll), behindAll);
     request.Build("Far");
     EXPECT_EQ(request.Joins(), joins);
 }
@@ -234,6 +236,19 @@ TEST(ShortcutInfo, MovesShortcutsToATargetWhoseIdIsBehindTheirs)
     ASSERT_EQ(joins.size(), 1U);
     EXPECT_EQ(joins[0].leftQuerySubject, names.Id("R"));
     EXPECT_EQ(joins[0].rightQuerySubject, target);
+}
+
+TEST(ShortcutInfo, LeavesJoinedReferencesWhereTheyAreWhenTheTargetLiesNowhere)
+{
+    constexpr const char* kModel = "folder P1; T; folder P2; A -> T; B -> T; T - A : ta";
+    Request request(kModel, kByParent);
+    request.Build("A, B", "ta");
+    EXPECT_EQ(request.Joins(), "T-B") << "A counts as lying with T";
+
+    Request nowhere(kModel, kByParent);
+    nowhere.gateway.Replace({.id = nowhere.names.Id("T"), .name = "T"});
+    nowhere.Build("A, B", "ta");
+    EXPECT_EQ(nowhere.Joins(), "T-A") << "both stay together, and the first name counts";
 }
 
 TEST(ShortcutInfo, PrefersTheLeastIdAmongEqualNames)
