@@ -10,6 +10,7 @@
 
 #include <iostream>
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -82,6 +83,8 @@ void Answer(const std::shared_ptr<const Model>& model, const std::vector<std::st
     const auto selector = AQE_I_PathSelector::CreateFirstPathSelector(&gateway);
     const std::unique_ptr<AQE_I_QuerySubjectShortcutInfo> shortcuts(
         AQE_I_QuerySubjectShortcutInfo::Create(&gateway, &governors, &context));
+    if (shortcuts == nullptr)
+        throw std::bad_alloc();
     shortcuts->Initialize(subjects, joins, {});
     const auto refiner =
         AQE_I_Refiner::Create(&gateway, selector.Get(), &governors, &context, true, true);

@@ -21,7 +21,8 @@ public:
     /// Opens the settings under a root key.
     [[nodiscard]] static AUT_RefPtr<AUT_I_UserConfiguration> Create(ERootKey rootKey);
 
-    /// Returns the setting, or `defaultValue` when it is not set or is no number.
+    /// Returns the setting, or `defaultValue` when it is not set, is no number, or the settings
+    /// cannot be read.
     [[nodiscard]] virtual int GetInt(const I18NString& section, const I18NString& key,
                                      int defaultValue) = 0;
 };

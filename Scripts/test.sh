@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # Sets up this machine, builds, and runs every test; ends with ctest's summary.
-# Usage: Scripts/test.sh [--preset NAME] [--no-setup] [--browser] [--databases] [--agents] [ctest option...]
-#   --preset NAME  one of release (default), debug, asan, clang, coverage
+# Usage: Scripts/test.sh [--preset NAME] [--no-setup] [--browser] [--python] [--databases] [--agents]
+#                        [ctest option...]
+#   --preset NAME  one of release (default), debug, asan, tsan, clang, coverage
 #   --no-setup     install nothing
 #   --browser      also install the browser that tests of rendered pages use, and what drives it
+#   --python       also install what builds the Python package and checks its types
 #   --databases    also install the databases that tests read from and write to, without starting any
 #   --agents       also fetch the clients of agents, and install node for them and the cluster's scheduler
 set -euo pipefail
@@ -19,6 +21,9 @@ while [ $# -gt 0 ]; do
     --preset) preset=${2:?--preset needs a name}; shift ;;
     --no-setup) setup=no ;;
     --browser) extraPackages+=(chromium chromium-driver python3-selenium) ;;
+    --python)
+      extraPackages+=(mypy python3-build python3-cffi python3-dev python3-networkx python3-setuptools
+                      python3-venv python3-wheel) ;;
     --databases)
       databases=yes
       extraPackages+=(postgresql mariadb-server-core mariadb-client-core

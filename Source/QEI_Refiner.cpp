@@ -146,9 +146,12 @@ amd_id AQE_I_Refiner::GetRefQuerySubject(amdi_gateway* gateway, const amd_id& id
                                          std::vector<amd_id>* shortcuts,
                                          std::vector<amd_id>* shortcutParents)
 {
-    const amd_id end = id.classCode == IdClassShortcut
-                           ? FollowShortcuts(gateway, id, shortcuts, shortcutParents)
-                           : id;
+    // Nearly all ends of joins are query subjects, and reading a join asks for both.
+    if (id.classCode == IdClassQuerySubject)
+        return id;
+    if (id.classCode != IdClassShortcut)
+        return {};
+    const amd_id end = FollowShortcuts(gateway, id, shortcuts, shortcutParents);
     return end.classCode == IdClassQuerySubject ? end : amd_id{};
 }
 

@@ -27,6 +27,10 @@ function(qe_add_test name)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE qe_test_main ${arg_LIBRARIES})
   target_precompile_headers(${name} REUSE_FROM qe_test_main)
+  if(QEREFINER_SANITIZERS MATCHES thread)
+    # Programs that count allocations bring functions that this sanitizer brings as well.
+    target_link_options(${name} PRIVATE LINKER:--allow-multiple-definition)
+  endif()
   gtest_discover_tests(${name}
     DISCOVERY_MODE PRE_TEST
     TEST_PREFIX ${name}.

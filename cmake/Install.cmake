@@ -29,16 +29,19 @@ install(FILES
   "${PROJECT_BINARY_DIR}/qerefinerConfigVersion.cmake"
   DESTINATION "${packageDir}")
 
-# An installed tree can be moved: the pkg-config files find the prefix from where they lie.
-file(RELATIVE_PATH pcPrefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
-string(REGEX REPLACE "/$" "" pcPrefix "${pcPrefix}")
+# qe_install_pkg_config(name [option of install()...]): the file from cmake/name.pc.in, with what the
+# caller sets for it. An installed tree can be moved: the file finds the prefix from where it lies.
+function(qe_install_pkg_config name)
+  file(RELATIVE_PATH pcPrefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+  string(REGEX REPLACE "/$" "" pcPrefix "${pcPrefix}")
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in" "${PROJECT_BINARY_DIR}/${name}.pc" @ONLY)
+  install(FILES "${PROJECT_BINARY_DIR}/${name}.pc"
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" ${ARGN})
+endfunction()
+
 set(pcRequires "")
 if(withEngine)
   set(pcRequires "Requires: qeengine = ${PROJECT_VERSION}")
-  configure_file(cmake/qeengine.pc.in qeengine.pc @ONLY)
-  install(FILES "${PROJECT_BINARY_DIR}/qeengine.pc"
-    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+  qe_install_pkg_config(qeengine)
 endif()
-configure_file(cmake/qerefiner.pc.in qerefiner.pc @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/qerefiner.pc"
-  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+qe_install_pkg_config(qerefiner)

@@ -18,8 +18,12 @@ function(qe_configure_target target)
     target_link_options(${target} PRIVATE -fsanitize=${QEREFINER_SANITIZERS} -fno-sanitize=vptr)
   endif()
   if(QEREFINER_COVERAGE)
-    target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic)
-    target_link_options(${target} PRIVATE --coverage)
+    # Counters of functions that only one unit knows are told apart by the name of its file, which
+    # is the same for many where several units are compiled as one.
+    target_compile_options(${target} PRIVATE
+      -fprofile-instr-generate -fcoverage-mapping
+      "SHELL:-Xclang -main-file-name -Xclang ${target}")
+    target_link_options(${target} PRIVATE -fprofile-instr-generate)
   endif()
 endfunction()
 

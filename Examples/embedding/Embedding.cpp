@@ -16,6 +16,7 @@
 
 #include <iostream>
 #include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -41,6 +42,8 @@ public:
         mContext.SetAuthentication(&mAnalyst);
         mGovernors.crossProductAllowed = 1;
         mShortcuts.reset(AQE_I_QuerySubjectShortcutInfo::Create(&mGateway, &mGovernors, &mContext));
+        if (mShortcuts == nullptr)
+            throw std::bad_alloc();
         mRefiner = AQE_I_Refiner::Create(&mGateway, &mSelector, &mGovernors, &mContext, true, true);
         mRefiner->SetShortcutInfo(mShortcuts.get());
     }

@@ -8,7 +8,7 @@ import pathlib
 import re
 
 # Room that is not made at once is made later: only fewer allocations speak for it.
-MAKES_ROOM = re.compile(r"without [\w.\[\]>-]*\b[rR]eserve\(")
+MAKES_ROOM = re.compile(r"[\w.\[\]>()-]*\b[rR]eserve\(.*\);$")
 PATH = pathlib.Path(__file__).with_name("equivalent.txt")
 
 
@@ -25,7 +25,7 @@ def read_equivalents(path=PATH):
 
 
 def is_equivalent(fault, reasons):
-    return fault.key in reasons or MAKES_ROOM.match(fault.what) is not None
+    return fault.key in reasons or MAKES_ROOM.match(fault.text) is not None
 
 
 def find_stale(reasons, faults, units):

@@ -2,6 +2,7 @@
 
 import argparse
 import concurrent.futures
+import difflib
 import hashlib
 import os
 import sys
@@ -16,23 +17,45 @@ AREAS = ("Source", "Engine/Graph")
 TESTS = ("qe_source_*tests", "qe_engine_graph_*tests")
 
 
+def positive(text):
+    number = int(text)
+    if number < 1:
+        raise argparse.ArgumentTypeError(f"{text} is not above 0")
+    return number
+
+
+def numbers(text):
+    return {int(number) for number in text.split(",")}
+
+
 def parse_arguments():
     parser = argparse.ArgumentParser(prog="Scripts/mutate.sh")
-    parser.add_argument("--sample", type=int, default=200)
+    parser.add_argument("--sample", type=positive, default=200)
     parser.add_argument("--seed", type=int, default=1)
-    parser.add_argument("--jobs", type=int, default=os.cpu_count())
+    parser.add_argument("--jobs", type=positive, default=os.cpu_count())
     parser.add_argument("--least", type=float, default=0)
-    parser.add_argument("--only", default="")
+    parser.add_argument("--only", type=numbers, default=set())
     parser.add_argument("--self-test", action="store_true")
     parser.add_argument("units", nargs="*")
     return parser.parse_args()
 
 
+def check_units(units, every_unit):
+    for unit in units:
+        if unit not in every_unit:
+            near = difflib.get_close_matches(unit, every_unit, 1, 0)
+            sys.exit(f"{unit} is no unit of {' or '.join(AREAS)}; the nearest is {near[0]}")
+
+
 def choose(faults, options):
     """A fault is drawn by what it is, so that a change elsewhere leaves it in the sample or out."""
+    known = {fault.ident for fault in faults}
+    if unknown := options.only - known:
+        sys.exit(f"no faults of these units, or equivalent ones: {sorted(unknown)}")
     if options.only:
-        wanted = {int(ident) for ident in options.only.split(",")}
-        return [fault for fault in faults if fault.ident in wanted]
+        return [fault for fault in faults if fault.ident in options.only]
+    if not faults:
+        sys.exit("these units have no faults")
 
     def draw(fault):
         return hashlib.sha256(repr((options.seed, fault.key)).encode()).digest()
@@ -68,10 +91,11 @@ def main():
     self_test.run()
     if options.self_test:
         return
-    WORK.mkdir(parents=True, exist_ok=True)
     every_unit = sorted(str(path.relative_to(ROOT)) for area in AREAS
                         for path in (ROOT / area).rglob("*.cpp"))
+    check_units(options.units, every_unit)
     units = options.units or every_unit
+    WORK.mkdir(parents=True, exist_ok=True)
     copy_tree(set(units))
     configure()
     faults_by_unit = read_faults(units, options.jobs)

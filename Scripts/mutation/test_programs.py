@@ -14,16 +14,20 @@ from sleeping_tree import BUILD, WORK
 
 # Seconds that no run takes, however loaded the machine: the limits that count are of processor time.
 LONGEST = 3600
-COMMAND = f"""ulimit -c 0 -t $2
+# Seconds that cases run together take at most, each.
+QUICK = 0.1
+# KiB for each run: a fault that takes all memory must not take that of others.
+MOST_MEMORY = 6 << 20
+COMMAND = f"""ulimit -c 0 -t $2 -v {MOST_MEMORY}
 exec timeout {LONGEST} "$0" --gtest_fail_fast "--gtest_filter=$1" """
 
 
 @dataclasses.dataclass
 class Run:
-    """A whole program, or one case of it that has to run by itself."""
+    """Cases of one program that run together, with colons between them."""
 
     program: pathlib.Path
-    cases: str = "*"
+    cases: str
     seconds: float = 0
     reached: bytes = b""
 
@@ -52,23 +56,40 @@ class Run:
 
 def read_runs(program, room):
     """Returns the key of the program, and its runs from the last time when it has not changed."""
-    key = hashlib.sha256(program.read_bytes() + str(room).encode()).digest()
+    parts = program.read_bytes(), pathlib.Path(__file__).read_bytes(), str(room).encode()
+    key = hashlib.sha256(b"".join(parts)).digest()
     kept = WORK / f"{program.name}.runs"
     known, runs = pickle.loads(kept.read_bytes()) if kept.exists() else (None, [])
     return key, runs if known == key else []
 
 
+def list_cases(program):
+    listed = subprocess.run([program, "--gtest_list_tests"], check=True, capture_output=True,
+                            text=True, cwd=program.parent).stdout
+    cases, suite = [], ""
+    for line in listed.splitlines():
+        name = line.split("#")[0]
+        if not name.startswith(" "):
+            suite = name.strip()
+        else:
+            cases.append(suite + name.strip())
+    return cases
+
+
 def observe_programs(programs, room, pool):
-    """Returns the runs that the programs take: whole, and by itself each case that is skipped then."""
-    wholes = [Run(program) for program in programs]
-    alone = [[Run(whole.program, case) for case in cases]
-             for whole, cases in zip(wholes, pool.map(lambda run: run.observe(room), wholes))]
-    every = [run for runs in alone for run in runs]
-    # What is skipped again lacks something on this machine.
-    lacking = {(run.program, run.cases)
-               for run, cases in zip(every, pool.map(lambda run: run.observe(room), every)) if cases}
-    return [[whole, *(run for run in runs if (run.program, run.cases) not in lacking)]
-            for whole, runs in zip(wholes, alone)]
+    """Returns the runs that the programs take: the quick cases together, each other by itself."""
+    alone = [Run(program, case) for program in programs for case in list_cases(program)]
+    # What is skipped even by itself lacks something on this machine.
+    alone = [run for run, skipped in zip(alone, pool.map(lambda run: run.observe(room), alone))
+             if not skipped]
+    quick = [run for run in alone if run.seconds < QUICK]
+    together = [Run(program, ":".join(run.cases for run in quick if run.program == program))
+                for program in programs]
+    for run, skipped in zip(together, pool.map(lambda run: run.observe(room), together)):
+        # These need a process of their own.
+        quick = [case for case in quick if case.program != run.program or case.cases not in skipped]
+    return [[run for run in [*together, *(run for run in alone if run not in quick)]
+             if run.program == program and run.cases] for program in programs]
 
 
 class TestPrograms:
@@ -88,6 +109,6 @@ class TestPrograms:
         """Returns "noticed", "not noticed" or "not reached"."""
         runs = [run for run in self.runs if run.reached[fault.ident]]
         for run in runs:
-            if not run.passes({"QE_MUTANT": str(fault.ident)}, int(10 + 4 * run.seconds))[0]:
+            if not run.passes({"QE_MUTANT": str(fault.ident)}, int(4 + 4 * run.seconds))[0]:
                 return "noticed"
         return "not noticed" if runs else "not reached"

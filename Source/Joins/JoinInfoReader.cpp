@@ -41,15 +41,16 @@ int JoinEndsReader::AdjustWeight(const WeighedJoin& join) const
 
 std::optional<WeighedJoin> JoinEndsReader::Read(const amd_id& join) const
 {
-    const auto read = FindOrReadJoin(mServices.gateway, mServices.requestContext, join, mSpace);
+    // One result, returned from where it was made: this runs for every candidate.
+    auto read = FindOrReadJoin(mServices.gateway, mServices.requestContext, join, mSpace);
     if (read || mShortcutUse == EShortcutUse::Ignore || mServices.shortcutInfo == nullptr)
         return read;
     // A host's own shortcut information may fill in less than everything.
     mSpace = {};
-    if (!mServices.shortcutInfo->GetJoinInfo(join, mSpace))
-        return std::nullopt;
-    return WeighedJoin{.ends = {.left = mSpace.leftQuerySubject, .right = mSpace.rightQuerySubject},
-                       .weight = mSpace.weight};
+    if (mServices.shortcutInfo->GetJoinInfo(join, mSpace))
+        read = {.ends = {.left = mSpace.leftQuerySubject, .right = mSpace.rightQuerySubject},
+                .weight = mSpace.weight};
+    return read;
 }
 
 namespace {

@@ -78,15 +78,17 @@ void JoinStore::Pack(const amd_id& id, const QEjoinInfo& info)
     const std::size_t length = name.size() + expression.size();
     char* const texts = length == 0 ? nullptr : static_cast<char*>(mTexts.allocate(length, 1));
     std::copy(expression.begin(), expression.end(), std::copy(name.begin(), name.end(), texts));
-    mPacked.push_back(
-        {.id = id,
-         .joinId = info.joinId,
-         .join = {.ends = {.left = info.leftQuerySubject, .right = info.rightQuerySubject},
-                  .weight = info.weight},
-         .leftCardinality = info.leftCardinality,
-         .rightCardinality = info.rightCardinality,
-         .name = {texts, name.size()},
-         .expression = {texts + name.size(), expression.size()}});
+    // Filled in place: a record that is made beside the list and copied there as a whole waits for
+    // its own stores, which a first request feels.
+    PackedJoin& packed = mPacked.emplace_back();
+    packed.id = id;
+    packed.joinId = info.joinId;
+    packed.join = {.ends = {.left = info.leftQuerySubject, .right = info.rightQuerySubject},
+                   .weight = info.weight};
+    packed.leftCardinality = info.leftCardinality;
+    packed.rightCardinality = info.rightCardinality;
+    packed.name = {texts, name.size()};
+    packed.expression = {texts + name.size(), expression.size()};
 }
 
 } // namespace qe

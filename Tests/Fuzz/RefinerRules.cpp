@@ -186,6 +186,12 @@ bool RefinerRules::MayFailToRank() const
            });
 }
 
+bool RefinerRules::MayCloseRing(const PlainGraph& graph) const
+{
+    return !mCase.newAlgo && !mCase.lists.requiredJoins.empty() &&
+           graph.HasRing(graph.ListEdges()) && !graph.TreeBound(mTerminals);
+}
+
 std::string RefinerRules::CheckFailure(ERefinerOperation operation, const PlainGraph& graph,
                                        const RefinerOutcome& outcome) const
 {
@@ -202,7 +208,9 @@ std::string RefinerRules::CheckFailure(ERefinerOperation operation, const PlainG
         // The growth by shortest paths knows joins over shortcuts that it cannot read again.
         return mCase.newAlgo || mRun.GetShortcutJoins().empty() ? "a join cannot be read" : "";
     case kFactFailure:
-        return MayFailToRank() ? "" : "facts cannot be counted though all cardinalities are known";
+        return MayFailToRank() || MayCloseRing(graph)
+                   ? ""
+                   : "facts cannot be counted though all cardinalities are known";
     default:
         return "an unknown failure";
     }

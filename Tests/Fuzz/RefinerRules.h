@@ -38,6 +38,9 @@ private:
     [[nodiscard]] std::string CheckFailure(ERefinerOperation operation, const PlainGraph& graph,
                                            const RefinerOutcome& outcome) const;
     [[nodiscard]] bool MayFailToRank() const;
+    /// Growth that leaves subjects apart pays no heed to what is required, so that both together
+    /// may close a ring.
+    [[nodiscard]] bool MayCloseRing(const PlainGraph& graph) const;
     [[nodiscard]] std::string CheckTrees(const PlainGraph& graph,
                                          const std::vector<Ids>& paths) const;
     [[nodiscard]] std::string CheckCheapest(const PlainGraph& graph,

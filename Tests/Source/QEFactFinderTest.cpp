@@ -205,6 +205,7 @@ TEST(FactFinder, AppendsToWhatTheCallerHas)
     finder.GetFacts(ids);
     EXPECT_EQ(Letters(ids), "FGFG");
     ids = {Id('E'), Id('Z')};
+    finder.GetDimensions(Id('G'), nullptr, true);
     finder.GetDimensions(Id('G'), &ids, true);
     EXPECT_EQ(Letters(ids), "EZD");
     // What the caller had counts as a dimension of the first fact.

@@ -343,6 +343,8 @@ TEST(RelationshipShortcuts, FollowChainsThatEndAtARelationship)
         << "ends of a relationship shortcut are not checked";
     data.Alter("inner", [&](auto& record) { record.referenced = data.model.Id("second"); });
     EXPECT_EQ(data.Read("outer"), "unreadable");
+    data.gateway.Hide(data.model.Id("inner"));
+    EXPECT_EQ(data.Read("outer"), "unreadable");
 }
 
 /// Returns the weights of all edge types in the mode of the process.

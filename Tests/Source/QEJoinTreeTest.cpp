@@ -137,6 +137,9 @@ TEST(PairwiseGrowth, ToleratesUnknownSubjects)
                                 {});
         EXPECT_THAT(PathsOf(model, tree), IsEmpty()) << "C or A is no candidate node";
     }
+    const AQE_JoinTree tree(&model.GetGateway(), model["A C"], {}, model["B-C"], model["A B"],
+                            model.Joins(), nullptr, &model.context, nullptr, nullptr, false, {});
+    EXPECT_THAT(PathsOf(model, tree), ElementsAre("A-B B-C")) << "a required join brings C along";
 }
 
 TEST(JoinTree, TakesRequiredJoinsThatConnectEverythingAsTheyAre)

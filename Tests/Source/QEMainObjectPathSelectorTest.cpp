@@ -171,6 +171,19 @@ TEST(MainObject, ChoosesTheFirstPathThatHasOne)
                                                    ElementsAre(ids[2], ids[1], ids[0])));
 }
 
+TEST(MainObject, IsNotSoughtBehindASubjectWithoutAnId)
+{
+    const ModelText model("A >- B : ab");
+    for (const Options& options : {kAnyEnd, kNoOptional}) {
+        MainObjectPathSelector first(&model.GetGateway(), nullptr, {model.Id("A"), {}}, options);
+        first.SelectAlternative({model.Ids("ab")});
+        EXPECT_FALSE(first.HasMainObject()) << "the path does not reach every subject";
+        MainObjectPathSelector last(&model.GetGateway(), nullptr, {{}, model.Id("A")}, options);
+        last.SelectAlternative({model.Ids("ab")});
+        EXPECT_FALSE(last.HasMainObject());
+    }
+}
+
 TEST(MainObject, LeavesUnreadableJoinsOut)
 {
     const ModelText model("A >- B : ab; B >- C : bc; A >- C : ac");

@@ -13,6 +13,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -30,6 +31,9 @@ const char* const ThreeFolders = R"(
     folder P2; Old -> Orders; New -> Orders
     folder P3; Far -> Old
 )";
+const char* const kThreeShortcuts = "Orders, Old, New, Far";
+/// To look up their chains (4 shortcuts) and targets (3 times).
+constexpr std::size_t kCallsBeforeGrouping = 7;
 
 /// A request over a model: its shortcut information, and how it answers.
 struct Request
@@ -158,6 +162,8 @@ TEST(ShortcutInfo, KnowsTheGroupOfEachShortcutOnceBuilt)
     EXPECT_EQ(request.KeyOf("Old"), "Old");
     EXPECT_EQ(request.KeyOf("Orders"), "Orders");
     EXPECT_EQ(request.KeyOf("Old"), "Old");
+    const amd_id behindAll{1 << 30, IdClassShortcut, 1};
+    EXPECT_EQ(request.info->GetGroupKey(behindAll), behindAll);
     request.Build("Far");
     EXPECT_EQ(request.Joins(), joins);
 }
@@ -197,6 +203,52 @@ TEST(ShortcutInfo, LeavesOutShortcutsThatLeadNowhere)
     orphan.gateway.Hide(orphan.names.Id("Orders"));
     orphan.Build("Old, New");
     EXPECT_EQ(orphan.Joins(), "");
+}
+
+TEST(ShortcutInfo, GroupsByIdWhatVanishesBeforeItIsGrouped)
+{
+    const struct
+    {
+        int rule;
+        std::string joins;
+    } rows[] = {{kByTarget, ""}, {kByParent, "Orders-Old Orders-Far Old-Far"}};
+    for (const auto& [rule, joins] : rows) {
+        Request request(ThreeFolders, rule);
+        request.gateway.LoseAllAfter(kCallsBeforeGrouping);
+        request.Build(kThreeShortcuts);
+        EXPECT_EQ(request.Joins(), joins);
+    }
+}
+
+TEST(ShortcutInfo, MovesShortcutsToATargetWhoseIdIsBehindTheirs)
+{
+    Request request("folder B; T; folder A; S -> T; T >- S; folder C; R -> T", kByParent);
+    const ModelText& names = request.names;
+    const amd_id target(names.Id("T").domain + 1, IdClassQuerySubject, 1);
+    request.gateway.Replace({.id = target, .name = "T", .parent = names.Id("B")});
+    for (const auto& [name, folder] : {std::pair("S", "A"), std::pair("R", "C")}) {
+        request.gateway.Replace(
+            {.id = names.Id(name), .name = name, .parent = names.Id(folder), .referenced = target});
+    }
+    request.gateway.Replace({.id = names.Id("T-S"), .left = target, .right = names.Id("S")});
+    request.Build("S, R", "T-S");
+    const auto& joins = request.info->GetShortcutJoins();
+    ASSERT_EQ(joins.size(), 1U);
+    EXPECT_EQ(joins[0].leftQuerySubject, names.Id("R"));
+    EXPECT_EQ(joins[0].rightQuerySubject, target);
+}
+
+TEST(ShortcutInfo, LeavesJoinedReferencesWhereTheyAreWhenTheTargetLiesNowhere)
+{
+    constexpr const char* kModel = "folder P1; T; folder P2; A -> T; B -> T; T - A : ta";
+    Request request(kModel, kByParent);
+    request.Build("A, B", "ta");
+    EXPECT_EQ(request.Joins(), "T-B") << "A counts as lying with T";
+
+    Request nowhere(kModel, kByParent);
+    nowhere.gateway.Replace({.id = nowhere.names.Id("T"), .name = "T"});
+    nowhere.Build("A, B", "ta");
+    EXPECT_EQ(nowhere.Joins(), "T-A") << "both stay together, and the first name counts";
 }
 
 TEST(ShortcutInfo, PrefersTheLeastIdAmongEqualNames)
@@ -251,22 +303,19 @@ TEST(ShortcutInfo, DumpsAndLogsItsGroups)
 TEST(ShortcutInfo, StopsForGoodWhenTheGatewayFailsWhileGrouping)
 {
     const qe::LogCapture log(11);
-    const std::string subjects = "Orders, Old, New, Far";
     Request whole(ThreeFolders, kByTarget);
-    whole.Build(subjects);
+    whole.Build(kThreeShortcuts);
     const std::string wanted = whole.Joins();
-    // Looking up the chains (4 shortcuts) and the targets (3 times) goes before the grouping.
-    constexpr std::size_t kCallsBefore = 7;
     const std::size_t calls = whole.gateway.calls.GetCallCount();
-    ASSERT_GT(calls, kCallsBefore);
+    ASSERT_GT(calls, kCallsBeforeGrouping);
     for (std::size_t call = 1; call <= calls; ++call) {
         SCOPED_TRACE(call);
         Request request(ThreeFolders, kByTarget);
         request.gateway.calls.FailAtCall(call);
-        EXPECT_THROW(request.Build(subjects), ToldFailure);
+        EXPECT_THROW(request.Build(kThreeShortcuts), ToldFailure);
         const std::string left = request.Joins();
-        request.Build(subjects);
-        EXPECT_EQ(request.Joins(), call <= kCallsBefore ? wanted : left);
+        request.Build(kThreeShortcuts);
+        EXPECT_EQ(request.Joins(), call <= kCallsBeforeGrouping ? wanted : left);
         EXPECT_EQ(request.KeyOf("New"), request.Joins().empty() ? "New" : "Orders");
     }
 }

@@ -395,6 +395,17 @@ TEST_P(Faults, PassThroughAndLeaveNothingBehind)
     std::cout << "faults injected: " << GetFaultCount() << '\n';
 }
 
+// A host that has no memory for the shortcuts can do without them.
+TEST(ShortcutInfo, IsNullWithoutMemory)
+{
+    CountedAllocation::FailAtRequest(1);
+    const AQE_I_QuerySubjectShortcutInfo* const info =
+        AQE_I_QuerySubjectShortcutInfo::Create(nullptr, nullptr, nullptr);
+    EXPECT_TRUE(CountedAllocation::HasFailed());
+    EXPECT_EQ(info, nullptr);
+    delete info;
+}
+
 INSTANTIATE_TEST_SUITE_P(EveryOperation, Faults,
                          testing::Combine(testing::ValuesIn(kOperations), testing::Values(2, 3)));
 

@@ -3,9 +3,12 @@
 #include "AQE_I_QuerySubjectShortcutInfo.h"
 #include "Tests/Source/RefinerRequest.h"
 
+#include <algorithm>
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -189,17 +192,217 @@ INSTANTIATE_TEST_SUITE_P(Shortcuts, KeptCandidates, testing::Bool());
 
 TEST(KeptCandidatesOfTwo, DifferByTheirShortcuts)
 {
-    AQE_Governors governors{};
-    Request apart(kModel);
+    // Kept in one folder, they stand for each other under the first rule only.
+    constexpr const char* kOneFolder = R"(
+        Home -> Region; Office -> Region
+        Customer >- Region : cr; Region >- Zone : rz; Customer >- Home : ch; Customer >- Office : co
+    )";
+    AQE_Governors byTarget{.shortcutGrouping = 0};
+    AQE_Governors byFolder{.shortcutGrouping = 1};
+    Request apart(kOneFolder);
     const std::string without = Ask(apart, kOverShortcut);
-    Request request(kModel);
-    const ShortcutInfo info = SetShortcuts(request, governors);
+    Request request(kOneFolder);
+    const ShortcutInfo others = SetShortcuts(request, byFolder);
+    const ShortcutInfo info = SetShortcuts(request, byTarget);
     const std::string with = Ask(request, kOverShortcut);
     ASSERT_NE(with, without);
-    request.refiner->SetShortcutInfo(nullptr);
-    EXPECT_EQ(Ask(request, kOverShortcut), without);
-    request.refiner->SetShortcutInfo(info.get());
-    EXPECT_EQ(Ask(request, kOverShortcut), with);
+    for (AQE_I_QuerySubjectShortcutInfo* const next :
+         {others.get(), info.get(), static_cast<AQE_I_QuerySubjectShortcutInfo*>(nullptr)}) {
+        SCOPED_TRACE(next == info.get() ? "with joins" : "without");
+        request.refiner->SetShortcutInfo(next);
+        EXPECT_EQ(Ask(request, kOverShortcut), next == info.get() ? with : without);
+        request.refiner->SetShortcutInfo(info.get());
+        EXPECT_EQ(Ask(request, kOverShortcut), with);
+    }
+}
+
+/// Adds one join to the graph, whatever its class.
+class OneShortcutJoin : public AQE_I_QuerySubjectShortcutInfo
+{
+public:
+    explicit OneShortcutJoin(const AQE_I_Refiner::QEjoinInfo& join) : mJoins{join} {}
+
+    void Initialize(const Ids& /*querySubjects*/, const Ids& /*joins*/,
+                    const Ids& /*requiredJoins*/) override
+    {}
+    const std::vector<AQE_I_Refiner::QEjoinInfo>& GetShortcutJoins() override { return mJoins; }
+    bool GetJoinInfo(const amd_id& /*joinId*/, AQE_I_Refiner::QEjoinInfo& /*info*/) override
+    {
+        return false;
+    }
+    amd_id GetGroupKey(const amd_id& id) override { return id; }
+    void Dump(std::ostream& /*out*/) override {}
+
+private:
+    std::vector<AQE_I_Refiner::QEjoinInfo> mJoins;
+};
+
+TEST(KeptCandidatesOfTwo, DoNotShareTheWeightOfAJoinThatOnlyComesWithShortcuts)
+{
+    const Question plain{.subjects = "Home, Zone", .without = "sz"};
+    const Question favoured{.subjects = "Home, Zone", .favoured = "sz", .without = "sz"};
+    const auto ask = [](const std::vector<Question>& questions) {
+        Request request(kModel);
+        AQE_I_Refiner::QEjoinInfo join;
+        join.joinId = request.model.Id("sz");
+        join.leftQuerySubject = request.model.Id("Home");
+        join.rightQuerySubject = request.model.Id("Zone");
+        join.weight = 2;
+        OneShortcutJoin info(join);
+        request.refiner->SetShortcutInfo(&info);
+        std::string last;
+        for (const Question& question : questions)
+            last = Ask(request, question);
+        return last;
+    };
+    EXPECT_EQ(ask({plain, plain}), ask({plain}));
+    EXPECT_EQ(ask({favoured, plain}), ask({plain}));
+    EXPECT_EQ(ask({plain, favoured}), ask({favoured}));
+}
+
+/// Shortcut information of a host, which may say something else from one operation to the next.
+class HostShortcuts : public AQE_I_QuerySubjectShortcutInfo
+{
+public:
+    using Join = AQE_I_Refiner::QEjoinInfo;
+
+    void Initialize(const Ids& /*subjects*/, const Ids& /*joins*/, const Ids& /*required*/) override
+    {}
+    const std::vector<Join>& GetShortcutJoins() override { return joins; }
+    bool GetJoinInfo(const amd_id& id, Join& info) override
+    {
+        const auto found = std::ranges::find(joins, id, &Join::joinId);
+        if (found != joins.end())
+            info = *found;
+        return found != joins.end();
+    }
+    amd_id GetGroupKey(const amd_id& id) override { return id; }
+    void Dump(std::ostream& /*out*/) override {}
+
+    std::vector<Join> joins;
+};
+
+/// Returns lists of synthetic joins, each unlike the first in one respect.
+std::vector<std::vector<HostShortcuts::Join>> ListShortcutJoins(const qe::test::ModelText& model)
+{
+    HostShortcuts::Join join;
+    join.joinId = {100, IdClassShortcutJoin, 0};
+    join.leftQuerySubject = model.Id("Home");
+    join.rightQuerySubject = model.Id("Region");
+    join.weight = 1;
+    join.leftCardinality = join.rightCardinality = {BMT_I_Association::CardinalityOne,
+                                                    BMT_I_Association::CardinalityOne};
+    const auto changed = [join](auto change) {
+        HostShortcuts::Join other = join;
+        change(other);
+        return other;
+    };
+    return {
+        {join},
+        {changed([](auto& other) { other.joinId.number = 1; })},
+        {changed([&](auto& other) { other.leftQuerySubject = model.Id("Shipped"); })},
+        {changed([&](auto& other) { other.rightQuerySubject = model.Id("Zone"); })},
+        {changed([](auto& other) { other.weight = 5000; })},
+        {},
+        {join, changed([&](auto& other) {
+             other.joinId.number = 1;
+             other.leftQuerySubject = model.Id("Orders");
+         })},
+        // As no checked shortcut information has them: joins of the model, with or without others.
+        {join, changed([&](auto& other) { other.joinId = model.Id("cr"); })},
+    };
+}
+
+TEST(KeptCandidatesOfTwo, DifferByTheSyntheticJoinsOfTheHost)
+{
+    const std::vector<Question> questions{
+        kOverShortcut,
+        {.subjects = "Home, Zone", .favoured = "cr", .without = "cr"},
+        {.subjects = "Home, Zone", .favoured = "cr", .required = "cr"},
+        {.subjects = "Home, Zone", .required = "cr", .without = "cr"},
+    };
+    const auto lists = ListShortcutJoins(qe::test::ModelText(kModel));
+    struct Case
+    {
+        const Question& question;
+        const std::vector<HostShortcuts::Join>& joins;
+        std::string alone{};
+    };
+    std::vector<Case> cases;
+    for (const Question& question : questions) {
+        for (const auto& list : lists)
+            cases.push_back({.question = question, .joins = list});
+    }
+    for (Case& single : cases) {
+        Request request(kModel);
+        HostShortcuts shortcuts;
+        shortcuts.joins = single.joins;
+        request.refiner->SetShortcutInfo(&shortcuts);
+        single.alone = Ask(request, single.question);
+    }
+    for (std::size_t first = 0; first < cases.size(); ++first) {
+        for (std::size_t second = 0; second < cases.size(); ++second) {
+            Request request(kModel);
+            HostShortcuts shortcuts;
+            request.refiner->SetShortcutInfo(&shortcuts);
+            for (const Case* const asked : {&cases[first], &cases[second]}) {
+                shortcuts.joins = asked->joins;
+                ASSERT_EQ(Ask(request, asked->question), asked->alone) << first << ' ' << second;
+            }
+        }
+    }
+}
+
+/// Does something, once, when a certain object is asked for.
+class ActingGateway : public qe::test::CountingGateway
+{
+public:
+    using CountingGateway::CountingGateway;
+
+    amdi_object* GetObject(const amd_id& id) override
+    {
+        if (id == at && act)
+            std::exchange(act, {})();
+        return CountingGateway::GetObject(id);
+    }
+
+    amd_id at{};
+    std::function<void()> act;
+};
+
+TEST(KeptCandidatesOfTwo, AreLeftWhenTheHostChangesTheCacheMeanwhile)
+{
+    const auto moveJoin = [](Request& request) {
+        AQE_I_Refiner::QEjoinInfo info;
+        ASSERT_TRUE(AQE_I_Refiner::GetJoinInfo(&request.gateway, &request.context,
+                                               request.model.Id("os"), info));
+        info.leftQuerySubject = request.model.Id("Zone");
+        request.context.GetJoinCache()->CacheJoinInfo(info.joinId, info);
+    };
+    const std::vector<std::function<void(Request&)>> changes{
+        [](Request& request) { request.context.SetJoinCache(nullptr); },
+        [](Request& request) { request.context.SetJoinCache(std::make_unique<AQE_JoinCache>()); },
+        moveJoin,
+        [](Request& /*request*/) {},
+    };
+    const Question question{.subjects = "Orders, Region, Zone"};
+    for (const auto& change : changes) {
+        std::vector<std::string> answers;
+        // Asked twice, with the change in the middle of the second, and asked after the change.
+        for (const bool isMeanwhile : {true, false}) {
+            Request request(kModel);
+            ActingGateway gateway(request.model.GetGateway());
+            gateway.Hide(gateway.at = request.model.Id("sz"));
+            const auto refiner =
+                AQE_I_Refiner::Create(&gateway, nullptr, nullptr, &request.context, false, false);
+            Ask(request, *refiner, question);
+            const auto changeIt = [&] { change(request); };
+            isMeanwhile ? void(gateway.act = changeIt) : changeIt();
+            answers.push_back(Ask(request, *refiner, question));
+            EXPECT_FALSE(gateway.act);
+        }
+        EXPECT_EQ(answers.front(), answers.back());
+    }
 }
 
 /// Asks another refiner of the request while it chooses.

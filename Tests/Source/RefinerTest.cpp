@@ -159,22 +159,28 @@ TEST(JoinPath, GoesOverRolePlayingShortcuts)
     EXPECT_EQ(request.model.Names(treeJoins), "oo, 700001:0");
 }
 
-TEST(JoinPath, DropsSyntheticJoinsWithoutShortcutInformation)
+TEST(JoinPath, DropsSyntheticJoinsThatNoShortcutInformationKnows)
 {
-    Request request("A >- B : ab");
-    const amd_id synthetic{100, 700001, 0};
-    AQE_I_Refiner::QEjoinInfo info;
-    info.joinId = synthetic;
-    info.weight = 2;
-    info.leftQuerySubject = request.model.Id("B");
-    info.rightQuerySubject = {0, 100, 9};
-    request.context.GetJoinCache()->CacheJoinInfo(synthetic, info);
-    Ids path;
-    request.refiner->ComputeJoinPath(
-        {request.model.Id("A"), info.rightQuerySubject}, {}, {},
-        {request.model.Id("A"), request.model.Id("B"), info.rightQuerySubject},
-        {request.model.Id("ab"), synthetic}, {}, path);
-    EXPECT_EQ(request.model.Names(path), "ab");
+    for (const bool hasInformation : {false, true}) {
+        Request request("A >- B : ab");
+        AQE_Governors governors{};
+        const std::unique_ptr<AQE_I_QuerySubjectShortcutInfo> shortcutInfo(
+            AQE_I_QuerySubjectShortcutInfo::Create(&request.gateway, &governors, &request.context));
+        request.refiner->SetShortcutInfo(hasInformation ? shortcutInfo.get() : nullptr);
+        const amd_id synthetic{100, 700001, 0};
+        AQE_I_Refiner::QEjoinInfo info;
+        info.joinId = synthetic;
+        info.weight = 2;
+        info.leftQuerySubject = request.model.Id("B");
+        info.rightQuerySubject = {0, 100, 9};
+        request.context.GetJoinCache()->CacheJoinInfo(synthetic, info);
+        Ids path;
+        request.refiner->ComputeJoinPath(
+            {request.model.Id("A"), info.rightQuerySubject}, {}, {},
+            {request.model.Id("A"), request.model.Id("B"), info.rightQuerySubject},
+            {request.model.Id("ab"), synthetic}, {}, path);
+        EXPECT_EQ(request.model.Names(path), "ab");
+    }
 }
 
 TEST(JoinedSubjects, AreTheEndsOfRelationshipsAndTheirShortcuts)

@@ -7,6 +7,8 @@ namespace qe::test {
 amdi_object* CountingGateway::GetObject(const amd_id& id)
 {
     calls.Count();
+    if (calls.GetCallCount() > mCallsWithObjects)
+        return nullptr;
     const auto replacement = mReplacements.find(id);
     return replacement != mReplacements.end() ? replacement->second.get() : mNext.GetObject(id);
 }

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <deque>
 #include <exception>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -63,6 +64,8 @@ public:
     void Replace(const qe::model::ObjectRecord& record) { Replace(record.id, record); }
     /// Lets there be no object of that id.
     void Hide(const amd_id& id);
+    /// Lets there be no object at all after so many calls.
+    void LoseAllAfter(std::size_t count) { mCallsWithObjects = count; }
 
     /// Counts the calls of all three operations.
     Countdown calls;
@@ -71,6 +74,7 @@ private:
     qe::model::ModelGateway& mNext;
     std::deque<qe::model::ObjectRecord> mRecords;
     std::map<amd_id, std::unique_ptr<amdi_object>> mReplacements;
+    std::size_t mCallsWithObjects = std::numeric_limits<std::size_t>::max();
 };
 
 } // namespace qe::test

@@ -165,6 +165,31 @@ semantic_model:
                 HasSubstr("/ontology: is an ontology"));
 }
 
+// Versions of a format that differ in the frame say the same joins.
+TEST(Formats, AreReadInOlderAndNewerFrames)
+{
+    const std::string datasets = R"(
+- {name: a, source: s.a, fields: [{name: x, expression: code}]}
+- {name: b, source: s.b, primary_key: [k]}
+)";
+    const std::string joins = "- {name: j, from: a, to: b, from_columns: [x], to_columns: [k]}\n";
+    for (const char* const version : {"", "version: 0.2.0.dev0\n"})
+        EXPECT_EQ(DescribeJoins(Import(std::string(version) + "name: shop\ndatasets:" + datasets +
+                                       "relationships:\n" + joins)),
+                  "0n [shop].[a].[code] = [shop].[b].[k] 01\n");
+
+    const auto manifest = [](const std::string& joinType, const std::string& schema) {
+        return R"({"catalog": null, "schema": null, "models": [
+            {"name": "a", "tableReference": {"catalog": null, "schema": )" +
+               schema + R"(, "table": "t"}, "columns": [{"name": "x", "type": "int"}]},
+            {"name": "b", "columns": [{"name": "k", "type": "int"}]}], "relationships": [
+            {"name": "j", "models": ["a", "b"], "joinType": ")" +
+               joinType + R"(", "condition": "a.x = b.k"}]})";
+    };
+    EXPECT_EQ(DescribeJoins(Import(manifest("many_to_one", "null"))),
+              DescribeJoins(Import(manifest("MANY_TO_ONE", "\"s\""))));
+}
+
 TEST(Formats, TellTextsInAnotherEncoding)
 {
     const auto mistakesOf = [](const std::string& text) {

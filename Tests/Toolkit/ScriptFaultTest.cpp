@@ -61,8 +61,6 @@ TEST(ScriptFaults, LeaveOneClearErrorWhereNothingCanBeRead)
                 HasSubstr("s.sql:1: cannot be read, a table without a name\n"));
     EXPECT_THAT(MistakesOf([] { (void)Read("SELECT 1", EDialect::MySql); }),
                 HasSubstr("s.sql: creates no tables that can be read as MySQL"));
-    EXPECT_THAT(MistakesOf([] { (void)Read(std::string("CREATE\0TABLE", 12), EDialect::MySql); }),
-                HasSubstr("s.sql:1:7: a zero byte"));
     const DatabaseSchema many =
         Read("CREATE TABLE a (x int);" + Repeat("ALTER TABLE a ADD UNIQUE (y);", 150),
              EDialect::SqlServer);

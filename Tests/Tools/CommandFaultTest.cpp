@@ -96,7 +96,7 @@ const CommandCase kCases[] = {
 /// Returns how many requests for memory of a command fail, one in each run.
 std::size_t GetSampleSize()
 {
-    constexpr std::size_t kDefault = 60;
+    constexpr std::size_t kDefault = 40;
     const char* const text = std::getenv("QE_FAULT_SAMPLES");
     return text == nullptr ? kDefault : std::stoul(text);
 }

@@ -58,7 +58,7 @@ class Security(unittest.TestCase):
     def test_only_graphviz_is_started_and_nothing_is_sent(self):
         trace = self.folder / "trace"
         for command in self.list_commands():
-            run = self.run_tool(*command, before=["strace", "-f", "-qq", "-o", trace, "-e",
+            run = self.run_tool(*command, before=["strace", "-f", "-qq", "-s", "4096", "-o", trace, "-e",
                                                   "trace=execve,execveat,socket,connect"])
             if not trace.exists() or "ptrace" in run.stderr.decode():
                 self.skipTest("processes cannot be traced here")

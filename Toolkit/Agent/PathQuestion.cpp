@@ -75,13 +75,14 @@ private:
 
 void AddNames(nlohmann::json& arguments, const char* key, const std::vector<std::string>& names)
 {
-    nlohmann::json& list = arguments[key];
+    if (names.empty())
+        return;
+    nlohmann::json list = arguments.value(key, nlohmann::json::array());
     for (const std::string& name : names) {
         if (std::find(list.begin(), list.end(), name) == list.end())
             list.push_back(name);
     }
-    if (list.empty())
-        arguments.erase(key);
+    arguments[key] = std::move(list);
 }
 
 std::string WriteQuestion(const Answer& answer)

@@ -2,6 +2,8 @@
 
 #include "Toolkit/Agent/ToolParts.h"
 
+#include <utility>
+
 namespace qe::tool {
 
 namespace {
@@ -38,9 +40,12 @@ Json MakeOutputSchema(const Json& tool)
 {
     Json schema{{"type", "object"}};
     schema.update(tool["output"]);
+    Json definitions = Json::object();
     for (const Json& name : tool["uses"])
-        schema["$defs"][name.get<std::string>()] =
+        definitions[name.get<std::string>()] =
             GetToolDescriptions()["definitions"][name.get<std::string>()];
+    if (!definitions.empty())
+        schema["$defs"] = std::move(definitions);
     return schema;
 }
 

@@ -4,6 +4,7 @@
 #include "Toolkit/Check/CheckReport.h"
 #include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputFile.h"
+#include "Toolkit/Text/JsonText.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -40,7 +41,7 @@ Json ToJson(const RuleReport& rule, const Finding& finding)
         Json described{{"text", path.text}, {"joins", IdsToJson(path.joins)}};
         if (path.decidingJoin != amd_id())
             described["decidingJoin"] = ToText(path.decidingJoin);
-        json["paths"].push_back(std::move(described));
+        ListAt(json, "paths").push_back(std::move(described));
     }
     if (finding.accepted)
         json["accepted"] = {{"by", PlaceOf(*finding.accepted)},

@@ -5,6 +5,7 @@
 #include "Toolkit/Ask/Answer.h"
 #include "Toolkit/Ask/Question.h"
 #include "Toolkit/Text/DisplayText.h"
+#include "Toolkit/Text/EndingSignals.h"
 
 #include <cstddef>
 #include <string>
@@ -20,6 +21,8 @@ struct FormatOptions
     SqlOptions sql{};
     /// The model file as the command line named it, where a choice can be kept in it; else empty.
     std::string modelFile{};
+    /// For pictures, which another program draws.
+    EEndingSignals signals = EEndingSignals::Caught;
 };
 
 /// Everything that a writer of answers can draw on. Refers to the model, question and answer.

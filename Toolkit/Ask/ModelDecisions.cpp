@@ -10,7 +10,11 @@
 
 namespace qe::tool {
 
+namespace {
+
 using Ids = std::vector<amd_id>;
+
+} // namespace
 
 std::vector<const Decision*> FindHoldingDecisions(const std::vector<Decision>& decisions,
                                                   const std::vector<amd_id>& asked)

@@ -122,14 +122,15 @@ InputProblem NameResolver::DescribeUnknown(EKind kind, const std::string& place,
 {
     if (kind == EKind::Join)
         return {place, "The model has no join \"" + name + '"',
-                mModel.SuggestNames(ENameKind::Join, name)};
+                mModel.SuggestNames(ENameKind::Join, name), EMistake::UnknownName};
     const std::vector<amd_id> items = mModel.FindByName(ENameKind::Item, name);
     if (items.size() == 1)
         return {place,
                 "A column is no query subject: \"" + name + '"',
-                {SubjectName(mModel, mModel.Find(items.front())->parent)}};
+                {SubjectName(mModel, mModel.Find(items.front())->parent)},
+                EMistake::UnknownName};
     return {place, "The model has no query subject or shortcut \"" + name + '"',
-            mModel.SuggestNames(ENameKind::Subject, name)};
+            mModel.SuggestNames(ENameKind::Subject, name), EMistake::UnknownName};
 }
 
 InputProblem NameResolver::DescribeAmbiguous(EKind kind, const std::string& place,
@@ -137,9 +138,11 @@ InputProblem NameResolver::DescribeAmbiguous(EKind kind, const std::string& plac
                                              const std::vector<amd_id>& found) const
 {
     constexpr std::size_t kShown = 10;
-    InputProblem problem{place, "The name stands for " + std::to_string(found.size()) +
-                                    (kind == EKind::Join ? " joins" : " subjects") + ": \"" + name +
-                                    '"'};
+    InputProblem problem{.place = place,
+                         .text = "The name stands for " + std::to_string(found.size()) +
+                                 (kind == EKind::Join ? " joins" : " subjects") + ": \"" + name +
+                                 '"',
+                         .mistake = EMistake::AmbiguousName};
     for (const amd_id& id : found) {
         const model::QualifiedName qualified = mModel.GetQualifiedName(id);
         const auto nameKind = kind == EKind::Join ? ENameKind::Join : ENameKind::Subject;

@@ -47,6 +47,14 @@ FactReport FindFacts(const std::vector<AnswerJoin>& joins)
     return report;
 }
 
+FactReport FindPathFacts(const Answer& answer)
+{
+    std::vector<AnswerJoin> joins;
+    for (const amd_id& join : answer.path)
+        joins.push_back(*answer.FindJoin(join));
+    return FindFacts(joins);
+}
+
 std::vector<AnswerJoin> ReadJoins(const ToolModel& model)
 {
     model::ModelGateway gateway(model.model);

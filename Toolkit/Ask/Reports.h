@@ -39,6 +39,9 @@ struct FactReport
 /// Returns the facts and dimensions of the joins.
 [[nodiscard]] FactReport FindFacts(const std::vector<AnswerJoin>& joins);
 
+/// Returns the facts and dimensions of the answer's path.
+[[nodiscard]] FactReport FindPathFacts(const Answer& answer);
+
 /// Returns all joins of the model that can be read, in id order.
 [[nodiscard]] std::vector<AnswerJoin> ReadJoins(const ToolModel& model);
 

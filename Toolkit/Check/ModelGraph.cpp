@@ -122,6 +122,7 @@ std::string ListNames(const ModelGraph& model, const std::vector<std::size_t>& s
                       std::size_t limit)
 {
     std::vector<std::string> names;
+    names.reserve(subjects.size());
     for (const std::size_t subject : subjects)
         names.push_back(model.NameOf(subject));
     return JoinFirstTexts(names, limit);

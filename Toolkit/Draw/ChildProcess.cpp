@@ -89,18 +89,30 @@ private:
 
 } // namespace
 
-ChildProcess::ChildProcess(std::vector<std::string> arguments, const ChildStreams& streams)
+ChildProcess::ChildProcess(std::vector<std::string> arguments, const ChildStreams& streams,
+                           EEndingSignals signals)
+    : mSignals(signals)
 {
+    if (mSignals == EEndingSignals::LeftToHost) {
+        Start(arguments, streams);
+        return;
+    }
     CatchSignals();
     try {
-        // A signal that comes while the child starts waits until it can be told of it.
-        const SignalBlock block;
-        mProcess = SpawnSettings(streams, block.GetEarlier()).Start(arguments);
-        theChild = mProcess;
+        Start(arguments, streams);
     } catch (...) {
         RestoreSignals();
         throw;
     }
+}
+
+void ChildProcess::Start(std::vector<std::string>& arguments, const ChildStreams& streams)
+{
+    // A signal that comes while the child starts waits until it can be told of it.
+    const SignalBlock block;
+    mProcess = SpawnSettings(streams, block.GetEarlier()).Start(arguments);
+    if (mSignals == EEndingSignals::Caught)
+        theChild = mProcess;
 }
 
 ChildProcess::~ChildProcess()
@@ -109,6 +121,8 @@ ChildProcess::~ChildProcess()
         kill(-mProcess, SIGKILL);
         while (waitpid(mProcess, nullptr, 0) < 0 && errno == EINTR) {}
     }
+    if (mSignals == EEndingSignals::LeftToHost)
+        return;
     theChild = 0;
     RestoreSignals();
 }
@@ -123,7 +137,8 @@ std::optional<bool> ChildProcess::Wait(std::chrono::milliseconds limit,
         int status = 0;
         const pid_t ended = waitpid(mProcess, &status, WNOHANG);
         if (ended != 0 && !(ended < 0 && errno == EINTR)) {
-            theChild = 0;
+            if (mSignals == EEndingSignals::Caught)
+                theChild = 0;
             mProcess = 0;
             return ended > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
         }

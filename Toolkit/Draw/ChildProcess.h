@@ -1,6 +1,8 @@
 #ifndef TOOLKIT_DRAW_CHILDPROCESS_H
 #define TOOLKIT_DRAW_CHILDPROCESS_H
 
+#include "Toolkit/Text/EndingSignals.h"
+
 #include <array>
 #include <chrono>
 #include <csignal>
@@ -21,13 +23,15 @@ struct ChildStreams
 };
 
 /// A program that runs beside this process. It ends, with all processes that it has started, when
-/// the object does and when a signal ends this process. One object at a time.
+/// the object does. Where signals are caught, it also ends when one ends this process, and there is
+/// one object at a time.
 class ChildProcess
 {
 public:
     /// Starts the program that is found by the name of the first argument; no shell takes part.
     /// Throws std::system_error when that cannot be done.
-    ChildProcess(std::vector<std::string> arguments, const ChildStreams& streams);
+    ChildProcess(std::vector<std::string> arguments, const ChildStreams& streams,
+                 EEndingSignals signals = EEndingSignals::Caught);
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
     ~ChildProcess();
@@ -40,9 +44,11 @@ public:
 private:
     static constexpr std::array kEndingSignals{SIGINT, SIGTERM, SIGHUP};
 
+    void Start(std::vector<std::string>& arguments, const ChildStreams& streams);
     void CatchSignals();
     void RestoreSignals();
 
+    EEndingSignals mSignals;
     pid_t mProcess = 0;
     std::array<struct sigaction, kEndingSignals.size()> mEarlier{};
 };

@@ -96,7 +96,8 @@ std::string RunGraphviz(const std::string& dot, EImage image, const DrawingWait&
     std::rewind(input.get());
     try {
         ChildProcess child(MakeArguments(image),
-                           {.input = input.get(), .output = output.get(), .errors = errors.get()});
+                           {.input = input.get(), .output = output.get(), .errors = errors.get()},
+                           wait.signals);
         const bool endedWell = WaitFor(child, wait);
         std::string drawn = ReadAll(output.get());
         if (!endedWell || drawn.empty())

@@ -1,6 +1,7 @@
 #ifndef TOOLKIT_DRAW_GRAPHVIZ_H
 #define TOOLKIT_DRAW_GRAPHVIZ_H
 
+#include "Toolkit/Text/EndingSignals.h"
 #include "Toolkit/Text/Progress.h"
 
 #include <chrono>
@@ -23,6 +24,7 @@ struct DrawingWait
     std::chrono::milliseconds limit = kLongestDrawing;
     /// Is told the seconds that the drawing takes so far.
     ProgressObserver observer{};
+    EEndingSignals signals = EEndingSignals::Caught;
 };
 
 /// Returns the image that Graphviz's program `dot` draws of a graph; no shell takes part. Throws

@@ -76,12 +76,12 @@ void WriteDotFormat(std::ostream& out, const FormatInput& input)
 
 void WriteSvgFormat(std::ostream& out, const FormatInput& input)
 {
-    out << MakeSvg(Draw(input));
+    out << MakeSvg(Draw(input), {.signals = input.options.signals});
 }
 
 void WritePngFormat(std::ostream& out, const FormatInput& input)
 {
-    out << RunGraphviz(WriteDot(Draw(input)), EImage::Png);
+    out << RunGraphviz(WriteDot(Draw(input)), EImage::Png, {.signals = input.options.signals});
 }
 
 } // namespace qe::tool

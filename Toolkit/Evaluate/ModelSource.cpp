@@ -80,6 +80,11 @@ ModelSource::ModelSource(const std::filesystem::path& path, Opener opener)
             {InputProblem{path.string(), "the folder cannot be read: " + failure.message()}});
 }
 
+ModelSource::ModelSource(ToolModel model)
+{
+    Keep("", std::move(model));
+}
+
 const EvaluatedModel& ModelSource::Get(const std::string& database)
 {
     const std::string key = mIsFolder ? database : "";
@@ -97,7 +102,12 @@ const EvaluatedModel& ModelSource::Get(const std::string& database)
 
 const EvaluatedModel& ModelSource::Open(const std::string& key, const std::filesystem::path& path)
 {
-    EvaluatedModel opened{mOpener(path)};
+    return Keep(key, mOpener(path));
+}
+
+const EvaluatedModel& ModelSource::Keep(const std::string& key, ToolModel model)
+{
+    EvaluatedModel opened{std::move(model)};
     opened.pairs = FindModelPairs(*opened.tool.model);
     return mModels.emplace(key, std::move(opened)).first->second;
 }

@@ -52,6 +52,8 @@ public:
 
     /// Throws InputError when there is nothing there, or when the one model cannot be read.
     ModelSource(const std::filesystem::path& path, Opener opener);
+    /// Takes the one model, which is open.
+    explicit ModelSource(ToolModel model);
 
     /// Throws InputError when there is no such model or it cannot be read.
     [[nodiscard]] const EvaluatedModel& Get(const std::string& database);
@@ -64,9 +66,10 @@ public:
 
 private:
     const EvaluatedModel& Open(const std::string& key, const std::filesystem::path& path);
+    const EvaluatedModel& Keep(const std::string& key, ToolModel model);
 
     Opener mOpener;
-    bool mIsFolder;
+    bool mIsFolder = false;
     std::multimap<std::string, std::filesystem::path> mFiles;
     std::map<std::string, EvaluatedModel> mModels;
 };

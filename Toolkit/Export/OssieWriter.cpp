@@ -15,10 +15,11 @@ constexpr const char* kVersion = "0.2.0.dev0";
 
 ordered_json FieldJson(const std::string& name, const std::string& description)
 {
-    ordered_json json;
+    ordered_json json = ordered_json::object();
     json["name"] = name;
-    json["expression"]["dialects"].push_back(
-        {{"dialect", "ANSI_SQL"}, {"expression", WriteSqlName({name})}});
+    json["expression"] = {
+        {"dialects",
+         ordered_json::array({{{"dialect", "ANSI_SQL"}, {"expression", WriteSqlName({name})}}})}};
     if (!description.empty())
         json["description"] = description;
     return json;
@@ -26,23 +27,23 @@ ordered_json FieldJson(const std::string& name, const std::string& description)
 
 ordered_json DatasetJson(const ExportedSubject& subject)
 {
-    ordered_json json;
+    ordered_json json = ordered_json::object();
     json["name"] = subject.name;
     json["source"] = WriteSqlName(subject.source);
     if (!subject.keys.empty())
         json["primary_key"] = subject.keys.front();
     for (std::size_t i = 1; i < subject.keys.size(); ++i)
-        json["unique_keys"].push_back(subject.keys[i]);
+        ListAt(json, "unique_keys").push_back(subject.keys[i]);
     if (!subject.description.empty())
         json["description"] = subject.description;
     for (const auto& [name, description] : subject.columns)
-        json["fields"].push_back(FieldJson(name, description));
+        ListAt(json, "fields").push_back(FieldJson(name, description));
     return json;
 }
 
 ordered_json RelationshipJson(const ExportedModel& model, const ExportedJoin& join)
 {
-    ordered_json json;
+    ordered_json json = ordered_json::object();
     json["name"] = join.name;
     json["from"] = model.subjects[join.left.subject].name;
     json["to"] = model.subjects[join.right.subject].name;
@@ -68,18 +69,18 @@ void NoteCardinality(const ExportedModel& model, const ExportedJoin& join, LeftO
 std::string WriteOssie(const ToolModel& model, LeftOut& leftOut)
 {
     const ExportedModel exported = CollectModel(model, leftOut);
-    ordered_json written;
+    ordered_json written = ordered_json::object();
     written["name"] = exported.name;
     written["datasets"] = ordered_json::array();
     for (const ExportedSubject& subject : exported.subjects)
         written["datasets"].push_back(DatasetJson(subject));
     for (const ExportedJoin& join : TakePlainJoins(exported, leftOut)) {
         NoteCardinality(exported, join, leftOut);
-        written["relationships"].push_back(RelationshipJson(exported, join));
+        ListAt(written, "relationships").push_back(RelationshipJson(exported, join));
     }
-    ordered_json document;
+    ordered_json document = ordered_json::object();
     document["version"] = kVersion;
-    document["semantic_model"].push_back(std::move(written));
+    document["semantic_model"] = ordered_json::array({std::move(written)});
     return FormatJson(document);
 }
 

@@ -22,7 +22,7 @@ const char* CardinalityWordOf(const ExportedEnd& end)
 ordered_json ConstraintJson(const ExportedSubject& subject, std::size_t key)
 {
     const std::string type = key == 0 ? "PRIMARY KEY" : "UNIQUE";
-    ordered_json json;
+    ordered_json json = ordered_json::object();
     json["name"] = subject.name + " key " + std::to_string(key + 1);
     json["type"] = type;
     json["def"] = type + " (" + JoinTexts(subject.keys[key]) + ")";
@@ -33,7 +33,7 @@ ordered_json ConstraintJson(const ExportedSubject& subject, std::size_t key)
 
 ordered_json TableJson(const ExportedSubject& subject)
 {
-    ordered_json json;
+    ordered_json json = ordered_json::object();
     json["name"] = subject.name;
     json["type"] = "table";
     if (!subject.description.empty())
@@ -46,13 +46,13 @@ ordered_json TableJson(const ExportedSubject& subject)
         json["columns"].push_back(std::move(column));
     }
     for (std::size_t key = 0; key < subject.keys.size(); ++key)
-        json["constraints"].push_back(ConstraintJson(subject, key));
+        ListAt(json, "constraints").push_back(ConstraintJson(subject, key));
     return json;
 }
 
 ordered_json RelationJson(const ExportedModel& model, const ExportedJoin& join)
 {
-    ordered_json json;
+    ordered_json json = ordered_json::object();
     json["table"] = model.subjects[join.left.subject].name;
     json["columns"] = join.left.columns;
     json["cardinality"] = CardinalityWordOf(join.left);
@@ -69,7 +69,7 @@ ordered_json RelationJson(const ExportedModel& model, const ExportedJoin& join)
 std::string WriteTbls(const ToolModel& model, LeftOut& leftOut)
 {
     const ExportedModel exported = CollectModel(model, leftOut);
-    ordered_json document;
+    ordered_json document = ordered_json::object();
     document["name"] = exported.name;
     document["tables"] = ordered_json::array();
     for (const ExportedSubject& subject : exported.subjects) {

@@ -25,7 +25,7 @@ std::size_t WritePack(std::ostream& out, std::span<const PastQuery> queries)
     }
     for (const auto& [shape, count] : counts) {
         const auto& [database, tables, pairs] = shape;
-        nlohmann::ordered_json record;
+        nlohmann::ordered_json record = nlohmann::ordered_json::object();
         if (!database.empty())
             record["db"] = database;
         nlohmann::ordered_json names = nlohmann::ordered_json::array();

@@ -67,6 +67,17 @@ LoadedHistory LoadHistory(const model::Model& model, std::span<const std::filesy
     return loaded;
 }
 
+LoadedHistory LoadHistoryOf(const ToolModel& model, const std::filesystem::path& path,
+                            std::span<const std::filesystem::path> more,
+                            const std::optional<std::string>& database)
+{
+    std::vector<std::filesystem::path> files;
+    for (const std::string& name : model.histories)
+        files.push_back(path.parent_path() / name);
+    files.insert(files.end(), more.begin(), more.end());
+    return files.empty() ? LoadedHistory() : LoadHistory(*model.model, files, database);
+}
+
 ToolModel WithHistory(ToolModel model, const std::shared_ptr<JoinHistory>& history)
 {
     model.model = AddPastJoins(*model.model, *history, EPastJoins::Offered);

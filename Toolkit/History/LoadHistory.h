@@ -32,6 +32,13 @@ struct LoadedHistory
                                         std::span<const std::filesystem::path> files,
                                         const std::optional<std::string>& database = std::nullopt);
 
+/// Reads the files that the model names, which lie beside the path that it was read from, and
+/// further ones. The history is null where there are none. Throws like LoadHistory.
+[[nodiscard]] LoadedHistory
+LoadHistoryOf(const ToolModel& model, const std::filesystem::path& path,
+              std::span<const std::filesystem::path> more,
+              const std::optional<std::string>& database = std::nullopt);
+
 /// Returns the model as it is asked with the history: with the past joins that enough people make,
 /// and with an advisor that chooses as they did.
 [[nodiscard]] ToolModel WithHistory(ToolModel model, const std::shared_ptr<JoinHistory>& history);

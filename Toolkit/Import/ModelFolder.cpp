@@ -216,8 +216,12 @@ bool IsModelFolder(const std::filesystem::path& path)
 
 std::string ReadSourceText(const std::filesystem::path& path)
 {
-    std::string text = ReadInputFile(path);
-    return IsUtf16(text) ? MakeScriptText(path, std::move(text)).text : text;
+    return ToSourceText(path, ReadInputFile(path));
+}
+
+std::string ToSourceText(const std::filesystem::path& path, std::string bytes)
+{
+    return IsUtf16(bytes) ? MakeScriptText(path, std::move(bytes)).text : bytes;
 }
 
 bool IsUtf16(std::string_view start)

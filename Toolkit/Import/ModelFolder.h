@@ -35,6 +35,9 @@ struct ModelFolder
 /// Returns what a file holds, in UTF-8 where it begins as UTF-16.
 [[nodiscard]] std::string ReadSourceText(const std::filesystem::path& path);
 
+/// Returns the same of the bytes of such a file.
+[[nodiscard]] std::string ToSourceText(const std::filesystem::path& path, std::string bytes);
+
 /// Returns whether a text begins as UTF-16, as some tools save theirs.
 [[nodiscard]] bool IsUtf16(std::string_view start);
 

@@ -107,17 +107,31 @@ void RejectEmpty(const std::filesystem::path& path, std::string_view text)
         throw InputError({{path.string(), "holds nothing but blanks and comments"}});
 }
 
+[[noreturn]] void RejectUnreadable(const std::filesystem::path& path)
+{
+    throw InputError({{path.string(), "is neither a model file nor an SQLite database nor SQL"}});
+}
+
+/// Of bytes there is no second look.
+ToolModel RecogniseBytes(std::string bytes, const std::filesystem::path& path,
+                         const ImportOptions& options)
+{
+    if (IsSqlite(bytes))
+        return MakeModel(ReadSqliteBytes(bytes, path, options.observer), options);
+    std::string text = ToSourceText(path, std::move(bytes));
+    RejectEmpty(path, text);
+    if (const auto syntax = RecogniseSyntax(text))
+        return OpenDocument(ReadDocument(path.string(), std::move(text), *syntax), path, options);
+    if (!IsScriptStart(text))
+        RejectUnreadable(path);
+    const std::array scripts{MakeScriptText(path, std::move(text))};
+    return MakeModel(ReadSqlTexts(scripts, std::nullopt, options.observer), options);
+}
+
 /// A pipe can only be read once, so that all of it is read before it is known what it is.
 ToolModel OpenPipe(const std::filesystem::path& path, const ImportOptions& options)
 {
-    std::string text = ReadSourceText(path);
-    RejectEmpty(path, text);
-    if (IsSqlite(text))
-        throw InputError({{path.string(), "an SQLite database cannot be read from a pipe"}});
-    if (const auto syntax = RecogniseSyntax(text))
-        return OpenDocument(ReadDocument(path.string(), std::move(text), *syntax), path, options);
-    const std::array scripts{MakeScriptText(path, std::move(text))};
-    return MakeModel(ReadSqlTexts(scripts, std::nullopt, options.observer), options);
+    return RecogniseBytes(ReadInputFile(path), path, options);
 }
 
 ToolModel OpenFile(const std::filesystem::path& path, const ImportOptions& options)
@@ -141,12 +155,19 @@ ToolModel OpenFile(const std::filesystem::path& path, const ImportOptions& optio
     }
     if (IsScriptStart(start))
         return ImportSql({path}, options);
-    throw InputError({{path.string(), "is neither a model file nor an SQLite database nor SQL"}});
+    RejectUnreadable(path);
 }
 
 ToolModel OpenServer(const std::string& url, const ImportOptions& options)
 {
     return MakeModel(ReadServer(url, options.server, options.observer), options);
+}
+
+void RejectPatterns(const ImportOptions& options)
+{
+    if (!options.server.patterns.IsEmpty())
+        throw PatternError(
+            {InputProblem{"--tables and --schema", "only choose from databases on servers"}});
 }
 
 void RejectUrl(const std::filesystem::path& path)
@@ -191,9 +212,7 @@ ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& opti
 {
     if (IsServerUrl(path.string()))
         return OpenServer(path.string(), options);
-    if (!options.server.patterns.IsEmpty())
-        throw PatternError(
-            {InputProblem{"--tables and --schema", "only choose from databases on servers"}});
+    RejectPatterns(options);
     std::error_code error;
     if (!std::filesystem::exists(path, error))
         RejectConnection(path.string());
@@ -204,19 +223,66 @@ ToolModel OpenModel(const std::filesystem::path& path, const ImportOptions& opti
     return OpenFile(path, options);
 }
 
-ToolModel ImportSource(const std::filesystem::path& path, const SourceFormat& format,
-                       const ImportOptions& options)
+namespace {
+
+ToolModel MakeFormatModel(std::string text, const std::filesystem::path& path,
+                          const SourceFormat& format, const ImportOptions& options)
 {
-    std::error_code error;
-    if (std::filesystem::is_directory(path, error))
-        return MakeFolderModel(ReadModelFolder(path, &format), path, options);
-    std::string text = ReadSourceText(path);
     RejectEmpty(path, text);
     const std::optional<ESyntax> syntax = RecogniseSyntax(text);
     if (!syntax)
         throw InputError({{path.string(), "is neither JSON nor YAML nor TMDL"}});
     SourceDocument document = ReadDocument(path.string(), std::move(text), *syntax);
     return MakeSourceModel(format, {&document, 1}, path, options);
+}
+
+} // namespace
+
+ToolModel ImportSource(const std::filesystem::path& path, const SourceFormat& format,
+                       const ImportOptions& options)
+{
+    std::error_code error;
+    if (std::filesystem::is_directory(path, error))
+        return MakeFolderModel(ReadModelFolder(path, &format), path, options);
+    return MakeFormatModel(ReadSourceText(path), path, format, options);
+}
+
+std::optional<ImportKind> FindImportKind(std::string_view word)
+{
+    if (const std::optional<EDialect> dialect = FindDialect(word))
+        return ImportKind{.dialect = dialect};
+    if (const SourceFormat* const format = FindSourceFormat(word))
+        return ImportKind{.format = format};
+    return std::nullopt;
+}
+
+std::vector<std::string> ListImportWords()
+{
+    std::vector<std::string> words = ListDialectWords();
+    for (const SourceFormat& format : ListSourceFormats())
+        words.emplace_back(format.word);
+    return words;
+}
+
+ToolModel OpenModelAs(const std::filesystem::path& path, const ImportKind& kind,
+                      const ImportOptions& options)
+{
+    if (kind.dialect)
+        return ImportSql({path}, options, kind.dialect);
+    return kind.format == nullptr ? OpenModel(path, options)
+                                  : ImportSource(path, *kind.format, options);
+}
+
+ToolModel OpenBytes(std::string bytes, const std::filesystem::path& name, const ImportKind& kind,
+                    const ImportOptions& options)
+{
+    RejectPatterns(options);
+    if (kind.format != nullptr)
+        return MakeFormatModel(ToSourceText(name, std::move(bytes)), name, *kind.format, options);
+    if (!kind.dialect)
+        return RecogniseBytes(std::move(bytes), name, options);
+    const std::array scripts{MakeScriptText(name, std::move(bytes))};
+    return MakeModel(ReadSqlTexts(scripts, kind.dialect, options.observer), options);
 }
 
 bool IsModelFile(const std::filesystem::path& path)

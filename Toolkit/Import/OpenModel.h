@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace qe::tool {
@@ -23,6 +24,31 @@ struct ServerKind;
 /// of a server or are given with a file.
 [[nodiscard]] ToolModel OpenModel(const std::filesystem::path& path,
                                   const ImportOptions& options = {});
+
+/// What a model is read as; nothing where that is to be recognised.
+struct ImportKind
+{
+    /// That of SQL statements.
+    std::optional<EDialect> dialect{};
+    /// May be null.
+    const SourceFormat* format = nullptr;
+};
+
+/// Returns the kind of the word, which is that of a dialect or of a format; nothing when there is
+/// none.
+[[nodiscard]] std::optional<ImportKind> FindImportKind(std::string_view word);
+
+/// Returns all these words, those of dialects first.
+[[nodiscard]] std::vector<std::string> ListImportWords();
+
+/// Returns the model of the file, read as that kind. Throws like OpenModel.
+[[nodiscard]] ToolModel OpenModelAs(const std::filesystem::path& path, const ImportKind& kind,
+                                    const ImportOptions& options);
+
+/// Returns the model of what a file holds that is called `name` and need not exist, read as that
+/// kind. Throws like OpenModel.
+[[nodiscard]] ToolModel OpenBytes(std::string bytes, const std::filesystem::path& name,
+                                  const ImportKind& kind, const ImportOptions& options);
 
 /// Returns whether the path leads to a file, not a pipe, that is taken for a model file. All of it
 /// is read. Throws an InputError when it cannot be read.

@@ -2,6 +2,7 @@
 
 #include "Toolkit/Model/DecisionNames.h"
 #include "Toolkit/Model/ModelWords.h"
+#include "Toolkit/Text/JsonText.h"
 
 #include <nlohmann/json.hpp>
 
@@ -50,7 +51,7 @@ std::vector<ENameKind> NameKindsFor(std::int32_t fromClass, const amd_id& to)
 
 ordered_json ContentWriter::Write()
 {
-    ordered_json json;
+    ordered_json json = ordered_json::object();
     json[keys::kVersion] = 1;
     json[keys::kLocale] = mModel->GetLocale(amd_id()).GetTag().ToStdString();
     if (mTool->writtenNames.dialect != nullptr)
@@ -72,12 +73,15 @@ ordered_json ContentWriter::Write()
 void ContentWriter::WriteGovernors(ordered_json& json) const
 {
     const AQE_Governors& governors = mTool->governors;
+    ordered_json words = ordered_json::object();
     if (governors.crossProductAllowed != 0)
-        json[keys::kGovernors][keys::kCrossProductAllowed] =
+        words[keys::kCrossProductAllowed] =
             GovernorJson(CrossProductWords(), governors.crossProductAllowed);
     if (governors.shortcutGrouping != 0)
-        json[keys::kGovernors][keys::kShortcutGrouping] =
+        words[keys::kShortcutGrouping] =
             GovernorJson(ShortcutGroupingWords(), governors.shortcutGrouping);
+    if (!words.empty())
+        json[keys::kGovernors] = std::move(words);
 }
 
 void ContentWriter::WriteChildren(const amd_id& parent, ordered_json& json)
@@ -98,7 +102,7 @@ void ContentWriter::WriteChildren(const amd_id& parent, ordered_json& json)
 
 void ContentWriter::WriteQuery(ordered_json& json)
 {
-    ordered_json query;
+    ordered_json query = ordered_json::object();
     const auto joins = mModel->GetIds(IdClassSpecJoin);
     const auto filters = mModel->GetIds(IdClassSpecFilter);
     WriteList(keys::kJoins, {joins.begin(), joins.end()}, query);
@@ -110,12 +114,12 @@ void ContentWriter::WriteQuery(ordered_json& json)
 void ContentWriter::WriteList(const char* key, const std::vector<amd_id>& ids, ordered_json& json)
 {
     for (const amd_id& id : ids)
-        json[key].push_back(WriteObject(*mModel->Find(id)));
+        ListAt(json, key).push_back(WriteObject(*mModel->Find(id)));
 }
 
 ordered_json ContentWriter::WriteObject(const Record& record)
 {
-    ordered_json json;
+    ordered_json json = ordered_json::object();
     json[keys::kName] = record.name;
     ordered_json id = WriteId(record.id);
     if (!id.is_null())
@@ -154,8 +158,8 @@ void ContentWriter::WriteSubject(const Record& record, ordered_json& json)
     for (const amd_id& id : mModel->GetChildren(record.id)) {
         ordered_json item = WriteObject(*mModel->Find(id));
         const bool isMereName = item.size() == 1;
-        json[keys::kItems].push_back(isMereName ? ordered_json(item[keys::kName])
-                                                : std::move(item));
+        ListAt(json, keys::kItems)
+            .push_back(isMereName ? ordered_json(item[keys::kName]) : std::move(item));
     }
     if (!record.keys.empty())
         json[keys::kKeys] = record.keys;
@@ -203,7 +207,7 @@ ordered_json ContentWriter::WriteReference(const Record& from, const amd_id& to)
     const model::QualifiedName name = mModel->GetQualifiedName(to);
     if (LeadsTo(from, to, name))
         return model::ToText(name);
-    ordered_json json;
+    ordered_json json = ordered_json::object();
     json[keys::kClass] = to.classCode;
     json[keys::kId] = FullId(to);
     return json;

@@ -162,7 +162,7 @@ ordered_json ToJson(const model::Model& model, const std::vector<Decision>& deci
 {
     ordered_json list = ordered_json::array();
     for (const Decision& decision : decisions) {
-        ordered_json json;
+        ordered_json json = ordered_json::object();
         if (!decision.subjects.empty())
             json[keys::kSubjects] = ToReferences(model, decision.subjects);
         if (!decision.preferred.empty())

@@ -360,7 +360,7 @@ Data PageWriter::MakeRequest() const
 
 std::string PageWriter::InlineSvg() const
 {
-    const std::string svg = MakeSvg(mPicture);
+    const std::string svg = MakeSvg(mPicture, {.signals = mInput.options.signals});
     const std::size_t begin = svg.find("<svg");
     return begin == std::string::npos ? std::string() : svg.substr(begin);
 }

@@ -11,6 +11,17 @@
 
 namespace qe::tool {
 
+/// What programs may want to do about a mistake.
+enum class EMistake : std::uint8_t
+{
+    /// Nothing but tell it.
+    Other,
+    /// Nothing has the name; the nearest names are proposals.
+    UnknownName,
+    /// Several objects have the name; the nearest names tell them apart.
+    AmbiguousName,
+};
+
 /// One mistake in what the user gave.
 struct InputProblem
 {
@@ -21,6 +32,7 @@ struct InputProblem
     std::string text;
     /// Where a name was wrong: the nearest right ones, best first.
     std::vector<std::string> nearestNames{};
+    EMistake mistake = EMistake::Other;
 };
 
 /// Returns " (did you mean X or Y?)" with the first three names; empty where there are none.

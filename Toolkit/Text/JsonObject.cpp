@@ -44,6 +44,15 @@ void RejectType(const PlacedJson& json, const std::string& wanted, JsonProblems&
     problems.Add(json.pointer, "must be " + wanted + ", not " + TypeTitle(*json.value));
 }
 
+namespace {
+
+void RejectZero(const std::string& pointer, JsonProblems& problems)
+{
+    problems.Add(pointer, "must not hold the character U+0000");
+}
+
+} // namespace
+
 std::optional<std::string> ReadText(const PlacedJson& json, JsonProblems& problems)
 {
     if (!json.value->is_string()) {
@@ -52,7 +61,7 @@ std::optional<std::string> ReadText(const PlacedJson& json, JsonProblems& proble
     }
     if (const std::string* const text = FindText(*json.value))
         return *text;
-    problems.Add(json.pointer, "must not hold the character U+0000");
+    RejectZero(json.pointer, problems);
     return std::nullopt;
 }
 
@@ -245,9 +254,13 @@ std::vector<std::pair<std::string, PlacedJson>> JsonObject::GetMembers(std::stri
         RejectType(found, "an object", *mProblems);
         return members;
     }
-    for (const auto& member : found.value->items())
-        members.emplace_back(
-            member.key(), PlacedJson{&member.value(), ChildPointer(found.pointer, member.key())});
+    for (const auto& [name, value] : found.value->items()) {
+        const std::string pointer = ChildPointer(found.pointer, name);
+        if (name.find('\0') == std::string::npos)
+            members.emplace_back(name, PlacedJson{&value, pointer});
+        else
+            RejectZero(pointer, *mProblems);
+    }
     return members;
 }
 

@@ -78,7 +78,7 @@ public:
     /// Returns the elements of the list of a key.
     [[nodiscard]] std::vector<PlacedJson> GetList(std::string_view key);
 
-    /// Returns the members of the object of a key, by their names.
+    /// Returns the members of the object of a key, by their names, which hold no U+0000.
     [[nodiscard]] std::vector<std::pair<std::string, PlacedJson>> GetMembers(std::string_view key);
 
     /// Lets the object have the keys, whatever they hold.

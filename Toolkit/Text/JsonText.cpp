@@ -223,4 +223,12 @@ std::string ToJsonLine(const ordered_json& value)
     return value.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
 }
 
+ordered_json& ListAt(ordered_json& object, const char* key)
+{
+    ordered_json& list = object[key];
+    if (list.is_null())
+        list = ordered_json::array();
+    return list;
+}
+
 } // namespace qe::tool

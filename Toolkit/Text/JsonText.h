@@ -32,6 +32,11 @@ namespace qe::tool {
 /// Returns the same on one line.
 [[nodiscard]] std::string ToJsonLine(const nlohmann::ordered_json& value);
 
+/// Returns the list of a key of an object, which is made where there is none. Objects and lists are
+/// made before they are filled everywhere: null that becomes one of them by being filled is broken
+/// when there is no memory for that.
+[[nodiscard]] nlohmann::ordered_json& ListAt(nlohmann::ordered_json& object, const char* key);
+
 } // namespace qe::tool
 
 #endif

@@ -273,12 +273,6 @@ void YamlReader::MergeKeys(json& object)
 /// Throws an InputError where the text is no YAML.
 void Read(const std::string& text, YamlReader& reader, const JsonProblems& problems)
 {
-    if (const std::size_t nul = text.find('\0'); nul != std::string::npos) {
-        const auto line =
-            1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(nul), '\n');
-        throw InputError({{problems.GetDocumentName() + ':' + std::to_string(line),
-                           "not valid YAML: holds the character U+0000"}});
-    }
     try {
         std::istringstream stream(text);
         stream.exceptions(std::ios::badbit);

@@ -146,15 +146,8 @@ std::shared_ptr<JoinHistory> OpenHistory(const ToolModel& model, const ModelOpti
                                          const CommandContext& context,
                                          const std::optional<std::string>& database)
 {
-    std::vector<std::filesystem::path> files;
-    for (const std::string& name : model.histories)
-        files.push_back(options.path.parent_path() / name);
-    files.insert(files.end(), options.histories.begin(), options.histories.end());
-    if (files.empty())
-        return nullptr;
-    const LoadedHistory loaded = LoadHistory(*model.model, files, database);
-    for (const std::string& note : loaded.notes)
-        context.error << "note: " << ToDisplayText(note) << '\n';
+    const LoadedHistory loaded = LoadHistoryOf(model, options.path, options.histories, database);
+    WriteNotes(loaded.notes, context);
     return loaded.history;
 }
 

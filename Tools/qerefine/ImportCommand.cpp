@@ -26,14 +26,6 @@ constexpr const char* kSqliteKind = "sqlite";
 constexpr const char* kSqlKind = "sql";
 constexpr const char* kExample = "qerefine import sqlite shop.db --roles -o shop.json";
 
-/// What the files are; nothing where that is to be recognised.
-struct ImportKind
-{
-    std::optional<EDialect> dialect{};
-    /// May be null.
-    const SourceFormat* format = nullptr;
-};
-
 struct Options
 {
     std::vector<std::string> files{};
@@ -48,26 +40,19 @@ void AddOptions(CLI::App& command, Options& options)
     AddRoles(command, options.import.roles);
 }
 
-Choices<ImportKind> ListDialects()
+/// Returns the choice that each of the words is.
+Choices<ImportKind> ListKinds(const std::vector<std::string>& words)
 {
     Choices<ImportKind> kinds;
-    for (const std::string& word : ListDialectWords())
-        kinds.emplace_back(word, ImportKind{.dialect = FindDialect(word)});
-    return kinds;
-}
-
-Choices<ImportKind> ListKinds()
-{
-    Choices<ImportKind> kinds = ListDialects();
-    for (const SourceFormat& format : ListSourceFormats())
-        kinds.emplace_back(format.word, ImportKind{.format = &format});
+    for (const std::string& word : words)
+        kinds.emplace_back(word, FindImportKind(word).value());
     return kinds;
 }
 
 void AddSqlOptions(CLI::App& command, Options& options)
 {
     AddOptions(command, options);
-    AddChoice(command, "--from", options.kind, ListDialects(),
+    AddChoice(command, "--from", options.kind, ListKinds(ListDialectWords()),
               "The dialect of the files; recognised without it");
 }
 
@@ -75,7 +60,7 @@ void AddSqlOptions(CLI::App& command, Options& options)
 void AddAnyOptions(CLI::App& command, Options& options)
 {
     AddOptions(command, options);
-    AddChoice(command, "--from", options.kind, ListKinds(),
+    AddChoice(command, "--from", options.kind, ListKinds(ListImportWords()),
               "The dialect or format of the files; recognised without it");
     AddServerOptions(command, options.import.server);
     command.get_option("FILE")->required(false);
@@ -168,9 +153,7 @@ ToolModel RunAny(const Options& options, const CommandContext& context)
     return RunImport(options, context, [&](const ImportOptions& importOptions) {
         if (options.files.size() != 1)
             return ImportTogether({options.files.begin(), options.files.end()}, importOptions);
-        if (format != nullptr)
-            return ImportSource(options.files.front(), *format, importOptions);
-        return OpenModel(options.files.front(), importOptions);
+        return OpenModelAs(options.files.front(), options.kind, importOptions);
     });
 }
 

@@ -67,10 +67,7 @@ FactResult RunFacts(const Options& options, const CommandContext& context)
         return result;
     }
     result.answer = BlameArguments([&] { return Ask(result.model, question); });
-    std::vector<AnswerJoin> joins;
-    for (const amd_id& join : result.answer->path)
-        joins.push_back(*result.answer->FindJoin(join));
-    result.report = FindFacts(joins);
+    result.report = FindPathFacts(*result.answer);
     return result;
 }
 

@@ -84,10 +84,10 @@ std::vector<Edge> GraphStorage::ResolveEdges(const std::vector<std::uint32_t>& p
 {
     std::vector<amd_id> missing;
     const auto find = [&](const amd_id& end) {
-        const std::optional<std::uint32_t> slot = mNodeIds.FindSlot(end);
-        if (!slot)
+        const NodeIndex node{mNodeIds.FindSlot(end)};
+        if (!node.IsValid())
             missing.push_back(end);
-        return slot ? NodeIndex{*slot} : NodeIndex{};
+        return node;
     };
     std::vector<Edge> edges;
     edges.reserve(places.size());
@@ -102,7 +102,7 @@ std::vector<Edge> GraphStorage::ResolveEdges(const std::vector<std::uint32_t>& p
     for (Edge& edge : edges) {
         for (NodeIndex* const end : {&edge.end1, &edge.end2}) {
             if (!end->IsValid())
-                *end = NodeIndex{*mNodeIds.FindSlot(*next++)};
+                *end = NodeIndex{mNodeIds.FindSlot(*next++)};
         }
     }
     return edges;
@@ -111,20 +111,20 @@ std::vector<Edge> GraphStorage::ResolveEdges(const std::vector<std::uint32_t>& p
 void GraphStorage::SetEdgeWeight(const amd_id& edge, std::uint32_t weight)
 {
     MergePendingEdges();
-    const std::optional<std::uint32_t> slot = mEdgeIds.FindSlot(edge);
-    if (!slot || mEdges[*slot].weight == weight)
+    const std::uint32_t slot = mEdgeIds.FindSlot(edge);
+    if (slot == kNoIndex || mEdges[slot].weight == weight)
         return;
-    mEdges[*slot].weight = weight;
+    mEdges[slot].weight = weight;
     if (mHasAdjacency)
-        mRankedEdges[mRankOfEdge[*slot]].weight = weight;
+        mRankedEdges[mRankOfEdge[slot]].weight = weight;
     ++mRevision;
 }
 
 std::optional<std::uint32_t> GraphStorage::FindEdgeWeight(const amd_id& edge)
 {
     MergePendingEdges();
-    const std::optional<std::uint32_t> slot = mEdgeIds.FindSlot(edge);
-    return slot ? std::optional(mEdges[*slot].weight) : std::nullopt;
+    const std::uint32_t slot = mEdgeIds.FindSlot(edge);
+    return slot == kNoIndex ? std::nullopt : std::optional(mEdges[slot].weight);
 }
 
 void GraphStorage::AppendEdgeIds(std::vector<amd_id>& ids)

@@ -195,14 +195,14 @@ void IdIndex::DropKnown(Run& run) const
                   run.end());
 }
 
-std::optional<std::uint32_t> IdIndex::FindSlot(const amd_id& id) const
+std::uint32_t IdIndex::FindSlot(const amd_id& id) const
 {
     const Entry key = MakeEntry(id, 0);
     for (const Run& run : mRuns) {
         if (const Entry* found = FindIn(run, key))
             return found->slot;
     }
-    return std::nullopt;
+    return kNoIndex;
 }
 
 std::span<const IdIndex::Entry> IdIndex::GetSorted()

@@ -1,6 +1,8 @@
 #ifndef ENGINE_GRAPH_CORE_IDINDEX_H
 #define ENGINE_GRAPH_CORE_IDINDEX_H
 
+#include "Engine/Graph/Core/Indices.h"
+
 #include "amd_id.h"
 
 #include <cstddef>
@@ -57,7 +59,8 @@ public:
     /// Prepares and commits. Returns whether there was a new id.
     bool Add(std::span<const amd_id> ids);
 
-    [[nodiscard]] std::optional<std::uint32_t> FindSlot(const amd_id& id) const;
+    /// Returns the slot of the id; kNoIndex when it has none.
+    [[nodiscard]] std::uint32_t FindSlot(const amd_id& id) const;
 
     /// Returns all ids in ascending order, after merging them into one run when there are more:
     /// O(n). The span is good until an id is added.

@@ -3,10 +3,10 @@
 #include "Engine/Graph/Core/DisjointSets.h"
 
 #include <algorithm>
-#include <compare>
 #include <cstddef>
 #include <functional>
 #include <iterator>
+#include <map>
 #include <numeric>
 #include <utility>
 
@@ -15,6 +15,48 @@ namespace qe::graph {
 namespace {
 
 constexpr std::uint32_t kNoBase = kNoIndex;
+
+/// A path from a terminal to a node.
+struct Label
+{
+    std::uint64_t distance;
+    NodeIndex node;
+    std::uint32_t base;
+};
+
+/// Paths by distance, then node, then terminal. Joins have few weights, so that many paths are
+/// equally long: a heap for each distance compares one word.
+class LabelQueue
+{
+public:
+    [[nodiscard]] bool IsEmpty() const noexcept { return mLevels.empty(); }
+    [[nodiscard]] std::uint64_t GetDistance() const { return mLevels.begin()->first; }
+
+    void Push(const Label& label)
+    {
+        std::vector<std::uint64_t>& ends = mLevels[label.distance];
+        ends.push_back(std::uint64_t{label.node.value} << 32U | label.base);
+        std::push_heap(ends.begin(), ends.end(), std::greater<>());
+    }
+
+    Label Pop()
+    {
+        const auto nearest = mLevels.begin();
+        std::vector<std::uint64_t>& ends = nearest->second;
+        std::pop_heap(ends.begin(), ends.end(), std::greater<>());
+        const std::uint64_t end = ends.back();
+        const Label label{.distance = nearest->first,
+                          .node = {static_cast<std::uint32_t>(end >> 32U)},
+                          .base = static_cast<std::uint32_t>(end)};
+        ends.pop_back();
+        if (ends.empty())
+            mLevels.erase(nearest);
+        return label;
+    }
+
+private:
+    std::map<std::uint64_t, std::vector<std::uint64_t>> mLevels;
+};
 
 /// Finds the two nearest terminals of every node that matters, nearest nodes first.
 class RegionSearch
@@ -35,15 +77,6 @@ public:
     [[nodiscard]] std::vector<NodeIndex> CollectNodes() const;
 
 private:
-    /// A path from a terminal to a node.
-    struct Label
-    {
-        std::uint64_t distance;
-        NodeIndex node;
-        std::uint32_t base;
-        friend auto operator<=>(const Label&, const Label&) = default;
-    };
-
     /// The two nearest terminals of a node, as far as they are known.
     struct Nearest
     {
@@ -56,7 +89,6 @@ private:
         std::uint32_t queuedBase = kNoBase;
     };
 
-    void Push(const Label& label);
     void Settle(const Label& label);
     void Expand(const Label& label);
     void Unite(const Label& label, const Nearest& nearest);
@@ -66,7 +98,7 @@ private:
     std::span<const NodeIndex> mTerminals;
     IndexedVector<NodeIndex, Nearest> mNearest;
     std::vector<NodeIndex> mReached;
-    std::vector<Label> mQueue;
+    LabelQueue mQueue;
     std::vector<std::uint64_t> mRadii;
     DisjointSets mPieces;
     std::size_t mPieceCount;
@@ -79,22 +111,10 @@ private:
 bool RegionSearch::Run()
 {
     for (std::uint32_t base = 0; base < mTerminals.size(); ++base)
-        Push({.distance = 0, .node = mTerminals[base], .base = base});
-    while (!mQueue.empty()) {
-        const Label label = mQueue.front();
-        if (label.distance > mBound)
-            break;
-        std::pop_heap(mQueue.begin(), mQueue.end(), std::greater<>());
-        mQueue.pop_back();
-        Settle(label);
-    }
+        mQueue.Push({.distance = 0, .node = mTerminals[base], .base = base});
+    while (!mQueue.IsEmpty() && mQueue.GetDistance() <= mBound)
+        Settle(mQueue.Pop());
     return mPieceCount == 1;
-}
-
-void RegionSearch::Push(const Label& label)
-{
-    mQueue.push_back(label);
-    std::push_heap(mQueue.begin(), mQueue.end(), std::greater<>());
 }
 
 void RegionSearch::Settle(const Label& label)
@@ -134,7 +154,7 @@ void RegionSearch::Expand(const Label& label)
             continue;
         nearest.queuedBase = label.base;
         nearest.queuedDistance = distance;
-        Push({.distance = distance, .node = arc.target, .base = label.base});
+        mQueue.Push({.distance = distance, .node = arc.target, .base = label.base});
     }
 }
 

@@ -96,15 +96,20 @@ public:
         }
     }
 
-    /// Returns the number of spanning trees. It is its residue, when its logarithm tells that it is
-    /// below the prime; close to it, the residue of a greater number would be small.
+    /// Returns the number of spanning trees. A small one is what its floating-point value is next
+    /// to. Another is its residue, when its logarithm tells that it is below the prime; close to
+    /// it, the residue of a greater number would be small.
     [[nodiscard]] std::uint64_t CountTrees() const
     {
+        // Factors are off by some 2^-50 for each node at most, and nodes are below 2^10.
+        constexpr double kSurelyNext = 30;
         constexpr double kSurelyAbove = 64.01;
         constexpr double kClose = 63.5;
         double logarithm = 0;
         for (const double factor : FindFactors(mValues))
             logarithm += std::log2(factor);
+        if (logarithm < kSurelyNext)
+            return static_cast<std::uint64_t>(std::llround(std::exp2(logarithm)));
         if (logarithm > kSurelyAbove)
             return kSaturatedCount;
         Residue product = 1;

@@ -10,7 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <list>
 #include <optional>
 #include <span>
 #include <vector>
@@ -90,7 +90,7 @@ private:
     FlatNetwork mNetwork;
     BlockBounds mBounds;
     /// The cuts exchanged for the search at hand, if any.
-    std::deque<CutExchange> mExchanges;
+    std::list<CutExchange> mExchanges;
 };
 
 } // namespace qe::graph

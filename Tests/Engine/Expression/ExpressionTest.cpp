@@ -27,7 +27,7 @@ constexpr PrintCase kPrintCases[] = {
     {"[Größe].[名前]='été'", "[Größe].[名前] = 'été'"},
     {"a!=b or c<>d", "a <> b OR c <> d"},
     {"'it''s' || ''||'a]b'", "'it''s' || '' || 'a]b'"},
-    {".5 + 5. + 1.5E-3 - 007", ".5 + 5. + 1.5E-3 - 007"},
+    {".5 + 5. + 1.5E-3 - 2e+4 - 007", ".5 + 5. + 1.5E-3 - 2e+4 - 007"},
     {"a oR b AnD c or d", "a OR b AND c OR d"},
     {"((a or b)) and (c and (d and e)) and (f or g)", "(a OR b) AND c AND d AND e AND (f OR g)"},
     {"(not (a = b)) and not (c and d)", "NOT a = b AND NOT (c AND d)"},

@@ -18,6 +18,7 @@ constexpr MarkupCase kMarkupCases[] = {
     {"<expression><refobj id=\"7\" kind = 'a>b'>[n].[q].[i]</refobj> &gt;= 1</expression>",
      "[n].[q].[i] >= 1"},
     {"<a/>x<b /><c d='e'/>", "x"},
+    {"<_n:a-1.b x:y='z'>x</_n:a-1.b>", "x"},
     // Comparisons, with and without spaces.
     {"[a].[b].[c]<[d].[e].[f]", "[a].[b].[c]<[d].[e].[f]"},
     {"x<y and y>z", "x<y and y>z"},

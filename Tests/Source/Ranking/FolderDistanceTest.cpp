@@ -48,6 +48,9 @@ TEST(FolderDistance, GoesOverTheNearestCommonFolder)
     CountingGateway gateway(model.GetGateway());
     gateway.Replace({.id = model.Id("Sales"), .parent = model.Id("Port")});
     EXPECT_EQ(qe::FolderDistance(model.Id("beside"), &gateway, nullptr), 3) << "a cycle";
+    gateway.Hide(model.Id("Boat"));
+    EXPECT_EQ(qe::FolderDistance(model.Id("shortcut"), &gateway, nullptr), 0)
+        << "an unreadable join";
     gateway.Hide(model.Id("Ship"));
     EXPECT_EQ(qe::FolderDistance(model.Id("half"), &gateway, nullptr), 0);
     EXPECT_EQ(qe::FolderDistance(model.Id("half"), nullptr, nullptr), 0);

@@ -25,7 +25,9 @@ class OssieReader
 {
 public:
     explicit OssieReader(SourceDocument& document)
-        : mProblems(document.problems), mTop(document.Top(), mProblems, ENull::Absent)
+        : mProblems(document.problems),
+          mDocument(document.Top()),
+          mTop(mDocument, mProblems, ENull::Absent)
     {}
 
     DatabaseSchema Read()
@@ -35,18 +37,27 @@ public:
                                        "model, of which the joins could be read");
             return {};
         }
-        const PlacedJson models = mTop.Find("semantic_model", EPresence::Required);
-        if (models.value == nullptr)
-            return {};
-        const std::vector<PlacedJson> list = ReadList(models, mProblems);
-        for (const PlacedJson& model : list)
-            ReadModel(model, list.size() == 1);
-        mTop.RejectMisspeltKeys();
+        if (mTop.Find("datasets").value != nullptr)
+            ReadModel(mDocument, true);
+        else
+            ReadModels();
         WriteNotes();
         return std::move(mSchema);
     }
 
 private:
+    /// Reads the list that held the models before a document was one of them.
+    void ReadModels()
+    {
+        const PlacedJson models = mTop.Find("semantic_model", EPresence::Required);
+        if (models.value == nullptr)
+            return;
+        const std::vector<PlacedJson> list = ReadList(models, mProblems);
+        for (const PlacedJson& model : list)
+            ReadModel(model, list.size() == 1);
+        mTop.RejectMisspeltKeys();
+    }
+
     /// Names hold within one of the models.
     void ReadModel(const PlacedJson& json, bool isOnly)
     {
@@ -117,6 +128,8 @@ private:
         const PlacedJson found = field.Find("expression");
         if (found.value == nullptr)
             return {};
+        if (const std::string* const text = FindText(*found.value))
+            return *text;
         JsonObject expression(found, mProblems, ENull::Absent);
         std::string chosen;
         for (const PlacedJson& json : expression.GetList("dialects")) {
@@ -200,6 +213,7 @@ private:
     }
 
     JsonProblems& mProblems;
+    PlacedJson mDocument;
     JsonObject mTop;
     DatabaseSchema mSchema;
     SubjectIndex mIndex;
@@ -215,6 +229,7 @@ bool IsOssieModel(const SourceDocument& document)
 {
     const nlohmann::json& json = document.json;
     return json.is_object() && (json.contains("semantic_model") ||
+                                (json.contains("datasets") && json.contains("name")) ||
                                 (json.contains("ontology") && json.contains("version")));
 }
 

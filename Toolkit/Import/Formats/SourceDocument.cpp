@@ -116,19 +116,22 @@ bool BeginsTmdl(std::string_view text)
     });
 }
 
-/// Throws an InputError with the first line that holds bytes of another encoding.
-void RequireUtf8(const SourceDocument& document)
+/// Throws an InputError with the first line that holds what no model can hold. The parser of JSON
+/// tells of both by itself.
+void RequirePlainText(const SourceDocument& document)
 {
-    const std::string& text = *document.text;
+    const std::string_view text = *document.text;
+    const auto reject = [&](std::size_t offset, const char* why) {
+        const std::size_t line = PositionCounter(text).MoveTo(offset).line;
+        throw InputError({{document.name + ':' + std::to_string(line), why}});
+    };
     std::size_t offset = 0;
     while (offset < text.size()) {
-        const Utf8Piece piece = ReadUtf8(std::string_view(text).substr(offset));
-        if (!piece.isWellFormed) {
-            const auto end = text.begin() + static_cast<std::ptrdiff_t>(offset);
-            const auto line = 1 + std::count(text.begin(), end, '\n');
-            throw InputError({{document.name + ':' + std::to_string(line),
-                               "is a text in another encoding: holds bytes that are no UTF-8"}});
-        }
+        const Utf8Piece piece = ReadUtf8(text.substr(offset));
+        if (!piece.isWellFormed)
+            reject(offset, "is a text in another encoding: holds bytes that are no UTF-8");
+        if (text[offset] == '\0')
+            reject(offset, "must not hold the character U+0000");
         offset += piece.bytes;
     }
 }
@@ -213,7 +216,7 @@ SourceDocument ReadDocument(std::string name, std::string text, ESyntax syntax)
                             .text = std::make_shared<const std::string>(std::move(text))};
     document.problems = JsonProblems(document.name);
     if (syntax == ESyntax::Yaml || syntax == ESyntax::Tmdl)
-        RequireUtf8(document);
+        RequirePlainText(document);
     if (syntax == ESyntax::Json)
         document.json = ParseJson(*document.text, document.problems);
     if (syntax == ESyntax::Yaml)

@@ -54,8 +54,8 @@ struct SourceDocument
 /// Returns what people call the syntax.
 [[nodiscard]] std::string_view TitleOf(ESyntax syntax);
 
-/// Reads a text. Throws an InputError with its place when it does not follow its syntax or is not
-/// in UTF-8.
+/// Reads a text. Throws an InputError with its place when it does not follow its syntax, is not
+/// in UTF-8 or holds U+0000.
 /// Where YAML does not for its templates, they are left out; it is null where little would remain.
 [[nodiscard]] SourceDocument ReadDocument(std::string name, std::string text, ESyntax syntax);
 

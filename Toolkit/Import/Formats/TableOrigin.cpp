@@ -1,6 +1,7 @@
 #include "Toolkit/Import/Formats/TableOrigin.h"
 
 #include "Toolkit/Import/Formats/MQuery.h"
+#include "Toolkit/Text/DisplayText.h"
 
 #include <nlohmann/json.hpp>
 
@@ -13,12 +14,14 @@ namespace {
 using nlohmann::json;
 
 /// Returns the text of an expression, which may be a list of lines.
-std::string JoinLines(const json& expression)
+std::string JoinLines(const PlacedJson& expression, JsonProblems& problems)
 {
-    std::string text = expression.is_string() ? expression.get<std::string>() : "";
-    for (std::size_t i = 0; expression.is_array() && i < expression.size(); ++i)
-        text += expression[i].is_string() ? expression[i].get<std::string>() + '\n' : "";
-    return text;
+    const auto read = [&problems](const PlacedJson& line) {
+        return line.value->is_string() ? ReadText(line, problems).value_or("") : "";
+    };
+    if (!expression.value->is_array())
+        return read(expression);
+    return JoinTexts(ReadList(expression, problems), read, "\n");
 }
 
 std::optional<QueriedTable> SeeThrough(const PlacedJson& placed, std::string type,
@@ -26,7 +29,8 @@ std::optional<QueriedTable> SeeThrough(const PlacedJson& placed, std::string typ
 {
     const json& source = *placed.value;
     if (!source.is_object())
-        return type.empty() || type == "m" ? SeeThroughM(JoinLines(source)) : std::nullopt;
+        return type.empty() || type == "m" ? SeeThroughM(JoinLines(placed, problems))
+                                           : std::nullopt;
     JsonObject object(placed, problems);
     if (type.empty())
         type = object.GetText("type");
@@ -37,9 +41,9 @@ std::optional<QueriedTable> SeeThrough(const PlacedJson& placed, std::string typ
     }
     const bool isSql = source.contains("query") && (type.empty() || type == "query");
     if (isSql)
-        return SeeThroughSql(JoinLines(source["query"]));
+        return SeeThroughSql(JoinLines(object.Find("query"), problems));
     const bool isM = source.contains("expression") && (type.empty() || type == "m");
-    return isM ? SeeThroughM(JoinLines(source["expression"])) : std::nullopt;
+    return isM ? SeeThroughM(JoinLines(object.Find("expression"), problems)) : std::nullopt;
 }
 
 } // namespace

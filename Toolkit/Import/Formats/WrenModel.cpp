@@ -31,7 +31,7 @@ class WrenReader
 {
 public:
     explicit WrenReader(SourceDocument& document)
-        : mProblems(document.problems), mTop(document.Top(), mProblems)
+        : mProblems(document.problems), mTop(document.Top(), mProblems, ENull::Absent)
     {}
 
     DatabaseSchema Read()
@@ -46,7 +46,7 @@ public:
             ReadRelationship(relationship);
         NameSources();
         for (const PlacedJson& cube : mTop.GetList("cubes"))
-            mLeftOut.Add("cubes", JsonObject(cube, mProblems).GetText("name"));
+            mLeftOut.Add("cubes", JsonObject(cube, mProblems, ENull::Absent).GetText("name"));
         mTop.RejectMisspeltKeys();
         for (std::string& note : mLeftOut.List())
             mSchema.notes.push_back(std::move(note));
@@ -70,7 +70,7 @@ private:
 
     SchemaTable& AddTable(const PlacedJson& json)
     {
-        JsonObject object(json, mProblems);
+        JsonObject object(json, mProblems, ENull::Absent);
         SchemaTable table{.name = object.GetText("name", EPresence::Required)};
         table.description = ReadDescription(object);
         if (!mIndex.Add(table.name, mSchema.tables.size()))
@@ -87,16 +87,16 @@ private:
         const PlacedJson properties = object.Find("properties");
         return properties.value == nullptr
                    ? std::string()
-                   : JsonObject(properties, mProblems).GetText("description");
+                   : JsonObject(properties, mProblems, ENull::Absent).GetText("description");
     }
 
     void ReadModel(const PlacedJson& json)
     {
         SchemaTable& table = AddTable(json);
-        JsonObject object(json, mProblems);
+        JsonObject object(json, mProblems, ENull::Absent);
         if (const PlacedJson reference = object.Find("tableReference");
             reference.value != nullptr) {
-            JsonObject parts(reference, mProblems);
+            JsonObject parts(reference, mProblems, ENull::Absent);
             table.source = {parts.GetText("catalog"), parts.GetText("schema"),
                             parts.GetText("table", EPresence::Required)};
             mIsPhysical.back() = true;
@@ -109,13 +109,13 @@ private:
             ReadKey(key, table);
         for (const PlacedJson& rule : object.GetList("rowLevelAccessControls"))
             mLeftOut.Add("rules of which rows may be seen",
-                         JsonObject(rule, mProblems).GetText("name"));
+                         JsonObject(rule, mProblems, ENull::Absent).GetText("name"));
         object.RejectMisspeltKeys();
     }
 
     void ReadColumn(const PlacedJson& json, SchemaTable& table)
     {
-        JsonObject object(json, mProblems);
+        JsonObject object(json, mProblems, ENull::Absent);
         const std::string name = object.GetText("name", EPresence::Required);
         // What uses a relationship is a way to another model, no column.
         if (object.Find("relationship").value != nullptr)
@@ -165,12 +165,16 @@ private:
 
     void ReadRelationship(const PlacedJson& json)
     {
-        JsonObject object(json, mProblems);
+        JsonObject object(json, mProblems, ENull::Absent);
         SchemaJoin join{.name = object.GetText("name", EPresence::Required)};
         const auto type = object.GetChoice<JoinType>("joinType", {{"ONE_TO_ONE", {false, false}},
+                                                                  {"one_to_one", {false, false}},
                                                                   {"ONE_TO_MANY", {false, true}},
+                                                                  {"one_to_many", {false, true}},
                                                                   {"MANY_TO_ONE", {true, false}},
-                                                                  {"MANY_TO_MANY", {true, true}}});
+                                                                  {"many_to_one", {true, false}},
+                                                                  {"MANY_TO_MANY", {true, true}},
+                                                                  {"many_to_many", {true, true}}});
         if (!type && !mProblems.IsReported(ChildPointer(json.pointer, "joinType")))
             static_cast<void>(object.Find("joinType", EPresence::Required));
         const std::string sql = object.GetText("condition", EPresence::Required);

@@ -348,6 +348,7 @@ private:
 
 ToolModel MakeModel(DatabaseSchema schema, const ImportOptions& options)
 {
+    RequireNoZeros(schema);
     GiveTitles(schema);
     ResolveForeignKeys(schema);
     ResolveStatedJoins(schema);

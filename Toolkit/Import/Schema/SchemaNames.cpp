@@ -2,11 +2,14 @@
 
 #include "Engine/Services/Characters.h"
 #include "Toolkit/Text/DisplayText.h"
+#include "Toolkit/Text/InputFile.h"
 
 #include <cstddef>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace qe::tool {
 
@@ -59,6 +62,53 @@ void Note(DatabaseSchema& schema, const std::string& what, const std::string& ti
     schema.notes.push_back("renamed " + what + ": it is called \"" + title + '"');
 }
 
+bool HoldsZero(const std::string& text)
+{
+    return text.find('\0') != std::string::npos;
+}
+
+void ReplaceZeros(std::string& description, const std::string& name, DatabaseSchema& schema)
+{
+    if (!HoldsZero(description))
+        return;
+    for (std::size_t at = 0; (at = description.find('\0', at)) != std::string::npos;)
+        description.replace(at, 1, "\uFFFD");
+    schema.notes.push_back("the description of " + name + " holds the character U+0000");
+}
+
+/// The names of one schema that hold U+0000.
+class ZeroFinder
+{
+public:
+    void Check(const std::string& name, const char* kind)
+    {
+        if (HoldsZero(name))
+            mFound.push_back({.place = ToDisplayText(name),
+                              .text = std::string("the name of ") + kind +
+                                      " must not hold the character U+0000"});
+    }
+
+    void CheckTable(const SchemaTable& table)
+    {
+        Check(table.name, "a table");
+        Check(table.space, "a schema");
+        for (const std::string& part : table.source)
+            if (part != table.name && part != table.space)
+                Check(part, "a table or schema");
+        for (const SchemaColumn& column : table.columns)
+            Check(column.name, "a column");
+    }
+
+    void ThrowIfAny()
+    {
+        if (!mFound.empty())
+            throw InputError(std::move(mFound));
+    }
+
+private:
+    std::vector<InputProblem> mFound;
+};
+
 void GiveColumnTitles(SchemaTable& table, DatabaseSchema& schema)
 {
     Titles titles;
@@ -71,6 +121,23 @@ void GiveColumnTitles(SchemaTable& table, DatabaseSchema& schema)
 }
 
 } // namespace
+
+void RequireNoZeros(DatabaseSchema& schema)
+{
+    ZeroFinder zeros;
+    zeros.Check(schema.name, "a database");
+    for (SchemaTable& table : schema.tables) {
+        zeros.CheckTable(table);
+        ReplaceZeros(table.description, table.name, schema);
+        for (SchemaColumn& column : table.columns)
+            ReplaceZeros(column.description, table.name + '.' + column.name, schema);
+    }
+    for (SchemaJoin& join : schema.joins) {
+        zeros.Check(join.name, "a join");
+        ReplaceZeros(join.description, join.name, schema);
+    }
+    zeros.ThrowIfAny();
+}
 
 void GiveTitles(DatabaseSchema& schema)
 {

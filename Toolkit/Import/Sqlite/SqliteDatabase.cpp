@@ -1,5 +1,7 @@
 #include "Toolkit/Import/Sqlite/SqliteDatabase.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <new>
 #include <sqlite3.h>
 
@@ -91,6 +93,25 @@ SqliteDatabase SqliteDatabase::OpenUnchangingFile(const std::filesystem::path& p
 SqliteDatabase SqliteDatabase::OpenMemory()
 {
     return SqliteDatabase(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+}
+
+SqliteDatabase SqliteDatabase::OpenBytes(std::string_view bytes)
+{
+    SqliteDatabase database = OpenMemory();
+    auto* const copy = static_cast<unsigned char*>(sqlite3_malloc64(bytes.size()));
+    if (copy == nullptr)
+        throw std::bad_alloc();
+    std::copy(bytes.begin(), bytes.end(), copy);
+    // In WAL mode, which these bytes of the header tell, it would look for files beside it.
+    constexpr std::size_t kWriteVersion = 18;
+    constexpr std::size_t kReadVersion = 19;
+    if (bytes.size() > kReadVersion)
+        copy[kWriteVersion] = copy[kReadVersion] = 1;
+    const auto size = static_cast<sqlite3_int64>(bytes.size());
+    constexpr unsigned kFlags = SQLITE_DESERIALIZE_FREEONCLOSE | SQLITE_DESERIALIZE_READONLY;
+    if (sqlite3_deserialize(database.GetHandle(), "main", copy, size, size, kFlags) != SQLITE_OK)
+        Fail(database.GetHandle());
+    return database;
 }
 
 std::size_t SqliteDatabase::ExecuteFirst(const std::string& script, std::size_t offset)

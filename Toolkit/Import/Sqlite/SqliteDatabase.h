@@ -49,6 +49,8 @@ public:
     [[nodiscard]] static SqliteDatabase OpenFile(const std::filesystem::path& path);
     /// Opens a file that nothing changes meanwhile, which takes no files beside it.
     [[nodiscard]] static SqliteDatabase OpenUnchangingFile(const std::filesystem::path& path);
+    /// Opens a copy of what a database file holds, only to read it.
+    [[nodiscard]] static SqliteDatabase OpenBytes(std::string_view bytes);
     /// Returns an empty database in memory.
     [[nodiscard]] static SqliteDatabase OpenMemory();
 

@@ -90,6 +90,9 @@ private:
         try {
             ReadColumns(table, database);
         } catch (const SqliteError& error) {
+            // Only declarations can be wrong for one table; all else is wrong with the file.
+            if (error.GetCode() != SQLITE_ERROR)
+                throw;
             mSchema.notes.push_back("left out what cannot be read (" + std::string(error.what()) +
                                     "): " + name);
             return;
@@ -200,19 +203,36 @@ DatabaseSchema ReadSqliteSchema(std::span<const SqliteDatabase> databases,
     return SchemaReader(databases).Read(observer);
 }
 
-DatabaseSchema ReadSqliteFile(const std::filesystem::path& path, const ProgressObserver& observer)
+namespace {
+
+/// Returns the schema that `read` returns, called after the file; a fault is one of the file.
+template <typename Read>
+DatabaseSchema NameSchema(const std::filesystem::path& path, const Read& read)
 {
-    std::error_code failure;
-    if (std::filesystem::is_directory(path, failure))
-        throw InputError({{path.string(), "is a folder, not a database"}});
     try {
-        DatabaseSchema schema = ReadFile(path, observer);
+        DatabaseSchema schema = read();
         schema.name = path.stem().string();
         return schema;
     } catch (const SqliteError& error) {
         throw InputError(
             {{path.string(), "cannot read the database: " + std::string(error.what())}});
     }
+}
+
+} // namespace
+
+DatabaseSchema ReadSqliteFile(const std::filesystem::path& path, const ProgressObserver& observer)
+{
+    std::error_code failure;
+    if (std::filesystem::is_directory(path, failure))
+        throw InputError({{path.string(), "is a folder, not a database"}});
+    return NameSchema(path, [&] { return ReadFile(path, observer); });
+}
+
+DatabaseSchema ReadSqliteBytes(std::string_view bytes, const std::filesystem::path& path,
+                               const ProgressObserver& observer)
+{
+    return NameSchema(path, [&] { return ReadOpened(SqliteDatabase::OpenBytes(bytes), observer); });
 }
 
 } // namespace qe::tool

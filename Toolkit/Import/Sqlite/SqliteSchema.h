@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <span>
+#include <string_view>
 
 namespace qe::tool {
 
@@ -21,6 +22,11 @@ class SqliteDatabase;
 /// cannot be read as one.
 [[nodiscard]] DatabaseSchema ReadSqliteFile(const std::filesystem::path& path,
                                             const ProgressObserver& observer = {});
+
+/// Returns the same of the bytes of such a file, as if they lay at the path.
+[[nodiscard]] DatabaseSchema ReadSqliteBytes(std::string_view bytes,
+                                             const std::filesystem::path& path,
+                                             const ProgressObserver& observer = {});
 
 } // namespace qe::tool
 

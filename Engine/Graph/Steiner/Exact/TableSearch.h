@@ -59,10 +59,9 @@ public:
         return {mWeights.data() + std::size_t{node.value} * mSetLimit, mSetLimit};
     }
 
+private:
     /// Returns whether the node is the root or a terminal outside the set.
     [[nodiscard]] bool IsEnd(NodeIndex node, Set set) const { return (mBits[node] & ~set) != 0; }
-
-private:
     [[nodiscard]] std::span<std::uint64_t> GetWeights(NodeIndex node)
     {
         return {mWeights.data() + std::size_t{node.value} * mSetLimit, mSetLimit};

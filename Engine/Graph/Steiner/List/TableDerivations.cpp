@@ -29,9 +29,9 @@ std::uint64_t TableDerivations::FindSteps(LabelIndex label)
     const TableSearch::Set set = GetSet(label);
     const std::uint64_t weight = mSearch.GetWeights(node)[set];
     const auto arcs = mSearch.GetNetwork().GetArcs(node);
+    // No step leads to an end: what weighs more than the set at an end is not in the table.
     for (const FlatNetwork::Arc& arc : arcs) {
-        if (!mSearch.IsEnd(arc.target, set) &&
-            mSearch.GetWeights(arc.target)[set] + arc.weight == weight)
+        if (mSearch.GetWeights(arc.target)[set] + arc.weight == weight)
             AddStep({.edge = arc.half.Edge(), .label = GetLabel(arc.target, set)});
     }
     return arcs.size();

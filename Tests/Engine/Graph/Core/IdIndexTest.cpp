@@ -38,7 +38,7 @@ TEST(IdIndex, NumbersIdsInTheOrderOfTheirArrival)
             ASSERT_EQ(index.GetCount(), expected.size());
             for (const auto& [id, slot] : expected)
                 ASSERT_EQ(index.FindSlot(id), slot);
-            ASSERT_FALSE(index.FindSlot({5, 0, 0}));
+            ASSERT_EQ(index.FindSlot({5, 0, 0}), kNoIndex);
         }
         std::uint32_t place = 0;
         for (const auto& [id, slot] : expected) {

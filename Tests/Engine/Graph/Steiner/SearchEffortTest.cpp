@@ -39,15 +39,16 @@ struct Drawing
     std::uint32_t heaviest;
 };
 
-/// What is known of its cheapest trees, what the search for them may take, and what one that is
-/// cut short has to find and to prove.
+/// What is known of its cheapest trees, what the search for them takes, what one that is cut short
+/// has to find and to prove, and what those take together that are cut short at all its stages.
 struct Search
 {
     std::uint64_t weight;
     std::uint64_t count;
-    std::uint64_t mostSteps;
+    std::uint64_t steps;
     std::uint64_t hastyWeight;
     std::uint64_t hastyBound;
+    std::uint64_t cutSteps;
 };
 
 struct Row
@@ -115,8 +116,11 @@ private:
     /// Draws edges to the nodes from `first` on.
     void DrawEdges(std::uint32_t first, std::uint32_t count)
     {
-        while (mGraph.edges.size() < mDrawing.edges)
-            Add(Below(mDrawing.nodes), first + Below(count));
+        while (mGraph.edges.size() < mDrawing.edges) {
+            // Compilers differ in which argument they draw first.
+            const std::uint32_t end2 = first + Below(count);
+            Add(Below(mDrawing.nodes), end2);
+        }
     }
 
     void DrawHubs()
@@ -165,9 +169,9 @@ private:
 class SearchEffort : public testing::TestWithParam<Row>
 {};
 
-// A reduction or bound that is lost changes no answer: it shows in the steps, which may be a
-// twentieth more than they were when the limits were noted, and fewer at any time.
-TEST_P(SearchEffort, StaysWithinWhatItWas)
+// A reduction or bound that is lost changes no answer: it shows in the steps. They are the same on
+// every machine; a change that is meant to save some is noted here.
+TEST_P(SearchEffort, IsWhatItWas)
 {
     const auto& [name, drawing, known] = GetParam();
     const SteinerGraph graph = GraphDraw(drawing).Draw();
@@ -175,8 +179,7 @@ TEST_P(SearchEffort, StaysWithinWhatItWas)
     EXPECT_EQ(result.proof, EProof::Optimal);
     EXPECT_EQ(result.weight, known.weight);
     EXPECT_EQ(result.count, known.count);
-    EXPECT_LE(result.steps, known.mostSteps);
-    EXPECT_GE(result.steps, known.mostSteps / 10) << "or the limit says nothing any more";
+    EXPECT_EQ(result.steps, known.steps);
 }
 
 TEST_P(SearchEffort, IsNotWastedWhenItIsCutShort)
@@ -191,29 +194,62 @@ TEST_P(SearchEffort, IsNotWastedWhenItIsCutShort)
     EXPECT_GE(result.weight, known.weight);
 }
 
+TEST_P(SearchEffort, CanBeCutShortAtAnyStage)
+{
+    const auto& [name, drawing, known] = GetParam();
+    const SteinerGraph graph = GraphDraw(drawing).Draw();
+    std::uint64_t steps = 0;
+    for (std::uint64_t effort = 500; effort < known.steps; effort += effort / 2) {
+        const SteinerResult result =
+            FindCheapestTrees(graph.View(), graph.terminals, {.effort = effort});
+        EXPECT_LE(result.lowerBound, known.weight);
+        EXPECT_GE(result.weight, known.weight);
+        EXPECT_EQ(result.proof == EProof::Optimal, result.lowerBound == result.weight);
+        EXPECT_FALSE(result.trees.empty());
+        steps += result.steps;
+    }
+    EXPECT_EQ(steps, known.cutSteps);
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Drawn, SearchEffort,
     testing::Values(
-        Row{"SparseFewTerminals", {EShape::Random, 400, 800, 8, 1, 10}, {79, 1, 14'200, 79, 59}},
+        Row{"SparseFewTerminals",
+            {EShape::Random, 400, 800, 8, 1, 10},
+            {79, 1, 13'431, 79, 59, 58'150}},
         Row{"SparseManyTerminals",
             {EShape::Random, 400, 800, 60, 1, 10},
-            {368, 68, 7'560'000, 371, 307}},
+            {368, 68, 2'247'908, 371, 307, 5'012'713}},
         Row{"SparseMostTerminals",
             {EShape::Random, 300, 650, 90, 1, 100},
-            {4116, 2, 1'660'000, 4163, 3507}},
+            {4116, 2, 558'934, 4163, 3507, 1'504'020}},
         Row{"DenseFewTerminals",
             {EShape::Random, 100, 1200, 12, 1, 100},
-            {136, 1, 16'100, 136, 100}},
-        Row{"DenseUnit", {EShape::Random, 80, 400, 15, 1, 1}, {17, 8058, 8'210'000, 19, 17}},
-        Row{"SparseUnit", {EShape::Random, 150, 300, 16, 1, 1}, {26, 335, 785'000, 26, 5}},
-        Row{"Large", {EShape::Random, 1500, 3000, 30, 1, 100}, {2399, 1, 3'090'000, 2539, 68}},
-        Row{"Grid", {EShape::Grid, 400, 20, 24, 5, 9}, {490, 32, 1'610'000, 508, 265}},
-        Row{"GridUnit", {EShape::Grid, 196, 14, 16, 1, 1}, {47, 288, 89'400, 49, 44}},
-        Row{"GridWide", {EShape::Grid, 900, 30, 26, 90, 110}, {11581, 1, 1'800'000, 12289, 2398}},
-        Row{"Plane", {EShape::Plane, 400, 130, 40, 0, 0}, {4979, 597196800, 2'740'000, 5167, 41}},
-        Row{"PlaneDense", {EShape::Plane, 80, 600, 30, 0, 0}, {4354, 32, 38'100, 4360, 1111}},
-        Row{"Hubs", {EShape::Hubs, 120, 300, 20, 1, 3}, {35, 12, 2'190'000, 38, 28}},
-        Row{"HubsManyTerminals", {EShape::Hubs, 96, 400, 40, 10, 30}, {606, 4, 8'300, 607, 602}}),
+            {136, 1, 15'248, 136, 100, 70'995}},
+        Row{"DenseUnit",
+            {EShape::Random, 80, 400, 15, 1, 1},
+            {17, 8058, 4'407'451, 19, 17, 10'777'181}},
+        Row{"SparseUnit",
+            {EShape::Random, 150, 300, 16, 1, 1},
+            {26, 335, 353'587, 26, 5, 1'182'414}},
+        Row{"Large",
+            {EShape::Random, 1500, 3000, 30, 1, 100},
+            {2399, 1, 1'550'889, 2539, 68, 3'451'882}},
+        Row{"Grid", {EShape::Grid, 400, 20, 24, 5, 9}, {490, 32, 1'047'926, 508, 265, 2'249'709}},
+        Row{"GridUnit", {EShape::Grid, 196, 14, 16, 1, 1}, {47, 288, 62'455, 49, 44, 141'749}},
+        Row{"GridWide",
+            {EShape::Grid, 900, 30, 26, 90, 110},
+            {11581, 1, 1'638'627, 12289, 2398, 3'434'464}},
+        Row{"Plane",
+            {EShape::Plane, 400, 130, 40, 0, 0},
+            {4979, 597196800, 2'299'135, 5167, 41, 5'114'313}},
+        Row{"PlaneDense",
+            {EShape::Plane, 80, 600, 30, 0, 0},
+            {4354, 32, 36'221, 4360, 1111, 132'490}},
+        Row{"Hubs", {EShape::Hubs, 120, 300, 20, 1, 3}, {35, 12, 600'895, 38, 28, 1'465'495}},
+        Row{"HubsManyTerminals",
+            {EShape::Hubs, 96, 400, 40, 10, 30},
+            {606, 4, 7'905, 607, 602, 24'720}}),
     [](const auto& row) { return std::string(row.param.name); });
 
 /// What it takes to list and count the trees of a graph that is hardly searched.

@@ -293,6 +293,24 @@ TEST(SteinerLimits, AreFarFromReachedByCompleteGraphsOfEqualEdges)
     }
 }
 
+// What one tree leaves out was not asked for, so that no limit has kept it back.
+TEST(SteinerLimits, KeepNothingFromWhoWantsOneTree)
+{
+    for (const std::uint32_t nodes : {13U, 16U}) {
+        const SteinerGraph graph = MakeCompleteGraph(nodes, 13);
+        for (const std::size_t maximumTrees : {0U, 1U, 5U}) {
+            const SteinerResult result =
+                FindCheapestTrees(graph.View(), graph.terminals,
+                                  {.answer = EAnswer::OneTree, .maximumTrees = maximumTrees});
+            EXPECT_EQ(result.weight, 17U * 12);
+            EXPECT_EQ(result.trees.size(), 1U);
+            EXPECT_EQ(result.count, 1U);
+            EXPECT_EQ(result.countProof, ECount::AtLeast);
+            EXPECT_EQ(result.limit, ELimit::None);
+        }
+    }
+}
+
 // A proven search whose derivations do not fit lists the trees that it lists when they do.
 TEST(SteinerLimits, ListTheSameTreesWhetherTheyCanBeCountedOrNot)
 {
