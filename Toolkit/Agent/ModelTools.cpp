@@ -195,6 +195,7 @@ std::vector<std::string> DescribeDecisions(const ToolModel& model)
 {
     const auto nameJoins = [&model](const std::vector<amd_id>& joins) {
         std::vector<std::string> names;
+        names.reserve(joins.size());
         for (const amd_id& join : joins)
             names.push_back(JoinName(*model.model, join));
         return names;
