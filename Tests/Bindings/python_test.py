@@ -6,8 +6,11 @@ Usage: python_test.py QEREFINE DATA_FOLDER [--all] [unittest argument...]
 Without --all, one in ten of the published schemas is asked.
 """
 import collections
+import contextlib
+import io
 import json
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -29,6 +32,13 @@ CREATE TABLE sale (customer_id INT NOT NULL REFERENCES customer,
                    payer_id INT REFERENCES customer);
 CREATE TABLE island (id INTEGER PRIMARY KEY);
 """
+ORDERS = """
+CREATE TABLE region (id INTEGER PRIMARY KEY);
+CREATE TABLE customer (id INTEGER PRIMARY KEY, region_id INT REFERENCES region);
+CREATE TABLE orders (customer_id INT REFERENCES customer, ship_id INT REFERENCES region);
+"""
+LOG = json.dumps({"subjects": ["orders", "customer"],
+                  "joins": [["orders.customer_id", "customer.id"]]})
 TYPED = """
 import qerefine
 
@@ -43,6 +53,20 @@ sql: str = answer.sql(dialect="duckdb", select=True)
 def run_tool(*arguments):
     return subprocess.run([TOOL, *map(str, arguments)], check=False, capture_output=True,
                           timeout=600, encoding="utf-8").stdout
+
+
+class Documents(unittest.TestCase):
+    def test_examples_run(self):
+        with tempfile.TemporaryDirectory() as folder, contextlib.chdir(folder), \
+                contextlib.redirect_stdout(io.StringIO()) as printed:
+            subprocess.run(["sqlite3", "shop.sqlite"], input=ORDERS, check=True, encoding="utf-8")
+            pathlib.Path("log.jsonl").write_text(LOG, encoding="utf-8")
+            for name in ("README.md", "Documentation/python.md"):
+                blocks = re.findall(r"```python\n(.*?)```", (ROOT / name).read_text("utf-8"), re.S)
+                self.assertTrue(blocks, name)
+                for block in blocks:
+                    exec(compile(block, name, "exec"), {"qerefine": qerefine})
+            self.assertIn("JOIN region", printed.getvalue())
 
 
 class Answers(unittest.TestCase):

@@ -45,11 +45,11 @@ TEST(AskTest, NamesMatchHoweverTheyAreWrittenAndWrongOnesAreAllTold)
     }
     question = Connect({"Order", "Nothing like it"});
     question.favouredJoins = {"rs", "Orders-Region"};
-    question.avoidedJoins = {"oc"};
+    question.secondSet = {"Orders"};
     const std::string problems = ProblemsOf(model, question);
     for (const char* part :
          {"subjects", "\"Order\" (did you mean Orders?)", "\"Nothing like it\"", "favoured joins",
-          "\"rs\"", "\"Orders-Region\"", "avoided joins: The operation has no use for this list"})
+          "\"rs\"", "\"Orders-Region\"", "second set: The operation has no use for this list"})
         EXPECT_THAT(problems, HasSubstr(part));
 
     qe::model::ModelBuilder builder;
@@ -170,6 +170,25 @@ TEST(AskTest, OtherOperationsAnswerToo)
     question.subjects = {"Returns"};
     question.avoidedJoins = {"rc"};
     EXPECT_FALSE(Ask(model, question).connected);
+}
+
+TEST(AskTest, PathsPassAvoidedJoinsOnlyWhereNothingElseLeads)
+{
+    const ToolModel model = MakeModel(kShop);
+    const struct
+    {
+        std::vector<std::string> subjects;
+        std::vector<std::string> avoided;
+        const char* path;
+    } rows[] = {{{"Orders", "Region"}, {"sr"}, "oc cr"},
+                {{"Orders", "Region"}, {"cr"}, "os sr"},
+                {{"Returns", "Region"}, {"rc", "os"}, "rc cr"}};
+    for (const auto& [subjects, avoided, path] : rows) {
+        Question question = Connect(subjects);
+        question.avoidedJoins = avoided;
+        const Answer answer = Ask(model, question);
+        EXPECT_EQ(NamesOf(answer, answer.path), path);
+    }
 }
 
 TEST(AskTest, NoticesReachTheThreadThatAsked)

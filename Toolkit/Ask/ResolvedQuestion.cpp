@@ -31,7 +31,10 @@ struct ListUse
 };
 
 constexpr ListUse kListUses[] = {
-    {.operation = EOperation::Path, .joinPreferences = true, .favouredSubjects = true},
+    {.operation = EOperation::Path,
+     .joinPreferences = true,
+     .avoidedJoins = true,
+     .favouredSubjects = true},
     {.operation = EOperation::BestPaths,
      .joinPreferences = true,
      .avoidedJoins = true,

@@ -192,7 +192,7 @@ void AddPathCommand(const CommandLine& line)
         question.operation = EOperation::Path;
         AddModel(command, options.asked);
         AddSubjects(command, question, ESubjects::Required);
-        AddLists(command, question, EQuestionLists::Preferences);
+        AddLists(command, question, EQuestionLists::Avoidance);
         AddFavouredSubjects(command, question);
         AddRanking(command, question);
         AddSelector(command, question);
