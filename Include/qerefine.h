@@ -48,8 +48,8 @@ typedef enum qe_status
     QE_UNKNOWN_NAME = 4,
     /** The model has several objects of a name; the suggestions tell them apart. */
     QE_AMBIGUOUS_NAME = 5,
-    /** The answer has no such form: SQL that the dialect cannot express, or a picture that cannot
-     * be drawn. */
+    /** The answer has no such form: SQL that the dialect cannot express, that of joined subjects
+     * without their joins, or a picture that cannot be drawn. */
     QE_NO_SUCH_FORM = 6,
     /** The refiner refuses the question, such as for a governor. */
     QE_REFUSED = 7,

@@ -5,6 +5,7 @@
 #include "Toolkit/Answers/RiskText.h"
 #include "Toolkit/Draw/PictureFormat.h"
 #include "Toolkit/Page/Page.h"
+#include "Toolkit/Text/InputFile.h"
 #include "Toolkit/Text/JsonText.h"
 
 #include <array>
@@ -58,6 +59,13 @@ constexpr std::array kFormats{
 std::span<const Format> GetFormats()
 {
     return kFormats;
+}
+
+void RequireForm(const Question& question, const Format& format)
+{
+    if (question.operation == EOperation::JoinedSubjects && format.name == "sql")
+        throw InputError(
+            {InputProblem{"", "There is no SQL of subjects without their joins: ask for a path"}});
 }
 
 const Format* FindFormat(std::string_view name)

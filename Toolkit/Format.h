@@ -29,6 +29,9 @@ struct Format
 /// Returns the format of that name, or null.
 [[nodiscard]] const Format* FindFormat(std::string_view name);
 
+/// Throws an InputError when answers to the question have no such form.
+void RequireForm(const Question& question, const Format& format);
+
 } // namespace qe::tool
 
 #endif

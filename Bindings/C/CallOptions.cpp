@@ -88,7 +88,7 @@ void ReadSettings(JsonObject& object, JsonProblems& problems, std::vector<Settin
     for (const auto& [name, value] : object.GetMembers("settings")) {
         const auto number = ReadNumber(value, problems);
         try {
-            CheckSettingName(value.pointer, name);
+            CheckSettingName({}, name);
         } catch (const InputError& mistakes) {
             AddMistakes(mistakes, value.pointer, problems);
             continue;

@@ -42,6 +42,7 @@ const Format& FindForm(std::string_view name)
 std::string WriteAnswer(const qe_answer& asked, const Format& form, const char* json)
 {
     WriteOptions options = ReadWriteOptions(json);
+    RequireForm(asked.question, form);
     const ToolModel& model = asked.opened->GetAsked();
     if (!options.start.empty())
         options.format.sql.start =

@@ -30,6 +30,7 @@ import distributed
 
 PLUGIN = "qerefine-model"
 LINES_OF_PARTITION = 10_000
+SUFFIXES = {"answer": ".jsonl", "evaluate": ".json"}
 
 
 @dataclasses.dataclass(frozen=True)
@@ -117,7 +118,7 @@ def answer(partition, results, defaults):
         answers = model.batch(requests, defaults=defaults)
     for each in answers:
         each["line"] += partition.first
-    write_whole(pathlib.Path(results, partition.name + ".jsonl"), "".join(map(to_line, answers)))
+    write_whole(pathlib.Path(results, partition.name + SUFFIXES["answer"]), "".join(map(to_line, answers)))
     return {"requests": len(answers), "failures": sum(bool(each["error"]) for each in answers)}
 
 
@@ -128,7 +129,7 @@ def evaluate(partition, results, defaults):
         evaluation = model.evaluate(requests, defaults=defaults)
     for each in evaluation["differences"]:
         each["line"] += partition.first
-    write_whole(pathlib.Path(results, partition.name + ".json"), to_line(evaluation))
+    write_whole(pathlib.Path(results, partition.name + SUFFIXES["evaluate"]), to_line(evaluation))
     return {key: value for key, value in evaluation.items() if key != "differences"}
 
 
@@ -154,15 +155,32 @@ def sum_up(evaluations):
     return total
 
 
+def remove_others(results, suffix, partitions):
+    """Removes what an earlier run with more partitions left."""
+    names = {partition.name + suffix for partition in partitions}
+    for path in results.glob("part-*" + suffix):
+        if path.name not in names:
+            path.unlink()
+
+
 def run(client, work, options):
     """Yields what the work returns for each partition, as it is done."""
+    partitions = list(cut(options.log, options.partition))
+    remove_others(options.results, SUFFIXES[work.__name__], partitions)
     client.register_worker_plugin(OpenModel(str(options.model)), name=PLUGIN)
     futures = [client.submit(work, partition, str(options.results), options.defaults, pure=False,
                              retries=2, key=f"{work.__name__}-{partition.name}")
-               for partition in cut(options.log, options.partition)]
+               for partition in partitions]
     for future, result in distributed.as_completed(futures, with_results=True):
         yield result
         future.release()
+
+
+def to_positive(text):
+    number = int(text)
+    if number < 1:
+        raise argparse.ArgumentTypeError("must be at least 1")
+    return number
 
 
 def read_options(arguments):
@@ -173,10 +191,14 @@ def read_options(arguments):
         parser.add_argument(name, type=lambda text: pathlib.Path(text).absolute())
     cluster = parser.add_mutually_exclusive_group()
     cluster.add_argument("--scheduler", metavar="ADDRESS")
-    cluster.add_argument("--workers", type=int, default=2, metavar="N")
-    parser.add_argument("--partition", type=int, default=LINES_OF_PARTITION, metavar="LINES")
+    cluster.add_argument("--workers", type=to_positive, default=2, metavar="N")
+    parser.add_argument("--partition", type=to_positive, default=LINES_OF_PARTITION,
+                        metavar="LINES")
     parser.add_argument("--defaults", type=json.loads, metavar="JSON")
-    return parser.parse_args(arguments)
+    options = parser.parse_args(arguments)
+    if not options.log.exists():
+        parser.error(f"{options.log}: there is no such file")
+    return options
 
 
 def connect(options):

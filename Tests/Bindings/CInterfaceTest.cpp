@@ -83,6 +83,8 @@ TEST_F(CInterface, ReportsAreTheToolsBytes)
         return Call([&](auto... out) { return qe_model_facts(model, request, out...); }).text;
     };
     EXPECT_EQ(facts(nullptr), Print({"facts", "--format", "json"}));
+    EXPECT_EQ(facts(R"({"operation": "best", "subjects": ["sales", "category"]})"),
+              Print({"facts", "sales", "category", "--format", "json"}));
     EXPECT_EQ(facts(kReport), Print({"facts", "returns", "store", "category", "--format", "json"}));
     EXPECT_EQ(Call([&](auto... out) { return qe_model_describe(model, out...); }).text,
               Print({"import"}));
@@ -143,6 +145,8 @@ TEST_F(CInterface, ErrorsTellKindPlaceAndSuggestions)
         {kReport, R"({"start": "country"})", QE_NO_SUCH_FORM, "options#/start", ""},
         {kReport, R"({"start": "stroe"})", QE_UNKNOWN_NAME, "options#/start", "store"},
         {kReport, "[]", QE_WRONG_USE, "options#", ""},
+        {R"({"operation": "subjects", "subjects": ["sales", "store"]})", nullptr, QE_NO_SUCH_FORM,
+         "", ""},
     };
     for (const Case& each : cases) {
         qe_answer* answer = nullptr;
@@ -231,8 +235,9 @@ TEST_F(CInterface, WhatCannotBeOpenedIsToldWithItsPlace)
     const CallResult broken = open("{\n \"subjects\": 7}", nullptr);
     EXPECT_EQ(broken.status, QE_UNREADABLE);
     EXPECT_EQ(broken.place, "m.json#/subjects");
-    EXPECT_EQ(open("{}", R"({"settings": {"General Options/NewAlg": 1}})").suggestion,
-              "General Options/NewAlgo");
+    const CallResult setting = open("{}", R"({"settings": {"General Options/NewAlg": 1}})");
+    EXPECT_EQ(setting.place, "options#/settings/General Options~1NewAlg");
+    EXPECT_EQ(setting.suggestion, "General Options/NewAlgo");
     EXPECT_EQ(open("{}", R"({"tables": ["x"]})").status, QE_WRONG_USE);
     EXPECT_EQ(open("", nullptr).status, QE_UNREADABLE);
     EXPECT_EQ(Open("/no/such/file"), nullptr);

@@ -7,9 +7,11 @@ Without --all, one in ten of the published schemas is asked.
 """
 import collections
 import contextlib
+import copy
 import io
 import json
 import pathlib
+import pickle
 import re
 import shutil
 import subprocess
@@ -37,6 +39,11 @@ CREATE TABLE region (id INTEGER PRIMARY KEY);
 CREATE TABLE customer (id INTEGER PRIMARY KEY, region_id INT REFERENCES region);
 CREATE TABLE orders (customer_id INT REFERENCES customer, ship_id INT REFERENCES region);
 """
+TWINS = json.dumps({"subjects": ["a", "[x]"], "namespaces": [
+    {"name": space, "subjects": ["a", "b.c"], "relationships": [{
+        "name": "j", "left": f"{space}.{left}", "leftCardinality": "0..n",
+        "right": f"{space}.{right}", "rightCardinality": "1..1"}]}
+    for space, left, right in [("n", "a", "[b.c]"), ("m", "[b.c]", "a")]]})
 LOG = json.dumps({"subjects": ["orders", "customer"],
                   "joins": [["orders.customer_id", "customer.id"]]})
 TYPED = """
@@ -118,8 +125,15 @@ class Answers(unittest.TestCase):
         with self.assertRaises(qerefine.ModelError) as broken:
             qerefine.Model.from_bytes('{\n "subjects": 7}', "m.json")
         self.assertEqual(broken.exception.mistakes[0].place, "m.json#/subjects")
-        with self.assertRaises(qerefine.ModelError):
-            qerefine.Model("/no/such/file")
+        for fail in [lambda: qerefine.Model("/no/such/file"),
+                     lambda: model.batch("/no/such/file"),
+                     lambda: qerefine.Model.from_bytes(SHOP, history="/no/such/file"),
+                     lambda: model.evaluate([], history=pathlib.Path("/no/such/file"))]:
+            with self.assertRaises(qerefine.ModelError) as missing:
+                fail()
+            self.assertEqual(missing.exception.mistakes[0].place, "/no/such/file")
+        for fail in [lambda: model.ask("sale"), lambda: model.batch({"subjects": ["sale"]})]:
+            self.assertRaisesRegex(TypeError, "a request is a dictionary", fail)
 
     def test_are_shown_in_notebooks(self):
         page = self.model.path(*REPORT)._repr_html_()
@@ -137,6 +151,17 @@ class Answers(unittest.TestCase):
                 self.assertRaises(ImportError, convert)
                 continue
             self.assertEqual(len(convert().edges if name == "networkx" else convert()), 5)
+            if name == "networkx":
+                graph = qerefine.Model.from_bytes(TWINS).to_networkx()
+                self.assertEqual(set(map(frozenset, graph.edges)),
+                                 {frozenset([f"{space}.a", f"{space}.[b.c]", "j"]) for space in "nm"})
+                self.assertEqual(set(graph), {"n.a", "n.[b.c]", "m.[b.c]", "m.a", "[x]", "a"})
+
+    def test_stay_in_their_process(self):
+        answer = self.model.path(*REPORT)
+        for held in (self.model, answer):
+            self.assertIs(copy.deepcopy(held), held)
+            self.assertRaisesRegex(TypeError, "process", pickle.dumps, held)
 
     def test_hold_the_published_schema(self):
         self.assertEqual(qerefine.schema("answer"), json.loads(

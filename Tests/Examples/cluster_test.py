@@ -63,6 +63,7 @@ class Cluster(unittest.TestCase):
                             encoding="utf-8")
         options = self.options("answer", self.log, "--partition", "100")
         self.results.mkdir()
+        (self.results / "part-00031.jsonl").write_text("of an earlier run", encoding="utf-8")
         with distributed.LocalCluster(n_workers=2, threads_per_worker=1, processes=True,
                                       dashboard_address=None) as cluster, distributed.Client(cluster) as client:
             first = dict(client.run(os.getpid))

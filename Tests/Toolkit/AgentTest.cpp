@@ -225,6 +225,11 @@ TEST_F(AgentTest, WhatCannotBeAnsweredGetsTheCodeOfItsFault)
     EXPECT_THAT(Say({AskTool(5, "join_paths", {})})[0]["error"]["message"],
                 HasSubstr("did you mean join_path"));
     EXPECT_THAT(Say({other.dump()})[0]["error"]["data"]["supported"], Contains(kNewest));
+    EXPECT_EQ(Say({Ask(5, std::string("a\0b", 3))})[0]["error"]["message"],
+              R"(There is no method "a\x00b")");
+    other["params"]["_meta"]["io.modelcontextprotocol/protocolVersion"] = 7;
+    EXPECT_EQ(Say({other.dump()})[0]["error"]["message"],
+              "/params/_meta/io.modelcontextprotocol~1protocolVersion: must be a string");
 }
 
 TEST_F(AgentTest, NotificationsAndResponsesGetNoAnswer)

@@ -58,10 +58,12 @@ TEST(AskTest, NamesMatchHoweverTheyAreWrittenAndWrongOnesAreAllTold)
         const amd_id a = builder.AddQuerySubject(space, "A");
         builder.AddRelationship(space, "j", {a}, {builder.AddQuerySubject(space, "B")});
     }
+    builder.AddQuerySubject(amd_id(), "B");
     const ToolModel twins{builder.Build()};
     EXPECT_THAT(ProblemsOf(twins, Connect({"A", "B"})), HasSubstr("North.A or South.A"));
     const Answer answer = Ask(twins, Connect({"North.a", "north.B"}));
     EXPECT_EQ(answer.NameOf(answer.terminals.front()), "North.A");
+    EXPECT_EQ(answer.NameOf(answer.terminals.back()), "North.B") << "B alone is another one";
 }
 
 struct ChoiceCase

@@ -159,6 +159,8 @@ TEST(QuestionReader, ReportsEveryMistake)
         {"[]", "must be an object, not a list"},
         {"{}", "/subjects: must name at least one subject"},
         {R"({"subjects": []})", "/subjects: must name at least one subject"},
+        {R"({"operation": "between", "subjects": ["a"]})",
+         "/secondSet: must name at least one subject"},
         {R"({"subjects": ["a", 1]})", "/subjects/1: must be a string, not a number"},
         {R"({"subjects": ["a"], "subjects": ["b"]})",
          "/subjects: key is given twice: \"subjects\""},

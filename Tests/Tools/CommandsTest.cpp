@@ -84,6 +84,7 @@ TEST_F(CommandsTest, ExitCodesShowHowItEnded)
         {{"path", "@", "orders", "region", "--cross-product", "7"}, EExitCode::WrongUsage},
         {{"path", "@", "orders", "region", "--selector", "ask"}, EExitCode::WrongUsage},
         {{"path", "@", "orders", "region", "--set", "NewAlgo"}, EExitCode::WrongUsage},
+        {{"subjects", "@", "orders", "region", "--format", "sql"}, EExitCode::WrongUsage},
         {{"path", "/no/such/file", "a", "b"}, EExitCode::CannotReadOrWrite},
         {{"show", "@", "--around", "oders", "--format", "dot"}, EExitCode::WrongUsage},
         {{"path", "@", "orders", "budget", "--cross-product", "deny"}, EExitCode::LibraryError},
@@ -153,7 +154,9 @@ TEST_F(CommandsTest, UrlsOfServersKeepTheirSecrets)
         {{"path", "postgresql://ann@h/db", "a", "b", "--save"},
          EExitCode::WrongUsage,
          "h/db (qere"},
-        {{"import", "@", "--tables", "o*"}, EExitCode::WrongUsage, "only choose from databases on"},
+        {{"import", "@", "--tables", "o*"},
+         EExitCode::WrongUsage,
+         "only be chosen of a database on"},
         {{"import", "@", "--statement-timeout", "-1"}, EExitCode::WrongUsage, "-1"},
         {{"import", "mysq"}, EExitCode::WrongUsage, "did you mean mysql?"},
     };

@@ -160,7 +160,7 @@ class PostgresTest(LiveCase):
         self.assertEqual(list(alone), ["b"])
         self.assertIn("foreign keys left out that lead to tables that are not read: 1\n", notes)
         self.check_refused("path", url, "a", "b", "--tables", "a_3", code=2,
-                           says='--tables: matches nothing: "a_3" (did you mean a_1 or a_2?)')
+                           says='tables: matches nothing: "a_3" (did you mean a_1 or a_2?)')
         self.check_refused("show", url, "--schema", "pubic", code=2, says="did you mean public?")
         asked = run("path", url, "a_1", "b", "--format", "sql")
         self.assertIn('FROM b', asked.stdout)

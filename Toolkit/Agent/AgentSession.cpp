@@ -4,6 +4,7 @@
 #include "Toolkit/Agent/ToolCall.h"
 #include "Toolkit/Agent/ToolList.h"
 #include "Toolkit/Batch/LineReader.h"
+#include "Toolkit/Text/DisplayText.h"
 #include "Toolkit/Text/InputFile.h"
 #include "Toolkit/Text/JsonProblems.h"
 #include "Toolkit/Text/JsonText.h"
@@ -19,6 +20,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr const char* kParamsPointer = "/params";
 constexpr const char* kMetaKey = "_meta";
 constexpr const char* kVersionKey = "io.modelcontextprotocol/protocolVersion";
 constexpr const char* kCapabilitiesKey = "io.modelcontextprotocol/clientCapabilities";
@@ -49,32 +51,33 @@ nlohmann::json ParseLine(const RequestLine& line)
 }
 
 /// Returns the text of the member. Throws RpcFailure when there is none.
-std::string RequireText(const nlohmann::json& object, const char* key)
+/// Returns the text under the key of an object, which stands at the pointer in its message.
+std::string RequireText(const nlohmann::json& object, const std::string& pointer, const char* key)
 {
     const auto found = object.find(key);
     if (found == object.end() || !found->is_string())
         throw RpcFailure(ERpcError::InvalidParameters,
-                         "/params/" + std::string(key) + ": must be a string");
+                         ChildPointer(pointer, key) + ": must be a string");
     return found->get<std::string>();
 }
 
 RpcFailure RefuseRevision(const std::string& asked)
 {
     return RpcFailure(ERpcError::UnknownRevision,
-                      "The protocol's revision \"" + asked + "\" is not spoken here",
+                      "The protocol's revision \"" + ToDisplayText(asked) + "\" is not spoken here",
                       {{"supported", ListRevisionNames()}, {"requested", asked}});
 }
 
 PendingCall ReadCall(const RpcMessage& message, const Revision& revision)
 {
     PendingCall call{.id = message.id,
-                     .tool = RequireText(message.params, "name"),
+                     .tool = RequireText(message.params, kParamsPointer, "name"),
                      .arguments = message.params.value("arguments", nlohmann::json::object()),
                      .revision = &revision};
     const std::vector<std::string> tools = ListToolNames();
     if (std::find(tools.begin(), tools.end(), call.tool) == tools.end())
         throw RpcFailure(ERpcError::InvalidParameters,
-                         "There is no tool \"" + call.tool + '"' +
+                         "There is no tool \"" + ToDisplayText(call.tool) + '"' +
                              ToHint(model::NearestNames(call.tool, {tools.begin(), tools.end()})));
     if (!call.arguments.is_object())
         throw RpcFailure(ERpcError::InvalidParameters, "/params/arguments: must be an object");
@@ -167,7 +170,8 @@ void AgentSession::React(const RpcMessage& message, Reaction& reaction)
     else if (message.method == "server/discover" && !hasHandshake)
         answer(Complete(Discover(), revision));
     else
-        throw RpcFailure(ERpcError::UnknownMethod, "There is no method \"" + message.method + '"');
+        throw RpcFailure(ERpcError::UnknownMethod,
+                         "There is no method \"" + ToDisplayText(message.method) + '"');
 }
 
 void AgentSession::Note(const RpcMessage& notification, Reaction& reaction) const
@@ -181,7 +185,8 @@ const Revision& AgentSession::FindMessageRevision(const RpcMessage& message) con
 {
     const auto meta = message.params.find(kMetaKey);
     if (meta != message.params.end() && meta->is_object() && meta->contains(kVersionKey)) {
-        const std::string name = RequireText(*meta, kVersionKey);
+        const std::string name =
+            RequireText(*meta, ChildPointer(kParamsPointer, kMetaKey), kVersionKey);
         const Revision* const revision = FindRevision(name);
         if (revision == nullptr || revision->opening == Revision::EOpening::Handshake)
             throw RefuseRevision(name);
@@ -200,7 +205,7 @@ const Revision& AgentSession::FindMessageRevision(const RpcMessage& message) con
 
 Json AgentSession::Shake(const RpcMessage& message)
 {
-    mShaken = &NegotiateRevision(RequireText(message.params, "protocolVersion"));
+    mShaken = &NegotiateRevision(RequireText(message.params, kParamsPointer, "protocolVersion"));
     return {{"protocolVersion", mShaken->name},
             {"capabilities", {{"tools", Json::object()}}},
             {"serverInfo", GetServerInfo()},

@@ -160,9 +160,10 @@ std::string SubjectName(const model::Model& model, const amd_id& subject)
     const model::ObjectRecord* const record = model.Find(subject);
     if (record == nullptr)
         return ToText(subject);
-    const bool isUnique =
-        model.FindByName(ENameKind::Subject, model::QualifiedName{record->name}).size() == 1;
-    return isUnique ? record->name : model::ToText(model.GetQualifiedName(subject));
+    // A name without parents may lead to another subject, which is in no namespace.
+    const auto found = model.FindByName(ENameKind::Subject, model::QualifiedName{record->name});
+    const bool isEnough = found == std::vector{subject};
+    return isEnough ? record->name : model::ToText(model.GetQualifiedName(subject));
 }
 
 std::string JoinName(const model::Model& model, const amd_id& join)

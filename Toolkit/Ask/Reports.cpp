@@ -10,6 +10,7 @@
 #include "Toolkit/Ask/Question.h"
 #include "Toolkit/Ask/RequestBasis.h"
 #include "Toolkit/Ask/ResolvedQuestion.h"
+#include "Toolkit/Ask/Risks.h"
 #include "Toolkit/Model/ToolModel.h"
 
 namespace qe::tool {
@@ -50,7 +51,7 @@ FactReport FindFacts(const std::vector<AnswerJoin>& joins)
 FactReport FindPathFacts(const Answer& answer)
 {
     std::vector<AnswerJoin> joins;
-    for (const amd_id& join : answer.path)
+    for (const amd_id& join : GetAnsweredPath(answer))
         joins.push_back(*answer.FindJoin(join));
     return FindFacts(joins);
 }

@@ -39,7 +39,7 @@ struct FactReport
 /// Returns the facts and dimensions of the joins.
 [[nodiscard]] FactReport FindFacts(const std::vector<AnswerJoin>& joins);
 
-/// Returns the facts and dimensions of the answer's path.
+/// Returns the facts and dimensions of the answer's path, or of the first of its best paths.
 [[nodiscard]] FactReport FindPathFacts(const Answer& answer);
 
 /// Returns all joins of the model that can be read, in id order.

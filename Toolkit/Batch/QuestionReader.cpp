@@ -15,6 +15,7 @@ namespace {
 constexpr NumberRange kGovernorRange{.minimum = -1000000, .maximum = 1000000};
 
 const char* const kSubjects = "subjects";
+const char* const kSecondSet = "secondSet";
 
 JsonWords<EOperation> OperationWords()
 {
@@ -37,6 +38,19 @@ JsonWords<AQE_RequestContext::ECommandType> CommandTypeWords()
     return {kCommandTypeWords.begin(), kCommandTypeWords.end()};
 }
 
+/// Tells which lists a question cannot do without.
+void RequireSubjects(const Question& question, JsonProblems& problems)
+{
+    const auto require = [&problems](const std::vector<std::string>& names, const char* key) {
+        if (names.empty())
+            problems.Add(ChildPointer("", key), "must name at least one subject");
+    };
+    require(question.subjects, kSubjects);
+    if (question.operation == EOperation::PathBetween ||
+        question.operation == EOperation::BestPathsBetween)
+        require(question.secondSet, kSecondSet);
+}
+
 /// Replaces a value by what was read, if anything was.
 template <typename Value, typename Read>
 void Replace(Value& value, const std::optional<Read>& read)
@@ -48,7 +62,7 @@ void Replace(Value& value, const std::optional<Read>& read)
 void ReadLists(JsonObject& request, Question& question)
 {
     Replace(question.subjects, request.GetTexts(kSubjects));
-    Replace(question.secondSet, request.GetTexts("secondSet"));
+    Replace(question.secondSet, request.GetTexts(kSecondSet));
     Replace(question.favouredJoins, request.GetTexts("favouredJoins"));
     Replace(question.requiredJoins, request.GetTexts("requiredJoins"));
     Replace(question.avoidedJoins, request.GetTexts("avoidedJoins"));
@@ -99,8 +113,8 @@ Question ReadQuestion(const RequestDocument& request, const Question& defaults)
 {
     JsonProblems problems = request.problems;
     Question question = ReadAll(request.json, defaults, problems);
-    if (problems.IsEmpty() && question.subjects.empty())
-        problems.Add(ChildPointer("", kSubjects), "must name at least one subject");
+    if (problems.IsEmpty())
+        RequireSubjects(question, problems);
     problems.ThrowIfAny();
     return question;
 }

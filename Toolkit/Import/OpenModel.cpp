@@ -167,7 +167,7 @@ void RejectPatterns(const ImportOptions& options)
 {
     if (!options.server.patterns.IsEmpty())
         throw PatternError(
-            {InputProblem{"--tables and --schema", "only choose from databases on servers"}});
+            {InputProblem{"schemas and tables", "can only be chosen of a database on a server"}});
 }
 
 void RejectUrl(const std::filesystem::path& path)

@@ -108,6 +108,7 @@ void CheckSqlOptions(const AskOptions& options)
 AskResult Run(const AskOptions& options, const CommandContext& context)
 {
     CheckSqlOptions(options);
+    BlameArguments([&] { RequireForm(options.asked.question, *options.format); });
     CheckSaveOptions(options.save, options.asked.model);
     const NoticeContext notices(options.risks, context);
     AskResult result{.model = OpenModel(options.asked, notices.Get()), .output = options.output};

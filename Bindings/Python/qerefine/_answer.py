@@ -67,8 +67,9 @@ class Ambiguity:
     advice: str
 
 
-class Answer:
-    """The answer to one question. It never changes, and outlives its model."""
+class Answer(_library.Held):
+    """The answer to one question. It never changes, and outlives its model. Processes cannot share
+    it; to_dict() is what they can."""
 
     def __init__(self, handle: Any) -> None:
         self._handle = handle
@@ -120,8 +121,8 @@ class Answer:
             skip_passed_tables: bool = False, start: Optional[str] = None) -> str:
         """Returns a FROM clause along the path, or a whole SELECT of the subjects' first items.
 
-        Raises NoSuchFormError where the dialect cannot express it, and UsageError for a dialect
-        that there is not.
+        Raises NoSuchFormError where the dialect cannot express it and for the operation
+        "subjects", which finds no joins, and UsageError for a dialect that there is not.
         """
         return self._write("sql", dialect=dialect, select=select, inner=inner, start=start,
                            skip_passed_tables=skip_passed_tables)

@@ -2,10 +2,26 @@
 from __future__ import annotations
 
 import json
-from typing import Any, Callable, Dict, List, Mapping, cast
+from typing import Any, Callable, Dict, List, Mapping, NoReturn, TypeVar, cast
 
 from ._errors import KINDS, InternalError, Mistake, QerefineError
 from ._native import ffi, lib
+
+_Self = TypeVar("_Self", bound="Held")
+
+
+class Held:
+    """What the C library holds. It never changes, so that a copy is the same; and it cannot leave
+    its process."""
+
+    def __copy__(self: _Self) -> _Self:
+        return self
+
+    def __deepcopy__(self: _Self, _memo: Any) -> _Self:
+        return self
+
+    def __reduce__(self) -> NoReturn:
+        raise TypeError(f"{type(self).__name__} cannot be pickled: it belongs to its process")
 
 
 def version() -> str:
@@ -87,6 +103,8 @@ def _to_camel(name: str) -> str:
 
 def path_bytes(path: str) -> bytes:
     """Returns the path as the system has it, zero bytes refused."""
+    if not isinstance(path, str):
+        raise TypeError(f"a path is a str or a pathlib.Path, not {type(path).__name__}")
     encoded = path.encode("utf-8", "surrogateescape")
     if b"\0" in encoded:
         raise ValueError("a path must not hold the character U+0000")

@@ -5,23 +5,33 @@ import functools
 import json
 import os
 import pathlib
-from typing import Any, Dict, Iterable, List, Mapping, Optional, Sequence, Union, cast
+from typing import Any, Dict, Iterable, List, Mapping, Optional, Union, cast
 
-from . import _library
+from . import _graph, _library
 from ._answer import Answer
-from ._errors import InternalError, NoSuchFormError, NotConnectedError, RefusedError
+from ._errors import (
+    InternalError,
+    Mistake,
+    ModelError,
+    NoSuchFormError,
+    NotConnectedError,
+    RefusedError,
+)
 from ._native import ffi, lib
 
-Requests = Union[str, "os.PathLike[str]", Iterable[Mapping[str, Any]]]
+File = Union[str, "os.PathLike[str]"]
+Files = Union[File, Iterable[File]]
+Requests = Union[File, Iterable[Mapping[str, Any]]]
 
 
-class Model:
-    """An open model. It never changes, and threads may share it."""
+class Model(_library.Held):
+    """An open model. It never changes, and threads may share it. Processes cannot: each opens its
+    own."""
 
-    def __init__(self, source: Union[str, os.PathLike[str]], *, kind: Optional[str] = None,
-                 roles: Optional[str] = None, schemas: Optional[Sequence[str]] = None,
-                 tables: Optional[Sequence[str]] = None, statement_timeout: Optional[int] = None,
-                 history: Optional[Sequence[Union[str, os.PathLike[str]]]] = None,
+    def __init__(self, source: File, *, kind: Optional[str] = None,
+                 roles: Optional[str] = None, schemas: Optional[Iterable[str]] = None,
+                 tables: Optional[Iterable[str]] = None, statement_timeout: Optional[int] = None,
+                 history: Optional[Files] = None,
                  settings: Optional[Mapping[str, int]] = None) -> None:
         """Opens whatever holds a model: a model file, an SQLite database, SQL statements, a file or
         folder of another tool such as a manifest of dbt, or the URL of a database on a server.
@@ -42,7 +52,7 @@ class Model:
     @classmethod
     def from_bytes(cls, data: Union[bytes, str], name: str = "model", *,
                    kind: Optional[str] = None, roles: Optional[str] = None,
-                   history: Optional[Sequence[Union[str, os.PathLike[str]]]] = None,
+                   history: Optional[Files] = None,
                    settings: Optional[Mapping[str, int]] = None) -> Model:
         """Opens what the bytes of a file are; messages call it `name`. See Model()."""
         options = _open_options(kind, roles, None, None, None, history, settings)
@@ -53,14 +63,14 @@ class Model:
                                            _library.path_bytes(name), options)
         return model
 
-    def path(self, *subjects: str, favoured_joins: Optional[Sequence[str]] = None,
-             required_joins: Optional[Sequence[str]] = None,
-             avoided_joins: Optional[Sequence[str]] = None,
-             favoured_subjects: Optional[Sequence[str]] = None,
-             only_subjects: Optional[Sequence[str]] = None,
-             without_subjects: Optional[Sequence[str]] = None,
-             only_joins: Optional[Sequence[str]] = None,
-             without_joins: Optional[Sequence[str]] = None,
+    def path(self, *subjects: str, favoured_joins: Optional[Iterable[str]] = None,
+             required_joins: Optional[Iterable[str]] = None,
+             avoided_joins: Optional[Iterable[str]] = None,
+             favoured_subjects: Optional[Iterable[str]] = None,
+             only_subjects: Optional[Iterable[str]] = None,
+             without_subjects: Optional[Iterable[str]] = None,
+             only_joins: Optional[Iterable[str]] = None,
+             without_joins: Optional[Iterable[str]] = None,
              selector: Optional[str] = None, cross_product: Optional[int] = None,
              use_straightest_path: Optional[bool] = None) -> Answer:
         """Returns the joins that connect the subjects, with alternatives and risks.
@@ -90,13 +100,16 @@ class Model:
 
         Raises RequestError, UnknownNameError and AmbiguousNameError.
         """
-        return Answer(_library.get_answer(self._handle, _library.to_json(dict(request))))
+        return Answer(_library.get_answer(self._handle, _to_line(request)))
 
     def batch(self, requests: Requests, *, jobs: int = 1, alternatives: Optional[int] = None,
               defaults: Optional[Mapping[str, Any]] = None) -> List[Dict[str, Any]]:
         """Returns a dictionary for each request, in their order: an answer, or the `error` of a
         request that could not be answered. `requests` are dictionaries, or the path of a file with
-        one JSON object a line. `alternatives` is how many candidates each lists; 0: all."""
+        one JSON object a line. `alternatives` is how many candidates each lists; 0: all.
+
+        Raises ModelError for a file that cannot be read, and UsageError for options.
+        """
         lines = _read_requests(requests)
         text = _library.get_text(
             lib.qe_model_batch, self._handle, lines, len(lines),
@@ -106,8 +119,8 @@ class Model:
         return [json.loads(line) for line in text.split("\n") if line]
 
     def check(self, *, severities: Optional[Mapping[str, str]] = None,
-              baseline: Optional[Union[str, os.PathLike[str]]] = None,
-              limit: Optional[int] = None, accepted: Optional[bool] = None) -> Dict[str, Any]:
+              baseline: Optional[File] = None, limit: Optional[int] = None,
+              accepted: Optional[bool] = None) -> Dict[str, Any]:
         """Returns what a modeller should know about the model: see "check" in the schema.
         `limit` is how many findings of each rule are listed (20; 0: all)."""
         options = {"severities": severities, "limit": limit, "accepted": accepted,
@@ -125,20 +138,20 @@ class Model:
         return self._get_json(lib.qe_model_shortcuts, ffi.NULL)
 
     def evaluate(self, requests: Requests, *,
-                 history: Optional[Union[str, Sequence[Union[str, os.PathLike[str]]]]] = None,
+                 history: Optional[Files] = None,
                  defaults: Optional[Mapping[str, Any]] = None) -> Dict[str, Any]:
         """Returns how often answers are the joins that people wrote, in percent: see "evaluation"
         in the schema. Each request holds its `joins`, pairs of "table.column".
 
         `history` is "leave-one-out" or "replay", where the requests are each other's history, or
-        files of past queries in place of the model's.
+        files of past queries in place of the model's; a single one as a path, not as a str.
         """
         lines = _read_requests(requests)
         chosen: Dict[str, Any] = {"defaults": defaults}
         if isinstance(history, str):
             chosen["round"] = history
         elif history is not None:
-            chosen["history"] = [os.fspath(file) for file in history]
+            chosen["history"] = _to_paths(history)
         return self._get_json(lib.qe_model_evaluate, lines, len(lines),
                               _library.to_options(chosen))
 
@@ -158,18 +171,9 @@ class Model:
         return cast(List[str], json.loads(_library.get_text(lib.qe_model_notes, self._handle)))
 
     def to_networkx(self) -> Any:
-        """Returns the subjects and relationships as a networkx.MultiGraph. Raises ImportError
-        without networkx."""
-        import networkx  # type: ignore[import]
-
-        graph = networkx.MultiGraph()
-        for part in _walk(self.to_dict()):
-            for key in ("subjects", "shortcuts"):
-                graph.add_nodes_from(subject["name"] for subject in part.get(key, ()))
-            for join in part.get("relationships", ()):
-                graph.add_edge(_to_name(join["left"]), _to_name(join["right"]), key=join["name"],
-                               condition=join.get("condition", ""))
-        return graph
+        """Returns the subjects and relationships as a networkx.MultiGraph. Where several subjects
+        share a name, their parents stand before it. Raises ImportError without networkx."""
+        return _graph.to_networkx(self.to_dict())
 
     def _get_json(self, call: Any, *arguments: Any) -> Dict[str, Any]:
         text = _library.get_text(call, self._handle, *arguments)
@@ -189,24 +193,39 @@ class Model:
         return None if picture is None else f"<div>{picture[picture.find('<svg'):]}</div>"
 
 
-def _open_options(kind: Optional[str], roles: Optional[str], schemas: Optional[Sequence[str]],
-                  tables: Optional[Sequence[str]], statement_timeout: Optional[int],
-                  history: Optional[Sequence[Union[str, os.PathLike[str]]]],
-                  settings: Optional[Mapping[str, int]]) -> bytes:
-    files = None if history is None else [os.fspath(file) for file in history]
+def _open_options(kind: Optional[str], roles: Optional[str], schemas: Optional[Iterable[str]],
+                  tables: Optional[Iterable[str]], statement_timeout: Optional[int],
+                  history: Optional[Files], settings: Optional[Mapping[str, int]]) -> bytes:
     return _library.to_options({
-        "from": kind, "roles": roles, "schemas": schemas, "tables": tables,
-        "statement_timeout": statement_timeout, "history": files, "settings": settings})
+        "from": kind, "roles": roles, "schemas": _to_list(schemas), "tables": _to_list(tables),
+        "statement_timeout": statement_timeout,
+        "history": None if history is None else _to_paths(history), "settings": settings})
 
 
 def _to_list(value: Any) -> Any:
-    return list(value) if isinstance(value, tuple) else value
+    # The library tells what is wrong with a text in place of a list.
+    return list(value) if isinstance(value, Iterable) and not isinstance(value, str) else value
+
+
+def _to_paths(files: Files) -> List[str]:
+    listed = [files] if isinstance(files, (str, os.PathLike)) else files
+    return [os.fspath(file) for file in listed]
+
+
+def _to_line(request: Mapping[str, Any]) -> bytes:
+    if not isinstance(request, Mapping):
+        raise TypeError(f"a request is a dictionary, not a {type(request).__name__}")
+    return _library.to_json(dict(request))
 
 
 def _read_requests(requests: Requests) -> bytes:
-    if isinstance(requests, (str, os.PathLike)):
+    if not isinstance(requests, (str, os.PathLike)):
+        return b"\n".join(map(_to_line, requests))
+    try:
         return pathlib.Path(requests).read_bytes()
-    return b"\n".join(_library.to_json(dict(request)) for request in requests)
+    except OSError as error:
+        mistake = Mistake(os.fspath(requests), f"cannot be read: {error.strerror}", [])
+        raise ModelError(f"{mistake.place}: {mistake.message}", [mistake]) from error
 
 
 def _raise_failed(answer: Answer) -> None:
@@ -215,14 +234,3 @@ def _raise_failed(answer: Answer) -> None:
         raise RefusedError(answer.to_dict()["error"]["text"])
     if outcome == lib.QE_ANSWER_FAILED:
         raise InternalError(answer.to_dict()["error"]["text"])
-
-
-def _to_name(reference: Any) -> str:
-    return ".".join(reference) if isinstance(reference, list) else str(reference)
-
-
-def _walk(part: Mapping[str, Any]) -> Iterable[Mapping[str, Any]]:
-    yield part
-    for key in ("namespaces", "folders"):
-        for child in part.get(key, ()):
-            yield from _walk(child)

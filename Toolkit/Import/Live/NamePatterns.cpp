@@ -46,15 +46,14 @@ bool MatchesAny(const Patterns& patterns, const std::string& name)
 }
 
 /// Throws a PatternError when one of the patterns matches none of the names.
-void RequireMatches(const Patterns& patterns, const std::set<std::string>& names,
-                    const char* option)
+void RequireMatches(const Patterns& patterns, const std::set<std::string>& names, const char* place)
 {
     std::vector<InputProblem> problems;
     for (const std::string& pattern : patterns)
         if (std::none_of(names.begin(), names.end(),
                          [&pattern](const auto& name) { return Matches(pattern, name); }))
             problems.push_back(
-                {.place = option,
+                {.place = place,
                  .text = "matches nothing: \"" + pattern + '"',
                  .nearestNames = model::NearestNames(pattern, {names.begin(), names.end()})});
     if (!problems.empty())
@@ -68,14 +67,14 @@ void SelectTables(LiveListing& listing, const TablePatterns& patterns)
     std::set<std::string> schemas;
     for (const LiveTable& table : listing.tables)
         schemas.insert(table.name.schema);
-    RequireMatches(patterns.schemas, schemas, "--schema");
+    RequireMatches(patterns.schemas, schemas, "schemas");
     std::erase_if(listing.tables, [&](const LiveTable& table) {
         return !MatchesAny(patterns.schemas, table.name.schema);
     });
     std::set<std::string> tables;
     for (const LiveTable& table : listing.tables)
         tables.insert(table.name.name);
-    RequireMatches(patterns.tables, tables, "--tables");
+    RequireMatches(patterns.tables, tables, "tables");
     std::erase_if(listing.tables, [&](const LiveTable& table) {
         return !MatchesAny(patterns.tables, table.name.name);
     });
